@@ -1,0 +1,46 @@
+# The few CMake words this project uses: one static library per folder, one test program per
+# folder, everything with the same warnings and the same include root (the project's own folder).
+
+add_library(quorin_options INTERFACE)
+target_include_directories(quorin_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(quorin_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(QUORIN_WERROR)
+  target_compile_options(quorin_options INTERFACE -Werror)
+endif()
+if(QUORIN_SANITIZE)
+  target_compile_options(quorin_options INTERFACE -fsanitize=${QUORIN_SANITIZE}
+                         -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(quorin_options INTERFACE -fsanitize=${QUORIN_SANITIZE})
+  # g++ 12 reports false positives of these two with the sanitizers' instrumentation.
+  target_compile_options(quorin_options INTERFACE -Wno-maybe-uninitialized -Wno-restrict)
+endif()
+find_package(Threads REQUIRED)
+target_link_libraries(quorin_options INTERFACE Threads::Threads)
+
+# quorin_library(NAME SOURCES file... [LIBS library...]): one folder's static library.
+function(quorin_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
+endfunction()
+
+# quorin_test(NAME LABEL unit|calc|ui SOURCES file... LIBS library...): one GoogleTest program.
+# Unit tests are found one by one; programs that share an expensive peer (an office, a display)
+# run as a whole, one at a time, and leave their counts in an XML file beside the build.
+function(quorin_test name)
+  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main quorin_options)
+  if(ARG_LABEL STREQUAL "unit")
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES LABELS unit TIMEOUT ${ARG_TIMEOUT})
+  else()
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
+      RUN_SERIAL TRUE ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
+      SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
+  endif()
+endfunction()
