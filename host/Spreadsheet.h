@@ -1,8 +1,10 @@
 // Spreadsheet: what Excel's object model needs of the program that holds the workbooks, in plain
 // values. One implementation drives LibreOffice Calc, the tests have one in memory.
 //
-// All calls come from one thread. Workbooks and sheets are named, never held; a name that is not
-// there is SpreadsheetError -1728. Rows and columns are 1-based, areas inclusive.
+// All calls come from one thread. Workbooks and sheets are named, never held, in the spelling that
+// workbooks() and worksheets() give; a name that is not there is SpreadsheetError -1728, a program
+// that is not running -600 and one that died during the call -609. Rows and columns are 1-based,
+// areas inclusive, at most 1048576 rows and 16384 columns.
 #pragma once
 
 #include <optional>
@@ -70,6 +72,8 @@ struct Bounds {
 
 enum class ReferenceStyle { a1, r1c1 };
 
+enum class DependentLevels { direct, all };
+
 // The result of evaluating an expression: a value, a rectangle of values, or a reference.
 using Evaluation = std::variant<CellValue, Grid<CellValue>, RangeRef>;
 
@@ -77,40 +81,56 @@ class Spreadsheet {
  public:
   virtual ~Spreadsheet() = default;
 
-  virtual bool isRunning() = 0;
+  virtual bool isRunning() = 0;  // without waiting for the program
   virtual std::string version() = 0;
   virtual bool isFrontmost() = 0;
   virtual void activate() = 0;  // brings the program to the front
 
   virtual std::vector<std::string> workbooks() = 0;  // the user's, in the order of opening
   virtual std::vector<std::string> worksheets(const std::string& book) = 0;
-  virtual std::optional<Bounds> windowBounds(int index) = 0;  // 1-based, 1 is the active one
+  // 1-based: 1 is the active workbook's window, then those of the others in the order of opening.
+  // Nothing when there is no such window or the system does not tell where it is.
+  virtual std::optional<Bounds> windowBounds(int index) = 0;
 
+  // These four give nothing when no workbook is open.
   virtual std::optional<std::string> activeWorkbook() = 0;
   virtual std::optional<SheetRef> activeSheet() = 0;
   virtual std::optional<RangeRef> activeCell() = 0;
   virtual std::optional<RangeRef> selection() = 0;  // of cells, also while a shape is selected
+  virtual SheetRef activeSheetOf(const std::string& book) = 0;  // the one on top in its window
 
-  // Selects the range, on its sheet, and brings it into view. -10000 while a cell is being edited.
-  virtual void goTo(const RangeRef& range) = 0;
-  virtual void select(const RangeRef& range) = 0;
+  // What moves the selection or the view. All of them: -10000 while a cell is being edited, with
+  // the edit left as it is. The range's workbook and sheet become the active ones.
+  virtual void goTo(const RangeRef& range) = 0;    // selects it and brings it into view
+  virtual void select(const RangeRef& range) = 0;  // the first area's first cell becomes active
+  virtual void activateWorkbook(const std::string& book) = 0;
+  virtual void activateSheet(const SheetRef& sheet) = 0;
+  // Makes the range's first cell the active one; the selection stays when it holds that cell.
+  virtual void activateCell(const RangeRef& range) = 0;
+  // Scrolls the window so that the range's first cell is its top left one.
+  virtual void scrollTo(const RangeRef& range) = 0;
 
-  // Resolves a defined name as seen from a sheet; nothing when there is none or it is no range.
+  // Resolves a defined name, in any case, as seen from a sheet: the sheet's own names first, then
+  // the workbook's. Nothing when there is none or it is no range.
   virtual std::optional<RangeRef> named(const SheetRef& from, const std::string& name) = 0;
+  // The block around the first area that blank rows and columns enclose; a lone cell is its own.
   virtual std::optional<RangeRef> currentRegion(const RangeRef& range) = 0;
-  virtual std::optional<RangeRef> usedRange(const SheetRef& sheet) = 0;
-  virtual std::optional<RangeRef> directDependents(const RangeRef& range) = 0;
+  virtual std::optional<RangeRef> usedRange(const SheetRef& sheet) = 0;  // A1 of a blank sheet
+  // Cells of the same sheet whose formulas refer to the range, directly or at any distance, as
+  // areas in no fixed cut or order; without the range's own cells. Nothing when there are none.
+  virtual std::optional<RangeRef> dependents(const RangeRef& range, DependentLevels levels) = 0;
 
-  // Of the first area, in the range's shape.
+  // Of the first area, in its shape. -50 for more cells than the program can hand over at once.
   virtual Grid<CellValue> values(const RangeRef& range) = 0;  // dates as serial numbers
-  // A formula as text beginning with "=", a constant as its value. English function names,
-  // commas, Excel's reference forms.
+  // A formula as text beginning with "=", a constant as its value, a blank cell as Blank. English
+  // function names, commas, Excel's reference forms.
   virtual Grid<CellValue> formulas(const RangeRef& range, ReferenceStyle style) = 0;
   virtual Grid<CellValue> localFormulas(const RangeRef& range) = 0;  // in the user's own grammar
   virtual Grid<std::string> displayedTexts(const RangeRef& range) = 0;
 
-  // Evaluates Excel formula text without its "=", as seen from a sheet. Leaves no trace in the
-  // workbook, its undo list, its modified flag or its view.
+  // Evaluates Excel formula text without its "=", as seen from a sheet. Text that does not parse
+  // gives an error value, most often #NAME?. Leaves no trace in the workbook, its undo list, its
+  // modified flag or its view.
   virtual Evaluation evaluate(const std::string& expression, const SheetRef& from) = 0;
 };
 
