@@ -22,8 +22,8 @@ struct AppleEvent {
 };
 
 struct AppleEventError {
-  int number = 0;                               // never 0 in a reply that failed
-  std::string message;                          // the application's own text, may be empty
+  int number = 0;                                // never 0 in a reply that failed
+  std::string message;                           // the application's own text, may be empty
   std::optional<AppleEventDescriptor> offender;  // the object that could not be resolved
 };
 

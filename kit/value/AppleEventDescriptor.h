@@ -1,6 +1,7 @@
 // AppleEventDescriptor: one value as it travels in an Apple event, a type code and its data.
 // A plain value type for any thread; an array or record owns its children. The macOS adapter maps
 // it to NSAppleEventDescriptor one to one; the Linux engine and host speak it natively.
+// Copying and comparing recurse once per level; destruction does not and is safe at any depth.
 #pragma once
 
 #include <cstdint>
@@ -21,18 +22,23 @@ class AppleEventDescriptor {
   using Fields = std::vector<Field>;                // a record's fields, in order
 
   AppleEventDescriptor();  // the null descriptor
+  AppleEventDescriptor(const AppleEventDescriptor&) = default;
+  AppleEventDescriptor(AppleEventDescriptor&&) noexcept = default;
+  AppleEventDescriptor& operator=(const AppleEventDescriptor& other);
+  AppleEventDescriptor& operator=(AppleEventDescriptor&& other) noexcept;
+  ~AppleEventDescriptor();
 
   static AppleEventDescriptor null();
-  static AppleEventDescriptor boolean(bool value);             // 'true' or 'fals'
-  static AppleEventDescriptor integer(std::int32_t value);     // 'long'
-  static AppleEventDescriptor real(double value);              // 'doub'
-  static AppleEventDescriptor text(std::string utf8);          // 'utxt', kept as UTF-8 here
-  static AppleEventDescriptor typeCode(FourCharCode code);     // 'type'
-  static AppleEventDescriptor enumerator(FourCharCode code);   // 'enum'
-  static AppleEventDescriptor missingValue();                  // 'type' 'msng'
-  static AppleEventDescriptor list(Items items = {});          // 'list'
-  static AppleEventDescriptor record(Fields fields = {});      // 'reco'
-  static AppleEventDescriptor specifier(Fields fields);        // 'obj '
+  static AppleEventDescriptor boolean(bool value);            // 'true' or 'fals'
+  static AppleEventDescriptor integer(std::int32_t value);    // 'long'
+  static AppleEventDescriptor real(double value);             // 'doub'
+  static AppleEventDescriptor text(std::string utf8);         // 'utxt', kept as UTF-8 here
+  static AppleEventDescriptor typeCode(FourCharCode code);    // 'type'
+  static AppleEventDescriptor enumerator(FourCharCode code);  // 'enum'
+  static AppleEventDescriptor missingValue();                 // 'type' 'msng'
+  static AppleEventDescriptor list(Items items = {});         // 'list'
+  static AppleEventDescriptor record(Fields fields = {});     // 'reco'
+  static AppleEventDescriptor specifier(Fields fields);       // 'obj '
   // Any other type: numbers of the other widths, text of the other encodings, raw data.
   static AppleEventDescriptor withInteger(FourCharCode type, std::int64_t value);
   static AppleEventDescriptor withReal(FourCharCode type, double value);
@@ -43,13 +49,14 @@ class AppleEventDescriptor {
   FourCharCode type() const { return type_; }
   bool isMissingValue() const;
 
-  std::optional<bool> booleanValue() const;           // of 'true', 'fals' and 'bool'
-  std::optional<std::int64_t> integerValue() const;   // of integers and of integral reals
-  std::optional<double> doubleValue() const;          // of every number type
+  std::optional<bool> booleanValue() const;             // of 'true', 'fals' and 'bool'
+  std::optional<std::int64_t> integerValue() const;     // of integers and of integral reals
+  std::optional<double> doubleValue() const;            // of every number type
   std::optional<std::string_view> stringValue() const;  // valid UTF-8 of a text type, else none
-  std::optional<FourCharCode> codeValue() const;      // of 'type', 'enum', 'prop' and 'keyw'
+  std::optional<FourCharCode> codeValue() const;        // of 'type', 'enum', 'prop' and 'keyw'
 
-  // A list's items or a record's fields; empty for every other type. Positions are 0-based here.
+  // A list's items or a record's fields; empty for every other type, where changes to them are
+  // lost. Positions are 0-based here.
   const Items& items() const;
   Items& items();
   const Fields& fields() const;
@@ -61,6 +68,8 @@ class AppleEventDescriptor {
  private:
   using Data = std::variant<std::monostate, std::int64_t, double, std::string, Items, Fields>;
   AppleEventDescriptor(FourCharCode type, Data data);
+  bool hasChildren() const;
+  void takeChildren(Items& pending);  // moves the children that have children to `pending`
 
   FourCharCode type_;
   Data data_;

@@ -1,5 +1,9 @@
 // JSONValue: the one dynamic value of the system, for arguments, results, replies and events.
 // A plain value type for any thread. Numbers are doubles; there is no integer case.
+//
+// Copying and comparing recurse once per level, so nothing enters the system deeper than
+// maximumDepth: the JSON parser refuses such text and the conversions cut such trees off.
+// Destruction does not recurse and is safe at any depth.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +20,9 @@ class JSONValue {
   using Array = std::vector<JSONValue>;
   using Object = std::map<std::string, JSONValue>;  // ordered by the bytes of the UTF-8 keys
 
+  // How many containers may enclose one another in a value that comes from outside.
+  static constexpr std::size_t maximumDepth = 512;
+
   JSONValue() : data_(std::nullptr_t{}) {}
   JSONValue(std::nullptr_t) : data_(std::nullptr_t{}) {}
   JSONValue(bool value) : data_(value) {}
@@ -29,8 +36,17 @@ class JSONValue {
   template <typename T>
   JSONValue(const T*) = delete;
 
+  JSONValue(const JSONValue&) = default;
+  JSONValue(JSONValue&&) noexcept = default;
+  JSONValue& operator=(const JSONValue& other);
+  JSONValue& operator=(JSONValue&& other) noexcept;
+  ~JSONValue() {
+    if (isContainer()) dismantle();
+  }
+
   Case type() const { return static_cast<Case>(data_.index()); }
   bool isNull() const { return type() == Case::null; }
+  bool isContainer() const { return type() == Case::array || type() == Case::object; }
 
   // The payload when the value has that case, else a null pointer.
   const bool* boolean() const { return std::get_if<bool>(&data_); }
@@ -44,10 +60,13 @@ class JSONValue {
   // The member of an object, else a null pointer.
   const JSONValue* member(const std::string& key) const;
 
-  // Same case and equal payload: IEEE equality of numbers, canonical equivalence of strings.
+  // Same case and equal payload: IEEE equality of numbers, canonical equivalence of strings and
+  // of keys. No coercion between cases.
   bool operator==(const JSONValue& other) const;
 
  private:
+  void dismantle() noexcept;  // empties the containers below this one, level by level
+
   std::variant<bool, double, std::string, Array, Object, std::nullptr_t> data_;
 };
 
