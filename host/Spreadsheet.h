@@ -60,6 +60,7 @@ template <typename T>
 struct Grid {
   int rows = 0, columns = 0;
   std::vector<T> cells;
+  bool operator==(const Grid&) const = default;
   const T& at(int row, int column) const {  // 0-based
     return cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) +
                  static_cast<std::size_t>(column)];

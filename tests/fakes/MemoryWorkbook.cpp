@@ -1,0 +1,103 @@
+#include "tests/fakes/MemoryWorkbook.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdio>
+#include <stdexcept>
+
+#include "host/Address.h"
+
+namespace quorin::fakes {
+namespace {
+
+std::string displayed(const host::CellValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* error = std::get_if<host::CellError>(&value)) return error->text;
+  if (const bool* flag = std::get_if<bool>(&value)) return *flag ? "TRUE" : "FALSE";
+  if (const double* number = std::get_if<double>(&value)) {
+    std::array<char, 32> digits;
+    const int length = std::snprintf(digits.data(), digits.size(), "%.10g", *number);
+    return std::string(digits.data(), static_cast<std::size_t>(length));
+  }
+  return {};
+}
+
+}  // namespace
+
+const MemoryCell* MemorySheet::at(int row, int column) const {
+  const auto it = cells.find({row, column});
+  return it == cells.end() ? nullptr : &it->second;
+}
+
+void MemorySheet::set(const CellDescription& cell) {
+  const auto corner = host::parseA1Corner(cell.address);
+  if (!corner || corner->row == 0 || corner->column == 0)
+    throw std::invalid_argument("no cell: " + cell.address);
+  const std::pair position(corner->row, corner->column);
+  if (std::holds_alternative<host::Blank>(cell.value) && cell.formula.empty()) {
+    cells.erase(position);
+    return;
+  }
+  cells[position] = {cell.value, cell.formula,
+                     cell.localFormula.empty() ? cell.formula : cell.localFormula,
+                     cell.text.empty() ? displayed(cell.value) : cell.text};
+}
+
+host::Area MemorySheet::usedArea() const {
+  if (cells.empty()) return {1, 1, 1, 1};
+  host::Area used{cells.begin()->first.first, host::maxColumn, cells.rbegin()->first.first, 1};
+  for (const auto& [position, cell] : cells) {
+    used.firstColumn = std::min(used.firstColumn, position.second);
+    used.lastColumn = std::max(used.lastColumn, position.second);
+  }
+  return used;
+}
+
+host::Area MemorySheet::regionAround(host::Area area) const {
+  // Grows by one row or column at a time towards any side where a cell touches the block.
+  for (;;) {
+    const int top = std::max(area.firstRow - 1, 1), left = std::max(area.firstColumn - 1, 1);
+    const int bottom = std::min(area.lastRow + 1, host::maxRow);
+    const int right = std::min(area.lastColumn + 1, host::maxColumn);
+    host::Area grown = area;
+    if (top < area.firstRow && hasCellIn({top, left, top, right})) grown.firstRow = top;
+    if (bottom > area.lastRow && hasCellIn({bottom, left, bottom, right})) grown.lastRow = bottom;
+    if (left < area.firstColumn && hasCellIn({top, left, bottom, left})) grown.firstColumn = left;
+    if (right > area.lastColumn && hasCellIn({top, right, bottom, right})) grown.lastColumn = right;
+    if (grown == area) return area;
+    area = grown;
+  }
+}
+
+bool MemorySheet::hasCellIn(const host::Area& area) const {
+  return std::any_of(cells.begin(), cells.end(), [&area](const auto& item) {
+    const auto [row, column] = item.first;
+    return host::intersection(area, {row, column, row, column}).has_value();
+  });
+}
+
+MemoryBook::MemoryBook(const WorkbookDescription& description)
+    : name(description.name), names(description.names) {
+  for (const SheetDescription& sheet : description.sheets) {
+    MemorySheet& made = sheets.emplace_back();
+    made.name = sheet.name;
+    for (const CellDescription& cell : sheet.cells) made.set(cell);
+  }
+  if (sheets.empty()) throw std::invalid_argument("a workbook has at least one sheet");
+}
+
+MemorySheet* MemoryBook::sheet(const std::string& sheetName) {
+  const auto it = std::find_if(sheets.begin(), sheets.end(), [&](const MemorySheet& sheet) {
+    return sameName(sheet.name, sheetName);
+  });
+  return it == sheets.end() ? nullptr : &*it;
+}
+
+bool sameName(const std::string& a, const std::string& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
+    return std::toupper(x) == std::toupper(y);
+  });
+}
+
+}  // namespace quorin::fakes

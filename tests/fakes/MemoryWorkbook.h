@@ -1,0 +1,48 @@
+// The workbooks inside MemorySpreadsheet: cells, names and what is selected on each sheet.
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+#include "tests/fakes/WorkbookDescription.h"
+
+namespace quorin::fakes {
+
+struct MemoryCell {
+  host::CellValue value;
+  std::string formula, localFormula;  // empty for a constant
+  std::string text;
+};
+
+struct MemorySheet {
+  std::string name;
+  std::map<std::pair<int, int>, MemoryCell> cells;  // by row and column; no blank ones
+  std::vector<host::Area> selection = {{1, 1, 1, 1}};
+  host::Area activeCell = {1, 1, 1, 1};
+
+  const MemoryCell* at(int row, int column) const;
+  void set(const CellDescription& cell);
+  host::Area usedArea() const;
+  host::Area regionAround(host::Area area) const;
+
+ private:
+  bool hasCellIn(const host::Area& area) const;
+};
+
+struct MemoryBook {
+  explicit MemoryBook(const WorkbookDescription& description);
+  MemorySheet* sheet(const std::string& sheetName);  // in any case; a null pointer when unknown
+
+  std::string name;
+  std::vector<MemorySheet> sheets;
+  std::vector<NameDescription> names;
+  std::size_t activeSheet = 0;
+};
+
+// ASCII letters in any case.
+bool sameName(const std::string& a, const std::string& b);
+
+}  // namespace quorin::fakes

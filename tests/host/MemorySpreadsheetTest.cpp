@@ -1,0 +1,144 @@
+#include <thread>
+
+#include "tests/fakes/MemorySpreadsheet.h"
+#include "tests/host/SpreadsheetContract.h"
+
+namespace quorin::fakes {
+namespace {
+
+class InMemory : public OpenSpreadsheet {
+ public:
+  InMemory() { spreadsheet_.open(knownWorkbook()); }
+  host::Spreadsheet& spreadsheet() override { return spreadsheet_; }
+  std::string book() override { return "Known.xlsx"; }
+
+ private:
+  MemorySpreadsheet spreadsheet_;
+};
+
+std::unique_ptr<OpenSpreadsheet> openInMemory() {
+  return std::make_unique<InMemory>();
+}
+
+INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract, ::testing::Values(&openInMemory));
+
+class MemorySpreadsheetTest : public ::testing::Test {
+ protected:
+  MemorySpreadsheetTest() { spreadsheet.open(knownWorkbook()); }
+  host::RangeRef cell(const char* address) const {
+    return {{"Known.xlsx", "Data"}, host::parseA1(address).value()};
+  }
+  int numberOf(const std::function<void()>& call) {
+    try {
+      call();
+    } catch (const host::SpreadsheetError& error) {
+      return error.number();
+    }
+    return 0;
+  }
+  MemorySpreadsheet spreadsheet;
+};
+
+TEST_F(MemorySpreadsheetTest, RecordsItsCalls) {
+  spreadsheet.values(cell("A1:B2"));
+  spreadsheet.activeCell();
+  EXPECT_EQ(spreadsheet.script.calls(),
+            (std::vector<std::string>{"values [Known.xlsx]Data!$A$1:$B$2", "activeCell"}));
+}
+
+TEST_F(MemorySpreadsheetTest, FailsAtTheCallThatTheScriptNames) {
+  spreadsheet.script.atCall(2, {.number = -609, .message = "Connection is invalid."});
+  EXPECT_EQ(numberOf([&] { spreadsheet.activeCell(); }), 0);
+  EXPECT_EQ(numberOf([&] { spreadsheet.activeCell(); }), -609);
+  EXPECT_EQ(numberOf([&] { spreadsheet.activeCell(); }), 0);
+  spreadsheet.script.atEvery("selection", {.number = -50});
+  EXPECT_EQ(numberOf([&] { spreadsheet.selection(); }), -50);
+  EXPECT_EQ(numberOf([&] { spreadsheet.selection(); }), -50);
+  EXPECT_EQ(numberOf([&] { spreadsheet.activeCell(); }), 0);
+}
+
+TEST_F(MemorySpreadsheetTest, HangsUntilItIsReleased) {
+  spreadsheet.script.atEvery("version", {.hangs = true});
+  std::thread caller([this] { spreadsheet.version(); });
+  spreadsheet.script.waitUntilHung();
+  EXPECT_EQ(spreadsheet.script.calls(), std::vector<std::string>{"version"});
+  spreadsheet.script.release();
+  caller.join();
+}
+
+TEST_F(MemorySpreadsheetTest, TakesItsTimeByTheTestsClock) {
+  ManualClock clock;
+  spreadsheet.script.useClock(&clock);
+  spreadsheet.script.atEvery("values", {.takes = std::chrono::seconds(3)});
+  spreadsheet.values(cell("A1"));
+  EXPECT_EQ(clock.now().time_since_epoch(), std::chrono::seconds(3));
+}
+
+TEST_F(MemorySpreadsheetTest, RefusesMovesWhileACellIsEdited) {
+  spreadsheet.program.editing = true;
+  EXPECT_EQ(numberOf([&] { spreadsheet.goTo(cell("B2")); }), -10000);
+  EXPECT_EQ(numberOf([&] { spreadsheet.select(cell("B2")); }), -10000);
+  EXPECT_EQ(numberOf([&] { spreadsheet.activateCell(cell("B2")); }), -10000);
+  EXPECT_EQ(spreadsheet.activeCell(), cell("A1"));
+}
+
+TEST_F(MemorySpreadsheetTest, AnswersMinus600WhenItDoesNotRun) {
+  spreadsheet.program.running = false;
+  EXPECT_FALSE(spreadsheet.isRunning());
+  EXPECT_EQ(numberOf([&] { spreadsheet.workbooks(); }), -600);
+}
+
+TEST_F(MemorySpreadsheetTest, HasNothingActiveWithoutWorkbooks) {
+  spreadsheet.close("Known.xlsx");
+  EXPECT_EQ(spreadsheet.activeWorkbook(), std::nullopt);
+  EXPECT_EQ(spreadsheet.activeSheet(), std::nullopt);
+  EXPECT_EQ(spreadsheet.activeCell(), std::nullopt);
+  EXPECT_EQ(spreadsheet.selection(), std::nullopt);
+  EXPECT_EQ(spreadsheet.windowBounds(1), std::nullopt);
+}
+
+TEST_F(MemorySpreadsheetTest, EvaluatesFromTheTestsTableFirst) {
+  spreadsheet.answer("1+2", host::CellValue("twelve"));
+  EXPECT_EQ(spreadsheet.evaluate("1+2", cell("A1").sheet),
+            host::Evaluation(host::CellValue("twelve")));
+}
+
+TEST_F(MemorySpreadsheetTest, GivesTheDependentsItIsToldToGive) {
+  spreadsheet.setDependents(cell("B2"), cell("Z9"));
+  spreadsheet.setDependents(cell("B3"), std::nullopt);
+  EXPECT_EQ(spreadsheet.dependents(cell("B2"), host::DependentLevels::direct), cell("Z9"));
+  EXPECT_EQ(spreadsheet.dependents(cell("B3"), host::DependentLevels::all), std::nullopt);
+}
+
+struct Formula {
+  const char* text;
+  host::CellValue result;
+};
+
+class MemoryEvaluation : public ::testing::TestWithParam<Formula> {};
+
+TEST_P(MemoryEvaluation, ComputesAsExcelDoes) {
+  MemorySpreadsheet spreadsheet;
+  spreadsheet.open(knownWorkbook());
+  EXPECT_EQ(spreadsheet.evaluate(GetParam().text, {"Known.xlsx", "Data"}),
+            host::Evaluation(GetParam().result));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, MemoryEvaluation,
+    ::testing::Values(
+        Formula{"-2^2", 4.0}, Formula{"2+3*4", 14.0}, Formula{"(2+3)*4", 20.0}, Formula{"50%", 0.5},
+        Formula{"\"1\"+1", 2.0}, Formula{"\"x\"+1", host::CellError{"#VALUE!"}},
+        Formula{"1=1", true}, Formula{"\"a\"=\"A\"", true}, Formula{"1<\"a\"", true},
+        Formula{"1<>2", true}, Formula{"2>=3", false}, Formula{"NOT(TRUE)", false},
+        Formula{"1.5E+2", 150.0}, Formula{"1&TRUE", "1TRUE"},
+        Formula{"\"say \"\"hi\"\"\"", "say \"hi\""}, Formula{"A4+1", 1.0}, Formula{"A4&\"x\"", "x"},
+        Formula{"IF(A7>1;1;2)", 1.0}, Formula{"#REF!", host::CellError{"#REF!"}},
+        Formula{"Nowhere!A1+1", host::CellError{"#REF!"}}, Formula{"[Known.xlsx]Data!B3+1", 3.0},
+        Formula{"foo(1)", host::CellError{"#NAME?"}}, Formula{"1 2", host::CellError{"#NAME?"}},
+        Formula{"(1", host::CellError{"#NAME?"}}, Formula{"\"open", host::CellError{"#NAME?"}},
+        Formula{"10^400", host::CellError{"#NUM!"}}, Formula{"ERROR.TYPE(NA())", 7.0},
+        Formula{"ISERROR(C4)", true}));
+
+}  // namespace
+}  // namespace quorin::fakes
