@@ -1,0 +1,41 @@
+// Platform: one of each port, made once by `main` on the main thread and alive until the process
+// ends. Windows and views are made from it and must go before it.
+#pragma once
+
+#include <memory>
+
+#include "app/shell/ports/Alerts.h"
+#include "app/shell/ports/Application.h"
+#include "app/shell/ports/Bundle.h"
+#include "app/shell/ports/Clock.h"
+#include "app/shell/ports/Defaults.h"
+#include "app/shell/ports/MainLoop.h"
+#include "app/shell/ports/PanelWindow.h"
+#include "app/shell/ports/WebView.h"
+#include "app/shell/ports/Workspace.h"
+
+namespace quorin {
+
+class Platform {
+ public:
+  virtual ~Platform() = default;
+
+  virtual Application& application() = 0;
+  virtual MainLoop& mainLoop() = 0;
+  virtual Workspace& workspace() = 0;
+  virtual Alerts& alerts() = 0;
+  virtual Defaults& defaults() = 0;
+  virtual Bundle& bundle() = 0;
+  virtual Clock& clock() = 0;
+
+  virtual std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) = 0;
+  virtual std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) = 0;
+
+  // The name of the spreadsheet program, as the page's sentences say it.
+  virtual std::string spreadsheetName() const = 0;
+};
+
+// Defined by exactly one library of a program: app/macos, app/linux, or the tests' fakes.
+std::unique_ptr<Platform> makePlatform();
+
+}  // namespace quorin

@@ -1,0 +1,44 @@
+// Workspace: the other applications of the user's session. Main thread only.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorin {
+
+struct RunningApplication {
+  std::string identifier;  // bundle identifier; empty where there is none
+  int processIdentifier = 0;
+  bool isSelf = false;  // this very process
+  bool operator==(const RunningApplication&) const = default;
+};
+
+class Workspace {
+ public:
+  using ActivationHandler = std::function<void(const RunningApplication&)>;
+
+  virtual ~Workspace() = default;
+
+  // The running applications with this identifier.
+  virtual std::vector<RunningApplication> runningApplications(
+      const std::string& identifier) const = 0;
+
+  // The application in front; none when there is none.
+  virtual std::optional<RunningApplication> frontmostApplication() const = 0;
+
+  // Brings an application forward, with no options. One that is gone is no error.
+  virtual void activate(const RunningApplication& application) = 0;
+
+  // Called on the main thread each time another application has come to the front. One handler; a
+  // second call replaces it.
+  virtual void observeActivation(ActivationHandler handler) = 0;
+
+  // Hands a URL or a file to the application that the user chose for it. False when there is none.
+  virtual bool openURL(const std::string& url) = 0;
+  virtual bool openFile(const std::filesystem::path& file) = 0;
+};
+
+}  // namespace quorin
