@@ -27,7 +27,7 @@ class Application {
 class Applications {
  public:
   virtual ~Applications() = default;
-  virtual Application* named(std::string_view name) = 0;    // a null pointer when unknown
+  virtual Application* named(std::string_view name) = 0;     // a null pointer when unknown
   virtual Application* identified(std::string_view id) = 0;  // by bundle identifier
 };
 
