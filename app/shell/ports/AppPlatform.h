@@ -1,5 +1,5 @@
-// Platform: one of each port, made once by `main` on the main thread and alive until the process
-// ends. Windows and views are made from it and must go before it.
+// AppPlatform: one of each port of the shell, made once by `main` on the main thread and alive
+// until the process ends. Windows and views are made from it and must go before it.
 #pragma once
 
 #include <memory>
@@ -16,9 +16,9 @@
 
 namespace quorin {
 
-class Platform {
+class AppPlatform {
  public:
-  virtual ~Platform() = default;
+  virtual ~AppPlatform() = default;
 
   virtual Application& application() = 0;
   virtual MainLoop& mainLoop() = 0;
@@ -36,6 +36,6 @@ class Platform {
 };
 
 // Defined by exactly one library of a program: app/macos, app/linux, or the tests' fakes.
-std::unique_ptr<Platform> makePlatform();
+std::unique_ptr<AppPlatform> makePlatform();
 
 }  // namespace quorin
