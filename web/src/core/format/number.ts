@@ -1,0 +1,49 @@
+// Numbers for reading. What is shown may be rounded, never silently: `rounded` says so and `exact`
+// holds every digit.
+
+import { grouped } from './words';
+
+export type NumberText = {
+  text: string;
+  /** The shortest digits that give the very same number back. */
+  exact: string;
+  rounded: boolean;
+};
+
+const shownDigits = 10;
+/** Below this, and from the limit of exact digits on, powers of ten read better. */
+const smallest = 1e-5;
+const largest = 1e15;
+
+function group(plain: string): string {
+  const [, sign = '', whole = '', fraction = ''] = /^(-?)(\d+)(\.\d+)?$/.exec(plain) ?? [];
+  return sign + grouped(whole) + fraction;
+}
+
+function scientific(value: number): string {
+  const [mantissa = '', exponent = ''] = value.toExponential(shownDigits - 1).split('e');
+  const power = Number(exponent);
+  const digits = String(Math.abs(power)).padStart(2, '0');
+  return `${String(Number(mantissa))}E${power < 0 ? '-' : '+'}${digits}`;
+}
+
+export function formatNumber(value: number): NumberText {
+  const exact = String(value === 0 ? 0 : value);
+  if (!Number.isFinite(value)) return { text: exact, exact, rounded: false };
+  const size = Math.abs(value);
+  if (size !== 0 && (size < smallest || size >= largest)) {
+    const text = scientific(value);
+    return { text, exact, rounded: Number(text) !== value };
+  }
+  if (Number.isInteger(value)) return { text: group(exact), exact, rounded: false };
+  // Whole digits are never cut: 1234567890123.25 keeps all thirteen of them.
+  const wholeDigits = Math.trunc(size).toString().length;
+  const shown = Number(value.toPrecision(Math.max(shownDigits, wholeDigits)));
+  return { text: group(plainDigits(shown)), exact, rounded: shown !== value };
+}
+
+/** Digits without an exponent, for magnitudes between the two limits. */
+function plainDigits(value: number): string {
+  const text = String(value);
+  return text.includes('e') ? value.toFixed(shownDigits + 5).replace(/0+$/, '') : text;
+}

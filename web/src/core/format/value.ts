@@ -1,0 +1,67 @@
+// A cell's value for reading: what to show, of which type it is, what a copy holds.
+
+import type { Json } from '../protocol/json';
+import { formatNumber } from './number';
+import { visibleText } from './visible';
+import { count } from './words';
+
+export type ValueType = 'Blank' | 'Number' | 'Text' | 'Logical' | 'Error' | 'Array' | 'Unknown';
+
+export type ValueView = {
+  type: ValueType;
+  /** What is shown. */
+  text: string;
+  /** What a copy holds: every digit, the whole text. */
+  copy: string;
+  /** What more there is to say: "12 characters", "exactly 0.1…". */
+  note: string;
+  /** Whether `text` leaves some of the value out. */
+  cut: boolean;
+};
+
+/** Texts longer than this are cut until the user asks for the whole. */
+export const shownTextLimit = 400;
+/** More than a cell can hold; the rest of anything longer is only counted. */
+export const wholeTextLimit = 32_767;
+
+function view(
+  type: ValueType,
+  text: string,
+  rest: Partial<Omit<ValueView, 'type' | 'text'>> = {},
+): ValueView {
+  return { type, text, copy: text, note: '', cut: false, ...rest };
+}
+
+function textView(value: string, limit: number): ValueView {
+  if (value === '') return view('Text', '""', { copy: '', note: 'empty text' });
+  // Characters are counted as the spreadsheet counts them, in UTF-16 units.
+  const note = count(value.length, 'character');
+  const cut = value.length > limit;
+  const shown = cut ? `${value.slice(0, limit)}…` : value;
+  return view('Text', `"${visibleText(shown)}"`, { copy: value, note, cut });
+}
+
+/**
+ * `error` is the text of an error value, where it is known to be one; `formula` is empty for a
+ * constant. `whole` shows a long text in full.
+ */
+export function valueView(
+  cell: { value: Json; formula: string; error?: string | undefined },
+  whole = false,
+): ValueView {
+  const { value, formula, error } = cell;
+  if (error !== undefined) return view('Error', error);
+  if (value === null || (value === '' && formula === '')) {
+    return formula === '' ? view('Blank', '') : view('Error', 'Error', { note: 'of unknown kind' });
+  }
+  if (typeof value === 'number') {
+    const { text, exact, rounded } = formatNumber(value);
+    return view('Number', text, { copy: exact, note: rounded ? `exactly ${exact}` : '' });
+  }
+  if (typeof value === 'boolean') return view('Logical', value ? 'TRUE' : 'FALSE');
+  if (typeof value === 'string') return textView(value, whole ? wholeTextLimit : shownTextLimit);
+  if (Array.isArray(value)) {
+    return view('Array', count(value.length, 'row'), { copy: JSON.stringify(value) });
+  }
+  return view('Unknown', 'Not a value', { copy: JSON.stringify(value) });
+}

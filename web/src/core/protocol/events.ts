@@ -1,0 +1,54 @@
+// What the native side tells the page without being asked.
+
+import { isObject } from './json';
+import { cellPlace, type CellPlace } from './verbs';
+
+export type ViewName = 'tree' | 'deps' | 'map';
+
+export type NativeEvent =
+  /** The user moved to another cell. */
+  | { name: 'selectionChanged'; place: CellPlace }
+  /** The spreadsheet stopped answering the native side: ask it how it is. */
+  | { name: 'probeNeeded' }
+  /** The panel was brought up; `resume`: beside the spreadsheet, which kept the focus. */
+  | { name: 'summon'; resume: boolean }
+  /** A hot key asked for one of the views. */
+  | { name: 'surface'; view: ViewName; wasVisible: boolean; wasKey: boolean }
+  | { name: 'followState'; paused: boolean }
+  /** A hot key walks the tree while the spreadsheet has the focus. */
+  | { name: 'step'; direction: -1 | 1 }
+  /** The panel is about to disappear: nothing of ours may stay on the sheet. */
+  | { name: 'cleanHide' };
+
+const views: ReadonlySet<unknown> = new Set(['tree', 'deps', 'map'] satisfies ViewName[]);
+
+/** The event, or nothing when the name is unknown or the payload has another shape. */
+export function decodeEvent(name: unknown, payload: unknown): NativeEvent | undefined {
+  const body = isObject(payload) ? payload : {};
+  switch (name) {
+    case 'selectionChanged': {
+      const place = cellPlace(body);
+      return place && { name, place };
+    }
+    case 'probeNeeded':
+    case 'cleanHide':
+      return { name };
+    case 'summon':
+      return { name, resume: body.resume === true };
+    case 'surface':
+      return views.has(body.name)
+        ? {
+            name,
+            view: body.name as ViewName,
+            wasVisible: body.wasVisible === true,
+            wasKey: body.wasKey === true,
+          }
+        : undefined;
+    case 'followState':
+      return typeof body.paused === 'boolean' ? { name, paused: body.paused } : undefined;
+    case 'step':
+      return body.dir === 1 || body.dir === -1 ? { name, direction: body.dir } : undefined;
+    default:
+      return undefined;
+  }
+}
