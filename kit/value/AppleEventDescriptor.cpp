@@ -119,6 +119,10 @@ AppleEventDescriptor AppleEventDescriptor::list(Items items) {
   return {fourCharCode("list"), std::move(items)};
 }
 
+AppleEventDescriptor AppleEventDescriptor::record() {
+  return record(Fields());
+}
+
 AppleEventDescriptor AppleEventDescriptor::record(Fields fields) {
   return withFields(fourCharCode("reco"), std::move(fields));
 }

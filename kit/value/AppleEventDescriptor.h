@@ -37,7 +37,8 @@ class AppleEventDescriptor {
   static AppleEventDescriptor enumerator(FourCharCode code);  // 'enum'
   static AppleEventDescriptor missingValue();                 // 'type' 'msng'
   static AppleEventDescriptor list(Items items = {});         // 'list'
-  static AppleEventDescriptor record(Fields fields = {});     // 'reco'
+  static AppleEventDescriptor record();                       // 'reco' without fields
+  static AppleEventDescriptor record(Fields fields);          // 'reco'
   static AppleEventDescriptor specifier(Fields fields);       // 'obj '
   // Any other type: numbers of the other widths, text of the other encodings, raw data.
   static AppleEventDescriptor withInteger(FourCharCode type, std::int64_t value);
