@@ -1,0 +1,40 @@
+# What Quorin is built and tested with, by group, as Debian and Ubuntu name the packages.
+# Sourced by ./test and ./run.
+
+packages_build=(g++ cmake ninja-build ccache python3 rapidjson-dev libutf8proc-dev libcli11-dev
+                libreoffice-dev libreoffice-calc libreoffice-gtk3)
+packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy
+               xvfb openbox xdotool x11-utils imagemagick procps python3-uno fonts-dejavu-core)
+packages_bench=(libbenchmark-dev python3-uno)
+
+# Installs those of the named packages that are missing; says what it does and asks nothing.
+install_packages() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+      missing+=("$package")
+  done
+  if [ ${#missing[@]} -eq 0 ]; then return 0; fi
+  if ! command -v apt-get >/dev/null; then
+    echo "Please install these packages: ${missing[*]}" >&2
+    return 1
+  fi
+  local root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+      echo "Run this once as root, or install these packages: ${missing[*]}" >&2
+      return 1
+    fi
+    root=(sudo)
+  fi
+  echo "Installing ${missing[*]}"
+  "${root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# Node comes from Debian unless the machine has one already (other sources pack npm into nodejs).
+install_node() {
+  if command -v node >/dev/null && command -v npm >/dev/null; then return 0; fi
+  install_packages nodejs npm
+}
