@@ -1,0 +1,29 @@
+#include "host/ExcelObjectModel.h"
+
+#include "host/EventAnswers.h"
+#include "host/dictionary/ExcelTerminology.h"
+
+namespace quorin::host {
+
+ExcelObjectModel::ExcelObjectModel(std::unique_ptr<Spreadsheet> spreadsheet, Clock clock)
+    : spreadsheet_(std::move(spreadsheet)), clock_(std::move(clock)), session_{*spreadsheet_} {}
+
+ExcelObjectModel::~ExcelObjectModel() = default;
+
+const script::Terminology& ExcelObjectModel::terminology() const {
+  return excelTerminology();
+}
+
+bool ExcelObjectModel::isRunning() {
+  return spreadsheet_->isRunning();
+}
+
+AppleEventReply ExcelObjectModel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {
+  const auto started = clock_();
+  AppleEventReply reply = answerEvent(session_, event);
+  if (clock_() - started > timeout)
+    return {std::nullopt, AppleEventError{EventError::timedOut, "AppleEvent timed out.", {}}};
+  return reply;
+}
+
+}  // namespace quorin::host

@@ -1,0 +1,36 @@
+// ExcelObjectModel: a spreadsheet presented to scripts as the application "Microsoft Excel". Owns
+// the spreadsheet; made, used and destroyed on the call thread.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+#include "host/Session.h"
+#include "script/Application.h"
+
+namespace quorin::host {
+
+class ExcelObjectModel : public script::Application {
+ public:
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+  explicit ExcelObjectModel(std::unique_ptr<Spreadsheet> spreadsheet,
+                            Clock clock = std::chrono::steady_clock::now);
+  ~ExcelObjectModel() override;
+
+  std::string_view name() const override { return "Microsoft Excel"; }
+  const script::Terminology& terminology() const override;
+  bool isRunning() override;
+
+  // The spreadsheet is not interrupted: an answer that took longer than the time-out is thrown
+  // away for -1712. What it did stays done, as with an Excel that answers too late.
+  AppleEventReply send(const AppleEvent& event, std::chrono::milliseconds timeout) override;
+
+ private:
+  std::unique_ptr<Spreadsheet> spreadsheet_;
+  Clock clock_;
+  Session session_;
+};
+
+}  // namespace quorin::host

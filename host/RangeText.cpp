@@ -1,0 +1,86 @@
+#include "host/RangeText.h"
+
+#include <algorithm>
+
+#include "host/Address.h"
+#include "host/SheetPrefix.h"
+
+namespace quorin::host {
+namespace {
+
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+
+std::optional<std::string> inAnyCase(const std::vector<std::string>& names,
+                                     const std::string& wanted) {
+  const auto same = [&wanted](const std::string& name) {
+    return std::equal(name.begin(), name.end(), wanted.begin(), wanted.end(),
+                      [](char a, char b) { return lower(a) == lower(b); });
+  };
+  const auto exact = std::find(names.begin(), names.end(), wanted);
+  const auto it = exact != names.end() ? exact : std::find_if(names.begin(), names.end(), same);
+  if (it == names.end()) return std::nullopt;
+  return *it;
+}
+
+// Cuts the text before its first comma outside quotes off its front.
+std::string_view takePart(std::string_view& text) {
+  bool quoted = false;
+  std::size_t end = 0;
+  for (; end < text.size() && (quoted || text[end] != ','); ++end)
+    if (text[end] == '\'') quoted = !quoted;
+  std::string_view part = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  while (!part.empty() && part.front() == ' ') part.remove_prefix(1);
+  while (!part.empty() && part.back() == ' ') part.remove_suffix(1);
+  return part;
+}
+
+std::optional<RangeRef> bindPart(Session& session, const SheetRef& base, std::string_view text) {
+  const auto parts = splitSheetPrefix(text);
+  if (!parts) return std::nullopt;
+  SheetRef sheet = base;
+  if (parts->sheet) {
+    auto book = parts->book ? findWorkbook(session, *parts->book) : base.book;
+    auto found = book ? findWorksheet(session, *book, *parts->sheet) : std::nullopt;
+    if (!found) return std::nullopt;
+    sheet = std::move(*found);
+  }
+  if (const auto area = parseA1Area(parts->rest)) return RangeRef{std::move(sheet), {*area}};
+  if (parts->rest.empty()) return std::nullopt;
+  return session.spreadsheet.named(sheet, std::string(parts->rest));
+}
+
+}  // namespace
+
+std::optional<RangeRef> bindRangeText(Session& session, const std::optional<SheetRef>& container,
+                                      std::string_view text) {
+  const auto base = container ? container : session.spreadsheet.activeSheet();
+  if (!base || text.empty() || text.back() == ',') return std::nullopt;
+  std::optional<RangeRef> bound;
+  while (!text.empty()) {
+    auto part = bindPart(session, *base, takePart(text));
+    if (!part || (container && part->sheet != *container)) return std::nullopt;
+    if (!bound) {
+      bound = std::move(part);
+      continue;
+    }
+    if (part->sheet != bound->sheet) return std::nullopt;
+    bound->areas.insert(bound->areas.end(), part->areas.begin(), part->areas.end());
+  }
+  return bound;
+}
+
+std::optional<std::string> findWorkbook(Session& session, const std::string& name) {
+  return inAnyCase(session.spreadsheet.workbooks(), name);
+}
+
+std::optional<SheetRef> findWorksheet(Session& session, const std::string& book,
+                                      const std::string& name) {
+  auto found = inAnyCase(session.spreadsheet.worksheets(book), name);
+  if (!found) return std::nullopt;
+  return SheetRef{book, std::move(*found)};
+}
+
+}  // namespace quorin::host

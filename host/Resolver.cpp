@@ -1,0 +1,213 @@
+#include "host/Resolver.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "host/Address.h"
+#include "host/Codes.h"
+#include "host/ObjectClass.h"
+#include "host/RangeText.h"
+
+namespace quorin::host {
+namespace {
+
+using Descriptor = AppleEventDescriptor;
+
+constexpr int deepestChain = 100;
+constexpr long long mostElementsListed = 100'000;
+
+struct NotThere {};  // becomes -1728 with the specifier that was being resolved
+
+const Descriptor& part(const Descriptor& specifier, FourCharCode keyword) {
+  static const Descriptor absent;
+  const Descriptor* const field = specifier.field(keyword);
+  return field == nullptr ? absent : *field;
+}
+
+template <typename T>
+Resolution propertyOf(Session& session, const T& object, FourCharCode code) {
+  const ClassTable<T>& table = classTable(object);
+  if (code == codes::classOf) return {Descriptor::typeCode(table.code)};
+  const auto* const entry = table.property(code);
+  if (entry == nullptr) throw NotThere();
+  return {entry->get(session, object), entry->kind == PropertyEntry<T>::Kind::dynamic};
+}
+
+Descriptor asValue(Session& session, Resolved resolved) {
+  if (auto* const value = std::get_if<Descriptor>(&resolved)) return std::move(*value);
+  if (const auto* const object = std::get_if<Object>(&resolved)) return specifierOf(*object);
+  Descriptor::Items items;
+  for (const Object& object : objectsOf(session, std::get<Elements>(resolved)))
+    items.push_back(specifierOf(object));
+  return Descriptor::list(std::move(items));
+}
+
+// One value for each element; Excel gives missing value where there are none.
+Resolution propertyOfEach(Session& session, const Elements& elements, FourCharCode code) {
+  Descriptor::Items values;
+  for (const Object& object : objectsOf(session, elements)) {
+    Resolution value =
+        std::visit([&](const auto& typed) { return propertyOf(session, typed, code); }, object);
+    values.push_back(asValue(session, std::move(value.what)));
+  }
+  if (values.empty()) return {Descriptor::missingValue()};
+  return {Descriptor::list(std::move(values))};
+}
+
+Resolution property(Session& session, const Resolved& container, FourCharCode code) {
+  if (const auto* const elements = std::get_if<Elements>(&container))
+    return propertyOfEach(session, *elements, code);
+  if (const auto* const object = std::get_if<Object>(&container))
+    return std::visit([&](const auto& typed) { return propertyOf(session, typed, code); }, *object);
+  // `name of active workbook` is missing value when nothing is open.
+  if (std::get<Descriptor>(container).isMissingValue()) return {Descriptor::missingValue()};
+  throw NotThere();
+}
+
+// `first`, `all` and the like, which travel as a type of their own or as an enumerator.
+std::optional<FourCharCode> ordinalOf(const Descriptor& data) {
+  if (data.type() == codes::absoluteOrdinal && data.integerValue())
+    return static_cast<FourCharCode>(*data.integerValue());
+  return data.codeValue();
+}
+
+// Which of `count` elements an index means, negative ones from the end.
+long long elementIndex(const Descriptor& data, long long count) {
+  long long index = 0;
+  if (const auto ordinal = ordinalOf(data)) {
+    if (*ordinal == codes::first || *ordinal == codes::any) index = 1;
+    if (*ordinal == codes::last) index = count;
+    if (*ordinal == codes::middle) index = (count + 1) / 2;
+  } else if (const auto integer = data.integerValue()) {
+    index = *integer < 0 ? count + 1 + *integer : *integer;
+  }
+  if (index < 1 || index > count) throw NotThere();
+  return index;
+}
+
+// An end of `cells 2 thru 4`: an index, or the specifier of one by index.
+const Descriptor& rangeEnd(const Descriptor& data, FourCharCode keyword) {
+  const Descriptor& end = part(data, keyword);
+  return end.type() == codes::objectSpecifier ? part(end, codes::keyData) : end;
+}
+
+template <typename T>
+Resolved elementOf(Session& session, const T& owner, const Descriptor& specifier) {
+  const auto elementClass = part(specifier, codes::desiredClass).codeValue();
+  const auto form = part(specifier, codes::keyForm).codeValue();
+  const Descriptor& data = part(specifier, codes::keyData);
+  const auto* const entry = elementClass ? classTable(owner).element(*elementClass) : nullptr;
+  if (entry == nullptr || !form) throw NotThere();
+  if (*form == codes::formName) {
+    const auto name = data.stringValue();
+    if (!name || entry->named == nullptr) throw NotThere();
+    auto found = entry->named(session, owner, std::string(*name));
+    if (!found) throw NotThere();
+    return std::move(*found);
+  }
+  if (*form != codes::formIndex && *form != codes::formRange) throw NotThere();
+  const long long count = entry->count(session, owner);
+  if (*form == codes::formRange) {
+    const long long first = elementIndex(rangeEnd(data, codes::rangeStart), count);
+    const long long last = elementIndex(rangeEnd(data, codes::rangeStop), count);
+    return Elements{owner, *elementClass, std::min(first, last), std::max(first, last)};
+  }
+  if (ordinalOf(data) == codes::all) return Elements{owner, *elementClass, 1, count};
+  return entry->at(session, owner, elementIndex(data, count));
+}
+
+Resolution resolveAt(Session& session, const Descriptor& specifier, int depth) {
+  if (specifier.type() == codes::null) return {Object(ApplicationObject())};
+  if (specifier.type() != codes::objectSpecifier) return {specifier};
+  if (depth > deepestChain) throw EventError(EventError::noSuchObject);
+  const Resolved container = resolveAt(session, part(specifier, codes::container), depth + 1).what;
+  try {
+    if (part(specifier, codes::keyForm).codeValue() == codes::formProperty) {
+      const auto code = part(specifier, codes::keyData).codeValue();
+      if (!code) throw NotThere();
+      return property(session, container, *code);
+    }
+    const auto* const owner = std::get_if<Object>(&container);
+    if (owner == nullptr) throw NotThere();
+    return {std::visit([&](const auto& typed) { return elementOf(session, typed, specifier); },
+                       *owner)};
+  } catch (const NotThere&) {
+    throw EventError(EventError::noSuchObject, specifier);
+  } catch (const SpreadsheetError& error) {
+    if (error.number() != EventError::noSuchObject) throw;
+    throw EventError(EventError::noSuchObject, specifier, error.what());
+  }
+}
+
+bool areAll(Session& session, const Elements& elements) {
+  return elements.first == 1 &&
+         elements.last == countOf(session, elements.owner, elements.elementClass);
+}
+
+}  // namespace
+
+Resolution resolve(Session& session, const Descriptor& specifier) {
+  return resolveAt(session, specifier, 0);
+}
+
+RangeRef resolveRange(Session& session, const Descriptor& given) {
+  if (const auto text = given.stringValue()) {
+    auto bound = bindRangeText(session, std::nullopt, *text);
+    if (!bound) throw EventError(EventError::noSuchObject, given);
+    return std::move(*bound);
+  }
+  const Resolved what = resolve(session, given).what;
+  if (const auto* const object = std::get_if<Object>(&what)) {
+    if (const auto* const range = std::get_if<RangeObject>(object)) return range->range;
+  } else if (const auto* const elements = std::get_if<Elements>(&what)) {
+    const auto* const range = std::get_if<RangeObject>(&elements->owner);
+    if (range != nullptr && areAll(session, *elements)) return range->range;
+  } else if (std::get<Descriptor>(what).isMissingValue()) {
+    throw EventError(EventError::noSuchObject, given);  // the selection of no workbook
+  }
+  throw EventError(EventError::notUnderstood, given);
+}
+
+void setProperty(Session& session, const Descriptor& specifier, const Descriptor& value) {
+  if (part(specifier, codes::keyForm).codeValue() != codes::formProperty)
+    throw EventError(EventError::notWritable, specifier);
+  const auto code = part(specifier, codes::keyData).codeValue();
+  const Resolved container = resolve(session, part(specifier, codes::container)).what;
+  const auto* const object = std::get_if<Object>(&container);
+  if (object == nullptr || !code) throw EventError(EventError::notWritable, specifier);
+  std::visit(
+      [&](const auto& typed) {
+        const auto* const entry = classTable(typed).property(*code);
+        if (entry == nullptr || entry->set == nullptr)
+          throw EventError(EventError::notWritable, specifier);
+        entry->set(session, typed, value);
+      },
+      *object);
+}
+
+std::vector<Object> objectsOf(Session& session, const Elements& elements) {
+  return std::visit(
+      [&](const auto& owner) {
+        const auto& entry = *classTable(owner).element(elements.elementClass);
+        if (entry.all != nullptr && areAll(session, elements)) return entry.all(session, owner);
+        if (elements.last - elements.first >= mostElementsListed)
+          throw EventError(EventError::parameterError, specifierOf(elements.owner));
+        std::vector<Object> objects;
+        for (long long i = elements.first; i <= elements.last; ++i)
+          objects.push_back(entry.at(session, owner, i));
+        return objects;
+      },
+      elements.owner);
+}
+
+long long countOf(Session& session, const Object& owner, FourCharCode elementClass) {
+  return std::visit(
+      [&](const auto& typed) {
+        const auto* const entry = classTable(typed).element(elementClass);
+        if (entry == nullptr) throw EventError(EventError::noSuchObject, specifierOf(owner));
+        return entry->count(session, typed);
+      },
+      owner);
+}
+
+}  // namespace quorin::host

@@ -1,0 +1,34 @@
+// From object specifiers to what they mean. A specifier that leads nowhere is EventError -1728 with
+// the part that could not be resolved as its offender.
+#pragma once
+
+#include <optional>
+
+#include "host/Object.h"
+#include "host/Session.h"
+
+namespace quorin::host {
+
+struct Resolution {
+  Resolved what;
+  bool dynamic = false;  // the property changes its meaning with what is active
+};
+
+// A specifier's meaning; the null descriptor is the application, any other value is itself.
+Resolution resolve(Session& session, const AppleEventDescriptor& specifier);
+
+// The range that a command is given: a specifier of a range, of all cells, rows or columns of one,
+// or text to bind on the active sheet. -1708 for anything else.
+RangeRef resolveRange(Session& session, const AppleEventDescriptor& given);
+
+// Sets the property that a specifier names. -10006 when it is read-only or unknown.
+void setProperty(Session& session, const AppleEventDescriptor& specifier,
+                 const AppleEventDescriptor& value);
+
+// The objects, one by one. -50 when there are more than Excel could list in reasonable time.
+std::vector<Object> objectsOf(Session& session, const Elements& elements);
+
+// How many elements of a class an object has; -1728 when it has none of that class.
+long long countOf(Session& session, const Object& owner, FourCharCode elementClass);
+
+}  // namespace quorin::host

@@ -1,0 +1,42 @@
+// Session: what the answers to Apple events work on: the spreadsheet, and the little that Excel
+// itself remembers between events. Used on the call thread.
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+
+#include "host/Spreadsheet.h"
+#include "kit/value/AppleEventDescriptor.h"
+
+namespace quorin::host {
+
+struct Session {
+  Spreadsheet& spreadsheet;
+  bool displayAlerts = true;
+  bool screenUpdating = true;
+};
+
+// The failure of one event. Without a message the scripting system writes its own for the number,
+// from the offending object.
+class EventError : public std::runtime_error {
+ public:
+  static constexpr int parameterError = -50;
+  static constexpr int notUnderstood = -1708;
+  static constexpr int timedOut = -1712;
+  static constexpr int missingParameter = -1715;
+  static constexpr int noSuchObject = -1728;
+  static constexpr int handlerFailed = -10000;
+  static constexpr int notWritable = -10006;
+
+  explicit EventError(int number, std::optional<AppleEventDescriptor> offender = std::nullopt,
+                      const std::string& message = {})
+      : std::runtime_error(message), number_(number), offender_(std::move(offender)) {}
+  int number() const { return number_; }
+  const std::optional<AppleEventDescriptor>& offender() const { return offender_; }
+
+ private:
+  int number_;
+  std::optional<AppleEventDescriptor> offender_;
+};
+
+}  // namespace quorin::host
