@@ -3,10 +3,12 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 #include "kit/support/LosslessJSON.h"
 #include "kit/support/QXConfig.h"
+#include "kit/value/JSONText.h"
 
 namespace quorin {
 namespace {
@@ -44,12 +46,12 @@ std::int64_t integer(const LosslessJSON& value, const std::string& key) {
   std::int64_t result = 0;
   const auto parsed = std::from_chars(text->data(), end, result);
   if (parsed.ec == std::errc() && parsed.ptr == end) return result;
-  double real = 0;
-  const auto parsedReal = std::from_chars(text->data(), end, real);
-  const bool integral = parsedReal.ec == std::errc() && std::abs(real) < 0x1p63 &&
-                        std::trunc(real) == real && parsed.ec != std::errc::result_out_of_range;
+  const ParsedJSON other = parseJSON(*text);  // with a fraction or an exponent
+  const double* real = other ? other.value->number() : nullptr;
+  const bool integral = real && std::abs(*real) < 0x1p63 && std::trunc(*real) == *real &&
+                        parsed.ec != std::errc::result_out_of_range;
   if (!integral) malformed("\"" + key + "\" is not an integer in range");
-  return static_cast<std::int64_t>(real);
+  return static_cast<std::int64_t>(*real);
 }
 
 const LosslessJSON* find(const Object& object, const std::string& key) {

@@ -3,6 +3,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -45,6 +47,51 @@ char escapeLetter(char c) {
   }
 }
 
+// Text that grows at its end: room is asked for once for several writes.
+class Output {
+ public:
+  // Where at least `count` more bytes may be written; `wrote` says up to where they were.
+  char* room(std::size_t count) {
+    if (text_.size() - size_ < count) text_.resize(2 * text_.size() + count);
+    return text_.data() + size_;
+  }
+  void wrote(const char* end) { size_ = static_cast<std::size_t>(end - text_.data()); }
+
+  void add(char c) {
+    *room(1) = c;
+    ++size_;
+  }
+  void add(std::string_view text) {
+    std::memcpy(room(text.size()), text.data(), text.size());
+    size_ += text.size();
+  }
+
+  std::string take() {
+    text_.resize(size_);
+    return std::move(text_);
+  }
+
+ private:
+  std::string text_ = std::string(512, '\0');
+  std::size_t size_ = 0;
+};
+
+// Whether eight characters at once can stand in JSON text as they are. The arithmetic marks the
+// high bit of a byte that is a control character, a quote, a slash, a backslash or beyond ASCII; it
+// may mark a plain byte after such a one too, which costs time and nothing else.
+bool areEightPlain(const char* text) {
+  std::uint64_t chunk;
+  std::memcpy(&chunk, text, 8);
+  constexpr std::uint64_t ones = 0x0101010101010101u;
+  const auto equals = [chunk](unsigned char c) {
+    const std::uint64_t difference = chunk ^ (ones * c);
+    return difference - ones;  // borrows into the high bit where the byte is c
+  };
+  const std::uint64_t marks =
+      chunk | (chunk - ones * 0x20) | equals('"') | equals('/') | equals('\\');
+  return (marks & (ones * 0x80)) == 0;
+}
+
 // Writes a tree without recursion: one frame for each open container.
 class Encoder {
  public:
@@ -58,7 +105,7 @@ class Encoder {
     return true;
   }
 
-  std::string take() { return std::move(text_); }
+  std::string take() { return out_.take(); }
 
  private:
   struct ArrayFrame {
@@ -76,28 +123,28 @@ class Encoder {
   // not touched after writeStart opened another one: it may have moved.
   bool step(ArrayFrame& frame) {
     while (frame.next != frame.end) {
-      if (!frame.first) text_ += ',';
+      if (!frame.first) out_.add(',');
       frame.first = false;
       const JSONValue& item = *frame.next++;
       if (item.isContainer()) return writeStart(item);
       if (!writeStart(item)) return false;
     }
-    text_ += ']';
+    out_.add(']');
     open_.pop_back();
     return true;
   }
 
   bool step(ObjectFrame& frame) {
     while (frame.next != frame.end) {
-      if (!frame.first) text_ += ',';
+      if (!frame.first) out_.add(',');
       frame.first = false;
       const auto& [key, member] = *frame.next++;
       if (!writeString(key)) return false;
-      text_ += ':';
+      out_.add(':');
       if (member.isContainer()) return writeStart(member);
       if (!writeStart(member)) return false;
     }
-    text_ += '}';
+    out_.add('}');
     open_.pop_back();
     return true;
   }
@@ -105,7 +152,7 @@ class Encoder {
   bool writeStart(const JSONValue& value) {
     switch (value.type()) {
       case JSONValue::Case::boolean:
-        text_ += *value.boolean() ? "true" : "false";
+        out_.add(*value.boolean() ? std::string_view("true") : std::string_view("false"));
         return true;
       case JSONValue::Case::number:
         writeNumber(*value.number());
@@ -114,16 +161,16 @@ class Encoder {
         return writeString(*value.string());
       case JSONValue::Case::array: {
         const JSONValue::Array& array = *value.array();
-        text_ += '[';
+        out_.add('[');
         open_.emplace_back(ArrayFrame{array.data(), array.data() + array.size()});
         return true;
       }
       case JSONValue::Case::object:
-        text_ += '{';
+        out_.add('{');
         open_.emplace_back(ObjectFrame{value.object()->begin(), value.object()->end()});
         return true;
       case JSONValue::Case::null:
-        text_ += "null";
+        out_.add("null");
         return true;
     }
     return true;
@@ -131,49 +178,76 @@ class Encoder {
 
   void writeNumber(double value) {
     if (!std::isfinite(value)) {
-      text_ += "null";
+      out_.add("null");
       return;
     }
-    std::array<char, 32> digits;
-    // Up to here an integral double has at most 17 digits; larger ones are written with an
-    // exponent where that is shorter. The integer form also makes 0 of negative zero.
-    const bool integral = std::abs(value) < 1e17 && value == std::trunc(value);
-    const auto end = integral ? std::to_chars(digits.data(), digits.data() + digits.size(),
-                                              static_cast<long long>(value))
-                              : std::to_chars(digits.data(), digits.data() + digits.size(), value);
-    text_.append(digits.data(), end.ptr);
+    constexpr std::size_t longest = 32;
+    char* out = out_.room(longest);
+    char* const end = out + longest;
+    const double magnitude = std::abs(value);
+    if (magnitude <= 0xFFFFFFFFu && static_cast<std::uint32_t>(magnitude) == magnitude) {
+      // Most numbers of a sheet; negative zero comes here and loses its sign.
+      if (value < 0) *out++ = '-';
+      out = std::to_chars(out, end, static_cast<std::uint32_t>(magnitude)).ptr;
+    } else if (magnitude < 1e17 && std::trunc(value) == value) {
+      // Up to here an integral double has at most 17 digits; larger ones are written with an
+      // exponent where that is shorter.
+      out = std::to_chars(out, end, static_cast<std::int64_t>(value)).ptr;
+    } else {
+      out = std::to_chars(out, end, value).ptr;
+    }
+    out_.wrote(out);
   }
 
   bool writeString(std::string_view string) {
-    text_ += '"';
-    bool wide = false;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < string.size(); ++i) {
-      const auto c = static_cast<unsigned char>(string[i]);
-      const Kind kind = kinds[c];
-      if (kind == Kind::plain) continue;
-      if (kind == Kind::wide) {
-        wide = true;
+    // Six characters at most become of one: a control character's escape.
+    char* out = out_.room(6 * string.size() + 2);
+    const char* next = string.data();
+    const char* const end = next + string.size();
+    *out++ = '"';
+    while (next != end) {
+      if (end - next >= 8 && areEightPlain(next)) {
+        std::memcpy(out, next, 8);
+        out += 8;
+        next += 8;
         continue;
       }
-      text_.append(string, start, i - start);
-      start = i + 1;
-      if (kind == Kind::escaped) {
-        text_ += '\\';
-        text_ += escapeLetter(string[i]);
-      } else {
-        constexpr std::string_view hex = "0123456789abcdef";
-        text_ += "\\u00";
-        text_ += hex[c >> 4];
-        text_ += hex[c & 0xF];
+      const char c = *next;
+      switch (kinds[static_cast<unsigned char>(c)]) {
+        case Kind::plain:
+          *out++ = c;
+          ++next;
+          break;
+        case Kind::escaped:
+          *out++ = '\\';
+          *out++ = escapeLetter(c);
+          ++next;
+          break;
+        case Kind::control: {
+          constexpr std::string_view hex = "0123456789abcdef";
+          std::memcpy(out, "\\u00", 4);
+          out[4] = hex[static_cast<unsigned char>(c) >> 4];
+          out[5] = hex[static_cast<unsigned char>(c) & 0xF];
+          out += 6;
+          ++next;
+          break;
+        }
+        case Kind::wide: {
+          const std::size_t length = sequenceLength(next, end);
+          if (length == 0) return false;
+          std::memcpy(out, next, length);
+          out += length;
+          next += length;
+          break;
+        }
       }
     }
-    text_.append(string, start);
-    text_ += '"';
-    return !wide || isValidUTF8(string);
+    *out++ = '"';
+    out_.wrote(out);
+    return true;
   }
 
-  std::string text_;
+  Output out_;
   std::vector<std::variant<ArrayFrame, ObjectFrame>> open_;
 };
 

@@ -1,6 +1,7 @@
 #include "kit/value/Unicode.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -40,13 +41,11 @@ bool isComposedForSure(std::string_view text) {
 }  // namespace
 
 bool isValidUTF8(std::string_view text) {
-  std::size_t position = asciiPrefix(text);
-  while (position < text.size()) {
-    utf8proc_int32_t codePoint;
-    const auto length = utf8proc_iterate(
-        bytes(text) + position, static_cast<utf8proc_ssize_t>(text.size() - position), &codePoint);
-    if (length <= 0) return false;
-    position += static_cast<std::size_t>(length);
+  const char* const end = text.data() + text.size();
+  for (const char* next = text.data() + asciiPrefix(text); next < end;) {
+    const std::size_t length = sequenceLength(next, end);
+    if (length == 0) return false;
+    next += length;
   }
   return true;
 }
