@@ -1,0 +1,183 @@
+#include "kit/excel/ExcelThread.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <exception>
+#include <utility>
+
+#include "kit/excel/ExcelScript.h"
+#include "kit/platform/Fatal.h"
+#include "kit/platform/Thread.h"
+#include "kit/value/Marshal.h"
+
+namespace quorin {
+
+namespace {
+
+constexpr auto leastBudget = std::chrono::milliseconds(100);
+constexpr auto slowCall = std::chrono::milliseconds(80);
+constexpr auto terminateBudget = std::chrono::seconds(2);
+
+ExcelThread* sharedThread = nullptr;  // set by `main` before any other thread starts
+
+CallClock::Duration durationOf(double seconds) {
+  constexpr double longest = 1e6;  // keeps the nanoseconds far from overflow
+  const double bounded = std::isnan(seconds) ? 0 : std::clamp(seconds, 0.0, longest);
+  return CallClock::Duration(std::llround(bounded * 1e9));
+}
+
+std::string wholeSeconds(CallClock::Duration duration) {
+  return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(duration).count()) + "s";
+}
+
+ExcelError stillBusy(CallClock::Duration waited) {
+  return {ExcelError::timedOut,
+          "Excel is still busy with the previous call after " + wholeSeconds(waited)};
+}
+
+std::string lowerCased(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return text;
+}
+
+// The script language's subroutine call: the handler by name, its arguments by position.
+AppleEvent subroutineCall(const std::string& handler, const JSONValue::Array& args) {
+  AppleEvent event;
+  event.eventClass = fourCharCode("ascr");
+  event.eventID = fourCharCode("psbr");
+  event.parameters.push_back(
+      {fourCharCode("snam"), AppleEventDescriptor::text(lowerCased(handler))});
+  event.parameters.push_back({keyDirectObject, Marshal::toDescriptor(JSONValue(args))});
+  return event;
+}
+
+}  // namespace
+
+ExcelThread::ExcelThread(ScriptRunnerFactory factory, DiagLog& log)
+    : ExcelThread(std::move(factory), log, Options()) {}
+
+ExcelThread::ExcelThread(ScriptRunnerFactory factory, DiagLog& log, Options options)
+    : clock_(options.clock ? *options.clock : steadyClock_),
+      log_(log),
+      thread_(std::move(factory),
+              options.source.empty() ? ExcelScript::source() : std::move(options.source), clock_,
+              options.stopWait),
+      gate_("com.quorin.app.excel.gate") {
+  if (!thread_.waitUntilCompiled(options.compileWait)) {
+    compileError_ =
+        "AppleScript compile did not finish within " + wholeSeconds(options.compileWait);
+  } else if (const auto failure = thread_.compileFailure()) {
+    compileError_ = "AppleScript compile failed: " + describe(*failure);
+  }
+}
+
+ExcelThread::~ExcelThread() {
+  if (sharedThread == this) sharedThread = nullptr;
+}
+
+ExcelThread& ExcelThread::shared() {
+  if (!sharedThread) fatal("ExcelThread::shared was asked for before main set it up");
+  return *sharedThread;
+}
+
+void ExcelThread::setShared(ExcelThread* thread) {
+  sharedThread = thread;
+}
+
+std::optional<std::string> ExcelThread::compileError() const {
+  return compileError_;
+}
+
+JSONValue ExcelThread::call(const std::string& handler, const JSONValue::Array& args,
+                            double timeout) {
+  MainThread::forbid("ExcelThread::call");
+  JSONValue result;
+  gate_.sync([&] { result = invoke(handler, args, durationOf(timeout)); });
+  return result;
+}
+
+JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONValue::Array& args) {
+  // Shared with the gate: a call that never got its turn is left to it.
+  struct Turn {
+    std::atomic<bool> taken = false;
+    Semaphore began;
+    Semaphore ended;
+    JSONValue result;
+    std::exception_ptr failure;
+  };
+  const auto turn = std::make_shared<Turn>();
+  const Duration start = clock_.now();
+  gate_.post([this, turn, handler, args, start] {
+    if (turn->taken.exchange(true)) return;
+    turn->began.signal();
+    try {
+      const Duration left = terminateBudget - (clock_.now() - start);
+      turn->result = invoke(handler, args, std::max<Duration>(left, Duration::zero()));
+    } catch (...) {
+      turn->failure = std::current_exception();
+    }
+    turn->ended.signal();
+  });
+  if (!clock_.wait(turn->began, terminateBudget) && !turn->taken.exchange(true))
+    throw stillBusy(terminateBudget);
+  turn->ended.wait();
+  if (turn->failure) std::rethrow_exception(turn->failure);
+  return turn->result;
+}
+
+JSONValue ExcelThread::invoke(const std::string& handler, const JSONValue::Array& args,
+                              Duration timeout) {
+  if (compileError_) throw ExcelError(ExcelError::notCompiled, *compileError_);
+
+  const Duration start = clock_.now();
+  if (pending_) {
+    if (!waitForPending(pending_->done, timeout)) throw stillBusy(timeout);
+    pending_.reset();
+  }
+  const auto box = std::make_shared<CallBox>(subroutineCall(handler, args));
+  const Duration budget = std::max<Duration>(timeout - (clock_.now() - start), leastBudget);
+  thread_.post([box](ScriptRunner& runner) { execute(*box, runner); });
+
+  const Duration sent = clock_.now();
+  const bool inTime = waitForPending(box->done, budget);
+  const Duration took = clock_.now() - sent;
+  if (took >= slowCall) {
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(took).count();
+    log_.log("PERF", handler + " " + std::to_string(milliseconds) + "ms");
+  }
+  if (!inTime) {
+    pending_ = box;
+    throw ExcelError(ExcelError::timedOut, "Excel did not respond within " + wholeSeconds(budget));
+  }
+  if (box->error)
+    throw ExcelError(box->error->number.value_or(-1),
+                     box->error->message.value_or("AppleScript error"));
+  return Marshal::fromDescriptor(box->result.value_or(AppleEventDescriptor::null()));
+}
+
+bool ExcelThread::waitForPending(Semaphore& semaphore, Duration timeout) {
+  return clock_.wait(semaphore, timeout);
+}
+
+void ExcelThread::execute(CallBox& box, ScriptRunner& runner) {
+  try {
+    ScriptReply reply = runner.execute(box.event);
+    box.result = std::move(reply.result);
+    box.error = std::move(reply.error);
+  } catch (const std::exception& error) {
+    box.error = ScriptErrorInfo{std::nullopt, error.what()};
+  } catch (...) {
+    box.error = ScriptErrorInfo{};
+  }
+  box.done.signal();
+}
+
+std::string ExcelThread::describe(const ScriptErrorInfo& errorInfo) {
+  return std::to_string(errorInfo.number.value_or(-1)) + ": " +
+         errorInfo.message.value_or("unknown error");
+}
+
+}  // namespace quorin

@@ -1,0 +1,15 @@
+# Writes OUTPUT, a C++ source that holds each of FILES as a text constant named after the file, one
+# literal per line of text.
+set(source "// Generated from kit/scripts by the build.\n#include \"kit/excel/ScriptTexts.h\"\n\n")
+string(APPEND source "namespace quorin::ScriptTexts {\n")
+foreach(file IN LISTS FILES)
+  get_filename_component(name ${file} NAME_WE)
+  file(READ ${file} text)
+  string(REPLACE "\\" "\\\\" text "${text}")
+  string(REPLACE "\"" "\\\"" text "${text}")
+  string(REGEX REPLACE "\n$" "" text "${text}")
+  string(REPLACE "\n" "\\n\"\n    \"" text "${text}")
+  string(APPEND source "\nconst std::string_view ${name} =\n    \"${text}\";\n")
+endforeach()
+string(APPEND source "\n}  // namespace quorin::ScriptTexts\n")
+file(WRITE ${OUTPUT} "${source}")

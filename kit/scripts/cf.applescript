@@ -1,0 +1,223 @@
+-- Highlights: conditional formats with one sentinel formula, by which alone they are found again.
+-- The formula has no function names, so it means the same in every language of Excel.
+
+-- The worksheet of that name. Names are looked up in lists first: asking Excel for a sheet that a
+-- workbook lacks opens a file dialog.
+on qx_cf_sheet(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			set bookNames to name of every workbook
+			if class of bookNames is not list then set bookNames to {bookNames}
+			if bookNames does not contain {bookName} then error ("workbook not open: " & bookName) number -1728
+			set sheetNames to name of every worksheet of workbook bookName
+			if class of sheetNames is not list then set sheetNames to {sheetNames}
+			if sheetNames does not contain {sheetName} then error ("sheet not found: " & sheetName) number -1728
+			return worksheet sheetName of workbook bookName
+		end timeout
+	end tell
+end qx_cf_sheet
+
+-- The range of an address on sheet sh, else of a defined name of the active workbook; in this
+-- order, so that a name spelled like an address cannot take its place. Counting the cells is what
+-- makes Excel look whether the range exists.
+on qx_bindaddr(addr, sh)
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			try
+				set rg to range (addr) of sh
+				if (count of cells of rg) > 0 then return rg
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
+			end try
+			try
+				set rg to reference range of named item (addr) of active workbook
+				if (count of cells of rg) > 0 then return rg
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
+			end try
+			error ("range does not exist: " & addr) number -1728
+		end timeout
+	end tell
+end qx_bindaddr
+
+-- One range for many addresses, bound in texts of at most 50 joined by sepc, the list separator of
+-- the user's Excel or not. A missing value when that does not work out: an address that the
+-- separator would cut in two, a text that Excel does not bind, or fewer cells than addresses.
+on qx_joinedbind(addrs, sepc, sh)
+	set addrTotal to count of addrs
+	repeat with i from 1 to addrTotal
+		if (item i of addrs) contains "[" or (item i of addrs) contains sepc then return missing value
+	end repeat
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			try
+				set acc to missing value
+				set i to 1
+				repeat while i <= addrTotal
+					set joined to item i of addrs
+					set taken to 1
+					set i to i + 1
+					repeat while taken < 50 and i <= addrTotal
+						set joined to joined & sepc & (item i of addrs)
+						set taken to taken + 1
+						set i to i + 1
+					end repeat
+					set rg to range (joined) of sh
+					if (count of cells of rg) < taken then return missing value
+					if acc is missing value then
+						set acc to rg
+					else
+						set acc to (union range1 acc range2 rg)
+					end if
+				end repeat
+				return acc
+			on error
+				return missing value
+			end try
+		end timeout
+	end tell
+end qx_joinedbind
+
+-- A range for one or many addresses of sheet sh. Excel's own text for several areas uses the user's
+-- list separator, so both are tried before each address is bound alone.
+on qx_rangefromaddrs(addrs, sh)
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			if (count of addrs) is 1 then return my qx_bindaddr(item 1 of addrs, sh)
+			set rg to my qx_joinedbind(addrs, ",", sh)
+			if rg is not missing value then return rg
+			set rg to my qx_joinedbind(addrs, ";", sh)
+			if rg is not missing value then return rg
+			set acc to my qx_bindaddr(item 1 of addrs, sh)
+			repeat with i from 2 to count of addrs
+				set another to my qx_bindaddr(item i of addrs, sh)
+				set acc to (union range1 acc range2 another)
+			end repeat
+			return acc
+		end timeout
+	end tell
+end qx_rangefromaddrs
+
+-- Makes one sentinel condition on rg, in the colour r, g, b, and returns how many rules of the
+-- user's were there. Only then is its priority written, because that clears Excel's undo history.
+on qx_cf_make(rg, r, g, b)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set sentinel to "=\"QXZ\"=\"QXZ\""
+			set theirs to my qx_cf_foreign(rg)
+			-- Releases differ in which of the two forms they take.
+			try
+				set fc to make new format condition at rg with properties {format condition type:expression, formula1:sentinel}
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
+				tell rg
+					set fc to make new format condition at end with properties {format condition type:expression, formula1:sentinel}
+				end tell
+			end try
+			-- A condition that could not be coloured must not stay behind.
+			try
+				set color of interior object of fc to {r, g, b}
+				if theirs > 0 then set format condition priority of fc to 1
+			on error msg number n
+				try
+					delete fc
+				end try
+				error msg number n
+			end try
+			return theirs
+		end timeout
+	end tell
+end qx_cf_make
+
+-- {conditions made, rules of the user's that were there}: one condition for all addresses, or,
+-- where that fails, one for each.
+on qx_cf_apply(addrs, bookName, sheetName, r, g, b)
+	set sh to my qx_cf_sheet(bookName, sheetName)
+	try
+		set rg to my qx_rangefromaddrs(addrs, sh)
+		set theirs to my qx_cf_make(rg, r, g, b)
+		return {1, theirs}
+	on error msg number n
+		if my qx_cf_mute(n) then error msg number n
+	end try
+	set made to 0
+	set theirs to 0
+	repeat with i from 1 to count of addrs
+		set rg to my qx_bindaddr(item i of addrs, sh)
+		set theirs to theirs + (my qx_cf_make(rg, r, g, b))
+		set made to made + 1
+	end repeat
+	return {made, theirs}
+end qx_cf_apply
+
+-- Deletes the sentinel conditions of these addresses, together and each alone, and returns how many
+-- that were. An address that no longer binds is passed over. Backwards, for the numbers move up.
+on qx_cf_clear(addrs, bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set sh to my qx_cf_sheet(bookName, sheetName)
+			set places to {}
+			if (count of addrs) > 1 then
+				try
+					set end of places to my qx_rangefromaddrs(addrs, sh)
+				on error msg number n
+					if my qx_cf_mute(n) then error msg number n
+				end try
+			end if
+			repeat with i from 1 to count of addrs
+				try
+					set end of places to my qx_bindaddr(item i of addrs, sh)
+				on error msg number n
+					if my qx_cf_mute(n) then error msg number n
+				end try
+			end repeat
+			set gone to 0
+			repeat with k from 1 to count of places
+				set rg to item k of places
+				repeat with i from (count of format conditions of rg) to 1 by -1
+					if my qx_cf_ours(rg, i) then
+						delete format condition i of rg
+						set gone to gone + 1
+					end if
+				end repeat
+			end repeat
+			return gone
+		end timeout
+	end tell
+end qx_cf_clear
+
+-- Whether condition i of rg is a sentinel. Conditions of other kinds have no formula to read, and
+-- one that cannot be read is the user's.
+on qx_cf_ours(rg, i)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			try
+				considering case
+					if (formula1 of format condition i of rg) is "=\"QXZ\"=\"QXZ\"" then return true
+				end considering
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
+			end try
+			return false
+		end timeout
+	end tell
+end qx_cf_ours
+
+-- How many conditions of rg are the user's.
+on qx_cf_foreign(rg)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set theirs to 0
+			repeat with i from 1 to (count of format conditions of rg)
+				if not (my qx_cf_ours(rg, i)) then set theirs to theirs + 1
+			end repeat
+			return theirs
+		end timeout
+	end tell
+end qx_cf_foreign
+
+-- Whether an error says nothing of the object asked for, because Excel did not answer: timed out,
+-- died, not running, busy. It then must not pass for "not there".
+on qx_cf_mute(n)
+	return {-1712, -609, -600, -10000} contains {n}
+end qx_cf_mute

@@ -1,0 +1,179 @@
+-- Formulas, dependents, the map of the workbook, and evaluation in a scratch workbook.
+
+-- {formulas, rows, columns} when onlyf, {formulas, "__ERRCOL", rows, columns, "", cells} when the
+-- values cannot be read, {formulas, values, rows, columns, displayed texts or "", cells} otherwise,
+-- or a refusal as qx_readrange gives it. Formulas are safe to read where values are not. fmt is
+-- "r1c1" or anything else for A1.
+on qx_readformulas(addr, fmt, onlyf)
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			set rg to my qx_bindrange(addr)
+			set {rowTotal, colTotal, cellTotal} to my qx_extent(rg)
+			if cellTotal > 20000 then return {"__TOOBIG", rowTotal, colTotal, cellTotal}
+			if cellTotal is not rowTotal * colTotal then return {"__MULTI", rowTotal, colTotal, cellTotal}
+			if fmt is "r1c1" then
+				set written to formula r1c1 of rg
+			else
+				set written to formula of rg
+			end if
+			if onlyf then return {written, rowTotal, colTotal}
+			if colTotal > 1 then
+				if my qx_errcol(rg, rowTotal) then return {written, "__ERRCOL", rowTotal, colTotal, "", cellTotal}
+			end if
+			set shown to ""
+			if cellTotal <= 5000 then set shown to string value of rg
+			return {written, value2 of rg, rowTotal, colTotal, shown, cellTotal}
+		end timeout
+	end tell
+end qx_readformulas
+
+-- The address of the direct dependents, "" when Excel says that there are none. It says so with
+-- error -1708; other releases are known to answer with -50, -1728 or a missing value.
+on qx_dependents(addr)
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			set rg to my qx_bindrange(addr)
+			-- Read once, so that an address that does not exist is an error and not "none".
+			set home to get address of rg
+			if home is missing value then error ("range does not exist: " & addr) number -1728
+			try
+				set found to my qx_address(direct dependents of rg)
+			on error msg number n
+				if {-1708, -1728, -50} contains n then return ""
+				error msg number n
+			end try
+			if found is missing value then return ""
+			if class of found is not list then return found
+			set joined to ""
+			repeat with i from 1 to count of found
+				if i > 1 then set joined to joined & ","
+				set joined to joined & (item i of found)
+			end repeat
+			return joined
+		end timeout
+	end tell
+end qx_dependents
+
+-- {workbook, names of all worksheets, used ranges of the first 50 ("" where there is none), names
+-- of the defined names, what they refer to}.
+on qx_workbookmap()
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set bookName to name of active workbook
+			set sheetNames to name of every worksheet of workbook bookName
+			if sheetNames is missing value then set sheetNames to {}
+			if class of sheetNames is not list then set sheetNames to {sheetNames}
+			set upTo to count of sheetNames
+			if upTo > 50 then set upTo to 50
+			set usedAreas to {}
+			repeat with i from 1 to upTo
+				try
+					set place to get address of used range of worksheet i of workbook bookName
+				on error
+					set place to ""
+				end try
+				if place is missing value then set place to ""
+				set end of usedAreas to place
+			end repeat
+			set itemNames to name of every named item of workbook bookName
+			if itemNames is missing value then set itemNames to {}
+			if class of itemNames is not list then set itemNames to {itemNames}
+			set itemTotal to count of itemNames
+			set meanings to {}
+			if itemTotal > 0 then
+				-- All at once where Excel can, else one by one.
+				try
+					set meanings to references of every named item of workbook bookName
+				end try
+				if class of meanings is not list then set meanings to {meanings}
+				if (count of meanings) is not itemTotal then
+					set meanings to {}
+					repeat with i from 1 to itemTotal
+						set end of meanings to references of named item i of workbook bookName
+					end repeat
+				end if
+			end if
+			return {bookName, sheetNames, usedAreas, itemNames, meanings}
+		end timeout
+	end tell
+end qx_workbookmap
+
+-- The value of the last of a chain of formula bodies, written one below the other into column A of
+-- a scratch workbook, so that each can use the ones above it. The scratch workbook is closed
+-- unsaved and the user's workbook activated again on every path.
+on qx_deepeval(plan)
+	set entryTotal to count of plan
+	if entryTotal is 0 then error "deep-eval plan empty" number -9001
+	if entryTotal > 40 then error "deep-eval exceeds 40 entries" number -9002
+	repeat with i from 1 to entryTotal
+		if (length of (item i of plan)) > 254 then error "deep-eval entry exceeds 255 characters" number -9003
+	end repeat
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			-- Names, not references: a reference to the active workbook would follow it.
+			set userBook to name of active workbook
+			set openBooks to name of every workbook
+			if class of openBooks is not list then set openBooks to {openBooks}
+			set made to make new workbook
+			try
+				set scratch to name of made
+			on error
+				set scratch to name of active workbook
+			end try
+		end timeout
+		-- Closing unsaved is for a workbook of our own alone.
+		if scratch is missing value or openBooks contains {scratch} then error "Excel made no scratch workbook" number -2700
+		try
+			with timeout of 60 seconds
+				repeat with i from 1 to entryTotal
+					set spot to "A" & i
+					set body to "=" & (item i of plan)
+					-- The plain formula setter would cut a spilling result down to its first cell.
+					set formula2 of range (spot) of worksheet 1 of workbook scratch to body
+					-- Excel cuts long text off without a word.
+					set kept to formula2 of range (spot) of worksheet 1 of workbook scratch
+					if class of kept is not text then set kept to ""
+					if (length of kept) is not (length of body) then error "deep-eval: Excel truncated an entry" number -9004
+				end repeat
+				set filled to "$A$1"
+				if entryTotal > 1 then set filled to "$A$1:$A$" & entryTotal
+				if (get address of used range of worksheet 1 of workbook scratch) is not filled then error "deep-eval: an intermediate result spilled" number -9005
+				set spot to "A" & entryTotal
+				set outcome to value2 of range (spot) of worksheet 1 of workbook scratch
+				if outcome is missing value then
+					set shown to string value of range (spot) of worksheet 1 of workbook scratch
+					if class of shown is text and shown starts with "#" then set outcome to shown
+				end if
+			end timeout
+		on error msg number n
+			try
+				with timeout of 8 seconds
+					close workbook scratch saving no
+				end timeout
+			end try
+			try
+				with timeout of 8 seconds
+					activate object workbook userBook
+				end timeout
+			end try
+			error msg number n
+		end try
+		with timeout of 8 seconds
+			close workbook scratch saving no
+			-- Excel refuses this while it is not in front; it has gone back by itself then.
+			try
+				activate object workbook userBook
+			end try
+			return outcome
+		end timeout
+	end tell
+end qx_deepeval
+
+-- How many workbooks are open: shows from outside that no scratch workbook was left.
+on qx_workbookcount()
+	tell application "Microsoft Excel"
+		with timeout of 2 seconds
+			return (count of workbooks)
+		end timeout
+	end tell
+end qx_workbookcount
