@@ -1,0 +1,24 @@
+// Reading a verb's arguments. Pure functions for any thread.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kit/value/JSONValue.h"
+
+namespace quorin {
+
+// Whether there is an argument at this 0-based position and it is text.
+bool isText(const JSONValue::Array& args, std::size_t position);
+
+// Whether it is an array of texts alone; an empty one is.
+bool isTextList(const JSONValue::Array& args, std::size_t position);
+
+// The texts of an array.
+std::vector<std::string> texts(const JSONValue& list);
+
+// The elements that are numbers, integral and within the signed 64-bit range, in order.
+std::vector<std::int64_t> integers(const JSONValue::Array& list);
+
+}  // namespace quorin

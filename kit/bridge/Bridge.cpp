@@ -1,0 +1,95 @@
+#include "kit/bridge/Bridge.h"
+
+#include <exception>
+#include <utility>
+
+#include "kit/bridge/Verbs.h"
+
+namespace quorin {
+
+namespace {
+
+constexpr int applicationNotRunning = -600;
+
+JSONValue errorObject(const std::string& kind, const std::string& message) {
+  return JSONValue::Object{{"kind", kind}, {"message", message}};
+}
+
+}  // namespace
+
+const Bridge::Date Bridge::distantPast =
+    std::chrono::sys_days(std::chrono::year(1800) / std::chrono::January / 1);
+
+Bridge::Bridge(ExcelThread& thread, DiagLog& log, HighlightStore& store, UnhideStore& unhide,
+               TargetApplication& target, Clock clock)
+    : thread_(thread),
+      log_(log),
+      store_(store),
+      unhide_(unhide),
+      target_(target),
+      clock_(std::move(clock)) {}
+
+Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
+  if (verb != "probe" && !excelRunning()) {
+    JSONValue::Object error{{"kind", "transport"},
+                            {"message", "Excel is not running"},
+                            {"code", applicationNotRunning}};
+    return {false, std::move(error)};
+  }
+  const Verb* const known = findVerb(verb);
+  if (!known) {
+    log_.log("ERROR", verb + ": unknown verb");
+    return {false, errorObject("transport", "unknown verb " + verb)};
+  }
+  if (!known->accepts(args)) {
+    log_.log("ERROR", verb + ": bad args");
+    return {false, errorObject("transport", "bad args for " + verb)};
+  }
+  std::string kind = "transport";
+  std::string message;
+  try {
+    return {true, known->run(*this, args)};
+  } catch (const ExcelError& error) {
+    if (error.code() == ExcelError::timedOut) kind = "timeout";
+    message = error.message();
+  } catch (const std::exception& error) {
+    message = error.what();
+  } catch (...) {
+    message = "unknown error";
+  }
+  log_.log("ERROR", verb + ": " + message);
+  return {false, errorObject(kind, message)};
+}
+
+bool Bridge::excelRunning() const {
+  return target_.isRunning();
+}
+
+Bridge::Date Bridge::lastProgrammaticNav() const {
+  const std::lock_guard lock(lock_);
+  return lastProgrammaticNav_;
+}
+
+void Bridge::touchProgrammaticNav() {
+  const Date now = clock_();
+  const std::lock_guard lock(lock_);
+  lastProgrammaticNav_ = now;
+}
+
+void Bridge::publishLanded(const JSONValue& value) const {
+  if (!onActivatedCell_) return;
+  const auto text = [&value](const char* key) -> const std::string* {
+    const JSONValue* const member = value.member(key);
+    return member ? member->string() : nullptr;
+  };
+  const std::string* const book = text("book");
+  const std::string* const sheet = text("sheet");
+  const std::string* const addr = text("addr");
+  if (book && sheet && addr) onActivatedCell_(*book, *sheet, *addr);
+}
+
+JSONValue Bridge::fail(const std::string& kind, const std::string& message) {
+  return JSONValue::Object{{"ok", false}, {"kind", kind}, {"message", message}};
+}
+
+}  // namespace quorin

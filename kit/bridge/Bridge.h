@@ -1,0 +1,106 @@
+// Bridge: the one entry between the page's requests and Excel. It checks a verb's arguments, calls
+// the method that serves it and answers with a pair, whatever happens.
+//
+// One instance for the life of the application. Called on the bridge queue, one request at a time,
+// never on the main thread: each handler call waits for Excel. Any thread may ask for
+// lastProgrammaticNav. What it is constructed from must outlive it.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kit/excel/ExcelThread.h"
+#include "kit/marks/HighlightStore.h"
+#include "kit/marks/UnhideStore.h"
+#include "kit/platform/TargetApplication.h"
+#include "kit/support/DiagLog.h"
+#include "kit/value/JSONValue.h"
+
+namespace quorin {
+
+class Bridge {
+ public:
+  using Args = JSONValue::Array;
+  using Date = std::chrono::system_clock::time_point;
+  using Clock = std::function<Date()>;
+  using ActivatedCell = std::function<void(const std::string& book, const std::string& sheet,
+                                           const std::string& addr)>;
+
+  // What a request is answered with. The payload of a failure is an error object, {"kind",
+  // "message"} and perhaps "code".
+  struct Reply {
+    bool ok = false;
+    JSONValue payload;
+    bool operator==(const Reply&) const = default;
+  };
+
+  // Long before any navigation, and near enough that a difference to now can be computed.
+  static const Date distantPast;
+
+  Bridge(ExcelThread& thread, DiagLog& log, HighlightStore& store, UnhideStore& unhide,
+         TargetApplication& target, Clock clock = std::chrono::system_clock::now);
+
+  // Serves one request. Never throws.
+  Reply dispatch(const std::string& verb, const Args& args);
+
+  // Whether Excel is among the running applications. Answers at once.
+  bool excelRunning() const;
+
+  // When the bridge itself last moved Excel's selection.
+  Date lastProgrammaticNav() const;
+
+  // The separator in formulas that the bridge writes. Bridge queue.
+  void setArgSeparator(std::string separator) { argSeparator_ = std::move(separator); }
+  const std::string& argSeparator() const { return argSeparator_; }
+
+  // Hears of the cells that the bridge has moved to. Set before the first request; called on the
+  // bridge queue.
+  void setOnActivatedCell(ActivatedCell callback) { onActivatedCell_ = std::move(callback); }
+
+  // The verbs. Unless it says otherwise each throws ExcelError or BridgeShapes::ShapeError.
+  JSONValue probe();                            // never throws; {"state", "excelWindow"?}
+  JSONValue readCell();                         // the active cell, see readCellObject
+  JSONValue pollCell();                         // {"book", "sheet", "addr"}
+  JSONValue evaluate(const std::string& expr);  // never throws; okValue or fail
+  JSONValue select(const std::vector<std::string>& addrs);     // {"areas"}
+  JSONValue activate(const std::optional<std::string>& addr);  // true
+  JSONValue dependents(const std::string& addr);  // address text, "" when there are none
+
+  // {"ok": false, "kind", "message"}: a failure told inside an ok reply.
+  static JSONValue fail(const std::string& kind, const std::string& message);
+
+  // {"ok": true, "value"}, or a failure when the value holds what could not be marshalled.
+  static JSONValue okValue(const JSONValue& value);
+
+  // IFERROR(expr,"__ERR:"&ERROR.TYPE(expr)): makes an error result come back as text. None when
+  // that is longer than the 255 characters that Excel's evaluate takes.
+  static std::optional<std::string> wrapForErrorType(const std::string& expr,
+                                                     const std::string& separator);
+
+  // The ERROR.TYPE number of such a text; none for any other value.
+  static std::optional<long long> parseErrTag(const JSONValue& value);
+
+  // Hands the cell {"book", "sheet", "addr"} that a verb has moved to on; other values are ignored.
+  void publishLanded(const JSONValue& value) const;
+
+ private:
+  void touchProgrammaticNav();
+  JSONValue evaluateWrapped(const std::string& expr, const std::string& firstMessage);
+
+  ExcelThread& thread_;
+  DiagLog& log_;
+  HighlightStore& store_;
+  UnhideStore& unhide_;
+  TargetApplication& target_;
+  const Clock clock_;
+  mutable std::mutex lock_;  // guards the next field
+  Date lastProgrammaticNav_ = distantPast;
+  std::string argSeparator_ = ",";
+  ActivatedCell onActivatedCell_;
+};
+
+}  // namespace quorin

@@ -1,0 +1,88 @@
+#include "kit/bridge/Verbs.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "kit/bridge/Arguments.h"
+
+namespace quorin {
+
+namespace {
+
+using Args = Bridge::Args;
+
+bool anything(const Args&) {
+  return true;
+}
+
+bool startsWithText(const Args& args) {
+  return isText(args, 0);
+}
+
+bool startsWithTextsNotNone(const Args& args) {
+  return isTextList(args, 0) && !args[0].array()->empty();
+}
+
+bool startsWithTexts(const Args& args) {
+  return isTextList(args, 0);
+}
+
+bool isOptionalText(const Args& args) {
+  return args.empty() || args[0].isNull() || args[0].string();
+}
+
+// Address, reference style, and whether formulas alone are wanted.
+bool isFormulaRequest(const Args& args) {
+  if (args.size() != 2 && args.size() != 3) return false;
+  if (!isText(args, 0) || !isText(args, 1)) return false;
+  const std::string& style = *args[1].string();
+  if (style != "a1" && style != "r1c1") return false;
+  return args.size() == 2 || args[2].boolean();
+}
+
+// Addresses and a colour. What is no integer among the colour's elements does not count.
+bool isPaintRequest(const Args& args) {
+  return args.size() == 2 && startsWithTextsNotNone(args) && args[1].array() &&
+         integers(*args[1].array()).size() == 3;
+}
+
+JSONValue notAvailable(std::string_view verb) {
+  throw std::runtime_error(std::string(verb) + " is not available yet");
+}
+
+constexpr Verb verbs[] = {
+    {"probe", anything, [](Bridge& bridge, const Args&) { return bridge.probe(); }},
+    {"readCell", anything, [](Bridge& bridge, const Args&) { return bridge.readCell(); }},
+    {"evaluate", startsWithText,
+     [](Bridge& bridge, const Args& args) { return bridge.evaluate(*args[0].string()); }},
+    {"readRange", startsWithText, [](Bridge&, const Args&) { return notAvailable("readRange"); }},
+    {"select", startsWithTextsNotNone,
+     [](Bridge& bridge, const Args& args) { return bridge.select(texts(args[0])); }},
+    {"activate", isOptionalText,
+     [](Bridge& bridge, const Args& args) {
+       const bool hasAddress = !args.empty() && args[0].string();
+       return bridge.activate(hasAddress ? std::optional(*args[0].string()) : std::nullopt);
+     }},
+    {"pollCell", anything, [](Bridge& bridge, const Args&) { return bridge.pollCell(); }},
+    {"readFormulas", isFormulaRequest,
+     [](Bridge&, const Args&) { return notAvailable("readFormulas"); }},
+    {"dependents", startsWithText,
+     [](Bridge& bridge, const Args& args) { return bridge.dependents(*args[0].string()); }},
+    {"workbookMap", anything, [](Bridge&, const Args&) { return notAvailable("workbookMap"); }},
+    {"markCells", isPaintRequest, [](Bridge&, const Args&) { return notAvailable("markCells"); }},
+    {"clearMarks", anything, [](Bridge&, const Args&) { return notAvailable("clearMarks"); }},
+    {"reveal", startsWithTextsNotNone, [](Bridge&, const Args&) { return notAvailable("reveal"); }},
+    {"deepEval", startsWithTexts, [](Bridge&, const Args&) { return notAvailable("deepEval"); }},
+};
+
+}  // namespace
+
+const Verb* findVerb(std::string_view name) {
+  const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
+                                         [name](const Verb& verb) { return verb.name == name; });
+  return found == std::end(verbs) ? nullptr : found;
+}
+
+}  // namespace quorin

@@ -1,0 +1,47 @@
+// A Bridge over an Excel that answers as the test says, with a log that can be read back.
+#pragma once
+
+#include <atomic>
+#include <gmock/gmock.h>
+#include <string>
+
+#include "kit/bridge/Bridge.h"
+#include "tests/fakes/FakeRunner.h"
+#include "tests/fakes/LogLines.h"
+#include "tests/fakes/ScriptedClock.h"
+
+namespace quorin {
+
+class FakeTarget : public TargetApplication {
+ public:
+  bool isRunning() override { return running; }
+  std::atomic<bool> running = true;
+};
+
+class BridgeFixture : public testing::Test {
+ protected:
+  using Array = JSONValue::Array;
+  using Object = JSONValue::Object;
+
+  static JSONValue error(const std::string& kind, const std::string& message) {
+    return Object{{"kind", kind}, {"message", message}};
+  }
+
+  // The next handler call does not come back in time; the runner is let go afterwards.
+  void timesOut(const std::string& handler) {
+    excel_.answer(handler, [](const AppleEvent&) { return ScriptReply{}; });
+    clock_.timesOut();
+  }
+
+  fakes::FakeExcel excel_;
+  fakes::LogLines log_;
+  fakes::ScriptedClock clock_;
+  FakeTarget target_;
+  HighlightStore store_{"highlights.json"};
+  UnhideStore unhide_{"unhidden.json"};
+  Bridge::Date now_ = Bridge::Date(std::chrono::hours(480000));
+  ExcelThread thread_{excel_.factory(), log_.log(), {.source = "on run", .clock = &clock_}};
+  Bridge bridge_{thread_, log_.log(), store_, unhide_, target_, [this] { return now_; }};
+};
+
+}  // namespace quorin

@@ -1,0 +1,224 @@
+// The dispatcher: which arguments pass, and what every failure is answered with.
+#include <algorithm>
+
+#include "tests/kit/bridge/BridgeFixture.h"
+
+namespace quorin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Dispatch = BridgeFixture;
+
+TEST_F(Dispatch, RefusesEveryVerbButProbeWhileExcelIsNotRunning) {
+  target_.running = false;
+  const JSONValue notRunning(
+      Object{{"kind", "transport"}, {"message", "Excel is not running"}, {"code", -600}});
+  EXPECT_EQ(bridge_.dispatch("readCell", {}), (Bridge::Reply{false, notRunning}));
+  EXPECT_EQ(bridge_.dispatch("evaluate", {}), (Bridge::Reply{false, notRunning}));
+  EXPECT_EQ(bridge_.dispatch("no such verb", {}), (Bridge::Reply{false, notRunning}));
+  EXPECT_EQ(bridge_.dispatch("probe", {}), (Bridge::Reply{true, Object{{"state", "notRunning"}}}));
+  EXPECT_THAT(excel_.calls(), IsEmpty());
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(Dispatch, DoesNotKnowOtherVerbs) {
+  EXPECT_EQ(bridge_.dispatch("ReadCell", {}),
+            (Bridge::Reply{false, error("transport", "unknown verb ReadCell")}));
+  EXPECT_EQ(bridge_.dispatch("", {}), (Bridge::Reply{false, error("transport", "unknown verb ")}));
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR ReadCell: unknown verb", "ERROR : unknown verb"));
+  EXPECT_THAT(excel_.calls(), IsEmpty());
+}
+
+TEST_F(Dispatch, SaysWhichArgumentsWereBad) {
+  EXPECT_EQ(bridge_.dispatch("evaluate", {}),
+            (Bridge::Reply{false, error("transport", "bad args for evaluate")}));
+  EXPECT_EQ(bridge_.dispatch("evaluate", {1}),
+            (Bridge::Reply{false, error("transport", "bad args for evaluate")}));
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR evaluate: bad args", "ERROR evaluate: bad args"));
+  EXPECT_THAT(excel_.calls(), IsEmpty());
+}
+
+struct ArgumentCase {
+  const char* verb;
+  JSONValue::Array args;
+  bool passes;
+};
+
+std::ostream& operator<<(std::ostream& out, const ArgumentCase& example) {
+  return out << example.verb << " with " << example.args.size() << " arguments, "
+             << (example.passes ? "passes" : "is refused");
+}
+
+JSONValue list(JSONValue::Array items) {
+  return items;
+}
+
+const JSONValue texts = list({"A1", "B2"});
+const JSONValue mixed = list({"A1", 2});
+const JSONValue none = list({});
+
+const std::vector<ArgumentCase>& argumentCases() {
+  static const std::vector<ArgumentCase> cases = {
+      {"probe", {}, true},
+      {"probe", {1, 2}, true},
+      {"readCell", {}, true},
+      {"readCell", {nullptr}, true},
+      {"pollCell", {}, true},
+      {"pollCell", {"x"}, true},
+      {"workbookMap", {}, true},
+      {"workbookMap", {false}, true},
+      {"clearMarks", {}, true},
+      {"clearMarks", {"x"}, true},
+
+      {"evaluate", {"1+1"}, true},
+      {"evaluate", {"1+1", 2}, true},
+      {"evaluate", {""}, true},
+      {"evaluate", {}, false},
+      {"evaluate", {1}, false},
+      {"evaluate", {nullptr}, false},
+      {"readRange", {"A1:B2"}, true},
+      {"readRange", {"A1:B2", "surplus"}, true},
+      {"readRange", {}, false},
+      {"readRange", {texts}, false},
+      {"dependents", {"A1"}, true},
+      {"dependents", {}, false},
+      {"dependents", {true}, false},
+
+      {"select", {texts}, true},
+      {"select", {texts, 1}, true},
+      {"select", {}, false},
+      {"select", {"A1"}, false},
+      {"select", {none}, false},
+      {"select", {mixed}, false},
+      {"reveal", {texts}, true},
+      {"reveal", {texts, 1}, true},
+      {"reveal", {none}, false},
+      {"reveal", {mixed}, false},
+      {"reveal", {}, false},
+
+      {"activate", {}, true},
+      {"activate", {"A1"}, true},
+      {"activate", {nullptr}, true},
+      {"activate", {"A1", 1}, true},
+      {"activate", {1}, false},
+      {"activate", {texts}, false},
+
+      {"readFormulas", {"A1", "a1"}, true},
+      {"readFormulas", {"A1", "r1c1"}, true},
+      {"readFormulas", {"A1", "a1", true}, true},
+      {"readFormulas", {"A1", "a1", false}, true},
+      {"readFormulas", {"A1"}, false},
+      {"readFormulas", {"A1", "R1C1"}, false},
+      {"readFormulas", {"A1", "A1"}, false},
+      {"readFormulas", {"A1", ""}, false},
+      {"readFormulas", {1, "a1"}, false},
+      {"readFormulas", {"A1", "a1", 1}, false},
+      {"readFormulas", {"A1", "a1", nullptr}, false},
+      {"readFormulas", {"A1", "a1", true, true}, false},
+
+      {"markCells", {texts, list({255, 0, 0})}, true},
+      {"markCells", {texts, list({255, 0, 0, "x"})}, true},
+      {"markCells", {texts, list({255, 0.5, 0, 0})}, true},
+      {"markCells", {texts, list({-9223372036854775808.0, 0, 0})}, true},
+      {"markCells", {texts, list({9223372036854775808.0, 0, 0})}, false},
+      {"markCells", {texts, list({255, 0})}, false},
+      {"markCells", {texts, list({255, 0, 0.5})}, false},
+      {"markCells", {texts, list({255, 0, 0, 0})}, false},
+      {"markCells", {texts, list({255, 0, true})}, false},
+      {"markCells", {texts, "red"}, false},
+      {"markCells", {texts}, false},
+      {"markCells", {texts, list({255, 0, 0}), 1}, false},
+      {"markCells", {none, list({255, 0, 0})}, false},
+      {"markCells", {mixed, list({255, 0, 0})}, false},
+
+      {"deepEval", {texts}, true},
+      {"deepEval", {none}, true},
+      {"deepEval", {texts, 1}, true},
+      {"deepEval", {}, false},
+      {"deepEval", {"1"}, false},
+      {"deepEval", {mixed}, false},
+  };
+  return cases;
+}
+
+TEST_F(Dispatch, ChecksTheArgumentsOfEveryVerb) {
+  for (const ArgumentCase& example : argumentCases()) {
+    const Bridge::Reply reply = bridge_.dispatch(example.verb, example.args);
+    const Bridge::Reply bad{false, error("transport", std::string("bad args for ") + example.verb)};
+    EXPECT_EQ(reply == bad, !example.passes) << example;
+  }
+}
+
+TEST_F(Dispatch, NamesTheVerbsThatAreNotAvailableYet) {
+  const Bridge::Reply reply = bridge_.dispatch("readRange", {"A1:B2"});
+  EXPECT_EQ(reply, (Bridge::Reply{false, error("transport", "readRange is not available yet")}));
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR readRange: readRange is not available yet"));
+}
+
+TEST_F(Dispatch, AnswersATimeoutWithItsOwnKind) {
+  timesOut("qx_readcell");
+  EXPECT_EQ(bridge_.dispatch("readCell", {}),
+            (Bridge::Reply{false, error("timeout", "Excel did not respond within 10s")}));
+  EXPECT_THAT(log_.lines(), ElementsAre("PERF qx_readcell 10000ms",
+                                        "ERROR readCell: Excel did not respond within 10s"));
+}
+
+TEST_F(Dispatch, AnswersEveryOtherExcelErrorWithTransport) {
+  excel_.fails("qx_readcell", -1712, "Microsoft Excel got an error: AppleEvent timed out.");
+  EXPECT_EQ(bridge_.dispatch("readCell", {}),
+            (Bridge::Reply{
+                false, error("transport", "Microsoft Excel got an error: AppleEvent timed out.")}));
+  EXPECT_THAT(log_.lines(),
+              ElementsAre("ERROR readCell: Microsoft Excel got an error: AppleEvent timed out."));
+}
+
+TEST_F(Dispatch, AnswersAShapeErrorWithItsMessage) {
+  excel_.returns("qx_readcell", Array{1, 2, 3});
+  EXPECT_EQ(bridge_.dispatch("readCell", {}),
+            (Bridge::Reply{false, error("transport", "readCell payload has an unexpected shape")}));
+  EXPECT_THAT(log_.lines(),
+              ElementsAre("ERROR readCell: readCell payload has an unexpected shape"));
+}
+
+TEST_F(Dispatch, GivesTheResultOfTheVerb) {
+  excel_.returns("qx_pollcell", Array{"Book1", "Sheet1", "$A$1"});
+  EXPECT_EQ(
+      bridge_.dispatch("pollCell", {}),
+      (Bridge::Reply{true, Object{{"book", "Book1"}, {"sheet", "Sheet1"}, {"addr", "$A$1"}}}));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(Dispatch, HandsTheArgumentsToTheVerb) {
+  excel_.returns("qx_evaluate", 2);
+  excel_.returns("qx_select", "$A$1,$B$2");
+  excel_.returns("qx_activate", true);
+  excel_.returns("qx_pollcell", Array{"Book1", "Sheet1", "$A$1"});
+  excel_.returns("qx_dependents", "");
+  bridge_.dispatch("evaluate", {"1+1", "surplus"});
+  bridge_.dispatch("select", {list({"A1", "B2"})});
+  bridge_.dispatch("activate", {"C3"});
+  bridge_.dispatch("activate", {nullptr});
+  bridge_.dispatch("activate", {});
+  bridge_.dispatch("dependents", {"D4"});
+  using Call = fakes::FakeExcel::Call;
+  Array selected;
+  selected.push_back(list({"A1", "B2"}));
+  EXPECT_THAT(excel_.calls(),
+              ElementsAre(Call{"qx_evaluate", list({"1+1"})}, Call{"qx_select", selected},
+                          Call{"qx_activate", list({"C3"})}, Call{"qx_pollcell", list({})},
+                          Call{"qx_activate", list({""})}, Call{"qx_pollcell", list({})},
+                          Call{"qx_activate", list({""})}, Call{"qx_pollcell", list({})},
+                          Call{"qx_dependents", list({"D4"})}));
+}
+
+TEST_F(Dispatch, LooksForExcelAnewEachTime) {
+  target_.running = false;
+  EXPECT_FALSE(bridge_.excelRunning());
+  target_.running = true;
+  EXPECT_TRUE(bridge_.excelRunning());
+}
+
+}  // namespace
+}  // namespace quorin
