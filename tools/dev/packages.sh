@@ -2,6 +2,7 @@
 # Sourced by ./test and ./run.
 
 packages_build=(g++ cmake ninja-build ccache python3 rapidjson-dev libutf8proc-dev libcli11-dev
+                libgtk-3-dev libwebkit2gtk-4.1-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3)
 packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy
                xvfb openbox xdotool x11-utils imagemagick procps python3-uno fonts-dejavu-core)

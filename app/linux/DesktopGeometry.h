@@ -1,0 +1,46 @@
+// The desktop's rectangles (origin top left, y downwards, whole pixels) as screen points (origin
+// bottom left of the first screen, y upwards), and where a window may stand. Pure functions.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/shell/ports/PanelWindow.h"
+#include "kit/shapes/ScreenGeometry.h"
+
+namespace quorin {
+
+struct DesktopRect {
+  int x = 0, y = 0, width = 0, height = 0;
+  bool operator==(const DesktopRect&) const = default;
+};
+
+// What a window manager adds around a window's content.
+struct Decoration {
+  int left = 0, right = 0, top = 0, bottom = 0;
+  bool operator==(const Decoration&) const = default;
+};
+
+namespace DesktopGeometry {
+
+// `screenHeight` is that of the first screen. Fractions are rounded.
+ScreenFrame toPoints(const DesktopRect& rect, int screenHeight);
+DesktopRect toDesktop(const ScreenFrame& frame, int screenHeight);
+
+// The screen that holds most of the frame; none when no screen holds any of it.
+std::optional<Screen> screenOf(const ScreenFrame& frame, const std::vector<Screen>& screens);
+
+// The frame with its title bar in reach: not higher than the screen's visible frame and its top not
+// above it; a frame off all screens is moved into the first one. Without screens it stays.
+ScreenFrame constrained(const ScreenFrame& frame, const std::vector<Screen>& screens);
+
+// A saved frame as text: its four numbers, then those of the screen it was on, each followed by a
+// space: "900 252 460 588 0 0 1440 900 ".
+std::string savedFrameText(const ScreenFrame& frame, const ScreenFrame& screen);
+// The frame of such text; none when the text does not begin with four numbers of a real frame.
+std::optional<ScreenFrame> savedFrame(std::string_view text);
+
+}  // namespace DesktopGeometry
+}  // namespace quorin

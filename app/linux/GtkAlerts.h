@@ -1,0 +1,34 @@
+// GtkAlerts: the alerts port over GTK message dialogs. An alert answers later, from the main loop;
+// a second one waits for the first.
+#pragma once
+
+#include <deque>
+#include <gtk/gtk.h>
+
+#include "app/shell/ports/Alerts.h"
+
+namespace quorin {
+
+class GtkAlerts : public Alerts {
+ public:
+  GtkAlerts() = default;
+  ~GtkAlerts() override;
+  GtkAlerts(const GtkAlerts&) = delete;
+  GtkAlerts& operator=(const GtkAlerts&) = delete;
+
+  void show(const Alert& alert, Answer answer) override;
+
+ private:
+  struct Waiting {
+    Alert alert;
+    Answer answer;
+  };
+
+  void showNext();
+  static void responded(GtkDialog*, int response, gpointer self);
+
+  std::deque<Waiting> waiting_;  // the first one is on the screen
+  GtkWidget* dialog_ = nullptr;
+};
+
+}  // namespace quorin

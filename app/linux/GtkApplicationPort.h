@@ -1,0 +1,30 @@
+// GtkApplicationPort: the application port over GTK's main loop. Interrupt and termination signals
+// end the application like the user does.
+#pragma once
+
+#include "app/linux/GLibHandles.h"
+#include "app/shell/ports/Application.h"
+
+namespace quorin {
+
+class GtkApplicationPort : public Application {
+ public:
+  GtkApplicationPort();
+
+  void setAccessory() override {}  // the windows' own hints keep them out of the task bar
+  void setDelegate(ApplicationDelegate& delegate) override { delegate_ = &delegate; }
+  void run() override;
+  void terminate() override;
+  void activate() override {}  // alerts present themselves
+
+ private:
+  static gboolean signalled(gpointer self);
+  static gboolean launch(gpointer self);
+  static gboolean end(gpointer self);
+
+  ApplicationDelegate* delegate_ = nullptr;
+  bool terminating_ = false;
+  GSourceHandle interrupt_, termination_;
+};
+
+}  // namespace quorin

@@ -1,0 +1,283 @@
+#include "app/linux/GtkPanelWindow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gdk/gdkx.h>
+
+#include "app/linux/WebKitView.h"
+
+namespace quorin {
+
+namespace {
+
+constexpr guint settlingMilliseconds = 400;
+constexpr guint savingMilliseconds = 200;
+
+// Monitors with the primary one first.
+std::vector<GdkMonitor*> monitors() {
+  GdkDisplay* display = gdk_display_get_default();
+  std::vector<GdkMonitor*> found;
+  for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
+    found.push_back(gdk_display_get_monitor(display, i));
+  }
+  std::stable_partition(found.begin(), found.end(),
+                        [](GdkMonitor* one) { return gdk_monitor_is_primary(one); });
+  return found;
+}
+
+DesktopRect rectOf(const GdkRectangle& r) {
+  return {r.x, r.y, r.width, r.height};
+}
+
+}  // namespace
+
+GtkPanelWindow::GtkPanelWindow(const PanelWindowOptions& options, X11Session& session,
+                               Defaults& defaults)
+    : session_(session),
+      defaults_(defaults),
+      frameKey_("NSWindow Frame " + options.frameAutosaveName),
+      minimum_(options.minimumContentSize),
+      window_(GTK_WINDOW(gtk_window_new(GTK_WINDOW_TOPLEVEL))) {
+  gtk_window_set_title(window_, options.title.c_str());
+  gtk_window_set_type_hint(window_, GDK_WINDOW_TYPE_HINT_UTILITY);
+  gtk_window_set_keep_above(window_, TRUE);
+  gtk_window_stick(window_);
+  gtk_window_set_skip_taskbar_hint(window_, TRUE);
+  gtk_window_set_skip_pager_hint(window_, TRUE);
+  GdkGeometry hints{};
+  hints.min_width = static_cast<int>(minimum_.width);
+  hints.min_height = static_cast<int>(minimum_.height);
+  gtk_window_set_geometry_hints(
+      window_, nullptr, &hints,
+      static_cast<GdkWindowHints>(GDK_HINT_MIN_SIZE | GDK_HINT_USER_POS | GDK_HINT_USER_SIZE));
+  g_signal_connect(window_, "delete-event", G_CALLBACK(closeRequested), this);
+  g_signal_connect(window_, "map-event", G_CALLBACK(mapped), this);
+  g_signal_connect(window_, "configure-event", G_CALLBACK(configured), this);
+  g_signal_connect(window_, "notify::is-active", G_CALLBACK(activeChanged), this);
+
+  target_ = options.contentFrame;
+  targetIsContent_ = true;
+  if (const auto text = defaults_.string(frameKey_)) {
+    if (const auto saved = DesktopGeometry::savedFrame(*text)) {
+      target_ = *saved;
+      targetIsContent_ = false;
+    }
+  }
+  gtk_window_set_default_size(window_, static_cast<int>(options.contentFrame.width),
+                              static_cast<int>(options.contentFrame.height));
+  gtk_widget_realize(GTK_WIDGET(window_));
+  session_.requestDecoration(id());
+}
+
+GtkPanelWindow::~GtkPanelWindow() {
+  g_signal_handlers_disconnect_by_data(window_, this);
+  // The content belongs to the view that was given.
+  if (GtkWidget* child = gtk_bin_get_child(GTK_BIN(window_))) {
+    gtk_container_remove(GTK_CONTAINER(window_), child);
+  }
+  gtk_widget_destroy(GTK_WIDGET(window_));
+}
+
+void GtkPanelWindow::setContent(WebView& view) {
+  GtkWidget* widget = static_cast<WebKitView&>(view).widget();
+  gtk_container_add(GTK_CONTAINER(window_), widget);
+  gtk_widget_show(widget);
+  gtk_widget_grab_focus(widget);
+}
+
+X11Session::WindowId GtkPanelWindow::id() const {
+  return gdk_x11_window_get_xid(native());
+}
+
+Decoration GtkPanelWindow::decoration() const {
+  return session_.decoration(id()).value_or(Decoration{});
+}
+
+int GtkPanelWindow::screenHeight() const {
+  const std::vector<GdkMonitor*> all = monitors();
+  if (all.empty()) return 0;
+  GdkRectangle geometry;
+  gdk_monitor_get_geometry(all.front(), &geometry);
+  return geometry.height;
+}
+
+ScreenFrame GtkPanelWindow::actualFrame() const {
+  GdkRectangle extents;
+  gdk_window_get_frame_extents(native(), &extents);
+  return DesktopGeometry::toPoints(rectOf(extents), screenHeight());
+}
+
+ScreenFrame GtkPanelWindow::frame() const {
+  if (gtk_widget_get_mapped(GTK_WIDGET(window_)) && !settling_) return actualFrame();
+  ScreenFrame frame = target_;
+  if (targetIsContent_) {
+    const Decoration around = decoration();
+    frame.width += around.left + around.right;
+    frame.height += around.top + around.bottom;
+  }
+  return DesktopGeometry::constrained(frame, screens());
+}
+
+void GtkPanelWindow::setFrame(const ScreenFrame& frame) {
+  target_ = frame;
+  targetIsContent_ = false;
+  apply();
+}
+
+void GtkPanelWindow::setWidening(double width, double shift) {
+  widening_ = width;
+  shift_ = shift;
+}
+
+// Asks for the target frame. While the window is hidden GTK forgets where it was told to move, so
+// the native window is moved then.
+void GtkPanelWindow::apply() {
+  settle();
+  const DesktopRect frame = DesktopGeometry::toDesktop(this->frame(), screenHeight());
+  const Decoration around = decoration();
+  const int width = std::max(frame.width - around.left - around.right, 1);
+  const int height = std::max(frame.height - around.top - around.bottom, 1);
+  gtk_window_resize(window_, width, height);
+  if (gtk_widget_get_mapped(GTK_WIDGET(window_))) {
+    gtk_window_move(window_, frame.x, frame.y);
+  } else {
+    gdk_window_move_resize(native(), frame.x, frame.y, width, height);
+  }
+}
+
+void GtkPanelWindow::settle() {
+  settling_.reset(g_timeout_add(settlingMilliseconds, settled, this));
+}
+
+gboolean GtkPanelWindow::settled(gpointer data) {
+  static_cast<GtkPanelWindow*>(data)->settling_.forget();
+  return G_SOURCE_REMOVE;
+}
+
+bool GtkPanelWindow::isVisible() const {
+  return gtk_widget_get_visible(GTK_WIDGET(window_));
+}
+
+bool GtkPanelWindow::isKey() const {
+  return !resigned_ && gtk_window_is_active(window_);
+}
+
+void GtkPanelWindow::stayAboveFullScreen() {
+  const X11Session::WindowId active = session_.activeWindow();
+  const std::optional<X11Session::Window> window = session_.window(active);
+  if (active == id()) return;
+  session_.setTransientFor(id(), window && window->isFullScreen ? active : 0);
+}
+
+void GtkPanelWindow::orderFront() {
+  stayAboveFullScreen();
+  if (isVisible()) {
+    gdk_window_raise(native());
+    return;
+  }
+  gtk_window_set_focus_on_map(window_, FALSE);
+  gdk_x11_window_set_user_time(native(), 0);
+  apply();
+  gtk_widget_show(GTK_WIDGET(window_));
+}
+
+void GtkPanelWindow::makeKeyAndOrderFront() {
+  stayAboveFullScreen();
+  resigned_ = false;
+  if (!isVisible()) {
+    keyWanted_ = true;
+    gtk_window_set_focus_on_map(window_, TRUE);
+    apply();
+  }
+  gtk_window_present_with_time(window_, gdk_x11_get_server_time(native()));
+  if (!keyWanted_) session_.requestActivation(id());
+}
+
+void GtkPanelWindow::resignKey() {
+  resigned_ = true;
+  if (session_.activeWindow() != id()) return;
+  for (const X11Session::WindowId other : session_.windowsFromTop()) {
+    if (other == id()) continue;
+    session_.requestActivation(other);
+    return;
+  }
+}
+
+void GtkPanelWindow::orderOut() {
+  if (!isVisible()) return;
+  if (gtk_widget_get_mapped(GTK_WIDGET(window_)) && !settling_) {
+    target_ = actualFrame();
+    targetIsContent_ = false;
+  }
+  if (saving_) save(this);
+  keyWanted_ = false;
+  gtk_widget_hide(GTK_WIDGET(window_));
+}
+
+std::vector<Screen> GtkPanelWindow::screens() const {
+  std::vector<Screen> found;
+  const int height = screenHeight();
+  for (GdkMonitor* monitor : monitors()) {
+    GdkRectangle all, free;
+    gdk_monitor_get_geometry(monitor, &all);
+    gdk_monitor_get_workarea(monitor, &free);
+    found.push_back({DesktopGeometry::toPoints(rectOf(all), height),
+                     DesktopGeometry::toPoints(rectOf(free), height)});
+  }
+  return found;
+}
+
+std::optional<Screen> GtkPanelWindow::screen() const {
+  return DesktopGeometry::screenOf(frame(), screens());
+}
+
+std::optional<Screen> GtkPanelWindow::mainScreen() const {
+  const std::vector<Screen> all = screens();
+  return all.empty() ? std::nullopt : std::optional(all.front());
+}
+
+gboolean GtkPanelWindow::closeRequested(GtkWidget*, GdkEvent*, gpointer data) {
+  auto& self = *static_cast<GtkPanelWindow*>(data);
+  if (self.delegate_) self.delegate_->panelWindowCloseRequested();
+  return TRUE;
+}
+
+// Only now are the decoration and where the window manager put the window for certain.
+gboolean GtkPanelWindow::mapped(GtkWidget*, GdkEvent*, gpointer data) {
+  auto& self = *static_cast<GtkPanelWindow*>(data);
+  self.apply();
+  if (self.keyWanted_) {
+    self.keyWanted_ = false;
+    self.session_.requestActivation(self.id());
+  }
+  return FALSE;
+}
+
+gboolean GtkPanelWindow::configured(GtkWidget*, GdkEvent*, gpointer data) {
+  auto& self = *static_cast<GtkPanelWindow*>(data);
+  // A hidden window is moved without its decoration, and what we asked for is not the user's doing.
+  if (!gtk_widget_get_mapped(GTK_WIDGET(self.window_)) || self.settling_) return FALSE;
+  self.saving_.reset(g_timeout_add(savingMilliseconds, save, data));
+  return FALSE;
+}
+
+gboolean GtkPanelWindow::save(gpointer data) {
+  auto& self = *static_cast<GtkPanelWindow*>(data);
+  self.saving_.forget();
+  const ScreenFrame frame = self.actualFrame();
+  if (frame == self.target_ || self.settling_) return G_SOURCE_REMOVE;
+  self.target_ = frame;
+  self.targetIsContent_ = false;
+  const ScreenFrame narrow{frame.x + self.shift_, frame.y, frame.width - self.widening_,
+                           frame.height};
+  const Screen screen = self.screen().value_or(Screen{});
+  self.defaults_.setString(self.frameKey_, DesktopGeometry::savedFrameText(narrow, screen.frame));
+  return G_SOURCE_REMOVE;
+}
+
+void GtkPanelWindow::activeChanged(GObject*, GParamSpec*, gpointer data) {
+  auto& self = *static_cast<GtkPanelWindow*>(data);
+  self.resigned_ = false;
+}
+
+}  // namespace quorin

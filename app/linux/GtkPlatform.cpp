@@ -1,0 +1,43 @@
+#include "app/linux/GtkPlatform.h"
+
+#include <gtk/gtk.h>
+#include <stdexcept>
+#include <system_error>
+
+#include "app/linux/GtkPanelWindow.h"
+#include "kit/platform/XDGFolders.h"
+
+namespace quorin {
+
+namespace {
+
+std::filesystem::path ownProgram() {
+  std::error_code ignored;
+  return std::filesystem::read_symlink("/proc/self/exe", ignored);
+}
+
+}  // namespace
+
+GtkPlatform::GtkPlatform()
+    : session_(gdk_display_get_default()),
+      defaults_(XDGFolders(environment_).library() / "Quorin" / "defaults.json"),
+      bundle_(ownProgram()) {}
+
+std::unique_ptr<PanelWindow> GtkPlatform::makePanelWindow(const PanelWindowOptions& options) {
+  return std::make_unique<GtkPanelWindow>(options, session_, defaults_);
+}
+
+std::unique_ptr<WebView> GtkPlatform::makeWebView(const WebViewOptions& options) {
+  return std::make_unique<WebKitView>(options, environment_.count("QX_DEV_URL") > 0);
+}
+
+// On Wayland windows can neither place themselves nor see others; XWayland lets them.
+std::unique_ptr<AppPlatform> makePlatform() {
+  gdk_set_allowed_backends("x11");
+  if (!gtk_init_check(nullptr, nullptr)) {
+    throw std::runtime_error("there is no X11 display to show the panel on");
+  }
+  return std::make_unique<GtkPlatform>();
+}
+
+}  // namespace quorin

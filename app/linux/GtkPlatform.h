@@ -1,0 +1,57 @@
+// GtkPlatform: the shell's platform on Linux: GTK 3 and WebKitGTK on X11.
+#pragma once
+
+#include <memory>
+
+#include "app/linux/FileDefaults.h"
+#include "app/linux/GLibMainLoop.h"
+#include "app/linux/GtkAlerts.h"
+#include "app/linux/GtkApplicationPort.h"
+#include "app/linux/InstalledBundle.h"
+#include "app/linux/WebKitView.h"
+#include "app/linux/X11Session.h"
+#include "app/linux/X11Workspace.h"
+#include "app/shell/ports/AppPlatform.h"
+#include "kit/platform/Environment.h"
+
+namespace quorin {
+
+class SystemClock : public Clock {
+ public:
+  std::chrono::system_clock::time_point now() const override {
+    return std::chrono::system_clock::now();
+  }
+  std::chrono::steady_clock::time_point steadyNow() const override {
+    return std::chrono::steady_clock::now();
+  }
+};
+
+class GtkPlatform : public AppPlatform {
+ public:
+  // After GTK has been initialised on an X11 display.
+  GtkPlatform();
+
+  Application& application() override { return application_; }
+  MainLoop& mainLoop() override { return loop_; }
+  X11Workspace& workspace() override { return workspace_; }
+  Alerts& alerts() override { return alerts_; }
+  Defaults& defaults() override { return defaults_; }
+  Bundle& bundle() override { return bundle_; }
+  Clock& clock() override { return clock_; }
+  std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
+  std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
+  std::string spreadsheetName() const override { return "LibreOffice Calc"; }
+
+ private:
+  Environment environment_ = processEnvironment();
+  SystemClock clock_;
+  GLibMainLoop loop_;
+  GtkApplicationPort application_;
+  X11Session session_;
+  X11Workspace workspace_{session_};
+  GtkAlerts alerts_;
+  FileDefaults defaults_;
+  InstalledBundle bundle_;
+};
+
+}  // namespace quorin

@@ -1,0 +1,131 @@
+#include "app/linux/X11Workspace.h"
+
+#include <algorithm>
+#include <gtk/gtk.h>
+#include <unistd.h>
+
+namespace quorin {
+
+namespace {
+
+constexpr const char* excelIdentifier = "com.microsoft.Excel";
+constexpr const char* calcClass = "libreoffice-calc";
+constexpr const char* startCentreClass = "libreoffice-startcenter";
+constexpr int transientLevels = 8;
+constexpr guint settlingMilliseconds = 150;
+
+}  // namespace
+
+X11Workspace::X11Workspace(X11Session& session) : session_(session) {
+  session_.setOnActiveWindowChanged([this] { activeWindowChanged(); });
+  front_ = front();
+  if (front_) told_ = front_->application;
+}
+
+X11Workspace::~X11Workspace() {
+  session_.setOnActiveWindowChanged({});
+}
+
+// A dialog belongs to the application of the window that it stands in front of: Calc's own ones do
+// not carry Calc's class.
+std::optional<RunningApplication> X11Workspace::applicationOf(WindowId id) const {
+  std::optional<X11Session::Window> window = session_.window(id);
+  if (!window) return std::nullopt;
+  RunningApplication application{window->windowClass, window->processIdentifier,
+                                 window->processIdentifier == getpid()};
+  for (int level = 0; window && level < transientLevels; ++level) {
+    if (window->windowClass == calcClass) {
+      application.identifier = excelIdentifier;
+      break;
+    }
+    window = session_.window(window->transientFor);
+  }
+  return application;
+}
+
+bool X11Workspace::isPanel(WindowId id) const {
+  const std::optional<X11Session::Window> window = session_.window(id);
+  return window && window->isUtility && window->processIdentifier == getpid();
+}
+
+std::optional<X11Workspace::Front> X11Workspace::front() const {
+  const WindowId active = session_.activeWindow();
+  if (isPanel(active)) {
+    if (front_ && !session_.window(front_->window)) front_.reset();
+    return front_;
+  }
+  std::optional<RunningApplication> application = applicationOf(active);
+  if (!application) return std::nullopt;
+  return Front{std::move(*application), active};
+}
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
+  const std::optional<Front> now = front();
+  return now ? std::optional(now->application) : std::nullopt;
+}
+
+// While the keyboard changes hands there may be no active window for a moment.
+void X11Workspace::activeWindowChanged() {
+  std::optional<Front> now = front();
+  if (!now) {
+    if (!settling_) settling_.reset(g_timeout_add(settlingMilliseconds, settled, this));
+    return;
+  }
+  settling_.reset();
+  front_ = now;
+  if (told_ == now->application) return;
+  told_ = now->application;
+  if (handler_) handler_(now->application);
+}
+
+gboolean X11Workspace::settled(gpointer data) {
+  auto& self = *static_cast<X11Workspace*>(data);
+  self.settling_.forget();
+  if (!self.front()) {
+    self.front_.reset();
+    self.told_.reset();
+  }
+  return G_SOURCE_REMOVE;
+}
+
+std::vector<RunningApplication> X11Workspace::runningApplications(
+    const std::string& identifier) const {
+  std::vector<RunningApplication> found;
+  for (const WindowId id : session_.windowsFromTop()) {
+    std::optional<RunningApplication> application = applicationOf(id);
+    if (!application) continue;
+    if (application->identifier == startCentreClass) application->identifier = excelIdentifier;
+    if (application->identifier == identifier &&
+        std::find(found.begin(), found.end(), *application) == found.end()) {
+      found.push_back(*application);
+    }
+  }
+  return found;
+}
+
+// The topmost of the application's windows comes forward.
+void X11Workspace::activate(const RunningApplication& application) {
+  for (const WindowId id : session_.windowsFromTop()) {
+    std::optional<RunningApplication> owner = applicationOf(id);
+    if (!owner || owner->processIdentifier != application.processIdentifier) continue;
+    if (owner->identifier == startCentreClass) owner->identifier = excelIdentifier;
+    if (*owner == application) {
+      session_.requestActivation(id);
+      return;
+    }
+  }
+}
+
+bool X11Workspace::openURL(const std::string& url) {
+  GError* error = nullptr;
+  const bool opened = gtk_show_uri_on_window(nullptr, url.c_str(), GDK_CURRENT_TIME, &error);
+  const GErrorPtr owned(error);
+  return opened;
+}
+
+bool X11Workspace::openFile(const std::filesystem::path& file) {
+  const GTextPtr uri(g_filename_to_uri(file.c_str(), nullptr, nullptr));
+  return uri && openURL(uri.get());
+}
+
+}  // namespace quorin

@@ -1,0 +1,170 @@
+#include "app/shell/AppDelegate.h"
+
+#include <utility>
+
+namespace quorin {
+
+using BridgeShapes::CompanionAction;
+using BridgeShapes::WindowBounds;
+
+AppDelegate::AppDelegate(Parts parts) : parts_(std::move(parts)) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  if (const std::optional<std::string> error = parts_.compileError()) {
+    tellCompileError(*error);
+    return;
+  }
+  parts_.log.log("LAUNCH", parts_.platform.bundle().infoString("CFBundleShortVersionString"));
+  scheduleAutoshow();
+  const QXConfig config = loadConfiguration();
+  promptIfCrashed(previousLaunch_, [this, config] {
+    startFollowing(config);
+    connectCallbacks();
+    makeMenuBar();
+    restoreStrandedMarks();
+    registerHotKeys(config);
+    watchActivation();
+  });
+}
+
+void AppDelegate::applicationWillTerminate() {
+  parts_.bridge.clearMarksForTerminate();
+  parts_.log.log("TERMINATE", "quit");
+  parts_.log.flush();
+}
+
+Panel& AppDelegate::panel() {
+  if (!panel_) {
+    panel_ =
+        std::make_unique<Panel>(Panel::Parts{parts_.platform, parts_.bridge, parts_.bridgeQueue,
+                                             parts_.log, parts_.config, parts_.environment});
+  }
+  return *panel_;
+}
+
+void AppDelegate::tellCompileError(const std::string& error) {
+  const Alert alert{"Quorin could not compile its Excel script: " + error, "", {}};
+  parts_.platform.alerts().show(alert, [&application = parts_.platform.application()](std::size_t) {
+    application.terminate();
+  });
+}
+
+// A development aid: the panel at every launch, without a hot key.
+void AppDelegate::scheduleAutoshow() {
+  const auto autoshow = parts_.environment.find("QX_DEV_AUTOSHOW");
+  if (autoshow == parts_.environment.end() || autoshow->second != "1") return;
+  parts_.platform.mainLoop().post([this, alive = std::weak_ptr(alive_)] {
+    if (!alive.expired()) panel().summon();
+  });
+}
+
+QXConfig AppDelegate::loadConfiguration() {
+  QXConfig config = QXConfig::load(parts_.config, FileSystem::real(), parts_.log);
+  previousLaunch_ = ISO::date(config.lastLaunchedAt);
+  try {
+    QXConfig::merge({{"lastLaunchedAt", JSONValue(ISO::string(parts_.platform.clock().now()))}},
+                    parts_.config);
+  } catch (const std::exception& error) {
+    parts_.log.log("ERROR", std::string("lastLaunchedAt not saved: ") + error.what());
+  }
+  return config;
+}
+
+// The crash prompt has its place here: the rest of start-up comes after its answer.
+void AppDelegate::promptIfCrashed(const std::optional<ISO::Date>&, const Next& next) {
+  next();
+}
+
+void AppDelegate::startFollowing(const QXConfig& config) {
+  poller_ = std::make_unique<Poller>(parts_.platform, parts_.bridge, panel(), config.pollMs);
+  poller_->start();
+}
+
+void AppDelegate::connectCallbacks() {
+  parts_.bridge.setOnActivatedCell(
+      [this, alive = std::weak_ptr(alive_), &loop = parts_.platform.mainLoop()](
+          const std::string& book, const std::string& sheet, const std::string& address) {
+        loop.post([this, alive, cell = PolledCell{book, sheet, address}] {
+          if (!alive.expired()) poller_->setBaseline(cell);
+        });
+      });
+  panel().setOnSummon([this] {
+    if (excelIsFrontmost(parts_.platform.workspace())) poller_->seedBaseline();
+  });
+}
+
+// The status item's menu has its place here, over the panel and the poller.
+void AppDelegate::makeMenuBar() {}
+
+void AppDelegate::restoreStrandedMarks() {
+  parts_.bridgeQueue.post([&bridge = parts_.bridge] { bridge.restoreStranded(); });
+}
+
+// The global hot keys have their place here, with the configuration's codes and masks.
+void AppDelegate::registerHotKeys(const QXConfig&) {}
+
+void AppDelegate::watchActivation() {
+  parts_.platform.workspace().observeActivation(
+      [this, alive = std::weak_ptr(alive_)](const RunningApplication& application) {
+        if (!alive.expired()) applicationActivated(application);
+      });
+}
+
+void AppDelegate::applicationActivated(const RunningApplication& application) {
+  const auto text = [](bool value) { return value ? "true" : "false"; };
+  const bool enabled = panel().enabled();
+  const bool visible = panel().isVisible();
+  const CompanionAction action = BridgeShapes::companionAction(
+      application.identifier == Panel::excelIdentifier, application.isSelf, enabled, visible);
+  parts_.log.log("COMPANION", "activated=" + application.identifier +
+                                  " action=" + std::string(BridgeShapes::name(action)) +
+                                  " enabled=" + text(enabled) + " visible=" + text(visible) +
+                                  " key=" + text(panel().isKey()));
+  switch (action) {
+    case CompanionAction::show:
+      panel().showCompanion();
+      placeBesideExcelOnce();
+      break;
+    case CompanionAction::hide:
+      panel().hideCompanion();
+      break;
+    case CompanionAction::ignore:
+      break;
+  }
+}
+
+// A panel that was never placed starts in a corner of the screen. The first time that it comes
+// forward with Excel it moves beside Excel's window, as soon as Excel has told where that is.
+void AppDelegate::placeBesideExcelOnce() {
+  if (std::exchange(placed_, true) || panel().hasSavedFrame()) return;
+  withExcelWindow([this](const std::optional<WindowBounds>& excel) {
+    if (excel) {
+      panel().positionBeside(*excel);
+    } else {
+      placed_ = false;
+    }
+  });
+}
+
+void AppDelegate::raisePanel() {
+  if (!poller_) return;
+  if (panel().isVisible() || panel().hasSavedFrame()) {
+    panel().summon();
+    return;
+  }
+  placed_ = true;
+  withExcelWindow([this](const std::optional<WindowBounds>& excel) {
+    panel().show(excel, {"summon", JSONValue::Object{}});
+  });
+}
+
+void AppDelegate::withExcelWindow(std::function<void(const std::optional<WindowBounds>&)> action) {
+  parts_.bridgeQueue.post([&bridge = parts_.bridge, &loop = parts_.platform.mainLoop(),
+                           alive = std::weak_ptr(alive_), action = std::move(action)] {
+    loop.post([alive, action, excel = BridgeShapes::windowBounds(bridge.probe())] {
+      if (!alive.expired()) action(excel);
+    });
+  });
+}
+
+}  // namespace quorin

@@ -1,0 +1,71 @@
+// AppDelegate: what happens at the two ends of a run, and when other applications come forward.
+// It owns the panel and the poller and wires them to the bridge. Main thread only; owned by `main`.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/shell/Panel.h"
+#include "app/shell/Poller.h"
+#include "kit/support/ISO.h"
+#include "kit/support/QXConfig.h"
+
+namespace quorin {
+
+class AppDelegate : public ApplicationDelegate {
+ public:
+  // Everything here must outlive the delegate.
+  struct Parts {
+    AppPlatform& platform;
+    PanelBridge& bridge;
+    Queue& bridgeQueue;  // "qx.bridge"
+    DiagLog& log;
+    std::filesystem::path config;
+    Environment environment;
+    // Why the handler library did not compile; none when it did.
+    std::function<std::optional<std::string>()> compileError;
+  };
+
+  explicit AppDelegate(Parts parts);
+
+  void applicationDidFinishLaunching() override;
+  void applicationWillTerminate() override;
+
+  // The one panel; made when it is first asked for.
+  Panel& panel();
+
+  // Brings the panel up on the user's demand, with the keyboard: where it is, where the user put
+  // it, or else beside Excel's window. Without effect before start-up is complete.
+  void raisePanel();
+
+ private:
+  using Next = std::function<void()>;
+
+  void tellCompileError(const std::string& error);
+  void scheduleAutoshow();
+  QXConfig loadConfiguration();
+  void promptIfCrashed(const std::optional<ISO::Date>& since, const Next& next);
+  void startFollowing(const QXConfig& config);
+  void connectCallbacks();
+  void makeMenuBar();
+  void restoreStrandedMarks();
+  void registerHotKeys(const QXConfig& config);
+  void watchActivation();
+
+  void applicationActivated(const RunningApplication& application);
+  void placeBesideExcelOnce();
+  // Asks where Excel's window is, then goes on on the main thread.
+  void withExcelWindow(
+      std::function<void(const std::optional<BridgeShapes::WindowBounds>&)> action);
+
+  Parts parts_;
+  std::optional<ISO::Date> previousLaunch_;
+  std::unique_ptr<Panel> panel_;
+  std::unique_ptr<Poller> poller_;
+  bool placed_ = false;
+  std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+};
+
+}  // namespace quorin

@@ -1,0 +1,53 @@
+// PanelBridge: the part of the verb dispatcher that the panel, the poller and the application use.
+// It exists so that they can be tried without a spreadsheet. All calls come from the panel's bridge
+// queue but for those that say otherwise.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "kit/value/JSONValue.h"
+
+namespace quorin {
+
+struct PanelReply {
+  bool ok = false;
+  JSONValue payload;
+  bool operator==(const PanelReply&) const = default;
+};
+
+class PanelBridge {
+ public:
+  using ActivatedCell = std::function<void(const std::string& book, const std::string& sheet,
+                                           const std::string& address)>;
+
+  virtual ~PanelBridge() = default;
+
+  // Answers a request of the page. Never throws.
+  virtual PanelReply dispatch(const std::string& verb, const JSONValue::Array& args) = 0;
+
+  // {"book", "sheet", "addr"} of the active cell. Throws what the call threw.
+  virtual JSONValue pollCell() = 0;
+
+  // Where Excel's window is and in what state Excel is. Never throws.
+  virtual JSONValue probe() = 0;
+
+  // The argument separator of formulas that are written from now on.
+  virtual void setArgSeparator(const std::string& separator) = 0;
+
+  // Takes back the marks that an earlier run left behind. Never throws.
+  virtual void restoreStranded() = 0;
+
+  // Any thread: when the bridge itself last moved Excel's selection.
+  virtual std::chrono::system_clock::time_point lastProgrammaticNav() const = 0;
+
+  // Before the first request. The handler is called on the bridge queue with each cell that the
+  // bridge has moved Excel to.
+  virtual void setOnActivatedCell(ActivatedCell handler) = 0;
+
+  // Main thread, once, at the end: takes back every mark within two seconds.
+  virtual void clearMarksForTerminate() = 0;
+};
+
+}  // namespace quorin

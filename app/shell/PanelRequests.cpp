@@ -1,0 +1,133 @@
+// The panel's half of the page protocol: what the page asks, and who answers.
+#include <array>
+#include <cstdint>
+
+#include "app/shell/Panel.h"
+#include "kit/support/QXConfig.h"
+
+namespace quorin {
+
+namespace {
+
+const PanelReply done{true, nullptr};
+
+PanelReply failed(const char* text) {
+  return {false, text};
+}
+
+// The number as an integer when it is one of the signed 64-bit range.
+std::optional<std::int64_t> integral(const JSONValue& value) {
+  constexpr double limit = 9223372036854775808.0;
+  const double* number = value.number();
+  if (!number || !(*number > -limit) || !(*number < limit)) return std::nullopt;
+  const auto integer = static_cast<std::int64_t>(*number);
+  if (static_cast<double>(integer) != *number) return std::nullopt;
+  return integer;
+}
+
+const JSONValue* argument(const JSONValue::Array& args, std::size_t index) {
+  return index < args.size() ? &args[index] : nullptr;
+}
+
+}  // namespace
+
+void Panel::webViewDidReceiveMessage(const JSONValue& body) {
+  requireMainThread("Panel::webViewDidReceiveMessage");
+  const JSONValue* id = body.member("id");
+  if (!id || !id->number()) return;
+  const JSONValue* verb = body.member("verb");
+  if (!verb || !verb->string() || verb->string()->empty()) {
+    page_.reply(*id->number(), false,
+                JSONValue::Object{{"kind", "transport"}, {"message", "missing verb"}});
+    return;
+  }
+  const JSONValue* args = body.member("args");
+  handleRequest(*id->number(), *verb->string(),
+                args && args->array() ? *args->array() : JSONValue::Array{});
+}
+
+void Panel::handleRequest(double id, const std::string& verb, const JSONValue::Array& args) {
+  if (const std::optional<PanelReply> reply = answerLocally(verb, args)) {
+    page_.reply(id, reply->ok, reply->payload);
+  } else {
+    askBridge(id, verb, args);
+  }
+}
+
+std::optional<PanelReply> Panel::answerLocally(const std::string& verb,
+                                               const JSONValue::Array& args) {
+  const JSONValue* first = argument(args, 0);
+  if (verb == "log") {
+    const JSONValue* message = argument(args, 1);
+    if (message && first->string() && message->string()) {
+      parts_.log.log(*first->string(), *message->string());
+    }
+    return done;
+  }
+  if (verb == "getHighlightColor") return highlightColor();
+  if (verb == "setHighlightColor") return saveHighlightColor(args);
+  if (verb == "setPanelWidth") {
+    if (first && first->boolean()) setWidth(*first->boolean());
+    return done;
+  }
+  if (verb == "hidePanel") {
+    enabled_ = false;
+    window_->orderOut();
+    return done;
+  }
+  if (verb == "focusExcel") {
+    relinquishKey();
+    return done;
+  }
+  if (verb == "setConventions") {
+    const JSONValue* separator = first ? first->member("arg") : nullptr;
+    if (separator && separator->string()) {
+      parts_.bridgeQueue.post(
+          [&bridge = parts_.bridge, text = *separator->string()] { bridge.setArgSeparator(text); });
+    }
+    return done;
+  }
+  return std::nullopt;
+}
+
+PanelReply Panel::highlightColor() const {
+  JSONValue::Array components;
+  for (const auto component :
+       QXConfig::load(parts_.config, FileSystem::real(), parts_.log).highlightRGB) {
+    components.emplace_back(static_cast<double>(component));
+  }
+  return {true, std::move(components)};
+}
+
+// Elements that are not whole numbers are passed over, not refused.
+PanelReply Panel::saveHighlightColor(const JSONValue::Array& args) {
+  const JSONValue* rgb = argument(args, 0);
+  if (!rgb || !rgb->array()) return failed("bad args");
+  decltype(QXConfig::highlightRGB) kept;
+  for (const JSONValue& element : *rgb->array()) {
+    if (const auto component = integral(element)) kept.push_back(*component);
+  }
+  const auto inRange = [](std::int64_t component) { return component >= 0 && component <= 255; };
+  if (kept.size() != 3 || !std::all_of(kept.begin(), kept.end(), inRange)) {
+    return failed("rgb must be three 0\u2026255 integers");
+  }
+  try {
+    QXConfig::saveHighlightRGB(kept, parts_.config);
+  } catch (const std::exception& error) {
+    parts_.log.log("ERROR", std::string("setHighlightColor save failed: ") + error.what());
+    return failed("could not save config");
+  }
+  return done;
+}
+
+void Panel::askBridge(double id, const std::string& verb, const JSONValue::Array& args) {
+  parts_.bridgeQueue.post([this, alive = std::weak_ptr(alive_), &bridge = parts_.bridge,
+                           &loop = parts_.platform.mainLoop(), id, verb, args] {
+    PanelReply reply = bridge.dispatch(verb, args);
+    loop.post([this, alive, id, reply = std::move(reply)] {
+      if (!alive.expired()) page_.reply(id, reply.ok, reply.payload);
+    });
+  });
+}
+
+}  // namespace quorin

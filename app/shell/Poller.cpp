@@ -1,0 +1,97 @@
+#include "app/shell/Poller.h"
+
+#include <utility>
+
+namespace quorin {
+
+namespace {
+
+constexpr std::chrono::milliseconds quietPeriod{500};
+constexpr int failuresUntilProbe = 3;
+
+}  // namespace
+
+bool excelIsFrontmost(const Workspace& workspace) {
+  const std::optional<RunningApplication> front = workspace.frontmostApplication();
+  return front && front->identifier == Panel::excelIdentifier;
+}
+
+Poller::Poller(AppPlatform& platform, PanelBridge& bridge, Panel& panel, std::int64_t intervalMs)
+    : platform_(platform), bridge_(bridge), panel_(panel), interval_(intervalMs) {}
+
+void Poller::start() {
+  timer_.reset();
+  timer_ = platform_.mainLoop().startTimer(interval_, TimerKind::repeating, [this] { tick(); });
+}
+
+void Poller::tick() {
+  if (!panel_.isVisible() || paused_ || !excelIsFrontmost(platform_.workspace()) || inFlight_ ||
+      panel_.isKey()) {
+    return;
+  }
+  if (adoptBaseline()) return;
+  // A move in the future means that the clock was set back, and says nothing about how long ago it
+  // was. The time of no move at all lies too far back to be subtracted.
+  const auto now = platform_.clock().now();
+  const auto ownMove = bridge_.lastProgrammaticNav();
+  if (ownMove <= now && ownMove > now - quietPeriod) return;
+  inFlight_ = true;
+  poll([this](const Outcome& outcome) { finish(outcome); });
+}
+
+void Poller::finish(const Outcome& outcome) {
+  inFlight_ = false;
+  if (!outcome) {
+    if (++failures_ == failuresUntilProbe) panel_.sendEvent("probeNeeded", JSONValue::Object{});
+    return;
+  }
+  failures_ = 0;
+  if (adoptBaseline()) return;
+  std::optional<PolledCell> cell = cellOf(*outcome);
+  if (!cell || cell == last_) return;
+  last_ = std::move(cell);
+  if (panel_.isVisible()) panel_.sendEvent("selectionChanged", *outcome);
+}
+
+void Poller::seedBaseline() {
+  poll([this](const Outcome& outcome) {
+    if (!outcome) return;
+    if (std::optional<PolledCell> cell = cellOf(*outcome)) baseline_ = std::move(cell);
+  });
+}
+
+bool Poller::adoptBaseline() {
+  if (!baseline_) return false;
+  last_ = std::exchange(baseline_, std::nullopt);
+  return true;
+}
+
+// Asks on the bridge queue and tells the outcome on the main thread, unless the poller is gone.
+void Poller::poll(std::function<void(const Outcome&)> then) {
+  panel_.bridgeQueue().post([&bridge = bridge_, &loop = platform_.mainLoop(),
+                             alive = std::weak_ptr(alive_), then = std::move(then)] {
+    loop.post([alive, then, outcome = ask(bridge)] {
+      if (!alive.expired()) then(outcome);
+    });
+  });
+}
+
+Poller::Outcome Poller::ask(PanelBridge& bridge) {
+  try {
+    return bridge.pollCell();
+  } catch (...) {
+    return std::nullopt;
+  }
+}
+
+std::optional<PolledCell> Poller::cellOf(const JSONValue& value) {
+  const auto text = [&](const char* key) -> const std::string* {
+    const JSONValue* member = value.member(key);
+    return member ? member->string() : nullptr;
+  };
+  const std::string *book = text("book"), *sheet = text("sheet"), *address = text("addr");
+  if (!book || !sheet || !address) return std::nullopt;
+  return PolledCell{*book, *sheet, *address};
+}
+
+}  // namespace quorin

@@ -1,0 +1,67 @@
+// Poller: follows Excel's selection. Excel tells nobody that it moved, so its active cell is asked
+// for on a timer, while that is useful: the panel visible and without the keyboard, Excel in
+// front, following not paused. The page hears of a cell once. Never two polls at a time.
+//
+// Main thread only, but for the polls themselves, which run on the panel's bridge queue.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/shell/Panel.h"
+
+namespace quorin {
+
+// A cell as Excel names it. Compared by its bytes.
+struct PolledCell {
+  std::string book, sheet, address;
+  bool operator==(const PolledCell&) const = default;
+};
+
+// Whether Excel is the application in front.
+bool excelIsFrontmost(const Workspace& workspace);
+
+class Poller {
+ public:
+  Poller(AppPlatform& platform, PanelBridge& bridge, Panel& panel, std::int64_t intervalMs);
+
+  // Starts the timer, in place of the one that runs.
+  void start();
+
+  // Takes the cell that Excel is on now as known, once it has answered.
+  void seedBaseline();
+
+  // Takes this cell as known; the next tick or poll adopts it without a word to the page.
+  void setBaseline(PolledCell cell) { baseline_ = std::move(cell); }
+
+  bool paused() const { return paused_; }
+  void setPaused(bool paused) { paused_ = paused; }
+  bool inFlight() const { return inFlight_; }
+
+ private:
+  // The answer of a poll; none when it failed.
+  using Outcome = std::optional<JSONValue>;
+
+  void tick();
+  void finish(const Outcome& outcome);
+  bool adoptBaseline();
+  void poll(std::function<void(const Outcome&)> then);
+  static Outcome ask(PanelBridge& bridge);
+  static std::optional<PolledCell> cellOf(const JSONValue& value);
+
+  AppPlatform& platform_;
+  PanelBridge& bridge_;
+  Panel& panel_;
+  const std::chrono::milliseconds interval_;
+  std::unique_ptr<Timer> timer_;
+  std::optional<PolledCell> last_, baseline_;
+  int failures_ = 0;
+  bool paused_ = false;
+  bool inFlight_ = false;
+  std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+};
+
+}  // namespace quorin

@@ -1,0 +1,296 @@
+#include "app/shell/AppDelegate.h"
+#include "tests/app/shell/ShellFixture.h"
+
+namespace quorin {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using Object = JSONValue::Object;
+
+class AppDelegateTest : public ShellFixture {
+ protected:
+  AppDelegateTest() {
+    bridge.probed = Object{
+        {"state", "ok"}, {"excelWindow", Object{{"x1", 40}, {"y1", 60}, {"x2", 900}, {"y2", 800}}}};
+    platform.bundle().resources = folder;
+    writeFile(folder / "web/index.html", "");
+    platform.workspace().running = {excel()};
+  }
+
+  AppDelegate& launch() {
+    delegate = std::make_unique<AppDelegate>(AppDelegate::Parts{platform, bridge, queue, *log,
+                                                                folder / "config.json", environment,
+                                                                [this] { return compileError; }});
+    delegate->applicationDidFinishLaunching();
+    return *delegate;
+  }
+
+  // Launched, the page loaded, start-up's own work done.
+  AppDelegate& launched() {
+    AppDelegate& app = launch();
+    platform.webView().finishLoading();
+    settle();
+    takeJournal();
+    platform.webView().takeScripts();
+    return app;
+  }
+
+  std::optional<std::string> compileError;
+  std::unique_ptr<AppDelegate> delegate;
+};
+
+TEST_F(AppDelegateTest, StartsInItsOrder) {
+  launch();
+  EXPECT_THAT(logged(), ElementsAre("LAUNCH 1.2.3"));
+  EXPECT_THAT(takeJournal(), ElementsAre(StartsWith("loadFile ")));
+  EXPECT_EQ(platform.mainLoop().timerCount(), 1u);
+  EXPECT_EQ(queue.waiting(), 1u);
+  settle();
+  EXPECT_THAT(takeJournal(), ElementsAre("restoreStranded"));
+  EXPECT_FALSE(platform.window().visible);
+}
+
+TEST_F(AppDelegateTest, TellsThatTheScriptDidNotCompileAndQuits) {
+  compileError = "Expected end of line (-2741) line 12";
+  launch();
+  EXPECT_THAT(takeJournal(), ElementsAre("alert Quorin could not compile its Excel script: "
+                                         "Expected end of line (-2741) line 12"));
+  EXPECT_THAT(platform.alerts().shown[0].buttons, IsEmpty());
+  platform.alerts().press(0);
+  EXPECT_THAT(takeJournal(), ElementsAre("terminate"));
+  EXPECT_FALSE(platform.madePanel());
+  EXPECT_THAT(logged(), IsEmpty());
+  EXPECT_EQ(queue.waiting(), 0u);
+  delegate->raisePanel();
+  EXPECT_FALSE(platform.madePanel());
+}
+
+TEST_F(AppDelegateTest, LogsAnEmptyVersionWhenTheBundleHasNone) {
+  platform.bundle().info.clear();
+  launch();
+  EXPECT_THAT(logged(), ElementsAre("LAUNCH "));
+}
+
+TEST_F(AppDelegateTest, ShowsThePanelAtLaunchForDevelopers) {
+  environment["QX_DEV_AUTOSHOW"] = "1";
+  launch();
+  EXPECT_FALSE(platform.window().visible) << "scheduled, not done at once";
+  platform.mainLoop().runPosted();
+  EXPECT_TRUE(platform.window().key);
+  platform.webView().finishLoading();
+  EXPECT_THAT(platform.webView().takeScripts(),
+              ElementsAre(R"(window.__qxEvent && window.__qxEvent("summon", {}))"));
+}
+
+TEST_F(AppDelegateTest, ShowsNothingAtLaunchForAnyOtherValue) {
+  environment["QX_DEV_AUTOSHOW"] = "true";
+  launch();
+  settle();
+  EXPECT_FALSE(platform.window().visible);
+}
+
+TEST_F(AppDelegateTest, RecordsTheLaunchAndKeepsUnknownKeys) {
+  writeFile(folder / "config.json", R"({"mine": [1], "lastLaunchedAt": "2026-01-01T00:00:00Z"})");
+  launch();
+  const std::string config = readFile(folder / "config.json");
+  EXPECT_THAT(config, HasSubstr(R"("lastLaunchedAt": "2026-09-21T14:13:20Z")"));
+  EXPECT_THAT(config, HasSubstr(R"("mine")"));
+}
+
+TEST_F(AppDelegateTest, StartsWithoutAConfigurationThatCanBeWritten) {
+  writeFile(folder / "config.json", "[1,2");
+  launched();
+  EXPECT_EQ(readFile(folder / "config.json"), "[1,2");
+  EXPECT_THAT(logged(), Contains(StartsWith("ERROR lastLaunchedAt not saved: ")));
+  EXPECT_EQ(platform.mainLoop().timerCount(), 1u);
+}
+
+TEST_F(AppDelegateTest, PollsAtTheConfiguredPeriod) {
+  writeFile(folder / "config.json", R"({"pollMs": 1000})");
+  launched();
+  platform.workspace().bringToFront(excel());
+  settle();
+  bridge.polls = 0;
+  platform.mainLoop().advance(999ms);
+  settle();
+  EXPECT_EQ(bridge.polls, 0);
+  platform.mainLoop().advance(1ms);
+  settle();
+  EXPECT_EQ(bridge.polls, 1);
+}
+
+TEST_F(AppDelegateTest, TakesTheCellThatTheBridgeMovedToAsKnown) {
+  launched();
+  platform.workspace().bringToFront(excel());
+  settle();
+  platform.webView().takeScripts();
+  bridge.activatedCell("Model.xlsx", "Debt", "$C$3");
+  bridge.polls = 0;
+  platform.mainLoop().runPosted();
+  platform.mainLoop().advance(300ms);
+  settle();
+  EXPECT_EQ(bridge.polls, 0) << "the tick adopted it";
+  bridge.answers.push_back(Object{{"book", "Model.xlsx"}, {"sheet", "Debt"}, {"addr", "$C$3"}});
+  platform.mainLoop().advance(300ms);
+  settle();
+  EXPECT_EQ(bridge.polls, 1);
+  EXPECT_THAT(platform.webView().takeScripts(), IsEmpty());
+}
+
+TEST_F(AppDelegateTest, SeedsTheBaselineWhenSummonedOverExcel) {
+  AppDelegate& app = launched();
+  platform.workspace().frontmost = excel();
+  app.panel().showCompanion();
+  settle();
+  EXPECT_EQ(bridge.polls, 1);
+  app.panel().close();
+  platform.workspace().frontmost = editor();
+  app.panel().showCompanion();
+  settle();
+  EXPECT_EQ(bridge.polls, 1);
+}
+
+TEST_F(AppDelegateTest, ComesWithExcelAndGoesWithAnotherApplication) {
+  launched();
+  platform.workspace().bringToFront(excel());
+  EXPECT_TRUE(platform.window().visible);
+  EXPECT_FALSE(platform.window().key);
+  settle();
+  takeJournal();
+  platform.workspace().bringToFront(editor());
+  EXPECT_THAT(
+      takeJournal(),
+      ElementsAre(R"(evaluate window.__qxEvent && window.__qxEvent("cleanHide", {}))", "orderOut"));
+  platform.workspace().bringToFront(excel());
+  EXPECT_TRUE(platform.window().visible);
+  EXPECT_THAT(
+      logged(),
+      ElementsAre("LAUNCH 1.2.3",
+                  "COMPANION activated=com.microsoft.Excel action=show enabled=true visible=false "
+                  "key=false",
+                  "SHOWN companion visible=true key=false",
+                  "COMPANION activated=org.example.Editor action=hide enabled=true visible=true "
+                  "key=false",
+                  "COMPANION activated=com.microsoft.Excel action=show enabled=true visible=false "
+                  "key=false",
+                  "SHOWN companion visible=true key=false"));
+}
+
+TEST_F(AppDelegateTest, StaysHiddenAfterTheUserHidItThroughThePage) {
+  launched();
+  platform.workspace().bringToFront(excel());
+  platform.webView().post(Object{{"id", 1}, {"verb", "hidePanel"}});
+  platform.workspace().bringToFront(editor());
+  platform.workspace().bringToFront(excel());
+  EXPECT_FALSE(platform.window().visible);
+  EXPECT_THAT(logged(), Contains("COMPANION activated=com.microsoft.Excel action=ignore "
+                                 "enabled=false visible=false key=false"));
+}
+
+TEST_F(AppDelegateTest, IgnoresAnotherApplicationWhileHidden) {
+  launched();
+  platform.workspace().bringToFront({"", 3, false});
+  EXPECT_THAT(takeJournal(), IsEmpty());
+  EXPECT_THAT(logged(), Contains("COMPANION activated= action=ignore enabled=true visible=false "
+                                 "key=false"));
+}
+
+TEST_F(AppDelegateTest, IgnoresItself) {
+  AppDelegate& app = launched();
+  platform.workspace().bringToFront(self());
+  EXPECT_FALSE(platform.window().visible);
+  app.panel().summon();
+  takeJournal();
+  platform.workspace().bringToFront(self());
+  EXPECT_THAT(takeJournal(), IsEmpty());
+  EXPECT_THAT(logged(), Contains("COMPANION activated=com.quorin.app action=ignore enabled=true "
+                                 "visible=true key=true"));
+}
+
+TEST_F(AppDelegateTest, StandsBesideExcelWhenItFirstComes) {
+  launched();
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_EQ(platform.window().currentFrame, (ScreenFrame{900, 252, 460, 588}));
+  platform.window().currentFrame = {5, 5, 460, 588};
+  platform.workspace().bringToFront(editor());
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 5) << "only the first time";
+}
+
+TEST_F(AppDelegateTest, TriesTheNextTimeWhenExcelToldNoWindow) {
+  launched();
+  const JSONValue probed = std::exchange(bridge.probed, Object{{"state", "busy"}});
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 0);
+  bridge.probed = probed;
+  platform.workspace().bringToFront(editor());
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 900);
+}
+
+TEST_F(AppDelegateTest, AsksForNoWindowWhenTheUserHasPlacedThePanel) {
+  platform.defaults().texts["NSWindow Frame QuorinPanel"] = "5 5 460 588 0 0 1440 900 ";
+  launched();
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_THAT(takeJournal(), Not(Contains("probe")));
+}
+
+TEST_F(AppDelegateTest, RaisesTheHiddenPanelBesideExcel) {
+  AppDelegate& app = launched();
+  app.raisePanel();
+  EXPECT_THAT(takeJournal(), IsEmpty());
+  settle();
+  EXPECT_THAT(takeJournal(),
+              ElementsAre("probe", "setFrame 900 252 460 588", "makeKeyAndOrderFront",
+                          R"(evaluate window.__qxEvent && window.__qxEvent("summon", {}))"));
+}
+
+TEST_F(AppDelegateTest, RaisesThePanelWhereItIs) {
+  AppDelegate& app = launched();
+  platform.workspace().bringToFront(excel());
+  settle();
+  takeJournal();
+  app.raisePanel();
+  EXPECT_THAT(takeJournal(),
+              ElementsAre("makeKeyAndOrderFront",
+                          R"(evaluate window.__qxEvent && window.__qxEvent("summon", {}))"));
+}
+
+TEST_F(AppDelegateTest, RaisesThePanelWithoutExcelsWindow) {
+  AppDelegate& app = launched();
+  bridge.probed = Object{{"state", "notRunning"}};
+  app.raisePanel();
+  settle();
+  EXPECT_TRUE(platform.window().key);
+}
+
+TEST_F(AppDelegateTest, TakesTheMarksBackAtTheEndAndWritesTheLog) {
+  AppDelegate& app = launched();
+  app.applicationWillTerminate();
+  EXPECT_THAT(takeJournal(), ElementsAre("clearMarksForTerminate"));
+  EXPECT_THAT(readFile(folder / "quorin.log"), HasSubstr(" TERMINATE quit\n"))
+      << "on disk before the process ends";
+}
+
+TEST_F(AppDelegateTest, LeavesNothingBehindThatCouldCallIt) {
+  launched();
+  platform.workspace().bringToFront(excel());
+  bridge.activatedCell("b", "s", "a");
+  delegate.reset();
+  settle();
+  platform.workspace().bringToFront(editor());
+}
+
+}  // namespace
+}  // namespace quorin

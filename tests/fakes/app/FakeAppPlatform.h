@@ -1,0 +1,224 @@
+// FakeAppPlatform: every port of the shell in memory. What is asked of the ports is written to one
+// journal, in order, in the words of the ports; what they answer is set by the test. Time stands
+// still until the test moves it. Tests that link it get it from makePlatform().
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/shell/ports/AppPlatform.h"
+
+namespace quorin {
+
+using Journal = std::vector<std::string>;
+
+class FakeClock : public Clock {
+ public:
+  std::chrono::system_clock::time_point now() const override {
+    return std::chrono::system_clock::time_point(std::chrono::seconds(1'790'000'000)) + elapsed;
+  }
+  std::chrono::steady_clock::time_point steadyNow() const override {
+    return std::chrono::steady_clock::time_point(std::chrono::hours(1)) + elapsed;
+  }
+  std::chrono::milliseconds elapsed{0};
+};
+
+class FakeMainLoop : public MainLoop {
+ public:
+  explicit FakeMainLoop(FakeClock& clock) : clock_(clock) {}
+
+  bool isMainThread() const override { return onMainThread; }
+  void post(Action action) override { posted_.push_back(std::move(action)); }
+  std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, TimerKind kind,
+                                    Action action) override;
+
+  // Runs what is posted, including what that posts.
+  void runPosted();
+  // Moves the time on; fires due timers in order and runs what they post.
+  void advance(std::chrono::milliseconds time);
+
+  std::size_t postedCount() const { return posted_.size(); }
+  std::size_t timerCount() const { return timers_.size(); }
+  bool onMainThread = true;
+
+ private:
+  class FakeTimer;
+  struct Entry {
+    std::chrono::milliseconds due, interval;
+    TimerKind kind;
+    Action action;
+  };
+  FakeClock& clock_;
+  std::deque<Action> posted_;
+  std::map<int, Entry> timers_;
+  int nextTimer_ = 0;
+};
+
+class FakePanelWindow : public PanelWindow {
+ public:
+  FakePanelWindow(const PanelWindowOptions& given, Journal& journal);
+
+  void setDelegate(PanelWindowDelegate* delegate) override { delegate_ = delegate; }
+  void setContent(WebView& view) override { content = &view; }
+  ScreenFrame frame() const override { return currentFrame; }
+  void setFrame(const ScreenFrame& frame) override;
+  ScreenSize minimumContentSize() const override { return options.minimumContentSize; }
+  void setWidening(double width, double shift) override { widening = {width, shift}; }
+  bool isVisible() const override { return visible; }
+  bool isKey() const override { return key; }
+  void orderFront() override;
+  void makeKeyAndOrderFront() override;
+  void resignKey() override;
+  void orderOut() override;
+  std::vector<Screen> screens() const override { return allScreens; }
+  std::optional<Screen> screen() const override { return ownScreen; }
+  std::optional<Screen> mainScreen() const override { return keyScreen; }
+
+  void pressClose() {
+    if (delegate_) delegate_->panelWindowCloseRequested();
+  }
+
+  const PanelWindowOptions options;
+  WebView* content = nullptr;
+  ScreenFrame currentFrame{0, 0, 460, 588};
+  std::pair<double, double> widening{0, 0};
+  bool visible = false, key = false;
+  bool keepsKey = false;  // the system does not take the keyboard away
+  std::vector<Screen> allScreens;
+  std::optional<Screen> ownScreen, keyScreen;
+
+ private:
+  Journal& journal_;
+  PanelWindowDelegate* delegate_ = nullptr;
+};
+
+class FakeWebView : public WebView {
+ public:
+  FakeWebView(WebViewOptions given, Journal& journal)
+      : options(std::move(given)), journal_(journal) {}
+
+  void setDelegate(WebViewDelegate* given) override { delegate = given; }
+  bool loadURL(const std::string& url, std::chrono::seconds timeout) override;
+  void loadFile(const std::filesystem::path& file, const std::filesystem::path& readable) override;
+  void loadHTML(const std::string& html) override;
+  void reload() override { journal_.push_back("reload"); }
+  void evaluate(const std::string& script) override;
+
+  void post(const JSONValue& body) { delegate->webViewDidReceiveMessage(body); }
+  void finishLoading() {
+    delegate->webViewDidStartProvisionalNavigation();
+    delegate->webViewDidFinishNavigation();
+  }
+  // What was evaluated since the last call.
+  std::vector<std::string> takeScripts() { return std::exchange(scripts_, {}); }
+
+  const WebViewOptions options;
+  WebViewDelegate* delegate = nullptr;
+  std::function<void(const std::string&)> onEvaluate;  // the page's reaction
+
+ private:
+  Journal& journal_;
+  std::vector<std::string> scripts_;
+};
+
+class FakeWorkspace : public Workspace {
+ public:
+  explicit FakeWorkspace(Journal& journal) : journal_(journal) {}
+
+  std::vector<RunningApplication> runningApplications(const std::string& identifier) const override;
+  std::optional<RunningApplication> frontmostApplication() const override { return frontmost; }
+  void activate(const RunningApplication& application) override;
+  void observeActivation(ActivationHandler handler) override { handler_ = std::move(handler); }
+  bool openURL(const std::string& url) override;
+  bool openFile(const std::filesystem::path& file) override;
+
+  // The application comes to the front; the observer hears of it.
+  void bringToFront(const RunningApplication& application);
+
+  std::vector<RunningApplication> running;
+  std::optional<RunningApplication> frontmost;
+
+ private:
+  Journal& journal_;
+  ActivationHandler handler_;
+};
+
+class FakeAlerts : public Alerts {
+ public:
+  explicit FakeAlerts(Journal& journal) : journal_(journal) {}
+  void show(const Alert& alert, Answer answer) override;
+  // The user presses a button of the oldest alert.
+  void press(std::size_t button);
+  std::vector<Alert> shown;
+
+ private:
+  Journal& journal_;
+  std::deque<Answer> open_;
+};
+
+class FakeDefaults : public Defaults {
+ public:
+  std::optional<std::string> string(const std::string& key) const override;
+  void setString(const std::string& key, const std::string& value) override { texts[key] = value; }
+  std::map<std::string, std::string> texts;
+};
+
+class FakeBundle : public Bundle {
+ public:
+  std::string infoString(const std::string& key) const override;
+  std::optional<std::filesystem::path> resourceFolder() const override { return resources; }
+  std::map<std::string, std::string> info{{"CFBundleShortVersionString", "1.2.3"}};
+  std::optional<std::filesystem::path> resources;
+};
+
+class FakeApplication : public Application {
+ public:
+  explicit FakeApplication(Journal& journal) : journal_(journal) {}
+  void setAccessory() override { journal_.push_back("setAccessory"); }
+  void setDelegate(ApplicationDelegate&) override { journal_.push_back("setDelegate"); }
+  void run() override { journal_.push_back("run"); }
+  void terminate() override { journal_.push_back("terminate"); }
+  void activate() override { journal_.push_back("activateSelf"); }
+
+ private:
+  Journal& journal_;
+};
+
+class FakeAppPlatform : public AppPlatform {
+ public:
+  FakeApplication& application() override { return application_; }
+  FakeMainLoop& mainLoop() override { return loop_; }
+  FakeWorkspace& workspace() override { return workspace_; }
+  FakeAlerts& alerts() override { return alerts_; }
+  FakeDefaults& defaults() override { return defaults_; }
+  FakeBundle& bundle() override { return bundle_; }
+  FakeClock& clock() override { return clock_; }
+  std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
+  std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
+  std::string spreadsheetName() const override { return "Test \"Sheets\""; }
+
+  // The window and the view made last.
+  FakePanelWindow& window() { return *window_; }
+  FakeWebView& webView() { return *webView_; }
+  bool madePanel() const { return window_ != nullptr; }
+
+  Journal journal;
+
+ private:
+  FakeClock clock_;
+  FakeMainLoop loop_{clock_};
+  FakeApplication application_{journal};
+  FakeWorkspace workspace_{journal};
+  FakeAlerts alerts_{journal};
+  FakeDefaults defaults_;
+  FakeBundle bundle_;
+  FakePanelWindow* window_ = nullptr;
+  FakeWebView* webView_ = nullptr;
+};
+
+}  // namespace quorin
