@@ -1,0 +1,227 @@
+#include "host/calc/CalcCells.h"
+
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/chart2/data/XDataProvider.hpp>
+#include <com/sun/star/chart2/data/XTextualDataSequence.hpp>
+#include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/sheet/FormulaResult.hpp>
+#include <com/sun/star/sheet/XCellRangeData.hpp>
+#include <com/sun/star/sheet/XCellRangeFormula.hpp>
+#include <com/sun/star/sheet/XCellRangesQuery.hpp>
+#include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <com/sun/star/table/XCell.hpp>
+#include <com/sun/star/text/XTextRange.hpp>
+#include <functional>
+#include <map>
+
+#include "host/calc/BooleanFormats.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/CellErrors.h"
+#include "host/calc/FormulaTranslator.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::table::XCellRange;
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::Sequence;
+using css::uno::UNO_QUERY;
+using css::uno::UNO_QUERY_THROW;
+
+template <typename T>
+Grid<T> gridFor(const Area& area) {
+  Grid<T> grid;
+  grid.rows = area.lastRow - area.firstRow + 1;
+  grid.columns = area.lastColumn - area.firstColumn + 1;
+  if (static_cast<long long>(grid.rows) * grid.columns > mostCells) {
+    throw SpreadsheetError(-50, "The range has too many cells");
+  }
+  grid.cells.resize(static_cast<std::size_t>(grid.rows) * static_cast<std::size_t>(grid.columns));
+  return grid;
+}
+
+template <typename T>
+T& cellAt(Grid<T>& grid, int row, int column) {  // 0-based
+  return grid.cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(grid.columns) +
+                    static_cast<std::size_t>(column)];
+}
+
+// Calls `visit` with the 0-based position of every cell of `found` that lies in the area.
+void forEachCell(const Reference<css::sheet::XSheetCellRanges>& found, const Area& area,
+                 const std::function<void(int row, int column)>& visit) {
+  for (const auto& address : found->getRangeAddresses()) {
+    const Area part = areaOf(address);
+    for (int row = std::max(part.firstRow, area.firstRow);
+         row <= std::min(part.lastRow, area.lastRow); ++row) {
+      for (int column = std::max(part.firstColumn, area.firstColumn);
+           column <= std::min(part.lastColumn, area.lastColumn); ++column) {
+        visit(row - area.firstRow, column - area.firstColumn);
+      }
+    }
+  }
+}
+
+// The displayed texts of a rectangle in one call, whether its rows are hidden or not.
+Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area) {
+  const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
+  const Reference<css::chart2::data::XDataProvider> provider(
+      factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
+  const RangeText range{{area.firstRow, area.firstColumn, true, true},
+                        CellText{area.lastRow, area.lastColumn, true, true}};
+  const CellText& to = *range.to;
+  const auto end = [](const CellText& cell) {
+    return "$" + columnLetters(cell.column) + "$" + std::to_string(cell.row);
+  };
+  const Reference<css::chart2::data::XTextualDataSequence> sequence(
+      provider->createDataSequenceByRangeRepresentation(
+          toUno(calcSheet(sheet) + "." + end(range.from) + ":" + end(to))),
+      UNO_QUERY_THROW);
+  const Sequence<rtl::OUString> texts = sequence->getTextualData();
+  Grid<std::string> grid = gridFor<std::string>(area);
+  if (static_cast<std::size_t>(texts.getLength()) != grid.cells.size()) {
+    throw SpreadsheetError(-10000, "LibreOffice answered a different number of cells");
+  }
+  for (sal_Int32 i = 0; i < texts.getLength(); ++i) {  // column by column
+    cellAt(grid, i % grid.rows, i / grid.rows) = toText(texts[i]);
+  }
+  return grid;
+}
+
+// Error cells arrive without a value. Each kind is asked for once: the texts displayed tell which
+// cells have the same one, whatever language they are in.
+void fillErrors(const Workbook& workbook, const std::string& sheet,
+                const Reference<XCellRange>& cells, const Area& area,
+                const std::vector<std::pair<int, int>>& places, Grid<CellValue>& grid) {
+  constexpr std::size_t fewEnoughToAsk = 8;
+  const auto ask = [&](int row, int column) {
+    return CellError{errorText(cells->getCellByPosition(column, row)->getError())};
+  };
+  if (places.size() <= fewEnoughToAsk) {
+    for (const auto& [row, column] : places) cellAt(grid, row, column) = ask(row, column);
+    return;
+  }
+  const Grid<std::string> texts = bulkTexts(workbook, sheet, area);
+  std::map<std::string, CellError> known;
+  for (const auto& [row, column] : places) {
+    const std::string& text = texts.at(row, column);
+    auto kind = known.find(text);
+    if (kind == known.end() || text.empty()) {
+      kind = known.insert_or_assign(text, ask(row, column)).first;
+    }
+    cellAt(grid, row, column) = kind->second;
+  }
+}
+
+}  // namespace
+
+Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cells,
+                           const Area& area) {
+  Grid<CellValue> grid = gridFor<CellValue>(area);
+  const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
+  const Sequence<Sequence<Any>> rows = source->getDataArray();
+  std::vector<std::pair<int, int>> errors;
+  bool emptyTexts = false, possibleBooleans = false;
+  for (int row = 0; row < rows.getLength() && row < grid.rows; ++row) {
+    const Sequence<Any>& values = rows[row];
+    for (int column = 0; column < values.getLength() && column < grid.columns; ++column) {
+      const Any& value = values[column];
+      CellValue& cell = cellAt(grid, row, column);
+      double number = 0;
+      rtl::OUString text;
+      if (value >>= number) {
+        cell = number;
+        possibleBooleans = possibleBooleans || number == 0 || number == 1;
+      } else if (value >>= text) {
+        cell = toText(text);
+        emptyTexts = emptyTexts || text.isEmpty();
+      } else {
+        errors.emplace_back(row, column);
+      }
+    }
+  }
+  if (emptyTexts) {
+    const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+    forEachCell(query->queryEmptyCells(), area, [&](int row, int column) {
+      const auto* text = std::get_if<std::string>(&cellAt(grid, row, column));
+      if (text != nullptr && text->empty()) cellAt(grid, row, column) = Blank{};
+    });
+  }
+  if (possibleBooleans) {
+    forEachBooleanArea(workbook, cells, [&](const Area& part) {
+      for (int row = part.firstRow; row <= part.lastRow; ++row) {
+        for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
+          CellValue& cell = cellAt(grid, row - area.firstRow, column - area.firstColumn);
+          const auto* number = std::get_if<double>(&cell);
+          if (number != nullptr && (*number == 0 || *number == 1)) cell = *number == 1;
+        }
+      }
+    });
+  }
+  if (!errors.empty()) {
+    const Reference<css::sheet::XSheetCellRange> range(cells, UNO_QUERY_THROW);
+    const Reference<css::container::XNamed> sheet(range->getSpreadsheet(), UNO_QUERY_THROW);
+    fillErrors(workbook, toText(sheet->getName()), cells, area, errors, grid);
+  }
+  return grid;
+}
+
+Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range) {
+  const Area& area = firstArea(range);
+  gridFor<Blank>(area);
+  return readValues(workbook, cellsOf(workbook, range.sheet.sheet, area), area);
+}
+
+Grid<CellValue> readFormulas(Workbook& workbook, const RangeRef& range, ReferenceStyle style) {
+  const Area& area = firstArea(range);
+  gridFor<Blank>(area);
+  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
+  Grid<CellValue> grid = readValues(workbook, cells, area);
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
+                                  css::sheet::FormulaResult::STRING |
+                                  css::sheet::FormulaResult::ERROR;
+  const Reference<css::sheet::XSheetCellRanges> found = query->queryFormulaCells(anyResult);
+  if (found->getRangeAddresses().getLength() == 0) return grid;
+  const Reference<css::sheet::XCellRangeFormula> source(cells, UNO_QUERY_THROW);
+  const Sequence<Sequence<rtl::OUString>> texts = source->getFormulaArray();
+  forEachCell(found, area, [&](int row, int column) {
+    cellAt(grid, row, column) = excelFormula(toText(texts[row][column]), style,
+                                             {area.firstRow + row, area.firstColumn + column});
+  });
+  return grid;
+}
+
+Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
+  const Area& area = firstArea(range);
+  gridFor<Blank>(area);
+  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
+  Grid<CellValue> grid = readValues(workbook, cells, area);
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
+                                  css::sheet::FormulaResult::STRING |
+                                  css::sheet::FormulaResult::ERROR;
+  forEachCell(query->queryFormulaCells(anyResult), area, [&](int row, int column) {
+    const Reference<css::beans::XPropertySet> cell(cells->getCellByPosition(column, row),
+                                                   UNO_QUERY_THROW);
+    rtl::OUString text;
+    cell->getPropertyValue("FormulaLocal") >>= text;
+    if (text.startsWith("{") && text.endsWith("}")) text = text.copy(1, text.getLength() - 2);
+    cellAt(grid, row, column) = toText(text);
+  });
+  return grid;
+}
+
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range) {
+  const Area& area = firstArea(range);
+  if (area.firstRow != area.lastRow || area.firstColumn != area.lastColumn) {
+    return bulkTexts(workbook, range.sheet.sheet, area);
+  }
+  const Reference<css::text::XTextRange> cell(
+      cellsOf(workbook, range.sheet.sheet, area)->getCellByPosition(0, 0), UNO_QUERY_THROW);
+  return {1, 1, {toText(cell->getString())}};
+}
+
+}  // namespace quorin::host::calc

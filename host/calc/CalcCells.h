@@ -1,0 +1,24 @@
+// What stands in cells: values, formulas and displayed texts, read a rectangle at a time. Call
+// thread.
+#pragma once
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+// At most this many cells are handed over at once; more is SpreadsheetError -50.
+inline constexpr long long mostCells = 4'000'000;
+
+// All of the first area.
+Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range);
+Grid<CellValue> readFormulas(Workbook& workbook, const RangeRef& range, ReferenceStyle style);
+Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range);
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range);
+
+// The values of cells already found.
+Grid<CellValue> readValues(Workbook& workbook,
+                           const css::uno::Reference<css::table::XCellRange>& cells,
+                           const Area& area);
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,99 @@
+#include "host/calc/CalcRanges.h"
+
+#include <algorithm>
+#include <com/sun/star/container/NoSuchElementException.hpp>
+#include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
+#include <com/sun/star/sheet/XCellRangeAddressable.hpp>
+#include <com/sun/star/sheet/XSheetCellRanges.hpp>
+
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY;
+using css::uno::UNO_QUERY_THROW;
+
+Reference<css::sheet::XSpreadsheet> sheetOf(const Workbook& workbook, const std::string& name) {
+  try {
+    return {workbook.sheets->getByName(toUno(name)), UNO_QUERY_THROW};
+  } catch (const css::container::NoSuchElementException&) {
+    throw SpreadsheetError(-1728, "There is no worksheet named \"" + name + "\"");
+  }
+}
+
+std::vector<std::string> sheetNames(const Workbook& workbook) {
+  const css::uno::Sequence<rtl::OUString> names = workbook.sheets->getElementNames();
+  std::vector<std::string> result;
+  result.reserve(static_cast<std::size_t>(names.getLength()));
+  for (const rtl::OUString& name : names) result.push_back(toText(name));
+  return result;
+}
+
+Area areaOf(const css::table::CellRangeAddress& address) {
+  return {address.StartRow + 1, address.StartColumn + 1, address.EndRow + 1, address.EndColumn + 1};
+}
+
+Reference<css::table::XCellRange> cellsOf(const Reference<css::sheet::XSpreadsheet>& sheet,
+                                          const Area& area) {
+  try {
+    return sheet->getCellRangeByPosition(area.firstColumn - 1, area.firstRow - 1,
+                                         area.lastColumn - 1, area.lastRow - 1);
+  } catch (const css::lang::IndexOutOfBoundsException&) {
+    throw SpreadsheetError(-1728, "There is no such range");
+  }
+}
+
+Reference<css::table::XCellRange> cellsOf(const Workbook& workbook, const std::string& sheet,
+                                          const Area& area) {
+  return cellsOf(sheetOf(workbook, sheet), area);
+}
+
+std::optional<RangeRef> rangeOf(const Workbook& workbook,
+                                const Reference<css::uno::XInterface>& cells) {
+  std::vector<css::table::CellRangeAddress> addresses;
+  if (const Reference<css::sheet::XCellRangeAddressable> one(cells, UNO_QUERY); one.is()) {
+    addresses.push_back(one->getRangeAddress());
+  } else if (const Reference<css::sheet::XSheetCellRanges> several(cells, UNO_QUERY);
+             several.is()) {
+    for (const auto& address : several->getRangeAddresses()) addresses.push_back(address);
+  }
+  if (addresses.empty()) return std::nullopt;
+  const std::vector<std::string> names = sheetNames(workbook);
+  const auto sheet = static_cast<std::size_t>(addresses.front().Sheet);
+  if (sheet >= names.size()) return std::nullopt;
+  RangeRef range{{workbook.name, names[sheet]}, {}};
+  for (const auto& address : addresses) {
+    if (address.Sheet == addresses.front().Sheet) range.areas.push_back(areaOf(address));
+  }
+  return range;
+}
+
+const Area& firstArea(const RangeRef& range) {
+  if (range.areas.empty()) throw SpreadsheetError(-50, "The range has no cells");
+  return range.areas.front();
+}
+
+std::vector<Area> without(const std::vector<Area>& areas, const Area& hole) {
+  std::vector<Area> left;
+  for (const Area& area : areas) {
+    const Area common{
+        std::max(area.firstRow, hole.firstRow), std::max(area.firstColumn, hole.firstColumn),
+        std::min(area.lastRow, hole.lastRow), std::min(area.lastColumn, hole.lastColumn)};
+    if (common.firstRow > common.lastRow || common.firstColumn > common.lastColumn) {
+      left.push_back(area);
+      continue;
+    }
+    const auto keep = [&left](const Area& part) {
+      if (part.firstRow <= part.lastRow && part.firstColumn <= part.lastColumn)
+        left.push_back(part);
+    };
+    keep({area.firstRow, area.firstColumn, common.firstRow - 1, area.lastColumn});
+    keep({common.firstRow, area.firstColumn, common.lastRow, common.firstColumn - 1});
+    keep({common.firstRow, common.lastColumn + 1, common.lastRow, area.lastColumn});
+    keep({common.lastRow + 1, area.firstColumn, area.lastRow, area.lastColumn});
+  }
+  return left;
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,40 @@
+// Between the port's ranges and UNO's.
+#pragma once
+
+#include <com/sun/star/sheet/XSpreadsheet.hpp>
+#include <com/sun/star/table/CellRangeAddress.hpp>
+#include <com/sun/star/table/XCellRange.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+// SpreadsheetError -1728 when the workbook has no such sheet.
+css::uno::Reference<css::sheet::XSpreadsheet> sheetOf(const Workbook& workbook,
+                                                      const std::string& name);
+
+// The names of the sheets in their order, hidden ones included.
+std::vector<std::string> sheetNames(const Workbook& workbook);
+
+Area areaOf(const css::table::CellRangeAddress& address);
+css::uno::Reference<css::table::XCellRange> cellsOf(
+    const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, const Area& area);
+css::uno::Reference<css::table::XCellRange> cellsOf(const Workbook& workbook,
+                                                    const std::string& sheet, const Area& area);
+
+// What a selection, a query or a name gave: a cell, a range, or several. Nothing for anything else
+// and for no cells at all.
+std::optional<RangeRef> rangeOf(const Workbook& workbook,
+                                const css::uno::Reference<css::uno::XInterface>& cells);
+
+// The first area; -50 when there is none.
+const Area& firstArea(const RangeRef& range);
+
+// What is left of `areas` without `hole`.
+std::vector<Area> without(const std::vector<Area>& areas, const Area& hole);
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,65 @@
+#include "host/calc/CalcSession.h"
+
+#include <com/sun/star/beans/NamedValue.hpp>
+#include <com/sun/star/configuration/theDefaultProvider.hpp>
+#include <com/sun/star/container/XNameAccess.hpp>
+#include <com/sun/star/document/MacroExecMode.hpp>
+#include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/frame/XFrames.hpp>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/Arguments.h"
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience)
+    : connection_(office, patience),
+      desktop_(css::frame::Desktop::create(connection_.context())),
+      workbooks_(desktop_) {}
+
+bool CalcSession::answers() {
+  if (!connection_.isAlive()) return false;
+  try {
+    return desktop_->getFrames().is();
+  } catch (const css::uno::RuntimeException&) {
+    return false;
+  }
+}
+
+const std::string& CalcSession::version() {
+  if (version_.empty()) {
+    const auto configuration = css::configuration::theDefaultProvider::get(connection_.context());
+    const css::beans::NamedValue path("nodepath",
+                                      Any(rtl::OUString("/org.openoffice.Setup/Product")));
+    const Reference<css::container::XNameAccess> product(
+        configuration->createInstanceWithArguments("com.sun.star.configuration.ConfigurationAccess",
+                                                   sequenceOf({Any(path)})),
+        UNO_QUERY_THROW);
+    rtl::OUString text;
+    product->getByName("ooSetupVersionAboutBox") >>= text;
+    version_ = toText(text);
+  }
+  return version_;
+}
+
+void CalcSession::openWorkbook(const std::string& path) {
+  // A load on a thread of the bridge can hang for ever while it makes the window's menu.
+  const Reference<css::lang::XComponent> opened = desktop_->loadComponentFromURL(
+      toUno(fileUrl(path)), "_blank", 0,
+      sequenceOf({argument("OnMainThread", true), argument("PickListEntry", false),
+                  argument("MacroExecutionMode", css::document::MacroExecMode::NEVER_EXECUTE),
+                  argument("UpdateDocMode", css::document::UpdateDocMode::NO_UPDATE)}));
+  if (!Reference<css::sheet::XSpreadsheetDocument>(opened, css::uno::UNO_QUERY).is()) {
+    throw SpreadsheetError(-1728, "\"" + path + "\" is not a workbook");
+  }
+  workbooks_.forget();
+}
+
+}  // namespace quorin::host::calc

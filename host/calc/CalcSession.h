@@ -1,0 +1,33 @@
+// CalcSession: everything that lives as long as one connection. Dropping it drops every reference
+// to the office's objects, and only then the connection.
+#pragma once
+
+#include <com/sun/star/frame/XDesktop2.hpp>
+#include <string>
+
+#include "host/calc/CalcWorkbooks.h"
+#include "host/calc/OfficeConnection.h"
+
+namespace quorin::host::calc {
+
+class CalcSession {
+ public:
+  CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience);
+
+  OfficeConnection& connection() { return connection_; }
+  CalcWorkbooks& workbooks() { return workbooks_; }
+
+  // Whether the office is still there. Asks it: the news of its end may come late.
+  bool answers();
+
+  const std::string& version();
+  void openWorkbook(const std::string& path);
+
+ private:
+  OfficeConnection connection_;  // first: it outlives the references below
+  const css::uno::Reference<css::frame::XDesktop2> desktop_;
+  CalcWorkbooks workbooks_;
+  std::string version_;
+};
+
+}  // namespace quorin::host::calc

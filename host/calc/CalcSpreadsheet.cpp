@@ -1,0 +1,231 @@
+#include "host/calc/CalcSpreadsheet.h"
+
+#include <com/sun/star/lang/DisposedException.hpp>
+
+#include "host/calc/CalcCells.h"
+#include "host/calc/CalcLookup.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/CalcSession.h"
+#include "host/calc/CalcView.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+
+CalcSpreadsheet::CalcSpreadsheet(std::unique_ptr<OfficeSource> source,
+                                 std::chrono::milliseconds patience)
+    : source_(std::move(source)), patience_(patience) {}
+
+CalcSpreadsheet::~CalcSpreadsheet() {
+  dropSession();
+}
+
+void CalcSpreadsheet::quit() {
+  quitting_ = true;
+  source_->interrupt();
+  const std::lock_guard lock(mutex_);
+  if (session_) session_->connection().interrupt();
+}
+
+CalcSession& CalcSpreadsheet::session() {
+  if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
+  if (session_ && session_->connection().isAlive()) return *session_;
+  dropSession();
+  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_);
+  const std::lock_guard lock(mutex_);
+  session_ = std::move(fresh);
+  return *session_;
+}
+
+void CalcSpreadsheet::dropSession() {
+  std::unique_ptr<CalcSession> old;
+  const std::lock_guard lock(mutex_);
+  old.swap(session_);
+  old.reset();
+}
+
+// Runs the work, once more when it met a document that was closed meanwhile.
+template <typename Work>
+auto CalcSpreadsheet::call(Work work) {
+  for (bool again = true;; again = false) {
+    CalcSession& office = session();
+    try {
+      return work(office);
+    } catch (const css::lang::DisposedException&) {
+      endIfDead();
+      office.workbooks().forget();
+      if (!again) throw SpreadsheetError(-1728, "The workbook was closed");
+    } catch (const css::uno::RuntimeException& failure) {
+      endIfDead();
+      office.workbooks().forget();
+      throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
+    } catch (const css::uno::Exception& failure) {
+      throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
+    }
+  }
+}
+
+void CalcSpreadsheet::endIfDead() {
+  if (session_->answers()) return;
+  dropSession();
+  if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
+  throw SpreadsheetError(-609, "LibreOffice ended during the call");
+}
+
+void CalcSpreadsheet::openWorkbook(const std::string& path) {
+  call([&](CalcSession& office) { office.openWorkbook(path); });
+}
+
+bool CalcSpreadsheet::isRunning() {
+  return source_->isRunning();
+}
+
+std::string CalcSpreadsheet::version() {
+  return call([](CalcSession& office) { return office.version(); });
+}
+
+bool CalcSpreadsheet::isFrontmost() {
+  return call([](CalcSession& office) {
+    for (const Window& window : office.workbooks().windows()) {
+      if (calc::isFrontmost(window)) return true;
+    }
+    return false;
+  });
+}
+
+void CalcSpreadsheet::activate() {
+  call([](CalcSession& office) {
+    if (const Window* window = office.workbooks().active()) bringToFront(*window);
+  });
+}
+
+std::vector<std::string> CalcSpreadsheet::workbooks() {
+  return call([](CalcSession& office) { return office.workbooks().names(); });
+}
+
+std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
+  return call([&](CalcSession& office) { return sheetNames(office.workbooks().named(book)); });
+}
+
+std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
+  return call([&](CalcSession& office) -> std::optional<Bounds> {
+    const Window* active = office.workbooks().active();
+    if (active == nullptr || index < 1) return std::nullopt;
+    if (index == 1) return boundsOf(*active);
+    int position = 1;
+    for (const Window& window : office.workbooks().windows()) {
+      if (&window != active && ++position == index) return boundsOf(window);
+    }
+    return std::nullopt;
+  });
+}
+
+std::optional<std::string> CalcSpreadsheet::activeWorkbook() {
+  return call([](CalcSession& office) -> std::optional<std::string> {
+    const Window* window = office.workbooks().active();
+    return window == nullptr ? std::nullopt : std::optional(window->workbook->name);
+  });
+}
+
+std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
+  return call([](CalcSession& office) -> std::optional<SheetRef> {
+    const Window* window = office.workbooks().active();
+    return window == nullptr ? std::nullopt : std::optional(calc::activeSheetOf(*window));
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::activeCell() {
+  return call([](CalcSession& office) -> std::optional<RangeRef> {
+    const Window* window = office.workbooks().active();
+    return window == nullptr ? std::nullopt : std::optional(activeCellOf(*window));
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::selection() {
+  return call([](CalcSession& office) -> std::optional<RangeRef> {
+    const Window* window = office.workbooks().active();
+    return window == nullptr ? std::nullopt : std::optional(selectionOf(*window));
+  });
+}
+
+SheetRef CalcSpreadsheet::activeSheetOf(const std::string& book) {
+  return call(
+      [&](CalcSession& office) { return calc::activeSheetOf(office.workbooks().windowOf(book)); });
+}
+
+void CalcSpreadsheet::goTo(const RangeRef& range) {
+  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).select(range); });
+}
+
+void CalcSpreadsheet::select(const RangeRef& range) {
+  goTo(range);
+}  // Calc scrolls either way
+
+void CalcSpreadsheet::activateWorkbook(const std::string& book) {
+  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).activateWorkbook(book); });
+}
+
+void CalcSpreadsheet::activateSheet(const SheetRef& sheet) {
+  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).activateSheet(sheet); });
+}
+
+void CalcSpreadsheet::activateCell(const RangeRef& range) {
+  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).activateCell(range); });
+}
+
+void CalcSpreadsheet::scrollTo(const RangeRef& range) {
+  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).scrollTo(range); });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::named(const SheetRef& from, const std::string& name) {
+  return call([&](CalcSession& office) {
+    return findNamed(office.workbooks().named(from.book), from.sheet, name);
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::currentRegion(const RangeRef& range) {
+  return call([&](CalcSession& office) {
+    return findCurrentRegion(office.workbooks().named(range.sheet.book), range);
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::usedRange(const SheetRef& sheet) {
+  return call([&](CalcSession& office) {
+    return findUsedRange(office.workbooks().named(sheet.book), sheet.sheet);
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::dependents(const RangeRef& range, DependentLevels levels) {
+  return call([&](CalcSession& office) {
+    return findDependents(office.workbooks().named(range.sheet.book), range, levels);
+  });
+}
+
+Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
+  return call([&](CalcSession& office) {
+    return readValues(office.workbooks().named(range.sheet.book), range);
+  });
+}
+
+Grid<CellValue> CalcSpreadsheet::formulas(const RangeRef& range, ReferenceStyle style) {
+  return call([&](CalcSession& office) {
+    return readFormulas(office.workbooks().named(range.sheet.book), range, style);
+  });
+}
+
+Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
+  return call([&](CalcSession& office) {
+    return readLocalFormulas(office.workbooks().named(range.sheet.book), range);
+  });
+}
+
+Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
+  return call([&](CalcSession& office) {
+    return readTexts(office.workbooks().named(range.sheet.book), range);
+  });
+}
+
+Evaluation CalcSpreadsheet::evaluate(const std::string&, const SheetRef&) {
+  throw SpreadsheetError(-1708, "Expressions cannot be evaluated yet");
+}
+
+}  // namespace quorin::host::calc

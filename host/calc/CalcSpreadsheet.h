@@ -1,0 +1,76 @@
+// CalcSpreadsheet: the port Spreadsheet over LibreOffice Calc. It connects at the first call that
+// needs the office, and again after the office has quit, died or been started anew. Used on the
+// call thread alone, but for quit().
+//
+// A call lasts as long as the office takes. It fails with -609 when the office dies under it, and
+// with -600 once quit() was called.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <mutex>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/OfficeSource.h"
+
+namespace quorin::host::calc {
+
+class CalcSession;
+
+class CalcSpreadsheet : public Spreadsheet {
+ public:
+  // `patience` bounds the wait for a first answer when connecting.
+  explicit CalcSpreadsheet(std::unique_ptr<OfficeSource> source,
+                           std::chrono::milliseconds patience = std::chrono::seconds(5));
+  ~CalcSpreadsheet() override;
+
+  // Makes a call in progress and all later ones fail at once. From any thread, for quitting.
+  void quit();
+
+  // Opens a workbook file as the active one. For an office of our own.
+  void openWorkbook(const std::string& path);
+
+  bool isRunning() override;
+  std::string version() override;
+  bool isFrontmost() override;
+  void activate() override;
+  std::vector<std::string> workbooks() override;
+  std::vector<std::string> worksheets(const std::string& book) override;
+  std::optional<Bounds> windowBounds(int index) override;
+  std::optional<std::string> activeWorkbook() override;
+  std::optional<SheetRef> activeSheet() override;
+  std::optional<RangeRef> activeCell() override;
+  std::optional<RangeRef> selection() override;
+  SheetRef activeSheetOf(const std::string& book) override;
+  void goTo(const RangeRef& range) override;
+  void select(const RangeRef& range) override;
+  void activateWorkbook(const std::string& book) override;
+  void activateSheet(const SheetRef& sheet) override;
+  void activateCell(const RangeRef& range) override;
+  void scrollTo(const RangeRef& range) override;
+  std::optional<RangeRef> named(const SheetRef& from, const std::string& name) override;
+  std::optional<RangeRef> currentRegion(const RangeRef& range) override;
+  std::optional<RangeRef> usedRange(const SheetRef& sheet) override;
+  std::optional<RangeRef> dependents(const RangeRef& range, DependentLevels levels) override;
+  Grid<CellValue> values(const RangeRef& range) override;
+  Grid<CellValue> formulas(const RangeRef& range, ReferenceStyle style) override;
+  Grid<CellValue> localFormulas(const RangeRef& range) override;
+  Grid<std::string> displayedTexts(const RangeRef& range) override;
+  Evaluation evaluate(const std::string& expression, const SheetRef& from) override;
+
+ private:
+  CalcSession& session();
+  void dropSession();
+  void endIfDead();
+  template <typename Work>
+  auto call(Work work);
+
+  const std::unique_ptr<OfficeSource> source_;
+  const std::chrono::milliseconds patience_;
+  std::atomic<bool> quitting_ = false;
+  std::mutex mutex_;  // guards session_'s replacement against quit()
+  std::unique_ptr<CalcSession> session_;
+};
+
+}  // namespace quorin::host::calc

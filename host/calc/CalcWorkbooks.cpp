@@ -1,0 +1,182 @@
+#include "host/calc/CalcWorkbooks.h"
+
+#include <algorithm>
+#include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/frame/XFrames.hpp>
+#include <com/sun/star/frame/XTitle.hpp>
+
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY;
+using css::uno::UNO_QUERY_THROW;
+
+namespace {
+constexpr std::chrono::seconds trustedFor{2};
+}
+
+CalcWorkbooks::CalcWorkbooks(Reference<css::frame::XDesktop2> desktop)
+    : desktop_(std::move(desktop)) {}
+
+void CalcWorkbooks::forget() {
+  windows_.clear();
+  workbooks_.clear();
+  readAt_.reset();
+}
+
+void CalcWorkbooks::read() {
+  const std::vector<Window> known = std::move(windows_);  // also keeps their proxies alive
+  workbooks_.clear();
+  windows_.clear();
+  otherDocuments_ = startCentre_ = false;
+  const Reference<css::container::XIndexAccess> frames(desktop_->getFrames(), UNO_QUERY_THROW);
+  const sal_Int32 count = frames->getCount();
+  for (sal_Int32 i = 0; i < count; ++i) {
+    const Reference<css::frame::XFrame> frame(frames->getByIndex(i), UNO_QUERY);
+    if (frame.is()) addWindow(frame, known);
+  }
+  nameWorkbooks();
+  readAt_ = std::chrono::steady_clock::now();
+}
+
+void CalcWorkbooks::addWindow(const Reference<css::frame::XFrame>& frame,
+                              const std::vector<Window>& known) {
+  const Reference<css::awt::XWindow2> shown(frame->getContainerWindow(), UNO_QUERY);
+  if (!shown.is() || !shown->isVisible()) return;
+  const Reference<css::frame::XController> controller = frame->getController();
+  const Reference<css::frame::XModel> model = controller.is() ? controller->getModel() : nullptr;
+  if (!model.is()) {
+    startCentre_ = true;
+  } else if (Reference<css::sheet::XSpreadsheetDocument>(model, UNO_QUERY).is()) {
+    windows_.push_back({workbookOf(model, known), frame, controller,
+                        Reference<css::sheet::XSpreadsheetView>(controller, UNO_QUERY)});
+  } else {
+    otherDocuments_ = true;
+  }
+}
+
+std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::XModel>& model,
+                                                    const std::vector<Window>& known) {
+  for (const auto& workbook : workbooks_) {
+    if (workbook->model == model) return workbook;
+  }
+  std::shared_ptr<Workbook> workbook;
+  for (const Window& window : known) {
+    if (window.workbook->model == model) workbook = window.workbook;
+  }
+  if (!workbook) {
+    workbook = std::make_shared<Workbook>();
+    workbook->model = model;
+    workbook->document.set(model, UNO_QUERY_THROW);
+    workbook->sheets.set(workbook->document->getSheets(), UNO_QUERY_THROW);
+  }
+  workbook->url = toText(model->getURL());
+  workbooks_.push_back(workbook);
+  return workbook;
+}
+
+void CalcWorkbooks::nameWorkbooks() {
+  std::vector<std::string> urls, titles;
+  for (const auto& workbook : workbooks_) {
+    urls.push_back(workbook->url);
+    titles.push_back(
+        workbook->url.empty()
+            ? toText(Reference<css::frame::XTitle>(workbook->model, UNO_QUERY_THROW)->getTitle())
+            : std::string());
+  }
+  const std::vector<std::string> names = workbookNames(urls, titles);
+  for (std::size_t i = 0; i < names.size(); ++i) workbooks_[i]->name = names[i];
+}
+
+std::vector<std::string> CalcWorkbooks::names() {
+  read();
+  std::vector<std::string> names;
+  for (const auto& workbook : workbooks_) names.push_back(workbook->name);
+  return names;
+}
+
+Workbook& CalcWorkbooks::named(const std::string& name) {
+  return *windowOf(name).workbook;
+}
+
+Window* CalcWorkbooks::active() {
+  const bool stale = !readAt_ || std::chrono::steady_clock::now() - *readAt_ > trustedFor;
+  const Reference<css::frame::XFrame> current = desktop_->getCurrentFrame();
+  const auto showing = [&] {
+    return std::find_if(windows_.begin(), windows_.end(),
+                        [&](const Window& window) { return window.frame == current; });
+  };
+  auto window = showing();
+  if (stale || window == windows_.end()) {
+    read();
+    window = showing();
+  }
+  if (window == windows_.end()) {  // something else is in front: the workbook that was last
+    const auto last = lastActive_.lock();
+    window = std::find_if(windows_.begin(), windows_.end(), [&](const Window& candidate) {
+      return last && candidate.workbook->model == last->model;
+    });
+    if (window == windows_.end()) window = windows_.begin();
+  }
+  if (window == windows_.end()) return nullptr;
+  lastActive_ = window->workbook;
+  return &*window;
+}
+
+Window& CalcWorkbooks::windowOf(const std::string& name) {
+  Window* front = active();
+  if (front != nullptr && front->workbook->name == name) return *front;
+  const auto named = [&] {
+    return std::find_if(windows_.begin(), windows_.end(),
+                        [&](const Window& window) { return window.workbook->name == name; });
+  };
+  auto window = named();
+  if (window == windows_.end()) {
+    read();
+    window = named();
+  }
+  const auto sameName = std::count_if(workbooks_.begin(), workbooks_.end(),
+                                      [&](const auto& book) { return book->name == name; });
+  if (window == windows_.end() || sameName != 1) {
+    throw SpreadsheetError(-1728, "There is no workbook named \"" + name + "\"");
+  }
+  return *window;
+}
+
+const std::vector<Window>& CalcWorkbooks::windows() {
+  active();
+  return windows_;
+}
+
+bool CalcWorkbooks::showsOnlyOthers() {
+  active();
+  return windows_.empty() && otherDocuments_ && !startCentre_;
+}
+
+std::vector<std::string> workbookNames(const std::vector<std::string>& urls,
+                                       const std::vector<std::string>& titles) {
+  std::vector<std::string> names, folders;
+  for (std::size_t i = 0; i < urls.size(); ++i) {
+    const std::filesystem::path path = pathOfUrl(urls[i]);
+    folders.push_back(path.parent_path().filename().string());
+    if (urls[i].empty()) {
+      names.push_back(titles[i]);
+    } else if (!path.empty()) {
+      names.push_back(path.filename().string());
+    } else {
+      names.push_back(urls[i].substr(urls[i].rfind('/') + 1));
+    }
+  }
+  std::vector<std::string> result = names;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (std::count(names.begin(), names.end(), names[i]) > 1 && !folders[i].empty()) {
+      result[i] = folders[i] + "/" + names[i];
+    }
+  }
+  return result;
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,76 @@
+// CalcWorkbooks: the user's open workbooks and their windows, as seen through one connection.
+// Frames that show nothing are not the user's and are left out. Call thread.
+//
+// What was read is kept for a moment: a window that is new is noticed at once, everything else on
+// the next full reading. A document that was closed meanwhile answers DisposedException; then
+// forget() and ask again.
+#pragma once
+
+#include <chrono>
+#include <com/sun/star/container/XNameAccess.hpp>
+#include <com/sun/star/frame/XController.hpp>
+#include <com/sun/star/frame/XDesktop2.hpp>
+#include <com/sun/star/frame/XFrame.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
+#include <com/sun/star/sheet/XSpreadsheetView.hpp>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+
+namespace quorin::host::calc {
+
+struct Workbook {
+  std::string name;
+  std::string url;  // empty before it is saved
+  css::uno::Reference<css::frame::XModel> model;
+  css::uno::Reference<css::sheet::XSpreadsheetDocument> document;
+  css::uno::Reference<css::container::XNameAccess> sheets;
+  std::map<sal_Int32, bool> booleanFormats;  // number format key: is it a format of booleans?
+};
+
+struct Window {
+  std::shared_ptr<Workbook> workbook;
+  css::uno::Reference<css::frame::XFrame> frame;
+  css::uno::Reference<css::frame::XController> controller;
+  css::uno::Reference<css::sheet::XSpreadsheetView> view;  // none in a print preview
+};
+
+class CalcWorkbooks {
+ public:
+  explicit CalcWorkbooks(css::uno::Reference<css::frame::XDesktop2> desktop);
+
+  void forget();
+  std::vector<std::string> names();           // in the order of opening
+  Workbook& named(const std::string& name);   // SpreadsheetError -1728
+  Window* active();                           // none when no workbook is open
+  Window& windowOf(const std::string& name);  // the active one where it has several
+  const std::vector<Window>& windows();
+  bool showsOnlyOthers();  // there are windows, but no spreadsheet and no start centre
+
+ private:
+  void read();
+  void addWindow(const css::uno::Reference<css::frame::XFrame>& frame,
+                 const std::vector<Window>& known);
+  std::shared_ptr<Workbook> workbookOf(const css::uno::Reference<css::frame::XModel>& model,
+                                       const std::vector<Window>& known);
+  void nameWorkbooks();
+
+  const css::uno::Reference<css::frame::XDesktop2> desktop_;
+  std::vector<std::shared_ptr<Workbook>> workbooks_;
+  std::vector<Window> windows_;
+  std::weak_ptr<Workbook> lastActive_;
+  bool otherDocuments_ = false, startCentre_ = false;
+  std::optional<std::chrono::steady_clock::time_point> readAt_;
+};
+
+// The name as Excel would give it: file names with suffix, titles of unsaved ones; equal ones carry
+// the name of the folder they are in. `urls` and `titles` belong together by position.
+std::vector<std::string> workbookNames(const std::vector<std::string>& urls,
+                                       const std::vector<std::string>& titles);
+
+}  // namespace quorin::host::calc

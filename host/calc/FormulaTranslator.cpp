@@ -1,0 +1,330 @@
+#include "host/calc/FormulaTranslator.h"
+
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "host/calc/OfficeFiles.h"
+
+namespace quorin::host::calc {
+namespace {
+
+// Prefixes of function names that only say where a function comes from.
+constexpr std::array<std::string_view, 6> origins{"COM.SUN.STAR.SHEET.ADDIN.ANALYSIS.GET",
+                                                  "COM.SUN.STAR.SHEET.ADDIN.DATEFUNCTIONS.GET",
+                                                  "COM.MICROSOFT.",
+                                                  "_XLFN._XLWS.",
+                                                  "_XLFN.",
+                                                  "_XLWS."};
+
+constexpr std::array<std::string_view, 5> tableItems{"#All", "#Data", "#Headers", "#Totals",
+                                                     "#This Row"};
+
+class Translation {
+ public:
+  Translation(std::string_view text, ReferenceStyle style, FormulaCell cell)
+      : text_(text), style_(style), cell_(cell) {}
+
+  std::string run() {
+    if (!text_.empty() && text_[at_] == '=') out_ += text_[at_++];
+    frames_.push_back({false, false, false, out_.size()});
+    while (at_ < text_.size()) step();
+    closeArgument();
+    return std::move(out_);
+  }
+
+ private:
+  struct Frame {  // one level of brackets
+    bool isArray, isFunction, hasUnion;
+    std::size_t argument;  // where the present argument begins in the output
+  };
+
+  void step() {
+    const char c = text_[at_];
+    if (c == '"') {
+      copyString();
+    } else if (const std::string_view error = errorLiteral(text_, at_);
+               !error.empty() && !lostReferenceFollows()) {
+      out_ += error;
+      at_ += error.size();
+    } else if (c == '\'' && external()) {
+    } else if (c == '$' || c == '\'' || c == '#' || isWordCharacter(c)) {
+      if (!reference()) word();
+    } else if (c == '[') {
+      copyTableItems();
+    } else {
+      punctuation(c);
+    }
+  }
+
+  // "#REF!5" and "#REF!#REF!" are references whose column went, not the literal.
+  bool lostReferenceFollows() const {
+    std::size_t position = at_;
+    const auto cell = readCell(text_, position);
+    return cell && cell->lost;
+  }
+
+  void copyString() {
+    const std::size_t start = at_++;
+    while (at_ < text_.size()) {
+      if (text_[at_++] != '"') continue;
+      if (at_ >= text_.size() || text_[at_] != '"') break;
+      ++at_;
+    }
+    out_ += text_.substr(start, at_ - start);
+  }
+
+  // The sheet before a reference, "." included; "#REF!" for one that was deleted.
+  std::optional<std::string> readSheet(std::size_t& position) const {
+    std::size_t at = position;
+    if (at < text_.size() && text_[at] == '$') ++at;
+    std::optional<std::string> name = readQuoted(text_, at);
+    if (!name && errorLiteral(text_, at) == "#REF!") {
+      name = "#REF!";
+      at += name->size();
+    } else if (!name) {  // an unquoted name has no full stop in it
+      const std::size_t start = at;
+      while (at < text_.size() && isWordCharacter(text_[at]) && text_[at] != '.') ++at;
+      if (at > start) name = text_.substr(start, at - start);
+    }
+    if (!name || at >= text_.size() || text_[at] != '.') return std::nullopt;
+    position = at + 1;
+    return name;
+  }
+
+  // A cell's end that can stand alone or, where another follows, at either side of the colon.
+  std::optional<CellText> readEnd(std::size_t& position, bool ofRange) const {
+    std::size_t at = position;
+    const auto cell = readCell(text_, at);
+    if (!cell) return std::nullopt;
+    const bool whole = !cell->lost && (cell->row == 0 || cell->column == 0);
+    if (whole && !ofRange && (at >= text_.size() || text_[at] != ':')) return std::nullopt;
+    if (at < text_.size() && text_[at] == '(') return std::nullopt;  // a function such as LOG10
+    position = at;
+    return cell;
+  }
+
+  bool reference() {
+    std::size_t position = at_;
+    const auto sheet = readSheet(position);
+    const auto from = readEnd(position, false);
+    if (!from) return sheet ? sheetName(*sheet, position) : false;
+    RangeText range{*from, std::nullopt};
+    auto lastSheet = sheet;
+    if (position < text_.size() && text_[position] == ':') {
+      std::size_t behind = position + 1;
+      const auto second = readSheet(behind);
+      const auto to = readEnd(behind, true);
+      const bool sameKind =
+          to && (from->lost || to->lost ||
+                 ((to->row == 0) == (from->row == 0) && (to->column == 0) == (from->column == 0)));
+      if (sameKind) {
+        range.to = to;
+        position = behind;
+        if (second) lastSheet = second;
+      } else if (from->row == 0 || from->column == 0) {
+        return false;
+      }
+    }
+    writeReference(sheet, lastSheet, range);
+    at_ = position;
+    return true;
+  }
+
+  void writeReference(const std::optional<std::string>& first,
+                      const std::optional<std::string>& last, RangeText range) {
+    if (first == "#REF!" || last == "#REF!") {
+      out_ += "#REF!";
+      return;
+    }
+    if (first) {
+      const bool several = last && *last != *first;
+      if (several && range.to == range.from) range.to.reset();
+      out_ += excelSheet(several ? *first + ":" + *last : *first) + "!";
+    }
+    out_ += write(range, style_, cell_);
+  }
+
+  // A name that belongs to a sheet: $Sheet1.rate. Without the dollar sign or quotes it is one word.
+  bool sheetName(const std::string& sheet, std::size_t position) {
+    if (text_[at_] != '$' && text_[at_] != '\'') return false;
+    if (position >= text_.size() || !isWordCharacter(text_[position])) return false;
+    if (sheet != "#REF!") out_ += excelSheet(sheet) + "!";
+    at_ = position;
+    word();
+    return true;
+  }
+
+  // 'file:///folder/book.xlsx'#$Sheet.A1, and with a name behind "#".
+  bool external() {
+    std::size_t position = at_;
+    const auto url = readQuoted(text_, position);
+    if (!url || position >= text_.size() || text_[position] != '#') return false;
+    const std::filesystem::path path = pathOfUrl(*url);
+    const std::size_t slash = url->rfind('/') + 1;
+    const std::string folder =
+        path.empty() ? url->substr(0, slash) : (path.parent_path() / "").string();
+    const std::string file = path.empty() ? url->substr(slash) : path.filename().string();
+    ++position;
+    std::size_t behind = position;
+    const auto sheet = readSheet(behind);
+    at_ = sheet ? behind : position;
+    out_ += excelSheet(sheet ? folder + "[" + file + "]" + *sheet : folder + file) + "!";
+    std::size_t before = at_;
+    const auto from = readEnd(at_, false);
+    if (!from) {
+      at_ = before;
+      word();
+      return true;
+    }
+    RangeText range{*from, std::nullopt};
+    if (at_ < text_.size() && text_[at_] == ':') {
+      before = at_++;
+      range.to = readEnd(at_, true);
+      if (!range.to) at_ = before;
+    }
+    out_ += write(range, style_, cell_);
+    return true;
+  }
+
+  // A function's or a defined name, or a number.
+  void word() {
+    const std::size_t start = at_;
+    if (text_[at_] == '\'') {  // a label in quotes, which Excel does not know
+      readQuoted(text_, at_);
+      if (at_ == start) ++at_;
+      out_ += text_.substr(start, at_ - start);
+      return;
+    }
+    const bool number = text_[at_] >= '0' && text_[at_] <= '9';
+    ++at_;
+    while (at_ < text_.size() && (isWordCharacter(text_[at_]) || (number && isExponentSign()))) {
+      ++at_;
+    }
+    std::string word(text_.substr(start, at_ - start));
+    const bool isFunction = at_ < text_.size() && text_[at_] == '(';
+    if (isFunction) {
+      out_ += functionName(word);
+    } else if (equalIgnoringCase(word.substr(0, 6), "_xlpm.")) {
+      out_ += word.substr(6);
+    } else {
+      out_ += word;
+    }
+    // What the office could not resolve keeps its "!": values!#ref!
+    if (!isFunction && at_ < text_.size() && text_[at_] == '!' &&
+        errorLiteral(text_, at_ + 1) == "#REF!") {
+      out_ += "!#REF!";
+      at_ += std::string_view("!#REF!").size();
+    }
+  }
+
+  bool isExponentSign() const {
+    const char before = text_[at_ - 1];
+    return (text_[at_] == '+' || text_[at_] == '-') && (before == 'E' || before == 'e');
+  }
+
+  static std::string functionName(const std::string& word) {
+    const std::string upper = upperCase(word);
+    for (const std::string_view origin : origins) {
+      if (upper.starts_with(origin)) return upper.substr(origin.size());
+    }
+    return upper;
+  }
+
+  // The brackets behind a table's name. Only the separator between two items changes.
+  void copyTableItems() {
+    int depth = 0;
+    do {
+      const char c = text_[at_];
+      if (c == '\'' && at_ + 1 < text_.size()) {  // escapes the next character
+        out_ += text_.substr(at_, 2);
+        at_ += 2;
+        continue;
+      }
+      if (c == '[') ++depth;
+      if (c == ']') --depth;
+      out_ += c == ';' && depth == 1 ? ',' : c;
+      ++at_;
+      if (c == '[') copyTableItem();
+    } while (depth > 0 && at_ < text_.size());
+  }
+
+  void copyTableItem() {
+    for (const std::string_view item : tableItems) {
+      if (equalIgnoringCase(text_.substr(at_, item.size()), item)) {
+        out_ += item;
+        at_ += item.size();
+        return;
+      }
+    }
+  }
+
+  void punctuation(char c) {
+    ++at_;
+    switch (c) {
+      case '(': {
+        const bool function = !out_.empty() && isWordCharacter(out_.back());
+        out_ += c;
+        frames_.push_back({false, function, false, out_.size()});
+        return;
+      }
+      case '{':
+        out_ += c;
+        frames_.push_back({true, false, false, out_.size()});
+        return;
+      case ')':
+      case '}':
+        if (frames_.size() > 1) {
+          closeArgument();
+          frames_.pop_back();
+        }
+        out_ += c;
+        return;
+      case ';':
+        closeArgument();
+        out_ += ',';
+        frames_.back().argument = out_.size();
+        return;
+      case '|':
+        out_ += frames_.back().isArray ? ';' : c;
+        return;
+      case '~':
+        frames_.back().hasUnion = true;
+        out_ += ',';
+        return;
+      case '!':
+        out_ += ' ';
+        return;
+      default:
+        out_ += c;
+    }
+  }
+
+  // A union needs brackets of its own wherever a comma would part arguments.
+  void closeArgument() {
+    Frame& frame = frames_.back();
+    if (frame.hasUnion && (frame.isFunction || frames_.size() == 1)) {
+      out_.insert(frame.argument, "(");
+      out_ += ')';
+    }
+    frame.hasUnion = false;
+  }
+
+  const std::string_view text_;
+  const ReferenceStyle style_;
+  const FormulaCell cell_;
+  std::size_t at_ = 0;
+  std::string out_;
+  std::vector<Frame> frames_;
+};
+
+}  // namespace
+
+std::string excelFormula(std::string_view formula, ReferenceStyle style, FormulaCell cell) {
+  if (formula.starts_with("{=") && formula.ends_with('}')) {
+    formula = formula.substr(1, formula.size() - 2);
+  }
+  return Translation(formula, style, cell).run();
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,21 @@
+// Formula text between Calc's own stored grammar and Excel's. Pure functions over text.
+//
+//   Calc   =SUM($'My Sheet'.A1:B2;{1;2|3;4};A1~B2)
+//   Excel  =SUM('My Sheet'!A1:B2,{1,2;3,4},(A1,B2))
+//
+// In Calc's grammar ";" parts arguments, "." follows a sheet, "~" unites, "!" intersects, and an
+// array's columns and rows are parted by ";" and "|".
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/calc/ReferenceText.h"
+
+namespace quorin::host::calc {
+
+// A formula as Calc stores it, with "=" and with the braces of an array formula or without, as
+// Excel would write it. What has no counterpart there stays as it is.
+std::string excelFormula(std::string_view calcFormula, ReferenceStyle style, FormulaCell cell);
+
+}  // namespace quorin::host::calc

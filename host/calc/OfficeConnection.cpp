@@ -1,0 +1,104 @@
+#include "host/calc/OfficeConnection.h"
+
+#include <com/sun/star/bridge/BridgeFactory.hpp>
+#include <com/sun/star/connection/Connector.hpp>
+#include <com/sun/star/connection/NoConnectException.hpp>
+#include <com/sun/star/lang/DisposedException.hpp>
+#include <com/sun/star/lang/XComponent.hpp>
+#include <cppuhelper/bootstrap.hxx>
+#include <cppuhelper/implbase1.hxx>
+#include <rtl/bootstrap.hxx>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/OfficeProcess.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY;
+using css::uno::UNO_QUERY_THROW;
+using css::uno::XComponentContext;
+
+// Our own side's component context, one for the process. The office's interfaces are not among the
+// types it loads by itself, and the first call through one of them would crash.
+const Reference<XComponentContext>& localContext() {
+  static const Reference<XComponentContext> context = [] {
+    rtl::Bootstrap::set("URE_MORE_TYPES", "<file://" QUORIN_OFFICE_FOLDER "/program/types>*");
+    return cppu::defaultBootstrap_InitialComponentContext();
+  }();
+  return context;
+}
+
+class BridgeEnd : public cppu::WeakImplHelper1<css::lang::XEventListener> {
+ public:
+  explicit BridgeEnd(std::shared_ptr<std::atomic<bool>> alive) : alive_(std::move(alive)) {}
+  void SAL_CALL disposing(const css::lang::EventObject&) override { *alive_ = false; }
+
+ private:
+  const std::shared_ptr<std::atomic<bool>> alive_;
+};
+
+}  // namespace
+
+OfficeConnection::OfficeConnection(const OfficeAddress& office,
+                                   std::chrono::milliseconds patience) {
+  if (!isOwnPipe(office.pipe)) throw SpreadsheetError(-600, "LibreOffice is not listening");
+  if (!waitWhileStopped(office.process, patience)) {
+    throw SpreadsheetError(-1712, "LibreOffice does not answer");
+  }
+  watchdog_ = std::make_unique<OfficeWatchdog>(office.process, [this] { release(); });
+  watchdog_->setDeadline(std::chrono::steady_clock::now() + patience);
+  try {
+    const auto connection = css::connection::Connector::create(localContext())
+                                ->connect("pipe,name=" + toUno(office.pipe));
+    const auto bridge = css::bridge::BridgeFactory::create(localContext())
+                            ->createBridge(rtl::OUString(), "urp", connection, nullptr);
+    Reference<css::lang::XComponent>(bridge, UNO_QUERY_THROW)
+        ->addEventListener(new BridgeEnd(alive_));
+    {
+      const std::lock_guard lock(mutex_);
+      bridge_ = bridge;
+    }
+    if (watchdog_->deadlinePassed()) release();
+    context_.set(bridge->getInstance("StarOffice.ComponentContext"), UNO_QUERY_THROW);
+    watchdog_->setDeadline(std::nullopt);
+  } catch (const css::uno::Exception& failure) {
+    const bool late = watchdog_->deadlinePassed();
+    context_.clear();
+    watchdog_.reset();
+    release();
+    if (late) throw SpreadsheetError(-1712, "LibreOffice does not answer");
+    throw SpreadsheetError(-600, "LibreOffice cannot be reached: " + toText(failure.Message));
+  }
+}
+
+OfficeConnection::~OfficeConnection() {
+  watchdog_.reset();
+  context_.clear();
+  release();
+}
+
+void OfficeConnection::interrupt() {
+  if (watchdog_) watchdog_->interrupt();
+}
+
+void OfficeConnection::release() {
+  Reference<css::lang::XComponent> bridge;
+  {
+    const std::lock_guard lock(mutex_);
+    bridge.set(bridge_, UNO_QUERY);
+    bridge_.clear();
+  }
+  *alive_ = false;
+  if (!bridge.is()) return;
+  try {
+    bridge->dispose();
+  } catch (const css::uno::Exception&) {
+    // It was gone already.
+  }
+}
+
+}  // namespace quorin::host::calc

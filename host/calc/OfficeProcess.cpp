@@ -1,0 +1,88 @@
+#include "host/calc/OfficeProcess.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace quorin::host::calc {
+namespace {
+
+using namespace std::string_view_literals;
+constexpr std::string_view installationArgument = "-env:UserInstallation=";
+
+std::string contentsOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::vector<std::string> splitAtNulls(const std::string& text) {
+  std::vector<std::string> parts;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\0', start), text.size());
+    parts.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
+bool isStopped(pid_t process) {
+  const std::string status = contentsOf("/proc/" + std::to_string(process) + "/stat");
+  const std::size_t name = status.rfind(')');  // the name before it may hold anything
+  return name != std::string::npos && name + 2 < status.size() && status[name + 2] == 'T';
+}
+
+}  // namespace
+
+std::string OfficeProcess::userInstallation() const {
+  for (const std::string& argument : arguments) {
+    if (argument.starts_with(installationArgument)) {
+      return argument.substr(installationArgument.size());
+    }
+  }
+  return {};
+}
+
+bool OfficeProcess::hasArgument(std::string_view name) const {
+  return std::any_of(arguments.begin(), arguments.end(), [name](std::string_view argument) {
+    return argument.starts_with('-') && argument.substr(argument.starts_with("--") ? 2 : 1) == name;
+  });
+}
+
+std::vector<OfficeProcess> officeProcesses(const std::filesystem::path& proc) {
+  std::vector<OfficeProcess> found;
+  std::error_code failure;
+  for (const auto& entry : std::filesystem::directory_iterator(proc, failure)) {
+    const std::string name = entry.path().filename().string();
+    pid_t id = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), id);
+    if (error != std::errc() || end != name.data() + name.size()) continue;
+    struct stat status {};
+    if (::stat(entry.path().c_str(), &status) != 0 || status.st_uid != ::getuid()) continue;
+    if (contentsOf(entry.path() / "comm") != "soffice.bin\n") continue;
+    OfficeProcess office{id, std::filesystem::read_symlink(entry.path() / "exe", failure),
+                         splitAtNulls(contentsOf(entry.path() / "cmdline"))};
+    if (office.program.empty() || office.arguments.empty()) continue;  // it is ending
+    office.arguments.erase(office.arguments.begin());
+    found.push_back(std::move(office));
+  }
+  std::sort(found.begin(), found.end(),
+            [](const OfficeProcess& a, const OfficeProcess& b) { return a.id < b.id; });
+  return found;
+}
+
+bool waitWhileStopped(pid_t process, std::chrono::milliseconds patience) {
+  constexpr std::chrono::milliseconds pause{10};
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  while (isStopped(process)) {
+    if (std::chrono::steady_clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(pause);
+  }
+  return true;
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,29 @@
+// What /proc tells about LibreOffice's processes, at once and without asking them. Any thread.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace quorin::host::calc {
+
+struct OfficeProcess {
+  pid_t id = 0;
+  std::filesystem::path program;       // its soffice.bin
+  std::vector<std::string> arguments;  // without the program's own name
+
+  // The value of -env:UserInstallation, a file URL; empty for the default folder.
+  std::string userInstallation() const;
+  bool hasArgument(std::string_view argument) const;  // with one or two dashes in front
+  bool operator==(const OfficeProcess&) const = default;
+};
+
+// The soffice.bin processes of this user, by process id.
+std::vector<OfficeProcess> officeProcesses(const std::filesystem::path& proc = "/proc");
+
+// Waits while the process is stopped by a signal. False when it still is after `patience`.
+bool waitWhileStopped(pid_t process, std::chrono::milliseconds patience);
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,235 @@
+#include "host/calc/ReferenceText.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorin::host::calc {
+namespace {
+
+constexpr std::string_view lostText = "#REF!";
+
+bool isLetter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+char upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool startsWithLost(std::string_view text, std::size_t position) {
+  return equalIgnoringCase(text.substr(std::min(position, text.size()), lostText.size()), lostText);
+}
+
+// The column or row after an optional dollar sign; 0 and an unmoved position for none.
+template <typename Accept, typename Add>
+int readPart(std::string_view text, std::size_t& position, bool& absolute, std::size_t longest,
+             int largest, Accept accept, Add add) {
+  std::size_t at = position;
+  const bool dollar = at < text.size() && text[at] == '$';
+  if (dollar) ++at;
+  const std::size_t start = at;
+  int value = 0;
+  while (at < text.size() && at - start < longest && accept(text[at]))
+    value = add(value, text[at++]);
+  if (at == start || value < 1 || value > largest) return 0;
+  position = at;
+  absolute = dollar;
+  return value;
+}
+
+int readColumn(std::string_view text, std::size_t& position, bool& absolute) {
+  constexpr std::size_t longest = 3;
+  return readPart(text, position, absolute, longest, lastColumn, isLetter,
+                  [](int value, char c) { return value * 26 + (upper(c) - 'A' + 1); });
+}
+
+int readRow(std::string_view text, std::size_t& position, bool& absolute) {
+  constexpr std::size_t longest = 7;
+  return readPart(text, position, absolute, longest, lastRow, isDigit,
+                  [](int value, char c) { return value * 10 + (c - '0'); });
+}
+
+bool skipLost(std::string_view text, std::size_t& position) {
+  const std::size_t at = position < text.size() && text[position] == '$' ? position + 1 : position;
+  if (!startsWithLost(text, at)) return false;
+  position = at + lostText.size();
+  return true;
+}
+
+std::string a1(const CellText& cell) {
+  std::string text;
+  if (cell.column > 0) text += (cell.absoluteColumn ? "$" : "") + columnLetters(cell.column);
+  if (cell.row > 0) text += (cell.absoluteRow ? "$" : "") + std::to_string(cell.row);
+  return text;
+}
+
+std::string relative(char axis, int value, bool absolute, int origin) {
+  if (absolute) return axis + std::to_string(value);
+  if (value == origin) return std::string(1, axis);
+  return std::string(1, axis) + "[" + std::to_string(value - origin) + "]";
+}
+
+std::string r1c1(const CellText& cell, FormulaCell origin) {
+  std::string text;
+  if (cell.row > 0) text += relative('R', cell.row, cell.absoluteRow, origin.row);
+  if (cell.column > 0) text += relative('C', cell.column, cell.absoluteColumn, origin.column);
+  return text;
+}
+
+// Excel writes a range over all rows or all columns without them.
+RangeText normalised(RangeText range) {
+  if (!range.to) return range;
+  if (range.from.row == 1 && range.to->row == lastRow && range.from.column > 0) {
+    range.from.row = range.to->row = 0;
+  } else if (range.from.column == 1 && range.to->column == lastColumn && range.from.row > 0) {
+    range.from.column = range.to->column = 0;
+  }
+  return range;
+}
+
+bool looksLikeCell(std::string_view name) {
+  std::size_t position = 0;
+  const auto cell = readCell(name, position);
+  if (cell && position == name.size() && !cell->lost && cell->row > 0 && cell->column > 0) {
+    return true;
+  }
+  // R1C1 forms: R, C, R5, C3, R5C3.
+  position = 0;
+  for (const char axis : {'R', 'C'}) {
+    if (position < name.size() && upper(name[position]) == axis) {
+      ++position;
+      while (position < name.size() && isDigit(name[position])) ++position;
+    }
+  }
+  return position == name.size();
+}
+
+}  // namespace
+
+std::optional<CellText> readCell(std::string_view text, std::size_t& position) {
+  CellText cell;
+  std::size_t at = position;
+  if (skipLost(text, at)) {
+    cell.lost = true;
+    bool ignored = false;
+    if (!skipLost(text, at)) readRow(text, at, ignored);
+  } else {
+    cell.column = readColumn(text, at, cell.absoluteColumn);
+    if (cell.column > 0 && skipLost(text, at)) {
+      cell.lost = true;
+    } else {
+      cell.row = readRow(text, at, cell.absoluteRow);
+      if (cell.row == 0 && cell.column == 0) return std::nullopt;
+    }
+  }
+  if (at < text.size() && (isWordCharacter(text[at]) || text[at] == '$' || text[at] == '[')) {
+    return std::nullopt;
+  }
+  position = at;
+  return cell;
+}
+
+bool isWordCharacter(char c) {
+  return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+std::string columnLetters(int column) {
+  constexpr int letters = 26;
+  std::string text;
+  for (; column > 0; column = (column - 1) / letters) {
+    text.insert(text.begin(), static_cast<char>('A' + (column - 1) % letters));
+  }
+  return text;
+}
+
+std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell) {
+  if (range.from.lost || (range.to && range.to->lost)) return std::string(lostText);
+  const RangeText written = normalised(range);
+  const auto end = [&](const CellText& one) {
+    return style == ReferenceStyle::a1 ? a1(one) : r1c1(one, cell);
+  };
+  std::string text = end(written.from);
+  // "C3" says a whole column in one word, while A1 always needs both ends of it.
+  const bool whole = written.from.row == 0 || written.from.column == 0;
+  if (written.to && !(whole && style == ReferenceStyle::r1c1 && *written.to == written.from)) {
+    text += ":" + end(*written.to);
+  }
+  return text;
+}
+
+Area areaOf(const RangeText& range) {
+  const CellText to = range.to.value_or(range.from);
+  const auto span = [](int a, int b, int last) {
+    return a == 0 ? std::pair(1, last) : std::minmax({a, b});
+  };
+  const auto rows = span(range.from.row, to.row, lastRow);
+  const auto columns = span(range.from.column, to.column, lastColumn);
+  return {rows.first, columns.first, rows.second, columns.second};
+}
+
+std::string excelSheet(const std::string& name) {
+  bool plain =
+      !name.empty() && !isDigit(name.front()) && name.front() != '.' && name.front() != '?';
+  std::size_t start = 0;
+  while (plain && start <= name.size()) {  // "First:Last" is plain when both are
+    const std::size_t end = std::min(name.find(':', start), name.size());
+    const std::string_view part = std::string_view(name).substr(start, end - start);
+    plain = !part.empty() && !isDigit(part.front()) && !looksLikeCell(part) &&
+            std::all_of(part.begin(), part.end(),
+                        [](char c) { return isWordCharacter(c) && c != '?' && c != '\\'; });
+    start = end + 1;
+  }
+  if (plain) return name;
+  std::string quoted = "'";
+  for (const char c : name) quoted += c == '\'' ? std::string("''") : std::string(1, c);
+  return quoted + "'";
+}
+
+std::string calcSheet(const std::string& name) {
+  std::string quoted = "$'";
+  for (const char c : name) quoted += c == '\'' ? std::string("''") : std::string(1, c);
+  return quoted + "'";
+}
+
+std::optional<std::string> readQuoted(std::string_view text, std::size_t& position) {
+  if (position >= text.size() || text[position] != '\'') return std::nullopt;
+  std::string content;
+  for (std::size_t at = position + 1; at < text.size(); ++at) {
+    if (text[at] != '\'') {
+      content += text[at];
+    } else if (at + 1 < text.size() && text[at + 1] == '\'') {
+      content += text[at++];
+    } else {
+      position = at + 1;
+      return content;
+    }
+  }
+  return std::nullopt;
+}
+
+std::string_view errorLiteral(std::string_view text, std::size_t position) {
+  static constexpr std::array<std::string_view, 8> literals{
+      "#NULL!", "#DIV/0!", "#VALUE!", "#REF!", "#NAME?", "#NUM!", "#N/A", "#CALC!"};
+  for (const std::string_view literal : literals) {
+    if (equalIgnoringCase(text.substr(std::min(position, text.size()), literal.size()), literal)) {
+      return literal;
+    }
+  }
+  return {};
+}
+
+std::string upperCase(std::string_view ascii) {
+  std::string text(ascii);
+  std::transform(text.begin(), text.end(), text.begin(), upper);
+  return text;
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return upper(x) == upper(y); });
+}
+
+}  // namespace quorin::host::calc

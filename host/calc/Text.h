@@ -1,0 +1,20 @@
+// Text between UNO's UTF-16 strings and the UTF-8 of everything else.
+#pragma once
+
+#include <rtl/string.hxx>
+#include <rtl/ustring.hxx>
+#include <string>
+#include <string_view>
+
+namespace quorin::host::calc {
+
+inline std::string toText(const rtl::OUString& text) {
+  const rtl::OString bytes = rtl::OUStringToOString(text, RTL_TEXTENCODING_UTF8);
+  return {bytes.getStr(), static_cast<std::size_t>(bytes.getLength())};
+}
+
+inline rtl::OUString toUno(std::string_view text) {
+  return {text.data(), static_cast<sal_Int32>(text.size()), RTL_TEXTENCODING_UTF8};
+}
+
+}  // namespace quorin::host::calc
