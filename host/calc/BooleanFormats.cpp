@@ -8,7 +8,6 @@
 #include <com/sun/star/sheet/XUniqueCellFormatRangesSupplier.hpp>
 #include <com/sun/star/util/NumberFormat.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
-#include <optional>
 
 #include "host/calc/CalcRanges.h"
 
@@ -30,11 +29,10 @@ bool isBoolean(Workbook& workbook, sal_Int32 format) {
   return boolean;
 }
 
-// Nothing when the cells do not all have the same one.
-std::optional<sal_Int32> numberFormat(const Reference<css::uno::XInterface>& cells) {
+sal_Int32 numberFormat(const Reference<css::uno::XInterface>& cells) {
   const Reference<css::beans::XPropertySet> properties(cells, UNO_QUERY_THROW);
   sal_Int32 format = 0;
-  if (!(properties->getPropertyValue("NumberFormat") >>= format)) return std::nullopt;
+  properties->getPropertyValue("NumberFormat") >>= format;
   return format;
 }
 
@@ -42,19 +40,18 @@ std::optional<sal_Int32> numberFormat(const Reference<css::uno::XInterface>& cel
 
 void forEachBooleanArea(Workbook& workbook, const Reference<css::table::XCellRange>& cells,
                         const std::function<void(const Area&)>& visit) {
-  if (const auto common = numberFormat(cells)) {
-    if (isBoolean(workbook, *common)) {
-      visit(areaOf(
-          Reference<css::sheet::XCellRangeAddressable>(cells, UNO_QUERY_THROW)->getRangeAddress()));
-    }
+  const css::table::CellRangeAddress whole =
+      Reference<css::sheet::XCellRangeAddressable>(cells, UNO_QUERY_THROW)->getRangeAddress();
+  if (whole.StartRow == whole.EndRow && whole.StartColumn == whole.EndColumn) {
+    if (isBoolean(workbook, numberFormat(cells))) visit(areaOf(whole));
     return;
   }
+  // A range of several cells gives the format of its first one, so ask for each group alike.
   const Reference<css::sheet::XUniqueCellFormatRangesSupplier> supplier(cells, UNO_QUERY_THROW);
   const Reference<css::container::XIndexAccess> groups = supplier->getUniqueCellFormatRanges();
   for (sal_Int32 i = 0; i < groups->getCount(); ++i) {
     const Reference<css::sheet::XSheetCellRanges> group(groups->getByIndex(i), UNO_QUERY_THROW);
-    const auto format = numberFormat(group);
-    if (!format || !isBoolean(workbook, *format)) continue;
+    if (!isBoolean(workbook, numberFormat(group))) continue;
     for (const auto& address : group->getRangeAddresses()) visit(areaOf(address));
   }
 }

@@ -14,6 +14,7 @@
 #include <com/sun/star/text/XTextRange.hpp>
 #include <functional>
 #include <map>
+#include <string_view>
 
 #include "host/calc/BooleanFormats.h"
 #include "host/calc/CalcRanges.h"
@@ -115,6 +116,15 @@ void fillErrors(const Workbook& workbook, const std::string& sheet,
   }
 }
 
+// Calc has no boolean constants: one that a file brings becomes a call of the function.
+bool isBooleanConstant(std::string_view formula) {
+  return formula == "=TRUE()" || formula == "=FALSE()";
+}
+
+constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
+                                css::sheet::FormulaResult::STRING |
+                                css::sheet::FormulaResult::ERROR;
+
 }  // namespace
 
 Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cells,
@@ -180,16 +190,15 @@ Grid<CellValue> readFormulas(Workbook& workbook, const RangeRef& range, Referenc
   const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
   Grid<CellValue> grid = readValues(workbook, cells, area);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
-                                  css::sheet::FormulaResult::STRING |
-                                  css::sheet::FormulaResult::ERROR;
   const Reference<css::sheet::XSheetCellRanges> found = query->queryFormulaCells(anyResult);
   if (found->getRangeAddresses().getLength() == 0) return grid;
   const Reference<css::sheet::XCellRangeFormula> source(cells, UNO_QUERY_THROW);
   const Sequence<Sequence<rtl::OUString>> texts = source->getFormulaArray();
   forEachCell(found, area, [&](int row, int column) {
-    cellAt(grid, row, column) = excelFormula(toText(texts[row][column]), style,
-                                             {area.firstRow + row, area.firstColumn + column});
+    const std::string text = toText(texts[row][column]);
+    if (isBooleanConstant(text)) return;
+    cellAt(grid, row, column) =
+        excelFormula(text, style, {area.firstRow + row, area.firstColumn + column});
   });
   return grid;
 }
@@ -200,14 +209,12 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
   const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
   Grid<CellValue> grid = readValues(workbook, cells, area);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
-                                  css::sheet::FormulaResult::STRING |
-                                  css::sheet::FormulaResult::ERROR;
   forEachCell(query->queryFormulaCells(anyResult), area, [&](int row, int column) {
     const Reference<css::beans::XPropertySet> cell(cells->getCellByPosition(column, row),
                                                    UNO_QUERY_THROW);
     rtl::OUString text;
     cell->getPropertyValue("FormulaLocal") >>= text;
+    if (isBooleanConstant(toText(cells->getCellByPosition(column, row)->getFormula()))) return;
     if (text.startsWith("{") && text.endsWith("}")) text = text.copy(1, text.getLength() - 2);
     cellAt(grid, row, column) = toText(text);
   });

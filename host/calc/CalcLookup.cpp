@@ -1,13 +1,17 @@
 #include "host/calc/CalcLookup.h"
 
+#include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/sheet/CellFlags.hpp>
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
-#include <com/sun/star/sheet/XDatabaseRange.hpp>
+#include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XFormulaQuery.hpp>
 #include <com/sun/star/sheet/XNamedRanges.hpp>
 #include <com/sun/star/sheet/XSheetCellCursor.hpp>
+#include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/sheet/XUsedAreaCursor.hpp>
 
+#include "host/Address.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
@@ -42,6 +46,18 @@ std::optional<RangeRef> referredCells(const Workbook& workbook,
   return cells.is() ? rangeOf(workbook, cells) : std::nullopt;
 }
 
+bool isBlank(const Reference<css::sheet::XSheetCellCursor>& cells) {
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
+                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
+  return query->queryContentCells(contents)->getRangeAddresses().getLength() == 0;
+}
+
+Area enclosing(const Area& a, const Area& b) {
+  return {std::min(a.firstRow, b.firstRow), std::min(a.firstColumn, b.firstColumn),
+          std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
+}
+
 // A table's name stands for its rows without the header, as in Excel.
 std::optional<RangeRef> tableBody(const Workbook& workbook,
                                   const Reference<css::uno::XInterface>& entry) {
@@ -74,7 +90,16 @@ std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeR
                                                      UNO_QUERY_THROW);
   const Reference<css::sheet::XSheetCellCursor> cursor = sheet->createCursorByRange(cells);
   cursor->collapseToCurrentRegion();
-  return rangeOf(workbook, cursor);
+  std::optional<RangeRef> region = rangeOf(workbook, cursor);
+  if (!region) return std::nullopt;
+  // From a blank cell outside the used area Calc answers cells of the used area's edge instead,
+  // which belong to the region only when something stands in them.
+  const Area& start = firstArea(range);
+  Area& found = region->areas.front();
+  if (host::intersection(found, start) != start) {
+    found = isBlank(cursor) ? start : enclosing(found, start);
+  }
+  return region;
 }
 
 std::optional<RangeRef> findUsedRange(const Workbook& workbook, const std::string& sheet) {

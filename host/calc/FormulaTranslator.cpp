@@ -203,7 +203,10 @@ class Translation {
     }
     std::string word(text_.substr(start, at_ - start));
     const bool isFunction = at_ < text_.size() && text_[at_] == '(';
-    if (isFunction) {
+    if (isFunction && isBooleanCall(word)) {
+      out_ += upperCase(word);  // Calc writes the constant as a call
+      at_ += 2;
+    } else if (isFunction) {
       out_ += functionName(word);
     } else if (equalIgnoringCase(word.substr(0, 6), "_xlpm.")) {
       out_ += word.substr(6);
@@ -216,6 +219,11 @@ class Translation {
       out_ += "!#REF!";
       at_ += std::string_view("!#REF!").size();
     }
+  }
+
+  bool isBooleanCall(std::string_view word) const {
+    return text_.substr(at_, 2) == "()" &&
+           (equalIgnoringCase(word, "TRUE") || equalIgnoringCase(word, "FALSE"));
   }
 
   bool isExponentSign() const {

@@ -41,13 +41,13 @@ int readPart(std::string_view text, std::size_t& position, bool& absolute, std::
 
 int readColumn(std::string_view text, std::size_t& position, bool& absolute) {
   constexpr std::size_t longest = 3;
-  return readPart(text, position, absolute, longest, lastColumn, isLetter,
+  return readPart(text, position, absolute, longest, maxColumn, isLetter,
                   [](int value, char c) { return value * 26 + (upper(c) - 'A' + 1); });
 }
 
 int readRow(std::string_view text, std::size_t& position, bool& absolute) {
   constexpr std::size_t longest = 7;
-  return readPart(text, position, absolute, longest, lastRow, isDigit,
+  return readPart(text, position, absolute, longest, maxRow, isDigit,
                   [](int value, char c) { return value * 10 + (c - '0'); });
 }
 
@@ -81,9 +81,9 @@ std::string r1c1(const CellText& cell, FormulaCell origin) {
 // Excel writes a range over all rows or all columns without them.
 RangeText normalised(RangeText range) {
   if (!range.to) return range;
-  if (range.from.row == 1 && range.to->row == lastRow && range.from.column > 0) {
+  if (range.from.row == 1 && range.to->row == maxRow && range.from.column > 0) {
     range.from.row = range.to->row = 0;
-  } else if (range.from.column == 1 && range.to->column == lastColumn && range.from.row > 0) {
+  } else if (range.from.column == 1 && range.to->column == maxColumn && range.from.row > 0) {
     range.from.column = range.to->column = 0;
   }
   return range;
@@ -136,15 +136,6 @@ bool isWordCharacter(char c) {
          static_cast<unsigned char>(c) >= 0x80;
 }
 
-std::string columnLetters(int column) {
-  constexpr int letters = 26;
-  std::string text;
-  for (; column > 0; column = (column - 1) / letters) {
-    text.insert(text.begin(), static_cast<char>('A' + (column - 1) % letters));
-  }
-  return text;
-}
-
 std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell) {
   if (range.from.lost || (range.to && range.to->lost)) return std::string(lostText);
   const RangeText written = normalised(range);
@@ -165,8 +156,8 @@ Area areaOf(const RangeText& range) {
   const auto span = [](int a, int b, int last) {
     return a == 0 ? std::pair(1, last) : std::minmax({a, b});
   };
-  const auto rows = span(range.from.row, to.row, lastRow);
-  const auto columns = span(range.from.column, to.column, lastColumn);
+  const auto rows = span(range.from.row, to.row, maxRow);
+  const auto columns = span(range.from.column, to.column, maxColumn);
   return {rows.first, columns.first, rows.second, columns.second};
 }
 

@@ -6,11 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "host/Address.h"
 #include "host/Spreadsheet.h"
 
 namespace quorin::host::calc {
-
-inline constexpr int lastRow = 1048576, lastColumn = 16384;
 
 // The cell a formula stands in: relative R1C1 references count from it.
 struct FormulaCell {
@@ -38,7 +37,6 @@ std::optional<CellText> readCell(std::string_view text, std::size_t& position);
 // True for characters that may stand in an unquoted name.
 bool isWordCharacter(char character);
 
-std::string columnLetters(int column);
 std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell);
 Area areaOf(const RangeText& range);
 

@@ -1,23 +1,23 @@
-// One private office for a whole test program, with workbooks made by the tests.
+// One private office for a whole test program, and workbooks made for it.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/calc/PrivateOffice.h"
+#include "tests/fakes/WorkbookDescription.h"
 
 namespace quorin::host::calc {
 
-// Starts at first use, ends with the program.
-class SharedOffice : public testing::Environment {
+// Starts at first use and ends with the test program.
+class SharedOffice {
  public:
   static CalcSpreadsheet& spreadsheet();
   static PrivateOffice& office();
-  void TearDown() override;
+
+  // Opens the workbook in it, once for each name, and gives the name it goes by.
+  static std::string open(const fakes::WorkbookDescription& workbook);
 };
 
 }  // namespace quorin::host::calc

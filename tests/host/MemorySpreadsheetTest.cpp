@@ -39,6 +39,13 @@ class MemorySpreadsheetTest : public ::testing::Test {
   MemorySpreadsheet spreadsheet;
 };
 
+TEST_F(MemorySpreadsheetTest, KeepsEachSheetsSelection) {
+  spreadsheet.goTo(cell("B2:B3"));
+  spreadsheet.activateSheet({"Known.xlsx", "Blank"});
+  spreadsheet.activateSheet({"Known.xlsx", "Data"});
+  EXPECT_EQ(spreadsheet.selection(), cell("B2:B3"));
+}
+
 TEST_F(MemorySpreadsheetTest, RecordsItsCalls) {
   spreadsheet.values(cell("A1:B2"));
   spreadsheet.activeCell();

@@ -1,0 +1,184 @@
+#include "tests/calc/XlsxFile.h"
+
+#include <cstdlib>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+#include <zip.h>
+
+#include "host/Address.h"
+
+namespace quorin::fakes {
+namespace {
+
+constexpr const char* header = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
+constexpr const char* mainNamespace =
+    R"(xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main")";
+constexpr const char* documentRelations =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+constexpr const char* packageRelations =
+    R"(xmlns="http://schemas.openxmlformats.org/package/2006/relationships")";
+constexpr const char* sheetType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
+constexpr const char* bookType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+
+std::string escaped(const std::string& text) {
+  std::string result;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        result += "&amp;";
+        break;
+      case '<':
+        result += "&lt;";
+        break;
+      case '>':
+        result += "&gt;";
+        break;
+      case '"':
+        result += "&quot;";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+struct ValueText {
+  std::string type, content;
+};
+
+ValueText valueText(const host::CellValue& value) {
+  std::ostringstream number;
+  number.precision(17);
+  if (const auto* real = std::get_if<double>(&value)) {
+    number << *real;
+    return {"", "<v>" + number.str() + "</v>"};
+  }
+  if (const auto* boolean = std::get_if<bool>(&value)) {
+    return {" t=\"b\"", *boolean ? "<v>1</v>" : "<v>0</v>"};
+  }
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    return {" t=\"str\"", "<v>" + escaped(*text) + "</v>"};
+  }
+  if (const auto* error = std::get_if<host::CellError>(&value)) {
+    return {" t=\"e\"", "<v>" + escaped(error->text) + "</v>"};
+  }
+  return {};
+}
+
+std::string formulaText(const CellDescription& cell) {
+  std::string text = cell.formula;
+  if (text.empty()) return {};
+  std::string attributes;
+  if (text.starts_with("{")) {
+    text = text.substr(1, text.size() - 2);
+    attributes = " t=\"array\" ref=\"" + cell.address + "\"";
+  }
+  return "<f" + attributes + ">" + escaped(text.substr(1)) + "</f>";
+}
+
+std::string cellText(const CellDescription& cell) {
+  const std::string address = cell.address.substr(0, cell.address.find(':'));
+  const ValueText value = valueText(cell.value);
+  if (value.type == " t=\"str\"" && cell.formula.empty()) {
+    return "<c r=\"" + address + "\" t=\"inlineStr\"><is><t xml:space=\"preserve\">" +
+           escaped(std::get<std::string>(cell.value)) + "</t></is></c>";
+  }
+  return "<c r=\"" + address + "\"" + value.type + ">" + formulaText(cell) + value.content + "</c>";
+}
+
+std::string sheetText(const SheetDescription& sheet) {
+  std::map<int, std::map<int, const CellDescription*>> rows;
+  for (const CellDescription& cell : sheet.cells) {
+    const host::Area area = host::parseA1Area(cell.address).value();
+    rows[area.firstRow][area.firstColumn] = &cell;
+  }
+  std::string text = std::string(header) + "<worksheet " + mainNamespace + "><sheetData>";
+  for (const auto& [number, cells] : rows) {
+    text += "<row r=\"" + std::to_string(number) + "\">";
+    for (const auto& [column, cell] : cells) text += cellText(*cell);
+    text += "</row>";
+  }
+  return text + "</sheetData></worksheet>";
+}
+
+class Archive {
+ public:
+  explicit Archive(const std::filesystem::path& file)
+      : zip_(zip_open(file.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr)) {
+    if (zip_ == nullptr) throw std::runtime_error("cannot write " + file.string());
+  }
+  ~Archive() {
+    if (zip_ != nullptr) zip_discard(zip_);
+  }
+  void add(const std::string& name, const std::string& content) {
+    zip_source_t* source = zip_source_buffer(zip_, copyOf(content), content.size(), 1);
+    if (zip_file_add(zip_, name.c_str(), source, ZIP_FL_ENC_UTF_8) < 0) {
+      throw std::runtime_error("cannot add " + name);
+    }
+  }
+  void close() {
+    if (zip_close(zip_) != 0) throw std::runtime_error("cannot finish the archive");
+    zip_ = nullptr;
+  }
+
+ private:
+  static void* copyOf(const std::string& content) {  // freed by the library
+    void* bytes = std::malloc(content.size());
+    content.copy(static_cast<char*>(bytes), content.size());
+    return bytes;
+  }
+  zip_t* zip_;
+};
+
+}  // namespace
+
+void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path& file) {
+  std::string sheets, relations, types, names;
+  Archive archive(file);
+  for (std::size_t i = 0; i < workbook.sheets.size(); ++i) {
+    const std::string number = std::to_string(i + 1);
+    sheets += "<sheet name=\"" + escaped(workbook.sheets[i].name) + "\" sheetId=\"" + number +
+              "\" r:id=\"rId" + number + "\"/>";
+    relations += "<Relationship Id=\"rId" + number + "\" Type=\"" + documentRelations +
+                 "/worksheet\" Target=\"worksheets/sheet" + number + ".xml\"/>";
+    types += "<Override PartName=\"/xl/worksheets/sheet" + number + ".xml\" ContentType=\"" +
+             sheetType + "\"/>";
+    archive.add("xl/worksheets/sheet" + number + ".xml", sheetText(workbook.sheets[i]));
+    for (const NameDescription& name : workbook.names) {
+      if (name.sheet != workbook.sheets[i].name) continue;
+      names += "<definedName name=\"" + escaped(name.name) + "\" localSheetId=\"" +
+               std::to_string(i) + "\">" + escaped(name.refersTo.substr(1)) + "</definedName>";
+    }
+  }
+  for (const NameDescription& name : workbook.names) {
+    if (!name.sheet.empty()) continue;
+    names += "<definedName name=\"" + escaped(name.name) + "\">" +
+             escaped(name.refersTo.substr(1)) + "</definedName>";
+  }
+  archive.add("[Content_Types].xml",
+              std::string(header) +
+                  "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+                  "<Default Extension=\"rels\" ContentType="
+                  "\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+                  "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
+                  "<Override PartName=\"/xl/workbook.xml\" ContentType=\"" +
+                  bookType + "\"/>" + types + "</Types>");
+  archive.add("_rels/.rels", std::string(header) + "<Relationships " + packageRelations +
+                                 "><Relationship Id=\"rId1\" Type=\"" + documentRelations +
+                                 "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>");
+  archive.add("xl/_rels/workbook.xml.rels", std::string(header) + "<Relationships " +
+                                                packageRelations + ">" + relations +
+                                                "</Relationships>");
+  archive.add("xl/workbook.xml",
+              std::string(header) + "<workbook " + mainNamespace + " xmlns:r=\"" +
+                  documentRelations + "\"><sheets>" + sheets + "</sheets>" +
+                  (names.empty() ? "" : "<definedNames>" + names + "</definedNames>") +
+                  "</workbook>");
+  archive.close();
+}
+
+}  // namespace quorin::fakes
