@@ -11,11 +11,15 @@ export type NumberText = {
 };
 
 const shownDigits = 10;
+/** Cents are kept of any amount, within the digits that a number holds for certain. */
+const shownDecimals = 2;
+const certainDigits = 15;
 /** Below this, and from the limit of exact digits on, powers of ten read better. */
 const smallest = 1e-5;
 const largest = 1e15;
 
-function group(plain: string): string {
+/** Plain decimal digits with the whole part in groups. */
+export function groupWhole(plain: string): string {
   const [, sign = '', whole = '', fraction = ''] = /^(-?)(\d+)(\.\d+)?$/.exec(plain) ?? [];
   return sign + grouped(whole) + fraction;
 }
@@ -35,15 +39,9 @@ export function formatNumber(value: number): NumberText {
     const text = scientific(value);
     return { text, exact, rounded: Number(text) !== value };
   }
-  if (Number.isInteger(value)) return { text: group(exact), exact, rounded: false };
-  // Whole digits are never cut: 1234567890123.25 keeps all thirteen of them.
+  if (Number.isInteger(value)) return { text: groupWhole(exact), exact, rounded: false };
   const wholeDigits = Math.trunc(size).toString().length;
-  const shown = Number(value.toPrecision(Math.max(shownDigits, wholeDigits)));
-  return { text: group(plainDigits(shown)), exact, rounded: shown !== value };
-}
-
-/** Digits without an exponent, for magnitudes between the two limits. */
-function plainDigits(value: number): string {
-  const text = String(value);
-  return text.includes('e') ? value.toFixed(shownDigits + 5).replace(/0+$/, '') : text;
+  const digits = Math.min(certainDigits, Math.max(shownDigits, wholeDigits + shownDecimals));
+  const shown = Number(value.toPrecision(digits));
+  return { text: groupWhole(String(shown)), exact, rounded: shown !== value };
 }

@@ -1,6 +1,7 @@
 // A cell's value for reading: what to show, of which type it is, what a copy holds.
 
 import type { Json } from '../protocol/json';
+import { formatByCell, type CellFormat } from './cellFormat';
 import { formatNumber } from './number';
 import { visibleText } from './visible';
 import { count } from './words';
@@ -41,23 +42,36 @@ function textView(value: string, limit: number): ValueView {
   return view('Text', `"${visibleText(shown)}"`, { copy: value, note, cut });
 }
 
-/**
- * `error` is the text of an error value, where it is known to be one; `formula` is empty for a
- * constant. `whole` shows a long text in full.
- */
-export function valueView(
-  cell: { value: Json; formula: string; error?: string | undefined },
-  whole = false,
-): ValueView {
+function numberView(value: number, format: CellFormat | undefined): ValueView {
+  const { text, exact, rounded } = formatNumber(value);
+  const formatted = format && formatByCell(value, format);
+  if (formatted === undefined) {
+    return view('Number', text, { copy: exact, note: rounded ? `exactly ${exact}` : '' });
+  }
+  return view('Number', formatted, {
+    copy: exact,
+    note: formatted.replaceAll(',', '') === exact ? '' : `exactly ${exact}`,
+  });
+}
+
+export type ValueSource = {
+  value: Json;
+  /** Empty for a constant and for a blank cell. */
+  formula: string;
+  /** The text of an error value, where it is known to be one. */
+  error?: string | undefined;
+  /** How the cell shows numbers, where it is known. */
+  format?: CellFormat | undefined;
+};
+
+/** `whole` shows a long text in full. */
+export function valueView(cell: ValueSource, whole = false): ValueView {
   const { value, formula, error } = cell;
   if (error !== undefined) return view('Error', error);
   if (value === null || (value === '' && formula === '')) {
     return formula === '' ? view('Blank', '') : view('Error', 'Error', { note: 'of unknown kind' });
   }
-  if (typeof value === 'number') {
-    const { text, exact, rounded } = formatNumber(value);
-    return view('Number', text, { copy: exact, note: rounded ? `exactly ${exact}` : '' });
-  }
+  if (typeof value === 'number') return numberView(value, cell.format);
   if (typeof value === 'boolean') return view('Logical', value ? 'TRUE' : 'FALSE');
   if (typeof value === 'string') return textView(value, whole ? wholeTextLimit : shownTextLimit);
   if (Array.isArray(value)) {
