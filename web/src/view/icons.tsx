@@ -1,0 +1,48 @@
+import type { JSX } from 'solid-js';
+
+/** Drawn on a grid of 16, in the colour of the text around them. */
+function Icon(props: { children: JSX.Element }): JSX.Element {
+  return (
+    <svg class="icon" viewBox="0 0 16 16" aria-hidden="true">
+      {props.children}
+    </svg>
+  );
+}
+
+export function CopyIcon(): JSX.Element {
+  return (
+    <Icon>
+      <rect x="5.5" y="5.5" width="8" height="8" rx="1.5" />
+      <path d="M10.5 5.5v-1.5a1.5 1.5 0 0 0-1.5-1.5h-5a1.5 1.5 0 0 0-1.5 1.5v5a1.5 1.5 0 0 0 1.5 1.5h1.5" />
+    </Icon>
+  );
+}
+
+export function WarningIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="M8 2.2 14.4 13.4H1.6Z" />
+      <path d="M8 6.4v3.2" />
+      <path d="M8 11.6v.1" />
+    </Icon>
+  );
+}
+
+export function ChevronIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="m6 3.8 4.2 4.2L6 12.2" />
+    </Icon>
+  );
+}
+
+/** A few cells with one of them chosen. */
+export function SheetPicture(): JSX.Element {
+  return (
+    <svg class="picture" viewBox="0 0 96 64" aria-hidden="true">
+      <rect class="pictureSheet" x="1" y="1" width="94" height="62" rx="6" />
+      <path class="pictureLines" d="M1 17h94M1 32.5h94M1 48h94M25 1v62M49 1v62M73 1v62" />
+      <rect class="pictureCell" x="49" y="32.5" width="24" height="15.5" rx="2" />
+    </svg>
+  );
+}
