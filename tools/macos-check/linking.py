@@ -1,0 +1,36 @@
+"""The Mach-O link: portable objects and adapters against the stubs of the system's libraries."""
+import re
+
+import stubs
+from jobs import Job
+
+ARCHITECTURE = "arm64"
+
+
+def frameworks(cmake_lists):
+    """The frameworks that the build links: what CMake names as "-framework X"."""
+    return re.findall(r'-framework (\w+)', cmake_lists.read_text())
+
+
+def linker_command(toolchain, root, objects, named, output):
+    command = [toolchain.linker, "-arch", ARCHITECTURE, "-platform_version", "macos", "13.0",
+               "13.0", "-syslibroot", root, "-F", root / "System/Library/Frameworks",
+               "-L", root / "usr/lib", "-L", root / "usr/local/lib",
+               "-dylib", "-undefined", "error", "--error-limit=0",
+               "-o", output]
+    for name in named:
+        command += ["-framework", name]
+    return [*command, "-lSystem", "-lc++", "-lobjc", "-lutf8proc", "-lclang_rt", *objects]
+
+
+def job(toolchain, index, tool, folder, objects, cmake_lists):
+    root = folder / "stubs"
+    stubs.write(toolchain, index, tool / "symbols", root)
+    output = folder / "Quorin"
+    command = linker_command(toolchain, root, objects, frameworks(cmake_lists), output)
+    return Job("link (arm64)", command, [*objects, *sorted(root.rglob("*.tbd"))], output=output)
+
+
+def missing_symbols(text):
+    """The undefined symbols of a failed link."""
+    return sorted(set(re.findall(r"undefined symbol: (.+)", text)))
