@@ -112,8 +112,8 @@ LosslessJSON LosslessJSON::parse(std::string_view text, const JSONLimits& limits
 
 const std::string* LosslessJSON::number() const {
   const auto* literal = std::get_if<Literal>(&data_);
-  const bool isNumber = literal && (literal->text[0] == '-' || std::isdigit(literal->text[0]));
-  return isNumber ? &literal->text : nullptr;
+  // The other literals begin with a letter.
+  return literal && literal->text[0] <= '9' ? &literal->text : nullptr;
 }
 
 bool LosslessJSON::isNull() const {

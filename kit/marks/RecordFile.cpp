@@ -1,0 +1,91 @@
+#include "kit/marks/RecordFile.h"
+
+#include <cerrno>
+#include <cmath>
+
+#include "kit/support/AtomicFile.h"
+#include "kit/value/JSONText.h"
+#include "kit/value/Marshal.h"
+
+namespace quorin {
+namespace {
+
+// The size alone limits how many addresses a file may hold.
+constexpr JSONLimits limits{.bytes = JSONLimits{}.bytes, .values = JSONLimits{}.bytes};
+
+const JSONValue& requiredMember(const JSONValue& record, const std::string& key) {
+  const JSONValue* member = record.member(key);
+  if (!member) throw RecordError("a record lacks \"" + key + "\"");
+  return *member;
+}
+
+}  // namespace
+
+bool RecordFile::load(const std::function<void(const JSONValue&)>& decode) const {
+  std::string text;
+  try {
+    text = files_->read(url_, 0, limits.bytes + 1);
+  } catch (const std::system_error&) {
+    return false;
+  }
+  try {
+    const ParsedJSON parsed = parseJSON(text, limits);
+    if (!parsed) throw RecordError(parsed.error);
+    decode(*parsed.value);
+    return true;
+  } catch (const RecordError& error) {
+    DiagLog& log = log_ ? *log_ : DiagLog::shared();
+    log.log("ERROR", name_ + " malformed: " + error.what());
+    return false;
+  }
+}
+
+void RecordFile::replace(const JSONValue::Array& records) const {
+  if (records.empty()) {
+    clear();
+    return;
+  }
+  files_->makeFolders(url_.parent_path());
+  const std::string text = Marshal::encode(records);
+  if (text == "null") throw RecordError("a record holds text that is not valid UTF-8");
+  if (text.size() > limits.bytes) throw FileError(EFBIG, "write", url_);
+  AtomicFile::write(*files_, url_, text);
+}
+
+void RecordFile::clear() const {
+  try {
+    files_->remove(url_);
+  } catch (const std::system_error&) {
+    // Gone already, or not to be removed: either way there is nothing to do about it.
+  }
+}
+
+const JSONValue::Array& arrayOf(const JSONValue& value, const std::string& what) {
+  if (!value.array()) throw RecordError(what + " is not an array");
+  return *value.array();
+}
+
+const JSONValue::Array& arrayMember(const JSONValue& record, const std::string& key) {
+  return arrayOf(requiredMember(record, key), "\"" + key + "\"");
+}
+
+const std::string& textMember(const JSONValue& record, const std::string& key) {
+  const JSONValue& member = requiredMember(record, key);
+  if (!member.string()) throw RecordError("\"" + key + "\" is not text");
+  return *member.string();
+}
+
+std::int64_t integerOf(const JSONValue& value, const std::string& what) {
+  const double* number = value.number();
+  if (!number || std::trunc(*number) != *number || !(std::abs(*number) < 0x1p63)) {
+    throw RecordError(what + " is not an integer");
+  }
+  return static_cast<std::int64_t>(*number);
+}
+
+const JSONValue* optionalMember(const JSONValue& record, const std::string& key) {
+  const JSONValue* member = record.member(key);
+  return member && !member->isNull() ? member : nullptr;
+}
+
+}  // namespace quorin

@@ -1,0 +1,59 @@
+// RecordFile: a JSON file that holds an array of records and lives only as long as there are any.
+// What the stores have in common. No state in memory, no lock; used by the bridge's work.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "kit/support/DiagLog.h"
+#include "kit/support/FileSystem.h"
+#include "kit/value/JSONValue.h"
+
+namespace quorin {
+
+// Why a file is malformed, or why records cannot be put into one.
+class RecordError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class RecordFile {
+ public:
+  // `name` stands in log lines. A null log is the shared one.
+  RecordFile(std::filesystem::path url, std::string name, FileSystem& files, DiagLog* log)
+      : url_(std::move(url)), name_(std::move(name)), files_(&files), log_(log) {}
+
+  const std::filesystem::path& url() const { return url_; }
+
+  // Hands the parsed document to `decode`, which throws RecordError when it is not what it should
+  // be; that or text that is no JSON is logged under "ERROR" and false. A file that cannot be read
+  // is false without a word. The file stays as it is.
+  bool load(const std::function<void(const JSONValue&)>& decode) const;
+
+  // Replaces the file; of an empty array removes it. Throws FileError, and RecordError for text
+  // that is not valid UTF-8.
+  void replace(const JSONValue::Array& records) const;
+
+  // Removes the file if it can.
+  void clear() const;
+
+ private:
+  std::filesystem::path url_;
+  std::string name_;
+  FileSystem* files_;
+  DiagLog* log_;
+};
+
+// Parts of a record, for decoding. Each throws RecordError naming the key when it is missing or of
+// another type.
+const JSONValue::Array& arrayOf(const JSONValue& value, const std::string& what);
+const JSONValue::Array& arrayMember(const JSONValue& record, const std::string& key);
+const std::string& textMember(const JSONValue& record, const std::string& key);
+std::int64_t integerOf(const JSONValue& value, const std::string& what);
+// None when the key is missing or null.
+const JSONValue* optionalMember(const JSONValue& record, const std::string& key);
+
+}  // namespace quorin

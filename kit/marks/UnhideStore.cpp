@@ -1,0 +1,91 @@
+#include "kit/marks/UnhideStore.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "kit/support/QXConfig.h"
+
+namespace quorin {
+namespace {
+
+using BridgeShapes::Run;
+using Record = UnhideStore::Record;
+using Records = UnhideStore::Records;
+
+std::vector<Run> decodeRuns(const JSONValue& record, const std::string& key) {
+  std::vector<Run> runs;
+  for (const JSONValue& value : arrayMember(record, key)) {
+    const JSONValue::Array& ends = arrayOf(value, "a run in \"" + key + "\"");
+    if (ends.size() != 2) throw RecordError("a run in \"" + key + "\" has not two ends");
+    const std::string what = "an end of a run in \"" + key + "\"";
+    runs.push_back({integerOf(ends[0], what), integerOf(ends[1], what)});
+  }
+  return runs;
+}
+
+Record decodeRecord(const JSONValue& value) {
+  return {textMember(value, "book"), textMember(value, "sheet"), decodeRuns(value, "rows"),
+          decodeRuns(value, "cols")};
+}
+
+JSONValue encodeRuns(const std::vector<Run>& runs) {
+  JSONValue::Array array;
+  for (const Run& run : runs) {
+    array.push_back(JSONValue::Array{static_cast<double>(run[0]), static_cast<double>(run[1])});
+  }
+  return array;
+}
+
+JSONValue encodeRecord(const Record& record) {
+  return JSONValue::Object{{"book", record.book},
+                           {"sheet", record.sheet},
+                           {"rows", encodeRuns(record.rows)},
+                           {"cols", encodeRuns(record.cols)}};
+}
+
+void join(const std::vector<Run>& incoming, std::vector<Run>& runs) {
+  runs.insert(runs.end(), incoming.begin(), incoming.end());
+  runs = BridgeShapes::mergeRuns(std::move(runs));
+}
+
+}  // namespace
+
+std::filesystem::path UnhideStore::defaultURL() {
+  return QXConfig::defaultURL().parent_path() / "unhidden.json";
+}
+
+UnhideStore::UnhideStore(std::filesystem::path url, FileSystem& files, DiagLog* log)
+    : file_(std::move(url), "unhidden.json", files, log) {}
+
+Records UnhideStore::load() const {
+  Records records;
+  const bool loaded = file_.load([&records](const JSONValue& document) {
+    for (const JSONValue& value : arrayOf(document, "the top level")) {
+      records.push_back(decodeRecord(value));
+    }
+  });
+  return loaded ? records : Records();
+}
+
+void UnhideStore::record(const Records& records) const {
+  JSONValue::Array array;
+  for (const Record& each : records) {
+    if (!each.isEmpty()) array.push_back(encodeRecord(each));
+  }
+  file_.replace(array);
+}
+
+Records UnhideStore::merge(const Record& record, Records existing) {
+  const auto found = std::find_if(existing.begin(), existing.end(), [&](const Record& other) {
+    return other.book == record.book && other.sheet == record.sheet;
+  });
+  if (found == existing.end()) {
+    existing.push_back(record);
+  } else {
+    join(record.rows, found->rows);
+    join(record.cols, found->cols);
+  }
+  return existing;
+}
+
+}  // namespace quorin
