@@ -31,11 +31,6 @@ std::string wholeSeconds(CallClock::Duration duration) {
   return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(duration).count()) + "s";
 }
 
-ExcelError stillBusy(CallClock::Duration waited) {
-  return {ExcelError::timedOut,
-          "Excel is still busy with the previous call after " + wholeSeconds(waited)};
-}
-
 std::string lowerCased(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -94,9 +89,9 @@ std::optional<std::string> ExcelThread::compileError() const {
 JSONValue ExcelThread::call(const std::string& handler, const JSONValue::Array& args,
                             double timeout) {
   MainThread::forbid("ExcelThread::call");
-  JSONValue result;
-  gate_.sync([&] { result = invoke(handler, args, durationOf(timeout)); });
-  return result;
+  Outcome outcome;
+  gate_.sync([&] { outcome = invoke(handler, args, durationOf(timeout)); });
+  return resultOf(std::move(outcome));
 }
 
 JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONValue::Array& args) {
@@ -105,36 +100,30 @@ JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONVa
     std::atomic<bool> taken = false;
     Semaphore began;
     Semaphore ended;
-    JSONValue result;
-    std::exception_ptr failure;
+    Outcome outcome;
   };
   const auto turn = std::make_shared<Turn>();
   const Duration start = clock_.now();
   gate_.post([this, turn, handler, args, start] {
     if (turn->taken.exchange(true)) return;
     turn->began.signal();
-    try {
-      const Duration left = terminateBudget - (clock_.now() - start);
-      turn->result = invoke(handler, args, std::max<Duration>(left, Duration::zero()));
-    } catch (...) {
-      turn->failure = std::current_exception();
-    }
+    const Duration left = terminateBudget - (clock_.now() - start);
+    turn->outcome = invoke(handler, args, std::max<Duration>(left, Duration::zero()));
     turn->ended.signal();
   });
   if (!clock_.wait(turn->began, terminateBudget) && !turn->taken.exchange(true))
-    throw stillBusy(terminateBudget);
+    return resultOf(stillBusy(terminateBudget));
   turn->ended.wait();
-  if (turn->failure) std::rethrow_exception(turn->failure);
-  return turn->result;
+  return resultOf(std::move(turn->outcome));
 }
 
-JSONValue ExcelThread::invoke(const std::string& handler, const JSONValue::Array& args,
-                              Duration timeout) {
-  if (compileError_) throw ExcelError(ExcelError::notCompiled, *compileError_);
+ExcelThread::Outcome ExcelThread::invoke(const std::string& handler, const JSONValue::Array& args,
+                                         Duration timeout) {
+  if (compileError_) return Failure{ExcelError::notCompiled, *compileError_};
 
   const Duration start = clock_.now();
   if (pending_) {
-    if (!waitForPending(pending_->done, timeout)) throw stillBusy(timeout);
+    if (!waitForPending(pending_->done, timeout)) return stillBusy(timeout);
     pending_.reset();
   }
   const auto box = std::make_shared<CallBox>(subroutineCall(handler, args));
@@ -150,12 +139,23 @@ JSONValue ExcelThread::invoke(const std::string& handler, const JSONValue::Array
   }
   if (!inTime) {
     pending_ = box;
-    throw ExcelError(ExcelError::timedOut, "Excel did not respond within " + wholeSeconds(budget));
+    return Failure{ExcelError::timedOut, "Excel did not respond within " + wholeSeconds(budget)};
   }
   if (box->error)
-    throw ExcelError(box->error->number.value_or(-1),
-                     box->error->message.value_or("AppleScript error"));
+    return Failure{box->error->number.value_or(-1),
+                   box->error->message.value_or("AppleScript error")};
   return Marshal::fromDescriptor(box->result.value_or(AppleEventDescriptor::null()));
+}
+
+JSONValue ExcelThread::resultOf(Outcome outcome) {
+  if (const Failure* const failure = std::get_if<Failure>(&outcome))
+    throw ExcelError(failure->code, failure->message);
+  return std::get<JSONValue>(std::move(outcome));
+}
+
+ExcelThread::Failure ExcelThread::stillBusy(Duration waited) {
+  return {ExcelError::timedOut,
+          "Excel is still busy with the previous call after " + wholeSeconds(waited)};
 }
 
 bool ExcelThread::waitForPending(Semaphore& semaphore, Duration timeout) {

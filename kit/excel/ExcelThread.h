@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <variant>
 
 #include "kit/excel/CallBox.h"
 #include "kit/excel/ExcelError.h"
@@ -58,7 +59,16 @@ class ExcelThread {
  private:
   using Duration = CallClock::Duration;
 
-  JSONValue invoke(const std::string& handler, const JSONValue::Array& args, Duration timeout);
+  // What a call came to, on its way from the gate to the caller: errors are thrown only there.
+  struct Failure {
+    int code;
+    std::string message;
+  };
+  using Outcome = std::variant<JSONValue, Failure>;
+
+  Outcome invoke(const std::string& handler, const JSONValue::Array& args, Duration timeout);
+  static JSONValue resultOf(Outcome outcome);
+  static Failure stillBusy(Duration waited);
   bool waitForPending(Semaphore& semaphore, Duration timeout);
   static void execute(CallBox& box, ScriptRunner& runner);
   static std::string describe(const ScriptErrorInfo& errorInfo);
