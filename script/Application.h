@@ -19,7 +19,8 @@ class Application {
   virtual bool isRunning() = 0;
 
   // Sends one event and waits for its answer, at most for `timeout`; an answer that comes too late
-  // is error -1712. Called on the thread that runs the script. Never throws.
+  // is error -1712. A timeout of zero asks to deliver the event without waiting; the reply is then
+  // ignored. Called on the thread that runs the script. Never throws.
   virtual AppleEventReply send(const AppleEvent& event, std::chrono::milliseconds timeout) = 0;
 };
 

@@ -36,7 +36,6 @@ constexpr std::string_view table =
     "property\tdate string\tdstr\nproperty\ttime string\ttstr\n"
     "property\tfrontmost\tpisf\nproperty\trunning\tprun\n"
     "enumerator\tmissing value\tmsng\nenumerator\tnull\tnull\n"
-    "enumerator\tcurrent application\tcura\n"
     "enumerator\tpi\tpi  \nenumerator\tquote\tquot\nenumerator\tlinefeed\tlnfd\n"
     "enumerator\ttab\ttab \nenumerator\tspace\tspac\n"
     "enumerator\tyes\tyes \nenumerator\tno\tno  \nenumerator\task\task \n"

@@ -48,7 +48,6 @@ struct ScriptLimits {
   std::size_t listItems = std::size_t{16} << 20;
 };
 
-class Program;      // the parsed text
 class Interpreter;  // its properties, globals and the machinery that runs it
 
 class Script {

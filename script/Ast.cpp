@@ -1,0 +1,15 @@
+#include "script/Ast.h"
+
+#include "script/Words.h"
+
+namespace quorin::script {
+
+const Handler* Program::find(std::string_view name) const {
+  const std::string sought = lowerCase(name);
+  for (const Handler& handler : handlers) {
+    if (lowerCase(handler.name) == sought) return &handler;
+  }
+  return nullptr;
+}
+
+}  // namespace quorin::script

@@ -1,0 +1,34 @@
+// The elements of text: characters, words, paragraphs and text items. Pure functions over UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kit/value/FourCharCode.h"
+#include "script/TextRules.h"
+
+namespace quorin::script {
+
+struct TextSpan {
+  std::size_t begin = 0, end = 0;  // bytes
+};
+
+enum class TextUnit { character, word, paragraph };
+
+// Where the elements stand. A character is what a reader sees as one; in pure ASCII text every byte
+// is one. Paragraphs end at CR, LF, CR LF, U+2028 and U+2029, so text without any is one paragraph.
+std::vector<TextSpan> textElements(std::string_view text, TextUnit unit);
+
+// The spans between delimiters; with no delimiter but the empty one, the characters.
+std::vector<TextSpan> textItems(std::string_view text, const TextRules& rules);
+
+// The elements of a class by its code, or none when text has no such elements.
+std::optional<std::vector<TextSpan>> textElements(std::string_view text, FourCharCode type,
+                                                  const TextRules& rules);
+
+std::size_t textLength(std::string_view text);  // in characters
+
+}  // namespace quorin::script
