@@ -33,8 +33,9 @@ std::optional<Area> joined(const Area& a, const Area& b) {
   return std::nullopt;
 }
 
-// Areas that together fill a rectangle become one, in the place of the earlier.
+// Areas that together fill a rectangle become one, in the place of the earliest.
 void add(std::vector<Area>& areas, Area area) {
+  std::size_t place = areas.size();
   for (std::size_t i = 0; i < areas.size();) {
     const auto both = joined(areas[i], area);
     if (!both) {
@@ -43,21 +44,11 @@ void add(std::vector<Area>& areas, Area area) {
     }
     area = *both;
     areas.erase(areas.begin() + static_cast<std::ptrdiff_t>(i));
-    for (std::size_t j = 0; j < areas.size();) {
-      const auto more = joined(areas[j], area);
-      if (!more) {
-        ++j;
-        continue;
-      }
-      area = *more;
-      areas.erase(areas.begin() + static_cast<std::ptrdiff_t>(j));
-      if (j < i) --i;
-      j = 0;
-    }
-    areas.insert(areas.begin() + static_cast<std::ptrdiff_t>(i), area);
-    return;
+    place = std::min(place, i);
+    i = 0;  // the larger area may fill a rectangle with one that was passed
   }
-  areas.push_back(area);
+  place = std::min(place, areas.size());
+  areas.insert(areas.begin() + static_cast<std::ptrdiff_t>(place), area);
 }
 
 }  // namespace

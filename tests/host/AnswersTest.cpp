@@ -115,6 +115,9 @@ TEST_F(Answers, KnowWhichWorkbookAWindowShows) {
   EXPECT_EQ(get(property(codes::name, indexed(codes::window, 1))), string("Second.xlsx"));
   EXPECT_EQ(get(property(codes::name, indexed(codes::window, 2))), string("Known.xlsx"));
   EXPECT_EQ(get(named(codes::window, "Known.xlsx")), indexed(codes::window, 2));
+  memory().activateWorkbook("Known.xlsx");
+  EXPECT_EQ(get(property(codes::name, indexed(codes::window, 2))), string("Second.xlsx"));
+  EXPECT_EQ(get(named(codes::window, "second.xlsx")), indexed(codes::window, 2));
   EXPECT_EQ(addressOf(property(codes::rangeSelection, property(codes::activeWindow))), "$A$1");
 }
 

@@ -67,6 +67,9 @@ TEST_F(Commands, UnionJoinsWhatFillsARectangle) {
   EXPECT_EQ(ask(unite(on("A1:B2"), on("B2"))), on("$A$1:$B$2"));
   EXPECT_EQ(ask(unite(on("A1,C1"), on("B1"))), on("$A$1:$C$1"));
   EXPECT_EQ(ask(unite(on("A1"), on("B2"))), on("$A$1,$B$2"));
+  EXPECT_EQ(ask(unite(on("Z9,A1,C1:C2,B2"), on("B1"))), on("$Z$9,$A$1:$B$1,$C$1:$C$2,$B$2"));
+  EXPECT_EQ(ask(unite(on("A1:B1,A3:C3,C2"), on("A2:B2"))), on("$A$1:$B$2,$A$3:$C$3,$C$2"));
+  EXPECT_EQ(ask(unite(on("A2:C2,A1,C1"), on("B1"))), on("$A$1:$C$2"));
 }
 
 TEST_F(Commands, UnionTakesUpToThirtyRanges) {

@@ -174,9 +174,13 @@ TEST_F(References, RefuseWhatIsNotThere) {
 }
 
 TEST_F(References, RefuseChainsWithoutEnd) {
-  Descriptor chain = application();
-  for (int i = 0; i < 200; ++i) chain = property(codes::activeSheet, std::move(chain));
-  EXPECT_EQ(errorOf(chain), -1728);
+  const auto rowOfRowOf = [](int times) {
+    Descriptor chain = on("A1");
+    for (int i = 0; i < times; ++i) chain = property(codes::entireRow, std::move(chain));
+    return chain;
+  };
+  EXPECT_EQ(addressOf(rowOfRowOf(50)), "$1:$1");
+  EXPECT_EQ(errorOf(rowOfRowOf(200)), -1728);
 }
 
 TEST_F(References, TellTheirClass) {
