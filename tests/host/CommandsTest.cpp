@@ -207,6 +207,7 @@ TEST_F(Commands, FailWithTheSpreadsheetsNumberAndText) {
   ASSERT_TRUE(reply.error);
   EXPECT_EQ(reply.error->number, -609);
   EXPECT_EQ(reply.error->message, "Connection is invalid.");
+  EXPECT_EQ(reply.error->offender, property(codes::activeCell));
 }
 
 TEST_F(Commands, AreRefusedWhileACellIsEdited) {
