@@ -1,0 +1,59 @@
+#include "host/EngineRunner.h"
+
+#include <algorithm>
+#include <utility>
+#include <variant>
+
+namespace quorin::host {
+namespace {
+
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+
+bool sameIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lower(x) == lower(y); });
+}
+
+}  // namespace
+
+class EngineRunner::OneApplication : public script::Applications {
+ public:
+  explicit OneApplication(script::Application& excel) : excel_(excel) {}
+  script::Application* named(std::string_view name) override {
+    return sameIgnoringCase(name, excel_.name()) ? &excel_ : nullptr;
+  }
+  script::Application* identified(std::string_view id) override {
+    return sameIgnoringCase(id, "com.microsoft.Excel") ? &excel_ : nullptr;
+  }
+
+ private:
+  script::Application& excel_;
+};
+
+EngineRunner::EngineRunner(std::unique_ptr<script::Application> excel)
+    : excel_(std::move(excel)), applications_(std::make_unique<OneApplication>(*excel_)) {}
+
+EngineRunner::~EngineRunner() = default;
+
+std::optional<ScriptErrorInfo> EngineRunner::compile(std::string_view source) {
+  script_.reset();
+  auto compiled = script::compile(source, *applications_);
+  if (auto* const error = std::get_if<script::CompileError>(&compiled))
+    return ScriptErrorInfo{error->number,
+                           "line " + std::to_string(error->line) + ": " + error->message};
+  script_.emplace(std::move(std::get<script::Script>(compiled)));
+  return std::nullopt;
+}
+
+ScriptReply EngineRunner::execute(const AppleEvent& event) {
+  if (!script_) return {};
+  script::ScriptOutcome outcome = script_->call(event);
+  if (outcome.error)
+    return {std::nullopt,
+            ScriptErrorInfo{outcome.error->number, std::move(outcome.error->message)}};
+  return {std::move(outcome.result), std::nullopt};
+}
+
+}  // namespace quorin::host
