@@ -22,7 +22,8 @@ using css::uno::UNO_QUERY_THROW;
 CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience)
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
-      workbooks_(desktop_) {}
+      workbooks_(desktop_),
+      evaluator_(connection_.context()) {}
 
 bool CalcSession::answers() {
   if (!connection_.isAlive()) return false;

@@ -5,6 +5,7 @@
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <string>
 
+#include "host/calc/CalcEvaluator.h"
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/OfficeConnection.h"
 
@@ -16,6 +17,7 @@ class CalcSession {
 
   OfficeConnection& connection() { return connection_; }
   CalcWorkbooks& workbooks() { return workbooks_; }
+  CalcEvaluator& evaluator() { return evaluator_; }
 
   // Whether the office is still there. Asks it: the news of its end may come late.
   bool answers();
@@ -27,6 +29,7 @@ class CalcSession {
   OfficeConnection connection_;  // first: it outlives the references below
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
   CalcWorkbooks workbooks_;
+  CalcEvaluator evaluator_;
   std::string version_;
 };
 

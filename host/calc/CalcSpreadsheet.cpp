@@ -224,8 +224,10 @@ Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
   });
 }
 
-Evaluation CalcSpreadsheet::evaluate(const std::string&, const SheetRef&) {
-  throw SpreadsheetError(-1708, "Expressions cannot be evaluated yet");
+Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetRef& from) {
+  return call([&](CalcSession& office) {
+    return office.evaluator().evaluate(office.workbooks(), expression, from);
+  });
 }
 
 }  // namespace quorin::host::calc

@@ -8,4 +8,8 @@ namespace quorin::host::calc {
 // The text Excel would show. Codes that only Calc has get the text of the same cause in Excel.
 std::string errorText(int code);
 
+// Calc text that gives Excel's ERROR.TYPE of an argument in Calc text: Calc's own function of that
+// name gives #N/A for codes that only Calc has.
+std::string errorTypeCall(const std::string& argument);
+
 }  // namespace quorin::host::calc
