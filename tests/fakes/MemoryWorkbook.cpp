@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "host/Address.h"
+#include "host/SheetPrefix.h"
 
 namespace quorin::fakes {
 namespace {
@@ -92,6 +93,18 @@ MemorySheet* MemoryBook::sheet(const std::string& sheetName) {
     return sameName(sheet.name, sheetName);
   });
   return it == sheets.end() ? nullptr : &*it;
+}
+
+std::string described(const host::SheetRef& sheet) {
+  return host::sheetPrefix(sheet.book, sheet.sheet);
+}
+std::string described(const host::RangeRef& range) {
+  return described(range.sheet) + host::addressText(range.areas);
+}
+
+bool overlaps(const std::vector<host::Area>& areas, const host::Area& area) {
+  return std::any_of(areas.begin(), areas.end(),
+                     [&](const host::Area& other) { return host::intersection(other, area); });
 }
 
 bool sameName(const std::string& a, const std::string& b) {

@@ -42,6 +42,11 @@ struct MemoryBook {
   std::size_t activeSheet = 0;
 };
 
+std::string described(const host::SheetRef& sheet);  // "[Known.xlsx]Data!"
+std::string described(const host::RangeRef& range);  // "[Known.xlsx]Data!$A$1"
+
+bool overlaps(const std::vector<host::Area>& areas, const host::Area& area);
+
 // ASCII letters in any case.
 bool sameName(const std::string& a, const std::string& b);
 

@@ -47,6 +47,7 @@ TEST_F(QuirkyExcelTest, DropsTheErrorRowsOfOneColumn) {
   EXPECT_EQ(read(codes::value2, "G1:G3"), row({row({real(1)}), row({real(3)})}));
   EXPECT_EQ(read(codes::value2, "G2:G3"), real(3));
   EXPECT_EQ(read(codes::value2, "G2"), missing);
+  EXPECT_EQ(read(codes::value2, "G2:H2"), row({row({missing, string("")})}));
   memory().setCell({"Known.xlsx", "Data"}, {"G3", CellError{"#N/A"}});
   EXPECT_EQ(read(codes::value2, "G2:G3"), row({}));
   EXPECT_EQ(read(codes::stringValue, "G2:G3"), row({row({string("#N/A")}), row({string("#N/A")})}));
