@@ -91,7 +91,7 @@ class Writer {
     }
   }
   void put(const Value::ReferencePointer& reference, int depth) {
-    text += displaySelector(reference->selector, nullptr) + " of ";
+    text += displaySelector(reference->selector) + " of ";
     write(reference->container, depth + 1);
   }
   void put(const ApplicationObject& object, int) {
@@ -193,7 +193,8 @@ std::string displaySpecifier(const AppleEventDescriptor& descriptor,
   return text;
 }
 
-std::string displaySelector(const Selector& selector, const Application* application) {
+std::string displaySelector(const Selector& selector) {
+  const Application* application = selector.origin;
   const std::string element = displayClass(selector.code, application);
   const std::string plural = displayClass(selector.code, application, true);
   switch (selector.form) {

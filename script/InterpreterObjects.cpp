@@ -89,8 +89,8 @@ Interpreter::Resolved Interpreter::resolveIn(const Part& part, const Resolved& h
   if (!application) {
     if (part.filter) {
       throw Failure{error::noSuchObject,
-                    "Can't get " + displaySelector(selector, nullptr) + " of " +
-                        displayText(container) + " by a condition.",
+                    "Can't get " + displaySelector(selector) + " of " + displayText(container) +
+                        " by a condition.",
                     container};
     }
     return {getPart(container, selector, rules_), false};

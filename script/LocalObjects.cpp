@@ -19,7 +19,7 @@ constexpr FourCharCode typeItem = fourCharCode("cobj");
 constexpr FourCharCode typeText = fourCharCode("ctxt");
 
 [[noreturn]] void failNoPart(const Value& container, const Selector& selector) {
-  std::string what = displaySelector(selector, nullptr);
+  std::string what = displaySelector(selector);
   if (!container.as<ScriptSelf>()) what += " of " + displayText(container);
   failCannotGet(what);
 }
@@ -190,8 +190,8 @@ Value property(const Value& container, const Selector& selector) {
 [[noreturn]] void failCannotSet(const Value& container, const Selector& selector,
                                 const Value& value) {
   throw Failure{error::notModifiable,
-                "Can't set " + displaySelector(selector, nullptr) + " of " +
-                    displayText(container) + " to " + displayText(value) + ".",
+                "Can't set " + displaySelector(selector) + " of " + displayText(container) +
+                    " to " + displayText(value) + ".",
                 container};
 }
 

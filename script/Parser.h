@@ -79,6 +79,7 @@ class Parser {
   ExpressionPointer parseParenthesised();
   ExpressionPointer makeBinary(const OperatorMatch& match, ExpressionPointer left,
                                ExpressionPointer right, const Position& position);
+  ExpressionPointer parseOperand();
   ExpressionPointer parseObject();
   ExpressionPointer parseObjectAfter(ExpressionPointer object);
   bool attach(ExpressionPointer& object, ExpressionPointer container);

@@ -190,7 +190,7 @@ ExpressionPointer Parser::parseUnary() {
     const Nesting nesting(*this);
     return parseUnary();
   }
-  if (!takeSymbol("-")) return parseObject();
+  if (!takeSymbol("-")) return parseOperand();
   const Nesting nesting(*this);
   const bool literal = peek().kind == Token::Kind::integer || peek().kind == Token::Kind::real;
   ExpressionPointer operand = parseUnary();

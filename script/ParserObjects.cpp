@@ -22,14 +22,26 @@ bool canBeFiltered(const Expression& expression) {
 
 }  // namespace
 
+// An object, or whether it exists.
+ExpressionPointer Parser::parseOperand() {
+  const Position start = peek().position;
+  ExpressionPointer object = parseObject();
+  const bool negated = atWords("does not exist") || atWords("doesn't exist");
+  if (atLabel() || (!negated && !atWord("exists"))) return object;
+  if (!takeWords("does not exist") && !takeWords("doesn't exist")) take();
+  const CommandTerm* exists =
+      languageTerminology().command(fourCharCode("core"), fourCharCode("doex"));
+  object = make(Command{exists, std::move(object), {}}, since(start));
+  return negated ? make(Not{std::move(object)}, since(start)) : std::move(object);
+}
+
 ExpressionPointer Parser::parseObject() {
   const Nesting nesting(*this);
   return parseObjectAfter(parsePrimary());
 }
 
-// What may follow an object: 's, a filter, its container, and "exists".
+// What may follow an object: 's, a filter, its container.
 ExpressionPointer Parser::parseObjectAfter(ExpressionPointer object) {
-  const Position start = object->position;
   for (;;) {
     if (takeSymbol("'s")) {
       object = parsePossessed(std::move(object));
@@ -43,14 +55,6 @@ ExpressionPointer Parser::parseObjectAfter(ExpressionPointer object) {
         return object;
       }
       attach(object, parseObject());
-    } else if (!atLabel() &&
-               (atWord("exists") || atWords("does not exist") || atWords("doesn't exist"))) {
-      const bool negated = !atWord("exists");
-      at_ += negated ? (atWord("does") ? 3U : 2U) : 1U;
-      const CommandTerm* exists =
-          languageTerminology().command(fourCharCode("core"), fourCharCode("doex"));
-      object = make(Command{exists, std::move(object), {}}, since(start));
-      if (negated) object = make(Not{std::move(object)}, since(start));
     } else {
       return object;
     }
@@ -94,6 +98,7 @@ bool Parser::attach(ExpressionPointer& object, ExpressionPointer container) {
     if (!container) return true;
     Part part;
     part.selector.code = constant->code;
+    part.selector.origin = constant->origin;
     part.container = std::move(container);
     object = make(std::move(part), since(object->position));
     return true;

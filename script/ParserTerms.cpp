@@ -100,6 +100,7 @@ ExpressionPointer Parser::parseElementOf(Form form) {
   const std::optional<FourCharCode> code = meaning.type ? meaning.type : meaning.plural;
   if (!code) failExpected("class name");
   part.selector.code = *code;
+  part.selector.origin = meaning.fromApplication ? terms() : nullptr;
   at_ += meaning.words;
   return make(std::move(part), since(start));
 }
@@ -122,6 +123,7 @@ ExpressionPointer Parser::parseTerm(const Meaning& meaning, bool asMember) {
     if (*meaning.property == fourCharCode("rslt") && !asMember) return make(Result{}, since(start));
     Part part;
     part.selector.code = *meaning.property;
+    part.selector.origin = meaning.fromApplication ? terms() : nullptr;
     return make(std::move(part), since(start));
   }
   return parseConstant(meaning);
@@ -162,6 +164,7 @@ ExpressionPointer Parser::parseElement(const Meaning& meaning, bool asMember) {
   const FourCharCode code = meaning.type ? *meaning.type : *meaning.plural;
   Part part;
   part.selector.code = code;
+  part.selector.origin = meaning.fromApplication ? terms() : nullptr;
   if (parseKeyForm(part)) return make(std::move(part), since(start));
   const bool contained = (atWord("of") || atWord("in")) && !atLabel();
   if (meaning.property && (contained || asMember)) {
@@ -191,12 +194,12 @@ bool Parser::parseKeyForm(Part& part) {
     part.selector.form = form;
     part.key = parseKey();
   };
-  if (atKey()) {
+  if (atWord("named")) {
+    keyed(Form::name, 1);
+  } else if (atKey()) {
     keyed(Form::index, 0);
   } else if (atWord("index") && !atWord("of", 1)) {
     keyed(Form::index, 1);
-  } else if (atWord("named")) {
-    keyed(Form::name, 1);
   } else if (atWord("id") && !atWord("of", 1) && !atWord("in", 1)) {
     keyed(Form::id, 1);
   } else if (atWord("from")) {
@@ -251,7 +254,7 @@ ExpressionPointer Parser::parseKey() {
     }
     return make(Negation{std::move(operand)}, since(start));
   }
-  if (!atKey()) failExpected("expression");
+  if (!atKey() && !atSymbol("{")) failExpected("expression");
   return parsePrimary();
 }
 

@@ -103,9 +103,8 @@ void Parser::expectLineEnd() {
       failUnsupported("The scripting addition's command \"" + std::string(previous.spelling) +
                       "\"");
     }
-    const bool afterIdentifier = previous.kind == Token::Kind::word;
-    if (afterIdentifier && peek().kind == Token::Kind::word && !isKeyword(previous.text) &&
-        meaningAt().type) {
+    const std::size_t back = std::size_t{0} - 1;
+    if (at_ > 0 && atIdentifier(back) && peek().kind == Token::Kind::word && meaningAt().type) {
       fail(peek().position, "A class name can't go after this identifier.", misplacedNumber);
     }
     failExpected("end of line");

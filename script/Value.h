@@ -179,6 +179,7 @@ struct Selector {
   std::string label;
   Value key, upper;
   AppleEventDescriptor test;
+  const Application* origin = nullptr;  // in whose terms it is spelled
 };
 
 // A part of a value of the script itself, not yet fetched: `item 2 of list`.
