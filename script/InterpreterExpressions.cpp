@@ -122,7 +122,7 @@ Value Interpreter::computeCoercion(const Coercion& coercion) {
     }
   }
   if (!first) first = Failure{error::cannotCoerce, "Can't make a value into no type."};
-  throw *first;
+  throw Failure(*first);
 }
 
 Value Interpreter::computeList(const ListExpression& list) {

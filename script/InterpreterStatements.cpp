@@ -180,7 +180,7 @@ Interpreter::Flow Interpreter::run(const Raise& statement) {
   if (statement.offender) failure.offender = resolve(*statement.offender).value;
   if (statement.partial) failure.partial = evaluate(*statement.partial);
   if (statement.expected) failure.expected = evaluate(*statement.expected);
-  throw failure;
+  throw Failure(std::move(failure));
 }
 
 Interpreter::Flow Interpreter::run(const Tell& statement) {
