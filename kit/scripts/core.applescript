@@ -38,11 +38,11 @@ on qx_readcell()
 			end try
 			-- A protected sheet refuses to tell its regions.
 			try
-				set around to get address of current region of c
+				set nearby to get address of current region of c
 			on error
-				set around to ""
+				set nearby to ""
 			end try
-			return {name of active workbook, name of active sheet, (get address of c), first row index of c, first column index of c, formula of c, formula local of c, value2 of c, chosen, around}
+			return {name of active workbook, name of active sheet, (get address of c), first row index of c, first column index of c, formula of c, formula local of c, value2 of c, chosen, nearby}
 		end timeout
 	end tell
 end qx_readcell

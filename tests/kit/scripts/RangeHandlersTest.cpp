@@ -1,0 +1,102 @@
+// qx_readrange, qx_errcol, qx_readformulas, and the binding of addresses.
+#include "tests/kit/scripts/LibraryFixture.h"
+
+namespace quorin {
+namespace {
+
+using RangeHandlers = LibraryFixture;
+
+TEST_F(RangeHandlers, ReadRangeGivesValuesDimensionsAndTexts) {
+  EXPECT_EQ(run("qx_readrange", {"A1:B3"}),
+            R"j([[["Item","Price"],["Bolt",1.5],["Nut",2]],3,2,)j"
+            R"j([["Item","Price"],["Bolt","1.5"],["Nut","2"]],6])j");
+  EXPECT_EQ(run("qx_readrange", {"$B$2"}), R"j([1.5,1,1,"1.5",1])j");
+}
+
+TEST_F(RangeHandlers, ReadRangeRefusesMoreThan20000CellsWithoutReadingAny) {
+  memory_->script.clear();
+  EXPECT_EQ(run("qx_readrange", {"A1:A20001"}), R"j(["__TOOBIG",20001,1,20001])j");
+  EXPECT_EQ(run("qx_readformulas", {"A1:A20001", "a1", false}), R"j(["__TOOBIG",20001,1,20001])j");
+  EXPECT_EQ(run("qx_readrange", {"A:B"}), R"j(["__TOOBIG",1048576,2,2097152])j");
+  EXPECT_EQ(valueReads(), 0);
+}
+
+TEST_F(RangeHandlers, ReadRangeRefusesUnionsWithoutReadingThem) {
+  memory_->script.clear();
+  EXPECT_EQ(run("qx_readrange", {"A1:A2,C3:C4"}), R"j(["__MULTI",2,1,4])j");
+  EXPECT_EQ(run("qx_readformulas", {"A1:A2,C3:C4", "a1", false}), R"j(["__MULTI",2,1,4])j");
+  EXPECT_EQ(valueReads(), 0);
+}
+
+TEST_F(RangeHandlers, ReadRangeNeverKillsExcelWithAnErrorInTheFirstColumn) {
+  excel_->quirks.diesOfFirstColumnErrors = true;
+  excel_->quirks.dropsErrorRows = true;
+  EXPECT_EQ(run("qx_readrange", {"C2:D4"}), R"j(["__ERRCOL",3,2,6])j");
+  EXPECT_EQ(run("qx_readrange", {"C4:D4"}), R"j(["__ERRCOL",1,2,2])j");
+  EXPECT_EQ(run("qx_readformulas", {"C2:D4", "a1", false}),
+            R"j([[["=B2*2",""],["=B3*2",""],["=1\/0",""]],"__ERRCOL",3,2,"",6])j");
+  EXPECT_EQ(run("qx_pollcell"), R"j(["Known.xlsx","Data","$A$1"])j") << "Excel lives";
+}
+
+TEST_F(RangeHandlers, ReadRangeSeesTheErrorByItsTextWhereNoRowIsDropped) {
+  EXPECT_EQ(run("qx_readrange", {"C2:D4"}), R"j(["__ERRCOL",3,2,6])j");
+}
+
+TEST_F(RangeHandlers, ReadRangeReadsAColumnWithErrorsAsExcelGivesIt) {
+  excel_->quirks.dropsErrorRows = true;
+  EXPECT_EQ(run("qx_readrange", {"C2:C4"}), R"j([[[3],[4]],3,1,[["3"],["4"],["#DIV\/0!"]],3])j");
+}
+
+TEST_F(RangeHandlers, ReadRangeLeavesTextsOutAbove5000Cells) {
+  const std::string whole = run("qx_readrange", {"A1:A5000"});
+  const std::string without = run("qx_readrange", {"A1:A5001"});
+  EXPECT_THAT(whole, testing::EndsWith(R"j([""]],5000])j"));
+  EXPECT_THAT(without, testing::EndsWith(R"j([""]],5001,1,"",5001])j"));
+}
+
+TEST_F(RangeHandlers, ReadFormulasGivesFormulasInTheStyleAskedFor) {
+  EXPECT_EQ(run("qx_readformulas", {"B4", "a1", true}), R"j(["=SUM(B2:B3)",1,1])j");
+  EXPECT_EQ(run("qx_readformulas", {"B4", "r1c1", true}), R"j(["=SUM(R[-2]C:R[-1]C)",1,1])j");
+}
+
+TEST_F(RangeHandlers, ReadFormulasReadsNoValuesWhenFormulasAreAllThatIsWanted) {
+  memory_->script.clear();
+  EXPECT_EQ(run("qx_readformulas", {"C2:D4", "a1", true}),
+            R"j([[["=B2*2",""],["=B3*2",""],["=1\/0",""]],3,2])j");
+  EXPECT_EQ(valueReads(), 0);
+}
+
+TEST_F(RangeHandlers, ReadFormulasGivesValuesAndTextsToo) {
+  EXPECT_EQ(run("qx_readformulas", {"B2:B4", "a1", false}),
+            R"j([[[1.5],[2],["=SUM(B2:B3)"]],[[1.5],[2],[3.5]],3,1,[["1.5"],["2"],["3.5"]],3])j");
+}
+
+TEST_F(RangeHandlers, ErrcolLooksAtTextsCaseSensitively) {
+  memory_->setCell({"Known.xlsx", "Blank"}, {"A1", "#n/a"});
+  memory_->setCell({"Known.xlsx", "Blank"}, {"A2", "#N/A"});
+  EXPECT_EQ(run("qx_readrange", {"Blank!A1:B1"}), R"j([[["#n\/a",""]],1,2,[["#n\/a",""]],2])j");
+  EXPECT_EQ(run("qx_readrange", {"Blank!A1:B2"}), R"j(["__ERRCOL",2,2,4])j");
+}
+
+TEST_F(RangeHandlers, BindsAddressesOfOtherSheets) {
+  select("Blank", "A1");
+  EXPECT_EQ(run("qx_readrange", {"Data!B2"}), R"j([1.5,1,1,"1.5",1])j");
+  EXPECT_EQ(run("qx_readrange", {"data!B2"}), R"j([1.5,1,1,"1.5",1])j");
+  EXPECT_EQ(run("qx_readrange", {"'It''s a test'!B2"}), R"j(["x",1,1,"x",1])j");
+  EXPECT_EQ(run("qx_readrange", {"[Known.xlsx]Data!$B$2"}), R"j([1.5,1,1,"1.5",1])j");
+  EXPECT_EQ(run("qx_readrange", {"'[Known.xlsx]It''s a test'!B2"}), R"j(["x",1,1,"x",1])j");
+  EXPECT_EQ(run("qx_readrange", {"Prices"}), R"j([[[1.5],[2]],2,1,[["1.5"],["2"]],2])j");
+}
+
+TEST_F(RangeHandlers, AsksForNoSheetThatTheWorkbookLacks) {
+  memory_->script.clear();
+  EXPECT_EQ(run("qx_readrange", {"Nowhere!A1"}), "error -1728 sheet not found: Nowhere");
+  EXPECT_EQ(run("qx_readrange", {"'No, where'!A1"}), "error -1728 sheet not found: No, where");
+  EXPECT_EQ(run("qx_readrange", {"[Other.xlsx]Data!A1"}),
+            "error -1728 workbook not open: Other.xlsx");
+  EXPECT_THAT(run("qx_readrange", {"#REF!"}), testing::StartsWith("error -1728 "));
+  EXPECT_EQ(valueReads(), 0);
+}
+
+}  // namespace
+}  // namespace quorin
