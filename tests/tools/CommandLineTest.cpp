@@ -1,0 +1,52 @@
+#include <gmock/gmock.h>
+
+#include "tools/quorinctl/CommandLine.h"
+
+namespace quorin::ctl {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+TEST(CommandLine, ServesAPrivateCalcByDefault) {
+  EXPECT_EQ(parseCommandLine({}), Command(ServeCommand{}));
+}
+
+TEST(CommandLine, TakesAWorkbookAFolderAndTiming) {
+  EXPECT_EQ(parseCommandLine({"--workbook", "a b.xlsx", "--data", "/tmp/d", "--timing"}),
+            Command(ServeCommand{"a b.xlsx", false, "/tmp/d", true}));
+}
+
+TEST(CommandLine, Attaches) {
+  EXPECT_EQ(parseCommandLine({"--attach", "--timing"}),
+            Command(ServeCommand{std::nullopt, true, std::nullopt, true}));
+}
+
+TEST(CommandLine, Lints) {
+  EXPECT_EQ(parseCommandLine({"lint", "core.applescript"}),
+            Command(LintCommand{"core.applescript"}));
+}
+
+TEST(CommandLine, HelpsWithStatusZero) {
+  const Command command = parseCommandLine({"--help"});
+  ASSERT_TRUE(std::holds_alternative<Notice>(command));
+  EXPECT_EQ(std::get<Notice>(command).status, 0);
+  EXPECT_THAT(std::get<Notice>(command).text, testing::HasSubstr("--workbook FILE"));
+}
+
+TEST(CommandLine, RefusesBadCallsInOneLine) {
+  for (const Arguments& arguments :
+       {Arguments{"--workbook"}, Arguments{"--attach", "--workbook", "a.xlsx"},
+        Arguments{"--attach", "--data", "/tmp/d"}, Arguments{"--nonsense"}, Arguments{"a.xlsx"},
+        Arguments{"lint"}, Arguments{"lint", "a", "b"}, Arguments{"--timing", "lint", "a"},
+        Arguments{"--data"}}) {
+    const Command command = parseCommandLine(arguments);
+    ASSERT_TRUE(std::holds_alternative<Notice>(command)) << testing::PrintToString(arguments);
+    const Notice& notice = std::get<Notice>(command);
+    EXPECT_EQ(notice.status, 2) << testing::PrintToString(arguments);
+    EXPECT_THAT(notice.text, testing::StartsWith("quorinctl: "));
+    EXPECT_THAT(notice.text, testing::Not(testing::HasSubstr("\n")));
+  }
+}
+
+}  // namespace
+}  // namespace quorin::ctl

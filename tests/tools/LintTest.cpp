@@ -1,0 +1,47 @@
+#include <gmock/gmock.h>
+
+#include "kit/excel/ExcelScript.h"
+#include "tools/quorinctl/Lint.h"
+
+namespace quorin::ctl {
+
+std::ostream& operator<<(std::ostream& out, const Finding& finding) {
+  return out << finding.line << ": " << finding.message;
+}
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<int> linesOf(std::string_view source) {
+  std::vector<int> lines;
+  for (const Finding& finding : findingsOf(source)) lines.push_back(finding.line);
+  return lines;
+}
+
+TEST(Lint, FindsNothingInTheHandlerLibrary) {
+  EXPECT_THAT(findingsOf(ExcelScript::source()), IsEmpty());
+}
+
+TEST(Lint, FindsWhatDoesNotCompile) {
+  EXPECT_THAT(linesOf("on f()\n  return 1\nend f\non g()\n  return (1\nend g\n"), ElementsAre(5));
+}
+
+TEST(Lint, FindsNamesThatAreExcelsWords) {
+  EXPECT_THAT(findingsOf("on f(style)\n  return 1\nend f\n"),
+              ElementsAre(Finding{1, "the name style is a word of Excel's dictionary"}));
+  EXPECT_THAT(linesOf("on f(a9)\n  set {b9, Width} to a9\n  repeat with index from 1 to 2\n  end "
+                      "repeat\nend f\n"),
+              ElementsAre(2, 3));
+  EXPECT_THAT(linesOf("on f()\n  try\n    return 1\n  on error caption number area9\n  end try\n"
+                      "end f\n"),
+              ElementsAre(4));
+}
+
+TEST(Lint, LeavesLabelsAndOtherNamesAlone) {
+  EXPECT_THAT(findingsOf("on f(rng, addr)\n  set acc to rng\n  return acc\nend f\n"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace quorin::ctl

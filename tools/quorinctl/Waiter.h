@@ -1,0 +1,40 @@
+// Waiter: what the main thread of quorinctl waits for: input, the end of work on another thread,
+// and the signals that ask it to end. Those are blocked from construction on, also in every thread
+// started later, so that none ends the process before it has tidied up.
+#pragma once
+
+#include <string>
+
+namespace quorin::ctl {
+
+class Waiter {
+ public:
+  enum class Event { input, done, signal };
+
+  Waiter();  // throws std::system_error
+  ~Waiter();
+  Waiter(const Waiter&) = delete;
+  Waiter& operator=(const Waiter&) = delete;
+
+  Event waitForInput();     // input (also its end), or a signal
+  Event waitForDone();      // done, or a signal
+  void waitForDoneAlone();  // whatever signals come
+
+  // Ends one waitForDone. Any thread.
+  void done();
+
+  // Reads what there is of standard input. Empty at its end.
+  static std::string readInput();
+
+  // The signal that came; 0 when none did.
+  int signalNumber() const { return signalNumber_; }
+
+ private:
+  Event wait(int descriptor, Event event);
+
+  int signals_ = -1;
+  int done_ = -1;
+  int signalNumber_ = 0;
+};
+
+}  // namespace quorin::ctl

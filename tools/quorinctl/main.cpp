@@ -1,0 +1,19 @@
+#include <cstdio>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "tools/quorinctl/CommandLine.h"
+#include "tools/quorinctl/Lint.h"
+#include "tools/quorinctl/Serve.h"
+
+int main(int argc, char** argv) {
+  using namespace quorin::ctl;
+  const Command command = parseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
+  if (const auto* const notice = std::get_if<Notice>(&command)) {
+    std::fprintf(notice->status == 0 ? stdout : stderr, "%s\n", notice->text.c_str());
+    return notice->status;
+  }
+  if (const auto* const check = std::get_if<LintCommand>(&command)) return lint(check->file);
+  return serve(std::get<ServeCommand>(command));
+}
