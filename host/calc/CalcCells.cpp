@@ -5,6 +5,7 @@
 #include <com/sun/star/chart2/data/XTextualDataSequence.hpp>
 #include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/sheet/CellFlags.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
@@ -14,8 +15,10 @@
 #include <com/sun/star/text/XTextRange.hpp>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string_view>
 
+#include "host/Address.h"
 #include "host/calc/BooleanFormats.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellErrors.h"
@@ -65,28 +68,58 @@ void forEachCell(const Reference<css::sheet::XSheetCellRanges>& found, const Are
   }
 }
 
-// The displayed texts of a rectangle in one call, whether its rows are hidden or not.
+Grid<std::string> textsOneByOne(const Reference<XCellRange>& cells, const Area& area) {
+  Grid<std::string> grid = gridFor<std::string>(area);
+  for (int row = 0; row < grid.rows; ++row) {
+    for (int column = 0; column < grid.columns; ++column) {
+      const Reference<css::text::XTextRange> cell(cells->getCellByPosition(column, row),
+                                                  UNO_QUERY_THROW);
+      cellAt(grid, row, column) = toText(cell->getString());
+    }
+  }
+  return grid;
+}
+
+// The smallest rectangle with all that stands in the cells; nothing when they are blank.
+std::optional<Area> filledPart(const Reference<XCellRange>& cells) {
+  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
+                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  std::optional<Area> filled;
+  for (const auto& address : query->queryContentCells(contents)->getRangeAddresses()) {
+    const Area part = areaOf(address);
+    if (!filled) filled = part;
+    filled = Area{
+        std::min(filled->firstRow, part.firstRow), std::min(filled->firstColumn, part.firstColumn),
+        std::max(filled->lastRow, part.lastRow), std::max(filled->lastColumn, part.lastColumn)};
+  }
+  return filled;
+}
+
+// The displayed texts of a rectangle in one call, whether its rows are hidden or not. The office
+// cuts off what lies beyond a sheet's contents, so exactly the filled part is asked for.
 Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area) {
+  Grid<std::string> grid = gridFor<std::string>(area);
+  const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
+  const std::optional<Area> filled = filledPart(cells);
+  if (!filled) return grid;
   const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
   const Reference<css::chart2::data::XDataProvider> provider(
       factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
-  const RangeText range{{area.firstRow, area.firstColumn, true, true},
-                        CellText{area.lastRow, area.lastColumn, true, true}};
-  const CellText& to = *range.to;
-  const auto end = [](const CellText& cell) {
-    return "$" + columnLetters(cell.column) + "$" + std::to_string(cell.row);
+  const auto end = [](int row, int column) {
+    return "$" + columnLetters(column) + "$" + std::to_string(row);
   };
   const Reference<css::chart2::data::XTextualDataSequence> sequence(
       provider->createDataSequenceByRangeRepresentation(
-          toUno(calcSheet(sheet) + "." + end(range.from) + ":" + end(to))),
+          toUno(calcSheet(sheet) + "." + end(filled->firstRow, filled->firstColumn) + ":" +
+                end(filled->lastRow, filled->lastColumn))),
       UNO_QUERY_THROW);
   const Sequence<rtl::OUString> texts = sequence->getTextualData();
-  Grid<std::string> grid = gridFor<std::string>(area);
-  if (static_cast<std::size_t>(texts.getLength()) != grid.cells.size()) {
-    throw SpreadsheetError(-10000, "LibreOffice answered a different number of cells");
-  }
+  if (texts.getLength() != cellCount({*filled})) return textsOneByOne(cells, area);
+  const int rows = rowCount(*filled);
   for (sal_Int32 i = 0; i < texts.getLength(); ++i) {  // column by column
-    cellAt(grid, i % grid.rows, i / grid.rows) = toText(texts[i]);
+    cellAt(grid, filled->firstRow - area.firstRow + i % rows,
+           filled->firstColumn - area.firstColumn + i / rows) = toText(texts[i]);
   }
   return grid;
 }
@@ -226,9 +259,7 @@ Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range) {
   if (area.firstRow != area.lastRow || area.firstColumn != area.lastColumn) {
     return bulkTexts(workbook, range.sheet.sheet, area);
   }
-  const Reference<css::text::XTextRange> cell(
-      cellsOf(workbook, range.sheet.sheet, area)->getCellByPosition(0, 0), UNO_QUERY_THROW);
-  return {1, 1, {toText(cell->getString())}};
+  return textsOneByOne(cellsOf(workbook, range.sheet.sheet, area), area);
 }
 
 }  // namespace quorin::host::calc

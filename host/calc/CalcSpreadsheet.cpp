@@ -11,7 +11,7 @@
 
 namespace quorin::host::calc {
 
-CalcSpreadsheet::CalcSpreadsheet(std::unique_ptr<OfficeSource> source,
+CalcSpreadsheet::CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
                                  std::chrono::milliseconds patience)
     : source_(std::move(source)), patience_(patience) {}
 

@@ -21,7 +21,7 @@ class CalcSession;
 class CalcSpreadsheet : public Spreadsheet {
  public:
   // `patience` bounds the wait for a first answer when connecting.
-  explicit CalcSpreadsheet(std::unique_ptr<OfficeSource> source,
+  explicit CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
                            std::chrono::milliseconds patience = std::chrono::seconds(5));
   ~CalcSpreadsheet() override;
 
@@ -66,7 +66,7 @@ class CalcSpreadsheet : public Spreadsheet {
   template <typename Work>
   auto call(Work work);
 
-  const std::unique_ptr<OfficeSource> source_;
+  const std::shared_ptr<OfficeSource> source_;
   const std::chrono::milliseconds patience_;
   std::atomic<bool> quitting_ = false;
   std::mutex mutex_;  // guards session_'s replacement against quit()

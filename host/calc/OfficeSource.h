@@ -1,5 +1,5 @@
 // OfficeSource: where the office comes from, the user's running one or a private one.
-// Used on the call thread; interrupt() alone may come from any thread.
+// Used on the call thread; isRunning() and interrupt() may come from any thread.
 #pragma once
 
 #include <string>

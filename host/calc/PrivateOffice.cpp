@@ -158,7 +158,7 @@ void PrivateOffice::startKeeper() {
   ::fcntl(reportEnd_, F_SETFL, O_NONBLOCK);
 }
 
-void PrivateOffice::readProcessIds() {
+pid_t PrivateOffice::readProcessIds() {
   std::array<char, 64> bytes{};
   for (;;) {
     const ssize_t got = ::read(reportEnd_, bytes.data(), bytes.size());
@@ -170,15 +170,17 @@ void PrivateOffice::readProcessIds() {
     office_ = std::atoi(report_.c_str());
     report_.erase(0, end + 1);
   }
-}
-
-pid_t PrivateOffice::process() {
-  readProcessIds();
   return office_;
 }
 
+pid_t PrivateOffice::process() {
+  const std::lock_guard lock(mutex_);
+  return readProcessIds();
+}
+
 bool PrivateOffice::isRunning() {
-  return process() != 0 && ::kill(office_, 0) == 0;
+  const pid_t office = process();
+  return office != 0 && ::kill(office, 0) == 0;
 }
 
 OfficeAddress PrivateOffice::open() {
@@ -187,16 +189,17 @@ OfficeAddress PrivateOffice::open() {
     pollfd keeper{reportEnd_, POLLIN, 0};
     constexpr int pauseInMilliseconds = 10;
     ::poll(&keeper, 1, pauseInMilliseconds);
-    readProcessIds();
     if ((keeper.revents & POLLHUP) != 0) {
       throw SpreadsheetError(-600, "LibreOffice ended by itself");
     }
+    process();
     if (std::chrono::steady_clock::now() >= deadline) {
       throw SpreadsheetError(-1712, "LibreOffice does not start");
     }
   }
-  if (process() == 0) throw SpreadsheetError(-600, "LibreOffice is not running");
-  return {office_, pipe_};
+  const pid_t office = process();
+  if (office == 0) throw SpreadsheetError(-600, "LibreOffice is not running");
+  return {office, pipe_};
 }
 
 }  // namespace quorin::host::calc

@@ -6,7 +6,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <optional>
+#include <mutex>
 #include <string>
 #include <sys/types.h>
 #include <utility>
@@ -44,15 +44,16 @@ class PrivateOffice : public OfficeSource {
  private:
   void prepareFolder();
   void startKeeper();
-  void readProcessIds();
+  pid_t readProcessIds();  // under the mutex
 
   const Options options_;
   std::filesystem::path folder_;
   std::string pipe_;
   pid_t keeper_ = 0;
-  pid_t office_ = 0;
   int ownerEnd_ = -1;   // closing it tells the keeper to end the office
   int reportEnd_ = -1;  // the keeper's report of process ids
+  std::mutex mutex_;    // guards what follows
+  pid_t office_ = 0;
   std::string report_;
 };
 

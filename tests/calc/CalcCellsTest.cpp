@@ -95,6 +95,15 @@ TEST_F(CalcCells, QuotesSheetNamesAsExcelDoes) {
   EXPECT_EQ(values("G1:G3"), (Cells{3.5, 7.0, 7.0}));
 }
 
+TEST_F(CalcCells, ReadsTextsBeyondWhatTheSheetHolds) {
+  const RangeRef block{{book_, "It's"}, parseA1("A1:D4").value()};
+  EXPECT_EQ(calc().displayedTexts(block).cells,
+            (std::vector<std::string>{"1", "", "", "", "2", "4", "", "", "", "", "", "", "", "", "",
+                                      ""}));
+  const RangeRef blank{{book_, "It's"}, parseA1("H20:I21").value()};
+  EXPECT_EQ(calc().displayedTexts(blank).cells, std::vector<std::string>(4));
+}
+
 TEST_F(CalcCells, RefusesMoreCellsThanItCanHandOver) {
   try {
     values("A:Z");

@@ -1,0 +1,67 @@
+// The three reads of a poll, made directly over UNO and through the port, side by side in one run.
+#include <benchmark/benchmark.h>
+#include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/sheet/XSpreadsheetView.hpp>
+#include <fstream>
+
+#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/OfficeConnection.h"
+#include "host/calc/PrivateOffice.h"
+#include "tests/fakes/TemporaryFolder.h"
+
+namespace {
+
+using namespace quorin::host::calc;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+constexpr const char* emptyWorkbook = R"(<?xml version="1.0" encoding="UTF-8"?>
+<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
+ xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0" office:version="1.3"
+ office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
+<table:table table:name="Data"/></office:spreadsheet></office:body></office:document>)";
+
+std::shared_ptr<PrivateOffice> office() {
+  static const quorin::TemporaryFolder folder;
+  static const auto shared = [] {
+    auto started = std::make_shared<PrivateOffice>();
+    const auto file = folder / "Bench.fods";
+    std::ofstream(file) << emptyWorkbook;
+    CalcSpreadsheet(started).openWorkbook(file.string());
+    return started;
+  }();
+  return shared;
+}
+
+// What a program asks for that holds on to the workbook and its window.
+void DirectReads(benchmark::State& state) {
+  OfficeConnection connection(office()->open(), std::chrono::seconds(10));
+  const auto desktop = css::frame::Desktop::create(connection.context());
+  const Reference<css::frame::XModel> model(desktop->getCurrentComponent(), UNO_QUERY_THROW);
+  const Reference<css::frame::XController> controller = model->getCurrentController();
+  const Reference<css::sheet::XSpreadsheetView> view(controller, UNO_QUERY_THROW);
+  for ([[maybe_unused]] auto turn : state) {
+    benchmark::DoNotOptimize(model->getURL());
+    const Reference<css::container::XNamed> sheet(view->getActiveSheet(), UNO_QUERY_THROW);
+    benchmark::DoNotOptimize(sheet->getName());
+    benchmark::DoNotOptimize(controller->getViewData());
+  }
+}
+
+void PortReads(benchmark::State& state) {
+  CalcSpreadsheet calc(office());
+  for ([[maybe_unused]] auto turn : state) {
+    benchmark::DoNotOptimize(calc.activeWorkbook());
+    benchmark::DoNotOptimize(calc.activeSheet());
+    benchmark::DoNotOptimize(calc.activeCell());
+  }
+}
+
+BENCHMARK(DirectReads)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(PortReads)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,191 @@
+// A visible Calc on a display of its own, attached to as the user's, with keys typed into it.
+#include <functional>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <thread>
+
+#include "host/Address.h"
+#include "host/calc/CalcApplication.h"
+#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/PrivateOffice.h"
+#include "host/calc/RunningOffice.h"
+#include "tests/calc/VirtualDisplay.h"
+#include "tests/calc/XlsxFile.h"
+#include "tests/fakes/TemporaryFolder.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using namespace std::chrono_literals;
+
+bool eventually(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + 20s;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(20ms);
+  }
+  return true;
+}
+
+int numberOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const SpreadsheetError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+// The display, the office and the workbook, once for all tests.
+struct Desktop {
+  VirtualDisplay display;
+  TemporaryFolder folder;
+  std::shared_ptr<PrivateOffice> office;
+  std::shared_ptr<OfficeDiscovery> discovery = std::make_shared<OfficeDiscovery>();
+  std::shared_ptr<RunningOffice> running;
+  std::unique_ptr<CalcSpreadsheet> calc;
+
+  Desktop() {
+    PrivateOffice::Options options;
+    options.headless = false;
+    options.environment = {{"DISPLAY", display.name()}};
+    options.prefix = "quorin-visible-";  // counts as the user's
+    office = std::make_shared<PrivateOffice>(options);
+    discovery->restrictTo(fileUrl(office->folder() / "profile"));
+    fakes::writeXlsx(fakes::knownWorkbook(), folder / "Known.xlsx");
+    CalcSpreadsheet opener(office);
+    opener.openWorkbook((folder / "Known.xlsx").string());
+    running = std::make_shared<RunningOffice>(discovery);
+    calc = std::make_unique<CalcSpreadsheet>(running);
+  }
+  ~Desktop() {
+    calc.reset();
+    office.reset();  // first, so that what attached to it can clear up behind it
+    running.reset();
+  }
+};
+
+std::unique_ptr<Desktop> desktop;
+
+class CalcDisplay : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { desktop = std::make_unique<Desktop>(); }
+  static void TearDownTestSuite() { desktop.reset(); }
+
+  void SetUp() override {
+    ASSERT_TRUE(eventually([] {
+      return desktop->display.xdotool(
+          {"search", "--onlyvisible", "--class", "libreoffice-calc", "windowactivate", "--sync"});
+    }));
+    calc().goTo(at("H20"));
+  }
+  static CalcSpreadsheet& calc() { return *desktop->calc; }
+  static RangeRef at(const char* address) {
+    return {{"Known.xlsx", "Data"}, parseA1(address).value()};
+  }
+  static void keys(const std::vector<std::string>& arguments) {
+    ASSERT_TRUE(desktop->display.xdotool(arguments));
+  }
+  static int moveAway() {
+    return numberOf([] { calc().select(at("A1")); });
+  }
+};
+
+TEST_F(CalcDisplay, AttachesToTheRunningCalc) {
+  CalcApplication application(desktop->running);
+  EXPECT_TRUE(application.isRunning());
+  EXPECT_EQ(desktop->discovery->runningCalc()->id, desktop->office->process());
+  EXPECT_EQ(desktop->running->open().process, desktop->office->process());
+  EXPECT_EQ(calc().workbooks(), std::vector<std::string>{"Known.xlsx"});
+}
+
+TEST_F(CalcDisplay, FollowsTheUsersKeys) {
+  keys({"key", "Down", "Right"});
+  EXPECT_TRUE(eventually([] { return calc().activeCell() == at("I21"); }));
+  keys({"key", "shift+Down"});
+  EXPECT_TRUE(eventually([] { return calc().selection() == at("I21:I22"); }));
+  EXPECT_EQ(calc().activeCell(), at("I21"));
+}
+
+TEST_F(CalcDisplay, TellsWhereItsWindowIs) {
+  const auto bounds = calc().windowBounds(1);
+  ASSERT_TRUE(bounds);
+  EXPECT_GT(bounds->right - bounds->left, 300);
+  EXPECT_GT(bounds->bottom - bounds->top, 200);
+  EXPECT_LE(bounds->right, 1400);
+  EXPECT_EQ(calc().windowBounds(2), std::nullopt);
+  EXPECT_TRUE(eventually([] { return calc().isFrontmost(); }));
+}
+
+TEST_F(CalcDisplay, NeverEntersWhatIsHalfTyped) {
+  keys({"type", "abc"});
+  ASSERT_TRUE(eventually([] { return moveAway() == -10000; }));
+  for (const auto& move : std::vector<std::function<void()>>{
+           [] { calc().goTo(at("A1")); }, [] { calc().activateCell(at("A1")); },
+           [] {
+             calc().activateSheet({"Known.xlsx", "Blank"});
+           },
+           [] { calc().activateWorkbook("Known.xlsx"); }, [] { calc().scrollTo(at("A1")); }}) {
+    EXPECT_EQ(numberOf(move), -10000);
+  }
+  // Reading and evaluating go on, and leave the entry alone too.
+  EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
+  EXPECT_EQ(calc().evaluate("B2*2+A7", at("A1").sheet), Evaluation(CellValue(45.0)));
+  EXPECT_EQ(moveAway(), -10000);
+  EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
+  keys({"key", "Escape"});
+  EXPECT_TRUE(eventually([] { return moveAway() == 0; }));
+  EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
+}
+
+TEST_F(CalcDisplay, NoticesAnEditOfAnExistingEntryAndOfAFormula) {
+  calc().goTo(at("A7"));
+  keys({"key", "F2"});
+  EXPECT_TRUE(eventually([] { return moveAway() == -10000; }));
+  keys({"key", "Escape"});
+  EXPECT_TRUE(eventually([] { return moveAway() == 0; }));
+  calc().goTo(at("H20"));
+  keys({"type", "=A7+"});
+  EXPECT_TRUE(eventually([] { return moveAway() == -10000; }));
+  keys({"key", "Escape"});
+  EXPECT_TRUE(eventually([] { return moveAway() == 0; }));
+  EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
+}
+
+TEST_F(CalcDisplay, EvaluatesInTheChangedWorkbook) {
+  EXPECT_EQ(calc().evaluate("H20&\"!\"", at("A1").sheet), Evaluation(CellValue("!")));
+  calc().goTo(at("H20"));
+  keys({"type", "new"});
+  ASSERT_TRUE(eventually([] { return moveAway() == -10000; }));
+  keys({"key", "Return"});
+  ASSERT_TRUE(
+      eventually([] { return calc().values(at("H20")).cells == std::vector<CellValue>{"new"}; }));
+  EXPECT_EQ(calc().evaluate("H20&\"!\"", at("A1").sheet), Evaluation(CellValue("new!")));
+  keys({"key", "ctrl+z"});
+  ASSERT_TRUE(
+      eventually([] { return calc().values(at("H20")).cells == std::vector<CellValue>{Blank{}}; }));
+  EXPECT_EQ(calc().evaluate("H20&\"!\"", at("A1").sheet), Evaluation(CellValue("!")));
+}
+
+TEST_F(CalcDisplay, ReadsWhileADialogIsOpen) {
+  keys({"key", "ctrl+1"});
+  ASSERT_TRUE(eventually([] {
+    return desktop->display.xdotool({"search", "--onlyvisible", "--name", "Format Cells"});
+  }));
+  EXPECT_EQ(calc().values(at("A7")).cells, std::vector<CellValue>{42.0});
+  EXPECT_EQ(calc().evaluate("A7+1", at("A1").sheet), Evaluation(CellValue(43.0)));
+  keys({"key", "Escape"});
+}
+
+TEST_F(CalcDisplay, TimesOutReachingAStoppedCalc) {
+  RunningOffice fresh(desktop->discovery);
+  ASSERT_EQ(::kill(desktop->office->process(), SIGSTOP), 0);
+  EXPECT_TRUE(fresh.isRunning());  // without waiting
+  EXPECT_EQ(numberOf([&] { fresh.open(); }), -1712);
+  ASSERT_EQ(::kill(desktop->office->process(), SIGCONT), 0);
+  EXPECT_EQ(numberOf([&] { fresh.open(); }), 0);
+}
+
+}  // namespace
+}  // namespace quorin::host::calc

@@ -1,0 +1,209 @@
+// An office that dies, stops, restarts or is left behind. Each test has an office of its own.
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <future>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "host/Address.h"
+#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/PrivateOffice.h"
+#include "tests/calc/XlsxFile.h"
+#include "tests/fakes/TemporaryFolder.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+// Waits for what another process does; there is nothing to be told by.
+bool eventually(const std::function<bool()>& condition, std::chrono::seconds patience = 20s) {
+  const auto deadline = Clock::now() + patience;
+  while (!condition()) {
+    if (Clock::now() > deadline) return false;
+    std::this_thread::sleep_for(5ms);
+  }
+  return true;
+}
+
+bool isGone(pid_t process) {
+  return ::kill(process, 0) != 0;
+}
+
+int numberOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const SpreadsheetError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+// An office that can be exchanged for another, as a user quits and starts one.
+class ChangingOffice : public OfficeSource {
+ public:
+  explicit ChangingOffice(std::shared_ptr<PrivateOffice> office) : office_(std::move(office)) {}
+  void replace(std::shared_ptr<PrivateOffice> office) { office_ = std::move(office); }
+  bool isRunning() override { return office_ && office_->isRunning(); }
+  OfficeAddress open() override { return office_->open(); }
+
+ private:
+  std::shared_ptr<PrivateOffice> office_;
+};
+
+class CalcFaults : public testing::Test {
+ protected:
+  CalcFaults()
+      : office(std::make_shared<PrivateOffice>()),
+        source(std::make_shared<ChangingOffice>(office)),
+        calc(source) {
+    fakes::writeXlsx(fakes::knownWorkbook(), folder / "Known.xlsx");
+    calc.openWorkbook((folder / "Known.xlsx").string());
+  }
+  RangeRef cell(const char* address) const {
+    return {{"Known.xlsx", "Data"}, parseA1(address).value()};
+  }
+
+  TemporaryFolder folder;
+  std::shared_ptr<PrivateOffice> office;
+  std::shared_ptr<ChangingOffice> source;
+  CalcSpreadsheet calc;
+};
+
+TEST_F(CalcFaults, FailsTheCallUnderWhichTheOfficeDies) {
+  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);  // so that the call is surely under way
+  auto call =
+      std::async(std::launch::async, [&] { return numberOf([&] { calc.values(cell("A1")); }); });
+  EXPECT_EQ(call.wait_for(300ms), std::future_status::timeout);
+  const auto killed = Clock::now();
+  ASSERT_EQ(::kill(office->process(), SIGKILL), 0);
+  EXPECT_EQ(call.get(), -609);
+  EXPECT_LT(Clock::now() - killed, 500ms);
+  EXPECT_TRUE(eventually([&] { return !calc.isRunning(); }));
+  EXPECT_EQ(numberOf([&] { calc.values(cell("A1")); }), -600);
+}
+
+TEST_F(CalcFaults, KeepsACallRunningWhileTheOfficeIsStopped) {
+  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);
+  auto call = std::async(std::launch::async, [&] { return calc.values(cell("A7")).cells; });
+  EXPECT_EQ(call.wait_for(1s), std::future_status::timeout);
+  ASSERT_EQ(::kill(office->process(), SIGCONT), 0);
+  EXPECT_EQ(call.get(), std::vector<CellValue>{42.0});
+}
+
+TEST_F(CalcFaults, EndsACallAtOnceForQuitting) {
+  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);
+  auto call =
+      std::async(std::launch::async, [&] { return numberOf([&] { calc.values(cell("A1")); }); });
+  EXPECT_EQ(call.wait_for(300ms), std::future_status::timeout);
+  calc.quit();
+  ASSERT_EQ(call.wait_for(500ms), std::future_status::ready);
+  EXPECT_EQ(call.get(), -600);
+  EXPECT_EQ(numberOf([&] { calc.workbooks(); }), -600);
+}
+
+TEST_F(CalcFaults, TimesOutConnectingToAStoppedOffice) {
+  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);
+  CalcSpreadsheet another(office, 200ms);
+  const auto started = Clock::now();
+  EXPECT_EQ(numberOf([&] { another.workbooks(); }), -1712);
+  EXPECT_LT(Clock::now() - started, 700ms);
+  ASSERT_EQ(::kill(office->process(), SIGCONT), 0);
+  EXPECT_EQ(another.workbooks(), std::vector<std::string>{"Known.xlsx"});
+}
+
+// What an office leaves on the machine while it runs.
+struct Traces {
+  explicit Traces(PrivateOffice& office)
+      : process(office.process()),
+        files{office.folder(), pipeFile(office.folder().filename().string()),
+              pipeFile(singleInstancePipe(fileUrl(office.folder() / "profile")))} {}
+  bool allThere() const {
+    return !isGone(process) && std::all_of(files.begin(), files.end(), [](const auto& file) {
+      return std::filesystem::exists(file);
+    });
+  }
+  bool allGone() const {
+    return isGone(process) && std::none_of(files.begin(), files.end(), [](const auto& file) {
+             return std::filesystem::exists(file);
+           });
+  }
+  pid_t process;
+  std::vector<std::filesystem::path> files;
+};
+
+TEST_F(CalcFaults, LeavesNothingBehind) {
+  EXPECT_EQ(calc.evaluate("B2*2+A7", {"Known.xlsx", "Data"}), Evaluation(CellValue(45.0)));
+  std::vector<std::string> beside;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    beside.push_back(entry.path().filename());
+  }
+  EXPECT_EQ(beside, std::vector<std::string>{"Known.xlsx"});  // no lock file while it is open
+  const Traces traces(*office);
+  EXPECT_TRUE(traces.allThere());
+  calc.quit();
+  source->replace(nullptr);
+  office.reset();
+  EXPECT_TRUE(traces.allGone());
+}
+
+TEST_F(CalcFaults, ConnectsAgainToAnOfficeStartedAnew) {
+  ASSERT_EQ(::kill(office->process(), SIGKILL), 0);
+  EXPECT_TRUE(eventually([&] { return !calc.isRunning(); }));
+  EXPECT_NE(numberOf([&] { calc.workbooks(); }), 0);
+  office = std::make_shared<PrivateOffice>();
+  source->replace(office);
+  calc.openWorkbook((folder / "Known.xlsx").string());
+  EXPECT_EQ(calc.values(cell("A7")).cells, std::vector<CellValue>{42.0});
+}
+
+TEST_F(CalcFaults, RefusesWhatIsNoWorkbook) {
+  EXPECT_NE(numberOf([&] { calc.openWorkbook((folder / "Gone.xlsx").string()); }), 0);
+  EXPECT_EQ(calc.workbooks(), std::vector<std::string>{"Known.xlsx"});
+}
+
+// The owner of an office, in a process of its own that can be ended in any way.
+class OwnerDies : public testing::TestWithParam<int> {};
+
+TEST_P(OwnerDies, AndItsOfficeGoesToo) {
+  std::array<int, 2> report{};
+  ASSERT_EQ(::pipe(report.data()), 0);
+  const pid_t owner = ::fork();
+  if (owner == 0) {
+    PrivateOffice office;
+    office.open();
+    const std::string text =
+        std::to_string(office.process()) + " " + office.folder().string() + "\n";
+    if (::write(report[1], text.data(), text.size()) < 0) ::_exit(1);
+    for (;;) ::pause();
+  }
+  ::close(report[1]);
+  std::string text;
+  for (char c = 0; ::read(report[0], &c, 1) == 1 && c != '\n';) text += c;
+  ::close(report[0]);
+  const std::size_t blank = text.find(' ');
+  ASSERT_NE(blank, std::string::npos);
+  const pid_t process = std::stoi(text);
+  const std::filesystem::path folder = text.substr(blank + 1);
+  EXPECT_FALSE(isGone(process));
+  ASSERT_EQ(::kill(owner, GetParam()), 0);
+  ::waitpid(owner, nullptr, 0);
+  EXPECT_TRUE(eventually([&] {
+    return isGone(process) && !std::filesystem::exists(folder) &&
+           !std::filesystem::exists(pipeFile(folder.filename().string())) &&
+           !std::filesystem::exists(pipeFile(singleInstancePipe(fileUrl(folder / "profile"))));
+  }));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEverySignal, OwnerDies,
+                         testing::Values(SIGKILL, SIGTERM, SIGINT, SIGHUP));
+
+}  // namespace
+}  // namespace quorin::host::calc
