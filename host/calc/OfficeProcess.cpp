@@ -4,6 +4,7 @@
 #include <charconv>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string_view>
 #include <sys/stat.h>
 #include <thread>
@@ -15,9 +16,12 @@ namespace {
 using namespace std::string_view_literals;
 constexpr std::string_view installationArgument = "-env:UserInstallation=";
 
+// Empty when the process ends meanwhile: reading fails then, also after the file was opened.
 std::string contentsOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  std::ostringstream contents;
+  contents << stream.rdbuf();
+  return stream ? contents.str() : std::string();
 }
 
 std::vector<std::string> splitAtNulls(const std::string& text) {
