@@ -30,24 +30,24 @@ Bridge::Bridge(ExcelThread& thread, DiagLog& log, HighlightStore& store, UnhideS
       clock_(std::move(clock)) {}
 
 Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
-  if (verb != "probe" && !excelRunning()) {
-    JSONValue::Object error{{"kind", "transport"},
-                            {"message", "Excel is not running"},
-                            {"code", applicationNotRunning}};
-    return {false, std::move(error)};
-  }
-  const Verb* const known = findVerb(verb);
-  if (!known) {
-    log_.log("ERROR", verb + ": unknown verb");
-    return {false, errorObject("transport", "unknown verb " + verb)};
-  }
-  if (!known->accepts(args)) {
-    log_.log("ERROR", verb + ": bad args");
-    return {false, errorObject("transport", "bad args for " + verb)};
-  }
   std::string kind = "transport";
   std::string message;
   try {
+    if (verb != "probe" && !excelRunning()) {
+      JSONValue::Object error{{"kind", "transport"},
+                              {"message", "Excel is not running"},
+                              {"code", applicationNotRunning}};
+      return {false, std::move(error)};
+    }
+    const Verb* const known = findVerb(verb);
+    if (!known) {
+      log_.log("ERROR", verb + ": unknown verb");
+      return {false, errorObject("transport", "unknown verb " + verb)};
+    }
+    if (!known->accepts(args)) {
+      log_.log("ERROR", verb + ": bad args");
+      return {false, errorObject("transport", "bad args for " + verb)};
+    }
     return {true, known->run(*this, args)};
   } catch (const ExcelError& error) {
     if (error.code() == ExcelError::timedOut) kind = "timeout";

@@ -19,8 +19,8 @@ JSONValue stateObject(const std::string& state) {
 }  // namespace
 
 JSONValue Bridge::probe() {
-  if (!excelRunning()) return stateObject("notRunning");
   try {
+    if (!excelRunning()) return stateObject("notRunning");
     return BridgeShapes::probeObject(thread_.call("qx_probe", {}, probeBudget));
   } catch (const ExcelError& error) {
     log_.log("ERROR", "probe: " + std::to_string(error.code()) + ": " + error.message());

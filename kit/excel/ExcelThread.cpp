@@ -121,13 +121,15 @@ ExcelThread::Outcome ExcelThread::invoke(const std::string& handler, const JSONV
                                          Duration timeout) {
   if (compileError_) return Failure{ExcelError::notCompiled, *compileError_};
 
-  const Duration start = clock_.now();
+  Duration waited = Duration::zero();
   if (pending_) {
+    const Duration start = clock_.now();
     if (!waitForPending(pending_->done, timeout)) return stillBusy(timeout);
+    waited = clock_.now() - start;
     pending_.reset();
   }
   const auto box = std::make_shared<CallBox>(subroutineCall(handler, args));
-  const Duration budget = std::max<Duration>(timeout - (clock_.now() - start), leastBudget);
+  const Duration budget = std::max<Duration>(timeout - waited, leastBudget);
   thread_.post([box](ScriptRunner& runner) { execute(*box, runner); });
 
   const Duration sent = clock_.now();

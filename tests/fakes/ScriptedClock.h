@@ -41,6 +41,12 @@ class ScriptedClock : public CallClock {
     outside_.push_back({Duration::zero(), false, std::move(first)});
   }
 
+  // From now on every look at the clock finds it this much later.
+  void tick(Duration time) {
+    const std::lock_guard lock(mutex_);
+    tick_ = time;
+  }
+
   // How long each wait was allowed to take, in order: inside the gate, and outside.
   std::vector<Duration> waits() const {
     const std::lock_guard lock(mutex_);
@@ -53,7 +59,7 @@ class ScriptedClock : public CallClock {
 
   Duration now() override {
     const std::lock_guard lock(mutex_);
-    return now_;
+    return now_ += tick_;
   }
 
   bool wait(Semaphore& semaphore, Duration atMost) override {
@@ -88,6 +94,7 @@ class ScriptedClock : public CallClock {
   std::vector<Duration> gateWaits_;
   std::vector<Duration> outsideWaits_;
   Duration now_ = std::chrono::hours(1);
+  Duration tick_ = Duration::zero();
 };
 
 }  // namespace quorin::fakes

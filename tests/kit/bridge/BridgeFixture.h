@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <gmock/gmock.h>
+#include <stdexcept>
 #include <string>
 
 #include "kit/bridge/Bridge.h"
@@ -14,8 +15,12 @@ namespace quorin {
 
 class FakeTarget : public TargetApplication {
  public:
-  bool isRunning() override { return running; }
+  bool isRunning() override {
+    if (broken) throw std::runtime_error("no list of processes");
+    return running;
+  }
   std::atomic<bool> running = true;
+  std::atomic<bool> broken = false;
 };
 
 class BridgeFixture : public testing::Test {

@@ -182,6 +182,14 @@ TEST_F(Dispatch, AnswersAShapeErrorWithItsMessage) {
               ElementsAre("ERROR readCell: readCell payload has an unexpected shape"));
 }
 
+TEST_F(Dispatch, LetsNothingEscapeFromTheSystemEither) {
+  target_.broken = true;
+  EXPECT_EQ(bridge_.dispatch("readCell", {}),
+            (Bridge::Reply{false, error("transport", "no list of processes")}));
+  EXPECT_EQ(bridge_.dispatch("probe", {}), (Bridge::Reply{true, Object{{"state", "busy"}}}));
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR readCell: no list of processes"));
+}
+
 TEST_F(Dispatch, GivesTheResultOfTheVerb) {
   excel_.returns("qx_pollcell", Array{"Book1", "Sheet1", "$A$1"});
   EXPECT_EQ(

@@ -73,6 +73,14 @@ TEST_F(ExcelThreadTiming, GivesACallItsWholeTimeoutWhenNothingIsPending) {
   EXPECT_THAT(waits(), ElementsAre(milliseconds(2500)));
 }
 
+TEST_F(ExcelThreadTiming, TakesNothingOffTheBudgetForItsOwnWork) {
+  clock_.tick(std::chrono::microseconds(1));
+  clock_.timesOut([this] { slowBegan_.wait(); });
+  EXPECT_EQ(outcome("qx_slow", 9), "-9990 Excel did not respond within 9s");
+  EXPECT_THAT(waits(), ElementsAre(seconds(9)));
+  slowMayEnd_.signal();
+}
+
 TEST_F(ExcelThreadTiming, TimesOutWithTheWholeSecondsOfTheBudget) {
   clock_.timesOut([this] { slowBegan_.wait(); });
   EXPECT_EQ(outcome("qx_slow", 9.99), "-9990 Excel did not respond within 9s");
