@@ -52,7 +52,7 @@ constexpr int maximumValueDepth = 400;
 // How many parts of values one operation may look at; shared parts count each time.
 class WorkBudget {
  public:
-  explicit WorkBudget(std::size_t parts = std::size_t{1} << 24) : left_(parts) {}
+  explicit WorkBudget(std::size_t parts = std::size_t{1} << 22) : left_(parts) {}
   void spend(std::size_t parts = 1) {
     if (parts > left_) failOutOfMemory();
     left_ -= parts;

@@ -85,7 +85,8 @@ std::string show(const ScriptOutcome& outcome, const Application* application) {
 Script EngineFixture::compiled(std::string_view source) {
   auto result = compile(source, applications);
   if (const auto* error = std::get_if<CompileError>(&result)) {
-    ADD_FAILURE() << "line " << error->line << ": " << error->message << "\n" << source;
+    ADD_FAILURE() << "line " << error->line << ": " << error->message << "\n"
+                  << source.substr(0, 200);
     result = compile("", applications);
   }
   return std::move(std::get<Script>(result));
@@ -95,7 +96,7 @@ CompileError EngineFixture::compileError(std::string_view source) {
   const auto result = compile(source, applications);
   const auto* error = std::get_if<CompileError>(&result);
   if (!error) {
-    ADD_FAILURE() << "compiled: " << source;
+    ADD_FAILURE() << "compiled: " << source.substr(0, 200);
     return {};
   }
   return *error;
