@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "host/calc/OfficeFiles.h"
+#include "kit/support/FolderLock.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -260,6 +261,36 @@ TEST_F(Quorinctl, KeepsItsFilesWhereItIsToldTo) {
 
 // Each workbook of the collection, where that is at hand.
 class EveryWorkbook : public Quorinctl, public testing::WithParamInterface<std::string> {};
+
+TEST_F(Quorinctl, DoesNotAttachWhileQuorinHoldsItsFolder) {
+  const auto held = FolderLock::acquire(folder_ / "data/Quorin");
+  ASSERT_TRUE(held);
+  const auto tool = start({"--attach"});
+  EXPECT_EQ(tool->wait(), 2);
+  EXPECT_EQ(tool->readLine(), std::nullopt);
+  EXPECT_EQ(tool->errors(),
+            "quorinctl: " + (folder_ / "data/Quorin").string() + " is in use by another Quorin\n");
+  EXPECT_THAT(namesIn(folder_ / "data"), ElementsAre("Quorin", "Quorin/lock"));
+  EXPECT_THAT(namesIn(folder_ / "state"), IsEmpty());
+}
+
+TEST_F(Quorinctl, TellsThatTheOfficeDied) {
+  const auto tool = start({"--workbook", workbook()});
+  ask(*tool, 1, "pollCell");
+  std::vector<pid_t> offices = processesWith("soffice.bin");
+  std::erase_if(offices, [ours = processesWith((folder_ / "tmp").string())](pid_t process) {
+    return std::find(ours.begin(), ours.end(), process) == ours.end();
+  });
+  ASSERT_THAT(offices, Not(IsEmpty()));
+  for (const pid_t office : offices)
+    if (programOf(office) == "soffice.bin") kill(office, SIGKILL);
+  const JSONValue answer = ask(*tool, 2, "readCell");
+  EXPECT_EQ(member(answer, "ok"), JSONValue(false));
+  EXPECT_EQ(member(member(answer, "payload"), "kind"), JSONValue("transport"));
+  tool->closeInput();
+  EXPECT_EQ(tool->wait(), 0);
+  expectNothingLeft();
+}
 
 bool isLate(const JSONValue& payload) {
   const JSONValue* const kind = payload.member("kind");

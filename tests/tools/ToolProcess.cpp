@@ -159,6 +159,12 @@ std::vector<pid_t> processesWith(const std::string& text) {
   return found;
 }
 
+std::string programOf(pid_t process) {
+  std::error_code ended;
+  return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/exe", ended)
+      .filename();
+}
+
 bool waitUntilEnded(const std::vector<pid_t>& processes) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
   return std::all_of(processes.begin(), processes.end(), [deadline](pid_t process) {

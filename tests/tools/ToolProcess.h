@@ -44,6 +44,9 @@ class ToolProcess {
 // The processes whose arguments hold this text.
 std::vector<pid_t> processesWith(const std::string& text);
 
+// The name of the program that a process runs, without its folder; empty when it has ended.
+std::string programOf(pid_t process);
+
 // Waits until all of them have ended. False when some are still there after a minute.
 bool waitUntilEnded(const std::vector<pid_t>& processes);
 

@@ -10,14 +10,15 @@
 #include <utility>
 #include <variant>
 
-#include "host/Spreadsheet.h"
 #include "host/calc/PrivateOffice.h"
+#include "host/calc/RunningOffice.h"
 #include "kit/platform/Thread.h"
+#include "kit/platform/XDGFolders.h"
 #include "kit/support/FolderLock.h"
 #include "tools/quorinctl/LineBuffer.h"
-#include "tools/quorinctl/PrivateTarget.h"
 #include "tools/quorinctl/RequestLine.h"
 #include "tools/quorinctl/Session.h"
+#include "tools/quorinctl/Targets.h"
 #include "tools/quorinctl/Waiter.h"
 
 namespace quorin::ctl {
@@ -34,9 +35,25 @@ class Unserved : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Removes a folder at the end of its scope. Whatever goes wrong with that stays untold.
+class FolderRemoval {
+ public:
+  explicit FolderRemoval(std::filesystem::path folder) : folder_(std::move(folder)) {}
+  ~FolderRemoval() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  FolderRemoval(const FolderRemoval&) = delete;
+  FolderRemoval& operator=(const FolderRemoval&) = delete;
+
+ private:
+  const std::filesystem::path folder_;
+};
+
 struct Place {
-  Session::Parts parts;
+  std::unique_ptr<FolderRemoval> folder;  // first: everything else ends before it goes
   std::optional<FolderLock> lock;
+  Session::Parts parts;
 };
 
 std::optional<FolderLock> locked(const std::filesystem::path& folder) {
@@ -57,11 +74,28 @@ Place privatePlace(const ServeCommand& command) {
     place.lock = locked(data / "Quorin");
   }
   auto office = std::make_unique<host::calc::PrivateOffice>();
-  if (!command.data) data = office->folder() / "data";
+  if (!command.data) {
+    data = office->folder() / "data";
+    // An office that died takes the folder with it, and the log makes it anew.
+    place.folder = std::make_unique<FolderRemoval>(office->folder());
+  }
   place.parts.target = std::make_unique<PrivateTarget>(office->folder());
   place.parts.office = std::move(office);
   place.parts.log = data / "Logs" / "Quorin" / "quorin.log";
   place.parts.records = data / "Quorin";
+  return place;
+}
+
+// The user's own folders, as Quorin itself uses them; so never while it runs.
+Place attachedPlace() {
+  const XDGFolders folders(processEnvironment());
+  Place place;
+  place.parts.records = folders.applicationSupport() / "Quorin";
+  place.parts.log = folders.library() / "Logs" / "Quorin" / "quorin.log";
+  place.lock = locked(place.parts.records);
+  const auto discovery = std::make_shared<host::calc::OfficeDiscovery>();
+  place.parts.target = std::make_unique<RunningTarget>(discovery);
+  place.parts.office = std::make_unique<host::calc::RunningOffice>(discovery);
   return place;
 }
 
@@ -154,12 +188,12 @@ bool Server::write(const JSONValue& id, const Bridge::Reply& reply,
 }
 
 int served(const ServeCommand& command, Waiter& waiter) {
-  if (command.attach) throw Unserved("--attach is not available yet");
-  Place place = privatePlace(command);
+  Place place = command.attach ? attachedPlace() : privatePlace(command);
   Session session(std::move(place.parts));
   if (session.compileError()) throw Unserved(*session.compileError());
   Server server(session, waiter, command.timing);
-  if (server.open(command.workbook) && server.run()) return 0;
+  // The user's Calc may not be there yet, or go and come back: the replies tell.
+  if ((command.attach || server.open(command.workbook)) && server.run()) return 0;
   return waiter.signalNumber() != 0 ? signalled + waiter.signalNumber() : signalled + SIGPIPE;
 }
 

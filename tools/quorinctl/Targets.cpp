@@ -1,4 +1,4 @@
-#include "tools/quorinctl/PrivateTarget.h"
+#include "tools/quorinctl/Targets.h"
 
 #include <algorithm>
 
@@ -11,10 +11,14 @@ PrivateTarget::PrivateTarget(const std::filesystem::path& folder)
     : folder_(host::calc::fileUrl(folder) + "/") {}
 
 bool PrivateTarget::isRunning() {
+  const std::lock_guard lock(mutex_);
+  if (found_ != 0 && std::filesystem::exists("/proc/" + std::to_string(found_))) return true;
   const auto processes = host::calc::officeProcesses();
-  return std::any_of(processes.begin(), processes.end(), [this](const auto& process) {
+  const auto ours = std::find_if(processes.begin(), processes.end(), [this](const auto& process) {
     return process.userInstallation().starts_with(folder_);
   });
+  found_ = ours == processes.end() ? 0 : ours->id;
+  return found_ != 0;
 }
 
 }  // namespace quorin::ctl
