@@ -1,0 +1,62 @@
+#include <fstream>
+#include <gtest/gtest.h>
+
+#include "host/calc/OfficeDiscovery.h"
+#include "tests/fakes/TemporaryFolder.h"
+
+namespace quorin::host::calc {
+namespace {
+
+class Discovery : public testing::Test {
+ protected:
+  void add(const std::string& id, const std::string& arguments, const std::string& libraries) {
+    const auto process = proc / id;
+    std::filesystem::create_directory(process);
+    std::ofstream(process / "comm") << "soffice.bin\n";
+    std::ofstream(process / "cmdline") << "soffice.bin" << '\0' << arguments << '\0';
+    std::ofstream(process / "maps") << libraries;
+    std::filesystem::create_symlink("/opt/office/program/soffice.bin", process / "exe");
+  }
+  std::optional<pid_t> found() {
+    const auto office = OfficeDiscovery(proc.path()).runningCalc();
+    return office ? std::optional(office->id) : std::nullopt;
+  }
+  static constexpr const char* writer = "7f00 r-xp /opt/office/program/libswlo.so\n";
+  static constexpr const char* calc = "7f00 r-xp /opt/office/program/libsclo.so\n";
+  TemporaryFolder proc;
+};
+
+TEST_F(Discovery, FindsNothingWhereNothingRuns) {
+  EXPECT_EQ(found(), std::nullopt);
+}
+
+TEST_F(Discovery, TakesTheStartCentreForCalc) {
+  add("5", "--nologo", "");
+  EXPECT_EQ(found(), 5);
+}
+
+TEST_F(Discovery, DoesNotTakeWriterForCalc) {
+  add("5", "--writer", writer);
+  EXPECT_EQ(found(), std::nullopt);
+  add("6", "--writer", std::string(writer) + calc);
+  EXPECT_EQ(found(), 6);
+}
+
+TEST_F(Discovery, LeavesOutOfficesWithoutWindowsAndOurOwn) {
+  add("5", "--headless", calc);
+  add("6", "-env:UserInstallation=file:///tmp/quorin-office-AbC123/profile", calc);
+  EXPECT_EQ(found(), std::nullopt);
+}
+
+TEST_F(Discovery, StaysWithTheOfficeItFoundWhileThatRuns) {
+  OfficeDiscovery discovery(proc.path());
+  add("7", "--calc", calc);
+  EXPECT_EQ(discovery.runningCalc()->id, 7);
+  add("5", "--calc", calc);
+  EXPECT_EQ(discovery.runningCalc()->id, 7);
+  std::filesystem::remove_all(proc / "7");
+  EXPECT_EQ(discovery.runningCalc()->id, 5);
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
