@@ -15,7 +15,6 @@ namespace quorin::host::calc {
 namespace {
 
 using css::uno::Reference;
-using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
 bool isBoolean(Workbook& workbook, sal_Int32 format) {

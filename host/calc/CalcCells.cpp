@@ -32,7 +32,6 @@ using css::table::XCellRange;
 using css::uno::Any;
 using css::uno::Reference;
 using css::uno::Sequence;
-using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
 template <typename T>

@@ -22,7 +22,6 @@ namespace quorin::host::calc {
 namespace {
 
 using css::uno::Reference;
-using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
 // The office waits for this call, so it only notes the fact.
