@@ -82,7 +82,8 @@ std::optional<RangeRef> CalcEvaluator::asReference(CalcWorkbooks& workbooks,
   SheetRef sheet{split->book.value_or(from.book), split->sheet.value_or(from.sheet)};
   const std::vector<std::string> books = workbooks.names();
   if (std::find(books.begin(), books.end(), sheet.book) == books.end()) return std::nullopt;
-  const Workbook& workbook = workbooks.named(sheet.book);
+  const std::shared_ptr<Workbook> held = workbooks.named(sheet.book);
+  const Workbook& workbook = *held;
   bool known = false;
   for (const std::string& name : sheetNames(workbook)) {
     if (upperCase(name) != upperCase(sheet.sheet)) continue;
@@ -97,12 +98,12 @@ std::optional<RangeRef> CalcEvaluator::asReference(CalcWorkbooks& workbooks,
 
 Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& expression,
                                    const SheetRef& from) {
-  sheetOf(workbooks.named(from.book), from.sheet);
+  const std::shared_ptr<Workbook> original = workbooks.named(from.book);
+  sheetOf(*original, from.sheet);
   if (const auto reference = asReference(workbooks, expression, from)) return *reference;
-  const Workbook& original = workbooks.named(from.book);
-  if (!clone_ || !clone_->isOf(original)) {
+  if (!clone_ || !clone_->isOf(*original)) {
     clone_.reset();
-    clone_ = std::make_unique<HiddenClone>(context_, original);
+    clone_ = std::make_unique<HiddenClone>(context_, *original);
   }
   ExpressionContext context{from.book, [&](const std::string& book) -> std::optional<std::string> {
                               for (const Window& window : workbooks.windows()) {

@@ -94,7 +94,7 @@ bool CalcSpreadsheet::isFrontmost() {
 
 void CalcSpreadsheet::activate() {
   call([](CalcSession& office) {
-    if (const Window* window = office.workbooks().active()) bringToFront(*window);
+    if (const auto window = office.workbooks().active()) bringToFront(*window);
   });
 }
 
@@ -103,17 +103,17 @@ std::vector<std::string> CalcSpreadsheet::workbooks() {
 }
 
 std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
-  return call([&](CalcSession& office) { return sheetNames(office.workbooks().named(book)); });
+  return call([&](CalcSession& office) { return sheetNames(*office.workbooks().named(book)); });
 }
 
 std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
   return call([&](CalcSession& office) -> std::optional<Bounds> {
-    const Window* active = office.workbooks().active();
-    if (active == nullptr || index < 1) return std::nullopt;
+    const auto active = office.workbooks().active();
+    if (!active || index < 1) return std::nullopt;
     if (index == 1) return boundsOf(*active);
     int position = 1;
     for (const Window& window : office.workbooks().windows()) {
-      if (&window != active && ++position == index) return boundsOf(window);
+      if (window.frame != active->frame && ++position == index) return boundsOf(window);
     }
     return std::nullopt;
   });
@@ -121,29 +121,29 @@ std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
 
 std::optional<std::string> CalcSpreadsheet::activeWorkbook() {
   return call([](CalcSession& office) -> std::optional<std::string> {
-    const Window* window = office.workbooks().active();
-    return window == nullptr ? std::nullopt : std::optional(window->workbook->name);
+    const auto window = office.workbooks().active();
+    return !window ? std::nullopt : std::optional(window->workbook->name);
   });
 }
 
 std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
   return call([](CalcSession& office) -> std::optional<SheetRef> {
-    const Window* window = office.workbooks().active();
-    return window == nullptr ? std::nullopt : std::optional(calc::activeSheetOf(*window));
+    const auto window = office.workbooks().active();
+    return !window ? std::nullopt : std::optional(calc::activeSheetOf(*window));
   });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::activeCell() {
   return call([](CalcSession& office) -> std::optional<RangeRef> {
-    const Window* window = office.workbooks().active();
-    return window == nullptr ? std::nullopt : std::optional(activeCellOf(*window));
+    const auto window = office.workbooks().active();
+    return !window ? std::nullopt : std::optional(activeCellOf(*window));
   });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::selection() {
   return call([](CalcSession& office) -> std::optional<RangeRef> {
-    const Window* window = office.workbooks().active();
-    return window == nullptr ? std::nullopt : std::optional(selectionOf(*window));
+    const auto window = office.workbooks().active();
+    return !window ? std::nullopt : std::optional(selectionOf(*window));
   });
 }
 
@@ -178,49 +178,49 @@ void CalcSpreadsheet::scrollTo(const RangeRef& range) {
 
 std::optional<RangeRef> CalcSpreadsheet::named(const SheetRef& from, const std::string& name) {
   return call([&](CalcSession& office) {
-    return findNamed(office.workbooks().named(from.book), from.sheet, name);
+    return findNamed(*office.workbooks().named(from.book), from.sheet, name);
   });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::currentRegion(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return findCurrentRegion(office.workbooks().named(range.sheet.book), range);
+    return findCurrentRegion(*office.workbooks().named(range.sheet.book), range);
   });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::usedRange(const SheetRef& sheet) {
   return call([&](CalcSession& office) {
-    return findUsedRange(office.workbooks().named(sheet.book), sheet.sheet);
+    return findUsedRange(*office.workbooks().named(sheet.book), sheet.sheet);
   });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::dependents(const RangeRef& range, DependentLevels levels) {
   return call([&](CalcSession& office) {
-    return findDependents(office.workbooks().named(range.sheet.book), range, levels);
+    return findDependents(*office.workbooks().named(range.sheet.book), range, levels);
   });
 }
 
 Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return readValues(office.workbooks().named(range.sheet.book), range);
+    return readValues(*office.workbooks().named(range.sheet.book), range);
   });
 }
 
 Grid<CellValue> CalcSpreadsheet::formulas(const RangeRef& range, ReferenceStyle style) {
   return call([&](CalcSession& office) {
-    return readFormulas(office.workbooks().named(range.sheet.book), range, style);
+    return readFormulas(*office.workbooks().named(range.sheet.book), range, style);
   });
 }
 
 Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return readLocalFormulas(office.workbooks().named(range.sheet.book), range);
+    return readLocalFormulas(*office.workbooks().named(range.sheet.book), range);
   });
 }
 
 Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return readTexts(office.workbooks().named(range.sheet.book), range);
+    return readTexts(*office.workbooks().named(range.sheet.book), range);
   });
 }
 

@@ -97,8 +97,8 @@ void bringToFront(const Window& window) {
   if (top.is()) top->toFront();
 }
 
-Window& CalcNavigation::enter(const std::string& book) {
-  Window& target = workbooks_.windowOf(book);
+Window CalcNavigation::enter(const std::string& book) {
+  Window target = workbooks_.windowOf(book);
   bool inFront = false;
   for (const Window& window : workbooks_.windows()) {
     if (isEditing(window.frame)) {
@@ -106,18 +106,18 @@ Window& CalcNavigation::enter(const std::string& book) {
     }
     inFront = inFront || isFrontmost(window);
   }
-  const Window* front = workbooks_.active();
-  if (front == nullptr || front->frame != target.frame) {
+  const auto front = workbooks_.active();
+  if (!front || front->frame != target.frame) {
     target.frame->activate();
     if (inFront) bringToFront(target);  // another application keeps its place in front
   }
   return target;
 }
 
-Window& CalcNavigation::enter(const SheetRef& sheet) {
+Window CalcNavigation::enter(const SheetRef& sheet) {
   const Reference<css::sheet::XSpreadsheet> page =
-      sheetOf(workbooks_.named(sheet.book), sheet.sheet);
-  Window& window = enter(sheet.book);
+      sheetOf(*workbooks_.named(sheet.book), sheet.sheet);
+  const Window window = enter(sheet.book);
   if (!window.view.is()) throw SpreadsheetError(-10000, "The workbook shows a print preview");
   if (activeSheetOf(window).sheet != sheet.sheet) window.view->setActiveSheet(page);
   return window;
@@ -133,8 +133,8 @@ void CalcNavigation::activateSheet(const SheetRef& sheet) {
 
 void CalcNavigation::select(const RangeRef& range) {
   firstArea(range);
-  const Any selection = selectionFor(workbooks_.named(range.sheet.book), range);
-  Window& window = enter(range.sheet);
+  const Any selection = selectionFor(*workbooks_.named(range.sheet.book), range);
+  const Window window = enter(range.sheet);
   const Reference<css::view::XSelectionSupplier> supplier(window.controller, UNO_QUERY_THROW);
   if (!supplier->select(selection)) throw SpreadsheetError(-50, "The range cannot be selected");
 }
@@ -142,14 +142,14 @@ void CalcNavigation::select(const RangeRef& range) {
 void CalcNavigation::activateCell(const RangeRef& range) {
   const Area& area = firstArea(range);
   const Area cell{area.firstRow, area.firstColumn, area.firstRow, area.firstColumn};
-  Window& window = enter(range.sheet);
+  const Window window = enter(range.sheet);
   if (activeCellOf(window).areas.front() == cell) return;
   select({range.sheet, {cell}});
 }
 
 void CalcNavigation::scrollTo(const RangeRef& range) {
   const Area& area = firstArea(range);
-  Window& window = enter(range.sheet);
+  const Window window = enter(range.sheet);
   const Reference<css::sheet::XViewPane> pane(window.controller, UNO_QUERY_THROW);
   pane->setFirstVisibleColumn(area.firstColumn - 1);
   pane->setFirstVisibleRow(area.firstRow - 1);

@@ -27,8 +27,8 @@ class CalcNavigation {
   void scrollTo(const RangeRef& range);
 
  private:
-  Window& enter(const std::string& book);  // after the check for an edit
-  Window& enter(const SheetRef& sheet);
+  Window enter(const std::string& book);  // after the check for an edit
+  Window enter(const SheetRef& sheet);
 
   CalcWorkbooks& workbooks_;
 };

@@ -31,7 +31,6 @@ void CalcWorkbooks::read() {
   const std::vector<Window> known = std::move(windows_);  // also keeps their proxies alive
   workbooks_.clear();
   windows_.clear();
-  otherDocuments_ = startCentre_ = false;
   const Reference<css::container::XIndexAccess> frames(desktop_->getFrames(), UNO_QUERY_THROW);
   const sal_Int32 count = frames->getCount();
   for (sal_Int32 i = 0; i < count; ++i) {
@@ -48,14 +47,9 @@ void CalcWorkbooks::addWindow(const Reference<css::frame::XFrame>& frame,
   if (!shown.is() || !shown->isVisible()) return;
   const Reference<css::frame::XController> controller = frame->getController();
   const Reference<css::frame::XModel> model = controller.is() ? controller->getModel() : nullptr;
-  if (!model.is()) {
-    startCentre_ = true;
-  } else if (Reference<css::sheet::XSpreadsheetDocument>(model, UNO_QUERY).is()) {
-    windows_.push_back({workbookOf(model, known), frame, controller,
-                        Reference<css::sheet::XSpreadsheetView>(controller, UNO_QUERY)});
-  } else {
-    otherDocuments_ = true;
-  }
+  if (!Reference<css::sheet::XSpreadsheetDocument>(model, UNO_QUERY).is()) return;
+  windows_.push_back({workbookOf(model, known), frame, controller,
+                      Reference<css::sheet::XSpreadsheetView>(controller, UNO_QUERY)});
 }
 
 std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::XModel>& model,
@@ -98,11 +92,11 @@ std::vector<std::string> CalcWorkbooks::names() {
   return names;
 }
 
-Workbook& CalcWorkbooks::named(const std::string& name) {
-  return *windowOf(name).workbook;
+std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
+  return windowOf(name).workbook;
 }
 
-Window* CalcWorkbooks::active() {
+std::optional<Window> CalcWorkbooks::active() {
   const bool stale = !readAt_ || std::chrono::steady_clock::now() - *readAt_ > trustedFor;
   const Reference<css::frame::XFrame> current = desktop_->getCurrentFrame();
   const auto showing = [&] {
@@ -121,14 +115,14 @@ Window* CalcWorkbooks::active() {
     });
     if (window == windows_.end()) window = windows_.begin();
   }
-  if (window == windows_.end()) return nullptr;
+  if (window == windows_.end()) return std::nullopt;
   lastActive_ = window->workbook;
-  return &*window;
+  return *window;
 }
 
-Window& CalcWorkbooks::windowOf(const std::string& name) {
-  Window* front = active();
-  if (front != nullptr && front->workbook->name == name) return *front;
+Window CalcWorkbooks::windowOf(const std::string& name) {
+  const std::optional<Window> front = active();
+  if (front && front->workbook->name == name) return *front;
   const auto named = [&] {
     return std::find_if(windows_.begin(), windows_.end(),
                         [&](const Window& window) { return window.workbook->name == name; });
@@ -146,14 +140,9 @@ Window& CalcWorkbooks::windowOf(const std::string& name) {
   return *window;
 }
 
-const std::vector<Window>& CalcWorkbooks::windows() {
+std::vector<Window> CalcWorkbooks::windows() {
   active();
   return windows_;
-}
-
-bool CalcWorkbooks::showsOnlyOthers() {
-  active();
-  return windows_.empty() && otherDocuments_ && !startCentre_;
 }
 
 std::vector<std::string> workbookNames(const std::vector<std::string>& urls,

@@ -2,8 +2,8 @@
 // Frames that show nothing are not the user's and are left out. Call thread.
 //
 // What was read is kept for a moment: a window that is new is noticed at once, everything else on
-// the next full reading. A document that was closed meanwhile answers DisposedException; then
-// forget() and ask again.
+// the next full reading. Answers are values: a later reading never takes them away. A document that
+// was closed meanwhile answers DisposedException; then forget() and ask again.
 #pragma once
 
 #include <chrono>
@@ -45,12 +45,11 @@ class CalcWorkbooks {
   explicit CalcWorkbooks(css::uno::Reference<css::frame::XDesktop2> desktop);
 
   void forget();
-  std::vector<std::string> names();           // in the order of opening
-  Workbook& named(const std::string& name);   // SpreadsheetError -1728
-  Window* active();                           // none when no workbook is open
-  Window& windowOf(const std::string& name);  // the active one where it has several
-  const std::vector<Window>& windows();
-  bool showsOnlyOthers();  // there are windows, but no spreadsheet and no start centre
+  std::vector<std::string> names();                          // in the order of opening
+  std::shared_ptr<Workbook> named(const std::string& name);  // SpreadsheetError -1728
+  std::optional<Window> active();                            // none when no workbook is open
+  Window windowOf(const std::string& name);                  // the active one where it has several
+  std::vector<Window> windows();
 
  private:
   void read();
@@ -64,7 +63,6 @@ class CalcWorkbooks {
   std::vector<std::shared_ptr<Workbook>> workbooks_;
   std::vector<Window> windows_;
   std::weak_ptr<Workbook> lastActive_;
-  bool otherDocuments_ = false, startCentre_ = false;
   std::optional<std::chrono::steady_clock::time_point> readAt_;
 };
 
