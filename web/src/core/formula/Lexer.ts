@@ -2,6 +2,8 @@
 // Never fails: what it cannot read is a token of kind "unknown". Between tokens lies white space and
 // nothing else.
 
+import { maxRows } from '../address/area';
+
 export type ReferenceStyle = 'a1' | 'r1c1';
 
 export type TokenKind =
@@ -29,11 +31,38 @@ export type TokenKind =
 const errorText =
   /#(?:NULL!|DIV\/0!|VALUE!|REF!|NAME\?|NUM!|N\/A|GETTING_DATA|SPILL!|CALC!|FIELD!|CONNECT!|BLOCKED!|UNKNOWN!|EXTERNAL!|PYTHON!|BUSY!)/iy;
 const exponent = /[eE][+-]?\d+/y;
-const a1Cell = /^\$?[A-Za-z]{1,3}\$?[1-9]\d{0,6}$/;
-const a1Column = /^\$?[A-Za-z]{1,3}$/;
-const a1Row = /^\$?[1-9]\d{0,6}$/;
+const a1Cell = /^\$?([A-Za-z]{1,3})\$?([1-9]\d{0,6})$/;
+const a1Column = /^\$?([A-Za-z]{1,3})$/;
+const a1Row = /^\$?([1-9]\d{0,6})$/;
 const r1c1Corner =
   /(?:R(?:\[-?\d+\]|\d+)?C(?:\[-?\d+\]|\d+)?|[RC](?:\[-?\d+\]|\d+)?)(?![[\]\p{L}\p{N}_.\\?!(])/iuy;
+
+/** $XFD$1048576 */
+const longestCell = 12;
+
+function isCellWord(word: string): boolean {
+  const [, letters = '', digits = ''] = a1Cell.exec(word) ?? [];
+  return letters !== '' && isColumn(letters) && isRow(digits);
+}
+
+function isColumnWord(word: string): boolean {
+  const [, letters = ''] = a1Column.exec(word) ?? [];
+  return letters !== '' && isColumn(letters);
+}
+
+function isRowWord(word: string): boolean {
+  const [, digits = ''] = a1Row.exec(word) ?? [];
+  return digits !== '' && isRow(digits);
+}
+
+/** Beyond the sheet's edge such a word is a name: XYZ1, say. */
+function isColumn(letters: string): boolean {
+  return letters.length < 3 || letters.toUpperCase() <= 'XFD';
+}
+
+function isRow(digits: string): boolean {
+  return digits.length < 7 || Number(digits) <= maxRows;
+}
 
 const enum Char {
   Tab = 9,
@@ -161,24 +190,24 @@ export class Lexer {
 
   /** A reference whose first word ends at `end`. */
   private a1(at: number, end: number, next: number): boolean {
-    // The longest first word is $XFD$1048576; a table's name is followed by its columns.
-    if (end - at > 12 || next === Char.OpenBracket) return false;
+    if (end - at > longestCell || next === Char.OpenBracket) return false;
     const first = this.text.slice(at, end);
-    const shape = a1Cell.test(first) ? a1Cell : a1Column.test(first) ? a1Column : a1Row;
-    const isCell = shape === a1Cell;
-    if (next === Char.Colon) {
-      const lastEnd = this.wordEnd(end + 1);
-      const after = this.text.charCodeAt(lastEnd);
-      const last = this.text.slice(end + 1, lastEnd);
-      const whole = after !== Char.Open && after !== Char.OpenBracket && shape.test(last);
-      if (after === Char.Exclamation && whole) return false;
-      if (whole && shape.test(first)) {
-        this.take('reference', lastEnd);
-        return true;
-      }
-    }
-    if (isCell) this.take('reference', end);
-    return isCell;
+    const isCell = isCellWord(first);
+    const last = next === Char.Colon ? this.lastWord(end + 1) : '';
+    if (isCell && isCellWord(last)) this.take('reference', end + 1 + last.length);
+    else if (isCell) this.take('reference', end);
+    else if (isColumnWord(first) ? isColumnWord(last) : isRowWord(first) && isRowWord(last)) {
+      this.take('reference', end + 1 + last.length);
+    } else return false;
+    return true;
+  }
+
+  /** The word behind a colon where it ends there: not a call, a table or a sheet. */
+  private lastWord(at: number): string {
+    const end = this.wordEnd(at);
+    const after = this.text.charCodeAt(end);
+    const goesOn = after === Char.Open || after === Char.OpenBracket || after === Char.Exclamation;
+    return goesOn ? '' : this.text.slice(at, end);
   }
 
   private r1c1(at: number): boolean {
@@ -274,14 +303,15 @@ export class Lexer {
   private bracket(at: number): void {
     const { text } = this;
     let depth = 0;
-    let end = at;
-    do {
+    let end = this.quotedBook(at);
+    while (depth > 0 || end === at) {
       const code = text.charCodeAt(end);
       if (code === Char.OpenBracket) depth++;
       else if (code === Char.CloseBracket) depth--;
       else if (code === Char.Apostrophe) end++;
       end++;
-    } while (depth > 0 && end < text.length);
+      if (end >= text.length) break;
+    }
     if (depth > 0) {
       this.take('unknown', text.length);
       return;
@@ -290,6 +320,14 @@ export class Lexer {
     if (text.charCodeAt(sheet) === Char.Exclamation) this.take('prefix', sheet + 1);
     else if (text.charCodeAt(sheet) !== Char.Colon || !this.sheets(sheet))
       this.take('columns', end);
+  }
+
+  /** Behind ['a book in quotes'], or `at` where there is none. */
+  private quotedBook(at: number): number {
+    if (this.text.charCodeAt(at + 1) !== Char.Apostrophe) return at;
+    const end = this.text.indexOf("']", at + 2) + 2;
+    const word = this.wordEnd(end);
+    return end > 1 && this.text.charCodeAt(word) === Char.Exclamation ? end : at;
   }
 
   /** An error text, the sheet of a reference whose sheet was deleted, or the sign of a spill. */
