@@ -1,5 +1,10 @@
 import { defineConfig } from 'vitest/config';
 
 export default defineConfig({
-  test: { environment: 'node', include: ['tests/core/**/*.test.ts', 'tests/tooling/**/*.test.ts'] },
+  test: {
+    environment: 'node',
+    include: ['tests/core/**/*.test.ts', 'tests/tooling/**/*.test.ts'],
+    // Generous: the corpus is gone through whole, and machines are shared.
+    testTimeout: 120_000,
+  },
 });

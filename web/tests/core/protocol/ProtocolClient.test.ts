@@ -96,6 +96,7 @@ describe('replies', () => {
   test('settle once: a second reply to the same id changes nothing', async () => {
     const outcome = client.ask('dependents', 'A1');
     client.resolve(100, { ok: true, payload: 'first' });
+    expect(client.pendingCount).toBe(0);
     client.resolve(100, { ok: true, payload: 'second' });
     expect(await outcome).toEqual({ ok: true, value: 'first' });
   });
