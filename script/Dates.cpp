@@ -45,7 +45,9 @@ Parts partsOf(const Date& date) {
 }
 
 std::string twoDigits(int value) {
-  return (value < 10 ? "0" : "") + std::to_string(value);
+  std::string text = std::to_string(value);
+  if (value < 10) text.insert(text.begin(), '0');
+  return text;
 }
 
 unsigned monthIndex(const Parts& parts) {

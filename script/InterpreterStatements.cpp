@@ -71,13 +71,16 @@ Interpreter::Flow Interpreter::run(const Repeat& statement) {
 }
 
 Interpreter::Flow Interpreter::run(const RepeatCounting& statement) {
-  const double from = toReal(evaluate(*statement.from));
+  const Value first = toNumber(evaluate(*statement.from));
+  const Value step = statement.by ? toNumber(evaluate(*statement.by)) : Value(1);
+  const double from = first.number();
   const double to = toReal(evaluate(*statement.to));
-  const double by = statement.by ? toReal(evaluate(*statement.by)) : 1;
+  const double by = step.number();
+  const bool integers = first.as<std::int32_t>() && step.as<std::int32_t>();
   if (by == 0) throw Failure{error::parameter, "The step of a repeat can't be 0."};
   for (double at = from; by > 0 ? at <= to : at >= to; at += by) {
     checkBudgets();
-    assignTo(*statement.variable, Value::number(at));
+    assignTo(*statement.variable, at == from ? first : integers ? Value::number(at) : Value(at));
     const Flow flow = execute(statement.body);
     if (flow == Flow::returned) return flow;
     if (flow == Flow::exitRepeat) return Flow::next;

@@ -120,6 +120,9 @@ ExpressionPointer Parser::parseTerm(const Meaning& meaning, bool asMember) {
   if (meaning.type || meaning.plural) return parseElement(meaning, asMember);
   at_ += meaning.words;
   if (meaning.property) {
+    const bool alone = !asMember && !atWord("of") && !atWord("in") && !meaning.fromApplication;
+    if (alone && *meaning.property == fourCharCode("hour")) return make(Literal{3600}, start);
+    if (alone && *meaning.property == fourCharCode("min ")) return make(Literal{60}, start);
     if (*meaning.property == fourCharCode("rslt") && !asMember) return make(Result{}, since(start));
     Part part;
     part.selector.code = *meaning.property;
@@ -165,6 +168,9 @@ ExpressionPointer Parser::parseElement(const Meaning& meaning, bool asMember) {
   Part part;
   part.selector.code = code;
   part.selector.origin = meaning.fromApplication ? terms() : nullptr;
+  if (code == fourCharCode("ldt ") && peek().kind == Token::Kind::string) {
+    failUnsupported("A date written as text");
+  }
   if (parseKeyForm(part)) return make(std::move(part), since(start));
   const bool contained = (atWord("of") || atWord("in")) && !atLabel();
   if (meaning.property && (contained || asMember)) {

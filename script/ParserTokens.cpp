@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "script/Display.h"
 #include "script/Parser.h"
 #include "script/Words.h"
 
@@ -30,6 +31,14 @@ constexpr std::string_view keywords[] = {
 
 bool isKeyword(std::string_view word) {
   return std::find(std::begin(keywords), std::end(keywords), word) != std::end(keywords);
+}
+
+// Enough of a text to know it by, in whole characters.
+std::string_view beginning(std::string_view text) {
+  std::size_t length = std::min<std::size_t>(text.size(), 40);
+  while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+    --length;
+  return text.substr(0, length);
 }
 
 }  // namespace
@@ -128,16 +137,16 @@ std::string Parser::describe(std::size_t ahead) const {
     case Token::Kind::ordinal:
       return "number";
     case Token::Kind::string:
-      return "\"" + token.text.substr(0, 40) + "\"";
+      return quoted(beginning(token.text));
     case Token::Kind::rawCode:
     case Token::Kind::symbol:
-      return "\"" + std::string(token.spelling) + "\"";
+      return quoted(token.spelling);
     case Token::Kind::escaped:
       return "identifier";
     case Token::Kind::word:
       break;
   }
-  if (isKeyword(token.text)) return "\"" + std::string(token.spelling) + "\"";
+  if (isKeyword(token.text)) return quoted(token.spelling);
   const Meaning meaning = meaningAt(ahead);
   if (meaning.words == 0) return "identifier";
   if (meaning.type || meaning.plural) return "class name";
@@ -236,7 +245,11 @@ bool Parser::atIdentifier(std::size_t ahead) const {
 }
 
 void Parser::skipArticle() {
-  while (atWord("the")) take();
+  while (atWord("the")) {
+    if (atWord("clipboard", 1))
+      failUnsupported("The scripting addition's command \"the clipboard\"");
+    take();
+  }
 }
 
 }  // namespace quorin::script

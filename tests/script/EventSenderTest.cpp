@@ -101,6 +101,16 @@ TEST_F(EventSending, PassesAnswersThroughAsTheyCame) {
   }
 }
 
+TEST_F(EventSending, CalculatesWithTheDatesThatCame) {
+  // 2024-02-29 13:05:09, as seconds since 1904.
+  excel.willAnswer(AppleEventDescriptor::withInteger(fourCharCode("ldt "), 3792056709));
+  EXPECT_EQ(tell("set d to value of range \"A1\"\nset e to d + 172800\n"
+                 "return {year of d, month of d as integer, day of d, weekday of d is Thursday, "
+                 "hours of d, minutes of d, seconds of d, day of e, e - d, e > d, d as text}"),
+            "{2024, 2, 29, true, 13, 5, 9, 2, 172800, true, "
+            "\"Thursday, February 29, 2024 1:05:09 PM\"}");
+}
+
 TEST_F(EventSending, LeavesAGridAloneUntilAnItemIsAskedFor) {
   AppleEventDescriptor::Items rows;
   for (int row = 0; row < 100; ++row) {
