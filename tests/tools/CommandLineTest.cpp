@@ -37,8 +37,8 @@ TEST(CommandLine, RefusesBadCallsInOneLine) {
   for (const Arguments& arguments :
        {Arguments{"--workbook"}, Arguments{"--attach", "--workbook", "a.xlsx"},
         Arguments{"--attach", "--data", "/tmp/d"}, Arguments{"--nonsense"}, Arguments{"a.xlsx"},
-        Arguments{"lint"}, Arguments{"lint", "a", "b"}, Arguments{"--timing", "lint", "a"},
-        Arguments{"--data"}}) {
+        Arguments{"two\nlines"}, Arguments{"lint"}, Arguments{"lint", "a", "b"},
+        Arguments{"--timing", "lint", "a"}, Arguments{"--data"}}) {
     const Command command = parseCommandLine(arguments);
     ASSERT_TRUE(std::holds_alternative<Notice>(command)) << testing::PrintToString(arguments);
     const Notice& notice = std::get<Notice>(command);

@@ -54,6 +54,14 @@ TEST(LineBuffer, TellsOnceThatALineIsTooLongAndGoesOn) {
   EXPECT_THAT(take(buffer), ElementsAre(Line{"ok"}));
 }
 
+TEST(LineBuffer, GivesALineUpWithItsFirstByteTooMany) {
+  LineBuffer buffer(5);
+  buffer.append("12345");
+  EXPECT_THAT(take(buffer), IsEmpty());
+  buffer.append("6");
+  EXPECT_THAT(take(buffer), ElementsAre(Line{"", true}));
+}
+
 TEST(LineBuffer, EndsInsideALineThatIsTooLong) {
   LineBuffer buffer(5);
   buffer.append("1234567");

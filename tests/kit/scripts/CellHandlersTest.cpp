@@ -43,6 +43,13 @@ TEST_F(CellHandlers, ReadCellDescribesConstantsBlanksBooleansAndErrors) {
               StartsWith(R"j(["Known.xlsx","Data","$C$4",4,3,"=1\/0","=1\/0",null,"$C$4")j"));
 }
 
+TEST_F(CellHandlers, ReadCellTakesTheWindowsRangeWhenTheSelectionIsNone) {
+  select("Data", "B4:C4");
+  // The first event is for the active cell, the second for the selection: a chart, say.
+  excel_->failAt(static_cast<int>(excel_->events().size()) + 2, {-1728, "", std::nullopt});
+  EXPECT_THAT(run("qx_readcell"), testing::EndsWith(R"j(3.5,"$B$4:$C$4","$A$1:$C$4"])j"));
+}
+
 TEST_F(CellHandlers, ReadCellDoesWithoutARegion) {
   memory_->script.atEvery("currentRegion", fakes::Fault{.number = -50});
   select("Data", "A7");

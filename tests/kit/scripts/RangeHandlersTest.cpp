@@ -38,6 +38,17 @@ TEST_F(RangeHandlers, ReadRangeNeverKillsExcelWithAnErrorInTheFirstColumn) {
   EXPECT_EQ(run("qx_pollcell"), R"j(["Known.xlsx","Data","$A$1"])j") << "Excel lives";
 }
 
+TEST_F(RangeHandlers, ReadRangeSeesTheErrorOfAColumnTooNarrowToShowIt) {
+  excel_->quirks.diesOfFirstColumnErrors = true;
+  excel_->quirks.dropsErrorRows = true;
+  const host::CellError error{"#DIV/0!"};
+  memory_->setCell({"Known.xlsx", "Blank"}, {"A1", 1.0});
+  memory_->setCell({"Known.xlsx", "Blank"}, {"A2", error, "=1/0", "", "###"});
+  memory_->setCell({"Known.xlsx", "Blank"}, {"A3", 3.0});
+  EXPECT_EQ(run("qx_readrange", {"Blank!A1:B3"}), R"j(["__ERRCOL",3,2,6])j");
+  EXPECT_EQ(run("qx_readrange", {"Blank!A2:B2"}), R"j(["__ERRCOL",1,2,2])j");
+}
+
 TEST_F(RangeHandlers, ReadRangeSeesTheErrorByItsTextWhereNoRowIsDropped) {
   EXPECT_EQ(run("qx_readrange", {"C2:D4"}), R"j(["__ERRCOL",3,2,6])j");
 }
