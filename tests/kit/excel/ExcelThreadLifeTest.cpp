@@ -149,33 +149,53 @@ TEST_F(ExcelThreadLife, SharesTheOneThatMainSetUp) {
   auto thread = make();
   ExcelThread::setShared(thread.get());
   EXPECT_EQ(&ExcelThread::shared(), thread.get());
-  thread.reset();
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_DEATH(ExcelThread::shared(), "ExcelThread::shared was asked for before main set it up");
 }
 
-using ExcelThreadDeathTest = ExcelThreadLife;
+// These end the process half way, so they have nothing that would need tidying up.
+class ExcelThreadDeathTest : public testing::Test {
+ protected:
+  ExcelThreadDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  // Calls on the thread that is the main one.
+  static JSONValue onMainThread(JSONValue (*call)(ExcelThread&)) {
+    FakeExcel excel;
+    excel.returns("qx_demo", 1);
+    DiagLog log("/dev/null/none.log", 1, 1);
+    MainThread::record();
+    ExcelThread thread(excel.factory(), log);
+    return call(thread);
+  }
+};
 
 TEST_F(ExcelThreadDeathTest, StopsWhenCalledOnTheMainThread) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  excel_.returns("qx_demo", 1);
-  EXPECT_DEATH(
-      {
-        MainThread::record();
-        make()->call("qx_demo", {}, 3);
-      },
-      "ExcelThread::call.*main");
+  EXPECT_DEATH(onMainThread([](ExcelThread& thread) { return thread.call("qx_demo", {}, 3); }),
+               "ExcelThread::call.*main");
 }
 
 TEST_F(ExcelThreadDeathTest, LetsTerminationCallOnTheMainThread) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  excel_.returns("qx_demo", 1);
   EXPECT_EXIT(
       {
-        MainThread::record();
-        std::_Exit(make()->callForTerminate("qx_demo", {}) == JSONValue(1) ? 0 : 1);
+        const JSONValue result = onMainThread(
+            [](ExcelThread& thread) { return thread.callForTerminate("qx_demo", {}); });
+        std::_Exit(result == JSONValue(1) ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
+}
+
+TEST_F(ExcelThreadDeathTest, StopsWhenNobodySetUpTheSharedOne) {
+  EXPECT_DEATH(ExcelThread::shared(), "ExcelThread::shared was asked for before main set it up");
+}
+
+TEST_F(ExcelThreadDeathTest, ForgetsTheSharedOneWhenItGoes) {
+  EXPECT_DEATH(
+      {
+        onMainThread([](ExcelThread& thread) {
+          ExcelThread::setShared(&thread);
+          return JSONValue();
+        });
+        ExcelThread::shared();
+      },
+      "ExcelThread::shared was asked for before main set it up");
 }
 
 }  // namespace
