@@ -101,7 +101,8 @@ class Spreadsheet {
   virtual SheetRef activeSheetOf(const std::string& book) = 0;  // the one on top in its window
 
   // What moves the selection or the view. All of them: -10000 while a cell is being edited, with
-  // the edit left as it is. The range's workbook and sheet become the active ones.
+  // the edit left as it is; -50 for a hidden sheet. The range's workbook and sheet become the
+  // active ones.
   virtual void goTo(const RangeRef& range) = 0;    // selects it and brings it into view
   virtual void select(const RangeRef& range) = 0;  // the first area's first cell becomes active
   virtual void activateWorkbook(const std::string& book) = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <com/sun/star/awt/XTopWindow.hpp>
 #include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
@@ -57,6 +58,11 @@ Any selectionFor(const Workbook& workbook, const RangeRef& range) {
     several->addRangeAddress(addressOf(whole->getRangeAddress().Sheet, area), false);
   }
   return Any(several);
+}
+
+bool isVisible(const Reference<css::sheet::XSpreadsheet>& sheet) {
+  const Reference<css::beans::XPropertySet> properties(sheet, UNO_QUERY_THROW);
+  return properties->getPropertyValue("IsVisible").get<bool>();
 }
 
 }  // namespace
@@ -117,6 +123,7 @@ Window CalcNavigation::enter(const std::string& book) {
 Window CalcNavigation::enter(const SheetRef& sheet) {
   const Reference<css::sheet::XSpreadsheet> page =
       sheetOf(*workbooks_.named(sheet.book), sheet.sheet);
+  if (!isVisible(page)) throw SpreadsheetError(-50, "The sheet is hidden");
   const Window window = enter(sheet.book);
   if (!window.view.is()) throw SpreadsheetError(-10000, "The workbook shows a print preview");
   if (activeSheetOf(window).sheet != sheet.sheet) window.view->setActiveSheet(page);

@@ -40,6 +40,7 @@ fakes::WorkbookDescription kinds() {
                          }});
   book.sheets.push_back({"Ärger & \"Spaß\"", {{"A1", 3.5}}});
   book.sheets.push_back({"It's", {{"A1", 1.0}, {"A2", 2.0}, {"B2", 4.0}}});
+  book.sheets.push_back({"Away", {{"A1", 5.0}}, true});
   return book;
 }
 
@@ -111,6 +112,20 @@ TEST_F(CalcCells, RefusesMoreCellsThanItCanHandOver) {
   } catch (const SpreadsheetError& error) {
     EXPECT_EQ(error.number(), -50);
   }
+}
+
+// Calc itself would put the selection on the sheet that happens to be on top.
+TEST_F(CalcCells, ReadsAHiddenSheetAndDoesNotGoThere) {
+  const RangeRef hidden{{book_, "Away"}, parseA1("A1").value()};
+  EXPECT_EQ(calc().values(hidden).cells, Cells{5.0});
+  calc().goTo(at("A5"));
+  try {
+    calc().goTo(hidden);
+    ADD_FAILURE() << "went to a hidden sheet";
+  } catch (const SpreadsheetError& error) {
+    EXPECT_EQ(error.number(), -50);
+  }
+  EXPECT_EQ(calc().activeCell(), at("A5"));
 }
 
 }  // namespace

@@ -141,8 +141,9 @@ void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path&
   Archive archive(file);
   for (std::size_t i = 0; i < workbook.sheets.size(); ++i) {
     const std::string number = std::to_string(i + 1);
+    const std::string state = workbook.sheets[i].hidden ? "\" state=\"hidden" : "";
     sheets += "<sheet name=\"" + escaped(workbook.sheets[i].name) + "\" sheetId=\"" + number +
-              "\" r:id=\"rId" + number + "\"/>";
+              state + "\" r:id=\"rId" + number + "\"/>";
     relations += "<Relationship Id=\"rId" + number + "\" Type=\"" + documentRelations +
                  "/worksheet\" Target=\"worksheets/sheet" + number + ".xml\"/>";
     types += "<Override PartName=\"/xl/worksheets/sheet" + number + ".xml\" ContentType=\"" +

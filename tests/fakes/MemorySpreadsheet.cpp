@@ -144,6 +144,7 @@ SheetRef MemorySpreadsheet::activeSheetOf(const std::string& book) {
 
 void MemorySpreadsheet::bringForward(const SheetRef& ref) {
   const MemorySheet& sheet = sheetOf(ref);
+  if (sheet.hidden) throw SpreadsheetError(-50, "The sheet is hidden");
   active_ = &bookOf(ref.book);
   active_->activeSheet = static_cast<std::size_t>(&sheet - active_->sheets.data());
 }

@@ -83,6 +83,7 @@ MemoryBook::MemoryBook(const WorkbookDescription& description)
   for (const SheetDescription& sheet : description.sheets) {
     MemorySheet& made = sheets.emplace_back();
     made.name = sheet.name;
+    made.hidden = sheet.hidden;
     for (const CellDescription& cell : sheet.cells) made.set(cell);
   }
   if (sheets.empty()) throw std::invalid_argument("a workbook has at least one sheet");

@@ -22,6 +22,7 @@ struct MemorySheet {
   std::map<std::pair<int, int>, MemoryCell> cells;  // by row and column; no blank ones
   std::vector<host::Area> selection = {{1, 1, 1, 1}};
   host::Area activeCell = {1, 1, 1, 1};
+  bool hidden = false;
 
   const MemoryCell* at(int row, int column) const;
   void set(const CellDescription& cell);

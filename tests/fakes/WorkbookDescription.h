@@ -20,6 +20,7 @@ struct CellDescription {
 struct SheetDescription {
   std::string name;
   std::vector<CellDescription> cells;
+  bool hidden = false;
 };
 
 struct NameDescription {

@@ -148,5 +148,17 @@ INSTANTIATE_TEST_SUITE_P(
         Formula{"10^400", host::CellError{"#NUM!"}}, Formula{"ERROR.TYPE(NA())", 7.0},
         Formula{"ISERROR(C4)", true}));
 
+TEST_F(MemorySpreadsheetTest, DoesNotGoToAHiddenSheet) {
+  spreadsheet.open({"Two.xlsx", {{"Shown", {}}, {"Away", {{"A1", 5.0}}, true}}});
+  const host::RangeRef hidden{{"Two.xlsx", "Away"}, host::parseA1("A1").value()};
+  try {
+    spreadsheet.goTo(hidden);
+    ADD_FAILURE() << "went to a hidden sheet";
+  } catch (const host::SpreadsheetError& error) {
+    EXPECT_EQ(error.number(), -50);
+  }
+  EXPECT_EQ(spreadsheet.activeSheet()->sheet, "Shown");
+}
+
 }  // namespace
 }  // namespace quorin::fakes
