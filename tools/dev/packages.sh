@@ -5,7 +5,7 @@ packages_build=(g++ cmake ninja-build ccache python3 rapidjson-dev libutf8proc-d
                 libgtk-3-dev libwebkit2gtk-4.1-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3)
 packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy
-               xvfb openbox xdotool x11-utils imagemagick procps python3-uno fonts-dejavu-core)
+               xvfb openbox xdotool x11-utils imagemagick procps chromium python3-uno fonts-dejavu-core)
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.
