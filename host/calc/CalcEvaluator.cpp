@@ -12,6 +12,7 @@
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/ConstantExpression.h"
 #include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
 
@@ -101,6 +102,12 @@ Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& 
   const std::shared_ptr<Workbook> original = workbooks.named(from.book);
   sheetOf(*original, from.sheet);
   if (const auto reference = asReference(workbooks, expression, from)) return *reference;
+  if (isConstantExpression(expression)) {  // no reason to copy a large workbook
+    const auto text = calcExpression(expression, {from.book, {}});
+    if (!text) return CellValue(CellError{"#NAME?"});
+    if (!empty_) empty_ = std::make_unique<HiddenClone>(context_);
+    return inClone(*empty_, *text, sheetNames(empty_->workbook()).front());
+  }
   if (!clone_ || !clone_->isOf(*original)) {
     clone_.reset();
     clone_ = std::make_unique<HiddenClone>(context_, *original);
@@ -126,13 +133,14 @@ Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& 
   }
   const auto text = calcExpression(expression, context);
   if (!text) return CellValue(CellError{"#NAME?"});
-  return inClone(*text, sheet);
+  return inClone(*clone_, *text, sheet);
 }
 
-Evaluation CalcEvaluator::inClone(const std::string& text, const std::string& sheetName) {
-  Workbook& workbook = clone_->workbook();
+Evaluation CalcEvaluator::inClone(HiddenClone& clone, const std::string& text,
+                                  const std::string& sheetName) {
+  Workbook& workbook = clone.workbook();
   const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, sheetName);
-  const HiddenClone::Place place = clone_->freePlace(sheetName);
+  const HiddenClone::Place place = clone.freePlace(sheetName);
   const auto single = [&](const std::string& formula) {
     return Scratch(sheet, place, 1, 1).values(workbook, formula);
   };

@@ -23,10 +23,12 @@ class CalcEvaluator {
  private:
   std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, const std::string& expression,
                                       const SheetRef& from);
-  Evaluation inClone(const std::string& calcText, const std::string& sheet);
+  static Evaluation inClone(HiddenClone& clone, const std::string& calcText,
+                            const std::string& sheet);
 
   const css::uno::Reference<css::uno::XComponentContext> context_;
-  std::unique_ptr<HiddenClone> clone_;
+  std::unique_ptr<HiddenClone> clone_;  // of the workbook asked about last
+  std::unique_ptr<HiddenClone> empty_;  // where expressions without references are evaluated
 };
 
 }  // namespace quorin::host::calc

@@ -1,6 +1,7 @@
 #include "host/calc/HiddenClone.h"
 
 #include <algorithm>
+#include <array>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/document/XActionLockable.hpp>
 #include <com/sun/star/embed/EmbedStates.hpp>
@@ -67,8 +68,25 @@ HiddenClone::HiddenClone(const Reference<css::uno::XComponentContext>& context,
                       argument("FilterName", rtl::OUString("calc8"))}),
           {}),
       UNO_QUERY_THROW);
-  object_->changeState(css::embed::EmbedStates::RUNNING);
+  run();
   clone_.name = original.name;
+}
+
+HiddenClone::HiddenClone(const Reference<css::uno::XComponentContext>& context) {
+  // The class of an embedded Calc document: 47BBB4CB-CE4C-4E80-A591-42D9AE74950F.
+  static constexpr std::array<unsigned char, 16> calcClass = {0x47, 0xBB, 0xB4, 0xCB, 0xCE, 0x4C,
+                                                              0x4E, 0x80, 0xA5, 0x91, 0x42, 0xD9,
+                                                              0xAE, 0x74, 0x95, 0x0F};
+  const css::uno::Sequence<sal_Int8> id(reinterpret_cast<const sal_Int8*>(calcClass.data()),
+                                        static_cast<sal_Int32>(calcClass.size()));
+  object_.set(css::embed::EmbeddedObjectCreator::create(context)->createInstanceInitNew(
+                  id, {}, temporaryStorage(context), "empty", {}),
+              UNO_QUERY_THROW);
+  run();
+}
+
+void HiddenClone::run() {
+  object_->changeState(css::embed::EmbedStates::RUNNING);
   clone_.model.set(
       Reference<css::embed::XComponentSupplier>(object_, UNO_QUERY_THROW)->getComponent(),
       UNO_QUERY_THROW);
@@ -85,6 +103,7 @@ HiddenClone::~HiddenClone() {
   clone_ = {};
   try {
     if (object_.is()) object_->close(true);
+    if (!original_.is()) return;
     Reference<css::util::XModifyBroadcaster>(original_, UNO_QUERY_THROW)
         ->removeModifyListener(listener_);
   } catch (const css::uno::Exception&) {

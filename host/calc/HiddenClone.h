@@ -20,6 +20,8 @@ class HiddenClone {
  public:
   HiddenClone(const css::uno::Reference<css::uno::XComponentContext>& context,
               const Workbook& original);
+  // An empty workbook of one sheet, for expressions that need nothing of any other.
+  explicit HiddenClone(const css::uno::Reference<css::uno::XComponentContext>& context);
   ~HiddenClone();
   HiddenClone(const HiddenClone&) = delete;
   HiddenClone& operator=(const HiddenClone&) = delete;
@@ -35,7 +37,9 @@ class HiddenClone {
   Place freePlace(const std::string& sheet);
 
  private:
-  const css::uno::Reference<css::frame::XModel> original_;
+  void run();  // the embedded object, and nothing of it shown or undone
+
+  const css::uno::Reference<css::frame::XModel> original_;  // none for an empty workbook
   const std::shared_ptr<std::atomic<bool>> changed_ = std::make_shared<std::atomic<bool>>(false);
   css::uno::Reference<css::util::XModifyListener> listener_;
   css::uno::Reference<css::embed::XEmbeddedObject> object_;
