@@ -134,6 +134,7 @@ void Interpreter::bindParameters(const Handler& handler, std::vector<Value>& arg
 }
 
 std::optional<Value> Interpreter::callByName(const HandlerCall& call) {
+  const Restoring<bool> outsideOfFilters(frame_->examining, false);
   std::vector<Value> arguments;
   arguments.reserve(call.arguments.size());
   for (const ExpressionPointer& argument : call.arguments) arguments.push_back(evaluate(*argument));

@@ -41,6 +41,7 @@ std::optional<Value> Interpreter::send(Application& application, AppleEvent even
 
 std::optional<Value> Interpreter::runCommand(const Command& command) {
   const CommandTerm& term = *command.term;
+  const Restoring<bool> outsideOfFilters(frame_->examining, false);
   Resolved direct;
   if (command.direct) {
     try {
