@@ -1,4 +1,5 @@
-// The three reads of a poll, made directly over UNO and through the port, side by side in one run.
+// The three reads of a poll, made directly over UNO, through the port, and on the whole road from
+// the call thread through handler library, engine and object model, side by side in one run.
 #include <benchmark/benchmark.h>
 #include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
@@ -6,9 +7,13 @@
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <fstream>
 
+#include "host/EngineRunner.h"
+#include "host/ExcelObjectModel.h"
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/PrivateOffice.h"
+#include "kit/excel/ExcelThread.h"
+#include "kit/shapes/CellShapes.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace {
@@ -59,8 +64,40 @@ void PortReads(benchmark::State& state) {
   }
 }
 
+// One thread that has compiled the real library, made before the timing starts.
+quorin::ExcelThread& callThread() {
+  static const quorin::TemporaryFolder folder;
+  static quorin::DiagLog log(folder / "bench.log", 4000000, 3000000);
+  static quorin::ExcelThread thread(
+      [](const quorin::CallThreadPost&) {
+        return std::make_unique<quorin::host::EngineRunner>(
+            std::make_unique<quorin::host::ExcelObjectModel>(
+                std::make_unique<CalcSpreadsheet>(office())));
+      },
+      log);
+  return thread;
+}
+
+void PollCell(benchmark::State& state) {
+  quorin::ExcelThread& thread = callThread();
+  for ([[maybe_unused]] auto turn : state) {
+    benchmark::DoNotOptimize(
+        quorin::BridgeShapes::pollCellObject(thread.call("qx_pollcell", {}, 3)));
+  }
+}
+
+void ReadCell(benchmark::State& state) {
+  quorin::ExcelThread& thread = callThread();
+  for ([[maybe_unused]] auto turn : state) {
+    benchmark::DoNotOptimize(
+        quorin::BridgeShapes::readCellObject(thread.call("qx_readcell", {}, 10)));
+  }
+}
+
 BENCHMARK(DirectReads)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(PortReads)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(PollCell)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(ReadCell)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 }  // namespace
 

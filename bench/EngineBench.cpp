@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/dictionary/ExcelTerminology.h"
+#include "kit/excel/ExcelScript.h"
 #include "script/Script.h"
 
 namespace quorin::script {
@@ -85,6 +86,15 @@ void compileLibrary(benchmark::State& state) {
   state.counters["lines"] = static_cast<double>(std::count(source.begin(), source.end(), '\n'));
 }
 BENCHMARK(compileLibrary)->Unit(benchmark::kMillisecond);
+
+void compileHandlerLibrary(benchmark::State& state) {
+  InstantApplications applications;
+  const std::string source(ExcelScript::source());
+  compiled(source, applications);
+  for (auto _ : state) benchmark::DoNotOptimize(compile(source, applications));
+  state.counters["lines"] = static_cast<double>(std::count(source.begin(), source.end(), '\n'));
+}
+BENCHMARK(compileHandlerLibrary)->Unit(benchmark::kMillisecond);
 
 void buildTerminology(benchmark::State& state) {
   std::string table;
