@@ -43,7 +43,7 @@ function(quorin_test name)
   else()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
-      RUN_SERIAL TRUE ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
+      RESOURCE_LOCK peer ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
       SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
   endif()
 endfunction()
