@@ -86,7 +86,7 @@ void GtkPanelWindow::setContent(WebView& view) {
 }
 
 X11Session::WindowId GtkPanelWindow::id() const {
-  return gdk_x11_window_get_xid(native());
+  return X11Session::idOf(native());
 }
 
 Decoration GtkPanelWindow::decoration() const {
@@ -193,9 +193,12 @@ void GtkPanelWindow::makeKeyAndOrderFront() {
   if (!keyWanted_) session_.requestActivation(id());
 }
 
+// Only another window can take the keyboard: the one that was already asked to, or else the
+// topmost one.
 void GtkPanelWindow::resignKey() {
   resigned_ = true;
-  if (session_.activeWindow() != id()) return;
+  const X11Session::WindowId requested = session_.requestedActivation();
+  if (requested != 0 && requested != id()) return;
   for (const X11Session::WindowId other : session_.windowsFromTop()) {
     if (other == id()) continue;
     session_.requestActivation(other);

@@ -58,12 +58,17 @@ X11Session::~X11Session() {
   gdk_window_destroy(clock_);
 }
 
+X11Session::WindowId X11Session::idOf(GdkWindow* window) {
+  return gdk_x11_window_get_xid(window);
+}
+
 GdkFilterReturn X11Session::filter(void* xevent, GdkEvent*, gpointer data) {
   auto& self = *static_cast<X11Session*>(data);
   const auto* event = static_cast<XEvent*>(xevent);
   if (event->type == PropertyNotify &&
-      event->xproperty.atom == atom(self.display_, "_NET_ACTIVE_WINDOW") && self.changed_) {
-    self.changed_();
+      event->xproperty.atom == atom(self.display_, "_NET_ACTIVE_WINDOW")) {
+    self.requested_ = 0;
+    if (self.changed_) self.changed_();
   }
   return GDK_FILTER_CONTINUE;
 }
@@ -90,9 +95,16 @@ bool X11Session::hasAtom(WindowId id, const char* name, const char* value) const
   return std::find(atoms.begin(), atoms.end(), atom(display_, value)) != atoms.end();
 }
 
+// A window manager that died leaves its property on the root window, but not its own window.
+bool X11Session::hasWindowManager() const {
+  const char* check = "_NET_SUPPORTING_WM_CHECK";
+  const auto told = property(idOf(root_), check, XA_WINDOW);
+  return !told.empty() && property(told.front(), check, XA_WINDOW) == told;
+}
+
 X11Session::WindowId X11Session::activeWindow() const {
-  const WindowId root = gdk_x11_window_get_xid(root_);
-  if (property(root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW).empty()) return focusedTopLevel();
+  const WindowId root = idOf(root_);
+  if (!hasWindowManager()) return focusedTopLevel();
   const auto active = property(root, "_NET_ACTIVE_WINDOW", XA_WINDOW);
   return active.empty() ? 0 : active.front();
 }
@@ -115,8 +127,7 @@ X11Session::WindowId X11Session::focusedTopLevel() const {
 }
 
 std::vector<X11Session::WindowId> X11Session::windowsFromTop() const {
-  std::vector<WindowId> windows =
-      property(gdk_x11_window_get_xid(root_), "_NET_CLIENT_LIST_STACKING", XA_WINDOW);
+  std::vector<WindowId> windows = property(idOf(root_), "_NET_CLIENT_LIST_STACKING", XA_WINDOW);
   std::reverse(windows.begin(), windows.end());
   return windows;
 }
@@ -153,11 +164,19 @@ void X11Session::send(WindowId id, const char* message, long first, long second)
   event.xclient.format = 32;
   event.xclient.data.l[0] = first;
   event.xclient.data.l[1] = second;
-  XSendEvent(gdk_x11_display_get_xdisplay(display_), gdk_x11_window_get_xid(root_), False,
+  XSendEvent(gdk_x11_display_get_xdisplay(display_), idOf(root_), False,
              SubstructureRedirectMask | SubstructureNotifyMask, &event);
 }
 
 void X11Session::requestActivation(WindowId id) {
+  if (!hasWindowManager()) {
+    const XErrorTrap trap(display_);
+    Display* display = gdk_x11_display_get_xdisplay(display_);
+    XRaiseWindow(display, id);
+    XSetInputFocus(display, id, RevertToParent, CurrentTime);
+    return;
+  }
+  requested_ = id;
   send(id, "_NET_ACTIVE_WINDOW", fromPager, static_cast<long>(gdk_x11_get_server_time(clock_)));
 }
 

@@ -30,6 +30,8 @@ class X11Session {
   X11Session(const X11Session&) = delete;
   X11Session& operator=(const X11Session&) = delete;
 
+  static WindowId idOf(GdkWindow* window);
+
   // The window with the keyboard; without a window manager the top-level one that has the focus.
   WindowId activeWindow() const;
 
@@ -42,8 +44,11 @@ class X11Session {
   std::optional<Window> window(WindowId id) const;
 
   // Asks the window manager to bring a window forward and give it the keyboard, as a pager does:
-  // such requests are granted.
+  // such requests are granted. Without a window manager the window is given the focus.
   void requestActivation(WindowId id);
+
+  // The window of the last such request, until the active window changes; 0: none.
+  WindowId requestedActivation() const { return requested_; }
 
   // Asks for a window's decoration before it is mapped; the answer comes in time.
   void requestDecoration(WindowId id);
@@ -56,12 +61,14 @@ class X11Session {
   static GdkFilterReturn filter(void* xevent, GdkEvent*, gpointer self);
   std::vector<unsigned long> property(WindowId id, const char* name, unsigned long type) const;
   bool hasAtom(WindowId id, const char* name, const char* value) const;
+  bool hasWindowManager() const;
   WindowId focusedTopLevel() const;
   void send(WindowId id, const char* message, long first, long second);
 
   GdkDisplay* display_;
   GdkWindow* root_;
   GdkWindow* clock_;  // where the server's time is asked for
+  WindowId requested_ = 0;
   std::function<void()> changed_;
 };
 
