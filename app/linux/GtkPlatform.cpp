@@ -24,11 +24,15 @@ GtkPlatform::GtkPlatform()
       bundle_(ownProgram()) {}
 
 std::unique_ptr<PanelWindow> GtkPlatform::makePanelWindow(const PanelWindowOptions& options) {
-  return std::make_unique<GtkPanelWindow>(options, session_, defaults_);
+  auto window = std::make_unique<GtkPanelWindow>(options, session_, defaults_);
+  panelWindow_ = window.get();
+  return window;
 }
 
 std::unique_ptr<WebView> GtkPlatform::makeWebView(const WebViewOptions& options) {
-  return std::make_unique<WebKitView>(options, environment_.count("QX_DEV_URL") > 0);
+  auto view = std::make_unique<WebKitView>(options, environment_.count("QX_DEV_URL") > 0);
+  webView_ = view.get();
+  return view;
 }
 
 // On Wayland windows can neither place themselves nor see others; XWayland lets them.

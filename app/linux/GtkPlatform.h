@@ -42,6 +42,10 @@ class GtkPlatform : public AppPlatform {
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "LibreOffice Calc"; }
 
+  // The window and the view made last, which live as long as the application; for inspection.
+  PanelWindow* panelWindow() const { return panelWindow_; }
+  WebKitView* webView() const { return webView_; }
+
  private:
   Environment environment_ = processEnvironment();
   SystemClock clock_;
@@ -52,6 +56,8 @@ class GtkPlatform : public AppPlatform {
   GtkAlerts alerts_;
   FileDefaults defaults_;
   InstalledBundle bundle_;
+  PanelWindow* panelWindow_ = nullptr;
+  WebKitView* webView_ = nullptr;
 };
 
 }  // namespace quorin

@@ -24,6 +24,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     restoreStrandedMarks();
     registerHotKeys(config);
     watchActivation();
+    if (raiseWanted_) raisePanel();
   });
 }
 
@@ -147,7 +148,8 @@ void AppDelegate::placeBesideExcelOnce() {
 }
 
 void AppDelegate::raisePanel() {
-  if (!poller_) return;
+  raiseWanted_ = !poller_;
+  if (raiseWanted_) return;
   if (panel().isVisible() || panel().hasSavedFrame()) {
     panel().summon();
     return;

@@ -37,7 +37,7 @@ class AppDelegate : public ApplicationDelegate {
   Panel& panel();
 
   // Brings the panel up on the user's demand, with the keyboard: where it is, where the user put
-  // it, or else beside Excel's window. Without effect before start-up is complete.
+  // it, or else beside Excel's window. Before start-up is complete, at its end.
   void raisePanel();
 
  private:
@@ -65,6 +65,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<Panel> panel_;
   std::unique_ptr<Poller> poller_;
   bool placed_ = false;
+  bool raiseWanted_ = false;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

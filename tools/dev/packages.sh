@@ -4,8 +4,11 @@
 packages_build=(g++ cmake ninja-build ccache python3 rapidjson-dev libutf8proc-dev libcli11-dev
                 libgtk-3-dev libwebkit2gtk-4.1-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3)
-packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy
-               xvfb openbox xdotool x11-utils imagemagick procps chromium python3-uno fonts-dejavu-core)
+# A display of our own, and what looks at it.
+packages_display=(xvfb openbox xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
+                  fonts-liberation)
+packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy procps
+               chromium "${packages_display[@]}")
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.

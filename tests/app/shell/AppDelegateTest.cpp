@@ -23,10 +23,14 @@ class AppDelegateTest : public ShellFixture {
     platform.workspace().running = {excel()};
   }
 
-  AppDelegate& launch() {
+  void makeDelegate() {
     delegate = std::make_unique<AppDelegate>(AppDelegate::Parts{platform, bridge, queue, *log,
                                                                 folder / "config.json", environment,
                                                                 [this] { return compileError; }});
+  }
+
+  AppDelegate& launch() {
+    makeDelegate();
     delegate->applicationDidFinishLaunching();
     return *delegate;
   }
@@ -265,6 +269,16 @@ TEST_F(AppDelegateTest, RaisesThePanelWhereItIs) {
   EXPECT_THAT(takeJournal(),
               ElementsAre("makeKeyAndOrderFront",
                           R"(evaluate window.__qxEvent && window.__qxEvent("summon", {}))"));
+}
+
+TEST_F(AppDelegateTest, RaisesThePanelAtTheEndOfStartUpWhenAskedBefore) {
+  makeDelegate();
+  delegate->raisePanel();
+  EXPECT_FALSE(platform.madePanel());
+  delegate->applicationDidFinishLaunching();
+  settle();
+  EXPECT_TRUE(platform.window().key);
+  EXPECT_EQ(platform.window().currentFrame.x, 900);
 }
 
 TEST_F(AppDelegateTest, RaisesThePanelWithoutExcelsWindow) {

@@ -1,0 +1,29 @@
+#include "app/linux/CalcLink.h"
+
+#include "host/EngineRunner.h"
+#include "host/ExcelObjectModel.h"
+#include "host/calc/CalcApplication.h"
+#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/RunningOffice.h"
+
+namespace quorin {
+
+using host::calc::CalcApplication;
+using host::calc::CalcSpreadsheet;
+using host::calc::RunningOffice;
+
+CalcLink::CalcLink() : office_(std::make_shared<RunningOffice>()) {}
+
+ScriptRunnerFactory CalcLink::runnerFactory() const {
+  return [office = office_](const CallThreadPost&) -> std::unique_ptr<ScriptRunner> {
+    auto excel =
+        std::make_unique<host::ExcelObjectModel>(std::make_unique<CalcSpreadsheet>(office));
+    return std::make_unique<host::EngineRunner>(std::move(excel));
+  };
+}
+
+std::unique_ptr<TargetApplication> CalcLink::target() const {
+  return std::make_unique<CalcApplication>(office_);
+}
+
+}  // namespace quorin

@@ -1,0 +1,29 @@
+// CalcLink: where the user's LibreOffice Calc takes Excel's place in the application.
+#pragma once
+
+#include <memory>
+
+#include "kit/excel/ScriptRunner.h"
+#include "kit/platform/TargetApplication.h"
+
+namespace quorin::host::calc {
+class RunningOffice;
+}
+
+namespace quorin {
+
+class CalcLink {
+ public:
+  CalcLink();
+
+  // Runs the handler library with the script engine against the running Calc.
+  ScriptRunnerFactory runnerFactory() const;
+
+  // Whether that Calc runs.
+  std::unique_ptr<TargetApplication> target() const;
+
+ private:
+  std::shared_ptr<host::calc::RunningOffice> office_;
+};
+
+}  // namespace quorin

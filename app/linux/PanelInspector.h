@@ -1,0 +1,27 @@
+// PanelInspector: lets a test look into the running panel, where no other tool reaches. It exists
+// only while the environment names its socket in QX_TEST_SOCKET. Each line asks one thing:
+//
+//   eval SCRIPT   the script's value in the page as JSON; SCRIPT is a JSON text
+//   window        {"visible", "key", "x", "y", "width", "height"}
+//   quit          ends the application
+//
+// and is answered with "ok JSON" or "error TEXT".
+#pragma once
+
+#include "app/linux/GtkPlatform.h"
+#include "app/linux/LineServer.h"
+
+namespace quorin {
+
+class PanelInspector {
+ public:
+  PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform);
+
+ private:
+  void answer(const std::string& line, const LineServer::Answer& answer);
+
+  GtkPlatform& platform_;
+  LineServer server_;
+};
+
+}  // namespace quorin

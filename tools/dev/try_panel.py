@@ -1,0 +1,339 @@
+#!/usr/bin/env python3
+"""Tries the panel beside a real Calc on a virtual display.
+
+usage: try_panel.py QUORIN WORKBOOK OUTPUT_FOLDER
+
+Starts a display, a window manager, Calc with the workbook and Quorin, all with folders of their
+own. Selects three cells by key presses, waits for the panel to show each, prints what it shows and
+compares that with what Calc tells over its own interface. Writes a screenshot for each cell. Ends
+with status 0 when the panel showed what each cell holds, and leaves nothing running.
+"""
+import json
+import os
+import pathlib
+import re
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+PATIENCE = 60  # seconds for anything to happen at all
+
+# The trial's own: no key of the window manager's may stand in the way of the spreadsheet's.
+WINDOW_MANAGER = """<?xml version="1.0"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+  <focus><focusNew>yes</focusNew></focus><theme><name>Clearlooks</name></theme>
+  <keyboard></keyboard><mouse><context name="Client">
+  <mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
+  </context></mouse>
+</openbox_config>"""
+
+# No first-start dialogs in a profile that is new.
+PROFILE = """<?xml version="1.0" encoding="UTF-8"?>
+<oor:items xmlns:oor="http://openoffice.org/2001/registry"
+ xmlns:xs="http://www.w3.org/2001/XMLSchema" xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance">
+<item oor:path="/org.openoffice.Office.Common/Misc"><prop oor:name="FirstRun"><value>false</value>
+</prop><prop oor:name="ShowTipOfTheDay"><value>false</value></prop></item>
+<item oor:path="/org.openoffice.Setup/Product"><prop oor:name="ooSetupLastVersion">
+<value>99.9</value></prop></item>
+<item oor:path="/org.openoffice.Setup/Office/Factories/org.openoffice.Setup:Factory['com.sun.star.sheet.SpreadsheetDocument']">
+<prop oor:name="ooSetupFactoryWindowAttributes"><value>%s</value></prop></item>
+</oor:items>"""
+
+# Asked for by Calc's own means, so that Quorin is not its own witness.
+WITNESS = """
+import sys, json, uno
+local = uno.getComponentContext()
+resolver = local.ServiceManager.createInstance("com.sun.star.bridge.UnoUrlResolver")
+context = resolver.resolve("uno:pipe,name=%s;urp;StarOffice.ComponentContext")
+desktop = context.ServiceManager.createInstance("com.sun.star.frame.Desktop")
+for line in sys.stdin:
+    document = desktop.getCurrentComponent()
+    controller = document.getCurrentController()
+    selection = controller.getSelection()
+    if not hasattr(selection, "getCellAddress"):
+        selection = selection.getCellByPosition(0, 0)
+    address = selection.getCellAddress()
+    sheet = document.Sheets.getByIndex(address.Sheet)
+    kind = selection.getType().value
+    print(json.dumps({"sheet": sheet.Name, "row": address.Row + 1, "column": address.Column,
+                      "formula": selection.getFormula(), "text": selection.getString(),
+                      "number": selection.getValue() if kind in ("VALUE", "FORMULA") else None,
+                      "error": selection.getError()}), flush=True)
+"""
+
+
+class Trouble(Exception):
+    pass
+
+
+def wait_for(what, condition, patience=PATIENCE):
+    """What the condition gives, as soon as that is true."""
+    end = time.monotonic() + patience
+    while time.monotonic() < end:
+        value = condition()
+        if value:
+            return value
+        time.sleep(0.05)
+    raise Trouble(f"waited {patience} s for {what}")
+
+
+def letters(column):
+    text, column = "", column + 1
+    while column:
+        column, rest = divmod(column - 1, 26)
+        text = chr(65 + rest) + text
+    return text
+
+
+class Panel:
+    """The running panel, through its inspection socket."""
+
+    def __init__(self, path):
+        self.path = path
+
+    def ask(self, line):
+        with socket.socket(socket.AF_UNIX) as connection:
+            connection.settimeout(10)
+            connection.connect(str(self.path))
+            connection.sendall(line.encode() + b"\n")
+            answer = b""
+            while not answer.endswith(b"\n"):
+                piece = connection.recv(65536)
+                if not piece:
+                    raise Trouble("the panel hung up")
+                answer += piece
+        verdict, _, rest = answer.decode().strip().partition(" ")
+        if verdict != "ok":
+            raise Trouble(rest)
+        return json.loads(rest)
+
+    def eval(self, script):
+        return self.ask("eval " + json.dumps(script))
+
+    def shown(self):
+        return self.eval("""(() => { const shown = {};
+            for (const name of ["book", "sheet", "address", "formula", "value", "type", "state"]) {
+              const one = document.querySelector(`[data-testid="${name}"]`);
+              shown[name] = one ? one.textContent.trim() : null;
+            }
+            return shown; })()""")
+
+
+class Trial:
+    def __init__(self, quorin, workbook, output):
+        self.quorin, self.output = pathlib.Path(quorin), pathlib.Path(output)
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="quorin-trial-"))
+        # A copy, so that no lock of the trial's Calc is left beside the user's file.
+        self.workbook = self.folder / pathlib.Path(workbook).name
+        shutil.copy(workbook, self.workbook)
+        self.started = []
+        self.environment = dict(os.environ)
+        for name in ("DATA", "STATE", "CONFIG", "CACHE", "RUNTIME"):
+            home = self.folder / name.lower()
+            home.mkdir(mode=0o700)
+            self.environment[f"XDG_{name}_HOME" if name != "RUNTIME" else "XDG_RUNTIME_DIR"] = (
+                str(home))
+        # No helpers of a desktop that would outlive the trial.
+        self.environment.update(NO_AT_BRIDGE="1", GSETTINGS_BACKEND="memory",
+                                DBUS_SESSION_BUS_ADDRESS="disabled:", GDK_BACKEND="x11",
+                                SAL_USE_VCLPLUGIN="gtk3", LC_ALL="C.UTF-8")
+        self.environment.pop("WAYLAND_DISPLAY", None)
+
+    def start(self, *command, **options):
+        log = open(self.folder / f"{pathlib.Path(command[0]).name}.log", "ab")
+        process = subprocess.Popen([str(word) for word in command], env=self.environment,
+                                   stdin=subprocess.DEVNULL, stdout=log, stderr=log,
+                                   start_new_session=True, **options)
+        self.started.append(process)
+        return process
+
+    def tool(self, *command):
+        run = subprocess.run([str(word) for word in command], env=self.environment,
+                             capture_output=True, text=True, check=False)
+        if run.returncode:
+            raise Trouble(f"{' '.join(map(str, command))}: {run.stderr.strip()}")
+        return run.stdout
+
+    def start_display(self):
+        read, write = os.pipe()
+        self.start("Xvfb", "-displayfd", write, "-screen", "0", "1600x960x24", "-nolisten", "tcp",
+                   "-noreset", pass_fds=(write,))
+        os.close(write)
+        with os.fdopen(read) as told:
+            number = told.readline().strip()
+        if not number:
+            raise Trouble("Xvfb did not start")
+        self.environment["DISPLAY"] = f":{number}"
+        configuration = self.folder / "openbox.xml"
+        configuration.write_text(WINDOW_MANAGER)
+        self.start("openbox", "--sm-disable", "--config-file", configuration)
+        wait_for("the window manager", lambda: "window id" in self.tool(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+
+    def start_office(self):
+        profile = self.folder / "office"
+        (profile / "user").mkdir(parents=True)
+        # Left and wide, so that the panel finds room beside it.
+        (profile / "user" / "registrymodifications.xcu").write_text(
+            PROFILE % "10,30,1090,880;1;,,,;")
+        self.pipe = f"quorin-trial-{os.getpid()}"
+        self.start("soffice", f"-env:UserInstallation=file://{profile}", "--norestore", "--nologo",
+                   f"--accept=pipe,name={self.pipe};urp;", "--calc", self.workbook)
+        self.window = wait_for("Calc's window", self.calc_window)
+
+    def calc_window(self):
+        """Calc's window, once it has a workbook in it and a size to speak of."""
+        for window in self.tool("xprop", "-root", "_NET_CLIENT_LIST").split("#")[-1].split(","):
+            if not window.strip().startswith("0x"):
+                continue
+            properties = self.tool("xprop", "-id", window.strip(), "WM_CLASS", "WM_NAME")
+            if "libreoffice-calc" in properties and self.workbook.stem in properties:
+                return window.strip()
+        return None
+
+    def start_witness(self):
+        # The system's own Python has the interface to LibreOffice.
+        script = self.folder / "witness.py"
+        script.write_text(WITNESS % self.pipe)
+        self.witness = subprocess.Popen(["/usr/bin/python3", str(script)], env=self.environment,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                                        start_new_session=True)
+        self.started.append(self.witness)
+
+    def cell(self):
+        self.witness.stdin.write("?\n")
+        self.witness.stdin.flush()
+        line = self.witness.stdout.readline()
+        if not line:
+            raise Trouble("Calc does not tell what its cell holds")
+        return json.loads(line)
+
+    def start_quorin(self):
+        path = self.folder / "panel"
+        self.environment["QX_TEST_SOCKET"] = str(path)
+        begun = time.monotonic()
+        self.process = self.start(self.quorin, "--show")
+        wait_for("Quorin", path.exists)
+        self.panel = Panel(path)
+        wait_for("the panel", lambda: self.panel.ask("window")["visible"])
+        print(f"The panel is up after {time.monotonic() - begun:.1f} s: "
+              f"{self.panel.ask('window')}")
+
+    def keys(self, *keys):
+        self.tool("xdotool", "windowactivate", "--sync", int(self.window, 16))
+        for key in keys:
+            self.tool("xdotool", "key", key)
+
+    def try_cell(self, number, *keys):
+        before = self.cell()
+        self.keys(*keys)
+        held = wait_for("the selection to move",
+                        lambda: (now := self.cell()) != before and now)
+        address = f"{letters(held['column'])}{held['row']}"
+
+        def shows_it():
+            shown = self.panel.shown()
+            return (shown if shown["address"] and shown["address"].replace("$", "") == address
+                    and shown["sheet"] == held["sheet"] and shown["value"] is not None else None)
+
+        try:
+            shown = wait_for(f"the panel to show {held['sheet']}!{address}", shows_it, 15)
+        except Trouble as trouble:
+            print(f"{trouble}; it shows {self.panel.shown()}")
+            shown = None
+        self.tool("import", "-window", "root", self.output / f"cell-{number}.png")
+        if shown is None:
+            return False
+        print(f"{held['sheet']}!{address}")
+        print(f"  Calc holds       {held['formula'] or '(nothing)'}   {held['text']}")
+        print(f"  the panel shows  {shown['formula'] or '(no formula)'}   {shown['value']}")
+        return self.matches(held, shown)
+
+    @staticmethod
+    def matches(held, shown):
+        """The formula letter by letter, but for how Calc's own notation writes it; the value."""
+        def plain(formula):
+            return re.sub(r"\s", "", formula.replace(";", ",").replace("$", "").replace("'", "")
+                          ).replace(".", "!")
+        is_formula = held["formula"].startswith("=")
+        if is_formula and plain(shown["formula"] or "") != plain(held["formula"]):
+            print("  the formulas differ")
+            return False
+        if not held["formula"]:
+            same = shown["value"] in ("", "Empty")
+        elif held["error"] or held["number"] is None:
+            same = held["text"] in shown["value"]
+        else:
+            number = re.sub(r"[^0-9.eE+\-]", "", shown["value"].replace("\u2212", "-"))
+            scale = 0.01 if "%" in shown["value"] else 1
+            digits = len(number.partition(".")[2])
+            same = bool(number) and abs(float(number) * scale - held["number"]) <= max(
+                abs(held["number"]) * 1e-6, 0.51 * 10 ** -digits * scale)
+        if not same:
+            print("  the values differ")
+        return same
+
+    def run(self):
+        self.output.mkdir(parents=True, exist_ok=True)
+        self.start_display()
+        self.start_office()
+        self.start_witness()
+        self.start_quorin()
+        wait_for("the page", lambda: self.panel.shown()["state"])
+        results = [self.try_cell(1, "ctrl+Home", "Right", "Right", "Right", "Down", "Down"),
+                   self.try_cell(2, "Down", "Down"),
+                   self.try_cell(3, "ctrl+Next", "ctrl+Next", "Down", "Down", "Down",
+                                 "Right", "Right", "Right")]
+        log = self.folder / "state" / "Logs" / "Quorin" / "quorin.log"
+        if log.exists():
+            shutil.copy(log, self.output / "quorin.log")
+        return all(results)
+
+    def tell_what_was_said(self):
+        """The last lines of every program's own output, and a picture of the screen."""
+        for log in sorted(self.folder.glob("*.log")):
+            for line in log.read_text(errors="replace").splitlines()[-5:]:
+                print(f"  {log.stem}: {line}")
+        if "DISPLAY" in self.environment:
+            subprocess.run(["import", "-window", "root", str(self.output / "failed.png")],
+                           env=self.environment, check=False)
+
+    def end(self):
+        for process in reversed(self.started):
+            if process.poll() is None:
+                try:
+                    os.killpg(process.pid, 15)
+                except ProcessLookupError:
+                    pass
+        end = time.monotonic() + 10
+        for process in reversed(self.started):
+            try:
+                process.wait(max(0.1, end - time.monotonic()))
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, 9)
+                process.wait()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+def main():
+    if len(sys.argv) != 4:
+        print(__doc__.strip(), file=sys.stderr)
+        return 2
+    trial = Trial(*sys.argv[1:])
+    try:
+        good = trial.run()
+    except (Trouble, OSError) as trouble:
+        print(f"The trial failed: {trouble}")
+        trial.tell_what_was_said()
+        good = False
+    finally:
+        trial.end()
+    print(f"Screenshots are in {trial.output}/" if good else "The panel did not show it all.")
+    return 0 if good else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
