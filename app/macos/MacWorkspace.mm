@@ -39,7 +39,7 @@ std::optional<RunningApplication> MacWorkspace::frontmostApplication() const {
 
 void MacWorkspace::activate(const RunningApplication& application) {
   [[NSRunningApplication runningApplicationWithProcessIdentifier:application.processIdentifier]
-      activateWithOptions:0];
+      activateWithOptions:NSApplicationActivationOptions()];
 }
 
 void MacWorkspace::observeActivation(ActivationHandler handler) {

@@ -9,20 +9,19 @@ SYSTEM = "apple-macos13"
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Werror"]
 
 ADAPTER_WARNINGS = [
-    "-Wall", "-Wextra", "-Wconversion", "-Wformat=2", "-Wnonnull",
+    "-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wformat=2", "-Wnonnull",
     "-Wnullable-to-nonnull-conversion", "-Wunguarded-availability", "-Wundeclared-selector",
     "-Wselector", "-Wprotocol", "-Wobjc-designated-initializers", "-Wobjc-missing-super-calls",
     "-Wstrict-selector-match", "-Warc-repeated-use-of-weak", "-Warc-retain-cycles",
     "-Wimplicit-retain-self", "-Wmethod-signatures", "-Woverriding-method-mismatch",
     "-Wsuper-class-method-mismatch", "-Wobjc-method-access", "-Wincompatible-pointer-types",
-    "-Wincomplete-implementation", "-Wshadow", "-Wunused-result", "-Werror",
-    # "{0}" and 'abcd' are how this system's types and codes are written.
-    "-Wno-four-char-constants", "-Wno-missing-field-initializers",
+    "-Wincomplete-implementation", "-Wunused-result", "-Werror",
+    "-Wno-four-char-constants",  # as the build has it
 ]
 
 ANALYZER = ["--analyze", "--analyzer-output", "text",
             *(f for name in ("core", "cplusplus", "deadcode", "unix", "osx", "nullability")
-              for f in ("-Xclang", f"-analyzer-checker={name}")), "-Werror"]
+              for f in ("-Xclang", f"-analyzer-checker={name}")), "-Xclang", "-analyzer-werror"]
 
 OBJECTIVE = {".mm": ["-x", "objective-c++", "-fobjc-arc", "-fblocks"]}
 
@@ -38,6 +37,10 @@ class Compiler:
         self.folder = folder
         self.headers = toolchain.include_flags(self.surface)
         self.prefixes = {}  # output -> job, of what the jobs made so far rely on
+
+    def of(self, copy):
+        """The same for a copy of the project in another folder."""
+        return Compiler(self.toolchain, copy, self.tool, self.folder)
 
     def base(self, target):
         # A checkout changes the times of files and not their content.

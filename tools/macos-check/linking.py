@@ -1,7 +1,6 @@
 """The Mach-O link: portable objects and adapters against the stubs of the system's libraries."""
 import re
 
-import stubs
 from jobs import Job
 
 ARCHITECTURE = "arm64"
@@ -16,19 +15,18 @@ def linker_command(toolchain, root, objects, named, output):
     command = [toolchain.linker, "-arch", ARCHITECTURE, "-platform_version", "macos", "13.0",
                "13.0", "-syslibroot", root, "-F", root / "System/Library/Frameworks",
                "-L", root / "usr/lib", "-L", root / "usr/local/lib",
-               "-dylib", "-undefined", "error", "--error-limit=0",
+               "-e", "_main", "-undefined", "error", "--error-limit=0",
                "-o", output]
     for name in named:
         command += ["-framework", name]
     return [*command, "-lSystem", "-lc++", "-lobjc", "-lutf8proc", "-lclang_rt", *objects]
 
 
-def job(toolchain, index, tool, folder, objects, cmake_lists):
-    root = folder / "stubs"
-    stubs.write(toolchain, index, tool / "symbols", root)
-    output = folder / "Quorin"
-    command = linker_command(toolchain, root, objects, frameworks(cmake_lists), output)
-    return Job("link (arm64)", command, [*objects, *sorted(root.rglob("*.tbd"))], output=output)
+def job(session, objects, output, more_frameworks=()):
+    named = [*frameworks(session.project / "app/macos/CMakeLists.txt"), *more_frameworks]
+    command = linker_command(session.toolchain, session.stubs, objects, named, output)
+    return Job("link (arm64)", command, [*objects, *sorted(session.stubs.rglob("*.tbd"))],
+               output=output)
 
 
 def missing_symbols(text):

@@ -1,5 +1,7 @@
-"""Names that compilers take for any text: each must stand, letter for letter, where names.tsv says."""
+"""Names that compilers take for any text: each must stand, letter for letter, where names.tsv
+says. White space counts once."""
 import pathlib
+import re
 
 from sourcetext import without_comments
 
@@ -17,8 +19,10 @@ def rows():
 def name_findings(project):
     for place, text, why in rows():
         folder = project / place
-        files = [path for path in folder.rglob("*") if path.suffix in SUFFIXES]
+        files = [folder] if folder.is_file() else [
+            path for path in folder.rglob("*") if path.suffix in SUFFIXES]
         if not files:
             yield f"{place}: names.tsv expects {text} there, and there is no source"
-        elif not any(text in without_comments(path.read_text()) for path in files):
+        elif not any(text in re.sub(r"\s+", " ", without_comments(path.read_text()))
+                     for path in files):
             yield f"{place}: {text} stands nowhere: {why}"

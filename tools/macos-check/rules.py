@@ -52,22 +52,22 @@ def notification_rules(source):
 
 def index_rules(source):
     """Items of descriptors are counted from 1; item 0 is none, or an insertion at the end."""
-    pattern = r"(?:descriptorAtIndex:|keywordForDescriptorAtIndex:|insertDescriptor:[^;]*?atIndex:)"
-    for use in source.find(pattern):
-        rest = source.text[use.end():]
-        index = re.match(r"[^\]:;]*", rest).group().strip()
-        index = re.sub(r"\s+\w+$", "", index) if ":" in rest[:len(index) + 1] else index
-        variable = re.search(r"[A-Za-z_]\w*(?=\)?(?:\s*\+\s*\d+)?$)", index)
-        added = re.search(r"\+\s*(\d+)$", index)
-        if variable is None:
-            first = int(index) if index.isdigit() else None
+    uses = (r"\bdescriptorAtIndex:([^\]]+)\]", r"\bkeywordForDescriptorAtIndex:([^\]]+)\]",
+            r"\binsertDescriptor:[^;]*?\batIndex:([^\]]+)\]")
+    for use in (found for pattern in uses for found in source.find(pattern)):
+        index = use.group(1).strip()
+        before = source.text[:use.start()]
+        name, added = re.fullmatch(r"(?:static_cast<\w+>\()?(\w+)\)?(?:\+\+)?(?:\s*\+\s*(\d+))?",
+                                   index).groups() if re.match(r"[\w(<>) +]+$", index) else ("", "")
+        if name.isdigit():
+            first = int(name)
         else:
-            starts = re.findall(rf"\b{variable.group()}\s*=\s*(\d+)", source.text[:use.start()])
-            first = int(starts[-1]) + int(added.group(1) if added else 0) if starts else None
-            until = re.findall(rf"\b{variable.group()}\s*(<=?|!=)\s", source.text[:use.start()])
+            starts = re.findall(rf"\b{name}\s*=\s*(\d+)", before) if name else []
+            first = int(starts[-1]) + int(added or 0) if starts else 0
+            until = re.findall(rf"\b{name}\s*(<=?|!=)\s", before) if name else []
             if first == 1 and not added and until and until[-1] != "<=":
-                yield source.at(use.start(), f"'{variable.group()}' stops before the last item")
-        if first is None or first < 1:
+                yield source.at(use.start(), f"'{name}' stops before the last item")
+        if first < 1:
             yield source.at(use.start(), f"descriptor items are counted from 1, not by '{index}'")
 
 

@@ -1,10 +1,13 @@
 """One run of the check over the project: which sources, which steps, in which order."""
+import functools
+import threading
 import time
 
 import bundle
 import declared
 import linking
 import rules
+import stubs
 import surface_index
 from compiling import Compiler
 from jobs import Runner
@@ -24,7 +27,20 @@ class Session:
         self.toolchain.prepare()
         self.runner = Runner(folder, self.toolchain.environment, self.toolchain.stamp)
         self.compiler = Compiler(self.toolchain, project, tool, folder)
+        self.prefix_lock = threading.Lock()
         self.index = surface_index.read(self.compiler, self.runner)
+
+    @functools.cached_property
+    def stubs(self):
+        """The folder of the linker's stubs, written once."""
+        folder = self.folder / "stubs"
+        stubs.write(self.toolchain, self.index, self.tool / "symbols", folder)
+        return folder
+
+    @functools.cached_property
+    def clean_findings(self):
+        """What the rules say of the sources as they are."""
+        return rules_step(self) + bundle_step(self)
 
     @property
     def adapters(self):
@@ -37,11 +53,15 @@ class Session:
                 if "CMakeFiles" not in path.parts]
         return sorted(written) + sorted(made)
 
+    def run_prefixes(self, compiler):
+        """Compiles ahead what the compiler's jobs rely on. Gives what failed."""
+        with self.prefix_lock:
+            return [result for result in self.runner.run_all(list(compiler.prefixes.values()))
+                    if not result.ok]
+
     def run_jobs(self, jobs):
         """The prefixes that the jobs rely on, then the jobs. Gives what failed."""
-        prefixes = self.runner.run_all(list(self.compiler.prefixes.values()))
-        broken = [result for result in prefixes if not result.ok]
-        results = broken or self.runner.run_all(jobs)
+        results = self.run_prefixes(self.compiler) or self.runner.run_all(jobs)
         return [f"{result.job.label}\n{result.text}" for result in results if not result.ok]
 
 
@@ -55,9 +75,7 @@ def compile_step(session):
 def link_step(session):
     objects = [session.compiler.compile(source, "arm64").output
                for source in session.portable + session.adapters]
-    job = linking.job(session.toolchain, session.index, session.tool, session.folder, objects,
-                      session.project / ADAPTERS / "CMakeLists.txt")
-    result = session.runner.run(job)
+    result = session.runner.run(linking.job(session, objects, session.folder / "Quorin"))
     if result.ok:
         return []
     missing = linking.missing_symbols(result.text)
@@ -70,15 +88,15 @@ def analysis_step(session):
 
 
 def declared_step(session):
-    jobs = {source: declared.job(session.compiler, source) for source in session.adapters}
-    failed = session.run_jobs(list(jobs.values()))
+    jobs = {source: declared.jobs(session.compiler, source) for source in session.adapters}
+    failed = session.run_jobs([job for each in jobs.values() for job in each])
     if failed:
         return failed
     found = []
-    for source, job in jobs.items():
-        name = source.relative_to(session.project)
-        found += declared.findings(name, session.runner.run(job).text, session.index)
-        found += declared.undumped_classes(source)
+    for source, dumps in jobs.items():
+        text = "".join(session.runner.run(dump).text for dump in dumps)
+        found += declared.findings(source.relative_to(session.project), text, session.index)
+        found += declared.undumped_classes(source, text)
     return found
 
 

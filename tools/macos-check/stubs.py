@@ -18,7 +18,7 @@ REEXPORTS = {
 }
 # What the compiler itself refers to for literals.
 IMPLICIT = {"CoreFoundation": {"__CFConstantStringClassReference", "kCFBooleanTrue",
-                               "kCFBooleanFalse"}}
+                               "kCFBooleanFalse", "__NSArray0__", "__NSDictionary0__"}}
 OF_FOUNDATION = {"NSClassFromString", "NSLog", "NSSelectorFromString"}
 OF_OBJECTIVE_C = {"NSObject"}
 

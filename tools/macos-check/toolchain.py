@@ -12,7 +12,7 @@ import shutil
 import subprocess
 
 VERSIONS = ("19", "18", "17", "16", "15", "14")
-LAYOUT = "3"  # changes when what prepare() makes changes
+LAYOUT = "4"  # changes when what prepare() makes changes
 
 
 class ToolchainError(Exception):
@@ -34,11 +34,15 @@ def candidate(package):
 
 
 def newest_version():
-    for version in VERSIONS:
-        if all(candidate(name) for name in
-               (f"clang-{version}", f"libc++-{version}-dev", f"lld-{version}")):
-            return version
-    raise ToolchainError("apt knows no clang, libc++ and lld of one version; run apt-get update")
+    for update in (False, True):
+        if update:
+            root = [] if os.geteuid() == 0 else ["sudo", "-n"]
+            run([*root, "apt-get", "update", "-qq"])
+        for version in VERSIONS:
+            if all(candidate(name) for name in
+                   (f"clang-{version}", f"libc++-{version}-dev", f"lld-{version}")):
+                return version
+    raise ToolchainError("apt has no clang, libc++ and lld of one version")
 
 
 def installed(package):
@@ -91,6 +95,15 @@ def copy_c_headers(source, target):
     ]))
 
 
+def copy_library_settings(source, target):
+    """libc++'s settings as Apple has them: with the versions in which its parts appeared, so that
+    what the oldest macOS lacks is refused."""
+    target.mkdir()
+    (target / "__config_site").write_text(edited(source.read_text(), [
+        ("#define _LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS", ""),
+    ]))
+
+
 class Toolchain:
     """The unpacked tools in one folder. `stamp` names what was unpacked."""
 
@@ -98,6 +111,7 @@ class Toolchain:
         self.folder = pathlib.Path(folder)
         self.root = self.folder / "root"
         self.c_headers = self.folder / "c-headers"
+        self.library_settings = self.folder / "libc++-settings"
         self.third_party = self.folder / "third-party"
         self.marker = self.folder / "unpacked"
 
@@ -120,6 +134,7 @@ class Toolchain:
             run(["dpkg", "-x", archives / name, self.root])
         shutil.rmtree(archives)
         copy_c_headers(next(self.root.glob("usr/include/*-linux-musl")), self.c_headers)
+        copy_library_settings(self.library / "__config_site", self.library_settings)
         self.third_party.mkdir()
         for name in ("rapidjson", "utf8proc.h"):
             (self.third_party / name).symlink_to(self.root / "usr" / "include" / name)
@@ -128,6 +143,10 @@ class Toolchain:
     @property
     def llvm(self):
         return next(self.root.glob("usr/lib/llvm-*"))
+
+    @property
+    def library(self):
+        return self.llvm / "include" / "c++" / "v1"
 
     @property
     def environment(self):
@@ -149,7 +168,7 @@ class Toolchain:
     def include_flags(self, surface):
         """For code whose only headers are the project's, libc++'s, a C library's, the surface's."""
         flags = ["-nostdinc", "-nostdinc++", "-D_GNU_SOURCE"]
-        for folder in (surface / "shim", self.llvm / "include" / "c++" / "v1",
+        for folder in (self.library_settings, surface / "shim", self.library,
                        next(self.llvm.glob("lib/clang/*/include")), self.c_headers, surface,
                        self.third_party):
             flags += ["-isystem", str(folder)]

@@ -51,9 +51,15 @@ static inline NSRange NSMakeRange(NSUInteger l, NSUInteger n) { return NSRange{l
 #define NS_ENUM(t, n) \
   enum n : t n;       \
   enum n : t
-#define NS_OPTIONS(t, n) \
-  t n;                   \
-  enum : t
+// Stricter than the SDK, where options are plain integers: one set's bits are not another's.
+#define NS_OPTIONS(t, n)                                                             \
+  enum n : t n;                                                                      \
+  static inline constexpr n operator|(n a, n b) { return n(t(a) | t(b)); }           \
+  static inline constexpr n operator&(n a, n b) { return n(t(a) & t(b)); }           \
+  static inline constexpr n operator~(n a) { return n(~t(a)); }                      \
+  static inline n& operator|=(n& a, n b) { return a = a | b; }                       \
+  static inline n& operator&=(n& a, n b) { return a = a & b; }                       \
+  enum n : t
 #define NS_UNAVAILABLE __attribute__((unavailable))
 #define NS_DESIGNATED_INITIALIZER __attribute__((objc_designated_initializer))
 #define NS_REQUIRES_SUPER __attribute__((objc_requires_super))

@@ -1,0 +1,59 @@
+#import "app/macos/MacAlerts.h"
+#import "app/macos/MacApplication.h"
+#import "app/macos/MacBundle.h"
+#import "app/macos/MacDefaults.h"
+#import "app/macos/MacMainLoop.h"
+#import "app/macos/MacPanelWindow.h"
+#import "app/macos/MacWebView.h"
+#import "app/macos/MacWorkspace.h"
+#include "app/shell/ports/AppPlatform.h"
+#include "kit/platform/Environment.h"
+
+namespace quorin {
+namespace {
+
+class SystemClock : public Clock {
+ public:
+  std::chrono::system_clock::time_point now() const override {
+    return std::chrono::system_clock::now();
+  }
+  std::chrono::steady_clock::time_point steadyNow() const override {
+    return std::chrono::steady_clock::now();
+  }
+};
+
+class MacPlatform : public AppPlatform {
+ public:
+  Application& application() override { return application_; }
+  MainLoop& mainLoop() override { return mainLoop_; }
+  Workspace& workspace() override { return workspace_; }
+  Alerts& alerts() override { return alerts_; }
+  Defaults& defaults() override { return defaults_; }
+  Bundle& bundle() override { return bundle_; }
+  Clock& clock() override { return clock_; }
+
+  std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override {
+    return std::make_unique<MacPanelWindow>(options);
+  }
+  std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override {
+    return std::make_unique<MacWebView>(options, processEnvironment().contains("QX_DEV_URL"));
+  }
+  std::string spreadsheetName() const override { return "Excel"; }
+
+ private:
+  MacApplication application_;  // first: AppKit needs its application before anything else
+  MacMainLoop mainLoop_;
+  MacWorkspace workspace_;
+  MacAlerts alerts_;
+  MacDefaults defaults_;
+  MacBundle bundle_;
+  SystemClock clock_;
+};
+
+}  // namespace
+
+std::unique_ptr<AppPlatform> makePlatform() {
+  return std::make_unique<MacPlatform>();
+}
+
+}  // namespace quorin

@@ -1,0 +1,127 @@
+#import "app/macos/MacWebView.h"
+
+#include <utility>
+
+#include "app/macos/Edge.h"
+#import "app/macos/ObjectValue.h"
+#import "app/macos/Text.h"
+#include "kit/value/Marshal.h"
+
+// What the web view calls. The content controller keeps its message handler for as long as it lives
+// itself, so that this object must keep nothing: it knows the receiver until that goes.
+@interface QXPageObserver : NSObject <WKScriptMessageHandler, WKNavigationDelegate>
+@property(nonatomic, assign, nullable) quorin::WebViewDelegate* receiver;
+@end
+
+namespace {
+
+template <typename Call>
+void tell(QXPageObserver* observer, const char* what, const Call& call) {
+  quorin::WebViewDelegate* receiver = observer.receiver;
+  if (receiver) quorin::atEdge(what, [&] { call(*receiver); });
+}
+
+}  // namespace
+
+@implementation QXPageObserver
+
+- (void)userContentController:(WKUserContentController*)userContentController
+      didReceiveScriptMessage:(WKScriptMessage*)message {
+  id body = message.body;
+  tell(self, "message", [&](auto& receiver) {
+    receiver.webViewDidReceiveMessage(quorin::Marshal::fromAny(quorin::ObjectValue(body)));
+  });
+}
+
+- (void)webView:(WKWebView*)webView didStartProvisionalNavigation:(WKNavigation*)navigation {
+  tell(self, "navigation", [](auto& receiver) { receiver.webViewDidStartProvisionalNavigation(); });
+}
+
+- (void)webView:(WKWebView*)webView didFinishNavigation:(WKNavigation*)navigation {
+  tell(self, "navigation", [](auto& receiver) { receiver.webViewDidFinishNavigation(); });
+}
+
+- (void)webView:(WKWebView*)webView
+    didFailProvisionalNavigation:(WKNavigation*)navigation
+                       withError:(NSError*)error {
+  tell(self, "navigation", [&](auto& receiver) {
+    receiver.webViewDidFailProvisionalNavigation(quorin::fromNSString(error.localizedDescription));
+  });
+}
+
+- (void)webView:(WKWebView*)webView
+    didFailNavigation:(WKNavigation*)navigation
+            withError:(NSError*)error {
+  tell(self, "navigation", [&](auto& receiver) {
+    receiver.webViewDidFailNavigation(quorin::fromNSString(error.localizedDescription));
+  });
+}
+
+- (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
+  tell(self, "web process", [](auto& receiver) { receiver.webViewWebProcessDidTerminate(); });
+}
+
+@end
+
+namespace quorin {
+namespace {
+
+WKUserScript* startScript(const std::string& source) {
+  return [[WKUserScript alloc] initWithSource:toNSString(source)
+                                injectionTime:WKUserScriptInjectionTimeAtDocumentStart
+                             forMainFrameOnly:YES];
+}
+
+}  // namespace
+
+MacWebView::MacWebView(const WebViewOptions& options, bool inspectable)
+    : handlerName_(toNSString(options.messageHandlerName)),
+      observer_([[QXPageObserver alloc] init]) {
+  WKUserContentController* content = [[WKUserContentController alloc] init];
+  [content addUserScript:startScript(options.startScript)];
+  [content addScriptMessageHandler:observer_ name:handlerName_];
+  WKWebViewConfiguration* configuration = [[WKWebViewConfiguration alloc] init];
+  configuration.userContentController = content;
+  view_ = [[WKWebView alloc] initWithFrame:NSMakeRect(0, 0, 0, 0) configuration:configuration];
+  view_.navigationDelegate = observer_;
+  if (@available(macOS 13.3, *)) view_.inspectable = inspectable;
+}
+
+MacWebView::~MacWebView() {
+  observer_.receiver = nullptr;
+  view_.navigationDelegate = nil;
+  [view_.configuration.userContentController removeScriptMessageHandlerForName:handlerName_];
+}
+
+void MacWebView::setDelegate(WebViewDelegate* delegate) {
+  observer_.receiver = delegate;
+}
+
+bool MacWebView::loadURL(const std::string& url, std::chrono::seconds timeout) {
+  NSURL* target = [NSURL URLWithString:toNSString(url)];
+  if (!target) return false;
+  const NSTimeInterval seconds = std::chrono::duration<double>(timeout).count();
+  [view_ loadRequest:[NSURLRequest requestWithURL:target
+                                      cachePolicy:NSURLRequestUseProtocolCachePolicy
+                                  timeoutInterval:seconds]];
+  return true;
+}
+
+void MacWebView::loadFile(const std::filesystem::path& file,
+                          const std::filesystem::path& readable) {
+  [view_ loadFileURL:toFileURL(file) allowingReadAccessToURL:toFileURL(readable)];
+}
+
+void MacWebView::loadHTML(const std::string& html) {
+  [view_ loadHTMLString:toNSString(html) baseURL:nil];
+}
+
+void MacWebView::reload() {
+  [view_ reload];
+}
+
+void MacWebView::evaluate(const std::string& script) {
+  [view_ evaluateJavaScript:toNSString(script) completionHandler:nil];
+}
+
+}  // namespace quorin
