@@ -7,6 +7,13 @@ namespace quorin {
 using BridgeShapes::CompanionAction;
 using BridgeShapes::WindowBounds;
 
+namespace {
+
+constexpr std::chrono::milliseconds betweenPlaceAttempts{1000};
+constexpr int placeAttemptsAtMost = 30;
+
+}  // namespace
+
 AppDelegate::AppDelegate(Parts parts) : parts_(std::move(parts)) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -134,16 +141,28 @@ void AppDelegate::applicationActivated(const RunningApplication& application) {
   }
 }
 
-// A panel that was never placed starts in a corner of the screen. The first time that it comes
-// forward with Excel it moves beside Excel's window, as soon as Excel has told where that is.
+// A panel that was never placed starts in a corner of the screen. When it first comes up it moves
+// beside Excel's window, as soon as Excel has told where that is.
 void AppDelegate::placeBesideExcelOnce() {
   if (std::exchange(placed_, true) || panel().hasSavedFrame()) return;
+  askForPlace();
+}
+
+// A busy Excel is asked again after a moment.
+void AppDelegate::askForPlace() {
   withExcelWindow([this](const std::optional<WindowBounds>& excel) {
     if (excel) {
       panel().positionBeside(*excel);
     } else {
-      placed_ = false;
+      askForPlaceLater();
     }
+  });
+}
+
+void AppDelegate::askForPlaceLater() {
+  if (++placeAttempts_ > placeAttemptsAtMost) return;
+  placing_ = parts_.platform.mainLoop().startTimer(betweenPlaceAttempts, TimerKind::once, [this] {
+    if (!panel().hasSavedFrame()) askForPlace();
   });
 }
 
@@ -157,6 +176,7 @@ void AppDelegate::raisePanel() {
   placed_ = true;
   withExcelWindow([this](const std::optional<WindowBounds>& excel) {
     panel().show(excel, {"summon", JSONValue::Object{}});
+    if (!excel) askForPlaceLater();
   });
 }
 

@@ -56,6 +56,8 @@ class AppDelegate : public ApplicationDelegate {
 
   void applicationActivated(const RunningApplication& application);
   void placeBesideExcelOnce();
+  void askForPlace();
+  void askForPlaceLater();
   // Asks where Excel's window is, then goes on on the main thread.
   void withExcelWindow(
       std::function<void(const std::optional<BridgeShapes::WindowBounds>&)> action);
@@ -65,6 +67,8 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<Panel> panel_;
   std::unique_ptr<Poller> poller_;
   bool placed_ = false;
+  int placeAttempts_ = 0;
+  std::unique_ptr<Timer> placing_;
   bool raiseWanted_ = false;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "app/shell/AppDelegate.h"
 #include "tests/app/shell/ShellFixture.h"
 
@@ -229,17 +231,28 @@ TEST_F(AppDelegateTest, StandsBesideExcelWhenItFirstComes) {
   EXPECT_EQ(platform.window().currentFrame.x, 5) << "only the first time";
 }
 
-TEST_F(AppDelegateTest, TriesTheNextTimeWhenExcelToldNoWindow) {
+TEST_F(AppDelegateTest, AsksABusyExcelAgainWhereItsWindowIs) {
   launched();
   const JSONValue probed = std::exchange(bridge.probed, Object{{"state", "busy"}});
   platform.workspace().bringToFront(excel());
   settle();
   EXPECT_EQ(platform.window().currentFrame.x, 0);
   bridge.probed = probed;
-  platform.workspace().bringToFront(editor());
-  platform.workspace().bringToFront(excel());
+  platform.mainLoop().advance(1000ms);
   settle();
   EXPECT_EQ(platform.window().currentFrame.x, 900);
+}
+
+TEST_F(AppDelegateTest, StopsAskingABusyExcel) {
+  launched();
+  bridge.probed = Object{{"state", "busy"}};
+  platform.workspace().bringToFront(excel());
+  for (int i = 0; i < 60; ++i) {
+    settle();
+    platform.mainLoop().advance(1000ms);
+  }
+  const Journal journal = takeJournal();
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), "probe"), 31);
 }
 
 TEST_F(AppDelegateTest, AsksForNoWindowWhenTheUserHasPlacedThePanel) {
@@ -281,12 +294,17 @@ TEST_F(AppDelegateTest, RaisesThePanelAtTheEndOfStartUpWhenAskedBefore) {
   EXPECT_EQ(platform.window().currentFrame.x, 900);
 }
 
-TEST_F(AppDelegateTest, RaisesThePanelWithoutExcelsWindow) {
+TEST_F(AppDelegateTest, RaisesThePanelWithoutExcelsWindowAndPlacesItLater) {
   AppDelegate& app = launched();
-  bridge.probed = Object{{"state", "notRunning"}};
+  const JSONValue probed = std::exchange(bridge.probed, Object{{"state", "notRunning"}});
   app.raisePanel();
   settle();
   EXPECT_TRUE(platform.window().key);
+  EXPECT_EQ(platform.window().currentFrame.x, 0);
+  bridge.probed = probed;
+  platform.mainLoop().advance(1000ms);
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 900);
 }
 
 TEST_F(AppDelegateTest, TakesTheMarksBackAtTheEndAndWritesTheLog) {
