@@ -224,6 +224,24 @@ TEST(MarshalToDescriptor, SendsNullBelowTheMaximumDepth) {
   EXPECT_EQ(*level, Descriptor::null());
 }
 
+TEST(MarshalToDescriptor, SendsNullForObjectsBelowTheMaximumDepth) {
+  JSONValue value = 1;
+  for (int i = 0; i < 100'000; ++i) {
+    Object outer;
+    outer.emplace("k", std::move(value));
+    value = std::move(outer);
+  }
+  const Descriptor descriptor = Marshal::toDescriptor(value);
+  std::size_t depth = 0;
+  const Descriptor* level = &descriptor;
+  while (const Descriptor* pairs = level->field(usrf)) {
+    ++depth;
+    level = &pairs->items().at(1);
+  }
+  EXPECT_EQ(depth, 512u);
+  EXPECT_EQ(*level, Descriptor::null());
+}
+
 TEST(MarshalFourCC, ReadsTheBytesAsMacRoman) {
   EXPECT_EQ(Marshal::fourCC(0x6C647420), "ldt ");
   EXPECT_EQ(Marshal::fourCC(fourCharCode("usrf")), "usrf");

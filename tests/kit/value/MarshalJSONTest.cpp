@@ -172,6 +172,24 @@ TEST(MarshalEncode, EscapesSlashesQuotesAndControls) {
   EXPECT_EQ(Marshal::encode(Object{{"a/b\n", 1}}), R"({"a\/b\n":1})");
 }
 
+TEST(MarshalEncode, EscapesAtEveryPlaceOfALongerText) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"\"", "\\\""},       {"\\", "\\\\"},
+      {"/", "\\/"},         {"\n", "\\n"},
+      {"\x1f", "\\u001f"},  {std::string(1, '\0'), "\\u0000"},
+      {"\u00E9", "\u00E9"}, {"\U0001F600", "\U0001F600"},
+      {" ", " "},           {"\x7f", "\x7f"},
+      {"!", "!"},           {"~", "~"}};
+  for (const auto& [character, written] : cases) {
+    for (std::size_t place = 0; place <= 20; ++place) {
+      const std::string before(place, 'a');
+      const std::string after(20 - place, 'z');
+      EXPECT_EQ(Marshal::encode(before + character + after),
+                "\"" + before + written + after + "\"");
+    }
+  }
+}
+
 TEST(MarshalEncode, KeepsCharactersBeyondASCII) {
   EXPECT_EQ(Marshal::encode("\u00E9\u2028\U0001F600/"), "\"\u00E9\u2028\U0001F600\\/\"");
 }
