@@ -92,6 +92,22 @@ TEST(SerialQueue, LetsGoOfWorkOnceItHasRun) {
   EXPECT_EQ(held.use_count(), 1);
 }
 
+TEST(SerialQueue, TakesWorkFromWhatItsWorkLetsGo) {
+  struct PostsAtItsEnd {
+    SerialQueue& queue;
+    bool& ran;
+    ~PostsAtItsEnd() {
+      queue.post([&flag = ran] { flag = true; });
+    }
+  };
+  bool ran = false;
+  {
+    SerialQueue queue("qx.test");
+    queue.post([held = std::shared_ptr<PostsAtItsEnd>(new PostsAtItsEnd{queue, ran})] {});
+  }
+  EXPECT_TRUE(ran);
+}
+
 TEST(SerialQueueDeathTest, StopsRatherThanWaitForItself) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(

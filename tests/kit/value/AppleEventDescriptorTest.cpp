@@ -88,7 +88,7 @@ TEST(AppleEventDescriptor, CanBeReplacedByAPartOfItself) {
 
 TEST(AppleEventDescriptor, IsDestroyedAtAnyDepthWithoutRecursion) {
   Descriptor deep;
-  for (int i = 0; i < 200'000; ++i) {
+  for (int i = 0; i < 1'000'000; ++i) {
     Descriptor outer = i % 2 ? Descriptor::list() : Descriptor::record({{0, Descriptor()}});
     if (i % 2) {
       outer.items().push_back(std::move(deep));
