@@ -12,6 +12,7 @@
 #include "host/calc/RunningOffice.h"
 #include "tests/calc/VirtualDisplay.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {
@@ -180,7 +181,7 @@ TEST_F(CalcDisplay, ReadsWhileADialogIsOpen) {
 
 TEST_F(CalcDisplay, TimesOutReachingAStoppedCalc) {
   RunningOffice fresh(desktop->discovery);
-  ASSERT_EQ(::kill(desktop->office->process(), SIGSTOP), 0);
+  ASSERT_TRUE(stopProcess(desktop->office->process()));
   EXPECT_TRUE(fresh.isRunning());  // without waiting
   EXPECT_EQ(numberOf([&] { fresh.open(); }), -1712);
   ASSERT_EQ(::kill(desktop->office->process(), SIGCONT), 0);

@@ -15,6 +15,7 @@
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/PrivateOffice.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {
@@ -78,7 +79,7 @@ class CalcFaults : public testing::Test {
 };
 
 TEST_F(CalcFaults, FailsTheCallUnderWhichTheOfficeDies) {
-  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);  // so that the call is surely under way
+  ASSERT_TRUE(stopProcess(office->process()));  // so that the call is surely under way
   auto call =
       std::async(std::launch::async, [&] { return numberOf([&] { calc.values(cell("A1")); }); });
   EXPECT_EQ(call.wait_for(300ms), std::future_status::timeout);
@@ -91,7 +92,7 @@ TEST_F(CalcFaults, FailsTheCallUnderWhichTheOfficeDies) {
 }
 
 TEST_F(CalcFaults, KeepsACallRunningWhileTheOfficeIsStopped) {
-  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);
+  ASSERT_TRUE(stopProcess(office->process()));
   auto call = std::async(std::launch::async, [&] { return calc.values(cell("A7")).cells; });
   EXPECT_EQ(call.wait_for(1s), std::future_status::timeout);
   ASSERT_EQ(::kill(office->process(), SIGCONT), 0);
@@ -99,7 +100,7 @@ TEST_F(CalcFaults, KeepsACallRunningWhileTheOfficeIsStopped) {
 }
 
 TEST_F(CalcFaults, EndsACallAtOnceForQuitting) {
-  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);
+  ASSERT_TRUE(stopProcess(office->process()));
   auto call =
       std::async(std::launch::async, [&] { return numberOf([&] { calc.values(cell("A1")); }); });
   EXPECT_EQ(call.wait_for(300ms), std::future_status::timeout);
@@ -110,7 +111,7 @@ TEST_F(CalcFaults, EndsACallAtOnceForQuitting) {
 }
 
 TEST_F(CalcFaults, TimesOutConnectingToAStoppedOffice) {
-  ASSERT_EQ(::kill(office->process(), SIGSTOP), 0);
+  ASSERT_TRUE(stopProcess(office->process()));
   CalcSpreadsheet another(office, 200ms);
   const auto started = Clock::now();
   EXPECT_EQ(numberOf([&] { another.workbooks(); }), -1712);
