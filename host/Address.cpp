@@ -188,4 +188,23 @@ std::optional<Area> intersection(const Area& a, const Area& b) {
   return common;
 }
 
+std::vector<Area> without(const std::vector<Area>& areas, const Area& hole) {
+  std::vector<Area> left;
+  const auto keep = [&left](const Area& part) {
+    if (part.firstRow <= part.lastRow && part.firstColumn <= part.lastColumn) left.push_back(part);
+  };
+  for (const Area& area : areas) {
+    const auto common = intersection(area, hole);
+    if (!common) {
+      left.push_back(area);
+      continue;
+    }
+    keep({area.firstRow, area.firstColumn, common->firstRow - 1, area.lastColumn});
+    keep({common->firstRow, area.firstColumn, common->lastRow, common->firstColumn - 1});
+    keep({common->firstRow, common->lastColumn + 1, common->lastRow, area.lastColumn});
+    keep({common->lastRow + 1, area.firstColumn, area.lastRow, area.lastColumn});
+  }
+  return left;
+}
+
 }  // namespace quorin::host

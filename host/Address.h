@@ -48,5 +48,7 @@ int rowCount(const Area& area);
 int columnCount(const Area& area);
 long long cellCount(const std::vector<Area>& areas);  // overlapping cells count each time
 std::optional<Area> intersection(const Area& a, const Area& b);
+// What is left of `areas` when the cells of `hole` are taken out.
+std::vector<Area> without(const std::vector<Area>& areas, const Area& hole);
 
 }  // namespace quorin::host

@@ -4,7 +4,8 @@
 // All calls come from one thread. Workbooks and sheets are named, never held, in the spelling that
 // workbooks() and worksheets() give; a name that is not there is SpreadsheetError -1728, a program
 // that is not running -600 and one that died during the call -609. Rows and columns are 1-based,
-// areas inclusive, at most 1048576 rows and 16384 columns.
+// areas inclusive, at most 1048576 rows and 16384 columns. What an implementation does not offer is
+// SpreadsheetError -1708, as "doesn't understand the message" in Excel.
 #pragma once
 
 #include <optional>
@@ -78,6 +79,51 @@ enum class DependentLevels { direct, all };
 // The result of evaluating an expression: a value, a rectangle of values, or a reference.
 using Evaluation = std::variant<CellValue, Grid<CellValue>, RangeRef>;
 
+enum class Lines { rows, columns };
+
+// A name of the workbook, or of one of its sheets.
+struct DefinedName {
+  std::string name;      // without the sheet
+  std::string sheet;     // whose own it is; empty: the workbook's
+  std::string refersTo;  // in Excel's grammar, "=Data!$A$1"; what is broken holds #REF!
+  bool visible = true;
+  bool operator==(const DefinedName&) const = default;
+};
+
+struct Color {
+  int red = 0, green = 0, blue = 0;  // 0 to 255
+  bool operator==(const Color&) const = default;
+};
+
+enum class ConditionKind {
+  cellValue,
+  expression,
+  colorScale,
+  dataBar,
+  top10,
+  iconSet,
+  uniqueValues,
+  text,
+  blanks,
+  timePeriod,
+  aboveAverage,
+  noBlanks,
+  errors,
+  noErrors,
+};
+
+// One condition of the conditional formats of a sheet.
+struct FormatCondition {
+  std::string id;  // names it on its sheet until it is deleted; its form is the spreadsheet's own
+  ConditionKind kind = ConditionKind::expression;
+  std::string formula;      // the first one, with its "="; empty for a kind that has none
+  std::vector<Area> areas;  // where it applies
+  int priority = 1;         // 1 comes first; all conditions of a sheet are numbered in one row
+  bool stopIfTrue = false;
+  std::optional<Color> fill;  // nothing for none, or one that is no plain colour
+  bool operator==(const FormatCondition&) const = default;
+};
+
 class Spreadsheet {
  public:
   virtual ~Spreadsheet() = default;
@@ -111,6 +157,8 @@ class Spreadsheet {
   virtual void activateCell(const RangeRef& range) = 0;
   // Scrolls the window so that the range's first cell is its top left one.
   virtual void scrollTo(const RangeRef& range) = 0;
+  // What the active window shows, of its pane that scrolls. Nothing when no workbook is open.
+  virtual std::optional<RangeRef> visibleRange();
 
   // Resolves a defined name, in any case, as seen from a sheet: the sheet's own names first, then
   // the workbook's. Nothing when there is none or it is no range.
@@ -121,6 +169,8 @@ class Spreadsheet {
   // Cells of the same sheet whose formulas refer to the range, directly or at any distance, as
   // areas in no fixed cut or order; without the range's own cells. Nothing when there are none.
   virtual std::optional<RangeRef> dependents(const RangeRef& range, DependentLevels levels) = 0;
+  // Sorted by name as Excel sorts them or in the program's own order, sheets' own names included.
+  virtual std::vector<DefinedName> definedNames(const std::string& book);
 
   // Of the first area, in its shape. -50 for more cells than the program can hand over at once.
   virtual Grid<CellValue> values(const RangeRef& range) = 0;  // dates as serial numbers
@@ -134,6 +184,42 @@ class Spreadsheet {
   // gives an error value, most often #NAME?. Leaves no trace in the workbook, its undo list, its
   // modified flag or its view.
   virtual Evaluation evaluate(const std::string& expression, const SheetRef& from) = 0;
+
+  // Whether the rows or columns that the areas touch are hidden, by the user, a filter or an
+  // outline; nothing when some are and some are not.
+  virtual std::optional<bool> hidden(const RangeRef& range, Lines lines);
+  // Hides or shows all of them. Leaves the undo list and the modified flag as they are.
+  virtual void setHidden(const RangeRef& range, Lines lines, bool hidden);
+  // The range without its hidden rows and columns, cut into as few areas as that takes, row by row
+  // and each row from left to right. Nothing when no cell of it is shown.
+  virtual std::optional<RangeRef> visibleCells(const RangeRef& range);
+
+  // The conditions that apply to any cell of the range, by priority.
+  virtual std::vector<FormatCondition> formatConditions(const RangeRef& range);
+  // A new one of kind `expression` that comes last and has no fill yet; gives its id. This and the
+  // next four may refuse the user's own conditions (-10006), and leave the undo list and the
+  // modified flag as they are where the program lets them.
+  virtual std::string addFormatCondition(const RangeRef& range, const std::string& formula);
+  virtual void setConditionFill(const SheetRef& sheet, const std::string& id,
+                                const std::optional<Color>& fill);
+  // Moves it to that place among the sheet's conditions. A spreadsheet may keep what it made itself
+  // above or below the user's whatever the number.
+  virtual void setConditionPriority(const SheetRef& sheet, const std::string& id, int priority);
+  virtual void setConditionRange(const RangeRef& range,
+                                 const std::string& id);  // instead of its own
+  // Takes it off the cells of the range; it is gone when it applies to no others.
+  virtual void deleteCondition(const RangeRef& range, const std::string& id);
+
+  // Makes a workbook of one blank sheet and gives its name. Until it is closed, workbooks() lists
+  // it, and it is the active one until another is activated. Where the program can hide it, the
+  // user sees nothing of it and keeps the view they had.
+  virtual std::string makeWorkbook();
+  // Writes into a cell of such a workbook (-10006 for any other), as Excel's formula2: text that
+  // begins with "=" is a formula, and a result of several cells fills the cells below and beside.
+  virtual void setFormula(const RangeRef& cell, const std::string& formula);
+  // Closes such a workbook without saving and without asking; -10006 for any other. Where it was
+  // active, a workbook of the user's is again.
+  virtual void closeWorkbook(const std::string& book);
 };
 
 }  // namespace quorin::host

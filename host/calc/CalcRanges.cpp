@@ -74,26 +74,4 @@ const Area& firstArea(const RangeRef& range) {
   return range.areas.front();
 }
 
-std::vector<Area> without(const std::vector<Area>& areas, const Area& hole) {
-  std::vector<Area> left;
-  for (const Area& area : areas) {
-    const Area common{
-        std::max(area.firstRow, hole.firstRow), std::max(area.firstColumn, hole.firstColumn),
-        std::min(area.lastRow, hole.lastRow), std::min(area.lastColumn, hole.lastColumn)};
-    if (common.firstRow > common.lastRow || common.firstColumn > common.lastColumn) {
-      left.push_back(area);
-      continue;
-    }
-    const auto keep = [&left](const Area& part) {
-      if (part.firstRow <= part.lastRow && part.firstColumn <= part.lastColumn)
-        left.push_back(part);
-    };
-    keep({area.firstRow, area.firstColumn, common.firstRow - 1, area.lastColumn});
-    keep({common.firstRow, area.firstColumn, common.lastRow, common.firstColumn - 1});
-    keep({common.firstRow, common.lastColumn + 1, common.lastRow, area.lastColumn});
-    keep({common.lastRow + 1, area.firstColumn, area.lastRow, area.lastColumn});
-  }
-  return left;
-}
-
 }  // namespace quorin::host::calc

@@ -34,7 +34,4 @@ std::optional<RangeRef> rangeOf(const Workbook& workbook,
 // The first area; -50 when there is none.
 const Area& firstArea(const RangeRef& range);
 
-// What is left of `areas` without `hole`.
-std::vector<Area> without(const std::vector<Area>& areas, const Area& hole);
-
 }  // namespace quorin::host::calc

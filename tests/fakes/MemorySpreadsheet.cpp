@@ -184,6 +184,9 @@ void MemorySpreadsheet::activateCell(const RangeRef& range) {
 void MemorySpreadsheet::scrollTo(const RangeRef& range) {
   enterMove("scrollTo", described(range));
   bringForward(range.sheet);
+  MemorySheet& sheet = sheetOf(range.sheet);
+  sheet.topRow = firstCell(range).firstRow;
+  sheet.leftColumn = firstCell(range).firstColumn;
 }
 
 }  // namespace quorin::fakes

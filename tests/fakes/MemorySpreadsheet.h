@@ -26,6 +26,7 @@ struct MemoryProgram {
   bool editing = false;  // a cell is being edited: moves answer -10000
   std::string version = "16.95";
   std::vector<std::optional<host::Bounds>> windows;  // by window number, one a workbook
+  int windowRows = 30, windowColumns = 12;           // what a window shows at once
 };
 
 class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
@@ -60,17 +61,33 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   void activateSheet(const host::SheetRef& sheet) override;
   void activateCell(const host::RangeRef& range) override;
   void scrollTo(const host::RangeRef& range) override;
+  std::optional<host::RangeRef> visibleRange() override;
   std::optional<host::RangeRef> named(const host::SheetRef& from, const std::string& name) override;
   std::optional<host::RangeRef> currentRegion(const host::RangeRef& range) override;
   std::optional<host::RangeRef> usedRange(const host::SheetRef& sheet) override;
   std::optional<host::RangeRef> dependents(const host::RangeRef& range,
                                            host::DependentLevels levels) override;
+  std::vector<host::DefinedName> definedNames(const std::string& book) override;
   host::Grid<host::CellValue> values(const host::RangeRef& range) override;
   host::Grid<host::CellValue> formulas(const host::RangeRef& range,
                                        host::ReferenceStyle style) override;
   host::Grid<host::CellValue> localFormulas(const host::RangeRef& range) override;
   host::Grid<std::string> displayedTexts(const host::RangeRef& range) override;
   host::Evaluation evaluate(const std::string& expression, const host::SheetRef& from) override;
+  std::optional<bool> hidden(const host::RangeRef& range, host::Lines lines) override;
+  void setHidden(const host::RangeRef& range, host::Lines lines, bool hidden) override;
+  std::optional<host::RangeRef> visibleCells(const host::RangeRef& range) override;
+  std::vector<host::FormatCondition> formatConditions(const host::RangeRef& range) override;
+  std::string addFormatCondition(const host::RangeRef& range, const std::string& formula) override;
+  void setConditionFill(const host::SheetRef& sheet, const std::string& id,
+                        const std::optional<host::Color>& fill) override;
+  void setConditionPriority(const host::SheetRef& sheet, const std::string& id,
+                            int priority) override;
+  void setConditionRange(const host::RangeRef& range, const std::string& id) override;
+  void deleteCondition(const host::RangeRef& range, const std::string& id) override;
+  std::string makeWorkbook() override;
+  void setFormula(const host::RangeRef& cell, const std::string& formula) override;
+  void closeWorkbook(const std::string& book) override;
 
  private:
   void enter(const std::string& call, const std::string& detail = {});
@@ -78,6 +95,7 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   MemoryBook* find(const std::string& book) const;
   MemoryBook& bookOf(const std::string& book) const;
   MemorySheet& sheetOf(const host::SheetRef& ref) const;
+  MemoryBook& scratchOf(const std::string& book) const;
   void bringForward(const host::SheetRef& ref);
   bool refersTo(const MemoryCell& cell, const host::RangeRef& range) const;
   std::vector<host::Area> directDependents(const host::RangeRef& range) const;
@@ -95,6 +113,7 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
 
   std::vector<std::unique_ptr<MemoryBook>> books_;  // in the order of opening
   MemoryBook* active_ = nullptr;
+  int made_ = 0;  // workbooks so far
   std::map<std::string, host::Evaluation> answers_;
   std::vector<std::pair<host::RangeRef, std::optional<host::RangeRef>>> dependents_;
 };

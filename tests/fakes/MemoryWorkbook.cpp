@@ -78,6 +78,56 @@ bool MemorySheet::hasCellIn(const host::Area& area) const {
   });
 }
 
+std::vector<host::Area> MemorySheet::shownParts(const host::Area& area) const {
+  using Runs = std::vector<std::pair<int, int>>;
+  const auto runs = [](int first, int last, const std::set<int>& gaps) {
+    Runs found;
+    for (auto it = gaps.lower_bound(first); it != gaps.end() && *it <= last; ++it) {
+      if (*it > first) found.emplace_back(first, *it - 1);
+      first = *it + 1;
+    }
+    if (first <= last) found.emplace_back(first, last);
+    return found;
+  };
+  const Runs columns = runs(area.firstColumn, area.lastColumn, hiddenColumns);
+  std::vector<host::Area> parts;
+  for (const auto& [top, bottom] : runs(area.firstRow, area.lastRow, hiddenRows))
+    for (const auto& [left, right] : columns) parts.push_back({top, left, bottom, right});
+  return parts;
+}
+
+void MemorySheet::addCondition(host::ConditionKind kind, std::string formula,
+                               std::vector<host::Area> areas) {
+  conditions.push_back({"condition " + std::to_string(nextCondition++), kind, std::move(formula),
+                        std::move(areas), 0, false, std::nullopt});
+  numberConditions();
+}
+
+host::FormatCondition& MemorySheet::condition(const std::string& id) {
+  const auto it = std::find_if(conditions.begin(), conditions.end(),
+                               [&](const host::FormatCondition& each) { return each.id == id; });
+  if (it == conditions.end()) throw host::SpreadsheetError(-1728, "no such condition: " + id);
+  return *it;
+}
+
+void MemorySheet::putCondition(const std::string& id, std::size_t place) {
+  host::FormatCondition moved = condition(id);
+  removeCondition(id);
+  place = std::min(place, conditions.size());
+  conditions.insert(conditions.begin() + static_cast<std::ptrdiff_t>(place), std::move(moved));
+  numberConditions();
+}
+
+void MemorySheet::removeCondition(const std::string& id) {
+  std::erase_if(conditions, [&](const host::FormatCondition& each) { return each.id == id; });
+  numberConditions();
+}
+
+void MemorySheet::numberConditions() {
+  int number = 0;
+  for (host::FormatCondition& each : conditions) each.priority = ++number;
+}
+
 MemoryBook::MemoryBook(const WorkbookDescription& description)
     : name(description.name), names(description.names) {
   for (const SheetDescription& sheet : description.sheets) {
@@ -85,6 +135,8 @@ MemoryBook::MemoryBook(const WorkbookDescription& description)
     made.name = sheet.name;
     made.hidden = sheet.hidden;
     for (const CellDescription& cell : sheet.cells) made.set(cell);
+    for (const ConditionDescription& rule : sheet.conditions)
+      made.addCondition(rule.kind, rule.formula, host::parseA1(rule.addresses).value());
   }
   if (sheets.empty()) throw std::invalid_argument("a workbook has at least one sheet");
 }

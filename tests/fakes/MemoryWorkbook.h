@@ -1,7 +1,9 @@
-// The workbooks inside MemorySpreadsheet: cells, names and what is selected on each sheet.
+// The workbooks inside MemorySpreadsheet: cells, names, hidden lines, format conditions and what is
+// selected and in view on each sheet.
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,14 +25,25 @@ struct MemorySheet {
   std::vector<host::Area> selection = {{1, 1, 1, 1}};
   host::Area activeCell = {1, 1, 1, 1};
   bool hidden = false;
+  std::set<int> hiddenRows, hiddenColumns;
+  int topRow = 1, leftColumn = 1;                 // of the window
+  std::vector<host::FormatCondition> conditions;  // by priority, numbered by their place
+  int nextCondition = 1;
 
   const MemoryCell* at(int row, int column) const;
   void set(const CellDescription& cell);
   host::Area usedArea() const;
   host::Area regionAround(host::Area area) const;
+  // What is left of an area without its hidden rows and columns, row by row.
+  std::vector<host::Area> shownParts(const host::Area& area) const;
+  void addCondition(host::ConditionKind kind, std::string formula, std::vector<host::Area> areas);
+  host::FormatCondition& condition(const std::string& id);  // -1728 when there is none
+  void putCondition(const std::string& id, std::size_t place);
+  void removeCondition(const std::string& id);
 
  private:
   bool hasCellIn(const host::Area& area) const;
+  void numberConditions();
 };
 
 struct MemoryBook {
@@ -41,6 +54,7 @@ struct MemoryBook {
   std::vector<MemorySheet> sheets;
   std::vector<NameDescription> names;
   std::size_t activeSheet = 0;
+  bool scratch = false;  // made by the program's caller
 };
 
 std::string described(const host::SheetRef& sheet);  // "[Known.xlsx]Data!"

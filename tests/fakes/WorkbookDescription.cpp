@@ -38,4 +38,11 @@ WorkbookDescription knownWorkbook() {
   return book;
 }
 
+WorkbookDescription ruledWorkbook() {
+  SheetDescription rules{"Rules", {{"B2", 1.0}, {"B3", 2.0}, {"D2", 7.0}}};
+  rules.conditions = {
+      {"B2:B5", "=$B2>1"}, {"C1", "=TRUE"}, {"D2:D3", "=5", host::ConditionKind::cellValue}};
+  return {.name = "Ruled.xlsx", .sheets = {std::move(rules)}};
+}
+
 }  // namespace quorin::fakes

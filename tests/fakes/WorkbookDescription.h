@@ -17,10 +17,17 @@ struct CellDescription {
   std::string text = {};          // as displayed; empty: made from the value
 };
 
+struct ConditionDescription {
+  std::string addresses;  // "A1:A3,C5"
+  std::string formula;    // with its "="; of a condition on the cells' values, what they are above
+  host::ConditionKind kind = host::ConditionKind::expression;  // or cellValue
+};
+
 struct SheetDescription {
   std::string name;
   std::vector<CellDescription> cells;
   bool hidden = false;
+  std::vector<ConditionDescription> conditions = {};  // the user's, by priority
 };
 
 struct NameDescription {
@@ -37,5 +44,8 @@ struct WorkbookDescription {
 
 // The workbook that the contract suite of the spreadsheet port expects to find open.
 WorkbookDescription knownWorkbook();
+
+// The one with format conditions of the user's.
+WorkbookDescription ruledWorkbook();
 
 }  // namespace quorin::fakes

@@ -1,26 +1,12 @@
+#include <functional>
+#include <gtest/gtest.h>
 #include <thread>
 
+#include "host/Address.h"
 #include "tests/fakes/MemorySpreadsheet.h"
-#include "tests/host/SpreadsheetContract.h"
 
 namespace quorin::fakes {
 namespace {
-
-class InMemory : public OpenSpreadsheet {
- public:
-  InMemory() { spreadsheet_.open(knownWorkbook()); }
-  host::Spreadsheet& spreadsheet() override { return spreadsheet_; }
-  std::string book() override { return "Known.xlsx"; }
-
- private:
-  MemorySpreadsheet spreadsheet_;
-};
-
-std::unique_ptr<OpenSpreadsheet> openInMemory() {
-  return std::make_unique<InMemory>();
-}
-
-INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract, ::testing::Values(&openInMemory));
 
 class MemorySpreadsheetTest : public ::testing::Test {
  protected:
