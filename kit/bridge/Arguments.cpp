@@ -1,7 +1,8 @@
 #include "kit/bridge/Arguments.h"
 
 #include <algorithm>
-#include <cmath>
+
+#include "kit/shapes/WholeNumber.h"
 
 namespace quorin {
 
@@ -25,15 +26,9 @@ std::vector<std::string> texts(const JSONValue& list) {
 }
 
 std::vector<std::int64_t> integers(const JSONValue::Array& list) {
-  // Both are doubles exactly: -2^63 is a 64-bit integer, 2^63 is the first number that is not.
-  constexpr double least = -9223372036854775808.0;
-  constexpr double beyond = 9223372036854775808.0;
   std::vector<std::int64_t> integers;
-  for (const JSONValue& item : list) {
-    const double* const number = item.number();
-    if (number && *number >= least && *number < beyond && std::trunc(*number) == *number)
-      integers.push_back(static_cast<std::int64_t>(*number));
-  }
+  for (const JSONValue& item : list)
+    if (const auto number = BridgeShapes::wholeNumber(item)) integers.push_back(*number);
   return integers;
 }
 

@@ -69,6 +69,11 @@ class Bridge {
   JSONValue select(const std::vector<std::string>& addrs);     // {"areas"}
   JSONValue activate(const std::optional<std::string>& addr);  // true
   JSONValue dependents(const std::string& addr);  // address text, "" when there are none
+  JSONValue readRange(const std::string& addr);   // see decodeReadRange
+  // `style` is "a1" or "r1c1"; see decodeReadFormulas.
+  JSONValue readFormulas(const std::string& addr, const std::string& style, bool formulasOnly);
+  JSONValue workbookMap();                                   // see workbookMapObject
+  JSONValue deepEval(const std::vector<std::string>& plan);  // never throws; see DeepEvalShapes
 
   // {"ok": false, "kind", "message"}: a failure told inside an ok reply.
   static JSONValue fail(const std::string& kind, const std::string& message);
@@ -90,6 +95,7 @@ class Bridge {
  private:
   void touchProgrammaticNav();
   JSONValue evaluateWrapped(const std::string& expr, const std::string& firstMessage);
+  JSONValue deepEvalInExcel(const std::vector<std::string>& plan);
 
   ExcelThread& thread_;
   DiagLog& log_;

@@ -57,7 +57,8 @@ constexpr Verb verbs[] = {
     {"readCell", anything, [](Bridge& bridge, const Args&) { return bridge.readCell(); }},
     {"evaluate", startsWithText,
      [](Bridge& bridge, const Args& args) { return bridge.evaluate(*args[0].string()); }},
-    {"readRange", startsWithText, [](Bridge&, const Args&) { return notAvailable("readRange"); }},
+    {"readRange", startsWithText,
+     [](Bridge& bridge, const Args& args) { return bridge.readRange(*args[0].string()); }},
     {"select", startsWithTextsNotNone,
      [](Bridge& bridge, const Args& args) { return bridge.select(texts(args[0])); }},
     {"activate", isOptionalText,
@@ -67,14 +68,18 @@ constexpr Verb verbs[] = {
      }},
     {"pollCell", anything, [](Bridge& bridge, const Args&) { return bridge.pollCell(); }},
     {"readFormulas", isFormulaRequest,
-     [](Bridge&, const Args&) { return notAvailable("readFormulas"); }},
+     [](Bridge& bridge, const Args& args) {
+       const bool formulasOnly = args.size() == 3 && *args[2].boolean();
+       return bridge.readFormulas(*args[0].string(), *args[1].string(), formulasOnly);
+     }},
     {"dependents", startsWithText,
      [](Bridge& bridge, const Args& args) { return bridge.dependents(*args[0].string()); }},
-    {"workbookMap", anything, [](Bridge&, const Args&) { return notAvailable("workbookMap"); }},
+    {"workbookMap", anything, [](Bridge& bridge, const Args&) { return bridge.workbookMap(); }},
     {"markCells", isPaintRequest, [](Bridge&, const Args&) { return notAvailable("markCells"); }},
     {"clearMarks", anything, [](Bridge&, const Args&) { return notAvailable("clearMarks"); }},
     {"reveal", startsWithTextsNotNone, [](Bridge&, const Args&) { return notAvailable("reveal"); }},
-    {"deepEval", startsWithTexts, [](Bridge&, const Args&) { return notAvailable("deepEval"); }},
+    {"deepEval", startsWithTexts,
+     [](Bridge& bridge, const Args& args) { return bridge.deepEval(texts(args[0])); }},
 };
 
 }  // namespace

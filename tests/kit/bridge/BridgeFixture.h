@@ -3,15 +3,25 @@
 
 #include <atomic>
 #include <gmock/gmock.h>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/value/Marshal.h"
 #include "tests/fakes/FakeRunner.h"
 #include "tests/fakes/LogLines.h"
 #include "tests/fakes/ScriptedClock.h"
 
 namespace quorin {
+
+// For the messages of failed expectations.
+inline void PrintTo(const JSONValue& value, std::ostream* out) {
+  *out << Marshal::encode(value);
+}
+inline void PrintTo(const Bridge::Reply& reply, std::ostream* out) {
+  *out << (reply.ok ? "ok " : "failed ") << Marshal::encode(reply.payload);
+}
 
 class FakeTarget : public TargetApplication {
  public:

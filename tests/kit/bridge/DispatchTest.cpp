@@ -78,7 +78,7 @@ const std::vector<ArgumentCase>& argumentCases() {
       {"evaluate", {}, false},
       {"evaluate", {1}, false},
       {"evaluate", {nullptr}, false},
-      {"readRange", {"A1:B2"}, true},
+      {"reveal", {texts}, true},
       {"readRange", {"A1:B2", "surplus"}, true},
       {"readRange", {}, false},
       {"readRange", {texts}, false},
@@ -152,9 +152,9 @@ TEST_F(Dispatch, ChecksTheArgumentsOfEveryVerb) {
 }
 
 TEST_F(Dispatch, NamesTheVerbsThatAreNotAvailableYet) {
-  const Bridge::Reply reply = bridge_.dispatch("readRange", {"A1:B2"});
-  EXPECT_EQ(reply, (Bridge::Reply{false, error("transport", "readRange is not available yet")}));
-  EXPECT_THAT(log_.lines(), ElementsAre("ERROR readRange: readRange is not available yet"));
+  const Bridge::Reply reply = bridge_.dispatch("reveal", {texts});
+  EXPECT_EQ(reply, (Bridge::Reply{false, error("transport", "reveal is not available yet")}));
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR reveal: reveal is not available yet"));
 }
 
 TEST_F(Dispatch, AnswersATimeoutWithItsOwnKind) {
