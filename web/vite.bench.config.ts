@@ -1,5 +1,11 @@
 import { defineConfig } from 'vite';
 
 export default defineConfig({
-  build: { ssr: 'bench/parser.ts', outDir: 'out/bench', target: 'node18', minify: false },
+  build: {
+    ssr: true,
+    rollupOptions: { input: ['bench/parser.ts', 'bench/trips.ts'] },
+    outDir: 'out/bench',
+    target: 'node18',
+    minify: false,
+  },
 });

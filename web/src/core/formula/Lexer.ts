@@ -129,6 +129,8 @@ export class Lexer {
   end = 0;
   /** Whether white space stands before the current token. */
   spaced = false;
+  /** Inside an array constant "\\" parts columns; anywhere else a name may begin with it. */
+  private inArray = false;
 
   constructor(
     readonly text: string,
@@ -156,7 +158,8 @@ export class Lexer {
       return;
     }
     const code = text.charCodeAt(at);
-    if (startsWord(code)) this.word(at);
+    if (this.inArray && code === Char.Backslash) this.take('separator', at + 1);
+    else if (startsWord(code)) this.word(at);
     else if (isDigit(code) || (code === Char.Dot && isDigit(text.charCodeAt(at + 1)))) {
       this.digits(at);
     } else this.sign(at, code);
@@ -168,7 +171,9 @@ export class Lexer {
   }
 
   private wordEnd(at: number): number {
-    while (isInWord(this.text.charCodeAt(at))) at++;
+    for (let code = this.text.charCodeAt(at); isInWord(code); code = this.text.charCodeAt(++at)) {
+      if (this.inArray && code === Char.Backslash) break;
+    }
     return at;
   }
 
@@ -275,7 +280,14 @@ export class Lexer {
         return;
       default:
         this.take(signs[text.charAt(at)] ?? 'unknown', at + 1);
+        if (this.kind === 'openArray') this.inArray = true;
+        else if (this.kind === 'closeArray') this.inArray = false;
     }
+  }
+
+  /** What was opened and never closed, without the white space that ends the text. */
+  private unclosed(): void {
+    this.take('unknown', this.text.trimEnd().length);
   }
 
   /** Where a quoted run ends that begins at `at`; doubled quotes belong to it. -1: never. */
@@ -289,14 +301,15 @@ export class Lexer {
 
   private quoted(at: number): void {
     const end = this.closing('"', at);
-    if (end < 0) this.take('unknown', this.text.length);
+    if (end < 0) this.unclosed();
     else this.take('text', end);
   }
 
   private quotedPrefix(at: number): void {
     const end = this.closing("'", at);
-    if (end > 0 && this.text.charCodeAt(end) === Char.Exclamation) this.take('prefix', end + 1);
-    else this.take('unknown', end < 0 ? this.text.length : end);
+    if (end < 0) this.unclosed();
+    else if (this.text.charCodeAt(end) === Char.Exclamation) this.take('prefix', end + 1);
+    else this.take('unknown', end);
   }
 
   /** [Book]Sheet! before a reference, or columns of a table, where ' hides the next character. */
@@ -313,7 +326,7 @@ export class Lexer {
       if (end >= text.length) break;
     }
     if (depth > 0) {
-      this.take('unknown', text.length);
+      this.unclosed();
       return;
     }
     const sheet = this.wordEnd(end);

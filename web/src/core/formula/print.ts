@@ -10,6 +10,8 @@ export type PrintOptions = {
   separator?: ',' | ';';
   /** How to write a reference, without its prefix; as it was read by default. */
   reference?: (node: NodeOf<'reference'>) => string;
+  /** What to write in the place of a node; nothing for a node that is to be written as it is. */
+  replace?: (node: Node) => string | undefined;
 };
 
 class Printer {
@@ -20,6 +22,10 @@ class Printer {
   }
 
   print(node: Node): string {
+    return this.options.replace?.(node) ?? this.written(node);
+  }
+
+  private written(node: Node): string {
     switch (node.kind) {
       case 'number':
         return node.text;
@@ -66,11 +72,13 @@ class Printer {
   private chain(node: NodeOf<'binary'>): string {
     const tail: string[] = [];
     let left: Node = node;
-    while (left.kind === 'binary') {
+    let replaced: string | undefined;
+    while (left.kind === 'binary' && replaced === undefined) {
       tail.push(this.sign(left) + this.print(left.right));
       left = left.left;
+      if (left.kind === 'binary') replaced = this.options.replace?.(left);
     }
-    return this.print(left) + tail.reverse().join('');
+    return (replaced ?? this.print(left)) + tail.reverse().join('');
   }
 
   private sign(node: NodeOf<'binary'>): string {

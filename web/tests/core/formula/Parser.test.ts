@@ -55,6 +55,8 @@ describe('operands', () => {
     ['=#N/A', '#N/A'],
     ['=#DIV/0!+1', '(+ #DIV/0! 1)'],
     ['={1,-2;"a",TRUE;#N/A,0}', '{1 (- 2) | "a" TRUE | #N/A 0}'],
+    ['={1\\-2;"a"\\TRUE;FALSE\\0}', '{1 (- 2) | "a" TRUE | FALSE 0}'],
+    ['={1\\2}+\\name', '(+ {1 2} \\name)'],
     ['=PI()', '(PI)'],
     ['=IF(A1,,2)', '(IF A1 _ 2)'],
     ['=IF(,)', '(IF _ _)'],
@@ -294,6 +296,17 @@ describe('what cannot be read', () => {
     expect(formula.root.kind).toBe('invalid');
     expect(formula.problems[0]?.message).toBe('The formula is too long.');
     expect(parse('1'.repeat(formulaLengthLimit)).root.kind).toBe('number');
+  });
+});
+
+describe('what is not closed', () => {
+  test.each(['="open', "='open", '=[open'])('ends before the white space behind it: %s', (text) => {
+    const { root, problems } = parse(`${text}  \n`);
+    expect(root.end).toBe(text.length);
+    walk(root, (node) => {
+      expect(node.end).toBeLessThanOrEqual(text.length);
+    });
+    expect(problems[0]?.end).toBe(text.length);
   });
 });
 

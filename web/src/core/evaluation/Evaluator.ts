@@ -1,0 +1,318 @@
+// The values of a formula's parts, for whoever looks at them: what is visible first, from the focus
+// outward, one question at a time. A new formula raises the generation, and answers of an older one
+// are let go (what they say stays in the cache while it holds).
+
+import type { Area } from '../address/area';
+import type { CellFormat } from '../format/cellFormat';
+import type { Item, Outline } from '../outline/Item';
+import type { Job, Source } from '../protocol/Conveyor';
+import { Asker, type Answer, type EvaluationQuestions } from './Asker';
+import { counts, deciders, type Counts } from './branches';
+import { derive, takesArgument } from './derive';
+import type { Home } from './expression';
+import { firstFailure, type FirstFailure } from './firstFailure';
+import { Formats } from './Formats';
+import { cellCount, contains, planReads } from './readPlan';
+import { resultOfCells, type Result } from './Result';
+import type { ResultCache } from './ResultCache';
+import { routeOf, type Route, type RouteOf } from './routes';
+import { compare, type Verification } from './verification';
+
+export type Subject = {
+  home: Home;
+  outline: Outline;
+  /** What the cell itself holds. */
+  result: Result;
+};
+
+export type ItemState =
+  | { status: 'waiting' | 'asking' }
+  | { status: 'known'; result: Result }
+  /** Asked only when the user wants it. */
+  | { status: 'offered'; reason: string }
+  | { status: 'refused'; reason: string };
+
+/** Ranges with more cells are read when someone opens them; until then their size is shown. */
+export const readAtOnce = 1_000;
+/** How many parts are asked for to find where an error comes from. */
+const huntLimit = 100;
+/** After so many answers that came too late, nothing more is asked until the user wants it. */
+const patience = 2;
+
+const waiting: ItemState = { status: 'waiting' };
+
+export class Evaluator implements Source {
+  private subject: Subject | undefined;
+  private generation = 0;
+  private states: ItemState[] = [];
+  private routes: (RouteOf | undefined)[] = [];
+  private looked: readonly Item[] = [];
+  private wanted = new Set<Item>();
+  /** Read one by one, because a range that held several was refused. */
+  private readonly alone = new Set<Item>();
+  private verified: Verification = { state: 'open' };
+  private hunted = 0;
+  private late = 0;
+  private halted = false;
+  private readonly asker: Asker;
+  private readonly formats: Formats;
+
+  constructor(
+    questions: EvaluationQuestions,
+    private readonly cache: ResultCache,
+    /** Hears that something is known now that was not. */
+    private readonly changed: () => void,
+  ) {
+    this.asker = new Asker(questions, cache);
+    this.formats = new Formats(questions, cache);
+  }
+
+  /** From now on this formula; nothing at all without one. */
+  show(subject: Subject | undefined): void {
+    this.generation += 1;
+    this.subject = subject;
+    this.states = [];
+    this.routes = [];
+    this.looked = [];
+    this.wanted.clear();
+    this.alone.clear();
+    this.verified = { state: 'open' };
+    this.hunted = 0;
+    this.late = 0;
+    this.halted = false;
+    this.formats.clear();
+    if (subject) this.states[0] = { status: 'known', result: subject.result };
+  }
+
+  /** The items that are or soon will be visible, the one with the focus first. */
+  look(items: readonly Item[]): void {
+    this.looked = items;
+  }
+
+  /** The user wants this one's value, whatever it costs. */
+  want(item: Item): void {
+    const result = this.resultOf(item);
+    const isUnread = result?.kind === 'array' && !result.values;
+    const { status } = this.stateOf(item);
+    if (isUnread || status === 'refused' || status === 'offered') this.states[item.id] = waiting;
+    this.wanted.add(item);
+    this.late = 0;
+    this.halted = false;
+  }
+
+  stateOf(item: Item): ItemState {
+    return this.states[item.id] ?? waiting;
+  }
+
+  readonly resultOf = (item: Item): Result | undefined => {
+    const state = this.states[item.id];
+    return state?.status === 'known' ? state.result : undefined;
+  };
+
+  countsOf(item: Item): Counts {
+    return counts(item, this.resultOf);
+  }
+
+  routeOf(item: Item): RouteOf {
+    const known = this.routes[item.id];
+    if (known || !this.subject) return known ?? { route: { by: 'nothing', reason: '' } };
+    return (this.routes[item.id] = routeOf(item.node, item.scope, this.subject.home));
+  }
+
+  formatOf(item: Item): CellFormat | undefined {
+    return this.subject && this.formats.of(item, this.routeOf(item).route, this.subject.home);
+  }
+
+  get verification(): Verification {
+    return this.verified;
+  }
+
+  get failure(): FirstFailure | undefined {
+    return this.subject && firstFailure(this.subject.outline.root, this.resultOf);
+  }
+
+  next(): Job | undefined {
+    if (!this.subject || this.halted || this.late >= patience) return undefined;
+    return (
+      this.firstOf([...this.wanted]) ??
+      this.firstOf(this.looked) ??
+      this.verify() ??
+      this.hunt() ??
+      this.formats.next(this.subject.home, this.numbersShown(), this.changed)
+    );
+  }
+
+  /** The most urgent question among `items`; what needs none is settled on the way. */
+  private firstOf(items: readonly Item[]): Job | undefined {
+    const open = new Set<Item>();
+    let settled = 0;
+    for (const item of items) {
+      if (this.stateOf(item).status !== 'waiting') continue;
+      for (const one of this.opened(item)) open.add(one);
+    }
+    const needed = [...open].filter((item) => {
+      if (!this.settle(item)) return this.stateOf(item).status === 'waiting';
+      settled += 1;
+      return false;
+    });
+    if (settled > 0) {
+      this.changed();
+      return this.firstOf(items);
+    }
+    const cells = this.readJob(needed);
+    // What takes one of its arguments is known without asking once that argument is.
+    const other = needed.find((item) => !takesArgument(item)) ?? needed[0];
+    return cells ?? (other && this.job([other], this.routeOf(other).route));
+  }
+
+  /** The item itself, or what must be known before it is clear whether it counts. */
+  private opened(item: Item): Item[] {
+    if (this.wanted.has(item)) return [item];
+    switch (this.countsOf(item)) {
+      case 'yes':
+        return [item];
+      case 'no':
+        return [];
+      case 'open':
+        return deciders(item, this.resultOf).filter(
+          (decider) => this.stateOf(decider).status === 'waiting',
+        );
+    }
+  }
+
+  /** Settles what needs no question; says whether the item is settled now. */
+  private settle(item: Item): boolean {
+    const { route, ask } = this.routeOf(item);
+    const large = route.by === 'cells' && cellCount(route.area) > readAtOnce;
+    const known = this.asker.known(route) ?? derive(item, this.resultOf);
+    if (known) this.states[item.id] = { status: 'known', result: known };
+    else if (route.by === 'nothing') {
+      this.states[item.id] = { status: 'refused', reason: route.reason };
+    } else if (this.wanted.has(item)) return false;
+    else if (ask !== undefined) this.states[item.id] = { status: 'offered', reason: ask };
+    else if (large) {
+      this.states[item.id] = { status: 'known', result: sizeOf(route.area) };
+    } else return false;
+    this.wanted.delete(item);
+    return true;
+  }
+
+  /** Reads the cells of the first item that names some, and with it those of its neighbours. */
+  private readJob(items: readonly Item[]): Job | undefined {
+    const named = items.flatMap((item) => {
+      const { route } = this.routeOf(item);
+      return route.by === 'cells' ? [{ item, route }] : [];
+    });
+    const first = named[0];
+    if (!first) return undefined;
+    const { sheet } = first.route;
+    const ofSheet = this.alone.has(first.item)
+      ? [first]
+      : named.filter(({ item, route }) => route.sheet === sheet && !this.alone.has(item));
+    const area = planReads(ofSheet.map(({ route }) => route.area))[0];
+    if (!area) return undefined;
+    const inside = ofSheet.filter(({ route }) => contains(area, route.area));
+    return this.job(
+      inside.map(({ item }) => item),
+      { by: 'cells', sheet, area },
+      (item) => {
+        const { route } = this.routeOf(item);
+        const values = route.by === 'cells' && this.cache.cells(route.sheet, route.area);
+        return values ? resultOfCells(values) : undefined;
+      },
+    );
+  }
+
+  private job(items: Item[], route: Route, pick?: (item: Item) => Result | undefined): Job {
+    const { generation } = this;
+    for (const item of items) this.states[item.id] = { status: 'asking' };
+    return async () => {
+      const answer = await this.asker.ask(route);
+      if (generation !== this.generation) return;
+      // One bad range must not take the others of its box with it: each is tried alone.
+      const apart = 'reason' in answer && !answer.later && items.length > 1;
+      for (const item of items) {
+        if (!apart) this.wanted.delete(item);
+        if (apart) this.alone.add(item);
+        this.states[item.id] = apart ? waiting : this.stateFrom(answer, pick?.(item));
+      }
+      this.heed(answer);
+      this.changed();
+    };
+  }
+
+  private stateFrom(answer: Answer, own: Result | undefined): ItemState {
+    if ('result' in answer) return { status: 'known', result: own ?? answer.result };
+    const { reason, later } = answer;
+    return { status: later ? 'offered' : 'refused', reason };
+  }
+
+  private heed(answer: Answer): void {
+    if ('result' in answer) this.late = 0;
+    else if (answer.later) this.late += 1;
+    if ('halt' in answer && answer.halt) this.halted = true;
+  }
+
+  /** Asks for the whole formula once more, to see whether its cell holds what it gives. */
+  private verify(): Job | undefined {
+    const { subject } = this;
+    if (this.verified.state !== 'open' || !subject) return undefined;
+    const { root } = subject.outline;
+    const { route, ask } = this.routeOf(root);
+    const reason = reasonToSkip(route, ask);
+    if (reason !== undefined) {
+      this.verified = { state: 'skipped', reason };
+      this.changed();
+      return undefined;
+    }
+    const settle = (answer: Answer): void => {
+      this.verified =
+        'result' in answer
+          ? compare(subject.result, answer.result)
+          : { state: 'skipped', reason: answer.reason };
+      this.heed(answer);
+      this.changed();
+    };
+    const known = this.asker.known(route);
+    if (known) {
+      settle({ result: known });
+      return undefined;
+    }
+    const { generation } = this;
+    return async () => {
+      const answer = await this.asker.ask(route);
+      if (generation === this.generation) settle(answer);
+    };
+  }
+
+  /** Follows an error down to where it begins. */
+  private hunt(): Job | undefined {
+    const failure = this.failure;
+    if (!failure || this.hunted >= huntLimit) return undefined;
+    const open = failure.open.filter((item) => this.stateOf(item).status === 'waiting');
+    const job = this.firstOf(open);
+    if (job) this.hunted += 1;
+    return job;
+  }
+
+  private numbersShown(): { item: Item; route: Route }[] {
+    const root = this.subject?.outline.root;
+    return [...(root ? [root] : []), ...this.looked].flatMap((item) => {
+      const result = this.resultOf(item);
+      const isNumber = result?.kind === 'value' && typeof result.value === 'number';
+      return isNumber ? [{ item, route: this.routeOf(item).route }] : [];
+    });
+  }
+}
+
+function sizeOf(area: Area): Result {
+  const rows = area.bottom - area.top + 1;
+  return { kind: 'array', rows, cols: area.right - area.left + 1 };
+}
+
+function reasonToSkip(route: Route, ask: string | undefined): string | undefined {
+  if (route.by === 'nothing') return route.reason;
+  if (ask !== undefined) return ask;
+  if (route.by === 'expression' && route.volatile) return 'Changes with time.';
+  return undefined;
+}

@@ -1,0 +1,71 @@
+// How cells show their numbers: several asked for at once, because CELL tells one at a time and its
+// answers can be joined.
+
+import { qualified } from '../address/area';
+import { parseCellFormat, type CellFormat } from '../format/cellFormat';
+import type { Item } from '../outline/Item';
+import type { Job } from '../protocol/Conveyor';
+import type { EvaluationQuestions } from './Asker';
+import { addressOf, type Home } from './expression';
+import { areaAddress, cellCount } from './readPlan';
+import type { ResultCache } from './ResultCache';
+import { expressionLimit, type Route } from './routes';
+
+const mark = '|';
+
+/** The cell whose format is the item's: the one it names, or for the whole formula its own. */
+function cellOf(item: Item, route: Route, home: Home): string | undefined {
+  if (item.parent === undefined) return qualified(home.sheet, addressOf(home.row, home.col));
+  if (route.by !== 'cells' || cellCount(route.area) !== 1) return undefined;
+  return qualified(route.sheet, areaAddress(route.area));
+}
+
+const questionOf = (cell: string) => `CELL("format",${cell})`;
+
+export class Formats {
+  private readonly tried = new Set<string>();
+
+  constructor(
+    private readonly questions: EvaluationQuestions,
+    private readonly cache: ResultCache,
+  ) {}
+
+  clear(): void {
+    this.tried.clear();
+  }
+
+  of(item: Item, route: Route, home: Home): CellFormat | undefined {
+    const cell = cellOf(item, route, home);
+    const known = cell === undefined ? undefined : this.cache.find(questionOf(cell));
+    if (known?.kind !== 'value' || typeof known.value !== 'string') return undefined;
+    return parseCellFormat(known.value);
+  }
+
+  next(home: Home, shown: { item: Item; route: Route }[], changed: () => void): Job | undefined {
+    const asked: string[] = [];
+    let text = '';
+    for (const { item, route } of shown) {
+      const cell = cellOf(item, route, home);
+      if (cell === undefined || this.tried.has(cell)) continue;
+      const question = questionOf(cell);
+      if (this.cache.find(question)) continue;
+      const longer = text === '' ? question : `${text}&"${mark}"&${question}`;
+      if (longer.length > expressionLimit) break;
+      text = longer;
+      this.tried.add(cell);
+      asked.push(question);
+    }
+    if (asked.length === 0) return undefined;
+    const { epoch } = this.cache;
+    return async () => {
+      const outcome = await this.questions.evaluate(text);
+      if (!outcome.ok || typeof outcome.value !== 'string' || epoch !== this.cache.epoch) return;
+      const codes = outcome.value.split(mark);
+      if (codes.length !== asked.length) return;
+      asked.forEach((question, i) => {
+        this.cache.keep(question, { kind: 'value', value: codes[i] ?? '' });
+      });
+      changed();
+    };
+  }
+}

@@ -1,0 +1,30 @@
+// Reads a range whole. A range of several columns with an error in its first one is refused as a
+// grid; its first column alone is not, so such a range is read in two parts.
+
+import { qualified, type Area } from '../address/area';
+import type { Grid } from '../protocol/json';
+import { failed, succeeded, type Outcome } from '../protocol/Outcome';
+import type { RangeTooBig, RangeValues } from '../protocol/verbs';
+import { areaAddress } from './readPlan';
+
+export type ReadRange = (address: string) => Promise<Outcome<RangeValues | RangeTooBig>>;
+
+/** How the native side words that refusal. */
+const firstColumnRefusal = /error in its first column/;
+
+export async function readArea(read: ReadRange, sheet: string, area: Area): Promise<Outcome<Grid>> {
+  const outcome = await read(qualified(sheet, areaAddress(area)));
+  if (outcome.ok) {
+    if ('tooBig' in outcome.value) return failed('refused', 'The range is too large to be read.');
+    return succeeded(outcome.value.values);
+  }
+  if (area.left === area.right || !firstColumnRefusal.test(outcome.failure.message)) return outcome;
+  const first = await readArea(read, sheet, { ...area, right: area.left });
+  if (!first.ok) return first;
+  const rest = await readArea(read, sheet, { ...area, left: area.left + 1 });
+  if (!rest.ok) return rest;
+  if (first.value.length !== rest.value.length) {
+    return failed('malformed', 'The two parts of the range do not fit together.');
+  }
+  return succeeded(first.value.map((row, i) => [...row, ...(rest.value[i] ?? [])]));
+}

@@ -1,0 +1,347 @@
+import { expect, describe, test, beforeEach } from 'vitest';
+
+import { excelError } from '../../fakes/FakeWorkbook';
+import { Bench, settled } from './bench';
+
+let bench: Bench;
+beforeEach(() => {
+  bench = new Bench();
+});
+
+describe('the parts of a formula are asked for', () => {
+  test('cells of one sheet together, then what is computed', async () => {
+    bench.workbook.cells = { 'Summary!B4': 12, 'Summary!C4': 5 };
+    bench.workbook.expressions = { "'Summary'!B4*'Summary'!C4+1": 61 };
+    await bench.run('=B4*C4+1', { kind: 'value', value: 61 });
+    expect(bench.of('B4')).toBe(12);
+    expect(bench.of('C4')).toBe(5);
+    expect(bench.workbook.asked.slice(0, 3)).toEqual([
+      "readRange 'Summary'!B4:C4",
+      "evaluate 'Summary'!B4*'Summary'!C4",
+      "evaluate 'Summary'!B4*'Summary'!C4+1",
+    ]);
+    expect(bench.evaluator.verification).toEqual({ state: 'same' });
+  });
+
+  test('one question at a time', async () => {
+    let most = 0;
+    let open = 0;
+    const evaluate = bench.workbook.evaluate.bind(bench.workbook);
+    bench.workbook.evaluate = async (text) => {
+      most = Math.max(most, ++open);
+      await settled();
+      open -= 1;
+      return evaluate(text);
+    };
+    bench.show('=SUM(A1,2)+MAX(B1,3)+MIN(C1,4)');
+    bench.evaluator.look(bench.items);
+    bench.conveyor.wake();
+    for (let i = 0; i < 40; i++) {
+      bench.conveyor.wake();
+      await settled();
+    }
+    expect(most).toBe(1);
+    expect(bench.workbook.asked.length).toBeGreaterThan(3);
+  });
+
+  test('only as far as someone looks', async () => {
+    bench.workbook.otherwise = () => 1;
+    bench.show('=SUM(1,ABS(2))+SUM(3,ABS(4))', { kind: 'value', value: 1 });
+    bench.evaluator.look([bench.item('ABS(2)')]);
+    await bench.finish();
+    expect(bench.of('ABS(2)')).toBe(1);
+    expect(bench.of('ABS(4)')).toBe('waiting');
+  });
+
+  test('no further when another formula is shown', async () => {
+    bench.workbook.otherwise = () => 7;
+    bench.show('=ABS(A1)+1');
+    bench.evaluator.look(bench.items);
+    bench.conveyor.wake();
+    bench.show('=ABS(-3)', { kind: 'value', value: 3 });
+    bench.evaluator.look(bench.items);
+    await bench.finish();
+    expect(bench.of('ABS(-3)')).toBe(3);
+    expect(bench.workbook.asked.filter((asked) => asked.includes('A1'))).toHaveLength(1);
+  });
+
+  test('and an answer for the formula before is let go', async () => {
+    bench.workbook.otherwise = () => 7;
+    bench.show('=SUM(ABS(1),2)');
+    bench.evaluator.look(bench.items);
+    const job = bench.evaluator.next();
+    bench.show('=SUM(ABS(2),2)');
+    await job?.();
+    expect(bench.workbook.asked).toEqual(['evaluate ABS(1)']);
+    expect(bench.of('ABS(2)')).toBe('waiting');
+  });
+
+  test('and nothing is asked twice while it holds', async () => {
+    bench.workbook.otherwise = () => 7;
+    await bench.run('=ABS(A1)+1', { kind: 'value', value: 7 });
+    const before = bench.workbook.asked.length;
+    await bench.run('=ABS(A1)+2', { kind: 'value', value: 7 });
+    const since = bench.workbook.asked.slice(before).filter((asked) => !asked.includes('CELL('));
+    expect(since).toEqual(["evaluate ABS('Summary'!A1)+2"]);
+    bench.cache.clear();
+    await bench.run('=ABS(A1)+2', { kind: 'value', value: 7 });
+    expect(bench.workbook.asked.slice(before + 1)).toContain("evaluate ABS('Summary'!A1)");
+  });
+});
+
+describe('branches', () => {
+  const formula = '=IF(B4>0,SUM(C1,1),SUM(D1,2))';
+
+  test('that are not taken are not asked for', async () => {
+    bench.workbook.expressions = { "'Summary'!B4>0": true, "SUM('Summary'!C1,1)": 9 };
+    bench.workbook.cells = { 'Summary!B4': 3 };
+    await bench.run(formula, { kind: 'value', value: 9 });
+    expect(bench.of('SUM(C1,1)')).toBe(9);
+    expect(bench.of('SUM(D1,2)')).toBe('waiting');
+    expect(bench.evaluator.countsOf(bench.item('SUM(D1,2)'))).toBe('no');
+    expect(bench.evaluator.countsOf(bench.item('D1'))).toBe('no');
+    expect(bench.workbook.asked).not.toContain("evaluate SUM('Summary'!D1,2)");
+    expect(bench.workbook.asked).not.toContain("readRange 'Summary'!D1");
+  });
+
+  test('until the user opens them', async () => {
+    bench.workbook.expressions = { "'Summary'!B4>0": true, "SUM('Summary'!D1,2)": 2 };
+    await bench.run(formula);
+    bench.evaluator.want(bench.item('SUM(D1,2)'));
+    await bench.finish();
+    expect(bench.of('SUM(D1,2)')).toBe(2);
+  });
+
+  test('give a nested IF its value without a question', async () => {
+    bench.workbook.expressions = { "'Summary'!B4>0": true, "SUM('Summary'!C1,1)": 9 };
+    await bench.run(`${formula}+1`);
+    expect(bench.of(formula.slice(1))).toBe(9);
+    expect(bench.workbook.asked.filter((text) => text.startsWith('evaluate IF'))).toEqual([
+      "evaluate IF('Summary'!B4>0,SUM('Summary'!C1,1),SUM('Summary'!D1,2))+1",
+    ]);
+  });
+
+  test.each([
+    ['=IFERROR(1/0,SUM(2))', { '1/0': excelError('#DIV/0!') }, 'SUM(2)', 'yes'],
+    ['=IFERROR(ABS(1),SUM(2))', { 'ABS(1)': 1 }, 'SUM(2)', 'no'],
+    ['=IFNA(1/0,SUM(2))', { '1/0': excelError('#DIV/0!') }, 'SUM(2)', 'no'],
+    ['=IFS(ABS(0),SUM(1),TRUE,SUM(2))', { 'ABS(0)': 0 }, 'SUM(1)', 'no'],
+    ['=IFS(ABS(0),SUM(1),TRUE,SUM(2))', { 'ABS(0)': 0 }, 'SUM(2)', 'yes'],
+    ['=SWITCH(ABS(2),1,SUM(1),2,SUM(2),SUM(3))', { 'ABS(2)': 2 }, 'SUM(1)', 'no'],
+    ['=SWITCH(ABS(2),1,SUM(1),2,SUM(2),SUM(3))', { 'ABS(2)': 2 }, 'SUM(2)', 'yes'],
+    ['=SWITCH(ABS(2),1,SUM(1),2,SUM(2),SUM(3))', { 'ABS(2)': 2 }, 'SUM(3)', 'no'],
+    ['=SWITCH(ABS(9),1,SUM(1),2,SUM(2),SUM(3))', { 'ABS(9)': 9 }, 'SUM(3)', 'yes'],
+    ['=CHOOSE(ABS(2),SUM(1),SUM(2))', { 'ABS(2)': 2 }, 'SUM(1)', 'no'],
+    ['=CHOOSE(ABS(2),SUM(1),SUM(2))', { 'ABS(2)': 2 }, 'SUM(2)', 'yes'],
+    ['=IF(FALSE,SUM(1),SUM(2))', {}, 'SUM(1)', 'no'],
+    ['=IF(ABS("x"),SUM(1),SUM(2))', { 'ABS("x")': excelError('#VALUE!') }, 'SUM(2)', 'no'],
+  ])('%s', async (text, expressions, part, expected) => {
+    bench.workbook.otherwise = () => 5;
+    bench.workbook.expressions = expressions as typeof bench.workbook.expressions;
+    await bench.run(text);
+    expect(bench.evaluator.countsOf(bench.item(part))).toBe(expected);
+  });
+});
+
+describe('the cell', () => {
+  test.each([
+    [{ kind: 'value', value: 0.3 } as const, 0.1 + 0.2, 'same'],
+    [{ kind: 'value', value: 2 } as const, 3, 'differs'],
+    [{ kind: 'value', value: '' } as const, 0, 'differs'],
+    [{ kind: 'value', value: true } as const, 1, 'same'],
+    [{ kind: 'error', text: '#N/A' } as const, 3, 'differs'],
+    [{ kind: 'value', value: 4 } as const, [[1], [4]], 'skipped'],
+    [{ kind: 'value', value: 5 } as const, [[1], [4]], 'differs'],
+    [{ kind: 'value', value: 1 } as const, [[1], [4]], 'same'],
+  ])('holding %j beside %j', async (result, now, state) => {
+    bench.workbook.expressions = { 'ABS(1)': now };
+    await bench.run('=ABS(1)', result);
+    expect(bench.evaluator.verification.state).toBe(state);
+  });
+
+  test('that changes with time is not compared', async () => {
+    await bench.run('=NOW()+1');
+    expect(bench.evaluator.verification).toEqual({
+      state: 'skipped',
+      reason: 'Changes with time.',
+    });
+  });
+});
+
+describe('what may not be asked', () => {
+  test.each([
+    ['=RAND()*2', 'RAND()', 'refused: Changes every calculation.'],
+    ['=1+WEBSERVICE("x")', 'WEBSERVICE("x")', 'offered: Runs “WEBSERVICE”, so only when you ask.'],
+    ['=1+MINE(1)', 'MINE(1)', 'offered: Runs “MINE”, so only when you ask.'],
+    ['=1+CUBEVALUE("x")', 'CUBEVALUE("x")', 'offered: Runs “CUBEVALUE”, so only when you ask.'],
+    [
+      '=SUM(Jan:Dec!A1)',
+      'Jan:Dec!A1',
+      'refused: Cells of several sheets have no value of their own.',
+    ],
+    ['=SUM((A1,B2))', '(A1,B2)', undefined],
+  ])('%s', async (text, part, expected) => {
+    await bench.run(text);
+    if (expected !== undefined) expect(bench.of(part)).toBe(expected);
+    const asked = bench.workbook.asked.join();
+    expect(asked).not.toMatch(/RAND|WEBSERVICE|MINE|CUBE/);
+  });
+
+  test('is asked when the user wants it', async () => {
+    bench.workbook.expressions = { 'MINE(1)': 8 };
+    await bench.run('=1+MINE(1)');
+    bench.evaluator.want(bench.item('MINE(1)'));
+    await bench.finish();
+    expect(bench.of('MINE(1)')).toBe(8);
+  });
+
+  test('longer than the spreadsheet takes: in a scratch workbook, for a part that is opened', async () => {
+    const long = Array.from({ length: 30 }, (_, i) => `LEN(A${String(i + 1)})`).join('+');
+    bench.workbook.otherwise = () => 4;
+    await bench.run(`=SUM(1,${long})`);
+    expect(bench.of(long)).toBe('offered: Long: worked out in a scratch workbook when you ask.');
+    expect(bench.workbook.asked.every((text) => text.length <= 255 + 9)).toBe(true);
+    bench.evaluator.want(bench.item(long));
+    await bench.finish();
+    expect(bench.of(long)).toBe(4);
+    const plan = bench.workbook.asked.find((text) => text.startsWith('deepEval'));
+    expect(plan).toContain("LEN('[Model.xlsx]Summary'!A1)");
+    expect(plan?.split(' | ').every((entry) => entry.replace('deepEval ', '').length <= 254)).toBe(
+      true,
+    );
+  });
+});
+
+describe('answers that are none', () => {
+  test('an error without a name is asked for its type', async () => {
+    bench.workbook.expressions = { 'ABS(1)': excelError('no value'), 'ERROR.TYPE(ABS(1))': 7 };
+    await bench.run('=SUM(ABS(1),2)');
+    expect(bench.of('ABS(1)')).toBe('#N/A');
+  });
+
+  test('a time-out is offered again, and ends the asking when it repeats', async () => {
+    bench.workbook.otherwise = () => ({ kind: 'timeout', message: 'late' });
+    await bench.run('=ABS(1)+ABS(2)+ABS(3)+ABS(4)');
+    expect(bench.of('ABS(1)')).toBe('offered: The spreadsheet took too long.');
+    expect(bench.workbook.asked).toHaveLength(2);
+    bench.workbook.otherwise = () => 1;
+    bench.evaluator.want(bench.item('ABS(1)'));
+    await bench.finish();
+    expect(bench.of('ABS(4)')).toBe(1);
+  });
+
+  test('a refusal is said in its own words', async () => {
+    bench.workbook.otherwise = () => ({ kind: 'transport', message: 'cannot' });
+    await bench.run('=ABS(1)+2');
+    expect(bench.of('ABS(1)')).toBe('refused: cannot');
+  });
+
+  test('a spreadsheet that is gone is asked nothing more', async () => {
+    bench.workbook.otherwise = () => ({ kind: 'transport', message: 'gone', code: -600 });
+    await bench.run('=ABS(1)+ABS(2)+ABS(3)');
+    expect(bench.workbook.asked).toHaveLength(1);
+  });
+
+  test('a range that is refused takes no other with it', async () => {
+    bench.workbook.unreadable = { "'Summary'!A1:A2": 'protected', "'Summary'!A2": 'protected' };
+    bench.workbook.cells = { 'Summary!A1': 5 };
+    await bench.run('=A1+A2');
+    expect(bench.of('A1')).toBe(5);
+    expect(bench.of('A2')).toBe('refused: protected');
+  });
+
+  test('a range with an error in its first column is read in two parts', async () => {
+    const refusal = 'range has an error in its first column - Excel cannot read it as a grid';
+    bench.workbook.unreadable = { "'Summary'!A1:B2": refusal };
+    bench.workbook.cells = { 'Summary!A1': '#N/A', 'Summary!B2': 4 };
+    await bench.run('=SUM(A1:B2)', { kind: 'error', text: '#N/A' });
+    expect(bench.of('A1:B2')).toBe('2×2');
+    expect(bench.evaluator.resultOf(bench.item('A1:B2'))).toMatchObject({
+      values: [
+        ['#N/A', null],
+        [null, 4],
+      ],
+    });
+  });
+});
+
+describe('an error', () => {
+  test('is followed to where it begins', async () => {
+    bench.workbook.otherwise = (text) => (text.includes('/') ? excelError('#DIV/0!') : 1);
+    bench.show('=SUM(ABS(2),ABS(ABS(A1/B1)))', { kind: 'error', text: '#DIV/0!' });
+    await bench.finish();
+    const { failure } = bench.evaluator;
+    expect(failure?.item).toBe(bench.item('A1/B1'));
+    expect(failure?.error).toBe('#DIV/0!');
+    expect(failure?.open).toEqual([]);
+  });
+
+  test('of a range is found in its cell', async () => {
+    bench.workbook.cells = { 'Summary!A3': '#REF!' };
+    bench.workbook.otherwise = () => excelError('#REF!');
+    await bench.run('=SUM(A1:A5)', { kind: 'error', text: '#REF!' });
+    expect(bench.evaluator.failure).toMatchObject({ error: '#REF!', at: { row: 2, col: 0 } });
+    expect(bench.evaluator.failure?.item).toBe(bench.item('A1:A5'));
+  });
+});
+
+describe('names of LET and LAMBDA', () => {
+  test('stand for their values', async () => {
+    bench.workbook.expressions = {
+      "'Summary'!A1+2": 5,
+      "('Summary'!A1+2)*10": 50,
+    };
+    await bench.run('=LET(rate,A1+2,rate*10)', { kind: 'value', value: 50 });
+    expect(bench.of('A1+2')).toBe(5);
+    expect(bench.of('rate*10')).toBe(50);
+    expect(bench.of('rate')).toBe(5);
+    expect(bench.evaluator.verification).toEqual({ state: 'same' });
+  });
+
+  test('parameters are those of the call', async () => {
+    bench.workbook.expressions = { '(ABS(3))+1': 4, 'ABS(3)': 3, 'ABS(3)+1': 4 };
+    await bench.run('=LAMBDA(x,x+1)(ABS(3))', { kind: 'value', value: 4 });
+    expect(bench.of('x+1')).toBe(4);
+    expect(bench.of('x')).toBe(3);
+  });
+
+  test('that no call gives a value depend on it', async () => {
+    await bench.run('=SUM(MAP(A1:A3,LAMBDA(x,x*2)))');
+    expect(bench.of('x*2')).toBe('refused: Depends on the call that gives “x” its value.');
+    expect(bench.of('LAMBDA(x,x*2)')).toBe('function');
+  });
+});
+
+describe('large ranges', () => {
+  test('show their size and are read when they are opened', async () => {
+    bench.workbook.otherwise = () => 1;
+    await bench.run('=SUM(A1:A5000)');
+    expect(bench.of('A1:A5000')).toBe('5000×1');
+    expect(bench.workbook.asked.join()).not.toContain('readRange');
+    bench.evaluator.want(bench.item('A1:A5000'));
+    await bench.finish();
+    expect(bench.evaluator.resultOf(bench.item('A1:A5000'))).toHaveProperty('values');
+  });
+
+  test('beyond what can be read are never read', async () => {
+    await bench.run('=SUM(A:C)');
+    bench.evaluator.want(bench.item('A:C'));
+    await bench.finish();
+    expect(bench.of('A:C')).toBe('1048576×3');
+    expect(bench.workbook.asked.join()).not.toContain('readRange');
+  });
+});
+
+describe('formats of cells', () => {
+  test('are asked together, after the values', async () => {
+    bench.workbook.cells = { 'Summary!B4': 0.5, 'Summary!C4': 45_000 };
+    const cell = (address: string) => `CELL("format",'Summary'!${address})`;
+    const question = [cell('F12'), cell('B4'), cell('C4')].join('&"|"&');
+    bench.workbook.expressions = { [question]: 'G|P0|D1' };
+    bench.workbook.otherwise = () => 1;
+    await bench.run('=B4*C4', { kind: 'value', value: 1 });
+    expect(bench.workbook.asked.at(-1)).toBe(`evaluate ${question}`);
+    expect(bench.evaluator.formatOf(bench.item('B4'))).toEqual({ kind: 'percent', decimals: 0 });
+    expect(bench.evaluator.formatOf(bench.item('C4'))).toMatchObject({ kind: 'date' });
+  });
+});
