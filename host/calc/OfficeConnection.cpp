@@ -8,6 +8,7 @@
 #include <cppuhelper/bootstrap.hxx>
 #include <cppuhelper/implbase1.hxx>
 #include <rtl/bootstrap.hxx>
+#include <thread>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/OfficeFiles.h"
@@ -51,27 +52,40 @@ OfficeConnection::OfficeConnection(const OfficeAddress& office,
   }
   watchdog_ = std::make_unique<OfficeWatchdog>(office.process, [this] { release(); });
   watchdog_->setDeadline(std::chrono::steady_clock::now() + patience);
+  // An office that is still starting refuses at times though its pipe is there, or hangs up again.
+  constexpr std::chrono::milliseconds pause{10};
+  while (!tryToConnect(office.pipe)) std::this_thread::sleep_for(pause);
+  watchdog_->setDeadline(std::nullopt);
+}
+
+// False when the office refused or hung up and may be asked again.
+bool OfficeConnection::tryToConnect(const std::string& pipe) {
   try {
-    const auto connection = css::connection::Connector::create(localContext())
-                                ->connect("pipe,name=" + toUno(office.pipe));
+    const auto connection =
+        css::connection::Connector::create(localContext())->connect("pipe,name=" + toUno(pipe));
     const auto bridge = css::bridge::BridgeFactory::create(localContext())
                             ->createBridge(rtl::OUString(), "urp", connection, nullptr);
+    const auto alive = std::make_shared<std::atomic<bool>>(true);
     Reference<css::lang::XComponent>(bridge, UNO_QUERY_THROW)
-        ->addEventListener(new BridgeEnd(alive_));
+        ->addEventListener(new BridgeEnd(alive));
     {
       const std::lock_guard lock(mutex_);
       bridge_ = bridge;
+      alive_ = alive;
     }
-    if (watchdog_->deadlinePassed()) release();
+    if (watchdog_->hasFired()) release();
     context_.set(bridge->getInstance("StarOffice.ComponentContext"), UNO_QUERY_THROW);
-    watchdog_->setDeadline(std::nullopt);
+    return true;
   } catch (const css::uno::Exception& failure) {
-    const bool late = watchdog_->deadlinePassed();
+    const bool late = watchdog_->deadlinePassed(), over = watchdog_->hasFired();
     context_.clear();
-    watchdog_.reset();
+    if (over) watchdog_.reset();
     release();
     if (late) throw SpreadsheetError(-1712, "LibreOffice does not answer");
-    throw SpreadsheetError(-600, "LibreOffice cannot be reached: " + toText(failure.Message));
+    if (over) {
+      throw SpreadsheetError(-600, "LibreOffice cannot be reached: " + toText(failure.Message));
+    }
+    return false;
   }
 }
 
@@ -91,8 +105,8 @@ void OfficeConnection::release() {
     const std::lock_guard lock(mutex_);
     bridge.set(bridge_, UNO_QUERY);
     bridge_.clear();
+    *alive_ = false;
   }
-  *alive_ = false;
   if (!bridge.is()) return;
   try {
     bridge->dispose();

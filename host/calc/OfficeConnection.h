@@ -11,6 +11,7 @@
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "host/calc/OfficeSource.h"
 #include "host/calc/OfficeWatchdog.h"
@@ -19,8 +20,8 @@ namespace quorin::host::calc {
 
 class OfficeConnection {
  public:
-  // Throws SpreadsheetError: -600 when nothing listens on the pipe, -1712 when the office does not
-  // answer within `patience`.
+  // Throws SpreadsheetError: -600 when there is no such pipe or the office ends, -1712 when it does
+  // not answer within `patience`.
   OfficeConnection(const OfficeAddress& office, std::chrono::milliseconds patience);
   ~OfficeConnection();
   OfficeConnection(const OfficeConnection&) = delete;
@@ -31,6 +32,7 @@ class OfficeConnection {
   void interrupt();
 
  private:
+  bool tryToConnect(const std::string& pipe);
   void release();
 
   std::shared_ptr<std::atomic<bool>> alive_ = std::make_shared<std::atomic<bool>>(true);

@@ -42,6 +42,11 @@ bool OfficeWatchdog::deadlinePassed() const {
   return deadlinePassed_;
 }
 
+bool OfficeWatchdog::hasFired() const {
+  const std::lock_guard lock(mutex_);
+  return fired_;
+}
+
 void OfficeWatchdog::interrupt() {
   {
     const std::lock_guard lock(mutex_);
@@ -67,16 +72,18 @@ void OfficeWatchdog::run() {
     {
       const std::lock_guard lock(mutex_);
       if (stopping_) return;
-      if (interrupted_) break;
       wait = millisecondsLeft();
-      if (wait == 0) {
-        deadlinePassed_ = true;
-        break;
-      }
+      deadlinePassed_ = !interrupted_ && wait == 0;
+      fired_ = interrupted_ || deadlinePassed_;
+      if (fired_) break;
     }
     std::array<pollfd, 2> watched{pollfd{signal_, POLLIN, 0}, pollfd{process_, POLLIN, 0}};
     if (::poll(watched.data(), watched.size(), wait) < 0) continue;
-    if (watched[1].revents != 0) break;
+    if (watched[1].revents != 0) {
+      const std::lock_guard lock(mutex_);
+      fired_ = true;
+      break;
+    }
     if (watched[0].revents != 0) {
       std::uint64_t count = 0;
       [[maybe_unused]] const auto got = ::read(signal_, &count, sizeof count);

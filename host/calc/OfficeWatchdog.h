@@ -23,7 +23,8 @@ class OfficeWatchdog {
 
   void setDeadline(std::optional<std::chrono::steady_clock::time_point> deadline);
   bool deadlinePassed() const;
-  void interrupt();  // from any thread
+  bool hasFired() const;  // for any reason: `release` runs, or has run
+  void interrupt();       // from any thread
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -36,7 +37,7 @@ class OfficeWatchdog {
   int signal_ = -1;   // an eventfd
   mutable std::mutex mutex_;
   std::optional<Clock::time_point> deadline_;
-  bool stopping_ = false, interrupted_ = false, deadlinePassed_ = false;
+  bool stopping_ = false, interrupted_ = false, deadlinePassed_ = false, fired_ = false;
   std::thread thread_;
 };
 

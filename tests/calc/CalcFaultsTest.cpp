@@ -6,12 +6,15 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/OfficeConnection.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/PrivateOffice.h"
 #include "tests/calc/XlsxFile.h"
@@ -118,6 +121,49 @@ TEST_F(CalcFaults, TimesOutConnectingToAStoppedOffice) {
   EXPECT_LT(Clock::now() - started, 700ms);
   ASSERT_EQ(::kill(office->process(), SIGCONT), 0);
   EXPECT_EQ(another.workbooks(), std::vector<std::string>{"Known.xlsx"});
+}
+
+// A pipe that has its file and refuses, as that of an office which is just starting.
+class RefusingPipe {
+ public:
+  explicit RefusingPipe(const std::string& name) : file_(pipeFile(name)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    file_.string().copy(address.sun_path, sizeof address.sun_path - 1);
+    bound_ = ::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  }
+  ~RefusingPipe() {
+    ::close(socket_);
+    std::filesystem::remove(file_);
+  }
+  RefusingPipe(const RefusingPipe&) = delete;
+  RefusingPipe& operator=(const RefusingPipe&) = delete;
+
+  bool isBound() const { return bound_; }
+  void becomes(const std::filesystem::path& other) const {
+    const std::filesystem::path link = file_.string() + ".new";
+    std::filesystem::create_hard_link(other, link);
+    std::filesystem::rename(link, file_);
+  }
+
+ private:
+  const std::filesystem::path file_;
+  const int socket_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  bool bound_ = false;
+};
+
+TEST_F(CalcFaults, AsksAPipeThatRefusesAgain) {
+  const std::string own = office->folder().filename().string(), name = own + "-refusing";
+  const RefusingPipe pipe(name);
+  ASSERT_TRUE(pipe.isBound());
+  const auto connect = [&](std::chrono::milliseconds patience) {
+    return numberOf([&] { OfficeConnection({office->process(), name}, patience); });
+  };
+  EXPECT_EQ(connect(100ms), -1712);
+  auto call = std::async(std::launch::async, connect, 20s);
+  EXPECT_EQ(call.wait_for(100ms), std::future_status::timeout);
+  pipe.becomes(pipeFile(own));
+  EXPECT_EQ(call.get(), 0);
 }
 
 // What an office leaves on the machine while it runs.
