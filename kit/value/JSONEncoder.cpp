@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kit/value/Marshal.h"
+#include "kit/value/RealText.h"
 #include "kit/value/Unicode.h"
 
 namespace quorin::Marshal {
@@ -181,9 +182,8 @@ class Encoder {
       out_.add("null");
       return;
     }
-    constexpr std::size_t longest = 32;
-    char* out = out_.room(longest);
-    char* const end = out + longest;
+    char* out = out_.room(longestReal);
+    char* const end = out + longestReal;
     const double magnitude = std::abs(value);
     if (magnitude <= 0xFFFFFFFFu && static_cast<std::uint32_t>(magnitude) == magnitude) {
       // Most numbers of a sheet; negative zero comes here and loses its sign.
@@ -194,7 +194,7 @@ class Encoder {
       // exponent where that is shorter.
       out = std::to_chars(out, end, static_cast<std::int64_t>(value)).ptr;
     } else {
-      out = std::to_chars(out, end, value).ptr;
+      out = writeReal(out, end, value);
     }
     out_.wrote(out);
   }

@@ -1,0 +1,47 @@
+#include <cmath>
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <limits>
+#include <random>
+#include <string>
+
+#include "kit/value/RealText.h"
+
+namespace quorin {
+namespace {
+
+using Writer = char* (*)(char*, char*, double);
+
+std::string written(Writer writer, double value) {
+  char room[longestReal];
+  return {room, writer(room, room + sizeof room, value)};
+}
+
+class RealText : public testing::TestWithParam<Writer> {};
+
+INSTANTIATE_TEST_SUITE_P(Both, RealText, testing::Values(&writeReal, &writeRealByDigits));
+
+TEST_P(RealText, WritesShortNumbersShortly) {
+  EXPECT_EQ(written(GetParam(), 0.1), "0.1");
+  EXPECT_EQ(written(GetParam(), -2.5), "-2.5");
+  EXPECT_EQ(written(GetParam(), 1e300), "1e+300");
+  EXPECT_EQ(written(GetParam(), 0.30000000000000004), "0.30000000000000004");
+}
+
+TEST_P(RealText, ReadsBackAsTheSameNumber) {
+  std::mt19937_64 random(20260301);
+  std::uniform_real_distribution<double> mantissa(-10, 10);
+  std::uniform_int_distribution<int> exponent(-300, 300);
+  for (int i = 0; i < 20'000; ++i) {
+    const double value = std::ldexp(mantissa(random), exponent(random));
+    ASSERT_EQ(std::strtod(written(GetParam(), value).c_str(), nullptr), value);
+  }
+  using Limits = std::numeric_limits<double>;
+  for (const double value : {Limits::max(), Limits::min(), Limits::denorm_min(), 1.0 / 3, 2.0 / 3,
+                             123456789012345678.0, -9007199254740993.5}) {
+    EXPECT_EQ(std::strtod(written(GetParam(), value).c_str(), nullptr), value);
+  }
+}
+
+}  // namespace
+}  // namespace quorin
