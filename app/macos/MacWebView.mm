@@ -72,17 +72,21 @@ WKUserScript* startScript(const std::string& source) {
                              forMainFrameOnly:YES];
 }
 
+WKWebView* makeView(const WebViewOptions& options, QXPageObserver* observer, NSString* name) {
+  WKUserContentController* content = [[WKUserContentController alloc] init];
+  [content addUserScript:startScript(options.startScript)];
+  [content addScriptMessageHandler:observer name:name];
+  WKWebViewConfiguration* configuration = [[WKWebViewConfiguration alloc] init];
+  configuration.userContentController = content;
+  return [[WKWebView alloc] initWithFrame:NSMakeRect(0, 0, 0, 0) configuration:configuration];
+}
+
 }  // namespace
 
 MacWebView::MacWebView(const WebViewOptions& options, bool inspectable)
     : handlerName_(toNSString(options.messageHandlerName)),
-      observer_([[QXPageObserver alloc] init]) {
-  WKUserContentController* content = [[WKUserContentController alloc] init];
-  [content addUserScript:startScript(options.startScript)];
-  [content addScriptMessageHandler:observer_ name:handlerName_];
-  WKWebViewConfiguration* configuration = [[WKWebViewConfiguration alloc] init];
-  configuration.userContentController = content;
-  view_ = [[WKWebView alloc] initWithFrame:NSMakeRect(0, 0, 0, 0) configuration:configuration];
+      observer_([[QXPageObserver alloc] init]),
+      view_(makeView(options, observer_, handlerName_)) {
   view_.navigationDelegate = observer_;
   if (@available(macOS 13.3, *)) view_.inspectable = inspectable;
 }

@@ -18,6 +18,13 @@ constexpr NSUInteger stackSize = 8u << 20;
 @implementation QXScriptTask
 @end
 
+// What the thread itself does.
+@interface QXScriptThread (QXWork)
+- (void)compileTask:(QXScriptTask*)task;
+- (void)executeTask:(QXScriptTask*)task;
+- (void)endTask:(nullable id)nothing;
+@end
+
 @implementation QXScriptThread {
   NSThread* _thread;
   NSAppleScript* _script;  // made and used on the thread alone
