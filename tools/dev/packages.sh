@@ -7,8 +7,10 @@ packages_build=(g++ cmake ninja-build ccache python3 rapidjson-dev libutf8proc-d
 # A display of our own, and what looks at it.
 packages_display=(xvfb openbox xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
                   fonts-liberation)
+# The compiler, linker and headers with which the macOS half is checked on another system.
+packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
 packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy procps
-               chromium "${packages_display[@]}")
+               chromium "${packages_display[@]}" "${packages_macos[@]}")
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.

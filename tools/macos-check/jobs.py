@@ -29,10 +29,9 @@ class Result:
 
 
 class Runner:
-    def __init__(self, folder, environment, stamp):
+    def __init__(self, folder, stamp):
         self.records = pathlib.Path(folder) / "records"
         self.records.mkdir(parents=True, exist_ok=True)
-        self.environment = environment
         self.stamp = stamp
         self.digests = {}
         self.executed = 0
@@ -61,7 +60,7 @@ class Runner:
         if known is not None:
             return known
         self.executed += 1
-        done = subprocess.run([str(part) for part in job.command], env=self.environment,
+        done = subprocess.run([str(part) for part in job.command],
                               capture_output=True, text=True, check=False)
         text = done.stdout + done.stderr
         read = set(map(str, job.inputs)) | set(listed_dependencies(job.dependencies))

@@ -183,7 +183,7 @@ def service_rules(source):
 
 
 def updater_rules(source):
-    for direct in source.find(r"\[\[?SPU\w+\s+(alloc|class)|\bSPU\w+\.class"):
+    for direct in source.find(r"\[\[?SPU\w+\s+(?:alloc|class)\b|\bSPU\w+\.class\b"):
         yield source.at(direct.start(), "names Sparkle's class; the program would not start "
                                         "without the framework")
     if source.has(r"initWithStartingUpdater:") and not source.has(

@@ -19,13 +19,13 @@ LONGEST_REPORT = 1500  # characters of one finding: the first error tells most
 
 
 class Session:
-    """Everything the steps share. Preparing it fetches the tools where they are not there yet."""
+    """Everything the steps share. Preparing it fails where the tools are not installed."""
 
     def __init__(self, tool, project, folder, generated):
         self.tool, self.project, self.folder, self.generated = tool, project, folder, generated
         self.toolchain = Toolchain(folder / "tools")
         self.toolchain.prepare()
-        self.runner = Runner(folder, self.toolchain.environment, self.toolchain.stamp)
+        self.runner = Runner(folder, self.toolchain.stamp)
         self.compiler = Compiler(self.toolchain, project, tool, folder)
         self.prefix_lock = threading.Lock()
         self.index = surface_index.read(self.compiler, self.runner)

@@ -54,9 +54,9 @@ static inline NSRange NSMakeRange(NSUInteger l, NSUInteger n) { return NSRange{l
 // Stricter than the SDK, where options are plain integers: one set's bits are not another's.
 #define NS_OPTIONS(t, n)                                                             \
   enum n : t n;                                                                      \
-  static inline constexpr n operator|(n a, n b) { return n(t(a) | t(b)); }           \
-  static inline constexpr n operator&(n a, n b) { return n(t(a) & t(b)); }           \
-  static inline constexpr n operator~(n a) { return n(~t(a)); }                      \
+  static inline constexpr n operator|(n a, n b) { return (n)((t)a | (t)b); }           \
+  static inline constexpr n operator&(n a, n b) { return (n)((t)a & (t)b); }           \
+  static inline constexpr n operator~(n a) { return (n)(~(t)a); }                      \
   static inline n& operator|=(n& a, n b) { return a = a | b; }                       \
   static inline n& operator&=(n& a, n b) { return a = a & b; }                       \
   enum n : t
