@@ -1,7 +1,5 @@
 #include "kit/shapes/RangeShapes.h"
 
-#include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -11,6 +9,7 @@
 #include "kit/shapes/ShapeError.h"
 #include "kit/shapes/WholeNumber.h"
 #include "kit/value/Marshal.h"
+#include "kit/value/RealText.h"
 
 namespace quorin::BridgeShapes {
 
@@ -111,11 +110,7 @@ Array formulaGrid(JSONValue written, const Dims& dims, const std::string& addr) 
 // A text that is a decimal number from its first character to its last.
 std::optional<double> decimal(std::string_view text) {
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(number))
-    return std::nullopt;
-  return number;
+  return readReal(text);
 }
 
 // The value of a cell as far as its formula tells: a constant is its own formula, as text.

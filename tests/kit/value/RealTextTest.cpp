@@ -2,8 +2,11 @@
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "kit/value/RealText.h"
 
@@ -19,7 +22,7 @@ std::string written(Writer writer, double value) {
 
 class RealText : public testing::TestWithParam<Writer> {};
 
-INSTANTIATE_TEST_SUITE_P(Both, RealText, testing::Values(&writeReal, &writeRealByDigits));
+INSTANTIATE_TEST_SUITE_P(Both, RealText, testing::Values(&writeReal, &writeRealPlain));
 
 TEST_P(RealText, WritesShortNumbersShortly) {
   EXPECT_EQ(written(GetParam(), 0.1), "0.1");
@@ -40,6 +43,39 @@ TEST_P(RealText, ReadsBackAsTheSameNumber) {
   for (const double value : {Limits::max(), Limits::min(), Limits::denorm_min(), 1.0 / 3, 2.0 / 3,
                              123456789012345678.0, -9007199254740993.5}) {
     EXPECT_EQ(std::strtod(written(GetParam(), value).c_str(), nullptr), value);
+  }
+}
+
+using Reader = std::optional<double> (*)(std::string_view);
+
+class ReadReal : public testing::TestWithParam<Reader> {};
+
+INSTANTIATE_TEST_SUITE_P(Both, ReadReal, testing::Values(&readReal, &readRealPlain));
+
+TEST_P(ReadReal, TakesDecimalNumbers) {
+  const std::pair<const char*, double> numbers[] = {
+      {"0", 0},
+      {"10", 10},
+      {"-2.5", -2.5},
+      {"1e3", 1000},
+      {"1E+3", 1000},
+      {"5.", 5},
+      {".5", 0.5},
+      {"-.5e-1", -0.05},
+      {"007", 7},
+      {"0.1", 0.1},
+      {"1e308", 1e308},
+      {"5e-324", 5e-324},
+      {"2.2250738585072014e-308", 0x1p-1022},
+  };
+  for (const auto& [text, number] : numbers) EXPECT_EQ(GetParam()(text), number) << text;
+}
+
+TEST_P(ReadReal, RefusesEverythingElse) {
+  for (const char* text :
+       {"",  " 1", "1 ",   "+1",  "--1", "1,5",      "1.5.2", "e5",     "1e",     "1e+",
+        ".", "-",  "0x10", "inf", "nan", "infinity", "1e999", "-1e999", "1e-999", "1f"}) {
+    EXPECT_EQ(GetParam()(text), std::nullopt) << text;
   }
 }
 
