@@ -5,6 +5,7 @@
 #include "host/Codes.h"
 #include "host/ObjectClass.h"
 #include "host/RangeText.h"
+#include "host/Windows.h"
 
 namespace quorin::host {
 namespace {
@@ -80,19 +81,18 @@ long long workbookCount(Session& session, const ApplicationObject&) {
   return static_cast<long long>(session.spreadsheet.workbooks().size());
 }
 
-// A workbook has one window.
 std::optional<Object> windowNamed(Session& session, const ApplicationObject&,
                                   const std::string& name) {
   const auto book = findWorkbook(session, name);
-  const auto active = session.spreadsheet.activeWorkbook();
-  if (!book || !active) return std::nullopt;
-  if (*book == *active) return WindowObject{1};
-  int index = 2;
-  for (const std::string& other : session.spreadsheet.workbooks()) {
-    if (other == *book) return WindowObject{index};
-    if (other != *active) ++index;
-  }
-  return std::nullopt;
+  const auto window = book ? windowOf(session, *book) : std::nullopt;
+  if (!window) return std::nullopt;
+  return *window;
+}
+
+std::optional<Object> windowIdentified(Session& session, const ApplicationObject&, long long id) {
+  const auto window = windowOfID(session, id);
+  if (!window) return std::nullopt;
+  return *window;
 }
 
 // Elements of the active sheet; without one there are none.
@@ -169,9 +169,10 @@ const std::array elements = {
             [](Session&, const ApplicationObject&, long long index) -> Object {
               return WindowObject{static_cast<int>(index)};
             },
-            windowNamed},
+            windowNamed, nullptr, windowIdentified},
     ofActiveWorkbook<codes::worksheet>(),
     ofActiveWorkbook<codes::sheet>(),
+    ofActiveWorkbook<codes::namedItem>(),
     // Unlike a sheet's own ranges, these may lie anywhere: on a sheet that the text names, or
     // where a defined name leads.
     Element{codes::range, ofActiveSheet<codes::range>().count, ofActiveSheet<codes::range>().at,

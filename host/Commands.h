@@ -17,6 +17,14 @@ CommandResult setCommand(Session& session, const AppleEvent& event);
 CommandResult countCommand(Session& session, const AppleEvent& event);
 CommandResult existsCommand(Session& session, const AppleEvent& event);
 
+CommandResult makeCommand(Session& session, const AppleEvent& event);
+CommandResult deleteCommand(Session& session, const AppleEvent& event);
+CommandResult closeCommand(Session& session, const AppleEvent& event);
+
+// Format conditions.
+CommandResult modifyAppliesToRangeCommand(Session& session, const AppleEvent& event);
+CommandResult setFirstPriorityCommand(Session& session, const AppleEvent& event);
+
 // What moves the selection.
 CommandResult selectCommand(Session& session, const AppleEvent& event);
 CommandResult activateCommand(Session& session, const AppleEvent& event);
@@ -26,6 +34,7 @@ CommandResult goToCommand(Session& session, const AppleEvent& event);
 // Ranges.
 CommandResult unionCommand(Session& session, const AppleEvent& event);
 CommandResult getAddressCommand(Session& session, const AppleEvent& event);
+CommandResult specialCellsCommand(Session& session, const AppleEvent& event);
 
 CommandResult evaluateCommand(Session& session, const AppleEvent& event);
 

@@ -1,23 +1,11 @@
 #include "host/EngineRunner.h"
 
-#include <algorithm>
 #include <utility>
 #include <variant>
 
+#include "host/RangeText.h"
+
 namespace quorin::host {
-namespace {
-
-char lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-}
-
-bool sameIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lower(x) == lower(y); });
-}
-
-}  // namespace
-
 class EngineRunner::OneApplication : public script::Applications {
  public:
   explicit OneApplication(script::Application& excel) : excel_(excel) {}

@@ -2,6 +2,7 @@
 
 #include "host/Address.h"
 #include "host/Codes.h"
+#include "host/SheetPrefix.h"
 
 namespace quorin::host {
 namespace {
@@ -31,6 +32,18 @@ struct SpecifierOf {
                    Descriptor::null());
   }
   Descriptor operator()(const RangeObject& object) const { return specifierOf(object.range); }
+  Descriptor operator()(const NamedItemObject& object) const {
+    return element(codes::namedItem, codes::formName, Descriptor::text(listedName(object.name)),
+                   workbookSpecifier(object.book));
+  }
+  Descriptor operator()(const ConditionObject& object) const {
+    return element(codes::formatCondition, codes::formIndex, Descriptor::integer(object.index),
+                   specifierOf(object.range));
+  }
+  Descriptor operator()(const InteriorObject& object) const {
+    return element(codes::propertyType, codes::formProperty,
+                   Descriptor::typeCode(codes::interiorObject), (*this)(object.condition));
+  }
 };
 
 }  // namespace
@@ -47,6 +60,10 @@ Descriptor specifierOf(const SheetRef& sheet) {
 Descriptor specifierOf(const RangeRef& range) {
   return element(codes::range, codes::formName, Descriptor::text(addressText(range.areas)),
                  specifierOf(range.sheet));
+}
+
+std::string listedName(const DefinedName& name) {
+  return name.sheet.empty() ? name.name : sheetPrefix({}, name.sheet) + name.name;
 }
 
 }  // namespace quorin::host

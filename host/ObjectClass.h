@@ -35,6 +35,8 @@ struct ElementEntry {
   std::optional<Object> (*named)(Session&, const T&, const std::string& name) = nullptr;
   // All of them in one go; a null pointer where going through `at` asks the spreadsheet nothing.
   std::vector<Object> (*all)(Session&, const T&) = nullptr;
+  // Nothing when there is no element of that id; a null pointer when there is no such form.
+  std::optional<Object> (*identified)(Session&, const T&, long long id) = nullptr;
 };
 
 template <typename T>
@@ -60,5 +62,8 @@ const ClassTable<WorkbookObject>& classTable(const WorkbookObject&);
 const ClassTable<SheetObject>& classTable(const SheetObject&);
 const ClassTable<WindowObject>& classTable(const WindowObject&);
 const ClassTable<RangeObject>& classTable(const RangeObject&);
+const ClassTable<NamedItemObject>& classTable(const NamedItemObject&);
+const ClassTable<ConditionObject>& classTable(const ConditionObject&);
+const ClassTable<InteriorObject>& classTable(const InteriorObject&);
 
 }  // namespace quorin::host

@@ -61,6 +61,15 @@ Resolved hasFormula(Session& session, const RangeObject& object) {
   return Descriptor::missingValue();
 }
 
+std::optional<Lines> wholeLines(const RangeRef& range) {
+  const auto all = [&range](auto fits) {
+    return std::all_of(range.areas.begin(), range.areas.end(), fits);
+  };
+  if (all([](const Area& area) { return columnCount(area) == maxColumn; })) return Lines::rows;
+  if (all([](const Area& area) { return rowCount(area) == maxRow; })) return Lines::columns;
+  return std::nullopt;
+}
+
 // A cell without dependents does not understand the question.
 template <DependentLevels levels>
 Resolved dependents(Session& session, const RangeObject& object) {
@@ -89,11 +98,35 @@ Resolved areas(Session&, const RangeObject& object) {
   return Descriptor::list(std::move(items));
 }
 
+// Whole rows or columns say whether they are hidden: missing value when some are, and of cells.
+Resolved hidden(Session& session, const RangeObject& object) {
+  const auto lines = wholeLines(object.range);
+  if (!lines) return Descriptor::missingValue();
+  const auto answer = session.spreadsheet.hidden(object.range, *lines);
+  return answer ? Descriptor::boolean(*answer) : Descriptor::missingValue();
+}
+
+void setHidden(Session& session, const RangeObject& object, const Descriptor& value) {
+  const auto lines = wholeLines(object.range);
+  const auto flag = value.booleanValue();
+  if (!lines || !flag) throw EventError(EventError::notWritable, specifierOf(object.range));
+  session.spreadsheet.setHidden(object.range, *lines, *flag);
+}
+
+// Excel leaves text of more than 255 characters out without a word; nothing is cut here.
+void setFormula(Session& session, const RangeObject& object, const Descriptor& value) {
+  const auto text = value.stringValue();
+  if (!text || cellCount(object.range.areas) != 1)
+    throw EventError(EventError::notWritable, specifierOf(object.range));
+  session.spreadsheet.setFormula(object.range, std::string(*text));
+}
+
 const std::array properties = {
     Property{codes::value2, value},
     Property{codes::value, value},
     Property{codes::formula, formula},
-    Property{codes::formula2, formula},
+    Property{codes::formula2, formula, setFormula},
+    Property{codes::hidden, hidden, setHidden},
     Property{codes::formulaLocal, formulaLocal},
     Property{codes::formula2Local, formulaLocal},
     Property{codes::formulaR1C1, formulaR1C1},
@@ -148,8 +181,29 @@ long long cellsOfRange(Session&, const RangeObject& object) {
   return cellCount(object.range.areas);
 }
 
+Object conditionOf(const RangeObject& object, std::vector<FormatCondition>& all,
+                   std::size_t place) {
+  return ConditionObject{object.range, static_cast<int>(place) + 1, std::move(all.at(place))};
+}
+
 const std::array elements = {
     Element{codes::cell, cellsOfRange, cellAt},
+    Element{codes::formatCondition,
+            [](Session& session, const RangeObject& object) -> long long {
+              return std::ssize(session.spreadsheet.formatConditions(object.range));
+            },
+            [](Session& session, const RangeObject& object, long long index) {
+              auto all = session.spreadsheet.formatConditions(object.range);
+              return conditionOf(object, all, static_cast<std::size_t>(index - 1));
+            },
+            nullptr,
+            [](Session& session, const RangeObject& object) {
+              auto all = session.spreadsheet.formatConditions(object.range);
+              Objects conditions;
+              for (std::size_t place = 0; place < all.size(); ++place)
+                conditions.push_back(conditionOf(object, all, place));
+              return conditions;
+            }},
     Element{codes::range, cellsOfRange, cellAt},
     Element{codes::row,
             [](Session&, const RangeObject& object) -> long long {

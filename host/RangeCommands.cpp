@@ -1,4 +1,4 @@
-// union and get address.
+// union, get address and special cells.
 #include <algorithm>
 
 #include "host/Address.h"
@@ -84,6 +84,17 @@ CommandResult getAddressCommand(Session& session, const AppleEvent& event) {
   if (flag(event, codes::external, false))
     address.insert(0, sheetPrefix(range.sheet.book, range.sheet.sheet));
   return Descriptor::text(std::move(address));
+}
+
+// The visible cells; -50 where there are none, and for every other kind.
+CommandResult specialCellsCommand(Session& session, const AppleEvent& event) {
+  const RangeRef range = resolveRange(session, directObject(event));
+  const Descriptor* const type = event.parameter(codes::specialCellsType);
+  if (type == nullptr) throw EventError(EventError::missingParameter);
+  auto found = type->codeValue() == codes::cellTypeVisible ? session.spreadsheet.visibleCells(range)
+                                                           : std::optional<RangeRef>();
+  if (!found) throw EventError(EventError::parameterError, specifierOf(range));
+  return specifierOf(*found);
 }
 
 }  // namespace quorin::host

@@ -14,10 +14,7 @@ char lower(char c) {
 
 std::optional<std::string> inAnyCase(const std::vector<std::string>& names,
                                      const std::string& wanted) {
-  const auto same = [&wanted](const std::string& name) {
-    return std::equal(name.begin(), name.end(), wanted.begin(), wanted.end(),
-                      [](char a, char b) { return lower(a) == lower(b); });
-  };
+  const auto same = [&wanted](const std::string& name) { return sameIgnoringCase(name, wanted); };
   const auto exact = std::find(names.begin(), names.end(), wanted);
   const auto it = exact != names.end() ? exact : std::find_if(names.begin(), names.end(), same);
   if (it == names.end()) return std::nullopt;
@@ -57,11 +54,18 @@ std::optional<RangeRef> bindPart(Session& session, const SheetRef& base, std::st
 std::optional<RangeRef> bindRangeText(Session& session, const std::optional<SheetRef>& container,
                                       std::string_view text) {
   const auto base = container ? container : session.spreadsheet.activeSheet();
-  if (!base || text.empty() || text.back() == ',') return std::nullopt;
+  auto bound = base ? bindReference(session, *base, text) : std::nullopt;
+  if (bound && container && bound->sheet != *container) return std::nullopt;
+  return bound;
+}
+
+std::optional<RangeRef> bindReference(Session& session, const SheetRef& from,
+                                      std::string_view text) {
+  if (text.empty() || text.back() == ',') return std::nullopt;
   std::optional<RangeRef> bound;
   while (!text.empty()) {
-    auto part = bindPart(session, *base, takePart(text));
-    if (!part || (container && part->sheet != *container)) return std::nullopt;
+    auto part = bindPart(session, from, takePart(text));
+    if (!part) return std::nullopt;
     if (!bound) {
       bound = std::move(part);
       continue;
@@ -70,6 +74,11 @@ std::optional<RangeRef> bindRangeText(Session& session, const std::optional<Shee
     bound->areas.insert(bound->areas.end(), part->areas.begin(), part->areas.end());
   }
   return bound;
+}
+
+bool sameIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lower(x) == lower(y); });
 }
 
 std::optional<std::string> findWorkbook(Session& session, const std::string& name) {

@@ -17,6 +17,12 @@ namespace quorin::host {
 std::optional<RangeRef> bindRangeText(Session& session, const std::optional<SheetRef>& container,
                                       std::string_view text);
 
+// What the text of a name's reference, without its "=", leads to as seen from a sheet.
+std::optional<RangeRef> bindReference(Session& session, const SheetRef& from,
+                                      std::string_view text);
+
+bool sameIgnoringCase(std::string_view a, std::string_view b);  // of ASCII letters
+
 // The workbook or sheet of that name in any case of ASCII letters, in its own spelling.
 std::optional<std::string> findWorkbook(Session& session, const std::string& name);
 std::optional<SheetRef> findWorksheet(Session& session, const std::string& book,

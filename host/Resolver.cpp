@@ -5,8 +5,10 @@
 
 #include "host/Address.h"
 #include "host/Codes.h"
+#include "host/Neighbours.h"
 #include "host/ObjectClass.h"
 #include "host/RangeText.h"
+#include "host/WhoseTest.h"
 
 namespace quorin::host {
 namespace {
@@ -37,15 +39,14 @@ Descriptor asValue(Session& session, Resolved resolved) {
   if (auto* const value = std::get_if<Descriptor>(&resolved)) return std::move(*value);
   if (const auto* const object = std::get_if<Object>(&resolved)) return specifierOf(*object);
   Descriptor::Items items;
-  for (const Object& object : objectsOf(session, std::get<Elements>(resolved)))
-    items.push_back(specifierOf(object));
+  for (const Object& object : objectsOf(session, resolved)) items.push_back(specifierOf(object));
   return Descriptor::list(std::move(items));
 }
 
-// One value for each element; Excel gives missing value where there are none.
-Resolution propertyOfEach(Session& session, const Elements& elements, FourCharCode code) {
+// One value for each object; Excel gives missing value where there are none.
+Resolution propertyOfEach(Session& session, const Objects& objects, FourCharCode code) {
   Descriptor::Items values;
-  for (const Object& object : objectsOf(session, elements)) {
+  for (const Object& object : objects) {
     Resolution value =
         std::visit([&](const auto& typed) { return propertyOf(session, typed, code); }, object);
     values.push_back(asValue(session, std::move(value.what)));
@@ -55,10 +56,10 @@ Resolution propertyOfEach(Session& session, const Elements& elements, FourCharCo
 }
 
 Resolution property(Session& session, const Resolved& container, FourCharCode code) {
-  if (const auto* const elements = std::get_if<Elements>(&container))
-    return propertyOfEach(session, *elements, code);
   if (const auto* const object = std::get_if<Object>(&container))
     return std::visit([&](const auto& typed) { return propertyOf(session, typed, code); }, *object);
+  if (!std::holds_alternative<Descriptor>(container))
+    return propertyOfEach(session, objectsOf(session, container), code);
   // `name of active workbook` is missing value when nothing is open.
   if (std::get<Descriptor>(container).isMissingValue()) return {Descriptor::missingValue()};
   throw NotThere();
@@ -92,35 +93,73 @@ const Descriptor& rangeEnd(const Descriptor& data, FourCharCode keyword) {
 }
 
 template <typename T>
+Object elementByName(Session& session, const T& owner, const ElementEntry<T>& entry,
+                     const Descriptor& data) {
+  const auto name = data.stringValue();
+  auto found = name && entry.named != nullptr ? entry.named(session, owner, std::string(*name))
+                                              : std::optional<Object>();
+  if (!found) throw NotThere();
+  return std::move(*found);
+}
+
+template <typename T>
+Object elementByID(Session& session, const T& owner, const ElementEntry<T>& entry,
+                   const Descriptor& data) {
+  const auto id = data.integerValue();
+  auto found = id && entry.identified != nullptr ? entry.identified(session, owner, *id)
+                                                 : std::optional<Object>();
+  if (!found) throw NotThere();
+  return std::move(*found);
+}
+
+template <typename T>
 Resolved elementOf(Session& session, const T& owner, const Descriptor& specifier) {
   const auto elementClass = part(specifier, codes::desiredClass).codeValue();
   const auto form = part(specifier, codes::keyForm).codeValue();
   const Descriptor& data = part(specifier, codes::keyData);
-  const auto* const entry = elementClass ? classTable(owner).element(*elementClass) : nullptr;
-  if (entry == nullptr || !form) throw NotThere();
-  if (*form == codes::formName) {
-    const auto name = data.stringValue();
-    if (!name || entry->named == nullptr) throw NotThere();
-    auto found = entry->named(session, owner, std::string(*name));
+  if (!elementClass || !form) throw NotThere();
+  if (*form == codes::formRelative) {
+    auto found =
+        neighbour(session, owner, *elementClass, data.codeValue() == codes::previous ? -1 : 1);
     if (!found) throw NotThere();
     return std::move(*found);
   }
-  if (*form != codes::formIndex && *form != codes::formRange) throw NotThere();
-  const long long count = entry->count(session, owner);
-  if (*form == codes::formRange) {
-    const long long first = elementIndex(rangeEnd(data, codes::rangeStart), count);
-    const long long last = elementIndex(rangeEnd(data, codes::rangeStop), count);
-    return Elements{owner, *elementClass, std::min(first, last), std::max(first, last)};
+  const auto* const entry = classTable(owner).element(*elementClass);
+  if (entry == nullptr) throw NotThere();
+  switch (*form) {
+    case codes::formName:
+      return elementByName(session, owner, *entry, data);
+    case codes::formID:
+      return elementByID(session, owner, *entry, data);
+    case codes::formTest: {
+      const long long last = entry->count(session, owner);
+      return thoseThatPass(session, objectsOf(session, Elements{owner, *elementClass, 1, last}),
+                           data);
+    }
+    case codes::formRange: {
+      const long long count = entry->count(session, owner);
+      const long long first = elementIndex(rangeEnd(data, codes::rangeStart), count);
+      const long long last = elementIndex(rangeEnd(data, codes::rangeStop), count);
+      return Elements{owner, *elementClass, std::min(first, last), std::max(first, last)};
+    }
+    case codes::formIndex: {
+      const long long count = entry->count(session, owner);
+      if (ordinalOf(data) == codes::all) return Elements{owner, *elementClass, 1, count};
+      return entry->at(session, owner, elementIndex(data, count));
+    }
+    default:
+      throw NotThere();
   }
-  if (ordinalOf(data) == codes::all) return Elements{owner, *elementClass, 1, count};
-  return entry->at(session, owner, elementIndex(data, count));
 }
 
-Resolution resolveAt(Session& session, const Descriptor& specifier, int depth) {
+Resolution resolveAt(Session& session, const Descriptor& specifier, const Object* examined,
+                     int depth) {
   if (specifier.type() == codes::null) return {Object(ApplicationObject())};
+  if (specifier.type() == codes::examined && examined != nullptr) return {*examined};
   if (specifier.type() != codes::objectSpecifier) return {specifier};
   if (depth > deepestChain) throw EventError(EventError::noSuchObject);
-  const Resolved container = resolveAt(session, part(specifier, codes::container), depth + 1).what;
+  const Resolved container =
+      resolveAt(session, part(specifier, codes::container), examined, depth + 1).what;
   try {
     if (part(specifier, codes::keyForm).codeValue() == codes::formProperty) {
       const auto code = part(specifier, codes::keyData).codeValue();
@@ -147,7 +186,18 @@ bool areAll(Session& session, const Elements& elements) {
 }  // namespace
 
 Resolution resolve(Session& session, const Descriptor& specifier) {
-  return resolveAt(session, specifier, 0);
+  return resolveAt(session, specifier, nullptr, 0);
+}
+
+Descriptor valueFor(Session& session, const Descriptor& operand, const Object& examined) {
+  return asValue(session, resolveAt(session, operand, &examined, 0).what);
+}
+
+Object resolveObject(Session& session, const Descriptor& given) {
+  Resolved what = resolve(session, given).what;
+  auto* const object = std::get_if<Object>(&what);
+  if (object == nullptr) throw EventError(EventError::notUnderstood, given);
+  return std::move(*object);
 }
 
 RangeRef resolveRange(Session& session, const Descriptor& given) {
@@ -162,8 +212,9 @@ RangeRef resolveRange(Session& session, const Descriptor& given) {
   } else if (const auto* const elements = std::get_if<Elements>(&what)) {
     const auto* const range = std::get_if<RangeObject>(&elements->owner);
     if (range != nullptr && areAll(session, *elements)) return range->range;
-  } else if (std::get<Descriptor>(what).isMissingValue()) {
-    throw EventError(EventError::noSuchObject, given);  // the selection of no workbook
+  } else if (const auto* const value = std::get_if<Descriptor>(&what)) {
+    // The selection of no workbook.
+    if (value->isMissingValue()) throw EventError(EventError::noSuchObject, given);
   }
   throw EventError(EventError::notUnderstood, given);
 }
@@ -173,19 +224,30 @@ void setProperty(Session& session, const Descriptor& specifier, const Descriptor
     throw EventError(EventError::notWritable, specifier);
   const auto code = part(specifier, codes::keyData).codeValue();
   const Resolved container = resolve(session, part(specifier, codes::container)).what;
-  const auto* const object = std::get_if<Object>(&container);
-  if (object == nullptr || !code) throw EventError(EventError::notWritable, specifier);
-  std::visit(
-      [&](const auto& typed) {
-        const auto* const entry = classTable(typed).property(*code);
-        if (entry == nullptr || entry->set == nullptr)
-          throw EventError(EventError::notWritable, specifier);
-        entry->set(session, typed, value);
-      },
-      *object);
+  if (std::holds_alternative<Descriptor>(container) || !code)
+    throw EventError(EventError::notWritable, specifier);
+  const auto* const single = std::get_if<Object>(&container);
+  const Objects objects = single != nullptr ? Objects{*single} : objectsOf(session, container);
+  for (const Object& object : objects)
+    std::visit(
+        [&](const auto& typed) {
+          const auto* const entry = classTable(typed).property(*code);
+          if (entry == nullptr || entry->set == nullptr)
+            throw EventError(EventError::notWritable, specifier);
+          entry->set(session, typed, value);
+        },
+        object);
 }
 
-std::vector<Object> objectsOf(Session& session, const Elements& elements) {
+Objects objectsOf(Session& session, const Resolved& resolved) {
+  if (const auto* const elements = std::get_if<Elements>(&resolved))
+    return objectsOf(session, *elements);
+  if (const auto* const objects = std::get_if<Objects>(&resolved)) return *objects;
+  if (const auto* const object = std::get_if<Object>(&resolved)) return {*object};
+  return {};
+}
+
+Objects objectsOf(Session& session, const Elements& elements) {
   return std::visit(
       [&](const auto& owner) {
         const auto& entry = *classTable(owner).element(elements.elementClass);

@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "host/Spreadsheet.h"
 #include "kit/value/AppleEventDescriptor.h"
@@ -14,6 +16,7 @@ struct Session {
   Spreadsheet& spreadsheet;
   bool displayAlerts = true;
   bool screenUpdating = true;
+  std::vector<std::string> windows = {};  // the workbooks whose windows were given an id, in order
 };
 
 // The failure of one event. Without a message the scripting system writes its own for the number,
@@ -27,6 +30,7 @@ class EventError : public std::runtime_error {
   static constexpr int noSuchObject = -1728;
   static constexpr int handlerFailed = -10000;
   static constexpr int notWritable = -10006;
+  static constexpr int badContainer = -10024;
 
   explicit EventError(int number, std::optional<AppleEventDescriptor> offender = std::nullopt,
                       const std::string& message = {})

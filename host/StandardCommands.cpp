@@ -10,9 +10,9 @@ namespace {
 
 using Descriptor = AppleEventDescriptor;
 
-Descriptor specifiersOf(Session& session, const Elements& elements) {
+Descriptor specifiersOf(Session& session, const Resolved& found) {
   Descriptor::Items items;
-  for (const Object& object : objectsOf(session, elements)) items.push_back(specifierOf(object));
+  for (const Object& object : objectsOf(session, found)) items.push_back(specifierOf(object));
   if (items.empty()) return Descriptor::missingValue();
   return Descriptor::list(std::move(items));
 }
@@ -43,7 +43,7 @@ CommandResult getCommand(Session& session, const AppleEvent& event) {
   if (auto* const value = std::get_if<Descriptor>(&found.what)) return std::move(*value);
   if (const auto* const object = std::get_if<Object>(&found.what))
     return found.dynamic ? given : specifierOf(*object);
-  return specifiersOf(session, std::get<Elements>(found.what));
+  return specifiersOf(session, found.what);
 }
 
 CommandResult setCommand(Session& session, const AppleEvent& event) {
@@ -64,6 +64,8 @@ CommandResult countCommand(Session& session, const AppleEvent& event) {
   }
   if (const auto* const elements = std::get_if<Elements>(&what))
     return countAnswer(elements->last - elements->first + 1);
+  if (const auto* const objects = std::get_if<Objects>(&what))
+    return countAnswer(std::ssize(*objects));
   if (const auto* const object = std::get_if<Object>(&what))
     return countAnswer(countOfObject(*object, given));
   const Descriptor& value = std::get<Descriptor>(what);
@@ -77,6 +79,8 @@ CommandResult existsCommand(Session& session, const AppleEvent& event) {
     const Resolved what = resolve(session, directObject(event)).what;
     if (const auto* const elements = std::get_if<Elements>(&what))
       return Descriptor::boolean(elements->last >= elements->first);
+    if (const auto* const objects = std::get_if<Objects>(&what))
+      return Descriptor::boolean(!objects->empty());
     const auto* const value = std::get_if<Descriptor>(&what);
     return Descriptor::boolean(value == nullptr || !value->isMissingValue());
   } catch (const EventError& error) {

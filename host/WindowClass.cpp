@@ -2,28 +2,17 @@
 #include <array>
 #include <cmath>
 
+#include "host/Address.h"
 #include "host/Answers.h"
 #include "host/Codes.h"
 #include "host/ObjectClass.h"
+#include "host/Windows.h"
 
 namespace quorin::host {
 namespace {
 
 using Descriptor = AppleEventDescriptor;
 using Property = PropertyEntry<WindowObject>;
-
-// The workbook that the window shows: the active one's window is the first, then the others follow
-// in the order of opening.
-std::string workbookOf(Session& session, const WindowObject& window) {
-  const auto active = session.spreadsheet.activeWorkbook();
-  if (active && window.index == 1) return *active;
-  int index = 2;
-  for (const std::string& book : session.spreadsheet.workbooks()) {
-    if (book == active) continue;
-    if (index++ == window.index) return book;
-  }
-  throw EventError(EventError::noSuchObject);
-}
 
 // A list of four integers: left, top, right, bottom.
 Resolved bounds(Session& session, const WindowObject& window) {
@@ -41,6 +30,28 @@ Resolved selection(Session& session, const WindowObject& window) {
   return objectAnswer(session.spreadsheet.selection());
 }
 
+RangeRef shownIn(Session& session, const WindowObject& window) {
+  auto shown = window.index == 1 ? session.spreadsheet.visibleRange() : std::optional<RangeRef>();
+  if (!shown) throw EventError(EventError::noSuchObject);
+  return std::move(*shown);
+}
+
+Resolved visibleRange(Session& session, const WindowObject& window) {
+  if (window.index != 1) return Descriptor::missingValue();
+  return objectAnswer(session.spreadsheet.visibleRange());
+}
+
+int lineNumber(const Descriptor& value, int most) {
+  const auto number = value.integerValue();
+  if (!number || *number < 1 || *number > most) throw EventError(EventError::parameterError);
+  return static_cast<int>(*number);
+}
+
+void scrollTo(Session& session, RangeRef shown, int row, int column) {
+  shown.areas = {{row, column, row, column}};
+  session.spreadsheet.scrollTo(shown);
+}
+
 const std::array properties = {
     Property{codes::name,
              [](Session& session, const WindowObject& window) -> Resolved {
@@ -50,7 +61,30 @@ const std::array properties = {
              [](Session&, const WindowObject& window) -> Resolved {
                return Descriptor::integer(window.index);
              }},
+    Property{codes::id,
+             [](Session& session, const WindowObject& window) -> Resolved {
+               return Descriptor::integer(idOf(session, window));
+             }},
     Property{codes::bounds, bounds},
+    Property{codes::visibleRange, visibleRange},
+    Property{codes::scrollRow,
+             [](Session& session, const WindowObject& window) -> Resolved {
+               return Descriptor::integer(shownIn(session, window).areas.front().firstRow);
+             },
+             [](Session& session, const WindowObject& window, const Descriptor& value) {
+               RangeRef shown = shownIn(session, window);
+               const int column = shown.areas.front().firstColumn;
+               scrollTo(session, std::move(shown), lineNumber(value, maxRow), column);
+             }},
+    Property{codes::scrollColumn,
+             [](Session& session, const WindowObject& window) -> Resolved {
+               return Descriptor::integer(shownIn(session, window).areas.front().firstColumn);
+             },
+             [](Session& session, const WindowObject& window, const Descriptor& value) {
+               RangeRef shown = shownIn(session, window);
+               const int row = shown.areas.front().firstRow;
+               scrollTo(session, std::move(shown), row, lineNumber(value, maxColumn));
+             }},
     Property{codes::activeCell,
              [](Session& session, const WindowObject& window) -> Resolved {
                if (window.index != 1) return Descriptor::missingValue();

@@ -5,6 +5,7 @@
 #include "host/Codes.h"
 #include "host/ObjectClass.h"
 #include "host/RangeText.h"
+#include "host/Windows.h"
 
 namespace quorin::host {
 namespace {
@@ -48,10 +49,43 @@ std::vector<Object> allSheets(Session& session, const WorkbookObject& book) {
   return sheets;
 }
 
+long long nameCount(Session& session, const WorkbookObject& book) {
+  return std::ssize(session.spreadsheet.definedNames(book.name));
+}
+
+Object nameAt(Session& session, const WorkbookObject& book, long long index) {
+  return NamedItemObject{book.name, session.spreadsheet.definedNames(book.name).at(
+                                        static_cast<std::size_t>(index - 1))};
+}
+
+std::optional<Object> nameNamed(Session& session, const WorkbookObject& book,
+                                const std::string& name) {
+  for (DefinedName& each : session.spreadsheet.definedNames(book.name))
+    if (sameIgnoringCase(listedName(each), name))
+      return NamedItemObject{book.name, std::move(each)};
+  return std::nullopt;
+}
+
+std::vector<Object> allNames(Session& session, const WorkbookObject& book) {
+  std::vector<Object> items;
+  for (DefinedName& name : session.spreadsheet.definedNames(book.name))
+    items.push_back(NamedItemObject{book.name, std::move(name)});
+  return items;
+}
+
+Object onlyWindow(Session& session, const WorkbookObject& book, long long) {
+  const auto window = windowOf(session, book.name);
+  if (!window) throw EventError(EventError::noSuchObject);
+  return *window;
+}
+
 // The port knows no chart sheets, so that sheets and worksheets are the same.
 const std::array elements = {
     Element{codes::worksheet, sheetCount, sheetAt, sheetNamed, allSheets},
     Element{codes::sheet, sheetCount, sheetAt, sheetNamed, allSheets},
+    Element{codes::namedItem, nameCount, nameAt, nameNamed, allNames},
+    Element{codes::window, [](Session&, const WorkbookObject&) -> long long { return 1; },
+            onlyWindow},
 };
 
 }  // namespace
