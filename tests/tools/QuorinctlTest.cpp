@@ -9,6 +9,7 @@
 #include "kit/support/FolderLock.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
+#include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
 #include "tests/tools/ToolProcess.h"
 
@@ -87,6 +88,14 @@ class Quorinctl : public testing::Test {
       return entry.path().filename();
     ADD_FAILURE() << "no private office";
     return {};
+  }
+
+  // The private office's process, which answers by now.
+  pid_t office() const {
+    for (const pid_t process : processesWith((folder_ / "tmp").string()))
+      if (programOf(process) == "soffice.bin") return process;
+    ADD_FAILURE() << "no private office";
+    return ::getpid();
   }
 
   // No process, no file, no pipe, and nothing in the user's folders.
@@ -277,16 +286,31 @@ TEST_F(Quorinctl, DoesNotAttachWhileQuorinHoldsItsFolder) {
 TEST_F(Quorinctl, TellsThatTheOfficeDied) {
   const auto tool = start({"--workbook", workbook()});
   ask(*tool, 1, "pollCell");
-  std::vector<pid_t> offices = processesWith("soffice.bin");
-  std::erase_if(offices, [ours = processesWith((folder_ / "tmp").string())](pid_t process) {
-    return std::find(ours.begin(), ours.end(), process) == ours.end();
-  });
-  ASSERT_THAT(offices, Not(IsEmpty()));
-  for (const pid_t office : offices)
-    if (programOf(office) == "soffice.bin") kill(office, SIGKILL);
+  ASSERT_EQ(kill(office(), SIGKILL), 0);
   const JSONValue answer = ask(*tool, 2, "readCell");
   EXPECT_EQ(member(answer, "ok"), JSONValue(false));
   EXPECT_EQ(member(member(answer, "payload"), "kind"), JSONValue("transport"));
+  tool->closeInput();
+  EXPECT_EQ(tool->wait(), 0);
+  expectNothingLeft();
+}
+
+TEST_F(Quorinctl, AnswersInTimeWhileTheOfficeIsStopped) {
+  const auto tool = start({"--workbook", workbook()});
+  ask(*tool, 1, "pollCell");
+  ASSERT_TRUE(stopProcess(office()));
+  const auto asked = std::chrono::steady_clock::now();
+  const JSONValue late = ask(*tool, 2, "pollCell");
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - asked;
+  EXPECT_EQ(member(member(late, "payload"), "kind"), JSONValue("timeout"));
+  EXPECT_EQ(member(member(late, "payload"), "message"),
+            JSONValue("Excel did not respond within 3s"));
+  EXPECT_LT(took.count(), 3.5);
+  const JSONValue busy = ask(*tool, 3, "pollCell");
+  EXPECT_EQ(member(member(busy, "payload"), "message"),
+            JSONValue("Excel is still busy with the previous call after 3s"));
+  ASSERT_EQ(kill(office(), SIGCONT), 0);
+  EXPECT_EQ(member(ask(*tool, 4, "pollCell"), "ok"), JSONValue(true));
   tool->closeInput();
   EXPECT_EQ(tool->wait(), 0);
   expectNothingLeft();
