@@ -15,18 +15,6 @@ constexpr std::string_view openGuillemet = "\xC2\xAB";
 constexpr std::string_view closeGuillemet = "\xC2\xBB";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-bool isWordCharacter(char c) {
-  return isLetter(c) || isDigit(c) || c == '_';
-}
-
 class Lexer {
  public:
   explicit Lexer(std::string_view source) : source_(source) {}
@@ -248,12 +236,6 @@ class Lexer {
     Token& token = add(Token::Kind::rawCode, kind);
     token.code = codeOf(code.substr(0, 4));
     if (twoCodes) token.secondCode = codeOf(code.substr(4));
-  }
-
-  static FourCharCode codeOf(std::string_view text) {
-    FourCharCode code = 0;
-    for (const char c : text) code = (code << 8) | static_cast<unsigned char>(c);
-    return code;
   }
 
   void symbol() {

@@ -25,14 +25,8 @@ Row split(std::string_view line) {
   return row;
 }
 
-FourCharCode fourBytes(std::string_view text) {
-  FourCharCode code = 0;
-  for (const char c : text) code = (code << 8) | static_cast<unsigned char>(c);
-  return code;
-}
-
 std::optional<FourCharCode> parseCode(std::string_view text) {
-  if (text.size() == 4) return fourBytes(text);
+  if (text.size() == 4) return codeOf(text);
   if (text.size() != 10 || !text.starts_with("0x")) return std::nullopt;
   FourCharCode code = 0;
   const char* end = text.data() + text.size();
@@ -121,8 +115,8 @@ void Terminology::Tables::addCommand(const Row& row) {
   if (command) return;  // the same command, listed in a second suite
   command = std::make_unique<CommandTerm>();
   command->term = text;
-  command->eventClass = fourBytes(codeText.substr(0, 4));
-  command->eventID = fourBytes(codeText.substr(4));
+  command->eventClass = codeOf(codeText.substr(0, 4));
+  command->eventID = codeOf(codeText.substr(4));
   command->resultType = type;
   term(text).command = command.get();
   commandsByCode.try_emplace({command->eventClass, command->eventID}, command.get());

@@ -3,13 +3,13 @@
 // thread may read it. Terms are matched longest first and without regard to case.
 //
 // The table is text, one row a line, columns separated by tabs:
-//   class       term  code  -        -
-//   plural      term  code  class    -
+//   class       term  code
+//   plural      term  code  class
 //   property    term  code  class    type  access
 //   element     term  code  class    element class
 //   enumerator  term  code
 //   command     term  class and id code (8)  suite  result type
-//   direct      -     ----  command  type  req|opt
+//   direct            ----  command  type  req|opt
 //   parameter   term  code  command  type  req|opt
 // A code is four characters or 0x and eight hexadecimal digits. Rows without a code are skipped.
 // Where a term has several codes of one kind, the first listed counts.
