@@ -114,6 +114,7 @@ class Parser {
   void addParameter(Command& command, const ParameterTerm& label, ExpressionPointer value);
   bool atExpression() const;
   bool atExpressionWord() const;
+  bool atOperatorPhrase() const;
 
   // Statements
   Block parseBlock(std::initializer_list<std::string_view> ends);

@@ -15,6 +15,15 @@ const CommandTerm& Parser::rawCommand(const Token& event) {
   return *program_.rawCommands.back();
 }
 
+// Whether a comparison stands here whose words could be names too.
+bool Parser::atOperatorPhrase() const {
+  static constexpr std::string_view phrases[] = {"starts with",  "begins with", "ends with",
+                                                 "comes before", "comes after", "less than",
+                                                 "greater than"};
+  return std::any_of(std::begin(phrases), std::end(phrases),
+                     [&](std::string_view each) { return atWords(each); });
+}
+
 // Whether the next word can begin an expression; keywords that cannot end the command.
 bool Parser::atExpressionWord() const {
   static constexpr std::string_view ends[] = {
@@ -22,12 +31,10 @@ bool Parser::atExpressionWord() const {
       "div",   "mod",   "with",     "without", "given",  "from",  "by",        "thru",    "through",
       "times", "else",  "contains", "contain", "equals", "equal", "does",      "doesn't", "whose",
       "where", "while", "until",    "seconds", "on",     "for",   "returning", "exists",  "named"};
-  if (std::find(std::begin(ends), std::end(ends), peek().text) != std::end(ends)) return false;
-  static constexpr std::string_view operators[] = {"starts with",  "begins with", "ends with",
-                                                   "comes before", "comes after", "less than",
-                                                   "greater than"};
-  return std::none_of(std::begin(operators), std::end(operators),
-                      [&](std::string_view each) { return atWords(each); });
+  const bool ended = std::find(std::begin(ends), std::end(ends), peek().text) != std::end(ends);
+  // A term of several words may begin like one of them: named item.
+  if (ended) return meaningAt().words > 1;
+  return !atOperatorPhrase();
 }
 
 bool Parser::atExpression() const {

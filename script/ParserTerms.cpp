@@ -239,10 +239,11 @@ bool Parser::atKey() const {
       const Token::Kind next = peek(1).kind;
       // "item -1" has a key, "item - 1" is a difference.
       return atSymbol("-") && peek(1).glued && !peek().glued &&
-             (next == Token::Kind::integer || next == Token::Kind::word);
+             (next == Token::Kind::integer || next == Token::Kind::real ||
+              next == Token::Kind::word);
     }
     case Token::Kind::word:
-      return atIdentifier();
+      return atIdentifier() && !atOperatorPhrase();
     default:
       return false;
   }

@@ -11,6 +11,8 @@ packages_display=(xvfb openbox xdotool x11-utils imagemagick python3-uno fonts-d
 packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
 packages_test=(libgtest-dev libgmock-dev libpugixml-dev libzip-dev clang-format clang-tidy procps
                chromium "${packages_display[@]}" "${packages_macos[@]}")
+# clang's libFuzzer.
+packages_fuzz=(clang libclang-rt-14-dev llvm)
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.
