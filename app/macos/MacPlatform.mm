@@ -2,6 +2,7 @@
 #import "app/macos/MacApplication.h"
 #import "app/macos/MacBundle.h"
 #import "app/macos/MacDefaults.h"
+#import "app/macos/MacHotKeys.h"
 #import "app/macos/MacMainLoop.h"
 #import "app/macos/MacPanelWindow.h"
 #import "app/macos/MacWebView.h"
@@ -31,6 +32,7 @@ class MacPlatform : public AppPlatform {
   Defaults& defaults() override { return defaults_; }
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
+  HotKeyService* hotKeys() override { return &hotKeys_; }
 
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override {
     return std::make_unique<MacPanelWindow>(options);
@@ -48,6 +50,7 @@ class MacPlatform : public AppPlatform {
   MacDefaults defaults_;
   MacBundle bundle_;
   SystemClock clock_;
+  MacHotKeys hotKeys_;
 };
 
 }  // namespace

@@ -108,8 +108,11 @@ void AppDelegate::restoreStrandedMarks() {
   parts_.bridgeQueue.post([&bridge = parts_.bridge] { bridge.restoreStranded(); });
 }
 
-// The global hot keys have their place here, with the configuration's codes and masks.
-void AppDelegate::registerHotKeys(const QXConfig&) {}
+void AppDelegate::registerHotKeys(const QXConfig& config) {
+  hotKey_ =
+      std::make_unique<HotKey>(HotKey::Parts{parts_.platform, parts_.bridge, panel(), parts_.log});
+  if (HotKeyService* service = parts_.platform.hotKeys()) hotKey_->registerAll(*service, config);
+}
 
 void AppDelegate::watchActivation() {
   parts_.platform.workspace().observeActivation(

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "app/shell/HotKey.h"
 #include "app/shell/Panel.h"
 #include "app/shell/Poller.h"
 #include "kit/support/ISO.h"
@@ -66,6 +67,7 @@ class AppDelegate : public ApplicationDelegate {
   std::optional<ISO::Date> previousLaunch_;
   std::unique_ptr<Panel> panel_;
   std::unique_ptr<Poller> poller_;
+  std::unique_ptr<HotKey> hotKey_;
   bool placed_ = false;
   int placeAttempts_ = 0;
   std::unique_ptr<Timer> placing_;

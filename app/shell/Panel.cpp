@@ -86,6 +86,11 @@ void Panel::show(const std::optional<BridgeShapes::WindowBounds>& beside, const 
   sendEvent(event.name, event.payload);
 }
 
+void Panel::makeKey() {
+  requireMainThread("Panel::makeKey");
+  window_->makeKeyAndOrderFront();
+}
+
 void Panel::summon() {
   show(std::nullopt, {"summon", JSONValue::Object{}});
 }

@@ -63,7 +63,10 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   // has given it a place, and sends the event.
   void show(const std::optional<BridgeShapes::WindowBounds>& beside, const Event& event);
 
-  // The same where the panel is or was.
+  // Gives the keyboard to the panel, which is visible.
+  void makeKey();
+
+  // As show, where the panel is or was.
   void summon();
 
   // Shows the panel without taking the keyboard from Excel.

@@ -9,6 +9,7 @@
 #include "app/shell/ports/Bundle.h"
 #include "app/shell/ports/Clock.h"
 #include "app/shell/ports/Defaults.h"
+#include "app/shell/ports/HotKeyService.h"
 #include "app/shell/ports/MainLoop.h"
 #include "app/shell/ports/PanelWindow.h"
 #include "app/shell/ports/WebView.h"
@@ -27,6 +28,9 @@ class AppPlatform {
   virtual Defaults& defaults() = 0;
   virtual Bundle& bundle() = 0;
   virtual Clock& clock() = 0;
+
+  // None where the desktop has no such service.
+  virtual HotKeyService* hotKeys() { return nullptr; }
 
   virtual std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) = 0;
   virtual std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) = 0;

@@ -62,6 +62,18 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
   EXPECT_FALSE(platform.window().visible);
 }
 
+TEST_F(AppDelegateTest, RegistersTheConfiguredHotKeysAfterTheRest) {
+  platform.hasHotKeys = true;
+  writeFile(folder / "config.json", R"({"mapKeyCode": 46, "mapModifiers": 4352})");
+  launch();
+  EXPECT_EQ(queue.waiting(), 1u) << "stranded marks come first";
+  EXPECT_THAT(takeJournal(), Contains("addHotKey 4 46 4352"));
+  platform.window().visible = true;
+  platform.webView().finishLoading();
+  EXPECT_EQ(platform.hotKeyService.press({HotKey::signature, 4}), 0);
+  EXPECT_THAT(logged(), Contains("HOTKEY map key=false visible=true excelFrontmost=false"));
+}
+
 TEST_F(AppDelegateTest, TellsThatTheScriptDidNotCompileAndQuits) {
   compileError = "Expected end of line (-2741) line 12";
   launch();

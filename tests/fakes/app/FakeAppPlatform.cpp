@@ -165,6 +165,22 @@ std::string FakeBundle::infoString(const std::string& key) const {
   return found == info.end() ? std::string() : found->second;
 }
 
+HotKeyService::Status FakeHotKeyService::install(Handler handler) {
+  journal_.push_back("installHotKeyHandler");
+  handler_ = std::move(handler);
+  return installStatus;
+}
+
+HotKeyService::Status FakeHotKeyService::add(HotKeyID id, std::uint32_t keyCode,
+                                             std::uint32_t modifiers) {
+  std::ostringstream out;
+  out << "addHotKey " << id.id << ' ' << keyCode << ' ' << modifiers;
+  journal_.push_back(out.str());
+  signatures.push_back(id.signature);
+  const auto found = refused.find(id.id);
+  return found == refused.end() ? noError : found->second;
+}
+
 std::unique_ptr<PanelWindow> FakeAppPlatform::makePanelWindow(const PanelWindowOptions& options) {
   auto window = std::make_unique<FakePanelWindow>(options, journal);
   window_ = window.get();

@@ -189,6 +189,24 @@ class FakeApplication : public Application {
   Journal& journal_;
 };
 
+class FakeHotKeyService : public HotKeyService {
+ public:
+  explicit FakeHotKeyService(Journal& journal) : journal_(journal) {}
+  Status install(Handler handler) override;
+  Status add(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers) override;
+
+  // The user presses a combination, or another part of the process has one of its own.
+  Status press(HotKeyID id) { return handler_(id); }
+
+  Status installStatus = noError;
+  std::map<std::uint32_t, Status> refused;  // by id
+  std::vector<std::uint32_t> signatures;
+
+ private:
+  Journal& journal_;
+  Handler handler_;
+};
+
 class FakeAppPlatform : public AppPlatform {
  public:
   FakeApplication& application() override { return application_; }
@@ -198,6 +216,7 @@ class FakeAppPlatform : public AppPlatform {
   FakeDefaults& defaults() override { return defaults_; }
   FakeBundle& bundle() override { return bundle_; }
   FakeClock& clock() override { return clock_; }
+  HotKeyService* hotKeys() override { return hasHotKeys ? &hotKeyService : nullptr; }
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "Test \"Sheets\""; }
@@ -208,6 +227,8 @@ class FakeAppPlatform : public AppPlatform {
   bool madePanel() const { return window_ != nullptr; }
 
   Journal journal;
+  FakeHotKeyService hotKeyService{journal};
+  bool hasHotKeys = false;
 
  private:
   FakeClock clock_;
