@@ -1,8 +1,8 @@
 # What Quorin is built and tested with, by group, as Debian and Ubuntu name the packages.
 # Sourced by ./test and ./run.
 
-packages_build=(g++ cmake ninja-build ccache python3 rapidjson-dev libutf8proc-dev libcli11-dev
-                libgtk-3-dev libwebkit2gtk-4.1-dev
+packages_build=(g++ cmake ninja-build ccache python3 dpkg-dev file
+                rapidjson-dev libutf8proc-dev libcli11-dev libgtk-3-dev libwebkit2gtk-4.1-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3)
 # A display of our own, and what looks at it.
 packages_display=(xvfb openbox xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
@@ -27,18 +27,25 @@ install_packages() {
     echo "Please install these packages: ${missing[*]}" >&2
     return 1
   fi
-  local root=()
-  if [ "$(id -u)" -ne 0 ]; then
-    if ! command -v sudo >/dev/null; then
-      echo "Run this once as root, or install these packages: ${missing[*]}" >&2
-      return 1
-    fi
-    root=(sudo)
-  fi
   echo "Installing ${missing[*]}"
-  "${root[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  as_root apt-get update -qq && apt_install "${missing[@]}"
+}
+
+# Installs packages by their names, or by the paths of package files.
+apt_install() {
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "$@" >/dev/null
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    echo "This has to be done as root: $*" >&2
+    return 1
+  fi
 }
 
 # Node comes from Debian unless the machine has one already (other sources pack npm into nodejs).
