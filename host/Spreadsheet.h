@@ -210,9 +210,9 @@ class Spreadsheet {
   // Takes it off the cells of the range; it is gone when it applies to no others.
   virtual void deleteCondition(const RangeRef& range, const std::string& id);
 
-  // Makes a workbook of one blank sheet and gives its name. Until it is closed, workbooks() lists
-  // it, and it is the active one until another is activated. Where the program can hide it, the
-  // user sees nothing of it and keeps the view they had.
+  // Makes a workbook of one blank sheet and gives its name, which has no suffix. Until it is
+  // closed, workbooks() lists it, and it is the active one until another is activated. Where the
+  // program can hide it, the user sees nothing of it and keeps the view they had.
   virtual std::string makeWorkbook();
   // Writes into a cell of such a workbook (-10006 for any other), as Excel's formula2: text that
   // begins with "=" is a formula, and a result of several cells fills the cells below and beside.

@@ -105,22 +105,32 @@ on qx_cf_make(rg, r, g, b)
 		with timeout of 8 seconds
 			set sentinel to "=\"QXZ\"=\"QXZ\""
 			set theirs to my qx_cf_foreign(rg)
-			-- Releases differ in which of the two forms they take.
+			set rulesBefore to count of format conditions of rg
+			-- Releases differ in which of the two forms they take, and in what they answer: the new
+			-- condition is looked for, the last sentinel of the range.
 			try
-				set fc to make new format condition at rg with properties {format condition type:expression, formula1:sentinel}
+				make new format condition at rg with properties {format condition type:expression, formula1:sentinel}
 			on error msg number n
 				if my qx_cf_mute(n) then error msg number n
-				tell rg
-					set fc to make new format condition at end with properties {format condition type:expression, formula1:sentinel}
-				end tell
+				if (count of format conditions of rg) is rulesBefore then
+					tell rg
+						make new format condition at end with properties {format condition type:expression, formula1:sentinel}
+					end tell
+				end if
 			end try
+			set newest to count of format conditions of rg
+			if newest is not rulesBefore + 1 then error "Excel made no condition" number -2700
+			repeat until newest is 0 or my qx_cf_ours(rg, newest)
+				set newest to newest - 1
+			end repeat
+			if newest is 0 then error "Excel made no condition" number -2700
 			-- A condition that could not be coloured must not stay behind.
 			try
-				set color of interior object of fc to {r, g, b}
-				if theirs > 0 then set format condition priority of fc to 1
+				set color of interior object of format condition newest of rg to {r, g, b}
+				if theirs > 0 then set format condition priority of format condition newest of rg to 1
 			on error msg number n
 				try
-					delete fc
+					if my qx_cf_ours(rg, newest) then delete format condition newest of rg
 				end try
 				error msg number n
 			end try

@@ -112,17 +112,17 @@ on qx_deepeval(plan)
 		with timeout of 8 seconds
 			-- Names, not references: a reference to the active workbook would follow it.
 			set userBook to name of active workbook
-			set openBooks to name of every workbook
-			if class of openBooks is not list then set openBooks to {openBooks}
-			set made to make new workbook
+			set openBooks to my qx_deep_books()
 			try
-				set scratch to name of made
-			on error
-				set scratch to name of active workbook
+				make new workbook
+			on error msg number n
+				-- What was made all the same has to go.
+				my qx_deep_leave(my qx_deep_found(openBooks), userBook)
+				error msg number n
 			end try
+			set scratch to my qx_deep_found(openBooks)
 		end timeout
-		-- Closing unsaved is for a workbook of our own alone.
-		if scratch is missing value or openBooks contains {scratch} then error "Excel made no scratch workbook" number -2700
+		if scratch is "" then error "Excel made no scratch workbook" number -2700
 		try
 			with timeout of 60 seconds
 				repeat with i from 1 to entryTotal
@@ -146,26 +146,11 @@ on qx_deepeval(plan)
 				end if
 			end timeout
 		on error msg number n
-			try
-				with timeout of 8 seconds
-					close workbook scratch saving no
-				end timeout
-			end try
-			try
-				with timeout of 8 seconds
-					activate object workbook userBook
-				end timeout
-			end try
+			my qx_deep_leave(scratch, userBook)
 			error msg number n
 		end try
-		with timeout of 8 seconds
-			close workbook scratch saving no
-			-- Excel refuses this while it is not in front; it has gone back by itself then.
-			try
-				activate object workbook userBook
-			end try
-			return outcome
-		end timeout
+		my qx_deep_leave(scratch, userBook)
+		return outcome
 	end tell
 end qx_deepeval
 
@@ -177,3 +162,67 @@ on qx_workbookcount()
 		end timeout
 	end tell
 end qx_workbookcount
+
+-- The names of the open workbooks, {} for none.
+on qx_deep_books()
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set openBooks to name of every workbook
+			if openBooks is missing value then return {}
+			if class of openBooks is not list then return {openBooks}
+			return openBooks
+		end timeout
+	end tell
+end qx_deep_books
+
+-- The name of the workbook that was made since openBooks were the open ones, "" for none. The user
+-- may have opened one meanwhile, and what is found is closed unsaved: so it must have a single
+-- untouched cell, no file, which would show as a suffix, and be the only one of its kind.
+on qx_deep_found(openBooks)
+	set newBooks to {}
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			repeat 2 times
+				try
+					set newBooks to {}
+					set booksNow to my qx_deep_books()
+					repeat with i from 1 to count of booksNow
+						set oneName to item i of booksNow
+						if openBooks does not contain {oneName} and oneName does not contain "." then
+							set blank1 to (get address of used range of worksheet 1 of workbook oneName) is "$A$1"
+							if blank1 then set blank1 to (formula of range "A1" of worksheet 1 of workbook oneName) is ""
+							if blank1 then set end of newBooks to oneName
+						end if
+					end repeat
+					exit repeat
+				end try
+			end repeat
+		end timeout
+	end tell
+	if (count of newBooks) is 1 then return item 1 of newBooks
+	return ""
+end qx_deep_found
+
+-- Closes the scratch workbook unsaved and puts the user's in front again. Never fails, and tries
+-- what failed a second time: a scratch workbook left behind would be the user's to close. Excel
+-- refuses to activate while it is not in front itself, and has gone back by then.
+on qx_deep_leave(scratch, userBook)
+	tell application "Microsoft Excel"
+		repeat 2 times
+			try
+				with timeout of 8 seconds
+					if scratch is not "" and my qx_deep_books() contains {scratch} then close workbook scratch saving no
+				end timeout
+				exit repeat
+			end try
+		end repeat
+		repeat 2 times
+			try
+				with timeout of 8 seconds
+					if userBook is not missing value and (name of active workbook) is not userBook then activate object workbook userBook
+				end timeout
+				exit repeat
+			end try
+		end repeat
+	end tell
+end qx_deep_leave

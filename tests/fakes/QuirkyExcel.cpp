@@ -1,10 +1,7 @@
 #include "tests/fakes/QuirkyExcel.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
-
 #include "host/Codes.h"
+#include "tests/fakes/QuirkyAnswers.h"
 
 namespace quorin::fakes {
 namespace {
@@ -12,61 +9,25 @@ namespace {
 namespace codes = host::codes;
 using Descriptor = AppleEventDescriptor;
 
-bool isList(const Descriptor& value) {
-  return value.type() == codes::list;
+constexpr std::size_t longestText = 255;
+
+AppleEventReply failed(int number, std::string message = {}) {
+  return {std::nullopt, AppleEventError{number, std::move(message), {}}};
 }
 
-// The property that a `get` reads, 0 for every other event.
-FourCharCode propertyRead(const AppleEvent& event) {
-  if (event.eventClass != codes::coreSuite || event.eventID != codes::get) return 0;
-  const Descriptor* const object = event.parameter(keyDirectObject);
-  const Descriptor* const form = object == nullptr ? nullptr : object->field(codes::keyForm);
-  if (form == nullptr || form->codeValue() != codes::formProperty) return 0;
-  const Descriptor* const data = object->field(codes::keyData);
-  return data == nullptr ? 0 : data->codeValue().value_or(0);
+bool isEvent(const AppleEvent& event, FourCharCode suite, FourCharCode command) {
+  return event.eventClass == suite && event.eventID == command;
 }
 
-bool isValue(FourCharCode property) {
-  return property == codes::value || property == codes::value2;
+const Descriptor& parameter(const AppleEvent& event, FourCharCode keyword) {
+  static const Descriptor absent;
+  const Descriptor* const given = event.parameter(keyword);
+  return given == nullptr ? absent : *given;
 }
 
-bool isFormula(FourCharCode property) {
-  return property == codes::formula || property == codes::formula2 ||
-         property == codes::formulaLocal || property == codes::formulaR1C1;
-}
-
-std::size_t columnsOf(const Descriptor& grid) {
-  return isList(grid) && !grid.items().empty() ? grid.items().front().items().size() : 0;
-}
-
-bool hasErrorInFirstColumn(const Descriptor& grid) {
-  return std::any_of(grid.items().begin(), grid.items().end(), [](const Descriptor& row) {
-    return !row.items().empty() && row.items().front().isMissingValue();
-  });
-}
-
-void dropErrorRows(Descriptor& column) {
-  std::erase_if(column.items(),
-                [](const Descriptor& row) { return row.items().front().isMissingValue(); });
-  if (column.items().size() != 1) return;
-  Descriptor survivor = column.items().front().items().front();
-  column = std::move(survivor);
-}
-
-template <typename F>
-void forEachCell(Descriptor& value, F change) {
-  if (!isList(value)) return change(value);
-  for (Descriptor& item : value.items()) forEachCell(item, change);
-}
-
-void writeAsText(Descriptor& cell) {
-  if (const auto flag = cell.booleanValue()) {
-    cell = Descriptor::text(*flag ? "TRUE" : "FALSE");
-  } else if (const auto number = cell.doubleValue()) {
-    std::array<char, 32> digits;
-    std::snprintf(digits.data(), digits.size(), "%.15g", *number);
-    cell = Descriptor::text(digits.data());
-  }
+bool isLong(const Descriptor& value) {
+  const auto text = value.stringValue();
+  return text && text->size() > longestText;
 }
 
 }  // namespace
@@ -78,51 +39,97 @@ void QuirkyExcel::failAt(int number, AppleEventError error) {
   failures_[number] = std::move(error);
 }
 
+void QuirkyExcel::loseAnswerOf(int number, AppleEventError error) {
+  losses_[number] = std::move(error);
+}
+
+void QuirkyExcel::forget() {
+  events_.clear();
+  failures_.clear();
+  losses_.clear();
+}
+
 AppleEventReply QuirkyExcel::died() {
   dead_ = true;
-  return {std::nullopt, AppleEventError{-609, "Connection is invalid.", {}}};
+  return failed(-609, "Connection is invalid.");
 }
 
 AppleEventReply QuirkyExcel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {
   events_.push_back(event);
-  const auto failure = failures_.find(static_cast<int>(events_.size()));
+  const int number = static_cast<int>(events_.size());
+  const auto failure = failures_.find(number);
   if (failure != failures_.end()) return {std::nullopt, failure->second};
-  if (dead_) return died();
-  if (event.eventClass == codes::excelSuite && event.eventID == codes::evaluate) {
-    const Descriptor* const expression = event.parameter(codes::name);
-    const auto text = expression == nullptr ? std::nullopt : expression->stringValue();
-    if (quirks.losesLongText && text && text->size() > 255)
-      return {Descriptor::missingValue(), std::nullopt};
-    AppleEventReply reply = excel_->send(event, timeout);
-    if (quirks.hidesEvaluationErrors && reply.error && reply.error->number == -1708)
-      return {Descriptor::missingValue(), std::nullopt};
-    return reply;
-  }
-  return afterRead(propertyRead(event), excel_->send(event, timeout));
+  AppleEventReply reply = answer(event, timeout);
+  const auto loss = losses_.find(number);
+  if (loss != losses_.end()) return {std::nullopt, loss->second};
+  return reply;
 }
 
-AppleEventReply QuirkyExcel::afterRead(FourCharCode property, AppleEventReply reply) {
-  if (!reply.result ||
-      !(isValue(property) || isFormula(property) || property == codes::stringValue))
-    return reply;
-  Descriptor& answer = *reply.result;
-  const std::size_t columns = columnsOf(answer);
-  if (isValue(property)) {
-    if (quirks.diesOfFirstColumnErrors && columns > 1 && hasErrorInFirstColumn(answer))
-      return died();
-    if (quirks.dropsErrorRows && columns == 1) dropErrorRows(answer);
-    if (quirks.losesBlanks)
-      forEachCell(answer, [](Descriptor& cell) {
-        if (cell.stringValue() == "") cell = Descriptor::missingValue();
-      });
+AppleEventReply QuirkyExcel::answer(const AppleEvent& given, std::chrono::milliseconds timeout) {
+  if (dead_) return died();
+  AppleEvent event = given;
+  for (AppleEventDescriptor::Field& field : event.parameters) {
+    field.value = asRead(quirks, std::move(field.value));
+    if (quirks.asksForMissingSheets && opensDialog(field.value, timeout)) dialog_ = true;
   }
-  if (quirks.writesFormulasAsText && isFormula(property) && isList(answer))
-    forEachCell(answer, writeAsText);
-  if (quirks.flattensSingleRows && columns > 1 && answer.items().size() == 1) {
-    Descriptor row = answer.items().front();
-    answer = std::move(row);
+  if (dialog_) return failed(-1712, "AppleEvent timed out.");
+  if (auto refused = refusal(event)) return std::move(*refused);
+  const bool setsFormula = isEvent(event, codes::coreSuite, codes::set) &&
+                           mentions(parameter(event, keyDirectObject), codes::formula2) &&
+                           isLong(parameter(event, codes::setTo));
+  if (setsFormula && quirks.ignoresLongFormulas) return {};
+  if (setsFormula && quirks.cutsLongFormulas)
+    for (AppleEventDescriptor::Field& field : event.parameters)
+      if (field.keyword == codes::setTo)
+        field.value =
+            Descriptor::text(std::string(field.value.stringValue()->substr(0, longestText)));
+  AppleEventReply reply = spoiledCells(quirks, propertyRead(event), excel_->send(event, timeout));
+  if (reply.error && reply.error->number == -609) return died();
+  return spoiled(quirks, event, std::move(reply));
+}
+
+// What such an Excel refuses, and the questions that it leaves without an answer.
+std::optional<AppleEventReply> QuirkyExcel::refusal(const AppleEvent& event) {
+  const Descriptor& direct = parameter(event, keyDirectObject);
+  if (isEvent(event, codes::excelSuite, codes::evaluate) && quirks.losesLongText &&
+      isLong(parameter(event, codes::name)))
+    return AppleEventReply{Descriptor::missingValue(), std::nullopt};
+  if (quirks.hidesRegions && mentions(direct, codes::currentRegion)) return failed(-50);
+  if (isEvent(event, codes::excelSuite, codes::goTo) ||
+      isEvent(event, codes::miscellaneousSuite, codes::select))
+    quirks.selectsAShape = false;
+  if (quirks.selectsAShape && mentions(direct, codes::selection)) return failed(-1728);
+  if (quirks.refusesBulkReferences && propertyRead(event) == codes::references) {
+    const Descriptor* const names = direct.field(codes::container);
+    const Descriptor* const which = names == nullptr ? nullptr : names->field(codes::keyData);
+    if (which != nullptr && which->type() == codes::absoluteOrdinal) return failed(-1700);
   }
-  return reply;
+  if (isEvent(event, codes::coreSuite, codes::make) &&
+      parameter(event, codes::makeNew).codeValue() == codes::formatCondition) {
+    const bool atEnd = parameter(event, codes::makeAt).type() == codes::insertion;
+    if (quirks.makesOnlyAtEnd && !atEnd) return failed(-10024);
+    if (quirks.makesOnlyAtRange && atEnd) return failed(-10024);
+  }
+  if (quirks.refusesToMoveConditions &&
+      isEvent(event, codes::excelSuite, codes::modifyAppliesToRange))
+    return failed(-1708);
+  if (quirks.activatesOnlyInFront && isEvent(event, codes::excelSuite, codes::activateObject))
+    return failed(-10000);
+  return std::nullopt;
+}
+
+bool QuirkyExcel::opensDialog(const Descriptor& specifier, std::chrono::milliseconds timeout) {
+  const Descriptor* const container = specifier.field(codes::container);
+  if (container == nullptr) return false;
+  if (opensDialog(*container, timeout)) return true;
+  const Descriptor* const wanted = specifier.field(codes::desiredClass);
+  const Descriptor* const form = specifier.field(codes::keyForm);
+  if (wanted == nullptr || wanted->codeValue() != codes::worksheet || form == nullptr ||
+      form->codeValue() != codes::formName)
+    return false;
+  const AppleEvent exists{codes::coreSuite, codes::exists, {{keyDirectObject, specifier}}, {}};
+  const AppleEventReply reply = excel_->send(exists, timeout);
+  return reply.result && reply.result->booleanValue() == false;
 }
 
 }  // namespace quorin::fakes

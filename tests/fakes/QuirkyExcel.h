@@ -5,11 +5,15 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "script/Application.h"
 
 namespace quorin::fakes {
+
+// What one release or another answers where there is nothing to give.
+enum class NothingFound { notUnderstood, parameterError, noSuchObject, missingValue };
 
 struct ExcelQuirks {
   // value2 of one column leaves out the rows with errors: one survivor comes bare, none as {}.
@@ -21,6 +25,26 @@ struct ExcelQuirks {
   bool losesBlanks = false;            // value2 of a blank cell is missing value
   bool losesLongText = false;          // evaluating more than 255 characters is missing value
   bool hidesEvaluationErrors = false;  // evaluating to an error is missing value, not -1708
+
+  // Setting a formula of more than 255 characters does nothing, or cuts it, without an error.
+  bool ignoresLongFormulas = false, cutsLongFormulas = false;
+  bool cutsLongAddresses = false;        // get address ends after 255 characters
+  bool refusesLongAddresses = false;     // range "..." with more than 255 characters is -1728
+  bool separatesWithSemicolons = false;  // the areas in range "..." are parted by ";" alone
+  bool baresSingles = false;             // a collection of one is a bare value
+  bool missesUnknownElements = false;    // missing value instead of -1728
+  bool refusesBulkReferences = false;    // references of every named item is -1700
+  bool hidesRegions = false;             // current region is -50, as on a protected sheet
+  bool selectsAShape = false;            // selection is no range until a range is selected: -1728
+  bool makesOnlyAtEnd = false, makesOnlyAtRange = false;  // format conditions
+  bool forgetsWhatItMade = false;                         // make has no result
+  bool refusesToMoveConditions = false;                   // modify applies to range is -1708
+  bool activatesOnlyInFront = false;                      // activate object is -10000 otherwise
+  // Asking a workbook for a worksheet that it lacks opens a file dialog. Until the user answers it
+  // every event times out.
+  bool asksForMissingSheets = false;
+  NothingFound noDependents = NothingFound::notUnderstood;
+  NothingFound noVisibleCells = NothingFound::parameterError;
 };
 
 class QuirkyExcel : public script::Application {
@@ -28,8 +52,13 @@ class QuirkyExcel : public script::Application {
   QuirkyExcel(std::unique_ptr<script::Application> excel, ExcelQuirks switches);
 
   ExcelQuirks quirks;
-  void failAt(int number, AppleEventError error);  // counts from 1, since the start
-  void relaunch() { dead_ = false; }
+  // Events count from 1, since the start or the last forget(). The one that fails is not carried
+  // out; the one whose answer is lost is.
+  void failAt(int number, AppleEventError error);
+  void loseAnswerOf(int number, AppleEventError error);
+  void forget();  // the record and the failures
+  void relaunch() { dead_ = dialog_ = false; }
+  bool showsDialog() const { return dialog_; }
   const std::vector<AppleEvent>& events() const { return events_; }
 
   std::string_view name() const override { return excel_->name(); }
@@ -39,12 +68,14 @@ class QuirkyExcel : public script::Application {
 
  private:
   AppleEventReply died();
-  AppleEventReply afterRead(FourCharCode property, AppleEventReply reply);
+  AppleEventReply answer(const AppleEvent& event, std::chrono::milliseconds timeout);
+  std::optional<AppleEventReply> refusal(const AppleEvent& event);
+  bool opensDialog(const AppleEventDescriptor& specifier, std::chrono::milliseconds timeout);
 
   std::unique_ptr<script::Application> excel_;
   std::vector<AppleEvent> events_;
-  std::map<int, AppleEventError> failures_;
-  bool dead_ = false;
+  std::map<int, AppleEventError> failures_, losses_;
+  bool dead_ = false, dialog_ = false;
 };
 
 }  // namespace quorin::fakes
