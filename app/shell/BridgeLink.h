@@ -25,10 +25,8 @@ class BridgeLink : public PanelBridge {
   void setOnActivatedCell(ActivatedCell handler) override {
     bridge_.setOnActivatedCell(std::move(handler));
   }
-
-  // Nothing marks cells yet, so that there is nothing to take back.
-  void restoreStranded() override {}
-  void clearMarksForTerminate() override {}
+  void restoreStranded() override { bridge_.restoreStranded(); }
+  void clearMarksForTerminate() override { bridge_.clearMarksForTerminate(); }
 
  private:
   Bridge& bridge_;

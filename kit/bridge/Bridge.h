@@ -7,16 +7,19 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "kit/bridge/MarksTurn.h"
 #include "kit/excel/ExcelThread.h"
 #include "kit/marks/HighlightStore.h"
 #include "kit/marks/UnhideStore.h"
 #include "kit/platform/TargetApplication.h"
+#include "kit/shapes/RevealShapes.h"
 #include "kit/support/DiagLog.h"
 #include "kit/value/JSONValue.h"
 
@@ -74,6 +77,25 @@ class Bridge {
   JSONValue readFormulas(const std::string& addr, const std::string& style, bool formulasOnly);
   JSONValue workbookMap();                                   // see workbookMapObject
   JSONValue deepEval(const std::vector<std::string>& plan);  // never throws; see DeepEvalShapes
+  // {"applied", "shadowed", "moved"?}. A colour that has not three parts is magenta.
+  JSONValue markCells(const std::vector<std::string>& addrs, const std::vector<std::int64_t>& rgb);
+  JSONValue clearMarks();  // {"removed"}: the number of addresses
+  // {"revealed", "activated"?, "unhid"?, "reason"?}.
+  JSONValue reveal(const std::vector<std::string>& addrs);
+
+  // Takes back, from the records alone, what an earlier run or a stuck request left behind.
+  // Never throws.
+  void restoreStranded();
+
+  // Takes every mark back within two seconds. From then on nothing is marked any more. For the main
+  // thread, while the application terminates. Never throws.
+  void clearMarksForTerminate();
+
+  // The most addresses of one handler call that paints, moves or clears.
+  static constexpr std::size_t MOVE_MAX_ADDRS = 40;
+
+  // -1728: the workbook or the sheet is not there any more.
+  static bool isStaleBookError(int code) { return code == -1728; }
 
   // {"ok": false, "kind", "message"}: a failure told inside an ok reply.
   static JSONValue fail(const std::string& kind, const std::string& message);
@@ -97,6 +119,42 @@ class Bridge {
   JSONValue evaluateWrapped(const std::string& expr, const std::string& firstMessage);
   JSONValue deepEvalInExcel(const std::vector<std::string>& plan);
 
+  // Painting.
+  std::optional<JSONValue> moveMarks(const HighlightStore::Record& wanted);
+  bool clearBeforePainting(const HighlightStore::Records& wanted);
+  JSONValue applyMarks(const HighlightStore::Records& groups, bool mayBeSingle);
+  void recordBeforePainting(const HighlightStore::Records& records);
+
+  // Clearing. The active cell, where it is known.
+  struct Position {
+    std::string book, sheet;
+    std::int64_t row = 0, col = 0;
+  };
+  // What a reveal is about to show.
+  struct Kept {
+    std::string book, sheet;
+    BridgeShapes::HiddenRuns runs;
+  };
+  JSONValue clearRecorded();
+  JSONValue clearChunk(const HighlightStore::Record& record, const std::vector<std::string>& addrs);
+  void restoreUnhiddenOnClear();
+  UnhideStore::Records restoreUnhidden(const std::optional<Position>& active,
+                                       const std::optional<Kept>& keep);
+  bool hideAgain(const UnhideStore::Record& record, const BridgeShapes::HiddenRuns& runs);
+  void setHidden(const BridgeShapes::HiddenRuns& runs, const std::string& book,
+                 const std::string& sheet, bool hide);
+  static std::optional<Position> positionOf(const JSONValue& polled);
+  void clearAllForTerminate(ExcelThread::Deadline deadline);
+  bool clearForTerminate(HighlightStore::Record& record, ExcelThread::Deadline deadline);
+  bool hideForTerminate(UnhideStore::Record& record, ExcelThread::Deadline deadline);
+
+  // Revealing.
+  std::optional<std::string> unhideTarget(const BridgeShapes::RevealRead& read,
+                                          const std::string& book,
+                                          const std::optional<Position>& active);
+  void scrollTo(const BridgeShapes::RevealScroll& where, const std::string& book,
+                const std::string& sheet, const std::string& addr);
+
   ExcelThread& thread_;
   DiagLog& log_;
   HighlightStore& store_;
@@ -107,6 +165,7 @@ class Bridge {
   Date lastProgrammaticNav_ = distantPast;
   std::string argSeparator_ = ",";
   ActivatedCell onActivatedCell_;
+  MarksTurn marksTurn_;
 };
 
 }  // namespace quorin

@@ -1,7 +1,6 @@
 #include "kit/bridge/Verbs.h"
 
 #include <algorithm>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -48,10 +47,6 @@ bool isPaintRequest(const Args& args) {
          integers(*args[1].array()).size() == 3;
 }
 
-JSONValue notAvailable(std::string_view verb) {
-  throw std::runtime_error(std::string(verb) + " is not available yet");
-}
-
 constexpr Verb verbs[] = {
     {"probe", anything, [](Bridge& bridge, const Args&) { return bridge.probe(); }},
     {"readCell", anything, [](Bridge& bridge, const Args&) { return bridge.readCell(); }},
@@ -75,9 +70,13 @@ constexpr Verb verbs[] = {
     {"dependents", startsWithText,
      [](Bridge& bridge, const Args& args) { return bridge.dependents(*args[0].string()); }},
     {"workbookMap", anything, [](Bridge& bridge, const Args&) { return bridge.workbookMap(); }},
-    {"markCells", isPaintRequest, [](Bridge&, const Args&) { return notAvailable("markCells"); }},
-    {"clearMarks", anything, [](Bridge&, const Args&) { return notAvailable("clearMarks"); }},
-    {"reveal", startsWithTextsNotNone, [](Bridge&, const Args&) { return notAvailable("reveal"); }},
+    {"markCells", isPaintRequest,
+     [](Bridge& bridge, const Args& args) {
+       return bridge.markCells(texts(args[0]), integers(*args[1].array()));
+     }},
+    {"clearMarks", anything, [](Bridge& bridge, const Args&) { return bridge.clearMarks(); }},
+    {"reveal", startsWithTextsNotNone,
+     [](Bridge& bridge, const Args& args) { return bridge.reveal(texts(args[0])); }},
     {"deepEval", startsWithTexts,
      [](Bridge& bridge, const Args& args) { return bridge.deepEval(texts(args[0])); }},
 };

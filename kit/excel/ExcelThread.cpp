@@ -90,11 +90,34 @@ JSONValue ExcelThread::call(const std::string& handler, const JSONValue::Array& 
                             double timeout) {
   MainThread::forbid("ExcelThread::call");
   Outcome outcome;
-  gate_.sync([&] { outcome = invoke(handler, args, durationOf(timeout)); });
+  gate_.sync([&] {
+    outcome = terminating_ ? Outcome(Failure{ExcelError::terminating, "Quorin is quitting"})
+                           : invoke(handler, args, durationOf(timeout));
+  });
   return resultOf(std::move(outcome));
 }
 
+ExcelThread::Deadline ExcelThread::beginTermination() {
+  terminating_ = true;
+  return clock_.now() + terminateBudget;
+}
+
+bool ExcelThread::waitUntil(Semaphore& semaphore, Deadline deadline) {
+  return clock_.wait(semaphore, std::max(deadline - clock_.now(), Duration::zero()));
+}
+
 JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONValue::Array& args) {
+  return callForTerminate(handler, args, clock_.now(), terminateBudget);
+}
+
+JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONValue::Array& args,
+                                        Deadline deadline) {
+  const Duration now = clock_.now();
+  return callForTerminate(handler, args, now, std::max(deadline - now, Duration::zero()));
+}
+
+JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONValue::Array& args,
+                                        Duration start, Duration budget) {
   // Shared with the gate: a call that never got its turn is left to it.
   struct Turn {
     std::atomic<bool> taken = false;
@@ -103,16 +126,15 @@ JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONVa
     Outcome outcome;
   };
   const auto turn = std::make_shared<Turn>();
-  const Duration start = clock_.now();
-  gate_.post([this, turn, handler, args, start] {
+  gate_.post([this, turn, handler, args, start, budget] {
     if (turn->taken.exchange(true)) return;
     turn->began.signal();
-    const Duration left = terminateBudget - (clock_.now() - start);
+    const Duration left = budget - (clock_.now() - start);
     turn->outcome = invoke(handler, args, std::max<Duration>(left, Duration::zero()));
     turn->ended.signal();
   });
-  if (!clock_.wait(turn->began, terminateBudget) && !turn->taken.exchange(true))
-    return resultOf(stillBusy(terminateBudget));
+  if (!clock_.wait(turn->began, budget) && !turn->taken.exchange(true))
+    return resultOf(stillBusy(budget));
   turn->ended.wait();
   return resultOf(std::move(turn->outcome));
 }

@@ -8,6 +8,7 @@
 // Every failure is an ExcelError.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -56,6 +57,22 @@ class ExcelThread {
   // waiting for other callers included.
   JSONValue callForTerminate(const std::string& handler, const JSONValue::Array& args);
 
+  // A time on the thread's clock.
+  using Deadline = CallClock::Duration;
+
+  // Termination begins: every other call that has not had its turn yet is refused from now on, with
+  // -9992, so that nothing is done to the workbooks behind the back of the last calls. Any thread.
+  // Gives the end of the two seconds that there are for all of them.
+  Deadline beginTermination();
+  bool isTerminating() const { return terminating_; }
+
+  // callForTerminate as one of several that share a deadline. The last one may take 0.1 s longer.
+  JSONValue callForTerminate(const std::string& handler, const JSONValue::Array& args,
+                             Deadline deadline);
+
+  // Waits for a semaphore until the deadline; true when it was signalled in time.
+  bool waitUntil(Semaphore& semaphore, Deadline deadline);
+
  private:
   using Duration = CallClock::Duration;
 
@@ -66,6 +83,8 @@ class ExcelThread {
   };
   using Outcome = std::variant<JSONValue, Failure>;
 
+  JSONValue callForTerminate(const std::string& handler, const JSONValue::Array& args,
+                             Duration start, Duration budget);
   Outcome invoke(const std::string& handler, const JSONValue::Array& args, Duration timeout);
   static JSONValue resultOf(Outcome outcome);
   static Failure stillBusy(Duration waited);
@@ -78,6 +97,7 @@ class ExcelThread {
   DiagLog& log_;
   std::optional<std::string> compileError_;  // written by the constructor alone
   RunnerThread thread_;
+  std::atomic<bool> terminating_ = false;
   std::shared_ptr<CallBox> pending_;  // touched inside the gate alone
   SerialQueue gate_;
 };

@@ -84,4 +84,12 @@ JSONValue pollCellObject(const JSONValue& answer) {
   return JSONValue::Object{{"book", (*items)[0]}, {"sheet", (*items)[1]}, {"addr", (*items)[2]}};
 }
 
+CellPlace activePlace(const JSONValue& polled) {
+  const JSONValue* const book = polled.member("book");
+  const JSONValue* const sheet = polled.member("sheet");
+  if (!book || !sheet || !book->string() || !sheet->string())
+    throw ShapeError("pollCell gave no active sheet");
+  return {*book->string(), *sheet->string()};
+}
+
 }  // namespace quorin::BridgeShapes

@@ -41,6 +41,12 @@ class ScriptedClock : public CallClock {
     outside_.push_back({Duration::zero(), false, std::move(first)});
   }
 
+  void signalledOutside(
+      Duration after, Action first = [] {}) {
+    const std::lock_guard lock(mutex_);
+    outside_.push_back({after, true, std::move(first)});
+  }
+
   // From now on every look at the clock finds it this much later.
   void tick(Duration time) {
     const std::lock_guard lock(mutex_);

@@ -6,12 +6,15 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "kit/bridge/Bridge.h"
 #include "kit/value/Marshal.h"
 #include "tests/fakes/FakeRunner.h"
+#include "tests/fakes/FaultyFileSystem.h"
 #include "tests/fakes/LogLines.h"
 #include "tests/fakes/ScriptedClock.h"
+#include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin {
 
@@ -42,6 +45,15 @@ class BridgeFixture : public testing::Test {
     return Object{{"kind", kind}, {"message", message}};
   }
 
+  static JSONValue list(Array items) { return items; }
+
+  // The handlers that were called, in order.
+  std::vector<std::string> handlers() const {
+    std::vector<std::string> names;
+    for (const fakes::FakeExcel::Call& call : excel_.calls()) names.push_back(call.handler);
+    return names;
+  }
+
   // The next handler call does not come back in time; the runner is let go afterwards.
   void timesOut(const std::string& handler) {
     excel_.answer(handler, [](const AppleEvent&) { return ScriptReply{}; });
@@ -52,8 +64,10 @@ class BridgeFixture : public testing::Test {
   fakes::LogLines log_;
   fakes::ScriptedClock clock_;
   FakeTarget target_;
-  HighlightStore store_{"highlights.json"};
-  UnhideStore unhide_{"unhidden.json"};
+  TemporaryFolder folder_;
+  FaultyFileSystem files_;
+  HighlightStore store_{folder_ / "highlights.json", files_, &log_.log()};
+  UnhideStore unhide_{folder_ / "unhidden.json", files_, &log_.log()};
   Bridge::Date now_ = Bridge::Date(std::chrono::hours(480000));
   ExcelThread thread_{excel_.factory(), log_.log(), {.source = "on run", .clock = &clock_}};
   Bridge bridge_{thread_, log_.log(), store_, unhide_, target_, [this] { return now_; }};

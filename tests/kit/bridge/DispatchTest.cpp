@@ -151,12 +151,6 @@ TEST_F(Dispatch, ChecksTheArgumentsOfEveryVerb) {
   }
 }
 
-TEST_F(Dispatch, NamesTheVerbsThatAreNotAvailableYet) {
-  const Bridge::Reply reply = bridge_.dispatch("reveal", {texts});
-  EXPECT_EQ(reply, (Bridge::Reply{false, error("transport", "reveal is not available yet")}));
-  EXPECT_THAT(log_.lines(), ElementsAre("ERROR reveal: reveal is not available yet"));
-}
-
 TEST_F(Dispatch, AnswersATimeoutWithItsOwnKind) {
   timesOut("qx_readcell");
   EXPECT_EQ(bridge_.dispatch("readCell", {}),

@@ -9,7 +9,6 @@ using Call = fakes::FakeExcel::Call;
 
 class RangeVerbs : public BridgeFixture {
  protected:
-  static JSONValue list(Array items) { return items; }
   static JSONValue row(Array cells) {
     Array rows;
     rows.emplace_back(std::move(cells));

@@ -138,5 +138,18 @@ TEST(PollCellObject, RefusesAnyOtherShape) {
     EXPECT_EQ(messageOf(pollCellObject, answer), unexpected);
 }
 
+TEST(ActivePlace, WantsBookAndSheet) {
+  EXPECT_EQ(activePlace(Object{{"book", "b"}, {"sheet", "s"}, {"addr", 1}}), (CellPlace{"b", "s"}));
+  const auto messageFor = [](const JSONValue& polled) {
+    return messageOf([](const JSONValue& value) { return JSONValue(activePlace(value).book); },
+                     polled);
+  };
+  for (const JSONValue& polled :
+       {JSONValue(nullptr), JSONValue(Object{}), JSONValue(Object{{"book", "b"}}),
+        JSONValue(Object{{"sheet", "s"}}), JSONValue(Object{{"book", 1}, {"sheet", "s"}}),
+        JSONValue(Object{{"book", "b"}, {"sheet", nullptr}})})
+    EXPECT_EQ(messageFor(polled), "pollCell gave no active sheet");
+}
+
 }  // namespace
 }  // namespace quorin::BridgeShapes

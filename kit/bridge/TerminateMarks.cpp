@@ -1,0 +1,109 @@
+// Taking every mark back while the application terminates: two seconds in all, whatever Excel does.
+#include <exception>
+
+#include "kit/bridge/Bridge.h"
+#include "kit/bridge/RunArguments.h"
+#include "kit/value/Marshal.h"
+
+namespace quorin {
+
+namespace {
+
+// The number of conditions that were deleted.
+double numberOr0(const JSONValue& answer) {
+  return answer.number() ? *answer.number() : 0;
+}
+
+}  // namespace
+
+void Bridge::clearMarksForTerminate() {
+  const ExcelThread::Deadline deadline = thread_.beginTermination();
+  try {
+    // A request that is painting gets to its end, or to the refusal of its next call, first.
+    if (!marksTurn_.takeBefore(thread_, deadline)) {
+      log_.log("ERROR", "terminate clear failed: a request is still waiting for Excel");
+      return;
+    }
+    try {
+      clearAllForTerminate(deadline);
+    } catch (const std::exception& error) {
+      log_.log("ERROR", std::string("terminate clear failed: ") + error.what());
+    }
+    marksTurn_.release();
+  } catch (const std::exception&) {
+    // Not even the log took it; nothing may keep the application from ending.
+  }
+}
+
+void Bridge::clearAllForTerminate(ExcelThread::Deadline deadline) {
+  HighlightStore::Records highlights = store_.load();
+  UnhideStore::Records unhidden = unhide_.load();
+  if ((highlights.empty() && unhidden.empty()) || !excelRunning()) return;
+  bool inTime = true;
+  for (HighlightStore::Record& record : highlights)
+    inTime = inTime && clearForTerminate(record, deadline);
+  if (!highlights.empty()) {
+    try {
+      store_.recordApplied(highlights);
+    } catch (const std::exception& error) {
+      log_.log("ERROR", std::string("terminate: highlights.json write failed: ") + error.what());
+    }
+  }
+  for (UnhideStore::Record& record : unhidden)
+    inTime = inTime && hideForTerminate(record, deadline);
+  if (!unhidden.empty()) {
+    try {
+      unhide_.record(unhidden);
+    } catch (const std::exception& error) {
+      log_.log("ERROR", std::string("terminate: unhidden.json write failed: ") + error.what());
+    }
+  }
+}
+
+// Takes out of the record what was cleared. False when the time is up.
+bool Bridge::clearForTerminate(HighlightStore::Record& record, ExcelThread::Deadline deadline) {
+  const std::size_t total = record.addrs.size();
+  std::vector<std::string> left;
+  double deleted = 0;
+  bool inTime = true;
+  for (const auto& piece : HighlightStore::chunks(record.addrs, MOVE_MAX_ADDRS)) {
+    if (inTime) {
+      try {
+        deleted += numberOr0(thread_.callForTerminate(
+            "qx_cf_clear",
+            {JSONValue::Array(piece.begin(), piece.end()), record.book, record.sheet}, deadline));
+        continue;
+      } catch (const ExcelError& error) {
+        log_.log("ERROR", "terminate clear failed: " + error.message());
+        inTime = error.code() != ExcelError::timedOut;
+      }
+    }
+    left.insert(left.end(), piece.begin(), piece.end());
+  }
+  if (left.size() < total) {
+    log_.log("TERMINATE",
+             Marshal::encode(deleted) + " of " + std::to_string(total) + " recorded addresses");
+    record.single = std::nullopt;
+  }
+  record.addrs = std::move(left);
+  return inTime;
+}
+
+bool Bridge::hideForTerminate(UnhideStore::Record& record, ExcelThread::Deadline deadline) {
+  try {
+    thread_.callForTerminate(
+        "qx_unhide", {record.sheet, record.book, runArgs(record.rows), runArgs(record.cols), true},
+        deadline);
+    log_.log("UNHIDE", "restore sheet=" + record.sheet +
+                           " rows=" + std::to_string(record.rows.size()) +
+                           " cols=" + std::to_string(record.cols.size()) + " ok=true");
+    record.rows.clear();
+    record.cols.clear();
+    return true;
+  } catch (const ExcelError& error) {
+    log_.log("ERROR", "terminate restore failed: " + error.message());
+    return error.code() != ExcelError::timedOut;
+  }
+}
+
+}  // namespace quorin

@@ -1,0 +1,89 @@
+// Hiding and unhiding runs of rows and columns in Excel, and hiding again what reveals unhid.
+#include <algorithm>
+#include <exception>
+
+#include "kit/bridge/Bridge.h"
+#include "kit/bridge/RunArguments.h"
+#include "kit/shapes/HiddenRuns.h"
+
+namespace quorin {
+
+using BridgeShapes::HiddenRuns;
+
+namespace {
+
+constexpr double hideBudget = 8;
+
+std::string sizes(const HiddenRuns& runs, const std::string& sheet) {
+  return " sheet=" + sheet + " rows=" + std::to_string(runs.rows.size()) +
+         " cols=" + std::to_string(runs.cols.size());
+}
+
+HiddenRuns joined(const HiddenRuns& a, const HiddenRuns& b) {
+  HiddenRuns both = a;
+  both.rows.insert(both.rows.end(), b.rows.begin(), b.rows.end());
+  both.cols.insert(both.cols.end(), b.cols.begin(), b.cols.end());
+  return both;
+}
+
+}  // namespace
+
+std::optional<Bridge::Position> Bridge::positionOf(const JSONValue& polled) {
+  const auto text = [&polled](const char* key) -> const std::string* {
+    const JSONValue* const member = polled.member(key);
+    return member ? member->string() : nullptr;
+  };
+  if (!text("book") || !text("sheet") || !text("addr")) return std::nullopt;
+  const std::optional<BridgeShapes::Rect> cell = BridgeShapes::areaRect(*text("addr"));
+  if (!cell) return std::nullopt;
+  return Position{*text("book"), *text("sheet"), cell->r1, cell->c1};
+}
+
+// Hides again what is recorded but for the runs that hold the active cell or are to be shown.
+// Gives what must stay recorded. Throws nothing of Excel's.
+UnhideStore::Records Bridge::restoreUnhidden(const std::optional<Position>& active,
+                                             const std::optional<Kept>& keep) {
+  UnhideStore::Records remaining;
+  for (const UnhideStore::Record& record : unhide_.load()) {
+    const HiddenRuns recorded = record.runs();
+    HiddenRuns stays;
+    if (active && active->book == record.book && active->sheet == record.sheet)
+      stays = BridgeShapes::runsContaining(active->row, active->col, recorded);
+    if (keep && keep->book == record.book && keep->sheet == record.sheet)
+      stays = joined(stays, BridgeShapes::runsOverlapping(recorded, keep->runs));
+    const HiddenRuns goes = BridgeShapes::subtract(recorded, stays);
+    // In the order of the record.
+    if (hideAgain(record, goes)) {
+      const HiddenRuns left = BridgeShapes::subtract(recorded, goes);
+      remaining.push_back({record.book, record.sheet, left.rows, left.cols});
+    } else {
+      remaining.push_back(record);
+    }
+  }
+  return remaining;
+}
+
+// True when the runs need no record any more: they are hidden, or their sheet is gone.
+bool Bridge::hideAgain(const UnhideStore::Record& record, const HiddenRuns& runs) {
+  if (runs.isEmpty()) return true;
+  try {
+    setHidden(runs, record.book, record.sheet, true);
+    log_.log("UNHIDE", "restore" + sizes(runs, record.sheet) + " ok=true");
+    return true;
+  } catch (const ExcelError& error) {
+    log_.log("UNHIDE", "restore" + sizes(runs, record.sheet) + " ok=false: " + error.message());
+    if (!isStaleBookError(error.code())) return false;
+    log_.log("UNHIDE", "restore stale book=" + record.book + " sheet=" + record.sheet);
+    return true;
+  }
+}
+
+void Bridge::setHidden(const HiddenRuns& runs, const std::string& book, const std::string& sheet,
+                       bool hide) {
+  if (runs.isEmpty()) return;
+  thread_.call("qx_unhide", {sheet, book, runArgs(runs.rows), runArgs(runs.cols), hide},
+               hideBudget);
+  log_.log(hide ? "UNHIDE" : "REVEAL", (hide ? "restore" : "unhide") + sizes(runs, sheet));
+}
+
+}  // namespace quorin
