@@ -6,7 +6,10 @@
 namespace quorin::host {
 
 ExcelObjectModel::ExcelObjectModel(std::unique_ptr<Spreadsheet> spreadsheet, Clock clock)
-    : spreadsheet_(std::move(spreadsheet)), clock_(std::move(clock)), session_{*spreadsheet_} {}
+    : owned_(std::move(spreadsheet)), clock_(std::move(clock)), session_{*owned_} {}
+
+ExcelObjectModel::ExcelObjectModel(Spreadsheet& spreadsheet, Clock clock)
+    : clock_(std::move(clock)), session_{spreadsheet} {}
 
 ExcelObjectModel::~ExcelObjectModel() = default;
 
@@ -15,7 +18,7 @@ const script::Terminology& ExcelObjectModel::terminology() const {
 }
 
 bool ExcelObjectModel::isRunning() {
-  return spreadsheet_->isRunning();
+  return session_.spreadsheet.isRunning();
 }
 
 AppleEventReply ExcelObjectModel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {

@@ -1,5 +1,5 @@
 // ExcelObjectModel: a spreadsheet presented to scripts as the application "Microsoft Excel". Owns
-// the spreadsheet; made, used and destroyed on the call thread.
+// the spreadsheet, or is given one that outlives it; made, used and destroyed on the call thread.
 #pragma once
 
 #include <chrono>
@@ -17,6 +17,7 @@ class ExcelObjectModel : public script::Application {
 
   explicit ExcelObjectModel(std::unique_ptr<Spreadsheet> spreadsheet,
                             Clock clock = std::chrono::steady_clock::now);
+  explicit ExcelObjectModel(Spreadsheet& spreadsheet, Clock clock = std::chrono::steady_clock::now);
   ~ExcelObjectModel() override;
 
   std::string_view name() const override { return "Microsoft Excel"; }
@@ -28,7 +29,7 @@ class ExcelObjectModel : public script::Application {
   AppleEventReply send(const AppleEvent& event, std::chrono::milliseconds timeout) override;
 
  private:
-  std::unique_ptr<Spreadsheet> spreadsheet_;
+  const std::unique_ptr<Spreadsheet> owned_;  // or none
   Clock clock_;
   Session session_;
 };

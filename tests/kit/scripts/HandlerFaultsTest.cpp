@@ -16,6 +16,10 @@ struct Group {
   std::vector<HandlerRequest> (*requests)();
 };
 
+void PrintTo(const Group& group, std::ostream* out) {
+  *out << group.name;
+}
+
 enum class Fate { notCarriedOut, answerLost };
 
 class HandlerFaults : public testing::TestWithParam<Group> {
