@@ -13,7 +13,14 @@ export default ts.config(
       eqeqeq: 'error',
     },
   },
-  { files: ['src/view/**/*.tsx'], ...solid },
+  {
+    files: ['src/view/**/*.tsx'],
+    ...solid,
+    rules: {
+      ...solid.rules,
+      'solid/reactivity': ['warn', { customReactiveFunctions: ['look'] }],
+    },
+  },
   {
     // The core knows neither the document nor the framework, so that it runs anywhere.
     files: ['src/core/**/*.ts'],

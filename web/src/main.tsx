@@ -1,15 +1,24 @@
 // The page's beginning: the channel to the native side first, so that nothing sent to it is lost,
-// then the errors' way to the log, then the selection, then what is shown.
+// then the errors' way to the log, then who asks what, then what is shown.
 
+import { batch, createSignal } from 'solid-js';
 import { render } from 'solid-js/web';
 
 import { ErrorLog } from './core/diagnostics/ErrorLog';
+import { Explorer } from './core/explorer/Explorer';
+import { SheetFollower } from './core/follow/SheetFollower';
+import { Conveyor, Errands } from './core/protocol/Conveyor';
+import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
+import type { Colour, Verb, Verbs } from './core/protocol/verbs';
 import { SelectionTracker } from './core/selection/SelectionTracker';
 import { unnamedApplication } from './core/selection/sentences';
+import type { SelectionState } from './core/selection/state';
 import type { Clock } from './core/time/Clock';
+import { argumentSeparator } from './core/workbook/conventions';
 import { App } from './view/App';
-import { createSelection } from './view/createSelection';
+import { copyText } from './view/copyText';
+import type { Page } from './view/page';
 import './view/style.css';
 
 const clock: Clock = {
@@ -51,40 +60,194 @@ window.addEventListener('unhandledrejection', (event) => {
   errors.report('rejection', event.reason);
 });
 
-const selection = createSelection();
-const tracker = new SelectionTracker(
+// Changes are shown together, once whatever made them has run to its end.
+const [version, setVersion] = createSignal(0);
+let changePending = false;
+function changed(): void {
+  if (changePending) return;
+  changePending = true;
+  queueMicrotask(() => {
+    changePending = false;
+    setVersion((number) => number + 1);
+    conveyor.wake();
+  });
+}
+
+// One question to the spreadsheet at a time: the sheet that follows, then the selected cell, then
+// what the user opened, then values.
+const selectionErrands = new Errands();
+const errands = new Errands();
+function through(queue: Errands) {
+  return <V extends Verb>(
+    verb: V,
+    ...args: Verbs[V]['args']
+  ): Promise<Outcome<Verbs[V]['result']>> => queue.ask(() => client.ask(verb, ...args));
+}
+const askForSelection = through(selectionErrands);
+const ask = through(errands);
+
+const follower = new SheetFollower(
   {
-    probe: () => client.ask('probe'),
-    readCell: () => client.ask('readCell'),
-    readRange: (address) => client.ask('readRange', address),
+    markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
+    reveal: (addresses) => client.ask('reveal', addresses),
+    clearMarks: () => client.ask('clearMarks'),
   },
   clock,
-  selection.publish,
+  () => {
+    conveyor.wake();
+  },
+  changed,
 );
+const explorer = new Explorer({
+  questions: {
+    evaluate: (expression) => client.ask('evaluate', expression),
+    readRange: (address) => client.ask('readRange', address),
+    deepEval: (plan) => client.ask('deepEval', plan),
+    readFormulas: (address, style) => ask('readFormulas', address, style),
+    dependents: (address) => ask('dependents', address),
+    workbookMap: () => ask('workbookMap'),
+    select: (addresses) => ask('select', addresses),
+  },
+  follower,
+  clock,
+  changed,
+  wake() {
+    conveyor.wake();
+  },
+  leave(how) {
+    void client.ask(how === 'hide' ? 'hidePanel' : 'focusExcel');
+  },
+});
+
+const [selection, setSelection] = createSignal<SelectionState>({
+  status: 'starting',
+  fresh: false,
+  slow: false,
+  paused: false,
+});
+let separator: string | undefined;
+function showSelection(state: SelectionState): void {
+  const { content } = state;
+  const own = content && argumentSeparator(content.formula, content.formulaLocal);
+  if (own !== undefined && own !== separator) {
+    separator = own;
+    void client.ask('setConventions', { arg: own });
+  }
+  batch(() => {
+    setSelection(state);
+    explorer.selection(state);
+  });
+}
+const tracker = new SelectionTracker(
+  {
+    probe: () => askForSelection('probe'),
+    readCell: () => askForSelection('readCell'),
+    readRange: (address) => askForSelection('readRange', address),
+  },
+  clock,
+  showSelection,
+);
+
+let asleep = false;
+const conveyor = new Conveyor(
+  [
+    follower,
+    selectionErrands,
+    errands,
+    {
+      next: () =>
+        asleep || selection().status !== 'ready' ? undefined : explorer.evaluator.next(),
+    },
+  ],
+  (where, error) => {
+    errors.report(where, error);
+  },
+);
+selectionErrands.attach(conveyor);
+errands.attach(conveyor);
+
 client.listen((event) => {
+  asleep =
+    event.name === 'cleanHide' || (asleep && event.name !== 'summon' && event.name !== 'surface');
   tracker.handle(event);
+  explorer.handle(event);
+  // Beside the spreadsheet the panel does not have the keyboard; brought up, it begins at the tree.
+  if (event.name === 'surface' || (event.name === 'summon' && !event.resume)) focusView();
 });
 window.addEventListener('focus', () => {
   tracker.refresh();
 });
+function focusView(): void {
+  document.querySelector<HTMLElement>('[data-keys=all]')?.focus({ preventScroll: true });
+}
+
+const [said, setSaid] = createSignal('');
+const confirmationTime = 2_000;
+let cancelSaid = (): void => undefined;
+function say(text: string): void {
+  setSaid(text);
+  cancelSaid();
+  cancelSaid = clock.after(confirmationTime, () => setSaid(''));
+}
+
+const wideFrom = 640;
+const [wide, setWide] = createSignal(window.innerWidth >= wideFrom);
+window.addEventListener('resize', () => setWide(window.innerWidth >= wideFrom));
+
+const [colour, setColour] = createSignal<Colour>([255, 0, 255]);
+function useColour(next: Colour): void {
+  setColour(next);
+  follower.useColour(next);
+}
+void client.ask('getHighlightColor').then((outcome) => {
+  const [red, green, blue] = outcome.ok ? outcome.value : [];
+  if (red !== undefined && green !== undefined && blue !== undefined) useColour([red, green, blue]);
+});
+
+const page: Page = {
+  explorer,
+  follower,
+  look(read) {
+    version();
+    return read(explorer);
+  },
+  copy(text, what) {
+    void copyText(text).then((copied) => {
+      say(copied ? `${what} copied.` : `${what} could not be copied.`);
+    });
+  },
+  colour,
+  setColour(next) {
+    useColour(next);
+    void client.ask('setHighlightColor', next).then((outcome) => {
+      if (!outcome.ok) say('The colour could not be kept.');
+    });
+  },
+  wide,
+  setWide: (next) => void client.ask('setPanelWidth', next),
+  hide() {
+    follower.clear();
+    void client.ask('hidePanel');
+  },
+};
 
 const application =
   typeof window.__qxApp === 'string' && window.__qxApp !== '' ? window.__qxApp : unnamedApplication;
-
-const page = document.getElementById('page');
-if (!page) throw new Error('the document has no place for the page');
+const place = document.getElementById('page');
+if (!place) throw new Error('the document has no place for the page');
 render(
   () => (
     <App
+      page={page}
       application={application}
       platform={navigator.platform.startsWith('Mac') ? 'mac' : 'linux'}
-      selection={selection.state()}
+      selection={selection()}
+      said={said()}
       onRetry={() => {
         tracker.retry();
       }}
-      onLeave={() => void client.ask('focusExcel')}
     />
   ),
-  page,
+  place,
 );
 tracker.start();

@@ -4,70 +4,141 @@
 
 import { createSignal, onCleanup, onMount, Show, type JSX } from 'solid-js';
 
+import { commandOf, type Command } from '../core/keyboard/keys';
 import { sentenceFor, statusLine, type Platform } from '../core/selection/sentences';
 import type { SelectionState } from '../core/selection/state';
 import { CellView } from './CellView';
-import { copyText } from './copyText';
-import { Header } from './Header';
+import { Crumbs } from './Crumbs';
+import { FormulaPane } from './FormulaPane';
 import { Notice } from './Notice';
+import type { Page } from './page';
+import { PlaceListView } from './PlaceListView';
+import { ResultLine } from './ResultLine';
+import { StatusBar } from './StatusBar';
+import { TopBar } from './TopBar';
 
 export type AppProps = {
+  page: Page;
   application: string;
   platform: Platform;
   selection: SelectionState;
+  /** A confirmation of something done a moment ago. */
+  said: string;
   onRetry(): void;
-  /** The user is done here: the spreadsheet gets the keyboard back. */
-  onLeave(): void;
 };
 
-/** How long a confirmation stays at the foot of the page. */
-const confirmationTime = 2_000;
+/** Keys that a button or a scrolling frame needs for itself. */
+const ownKeys: ReadonlySet<Command['do']> = new Set<Command['do']>([
+  'move',
+  'drill',
+  'reveal',
+  'find',
+  'openSiblings',
+]);
 
 export function App(props: AppProps): JSX.Element {
   const sentence = () => sentenceFor(props.selection, props.application, props.platform);
-  const shown = () => (sentence() ? undefined : props.selection.content);
+  const view = () => props.page.look((explorer) => explorer.view);
+  const here = () => (sentence() ? undefined : props.page.look((explorer) => explorer.here));
+  const tree = () => here()?.tree;
   const dimmed = () => props.selection.status === 'busy' || props.selection.slow;
+  const notice = () => props.page.look((explorer) => explorer.notice);
+  const content = () => (here()?.text === '' ? props.selection.content : undefined);
+  const [drawer, setDrawer] = createSignal(false);
+  const place = () => here()?.place.addr ?? '';
 
-  const [confirmation, setConfirmation] = createSignal('');
-  let confirmationTimer: ReturnType<typeof setTimeout> | undefined;
-  const copy = async (text: string, what: string): Promise<void> => {
-    const copied = await copyText(text);
-    setConfirmation(copied ? `${what} copied.` : `${what} could not be copied.`);
-    clearTimeout(confirmationTimer);
-    confirmationTimer = setTimeout(() => setConfirmation(''), confirmationTime);
+  const press = (event: KeyboardEvent): void => {
+    if (event.defaultPrevented) return;
+    const { explorer } = props.page;
+    const key = { key: event.key, alt: event.altKey, control: event.ctrlKey, meta: event.metaKey };
+    const command = commandOf(key, explorer.finding);
+    if (!command) return;
+    const target = event.target as HTMLElement;
+    const isOurs = target === document.body || target.closest('[data-keys=all]') !== null;
+    if (!isOurs && ownKeys.has(command.do)) return;
+    if (command.do !== 'leave') event.preventDefault();
+    explorer.command(command);
   };
-
-  const leaveOnEscape = (event: KeyboardEvent): void => {
-    if (event.key === 'Escape' && !event.defaultPrevented) props.onLeave();
+  const entered = (): void => {
+    props.page.explorer.entered();
   };
   onMount(() => {
-    document.addEventListener('keydown', leaveOnEscape);
+    document.addEventListener('keydown', press);
+    window.addEventListener('focus', entered);
   });
   onCleanup(() => {
-    document.removeEventListener('keydown', leaveOnEscape);
-    clearTimeout(confirmationTimer);
+    document.removeEventListener('keydown', press);
+    window.removeEventListener('focus', entered);
   });
 
   return (
     <div class="page" classList={{ dimmed: dimmed(), noticed: sentence() !== undefined }}>
-      <Header cell={shown()} paused={props.selection.paused} />
-      <main class="body">
-        <Show when={shown()}>
-          {(cell) => <CellView cell={cell()} onCopy={(text, what) => void copy(text, what)} />}
+      <TopBar page={props.page} paused={props.selection.paused} />
+      <Show when={here()}>
+        <Crumbs
+          page={props.page}
+          details={props.page.wide() || !tree() || view() !== 'tree' ? undefined : drawer()}
+          onDetails={() => setDrawer(!drawer())}
+        />
+      </Show>
+      <main class="body" id="view" aria-label="View">
+        <Show when={!here()}>
+          <h1 class="offscreen">Quorin</h1>
         </Show>
         <Show when={sentence()}>
-          {(notice) => (
+          {(one) => (
             <Notice
-              sentence={notice()}
+              sentence={one()}
               waiting={props.selection.status === 'starting'}
               onRetry={props.onRetry}
             />
           )}
         </Show>
+        <Show when={here()}>
+          {(stop) => (
+            <>
+              <Show when={view() === 'tree'}>
+                <ResultLine page={props.page} stop={stop()} />
+                <Show when={tree()} keyed fallback={<CellView stop={stop()} content={content()} />}>
+                  <FormulaPane
+                    page={props.page}
+                    stop={stop()}
+                    details={props.page.wide() || drawer()}
+                  />
+                </Show>
+              </Show>
+              <Show when={view() === 'deps'}>
+                <PlaceListView
+                  page={props.page}
+                  list={props.page.explorer.dependents}
+                  name="Dependents"
+                  heading={`Cells that use ${place()}`}
+                  nothing={`No cell on this sheet uses ${place()}.`}
+                  missing="As the spreadsheet tells it: cells of the same sheet that name this one. What other sheets, INDIRECT or OFFSET use is not listed."
+                />
+              </Show>
+              <Show when={view() === 'map'}>
+                <PlaceListView
+                  page={props.page}
+                  list={props.page.explorer.map}
+                  name="Map"
+                  heading={stop().place.book}
+                  nothing="This workbook has no sheets."
+                  missing=""
+                />
+              </Show>
+            </>
+          )}
+        </Show>
       </main>
-      <p class="status" role="status" data-testid="state" data-state={props.selection.status}>
-        {sentence()?.title ?? (confirmation() || statusLine(props.selection, props.application))}
-      </p>
+      <StatusBar
+        page={props.page}
+        status={props.selection.status}
+        said={
+          sentence()?.title ??
+          (notice() || props.said || statusLine(props.selection, props.application))
+        }
+      />
     </div>
   );
 }

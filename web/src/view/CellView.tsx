@@ -1,150 +1,41 @@
-import { createEffect, createSignal, For, on, Show, type JSX } from 'solid-js';
+import { createEffect, createSignal, on, Show, type JSX } from 'solid-js';
 
 import { extentOf } from '../core/address/extent';
-import { visibleText } from '../core/format/visible';
-import { valueView, type ValueView } from '../core/format/value';
-import { highlight, type Piece } from '../core/formula/highlight';
+import type { Stop } from '../core/explorer/Trail';
+import { resultView } from '../core/format/resultView';
 import type { CellContent } from '../core/selection/state';
-import { CopyIcon, WarningIcon } from './icons';
 
 export type CellViewProps = {
-  cell: CellContent;
-  onCopy(text: string, what: string): void;
+  stop: Stop;
+  /** What was read of the selected cell, while that is the one shown. */
+  content: CellContent | undefined;
 };
 
-/** The selected cell: formula, value, and what else is selected around it. */
+/** A cell without a formula: what it is, its whole value, and what else is selected around it. */
 export function CellView(props: CellViewProps): JSX.Element {
-  return (
-    <div class="cell">
-      <div class="main">
-        <FormulaBlock cell={props.cell} onCopy={props.onCopy} />
-        <ValueBlock cell={props.cell} onCopy={props.onCopy} />
-      </div>
-      <dl class="extents">
-        <Extent name="Selection" address={props.cell.selection} testid="selection" />
-        <Extent name="Region" address={props.cell.region} testid="region" />
-      </dl>
-    </div>
-  );
-}
-
-function Block(props: {
-  title: string;
-  copy: string | undefined;
-  onCopy(text: string, what: string): void;
-  children: JSX.Element;
-}): JSX.Element {
-  return (
-    <section class="block" aria-label={props.title}>
-      <div class="blockHead">
-        <h2 class="label">{props.title}</h2>
-        <button
-          type="button"
-          class="iconButton"
-          aria-label={`Copy ${props.title.toLowerCase()}`}
-          title={`Copy ${props.title.toLowerCase()}`}
-          data-testid={`copy-${props.title.toLowerCase()}`}
-          disabled={props.copy === undefined}
-          onClick={() => {
-            if (props.copy !== undefined) props.onCopy(props.copy, props.title);
-          }}
-        >
-          <CopyIcon />
-        </button>
-      </div>
-      {props.children}
-    </section>
-  );
-}
-
-function FormulaBlock(props: CellViewProps): JSX.Element {
-  const isBlank = () => valueView(props.cell).type === 'Blank';
-  return (
-    <Block title="Formula" copy={props.cell.formula || undefined} onCopy={props.onCopy}>
-      <Show
-        when={props.cell.formula}
-        fallback={
-          <p class="absent" data-testid="no-formula">
-            {isBlank() ? 'This cell is empty.' : 'A constant: typed in, not calculated.'}
-          </p>
-        }
-      >
-        {(formula) => (
-          // A long formula scrolls within its frame, also by keyboard.
-          <code
-            class="formula"
-            dir="ltr"
-            tabindex="0"
-            data-testid="formula"
-            aria-label="Formula text"
-          >
-            <For each={highlight(formula())}>{(piece) => <FormulaPiece piece={piece} />}</For>
-          </code>
-        )}
-      </Show>
-    </Block>
-  );
-}
-
-/** Pieces up to this length stay on one line; it fits into the narrowest panel. */
-const unbrokenLength = 30;
-
-function FormulaPiece(props: { piece: Piece }): JSX.Element {
-  return (
-    <>
-      <span
-        class={`is-${props.piece.class}`}
-        classList={{
-          unbroken: props.piece.class !== 'plain' && props.piece.text.length <= unbrokenLength,
-        }}
-      >
-        {visibleText(props.piece.text)}
-      </span>
-      <Show when={props.piece.class === 'plain'}>
-        <wbr />
-      </Show>
-    </>
-  );
-}
-
-function ValueBlock(props: CellViewProps): JSX.Element {
   const [whole, setWhole] = createSignal(false);
   // A text is opened for the cell it stands in; the next cell begins closed again.
   createEffect(
     on(
-      () => [props.cell.book, props.cell.sheet, props.cell.addr].join('\n'),
+      () => Object.values(props.stop.place).join('\n'),
       () => setWhole(false),
       { defer: true },
     ),
   );
-  const value = () => valueView(props.cell, whole());
-  const canOpen = () => value().cut && !whole();
+  const value = () => resultView(props.stop.result, { isCell: true, whole: whole() });
   return (
-    <Block
-      title="Value"
-      copy={value().type === 'Blank' ? undefined : value().copy}
-      onCopy={props.onCopy}
-    >
-      <div
-        class={`value is-${value().type.toLowerCase()}`}
-        classList={{ long: value().text.length > 24 }}
-        tabindex={value().cut || whole() ? 0 : undefined}
-        data-testid="value"
-        data-type={value().type}
-        data-exact={value().type === 'Number' ? value().copy : undefined}
-        title={value().type === 'Number' ? value().copy : undefined}
-      >
-        <ValueText value={value()} />
-      </div>
+    <div class="cell">
+      <p class="absent" data-testid="no-formula">
+        {value().type === 'Blank' ? 'This cell is empty.' : 'A constant: typed in, not calculated.'}
+      </p>
+      <Show when={value().type === 'Text'}>
+        <div class="wholeText" tabindex="0" data-testid="whole-text">
+          <bdi>{value().text}</bdi>
+        </div>
+      </Show>
       <p class="note">
-        <span data-testid="type">{value().type}</span>
-        <Show when={value().note}>
-          <span class="dot" aria-hidden="true">
-            ·
-          </span>
-          <span data-testid="note">{value().note}</span>
-        </Show>
-        <Show when={canOpen()}>
+        <span data-testid="note">{value().note}</span>
+        <Show when={value().cut && !whole()}>
           <button
             type="button"
             class="textButton"
@@ -155,21 +46,15 @@ function ValueBlock(props: CellViewProps): JSX.Element {
           </button>
         </Show>
       </p>
-    </Block>
-  );
-}
-
-function ValueText(props: { value: ValueView }): JSX.Element {
-  return (
-    <Show
-      when={props.value.type === 'Error'}
-      fallback={<bdi>{props.value.type === 'Blank' ? 'Empty' : props.value.text}</bdi>}
-    >
-      <span class="chip">
-        <WarningIcon />
-        <bdi>{props.value.text}</bdi>
-      </span>
-    </Show>
+      <Show when={props.content}>
+        {(content) => (
+          <dl class="extents">
+            <Extent name="Selection" address={content().selection} testid="selection" />
+            <Extent name="Region" address={content().region} testid="region" />
+          </dl>
+        )}
+      </Show>
+    </div>
   );
 }
 

@@ -46,3 +46,45 @@ export function SheetPicture(): JSX.Element {
     </svg>
   );
 }
+
+export function GridIcon(): JSX.Element {
+  return (
+    <Icon>
+      <rect x="2.5" y="3.5" width="11" height="9" rx="1" />
+      <path d="M2.5 8h11M8 3.5v9" />
+    </Icon>
+  );
+}
+
+export function CloseIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="m4 4 8 8M12 4l-8 8" />
+    </Icon>
+  );
+}
+
+export function WidthIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="M2.5 8h11M5.5 5l-3 3 3 3M10.5 5l3 3-3 3" />
+    </Icon>
+  );
+}
+
+export function PinIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="M6 2.5h4l-.5 4.5 2.5 2.5H4L6.500 7ZM8 9.500v4.500" />
+    </Icon>
+  );
+}
+
+export function DetailsIcon(): JSX.Element {
+  return (
+    <Icon>
+      <rect x="2.5" y="3" width="11" height="10" rx="1.5" />
+      <path d="M2.5 9h11M5 11h6" />
+    </Icon>
+  );
+}

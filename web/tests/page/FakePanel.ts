@@ -31,7 +31,11 @@ function installFakeNativeSide(application: string | undefined): void {
         qx: {
           postMessage(body: Posted) {
             side.posted.push(body);
-            const answer = side.answers[body.verb];
+            // An answer for this very question counts more than one for its verb.
+            const [first] = body.args;
+            const question = Array.isArray(first) ? first.join() : first;
+            const answer =
+              side.answers[`${body.verb} ${String(question)}`] ?? side.answers[body.verb];
             const page = window as unknown as {
               __qxResolve: (id: number, envelope: Answer) => void;
             };
@@ -82,6 +86,11 @@ export class Browser {
     await rm(this.profile, { recursive: true, force: true, maxRetries: 5 });
   }
 
+  /** A page without anything, for work that only a browser can do. */
+  blank(): Promise<Page> {
+    return this.context.newPage();
+  }
+
   async open(
     answers: Record<string, Answer>,
     application: string | undefined = 'LibreOffice Calc',
@@ -127,6 +136,26 @@ export class FakePanel {
     await this.page
       .locator(`[data-testid=state][data-state=${state}]`)
       .waitFor({ state: 'attached' });
+  }
+
+  /** Waits until the formula was compared with its cell. */
+  async verified(state: string): Promise<void> {
+    await this.page
+      .locator(`[data-testid=verification][data-state=${state}]`)
+      .waitFor({ state: 'attached' });
+  }
+
+  /** Waits until no question has been open for some frames. */
+  async settled(): Promise<void> {
+    await this.page.evaluate(async () => {
+      const { side } = window as unknown as PageWindow;
+      for (let quiet = 0, seen = -1; quiet < 5; quiet++) {
+        if (seen !== side.posted.length) quiet = 0;
+        seen = side.posted.length;
+        await new Promise((resolve) => setTimeout(resolve, 0));
+        await new Promise((resolve) => requestAnimationFrame(resolve));
+      }
+    });
   }
 
   async lay(verb: string, answer: Answer | undefined): Promise<void> {

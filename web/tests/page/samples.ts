@@ -26,9 +26,59 @@ export function cell(more: Record<string, unknown> = {}): Answer {
 
 export const longFormula = `=IFERROR(IF(AND($B$4>0,Inputs!$C$7<>"off"),SUMIFS('Energy yield'!$F$8:$F$371,'Energy yield'!$B$8:$B$371,">="&F$5,'Energy yield'!$B$8:$B$371,"<"&EDATE(F$5,1))*INDEX(Prices[Merchant],MATCH(YEAR(F$5),Prices[Year],0))*(1+Inflation)^(YEAR(F$5)-BaseYear)-MAX(0,F31-F$14)*0.5%,NA()),#N/A)`;
 
+export const value = (given: unknown) => success({ ok: true, value: given });
+export const error = (text: string) => success({ ok: false, kind: 'excelError', message: text });
+export const range = (values: unknown[][]) =>
+  success({ rows: values.length, cols: values[0]?.length ?? 0, values });
+
 export const ready = (more: Record<string, unknown> = {}): Record<string, Answer> => ({
   probe: probe('ok'),
   readCell: cell(more),
+  readRange: failure({ kind: 'transport', message: 'not laid ready' }),
+  evaluate: success({ ok: false, kind: 'transport', message: 'not laid ready' }),
+  markCells: success({ applied: 1, shadowed: false, moved: true }),
+  reveal: success({ revealed: true, activated: false }),
+  clearMarks: success({ removed: 1 }),
+  select: success({ areas: 1 }),
+  getHighlightColor: success([255, 0, 255]),
+  setHighlightColor: success(null),
+  setPanelWidth: success(null),
+  setConventions: success(null),
+  hidePanel: success(null),
   log: success(null),
   focusExcel: success(null),
 });
+
+/** A cell of a model, with the values of everything in its formula. */
+export const model: Record<string, Answer> = {
+  ...ready({ formula: '=IF(B4>0,SUM(Data!C2:C5)/B4,0)', value: 1284.5 }),
+  "readRange 'Cash flow'!B4": range([[12]]),
+  "readRange 'Data'!C2:C5": range([[4_000], [3_800.25], [3_613.75], [4_000]]),
+  "evaluate 'Cash flow'!B4>0": value(true),
+  'evaluate SUM(Data!C2:C5)': value(15_414),
+  "evaluate SUM(Data!C2:C5)/'Cash flow'!B4": value(1284.5),
+  "evaluate IF('Cash flow'!B4>0,SUM(Data!C2:C5)/'Cash flow'!B4,0)": value(1284.5),
+  [`evaluate CELL("format",'Cash flow'!F12)&"|"&CELL("format",'Cash flow'!B4)`]: value(',2|G'),
+  "readFormulas 'Data'!C2": success({
+    rows: 1,
+    cols: 1,
+    formulas: [['=B2*Rate']],
+    values: [[4_000]],
+  }),
+  "readFormulas 'Cash flow'!B4": success({ rows: 1, cols: 1, formulas: [['']], values: [[12]] }),
+  "dependents 'Cash flow'!F12": success("$G$12,$D$20:$F$31,'Summary'!$B$4"),
+  workbookMap: success({
+    book: 'Solar park.xlsx',
+    sheets: [
+      { name: 'Cash flow', usedRange: '$A$1:$N$48' },
+      { name: 'Data', usedRange: '$A$1:$H$371' },
+      { name: 'Empty', usedRange: null },
+    ],
+    sheetsTruncated: false,
+    names: [
+      { name: 'Rate', refersTo: '=Data!$B$1' },
+      { name: 'Old', refersTo: '=#REF!$A$1' },
+      { name: 'Prices', refersTo: "='[Prices.xlsx]2024'!$A$1:$B$9" },
+    ],
+  }),
+};

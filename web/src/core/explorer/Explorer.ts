@@ -1,0 +1,335 @@
+// What the page shows and what its keys do: one cell's formula as a tree (or one of the two lists),
+// the way the user came, and the sheet that follows. Holds no element of the document; whoever draws
+// it is told when something changed and looks again.
+
+import { Evaluator } from '../evaluation/Evaluator';
+import type { EvaluationQuestions } from '../evaluation/Asker';
+import { ResultCache } from '../evaluation/ResultCache';
+import type { SheetFollower } from '../follow/SheetFollower';
+import { print } from '../formula/print';
+import type { Command } from '../keyboard/keys';
+import { TypeAhead } from '../keyboard/TypeAhead';
+import type { Item } from '../outline/Item';
+import type { NativeEvent, ViewName } from '../protocol/events';
+import type { Outcome } from '../protocol/Outcome';
+import type { RangeFormulas, WorkbookMap } from '../protocol/verbs';
+import type { CellContent, SelectionState } from '../selection/state';
+import type { Clock } from '../time/Clock';
+import { dependentRows, mapRows } from '../workbook/PlaceList';
+import type { Place } from '../workbook/places';
+import { PlaceView } from '../workbook/PlaceView';
+import { qualified } from '../address/area';
+import { destinationOf } from './destination';
+import { leadOf } from './lead';
+import { homeOf, stopAt, stopOf } from './stops';
+import { samePlace, Trail, type Stop } from './Trail';
+
+export type ExplorerQuestions = EvaluationQuestions & {
+  readFormulas(address: string, style: 'a1'): Promise<Outcome<RangeFormulas>>;
+  dependents(address: string): Promise<Outcome<string>>;
+  workbookMap(): Promise<Outcome<WorkbookMap>>;
+  select(addresses: readonly string[]): Promise<Outcome<{ areas: number }>>;
+};
+
+export type ExplorerPorts = {
+  questions: ExplorerQuestions;
+  follower: SheetFollower;
+  clock: Clock;
+  /** Something shown may have changed, or there may be something to ask. */
+  changed(): void;
+  /** There may be something to ask. */
+  wake(): void;
+  /** The spreadsheet gets the keyboard back, or the panel goes. */
+  leave(how: 'focus' | 'hide'): void;
+};
+
+const pageRows = 10;
+
+export class Explorer {
+  readonly trail = new Trail();
+  readonly cache = new ResultCache();
+  readonly evaluator: Evaluator;
+  readonly dependents: PlaceView;
+  readonly map: PlaceView;
+  view: ViewName = 'tree';
+  pinned = false;
+  /** What went wrong with the user's last wish; empty when nothing did. */
+  notice = '';
+  private latest: CellContent | undefined;
+  private left = false;
+  private readonly typing: TypeAhead;
+
+  constructor(private readonly ports: ExplorerPorts) {
+    this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
+    this.dependents = new PlaceView(ports.changed);
+    this.map = new PlaceView(ports.changed);
+    this.typing = new TypeAhead(ports.clock);
+  }
+
+  get here(): Stop | undefined {
+    return this.trail.here;
+  }
+
+  get finding(): boolean {
+    return this.typing.active;
+  }
+
+  get list(): PlaceView | undefined {
+    return this.view === 'tree' ? undefined : this.view === 'deps' ? this.dependents : this.map;
+  }
+
+  /** The selected cell was read, or cannot be. */
+  selection(state: SelectionState): void {
+    const { content } = state;
+    if (state.status !== 'ready' || !state.fresh || !content || content === this.latest) return;
+    this.latest = content;
+    // It was read because something may have happened to the workbook.
+    this.cache.enter(content.book);
+    this.cache.clear();
+    this.map.forget();
+    this.dependents.forget();
+    if (!this.pinned) this.begin(content);
+  }
+
+  handle(event: NativeEvent): void {
+    this.left = false;
+    if (event.name === 'surface') this.show(event.view);
+    if (event.name === 'step') this.step(event.direction);
+    if (event.name === 'cleanHide') this.ports.follower.clear();
+  }
+
+  /** The panel has the keyboard again. */
+  entered(): void {
+    this.left = false;
+  }
+
+  show(view: ViewName): void {
+    this.view = view;
+    this.loadList();
+    this.ports.changed();
+  }
+
+  command(command: Command): void {
+    if (command.do !== 'leave') this.left = false;
+    this.notice = '';
+    switch (command.do) {
+      case 'view':
+        this.show(command.view);
+        return;
+      case 'back':
+        this.go(this.trail.index - 1);
+        return;
+      case 'forward':
+        this.go(this.trail.index + 1);
+        return;
+      case 'pin':
+        this.pin(!this.pinned);
+        return;
+      case 'leave':
+        this.leave();
+        return;
+      default:
+        if (this.list) this.inList(this.list, command);
+        else if (this.here?.tree) this.inTree(this.here, command);
+        this.ports.changed();
+    }
+  }
+
+  /** Takes the row as the active one; the sheet follows. */
+  activate(item: Item): void {
+    this.here?.tree?.activate(item);
+    this.follow();
+    this.ports.changed();
+  }
+
+  /** The user wants a value that is asked for only then. */
+  want(item: Item): void {
+    this.evaluator.want(item);
+    this.ports.changed();
+  }
+
+  /** These items are in sight, the nearest to the active one first. */
+  see(items: readonly Item[]): void {
+    this.evaluator.look(items);
+    this.ports.wake();
+  }
+
+  /** Takes a row of the list as the active one. */
+  choose(index: number): void {
+    this.list?.activate(index);
+    this.follow();
+    this.ports.changed();
+  }
+
+  toggle(item: Item): void {
+    this.here?.tree?.toggle(item);
+    this.ports.changed();
+  }
+
+  pin(pinned: boolean): void {
+    this.pinned = pinned;
+    const { latest, here } = this;
+    if (!pinned && latest && !(here && samePlace(here.place, latest))) this.begin(latest);
+    this.ports.changed();
+  }
+
+  go(index: number): void {
+    if (!this.trail.go(index)) return;
+    this.enter();
+  }
+
+  /** Opens the cell that the item leads to. */
+  async drill(item: Item): Promise<void> {
+    const { here } = this;
+    if (!here) return;
+    const lead = await leadOf(item, homeOf(here), this.ports.questions);
+    if (here !== this.here) return;
+    if (lead) await this.visit(lead.sheet, lead.address);
+    else {
+      this.notice = 'No cell stands behind this part.';
+      this.ports.changed();
+    }
+  }
+
+  /** Opens a cell without moving the spreadsheet's selection. */
+  async visit(sheet: string, address: string): Promise<void> {
+    const { here } = this;
+    const book = here?.place.book ?? this.latest?.book ?? '';
+    const outcome = await this.ports.questions.readFormulas(qualified(sheet, address), 'a1');
+    if (here !== this.here) return;
+    const stop = outcome.ok ? stopAt({ book, sheet, addr: address }, outcome.value) : undefined;
+    if (stop) {
+      this.trail.push(stop);
+      this.view = 'tree';
+      this.enter();
+      this.ports.follower.follow({
+        label: `${sheet}!${address}`,
+        addresses: [qualified(sheet, address)],
+      });
+      return;
+    }
+    this.notice = outcome.ok ? 'This cell cannot be read.' : outcome.failure.message;
+    this.ports.changed();
+  }
+
+  /** Selects the active row's cells in the spreadsheet itself. */
+  async select(): Promise<void> {
+    const destination = this.destination();
+    if (!destination) return;
+    const outcome = await this.ports.questions.select(destination.addresses);
+    this.notice = outcome.ok ? `Selected ${destination.label}.` : outcome.failure.message;
+    this.ports.changed();
+  }
+
+  private begin(content: CellContent): void {
+    const { here } = this;
+    const stop = stopOf(content);
+    const sameFormula = here?.text === stop.text && samePlace(here.place, stop.place);
+    // Read again: what was open stays open, and the way that led here stays, too.
+    if (here && sameFormula) here.result = stop.result;
+    else this.trail.begin(stop);
+    this.enter();
+  }
+
+  private enter(): void {
+    const { here } = this;
+    this.evaluator.show(
+      here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
+    );
+    this.dependents.forget();
+    this.loadList();
+    this.ports.changed();
+  }
+
+  private loadList(): void {
+    const { here, ports } = this;
+    const { questions } = ports;
+    if (this.view === 'map') this.map.load('map', () => questions.workbookMap(), mapRows);
+    if (this.view !== 'deps' || !here) return;
+    const address = qualified(here.place.sheet, here.place.addr);
+    this.dependents.load(
+      `${here.place.book}\n${address}`,
+      () => questions.dependents(address),
+      (answer) => dependentRows(answer, here.place.sheet),
+    );
+  }
+
+  private inTree(here: Stop, command: Command): void {
+    const { tree } = here;
+    if (!tree) return;
+    const before = tree.active;
+    if (command.do === 'move') tree.move(command.how, pageRows);
+    if (command.do === 'openSiblings') tree.openSiblings();
+    if (command.do === 'find') {
+      tree.find(this.typing.add(command.character), ({ node }) => print(node));
+    }
+    if (command.do === 'finding') this.toFinding(here, command.direction);
+    if (command.do === 'drill') void this.drill(tree.active);
+    if (command.do === 'reveal') this.reveal();
+    if (tree.active !== before) this.follow();
+  }
+
+  private inList(list: PlaceView, command: Command): void {
+    const before = list.active;
+    if (command.do === 'move') list.move(command.how, pageRows);
+    if (command.do === 'finding') list.find(command.direction);
+    if (command.do === 'reveal') this.reveal();
+    const place = list.active?.place;
+    if (command.do === 'drill' && place) void this.visitPlace(place);
+    if (list.active !== before) this.follow();
+  }
+
+  async visitPlace(place: Place): Promise<void> {
+    const sheet = place.sheet ?? this.here?.place.sheet;
+    if (sheet !== undefined) await this.visit(sheet, place.first);
+  }
+
+  private toFinding({ tree }: Stop, direction: 1 | -1): void {
+    if (!tree) return;
+    const failing = tree.outline.items.filter(
+      (item) => this.evaluator.resultOf(item)?.kind === 'error',
+    );
+    const beyond = failing.filter((item) => (item.id - tree.active.id) * direction > 0);
+    const next = direction > 0 ? beyond[0] : beyond.at(-1);
+    const item = next ?? (direction > 0 ? failing[0] : failing.at(-1));
+    if (item) tree.activate(item);
+  }
+
+  /** A step from inside the spreadsheet, which keeps the keyboard. */
+  private step(direction: 1 | -1): void {
+    const how = direction > 0 ? 'down' : 'up';
+    if (this.list) this.list.move(how, pageRows);
+    else this.here?.tree?.move(how);
+    this.follow();
+    this.ports.changed();
+  }
+
+  destination() {
+    const { here, list } = this;
+    const place = list?.active?.place;
+    if (list) {
+      const sheet = place?.sheet ?? here?.place.sheet;
+      if (!place || sheet === undefined) return undefined;
+      return { label: `${sheet}!${place.address}`, addresses: [qualified(sheet, place.address)] };
+    }
+    return here?.tree && destinationOf(here.tree.active, homeOf(here));
+  }
+
+  private follow(): void {
+    this.ports.follower.follow(this.destination());
+  }
+
+  private reveal(): void {
+    const destination = this.destination();
+    if (!destination) this.notice = 'This part names no cells.';
+    else if (this.ports.follower.current.able) this.ports.follower.go(destination);
+    else void this.select();
+  }
+
+  /** First everything of ours and the keyboard go back, then the panel goes. */
+  private leave(): void {
+    this.ports.follower.clear();
+    this.ports.leave(this.left ? 'hide' : 'focus');
+    this.left = true;
+  }
+}

@@ -1,0 +1,30 @@
+// Which cells of the workbook a part of a formula stands for. Pure.
+
+import { qualified } from '../address/area';
+import type { Home } from '../evaluation/expression';
+import { areaAddress } from '../evaluation/readPlan';
+import { targetOf } from '../evaluation/routes';
+import { lookUp } from '../evaluation/Scope';
+import type { Destination } from '../follow/SheetFollower';
+import { count } from '../format/words';
+import { walk } from '../formula/syntax';
+import type { Item } from '../outline/Item';
+
+/** The cells that the item names, or that its parts name; nothing where there are none. */
+export function destinationOf(item: Item, home: Home): Destination | undefined {
+  const addresses = new Set<string>();
+  let label = '';
+  walk(item.node, (node) => {
+    const target = targetOf(node, item.scope, home);
+    if (target && node.kind !== 'group') {
+      label = `${target.sheet}!${areaAddress(target.area)}`;
+      addresses.add(qualified(target.sheet, areaAddress(target.area)));
+    } else if (node.kind === 'name' && !lookUp(item.scope, node.name)) {
+      label = node.prefix + node.name;
+      addresses.add(node.prefix + node.name);
+    }
+  });
+  if (addresses.size === 0) return undefined;
+  if (addresses.size > 1) label = count(addresses.size, 'area');
+  return { label, addresses: [...addresses] };
+}

@@ -1,0 +1,152 @@
+// Lets the sheet follow the page: marks and shows the cells of the active row a moment after it
+// became the active one, and takes everything back when asked. What the page has put into the
+// workbook is always known here.
+
+import { count } from '../format/words';
+import type { Job, Source } from '../protocol/Conveyor';
+import type { Failure, Outcome } from '../protocol/Outcome';
+import type { Colour, Marked, Revealed } from '../protocol/verbs';
+import type { Cancel, Clock } from '../time/Clock';
+
+export type FollowQuestions = {
+  markCells(addresses: readonly string[], colour: Colour): Promise<Outcome<Marked>>;
+  reveal(addresses: readonly string[]): Promise<Outcome<Revealed>>;
+  clearMarks(): Promise<Outcome<{ removed: number }>>;
+};
+
+/** Cells to show: what they are called, and their addresses with their sheets. */
+export type Destination = { label: string; addresses: readonly string[] };
+
+/** The active row has to stay the active one this long. */
+export const followAfter = 80;
+/** The native side takes no more at once. */
+export const addressLimit = 200;
+
+const defaultColour: Colour = [255, 0, 255];
+
+export type FollowState = {
+  /** What is marked now; empty for nothing. */
+  marked: string;
+  /** Whether rows or columns were unhidden, or marks may be left of an attempt that failed. */
+  changed: boolean;
+  notes: string[];
+  /** Whether the native side can mark at all. */
+  able: boolean;
+};
+
+export class SheetFollower implements Source {
+  private wanted: Destination | undefined;
+  private clearing = false;
+  private cancel: Cancel | undefined;
+  private colour: Colour = defaultColour;
+  private state: FollowState = { marked: '', changed: false, notes: [], able: true };
+
+  constructor(
+    private readonly questions: FollowQuestions,
+    private readonly clock: Clock,
+    /** There is something to ask. */
+    private readonly wake: () => void,
+    private readonly publish: (state: FollowState) => void,
+  ) {}
+
+  get current(): FollowState {
+    return this.state;
+  }
+
+  useColour(colour: Colour): void {
+    this.colour = colour;
+  }
+
+  /** Marks and shows these cells soon, unless others come first. */
+  follow(destination: Destination | undefined): void {
+    this.cancel?.();
+    if (!destination || destination.addresses.length === 0) return;
+    this.cancel = this.clock.after(followAfter, () => {
+      this.go(destination);
+    });
+  }
+
+  /** Marks and shows them now. */
+  go(destination: Destination): void {
+    this.cancel?.();
+    if (!this.state.able) return;
+    this.clearing = false;
+    this.wanted = destination;
+    this.wake();
+  }
+
+  /** Takes everything back. */
+  clear(): void {
+    this.cancel?.();
+    this.wanted = undefined;
+    this.clearing = this.state.able;
+    this.wake();
+  }
+
+  next(): Job | undefined {
+    if (this.clearing) {
+      this.clearing = false;
+      return () => this.takeBack();
+    }
+    const { wanted } = this;
+    if (!wanted) return undefined;
+    this.wanted = undefined;
+    return () => this.show(wanted);
+  }
+
+  private async show(destination: Destination): Promise<void> {
+    const addresses = destination.addresses.slice(0, addressLimit);
+    const notes: string[] = [];
+    if (destination.addresses.length > addressLimit) {
+      notes.push(
+        `Only the first ${count(addressLimit, 'area')} of ${destination.addresses.length.toString()} are marked.`,
+      );
+    }
+    const marked = await this.questions.markCells(addresses, this.colour);
+    if (!marked.ok) {
+      this.failed(marked.failure);
+      return;
+    }
+    if (marked.value.shadowed) {
+      notes.push('A rule of yours lies on these cells, so marking them cleared the undo history.');
+    }
+    const { changed } = this.state;
+    this.change({ marked: destination.label, changed, notes, able: true });
+    // Something newer is wanted already, or nothing at all: the sheet need not move for this.
+    if (this.wanted || this.clearing) return;
+    const revealed = await this.questions.reveal(addresses);
+    if (!revealed.ok) {
+      this.change({ ...this.state, notes: [...notes, sentence(revealed.failure)] });
+      return;
+    }
+    const { reason, unhid } = revealed.value;
+    if (reason === 'multi-sheet') notes.push('On several sheets: marked, not scrolled to.');
+    else if (reason === 'unbound') notes.push('Not scrolled to: there are no such cells.');
+    if (unhid) notes.push(`Shown for now: ${unhid}.`);
+    this.change({ ...this.state, changed: changed || unhid !== undefined, notes });
+  }
+
+  private async takeBack(): Promise<void> {
+    const cleared = await this.questions.clearMarks();
+    if (cleared.ok) this.change({ marked: '', changed: false, notes: [], able: true });
+    else if (this.state.able) this.failed(cleared.failure);
+  }
+
+  private failed(failure: Failure): void {
+    // A native side without these verbs: offered is what it has.
+    const able = !failure.message.startsWith('unknown verb');
+    const notes = able ? [`Not marked: ${sentence(failure)}`] : [];
+    this.change({ ...this.state, changed: this.state.changed || able, notes, able });
+  }
+
+  private change(state: FollowState): void {
+    this.state = state;
+    this.publish(state);
+  }
+}
+
+function sentence(failure: Failure): string {
+  return failure.kind === 'timeout' || failure.kind === 'unanswered'
+    ? 'the spreadsheet took too long.'
+    : failure.message || 'the spreadsheet refused.';
+}

@@ -1,0 +1,63 @@
+// What a key means on the page. Pure: an event's names in, a command out.
+
+import type { Move } from '../outline/TreeModel';
+import type { ViewName } from '../protocol/events';
+
+export type Command =
+  | { do: 'move'; how: Move }
+  | { do: 'openSiblings' | 'drill' | 'back' | 'forward' | 'reveal' | 'pin' | 'leave' }
+  | { do: 'finding'; direction: 1 | -1 }
+  | { do: 'view'; view: ViewName }
+  | { do: 'find'; character: string };
+
+export type Key = { key: string; alt: boolean; control: boolean; meta: boolean };
+
+const moves: Record<string, Move | undefined> = {
+  ArrowUp: 'up',
+  ArrowDown: 'down',
+  ArrowRight: 'in',
+  ArrowLeft: 'out',
+  PageUp: 'pageUp',
+  PageDown: 'pageDown',
+  Home: 'first',
+  End: 'last',
+};
+
+const views: Record<string, ViewName | undefined> = { '1': 'tree', '2': 'deps', '3': 'map' };
+
+/** `finding`: a search by typing is under way, so that every character belongs to it. */
+export function commandOf(key: Key, finding: boolean): Command | undefined {
+  if (key.control || key.meta) return undefined;
+  if (key.alt) {
+    if (key.key === 'ArrowLeft') return { do: 'back' };
+    return key.key === 'ArrowRight' ? { do: 'forward' } : undefined;
+  }
+  const how = moves[key.key];
+  if (how) return { do: 'move', how };
+  if (finding && key.key.length === 1) return { do: 'find', character: key.key };
+  const view = views[key.key];
+  if (view) return { do: 'view', view };
+  switch (key.key) {
+    case 'Enter':
+      return { do: 'drill' };
+    case 'Backspace':
+      return { do: 'back' };
+    case ' ':
+      return { do: 'reveal' };
+    case '*':
+      return { do: 'openSiblings' };
+    case 'n':
+    case 'N':
+      return { do: 'finding', direction: 1 };
+    case 'p':
+    case 'P':
+      return { do: 'finding', direction: -1 };
+    case 'f':
+    case 'F':
+      return { do: 'pin' };
+    case 'Escape':
+      return { do: 'leave' };
+    default:
+      return key.key.length === 1 ? { do: 'find', character: key.key } : undefined;
+  }
+}

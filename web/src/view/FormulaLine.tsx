@@ -1,0 +1,89 @@
+import { createEffect, createMemo, For, on, Show, type JSX } from 'solid-js';
+
+import { visibleText } from '../core/format/visible';
+import { highlight } from '../core/formula/highlight';
+import { CopyIcon } from './icons';
+import type { Page } from './page';
+
+/** Pieces up to this length stay on one line; it fits into the narrowest panel. */
+const unbrokenLength = 30;
+
+/** The formula's text: the part of the active row is marked, and a click makes its row active. */
+export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
+  const pieces = createMemo(() => {
+    let start = 0;
+    return highlight(props.text).map((piece) => {
+      const at = start;
+      start += piece.text.length;
+      return { ...piece, start: at };
+    });
+  });
+  let code: HTMLElement | undefined;
+  const span = createMemo(() => {
+    const node = props.page.look((explorer) => explorer.here?.tree?.active.node);
+    return node ? `${String(node.start)}:${String(node.end)}` : '';
+  });
+  const mark = (marked: string): void => {
+    if (!code) return;
+    const [start = 0, end = 0] = marked.split(':').map(Number);
+    // A formula may have thousands of pieces: only those that change are touched.
+    for (const old of code.querySelectorAll('.current')) old.classList.remove('current');
+    const whole = pieces();
+    if (end - start >= props.text.trimEnd().length - 1) return;
+    whole.forEach((piece, i) => {
+      if (piece.start < start || piece.start + piece.text.length > end) return;
+      code?.children[i]?.classList.add('current');
+    });
+    // Bringing it into view may not scroll anything but the formula itself.
+    const first = code.querySelector<HTMLElement>('.current');
+    if (first) code.scrollTop = Math.max(0, first.offsetTop - code.offsetTop - 24);
+  };
+  createEffect(on([span, pieces], ([marked]) => mark(marked)));
+  const choose = (event: MouseEvent): void => {
+    const at = (event.target as HTMLElement).dataset.start;
+    const tree = props.page.explorer.here?.tree;
+    if (at !== undefined && tree) props.page.explorer.activate(tree.itemAt(Number(at)));
+  };
+  return (
+    <section class="formulaBlock" aria-label="Formula">
+      {/* A long formula scrolls within its frame, also by keyboard; clicking is a short cut for
+          what the tree's keys do. */}
+      <code
+        class="formula"
+        dir="ltr"
+        tabindex="0"
+        data-testid="formula"
+        aria-label="Formula text"
+        ref={(element) => (code = element)}
+        onClick={choose}
+      >
+        <For each={pieces()}>
+          {(piece) => (
+            <span
+              class={`is-${piece.class}`}
+              classList={{
+                unbroken: piece.class !== 'plain' && piece.text.length <= unbrokenLength,
+              }}
+              data-start={piece.start}
+            >
+              {visibleText(piece.text)}
+              <Show when={piece.class === 'plain'}>
+                <wbr />
+              </Show>
+            </span>
+          )}
+        </For>
+      </code>
+      <button
+        type="button"
+        class="iconButton"
+        data-testid="copy-formula"
+        aria-label="Copy formula"
+        title="Copy formula"
+        onClick={() => props.page.copy(props.text, 'Formula')}
+      >
+        <CopyIcon />
+      </button>
+    </section>
+  );
+}

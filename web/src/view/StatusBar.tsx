@@ -1,0 +1,61 @@
+import { For, Show, type JSX } from 'solid-js';
+
+import { oneLine } from '../core/format/visible';
+import type { SelectionStatus } from '../core/selection/state';
+import type { Page } from './page';
+
+export type StatusBarProps = {
+  page: Page;
+  status: SelectionStatus;
+  /** The sentence of the moment; empty for none. */
+  said: string;
+};
+
+/** The foot: where one is in the tree, what was said last, and what of ours is in the workbook. */
+export function StatusBar(props: StatusBarProps): JSX.Element {
+  const step = () =>
+    props.page.look(({ view, here }) => {
+      const tree = view === 'tree' ? here?.tree : undefined;
+      if (!tree) return '';
+      return `Step ${String(tree.activeIndex + 1)} of ${String(tree.rows.length)}`;
+    });
+  const follow = () => props.page.look(() => props.page.follower.current);
+  const marked = () => follow().marked !== '' || follow().changed;
+  return (
+    <footer class="foot">
+      <For each={follow().notes}>
+        {(note) => (
+          <p class="footNote" data-testid="sheet-note">
+            {oneLine(note)}
+          </p>
+        )}
+      </For>
+      <div class="footLine">
+        <span class="footStep" data-testid="step">
+          {step()}
+        </span>
+        <p class="status" role="status" data-testid="state" data-state={props.status}>
+          {props.said}
+        </p>
+        <Show when={marked()}>
+          <span class="footMarked" data-testid="marked">
+            {follow().marked === ''
+              ? 'Something of ours may be left on the sheet'
+              : `Highlighted ${oneLine(follow().marked)}`}
+          </span>
+          <button
+            type="button"
+            class="textButton"
+            data-testid="clear"
+            title="Esc"
+            onClick={() => {
+              props.page.follower.clear();
+            }}
+          >
+            Clear
+          </button>
+        </Show>
+      </div>
+    </footer>
+  );
+}

@@ -1,0 +1,19 @@
+// What every part of the page is given: the explorer, and a way to look at it again whenever it has
+// changed.
+
+import type { Explorer } from '../core/explorer/Explorer';
+import type { SheetFollower } from '../core/follow/SheetFollower';
+import type { Colour } from '../core/protocol/verbs';
+
+export type Page = {
+  explorer: Explorer;
+  follower: SheetFollower;
+  /** What `read` gives, followed: read again after every change. */
+  look<T>(read: (explorer: Explorer) => T): T;
+  copy(text: string, what: string): void;
+  colour(): Colour;
+  setColour(colour: Colour): void;
+  wide(): boolean;
+  setWide(wide: boolean): void;
+  hide(): void;
+};

@@ -1,0 +1,205 @@
+// Every state the page can be in, and how it gets there.
+
+import type { Answer, FakePanel } from './FakePanel';
+import { error, failure, longFormula, model, probe, range, ready, success, value } from './samples';
+
+export type Scene = {
+  answers: Record<string, Answer>;
+  state: string;
+  then?: (panel: FakePanel) => Promise<void>;
+};
+
+const keys = async (panel: FakePanel, ...pressed: string[]): Promise<void> => {
+  await panel.page.getByTestId('tree').focus();
+  for (const key of pressed) await panel.page.keyboard.press(key);
+};
+
+const failing: Record<string, Answer> = {
+  ...ready({ formula: '=ROUND(F9/F31,2)*Inputs!B2', value: null }),
+  "readRange 'Cash flow'!F12": range([['#DIV/0!']]),
+  "readRange 'Cash flow'!F9:F31": failure({ kind: 'transport', message: 'protected' }),
+  "readRange 'Cash flow'!F9": range([[1200]]),
+  "readRange 'Cash flow'!F31": range([[0]]),
+  "readRange 'Inputs'!B2": range([[0.21]]),
+  evaluate: error('#DIV/0!'),
+};
+
+const allRefused = 'The number of arguments is not what this function takes.';
+
+export const scenes: Record<string, Scene> = {
+  model: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await keys(panel, 'ArrowDown', 'ArrowDown');
+      await panel.page.getByTestId('marked').waitFor();
+    },
+  },
+  range: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await keys(panel, 'End', 'ArrowUp', 'ArrowUp');
+      if (await panel.page.getByTestId('detail').isHidden()) {
+        await panel.page.getByTestId('details').click();
+      }
+      await panel.page.getByTestId('facts').waitFor();
+    },
+  },
+  drilled: {
+    answers: {
+      ...model,
+      "readRange 'Data'!B2": range([[40_000]]),
+      'readRange Rate': range([[0.1]]),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await keys(panel, 'End', 'ArrowUp', 'ArrowUp', 'Enter');
+      await panel.shows('address', 'C2');
+      await panel.page.getByTestId('marked').waitFor();
+    },
+  },
+  long: {
+    answers: ready({ formula: longFormula, value: 182_204.375_512_3 }),
+    state: 'ready',
+  },
+  multiline: {
+    answers: {
+      ...ready({
+        formula: '=LET(\n  rate, Inputs!$B$2,\n  growth, 1 + rate,\n  F11 * growth ^ 2\n)',
+        value: true,
+      }),
+      evaluate: value(121),
+      "readRange 'Inputs'!$B$2": range([[0.1]]),
+      "readRange 'Inputs'!B2": range([[0.1]]),
+      "readRange 'Cash flow'!F11": range([[100]]),
+    },
+    state: 'ready',
+    then: (panel) => panel.verified('differs'),
+  },
+  error: {
+    answers: failing,
+    state: 'ready',
+    then: (panel) => panel.page.getByTestId('failure').waitFor(),
+  },
+  refused: {
+    answers: {
+      ...ready({ formula: '=RAND()*2+PRICE.OF("x")+SUM(Jan:Dec!A1)+ABS(1)', value: 3 }),
+      evaluate: success({ ok: false, kind: 'transport', message: allRefused }),
+    },
+    state: 'ready',
+  },
+  problem: {
+    answers: ready({ formula: '=SUM(A1,(B2+)*3', value: 3 }),
+    state: 'ready',
+    then: (panel) => panel.page.getByTestId('problem').waitFor(),
+  },
+  constant: { answers: ready({ value: 1284.5 }), state: 'ready' },
+  blank: { answers: ready({ value: '' }), state: 'ready' },
+  text: {
+    answers: ready({ value: 'Operation and maintenance, per year and MW. '.repeat(12) }),
+    state: 'ready',
+  },
+  names: {
+    answers: ready({
+      book: 'A workbook with quite a long name, version 12 (final, really final).xlsx',
+      sheet: 'דוח שנתי של החברה',
+      addr: 'XFD1048576',
+      formula: "=Inputs!B2*(1+Rate)+'דוח שנתי'!C7",
+    }),
+    state: 'ready',
+  },
+  dependents: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('tab-deps').click();
+      await panel.page.getByTestId('place').first().waitFor();
+    },
+  },
+  noDependents: {
+    answers: { ...model, "dependents 'Cash flow'!F12": success('') },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('tab-deps').click();
+      await panel.page.getByTestId('list-empty').waitFor();
+    },
+  },
+  map: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('tab-map').click();
+      await panel.page.getByTestId('place').first().waitFor();
+    },
+  },
+  noted: {
+    answers: {
+      ...model,
+      markCells: success({ applied: 1, shadowed: true }),
+      reveal: success({ revealed: true, activated: false, unhid: 'rows 12–14, column C' }),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await keys(panel, 'ArrowDown');
+      await panel.page.getByTestId('sheet-note').nth(1).waitFor();
+    },
+  },
+  colours: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await panel.page.getByTestId('colour').click();
+    },
+  },
+  pinned: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await keys(panel, 'f');
+      await panel.shows('follow', 'Pinned');
+    },
+  },
+  paused: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await panel.send('followState', { paused: true });
+    },
+  },
+  busy: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await panel.lay('probe', probe('busy'));
+      await panel.send('probeNeeded', {});
+      await panel.reaches('busy');
+    },
+  },
+  notRunning: { answers: { ...ready(), probe: probe('notRunning') }, state: 'notRunning' },
+  noWorkbook: { answers: { ...ready(), probe: probe('noWorkbook') }, state: 'noWorkbook' },
+  denied: { answers: { ...ready(), probe: probe('denied') }, state: 'denied' },
+  unreadable: {
+    answers: {
+      ...ready(),
+      readCell: failure({ kind: 'transport', message: 'The active sheet holds no cells.' }),
+    },
+    state: 'unreadable',
+  },
+  hostile: {
+    answers: ready({
+      sheet: '<b>x</b>\u202E evil \u2066',
+      formula: `="<img src=x onerror=alert(1)>"&"\u202E${'long '.repeat(60)}"`,
+      value: `</span><script>alert(1)</script>\u202E${'y'.repeat(300)}`,
+    }),
+    state: 'ready',
+  },
+};
