@@ -87,7 +87,7 @@ int run(const Invocation& invocation) {
   BridgeLink link(bridge);
   SerialQueue bridgeQueue("qx.bridge");
   AppDelegate app({*platform, link, bridgeQueue, log, config, environment,
-                   [&thread] { return thread.compileError(); }});
+                   [&thread] { return thread.compileError(); }, platformFolders()});
   delegate = &app;
   if (invocation.show) app.raisePanel();
 

@@ -1,10 +1,12 @@
 #import "app/macos/MacAlerts.h"
 #import "app/macos/MacApplication.h"
+#include "app/macos/MacArchiver.h"
 #import "app/macos/MacBundle.h"
 #import "app/macos/MacDefaults.h"
 #import "app/macos/MacHotKeys.h"
 #import "app/macos/MacMainLoop.h"
 #import "app/macos/MacPanelWindow.h"
+#include "app/macos/MacSystem.h"
 #import "app/macos/MacWebView.h"
 #import "app/macos/MacWorkspace.h"
 #include "app/shell/ports/AppPlatform.h"
@@ -33,6 +35,8 @@ class MacPlatform : public AppPlatform {
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
   HotKeyService* hotKeys() override { return &hotKeys_; }
+  Archiver* archiver() override { return &archiver_; }
+  SystemVersions systemVersions() const override { return macVersions(); }
 
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override {
     return std::make_unique<MacPanelWindow>(options);
@@ -51,6 +55,7 @@ class MacPlatform : public AppPlatform {
   MacBundle bundle_;
   SystemClock clock_;
   MacHotKeys hotKeys_;
+  MacArchiver archiver_;
 };
 
 }  // namespace

@@ -1,8 +1,10 @@
-// What the core asks of macOS: the user's folders and whether Excel runs. Any thread.
+// What the core asks of macOS: the user's folders, whether Excel runs, and the versions of both.
+// Any thread.
 #pragma once
 
 #include "kit/platform/Folders.h"
 #include "kit/platform/TargetApplication.h"
+#include "kit/support/ProblemReport.h"
 
 namespace quorin {
 
@@ -18,5 +20,8 @@ class MacTargetApplication : public TargetApplication {
  public:
   bool isRunning() override;
 };
+
+// Excel's is that of the application in the folder Applications.
+SystemVersions macVersions();
 
 }  // namespace quorin

@@ -13,6 +13,13 @@ std::filesystem::path userFolder(NSSearchPathDirectory folder) {
                          .firstObject);
 }
 
+std::optional<std::string> excelVersion() {
+  NSBundle* excel = [NSBundle bundleWithPath:@"/Applications/Microsoft Excel.app"];
+  id version = [excel objectForInfoDictionaryKey:@"CFBundleShortVersionString"];
+  if (![version isKindOfClass:NSString.class]) return std::nullopt;
+  return fromNSString(static_cast<NSString*>(version));
+}
+
 }  // namespace
 
 std::filesystem::path MacFolders::applicationSupport() const {
@@ -35,6 +42,13 @@ bool MacTargetApplication::isRunning() {
   @autoreleasepool {
     return [NSRunningApplication runningApplicationsWithBundleIdentifier:@"com.microsoft.Excel"]
                .count > 0;
+  }
+}
+
+SystemVersions macVersions() {
+  @autoreleasepool {
+    return {"macOS", fromNSString(NSProcessInfo.processInfo.operatingSystemVersionString), "Excel",
+            excelVersion()};
   }
 }
 

@@ -46,7 +46,7 @@ int run() {
   BridgeLink link(bridge);
   SerialQueue bridgeQueue("qx.bridge");
   AppDelegate delegate({*platform, link, bridgeQueue, log, config, processEnvironment(),
-                        [&excel] { return excel.compileError(); }});
+                        [&excel] { return excel.compileError(); }, platformFolders()});
   application.setDelegate(delegate);
   application.run();
   return 0;

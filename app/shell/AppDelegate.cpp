@@ -14,7 +14,8 @@ constexpr int placeAttemptsAtMost = 30;
 
 }  // namespace
 
-AppDelegate::AppDelegate(Parts parts) : parts_(std::move(parts)) {}
+AppDelegate::AppDelegate(Parts parts)
+    : parts_(std::move(parts)), support_({parts_.platform, parts_.folders, parts_.log}) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
   if (const std::optional<std::string> error = parts_.compileError()) {
@@ -78,9 +79,11 @@ QXConfig AppDelegate::loadConfiguration() {
   return config;
 }
 
-// The crash prompt has its place here: the rest of start-up comes after its answer.
-void AppDelegate::promptIfCrashed(const std::optional<ISO::Date>&, const Next& next) {
-  next();
+// The rest of start-up comes after the answer.
+void AppDelegate::promptIfCrashed(const std::optional<ISO::Date>& since, const Next& next) {
+  support_.promptIfCrashed(since, [alive = std::weak_ptr(alive_), next] {
+    if (!alive.expired()) next();
+  });
 }
 
 void AppDelegate::startFollowing(const QXConfig& config) {

@@ -10,6 +10,7 @@
 #include "app/shell/HotKey.h"
 #include "app/shell/Panel.h"
 #include "app/shell/Poller.h"
+#include "app/shell/Support.h"
 #include "kit/support/ISO.h"
 #include "kit/support/QXConfig.h"
 
@@ -27,6 +28,7 @@ class AppDelegate : public ApplicationDelegate {
     Environment environment;
     // Why the handler library did not compile; none when it did.
     std::function<std::optional<std::string>()> compileError;
+    Folders& folders;
   };
 
   explicit AppDelegate(Parts parts);
@@ -68,6 +70,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<Panel> panel_;
   std::unique_ptr<Poller> poller_;
   std::unique_ptr<HotKey> hotKey_;
+  Support support_;
   bool placed_ = false;
   int placeAttempts_ = 0;
   std::unique_ptr<Timer> placing_;

@@ -14,6 +14,8 @@
 #include "app/shell/ports/PanelWindow.h"
 #include "app/shell/ports/WebView.h"
 #include "app/shell/ports/Workspace.h"
+#include "kit/platform/Archiver.h"
+#include "kit/support/ProblemReport.h"
 
 namespace quorin {
 
@@ -31,6 +33,12 @@ class AppPlatform {
 
   // None where the desktop has no such service.
   virtual HotKeyService* hotKeys() { return nullptr; }
+
+  // None where nothing can pack files.
+  virtual Archiver* archiver() { return nullptr; }
+
+  // What a problem report tells of the machine. Reads it anew.
+  virtual SystemVersions systemVersions() const { return {}; }
 
   virtual std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) = 0;
   virtual std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) = 0;

@@ -26,9 +26,9 @@ class AppDelegateTest : public ShellFixture {
   }
 
   void makeDelegate() {
-    delegate = std::make_unique<AppDelegate>(AppDelegate::Parts{platform, bridge, queue, *log,
-                                                                folder / "config.json", environment,
-                                                                [this] { return compileError; }});
+    delegate = std::make_unique<AppDelegate>(
+        AppDelegate::Parts{platform, bridge, queue, *log, folder / "config.json", environment,
+                           [this] { return compileError; }, folders});
   }
 
   AppDelegate& launch() {
@@ -47,6 +47,7 @@ class AppDelegateTest : public ShellFixture {
     return app;
   }
 
+  FakeFolders folders{folder};
   std::optional<std::string> compileError;
   std::unique_ptr<AppDelegate> delegate;
 };
@@ -72,6 +73,28 @@ TEST_F(AppDelegateTest, RegistersTheConfiguredHotKeysAfterTheRest) {
   platform.webView().finishLoading();
   EXPECT_EQ(platform.hotKeyService.press({HotKey::signature, 4}), 0);
   EXPECT_THAT(logged(), Contains("HOTKEY map key=false visible=true excelFrontmost=false"));
+}
+
+TEST_F(AppDelegateTest, PromptsAfterACrashBeforeItStartsTheRest) {
+  writeFile(folder / "config.json", R"({"lastLaunchedAt": "2026-01-01T00:00:00Z"})");
+  writeFile(folder / "library/Logs/DiagnosticReports/Quorin-1.ips", "stack");
+  launch();
+  EXPECT_THAT(takeJournal(), ElementsAre("activateSelf", "alert Quorin crashed last time"));
+  EXPECT_THAT(logged(),
+              ElementsAre("LAUNCH 1.2.3", "SUPPORT crash report found since last launch"));
+  EXPECT_FALSE(platform.madePanel());
+  EXPECT_EQ(queue.waiting(), 0u);
+  platform.alerts().press(1);
+  EXPECT_TRUE(platform.madePanel());
+  settle();
+  EXPECT_THAT(takeJournal(), Contains("restoreStranded"));
+}
+
+TEST_F(AppDelegateTest, DoesNotPromptForACrashOfBeforeTheLastLaunch) {
+  writeFile(folder / "config.json", R"({"lastLaunchedAt": "2100-01-01T00:00:00Z"})");
+  writeFile(folder / "library/Logs/DiagnosticReports/Quorin-1.ips", "stack");
+  launch();
+  EXPECT_TRUE(platform.madePanel());
 }
 
 TEST_F(AppDelegateTest, TellsThatTheScriptDidNotCompileAndQuits) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/shell/ports/AppPlatform.h"
+#include "kit/platform/Folders.h"
 
 namespace quorin {
 
@@ -207,6 +208,28 @@ class FakeHotKeyService : public HotKeyService {
   Handler handler_;
 };
 
+class FakeFolders : public Folders {
+ public:
+  explicit FakeFolders(std::filesystem::path root) : root_(std::move(root)) {}
+  std::filesystem::path applicationSupport() const override { return root_ / "support"; }
+  std::filesystem::path library() const override { return root_ / "library"; }
+  std::filesystem::path desktop() const override { return root_ / "desktop"; }
+  std::filesystem::path temporary() const override { return root_ / "temporary"; }
+
+ private:
+  std::filesystem::path root_;
+};
+
+class FakeArchiver : public Archiver {
+ public:
+  int zip(const std::filesystem::path& folder, const std::filesystem::path& file) override {
+    if (onZip) onZip(folder, file);
+    return status;
+  }
+  int status = 0;
+  std::function<void(const std::filesystem::path& folder, const std::filesystem::path& file)> onZip;
+};
+
 class FakeAppPlatform : public AppPlatform {
  public:
   FakeApplication& application() override { return application_; }
@@ -216,6 +239,9 @@ class FakeAppPlatform : public AppPlatform {
   FakeDefaults& defaults() override { return defaults_; }
   FakeBundle& bundle() override { return bundle_; }
   FakeClock& clock() override { return clock_; }
+  const FakeClock& clock() const { return clock_; }
+  Archiver* archiver() override { return hasPacker ? &packer : nullptr; }
+  SystemVersions systemVersions() const override { return {"TestOS", "7", "Sheets", {}}; }
   HotKeyService* hotKeys() override { return hasHotKeys ? &hotKeyService : nullptr; }
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
@@ -229,6 +255,8 @@ class FakeAppPlatform : public AppPlatform {
   Journal journal;
   FakeHotKeyService hotKeyService{journal};
   bool hasHotKeys = false;
+  FakeArchiver packer;
+  bool hasPacker = true;
 
  private:
   FakeClock clock_;
