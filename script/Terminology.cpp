@@ -54,6 +54,7 @@ struct Terminology::Tables {
   std::unordered_map<FourCharCode, std::string_view> classNames, propertyNames, enumeratorNames;
   std::unordered_set<std::string> labels;
   std::vector<MemberTerm> members;
+  std::unordered_map<std::string, std::string> parents;  // of classes, lower case
 
   Term& term(std::string_view text) {
     Term*& known = byText[lowerCase(text)];
@@ -91,6 +92,7 @@ void Terminology::Tables::add(const Row& row) {
   if (kind == "class") {
     setFirst(entry.type, *code);
     classNames.try_emplace(*code, entry.text);
+    if (!owner.empty()) parents.try_emplace(lowerCase(text), lowerCase(owner));
   } else if (kind == "plural") {
     setFirst(entry.plural, *code);
   } else if (kind == "element") {
@@ -204,6 +206,11 @@ const CommandTerm* Terminology::command(FourCharCode eventClass, FourCharCode ev
 
 const std::vector<MemberTerm>& Terminology::members() const {
   return tables_->members;
+}
+
+std::string_view Terminology::parentOf(std::string_view className) const {
+  const auto found = tables_->parents.find(std::string(className));
+  return found == tables_->parents.end() ? std::string_view() : found->second;
 }
 
 }  // namespace quorin::script

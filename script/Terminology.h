@@ -3,7 +3,7 @@
 // thread may read it. Terms are matched longest first and without regard to case.
 //
 // The table is text, one row a line, columns separated by tabs:
-//   class       term  code
+//   class       term  code  parent
 //   plural      term  code  class
 //   property    term  code  class    type  access
 //   element     term  code  class    element class
@@ -90,6 +90,8 @@ class Terminology {
   const CommandTerm* command(FourCharCode eventClass, FourCharCode eventID) const;
 
   const std::vector<MemberTerm>& members() const;
+  // The class that a class, in lower case, has its other members from; empty when none.
+  std::string_view parentOf(std::string_view className) const;
 
  private:
   struct Tables;

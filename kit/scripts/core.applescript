@@ -29,7 +29,6 @@ end qx_probe
 on qx_readcell()
 	tell application "Microsoft Excel"
 		with timeout of 3 seconds
-			set c to active cell
 			-- With a chart or a shape selected, the selection is no range and has no address.
 			try
 				set chosen to my qx_address(selection)
@@ -38,11 +37,11 @@ on qx_readcell()
 			end try
 			-- A protected sheet refuses to tell its regions.
 			try
-				set nearby to get address of current region of c
+				set nearby to get address of current region of active cell
 			on error
 				set nearby to ""
 			end try
-			return {name of active workbook, name of active sheet, (get address of c), first row index of c, first column index of c, formula of c, formula local of c, value2 of c, chosen, nearby}
+			return {name of active workbook, name of active sheet, (get address of active cell), first row index of active cell, first column index of active cell, formula of active cell, formula local of active cell, value2 of active cell, chosen, nearby}
 		end timeout
 	end tell
 end qx_readcell

@@ -1,6 +1,5 @@
-// lint: checks a handler library as far as that goes without Excel: every word and every sentence
-// is known, and no name of the script's own is a word of Excel's dictionary, which would win inside
-// `tell`. Any thread.
+// lint: checks a handler library as far as that goes without Excel, by the rules of the linter and
+// with the words of Excel's dictionary. Any thread.
 #pragma once
 
 #include <filesystem>
