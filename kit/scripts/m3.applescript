@@ -225,4 +225,5 @@ on qx_deep_leave(scratch, userBook)
 			end try
 		end repeat
 	end tell
+	return true
 end qx_deep_leave
