@@ -159,6 +159,10 @@ constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
 
 }  // namespace
 
+std::optional<Area> filledPart(const Workbook& workbook, const RangeRef& range) {
+  return filledPart(cellsOf(workbook, range.sheet.sheet, firstArea(range)));
+}
+
 Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cells,
                            const Area& area) {
   Grid<CellValue> grid = gridFor<CellValue>(area);

@@ -14,6 +14,9 @@ inline constexpr long long mostCells = 4'000'000;
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range);
 Grid<CellValue> readFormulas(Workbook& workbook, const RangeRef& range, ReferenceStyle style);
 Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range);
+// The smallest rectangle with all that stands in the first area; nothing when it is blank.
+std::optional<Area> filledPart(const Workbook& workbook, const RangeRef& range);
+
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range);
 
 // The values of cells already found.

@@ -1,13 +1,12 @@
-// CalcEvaluator: what an expression gives, worked out in a hidden copy of the workbook. The copy is
-// made when an expression is asked for and the workbook has changed since the last one. Call
-// thread.
+// CalcEvaluator: what an expression gives, worked out in a hidden workbook in the office that holds
+// the values the expression looks at. The user's workbooks are only read. Call thread.
 #pragma once
 
 #include <memory>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
-#include "host/calc/HiddenClone.h"
+#include "host/calc/ValueMirror.h"
 
 namespace quorin::host::calc {
 
@@ -16,19 +15,21 @@ class CalcEvaluator {
   explicit CalcEvaluator(css::uno::Reference<css::uno::XComponentContext> context)
       : context_(std::move(context)) {}
 
-  // Throws SpreadsheetError -1728 when the workbook has no such sheet.
+  // Throws SpreadsheetError -1728 when the workbook has no such sheet, -50 when the expression
+  // looks at more cells than can be read in passing, or asks for what only a copy of the whole
+  // workbook could tell and that is too large to be made in passing.
   Evaluation evaluate(CalcWorkbooks& workbooks, const std::string& expression,
                       const SheetRef& from);
 
  private:
-  std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, const std::string& expression,
-                                      const SheetRef& from);
-  static Evaluation inClone(HiddenClone& clone, const std::string& calcText,
-                            const std::string& sheet);
+  ValueMirror& mirrorOf(const Workbook& workbook, const std::vector<std::string>& sheets);
+  Evaluation inMirror(CalcWorkbooks& workbooks, const std::string& expression,
+                      ExpressionContext& context);
+  Evaluation inCopy(CalcWorkbooks& workbooks, const std::string& expression,
+                    ExpressionContext& context);
 
   const css::uno::Reference<css::uno::XComponentContext> context_;
-  std::unique_ptr<HiddenClone> clone_;  // of the workbook asked about last
-  std::unique_ptr<HiddenClone> empty_;  // where expressions without references are evaluated
+  std::unique_ptr<ValueMirror> mirror_;  // of the workbook asked about last
 };
 
 }  // namespace quorin::host::calc

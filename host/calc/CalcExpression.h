@@ -1,26 +1,59 @@
-// CalcExpression: an Excel expression in Calc's own stored grammar. A pure function over text, the
-// other way round from FormulaTranslator.
+// CalcExpression: an Excel expression in Calc's own stored grammar, and the cells it looks at. A
+// pure function over text, the other way round from FormulaTranslator.
 #pragma once
 
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/TableItems.h"
 
 namespace quorin::host::calc {
 
-struct ExpressionContext {
-  // The workbook whose sheets need no workbook in front.
-  std::string book;
-  // The file URL of another open workbook; nothing when there is none of that name.
-  std::function<std::optional<std::string>(const std::string& book)> urlOf;
-  // The sheet that references without one belong to; empty: the sheet of the cell itself.
-  std::string sheet = {};
+// A sheet as the expression will see it: where it is, and what stands for it in Calc's text.
+struct SheetPlace {
+  SheetRef sheet;
+  std::string text;  // "$'My Sheet'"
 };
 
-// Excel text, with or without "=", as Calc text without it. Commas and semicolons both separate
-// arguments. Nothing when the text cannot be an expression: unbalanced brackets or quotes, an
-// operator or an operand missing, or something Calc has no notion of (a spill reference A1#).
-std::optional<std::string> calcExpression(std::string_view excel, const ExpressionContext& context);
+struct ExpressionContext {
+  SheetRef from;  // references without a workbook or a sheet belong to it
+  // The sheets of that workbook in their order. When empty, every name of a sheet is accepted.
+  std::vector<std::string> sheets = {};
+  // Whether references without a sheet get one. Not for a formula that stands on its own sheet.
+  bool qualify = false;
+  // A sheet of another workbook; nothing when there is none: the reference is #REF! then.
+  std::function<std::optional<SheetPlace>(const std::string& book, const std::string& sheet)>
+      elsewhere = {};
+  // What a defined name stands for, as Excel text; the sheet is empty when none stands before it.
+  // Nothing for a name to be left as it is.
+  std::function<std::optional<std::string>(const SheetRef& scope, const std::string& name)>
+      meaning = {};
+  // The cells of a part of a table, as Excel text, or the error that it gives.
+  std::function<std::string(const std::string& table, const TableItems& items)> tablePart = {};
+};
+
+// What a formula's result depends on.
+struct Reach {
+  std::vector<RangeRef> cells;  // one area each
+  bool shifts = false;          // and cells at a distance from these (OFFSET)
+  bool spans = false;           // and cells between these (A1:INDEX(...))
+  bool anywhere = false;        // and cells named by text (INDIRECT)
+  bool contents = false;        // and what the cells are beside their values (CELL, FORMULATEXT)
+};
+
+struct CalcExpression {
+  std::string text;  // without "="
+  Reach reach;
+};
+
+// Excel text, with or without "=". Commas and semicolons both separate arguments. Nothing when the
+// text cannot be an expression: unbalanced brackets or quotes, an operator or an operand missing,
+// or something Calc has no notion of (a spill reference A1#).
+std::optional<CalcExpression> calcExpression(std::string_view excel,
+                                             const ExpressionContext& context);
 
 }  // namespace quorin::host::calc

@@ -6,6 +6,7 @@
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XFormulaQuery.hpp>
+#include <com/sun/star/sheet/XNamedRange.hpp>
 #include <com/sun/star/sheet/XNamedRanges.hpp>
 #include <com/sun/star/sheet/XSheetCellCursor.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
@@ -13,6 +14,7 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CalcTables.h"
 #include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
 
@@ -24,8 +26,22 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
-Reference<css::uno::XInterface> entryOf(const Reference<css::uno::XInterface>& owner,
-                                        const char* property, const std::string& name) {
+bool isBlank(const Reference<css::sheet::XSheetCellCursor>& cells) {
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
+                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
+  return query->queryContentCells(contents)->getRangeAddresses().getLength() == 0;
+}
+
+Area enclosing(const Area& a, const Area& b) {
+  return {std::min(a.firstRow, b.firstRow), std::min(a.firstColumn, b.firstColumn),
+          std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
+}
+
+}  // namespace
+
+Reference<css::uno::XInterface> namedEntry(const Reference<css::uno::XInterface>& owner,
+                                           const char* property, const std::string& name) {
   const Reference<css::beans::XPropertySet> properties(owner, UNO_QUERY_THROW);
   const Reference<XNameAccess> entries(
       properties->getPropertyValue(rtl::OUString::createFromAscii(property)), UNO_QUERY);
@@ -46,42 +62,28 @@ std::optional<RangeRef> referredCells(const Workbook& workbook,
   return cells.is() ? rangeOf(workbook, cells) : std::nullopt;
 }
 
-bool isBlank(const Reference<css::sheet::XSheetCellCursor>& cells) {
-  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
-                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
-  return query->queryContentCells(contents)->getRangeAddresses().getLength() == 0;
-}
+namespace {
 
-Area enclosing(const Area& a, const Area& b) {
-  return {std::min(a.firstRow, b.firstRow), std::min(a.firstColumn, b.firstColumn),
-          std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
-}
-
-// A table's name stands for its rows without the header, as in Excel.
-std::optional<RangeRef> tableBody(const Workbook& workbook,
-                                  const Reference<css::uno::XInterface>& entry) {
-  std::optional<RangeRef> range = referredCells(workbook, entry);
-  if (!range) return std::nullopt;
-  const Reference<css::beans::XPropertySet> properties(entry, UNO_QUERY_THROW);
-  bool header = false, totals = false;
-  properties->getPropertyValue("ContainsHeader") >>= header;
-  properties->getPropertyValue("TotalsRow") >>= totals;
-  Area& area = range->areas.front();
-  if (header && area.firstRow < area.lastRow) ++area.firstRow;
-  if (totals && area.firstRow < area.lastRow) --area.lastRow;
-  return range;
+Reference<css::uno::XInterface> definedName(const Workbook& workbook, const std::string& sheet,
+                                            const std::string& name) {
+  const auto own = namedEntry(sheetOf(workbook, sheet), "NamedRanges", name);
+  return own.is() ? own : namedEntry(workbook.document, "NamedRanges", name);
 }
 
 }  // namespace
 
+std::optional<std::string> nameContent(const Workbook& workbook, const std::string& sheet,
+                                       const std::string& name) {
+  const Reference<css::sheet::XNamedRange> entry(definedName(workbook, sheet, name), UNO_QUERY);
+  return entry.is() ? std::optional(toText(entry->getContent())) : std::nullopt;
+}
+
 std::optional<RangeRef> findNamed(const Workbook& workbook, const std::string& sheet,
                                   const std::string& name) {
-  Reference<css::uno::XInterface> entry = entryOf(sheetOf(workbook, sheet), "NamedRanges", name);
-  if (!entry.is()) entry = entryOf(workbook.document, "NamedRanges", name);
+  const auto entry = definedName(workbook, sheet, name);
   if (entry.is()) return referredCells(workbook, entry);
-  entry = entryOf(workbook.document, "DatabaseRanges", name);
-  return entry.is() ? tableBody(workbook, entry) : std::nullopt;
+  // A table's name stands for its rows without the header, as in Excel.
+  return tableArea(workbook, name, {.data = true}, std::nullopt);
 }
 
 std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeRef& range) {

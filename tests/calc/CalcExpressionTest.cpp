@@ -1,15 +1,38 @@
 #include <gtest/gtest.h>
 
+#include "host/Address.h"
 #include "host/calc/CalcExpression.h"
 
 namespace quorin::host::calc {
 namespace {
 
-const ExpressionContext context{"Plan.xlsx",
-                                [](const std::string& book) -> std::optional<std::string> {
-                                  if (book != "Other.ods") return std::nullopt;
-                                  return "file:///home/a/Other.ods";
-                                }};
+std::optional<SheetPlace> elsewhere(const std::string& book, const std::string& sheet) {
+  if (book != "Other.ods") return std::nullopt;
+  return SheetPlace{{book, sheet}, "'file:///home/a/Other.ods'#$'" + sheet + "'"};
+}
+
+std::optional<std::string> meaning(const SheetRef& scope, const std::string& name) {
+  if (name == "rate") return scope.sheet.empty() ? "Data!$B$1" : "Local!$C$1";
+  if (name == "twice") return "rate*2";
+  if (name == "endless") return "endless+1";
+  return std::nullopt;
+}
+
+std::string tablePart(const std::string& table, const TableItems& items) {
+  if (table != "Table1") return "#NAME?";
+  if (items.thisRow) return "Data!$A$3:" + items.lastColumn + "3";
+  return items.firstColumn == "Net, Sum" ? "Data!$A$2:$A$9" : "#REF!";
+}
+
+const ExpressionContext context{.from = {"Plan.xlsx", "Data"},
+                                .elsewhere = elsewhere,
+                                .meaning = meaning,
+                                .tablePart = tablePart};
+
+std::optional<std::string> textOf(const char* excel, const ExpressionContext& from = context) {
+  const auto result = calcExpression(excel, from);
+  return result ? std::optional(result->text) : std::nullopt;
+}
 
 struct Case {
   const char* excel;
@@ -19,57 +42,109 @@ struct Case {
 class ToCalc : public testing::TestWithParam<Case> {};
 
 TEST_P(ToCalc, WritesWhatCalcStores) {
-  EXPECT_EQ(calcExpression(GetParam().excel, context), GetParam().calc);
+  EXPECT_EQ(textOf(GetParam().excel), GetParam().calc);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ToCalc,
-    testing::Values(Case{"1+2", "1+2"}, Case{"=1+2", "1+2"}, Case{" = 1 + 2 ", " 1 + 2"},
-                    Case{"SUM(A1,B2)", "SUM(A1;B2)"}, Case{"SUM(A1;B2)", "SUM(A1;B2)"},
-                    Case{"IF(A1,,2)", "IF(A1;;2)"},
-                    Case{"IF(A1,\"a,b;\"\"c\",2)", "IF(A1;\"a,b;\"\"c\";2)"},
-                    Case{"{1,2;3,4}", "{1;2|3;4}"}, Case{"{\"a,b\";-1}", "{\"a,b\"|-1}"},
-                    Case{"Sheet2!A1", "$'Sheet2'.A1"}, Case{"'It''s'!$A$1:B2", "$'It''s'.$A$1:B2"},
-                    Case{"[Plan.xlsx]Data!A1", "$'Data'.A1"},
-                    Case{"'[Plan.xlsx]My Data'!A:C", "$'My Data'.A:C"},
-                    Case{"[Other.ods]Data!A1", "'file:///home/a/Other.ods'#$'Data'.A1"},
-                    Case{"[Gone.xlsx]Data!A1+1", "#REF!+1"},
-                    Case{"SUM(Jan:Mar!B2)", "SUM($'Jan'.B2:$'Mar'.B2)"},
-                    Case{"SUM(2:$5)", "SUM(2:$5)"}, Case{"SUM((A1:A2,C3))", "SUM((A1:A2~C3))"},
-                    Case{"A1:C3 B2:D4", "A1:C3!B2:D4"}, Case{"SUM(rate tax)", "SUM(rate!tax)"},
-                    Case{"A1:INDEX(B1:B4,2)", "A1:INDEX(B1:B4;2)"},
-                    Case{"Sheet2!rate*2", "$'Sheet2'.rate*2"}, Case{"TRUE", "TRUE()"},
-                    Case{"IF(true,1,FALSE)", "IF(TRUE();1;FALSE())"}, Case{"TRUE()", "TRUE()"},
-                    Case{"-5%^2", "-5%^2"}, Case{"A1<>B1", "A1<>B1"},
-                    Case{"A1>=-1.5E+3", "A1>=-1.5E+3"}, Case{"A1<=+1", "A1<=+1"},
-                    Case{".5*2.", ".5*2."}, Case{"IFERROR(#REF!,#N/A)", "IFERROR(#REF!;#N/A)"},
-                    Case{"Data!#REF!+1", "#REF!+1"}, Case{"LOG10(A1)", "LOG10(A1)"},
-                    Case{"_xlfn.XLOOKUP(1,A:A,B:B)", "XLOOKUP(1;A:A;B:B)"}, Case{"@A1:A3", "A1:A3"},
-                    Case{"Table1[[#This Row],[Net, Sum]]", "Table1[[#This Row];[Net, Sum]]"},
-                    Case{"SUM(Table1[@Net])", "SUM(Table1[[#This Row];[Net]])"},
-                    Case{"Table1[@[Net Sum]]", "Table1[[#This Row];[Net Sum]]"},
-                    Case{"Table1[Net]*2", "Table1[Net]*2"}));
+    testing::Values(
+        Case{"1+2", "1+2"}, Case{"=1+2", "1+2"}, Case{" = 1 + 2 ", " 1 + 2"},
+        Case{"SUM(A1,B2)", "SUM(A1;B2)"}, Case{"SUM(A1;B2)", "SUM(A1;B2)"},
+        Case{"IF(A1,,2)", "IF(A1;;2)"}, Case{"IF(A1,\"a,b;\"\"c\",2)", "IF(A1;\"a,b;\"\"c\";2)"},
+        Case{"{1,2;3,4}", "{1;2|3;4}"}, Case{"{\"a,b\";-1}", "{\"a,b\"|-1}"},
+        Case{"Sheet2!A1", "$'Sheet2'.A1"}, Case{"'It''s'!$A$1:B2", "$'It''s'.$A$1:B2"},
+        Case{"[Plan.xlsx]Data!A1", "$'Data'.A1"},
+        Case{"'[Plan.xlsx]My Data'!A:C", "$'My Data'.A:C"},
+        Case{"[Other.ods]Data!A1", "'file:///home/a/Other.ods'#$'Data'.A1"},
+        Case{"[Gone.xlsx]Data!A1+1", "#REF!+1"},
+        Case{"SUM(Jan:Mar!B2)", "SUM($'Jan'.B2:$'Mar'.B2)"}, Case{"SUM(2:$5)", "SUM(2:$5)"},
+        Case{"SUM((A1:A2,C3))", "SUM((A1:A2~C3))"}, Case{"A1:C3 B2:D4", "A1:C3!B2:D4"},
+        Case{"SUM(here tax)", "SUM(here!tax)"}, Case{"A1:INDEX(B1:B4,2)", "A1:INDEX(B1:B4;2)"},
+        Case{"Sheet2!here*2", "$'Sheet2'.here*2"}, Case{"TRUE", "TRUE()"},
+        Case{"IF(true,1,FALSE)", "IF(TRUE();1;FALSE())"}, Case{"TRUE()", "TRUE()"},
+        Case{"-5%^2", "-5%^2"}, Case{"A1<>B1", "A1<>B1"}, Case{"A1>=-1.5E+3", "A1>=-1.5E+3"},
+        Case{"A1<=+1", "A1<=+1"}, Case{".5*2.", ".5*2."},
+        Case{"IFERROR(#REF!,#N/A)", "IFERROR(#REF!;#N/A)"}, Case{"Data!#REF!+1", "#REF!+1"},
+        Case{"LOG10(A1)", "LOG10(A1)"}, Case{"_xlfn.XLOOKUP(1,A:A,B:B)", "XLOOKUP(1;A:A;B:B)"},
+        Case{"@A1:A3", "A1:A3"}, Case{"Table1[Net, Sum]*2", "$'Data'.$A$2:$A$9*2"},
+        Case{"SUM(Table1[@B])", "SUM($'Data'.$A$3:B3)"}, Case{"Table1[Gone]", "#REF!"},
+        Case{"Table2[Net]", "#NAME?"}, Case{"rate", "$'Data'.$B$1"},
+        Case{"Data!rate+1", "$'Local'.$C$1+1"}, Case{"twice^2", "($'Data'.$B$1*2)^2"},
+        Case{"other", "other"}, Case{"Data!other", "$'Data'.other"}));
 
 class NotAnExpression : public testing::TestWithParam<const char*> {};
 
 TEST_P(NotAnExpression, GivesNothing) {
-  EXPECT_EQ(calcExpression(GetParam(), context), std::nullopt);
+  EXPECT_EQ(textOf(GetParam()), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, NotAnExpression,
                          testing::Values("", "=", "1+", "(1", "1)", "foo(", "\"open", "'open",
                                          "1 2", "A1 \"x\"", "()", "*2", "A1:", "{1,2", "A1#", "1,2",
-                                         "A1;B1", "SUM(1,2", "1.2.3", "a b(", "Table1[x", "?#"));
+                                         "A1;B1", "SUM(1,2", "1.2.3", "a b(", "Table1[x", "?#",
+                                         "endless"));
 
 TEST(CalcExpression, PutsReferencesOnTheSheetItIsSeenFrom) {
   ExpressionContext from = context;
-  from.sheet = "My Sheet";
-  EXPECT_EQ(calcExpression("SUM(A1:B2,Data!C3)+rate", from),
-            "SUM($'My Sheet'.A1:B2;$'Data'.C3)+rate");
+  from.from.sheet = "My Sheet";
+  EXPECT_EQ(textOf("SUM(A1:B2,Data!C3)+here", from), "SUM(A1:B2;$'Data'.C3)+here");
+  from.qualify = true;
+  EXPECT_EQ(textOf("SUM(A1:B2,Data!C3)+here", from), "SUM($'My Sheet'.A1:B2;$'Data'.C3)+here");
 }
 
+TEST(CalcExpression, KnowsTheSheetsOfTheWorkbook) {
+  ExpressionContext from = context;
+  from.sheets = {"Data", "Jan", "Feb", "Mar"};
+  EXPECT_EQ(textOf("jan!A1", from), "$'Jan'.A1");
+  EXPECT_EQ(textOf("Dec!A1+1", from), "#REF!+1");
+  EXPECT_EQ(textOf("Dec!here", from), "#REF!");
+}
+
+struct Reached {
+  const char* excel;
+  std::vector<std::string> cells;  // "Sheet!$A$1"
+  bool shifts = false, spans = false, anywhere = false, contents = false;
+};
+
+class Reaching : public testing::TestWithParam<Reached> {};
+
+TEST_P(Reaching, TellsWhatTheResultDependsOn) {
+  ExpressionContext from = context;
+  from.sheets = {"Data", "Jan", "Feb", "Mar", "Local"};
+  const auto result = calcExpression(GetParam().excel, from);
+  ASSERT_TRUE(result);
+  std::vector<std::string> cells;
+  for (const RangeRef& range : result->reach.cells) {
+    const std::string book = range.sheet.book == "Plan.xlsx" ? "" : "[" + range.sheet.book + "]";
+    cells.push_back(book + range.sheet.sheet + "!" + addressText(range.areas));
+  }
+  EXPECT_EQ(cells, GetParam().cells);
+  EXPECT_EQ(result->reach.shifts, GetParam().shifts);
+  EXPECT_EQ(result->reach.spans, GetParam().spans);
+  EXPECT_EQ(result->reach.anywhere, GetParam().anywhere);
+  EXPECT_EQ(result->reach.contents, GetParam().contents);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Reaching,
+    testing::Values(
+        Reached{"1+LOG10(5)", {}}, Reached{"\"A1\"&TRUE", {}},
+        Reached{"A1+$B$2:C3", {"Data!$A$1", "Data!$B$2:$C$3"}},
+        Reached{"SUM(A:B,2:3)", {"Data!$A:$B", "Data!$2:$3"}},
+        Reached{"mar!A1+[Other.ods]S!B2", {"Mar!$A$1", "[Other.ods]S!$B$2"}},
+        Reached{"SUM(Feb:Mar!B2)", {"Feb!$B$2", "Mar!$B$2"}},
+        Reached{"SUM(Mar:Jan!B2)", {"Jan!$B$2", "Feb!$B$2", "Mar!$B$2"}},
+        Reached{"twice+Data!rate", {"Data!$B$1", "Local!$C$1"}},
+        Reached{"SUM(Table1[Net, Sum])", {"Data!$A$2:$A$9"}}, Reached{"Dec!A1", {}},
+        Reached{
+            .excel = "A1:INDEX(B1:B4,2)", .cells = {"Data!$A$1", "Data!$B$1:$B$4"}, .spans = true},
+        Reached{.excel = "offset(A1,1,1)", .cells = {"Data!$A$1"}, .shifts = true},
+        Reached{.excel = "INDIRECT(\"A1\")", .cells = {}, .anywhere = true},
+        Reached{.excel = "SUBTOTAL(9,A1:A2)", .cells = {"Data!$A$1:$A$2"}, .contents = true},
+        Reached{.excel = "_xlfn.FORMULATEXT(A1)", .cells = {"Data!$A$1"}, .contents = true}));
+
 TEST(CalcExpression, GivesExcelsErrorNumbersForCalcsOwnErrors) {
-  const auto text = calcExpression("IFERROR(A1,\"e\"&ERROR.TYPE(A1))", context);
+  const auto text = textOf("IFERROR(A1,\"e\"&ERROR.TYPE(A1))", context);
   ASSERT_TRUE(text);
   EXPECT_TRUE(text->starts_with("IFERROR(A1;\"e\"&LOOKUP(ERRORTYPE(A1);{501;502;")) << *text;
   EXPECT_TRUE(text->ends_with("))")) << *text;

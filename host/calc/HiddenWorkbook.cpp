@@ -1,6 +1,5 @@
-#include "host/calc/HiddenClone.h"
+#include "host/calc/HiddenWorkbook.h"
 
-#include <algorithm>
 #include <array>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/document/XActionLockable.hpp>
@@ -11,30 +10,14 @@
 #include <com/sun/star/embed/XStorage.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/io/TempFile.hpp>
-#include <com/sun/star/util/XCloseable.hpp>
-#include <com/sun/star/util/XModifyBroadcaster.hpp>
-#include <cppuhelper/implbase1.hxx>
 
-#include "host/Address.h"
 #include "host/calc/Arguments.h"
-#include "host/calc/CalcLookup.h"
 
 namespace quorin::host::calc {
 namespace {
 
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
-
-// The office waits for this call, so it only notes the fact.
-class ChangeNote : public cppu::WeakImplHelper1<css::util::XModifyListener> {
- public:
-  explicit ChangeNote(std::shared_ptr<std::atomic<bool>> changed) : changed_(std::move(changed)) {}
-  void SAL_CALL modified(const css::lang::EventObject&) override { *changed_ = true; }
-  void SAL_CALL disposing(const css::lang::EventObject&) override { *changed_ = true; }
-
- private:
-  const std::shared_ptr<std::atomic<bool>> changed_;
-};
 
 // The interface is marked as deprecated for scripts; for this factory there is no other.
 #pragma GCC diagnostic push
@@ -47,14 +30,11 @@ Reference<css::embed::XStorage> temporaryStorage(
 
 }  // namespace
 
-HiddenClone::HiddenClone(const Reference<css::uno::XComponentContext>& context,
-                         const Workbook& original)
-    : original_(original.model), listener_(new ChangeNote(changed_)) {
-  Reference<css::util::XModifyBroadcaster>(original_, UNO_QUERY_THROW)
-      ->addModifyListener(listener_);
+HiddenWorkbook::HiddenWorkbook(const Reference<css::uno::XComponentContext>& context,
+                               const Workbook& original) {
   // The office's own temporary file, gone when its last reference is.
   const Reference<css::io::XTempFile> copy = css::io::TempFile::create(context);
-  Reference<css::frame::XStorable>(original_, UNO_QUERY_THROW)
+  Reference<css::frame::XStorable>(original.model, UNO_QUERY_THROW)
       ->storeToURL("private:stream",
                    sequenceOf({argument("FilterName", rtl::OUString("calc8")),
                                argument("OutputStream", copy->getOutputStream())}));
@@ -69,10 +49,10 @@ HiddenClone::HiddenClone(const Reference<css::uno::XComponentContext>& context,
           {}),
       UNO_QUERY_THROW);
   run();
-  clone_.name = original.name;
+  workbook_.name = original.name;
 }
 
-HiddenClone::HiddenClone(const Reference<css::uno::XComponentContext>& context) {
+HiddenWorkbook::HiddenWorkbook(const Reference<css::uno::XComponentContext>& context) {
   // The class of an embedded Calc document: 47BBB4CB-CE4C-4E80-A591-42D9AE74950F.
   static constexpr std::array<unsigned char, 16> calcClass = {0x47, 0xBB, 0xB4, 0xCB, 0xCE, 0x4C,
                                                               0x4E, 0x80, 0xA5, 0x91, 0x42, 0xD9,
@@ -85,47 +65,27 @@ HiddenClone::HiddenClone(const Reference<css::uno::XComponentContext>& context) 
   run();
 }
 
-void HiddenClone::run() {
+void HiddenWorkbook::run() {
   object_->changeState(css::embed::EmbedStates::RUNNING);
-  clone_.model.set(
+  workbook_.model.set(
       Reference<css::embed::XComponentSupplier>(object_, UNO_QUERY_THROW)->getComponent(),
       UNO_QUERY_THROW);
-  clone_.document.set(clone_.model, UNO_QUERY_THROW);
-  clone_.sheets.set(clone_.document->getSheets(), UNO_QUERY_THROW);
+  workbook_.document.set(workbook_.model, UNO_QUERY_THROW);
+  workbook_.sheets.set(workbook_.document->getSheets(), UNO_QUERY_THROW);
   // Nothing of it is shown or taken back, so a cell need not cost more than its calculation.
-  Reference<css::beans::XPropertySet>(clone_.document, UNO_QUERY_THROW)
+  Reference<css::beans::XPropertySet>(workbook_.document, UNO_QUERY_THROW)
       ->setPropertyValue("IsUndoEnabled", css::uno::Any(false));
-  clone_.model->lockControllers();
-  Reference<css::document::XActionLockable>(clone_.document, UNO_QUERY_THROW)->addActionLock();
+  workbook_.model->lockControllers();
+  Reference<css::document::XActionLockable>(workbook_.document, UNO_QUERY_THROW)->addActionLock();
 }
 
-HiddenClone::~HiddenClone() {
-  clone_ = {};
+HiddenWorkbook::~HiddenWorkbook() {
+  workbook_ = {};
   try {
     if (object_.is()) object_->close(true);
-    if (!original_.is()) return;
-    Reference<css::util::XModifyBroadcaster>(original_, UNO_QUERY_THROW)
-        ->removeModifyListener(listener_);
   } catch (const css::uno::Exception&) {
-    // The office or the workbook is gone, and the clone with it.
+    // The office is gone, and this workbook with it.
   }
-}
-
-HiddenClone::Place HiddenClone::freePlace(const std::string& sheet) {
-  const auto known = places_.find(sheet);
-  if (known != places_.end()) return known->second;
-  // Not at the end of the sheet: everything would take long on all the rows and columns before it.
-  constexpr int rowsBetween = 100, columnsBetween = 50;
-  const auto used = findUsedRange(clone_, sheet);
-  const Area area = used ? used->areas.front() : Area{};
-  const Place place{std::min(area.lastRow + rowsBetween, maxRow),
-                    std::min(area.lastColumn + columnsBetween, maxColumn)};
-  places_.emplace(sheet, place);
-  return place;
-}
-
-bool HiddenClone::isOf(const Workbook& workbook) const {
-  return !*changed_ && original_ == workbook.model;
 }
 
 }  // namespace quorin::host::calc

@@ -1,0 +1,18 @@
+// CalcTables: the workbook's tables, which Calc keeps as database ranges. Call thread.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+#include "host/calc/TableItems.h"
+
+namespace quorin::host::calc {
+
+// The cells of that part of the table, its name in any case. `row` is the one that "this row"
+// means. Nothing when there is no such table, part or column.
+std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& table,
+                                  const TableItems& items, std::optional<int> row);
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,29 @@
+// The pieces of Excel's grammar that both reading and writing expressions need: the sheets before
+// "!", a range, a number. Pure functions over text; positions are bytes and move behind what was
+// read, or stay when nothing was.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/calc/ReferenceText.h"
+
+namespace quorin::host::calc {
+
+// "Sheet!", "First:Last!", "[Book]Sheet!" and the same in quotes, with whatever folder stands
+// before the book left out. Each part but one is empty where the text has none.
+struct SheetSpan {
+  std::string book, first, last;
+  bool operator==(const SheetSpan&) const = default;
+};
+std::optional<SheetSpan> readSheetSpan(std::string_view text, std::size_t& position);
+
+// "A1", "$A$1:B2", "A:C", "2:5". A lone column or row is no range, and neither is the beginning of
+// a function's name (LOG10) or of a spill reference (A1#).
+std::optional<RangeText> readRange(std::string_view text, std::size_t& position);
+
+// "12", "1.5", ".5", "1.5E+3".
+bool isNumber(std::string_view word);
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,73 @@
+#include "host/calc/ExpressionScope.h"
+
+#include <algorithm>
+
+#include "host/Address.h"
+#include "host/calc/CalcLookup.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/CalcTables.h"
+#include "host/calc/CalcView.h"
+#include "host/calc/FormulaTranslator.h"
+
+namespace quorin::host::calc {
+namespace {
+
+std::string prefixOf(const SheetRef& sheet, const std::string& book) {
+  const std::string inside = sheet.book == book ? "" : "[" + sheet.book + "]";
+  return excelSheet(inside + sheet.sheet) + "!";
+}
+
+std::string excelText(const RangeRef& range, const std::string& book) {
+  return prefixOf(range.sheet, book) + addressText({range.areas.front()});
+}
+
+// The row that "this row" means: the active cell's, as for a formula typed there.
+std::optional<int> activeRow(CalcWorkbooks& workbooks, const SheetRef& from) {
+  const RangeRef cell = activeCellOf(workbooks.windowOf(from.book));
+  if (cell.sheet.sheet != from.sheet) return std::nullopt;
+  return cell.areas.front().firstRow;
+}
+
+}  // namespace
+
+std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& book,
+                                  const std::string& sheet) {
+  const std::vector<std::string> books = workbooks.names();
+  if (std::count(books.begin(), books.end(), book) != 1) return std::nullopt;
+  for (const std::string& name : sheetNames(*workbooks.named(book))) {
+    if (equalIgnoringCase(name, sheet)) return SheetRef{book, name};
+  }
+  return std::nullopt;
+}
+
+ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
+                                  std::vector<std::string> sheets) {
+  ExpressionContext context{.from = from, .sheets = std::move(sheets)};
+  context.meaning = [&workbooks, from](const SheetRef& scope,
+                                       const std::string& name) -> std::optional<std::string> {
+    const std::shared_ptr<Workbook> workbook = workbooks.named(scope.book);
+    const std::string& sheet = scope.sheet.empty() ? from.sheet : scope.sheet;
+    if (scope.book != from.book) {  // what it stands for is spelled for its own workbook
+      const auto range = findNamed(*workbook, sheet, name);
+      return range ? std::optional(excelText(*range, from.book)) : std::nullopt;
+    }
+    if (const auto content = nameContent(*workbook, sheet, name)) {
+      const std::string text = excelFormula("=" + *content, ReferenceStyle::a1, {});
+      return text.substr(1);
+    }
+    const auto table = tableArea(*workbook, name, {.data = true}, std::nullopt);
+    return table ? std::optional(excelText(*table, from.book)) : std::nullopt;
+  };
+  context.tablePart = [&workbooks, from](const std::string& table,
+                                         const TableItems& items) -> std::string {
+    const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
+    if (!tableArea(*workbook, table, {.all = true}, std::nullopt)) return "#NAME?";
+    const auto row = items.thisRow ? activeRow(workbooks, from) : std::nullopt;
+    const auto area = tableArea(*workbook, table, items, row);
+    if (area) return excelText(*area, from.book);
+    return items.thisRow ? "#VALUE!" : "#REF!";
+  };
+  return context;
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,18 @@
+// ExpressionScope: what the words of an expression mean, as seen from one sheet: the workbook's
+// sheets, defined names and tables. Call thread.
+#pragma once
+
+#include "host/calc/CalcExpression.h"
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+// The context refers to both arguments, which have to outlive it. The caller adds `elsewhere`.
+ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
+                                  std::vector<std::string> sheets);
+
+// The sheet as it is spelled there; nothing when one of the two names is unknown.
+std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& book,
+                                  const std::string& sheet);
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,69 @@
+// ExpressionWriter: walks once over an Excel expression and writes it in Calc's grammar. The names
+// it meets are written as what they stand for, by writers of their own. Throws Malformed where the
+// text cannot be an expression.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/calc/CalcExpression.h"
+#include "host/calc/ExcelReference.h"
+
+namespace quorin::host::calc {
+
+struct Malformed {};
+
+class ExpressionWriter {
+ public:
+  ExpressionWriter(std::string_view text, const ExpressionContext& context, Reach& reach,
+                   int depth = 0)
+      : text_(text), context_(context), reach_(reach), depth_(depth) {}
+
+  std::string run();
+  bool isOnePiece() const { return pieces_ == 1; }
+
+ private:
+  struct Frame {
+    std::string function;  // empty for plain brackets
+    std::size_t content;   // where the content begins in the output
+  };
+
+  bool at(std::string_view any) const {
+    return at_ < text_.size() && any.find(text_[at_]) != std::string_view::npos;
+  }
+  void step();
+  void operand(bool mayBeReference);
+  void blanks();
+  void copyString();
+  void copyArray();
+  void open(const std::string& function);
+  void close();
+  void separator(char c);
+  void sign(char c);
+  void nameOrReference();
+  void reference(const std::optional<SheetSpan>& span, const RangeText& range);
+  void word(const std::optional<SheetSpan>& span);
+  void number(const std::string& word);
+  void function(std::string name);
+  void table(const std::string& name);
+  void name(const std::optional<SheetSpan>& span, const std::string& word);
+  void expansion(const std::string& excel);
+  bool isExponentSign() const;
+  std::optional<SheetPlace> placeOf(const std::string& book, const std::string& sheet) const;
+  void reachSpan(const SheetPlace& first, const SheetPlace& last, const RangeText& range);
+
+  const std::string_view text_;
+  const ExpressionContext& context_;
+  Reach& reach_;
+  const int depth_;  // of names within names
+  std::size_t at_ = 0;
+  int pieces_ = 0;
+  std::string out_;
+  std::vector<Frame> frames_;
+  bool operandExpected_ = true;
+  bool reference_ = false;  // the operand just written may be a reference
+};
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,217 @@
+#include "host/calc/ValueMirror.h"
+
+#include <algorithm>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/sheet/XNamedRange.hpp>
+#include <com/sun/star/sheet/XNamedRanges.hpp>
+#include <com/sun/star/sheet/XSheetOperation.hpp>
+#include <com/sun/star/sheet/XSpreadsheets.hpp>
+
+#include "host/Address.h"
+#include "host/calc/CalcCells.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/CellWriter.h"
+#include "host/calc/ReferenceText.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::beans::XPropertySet;
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+constexpr long long mostCellsReached = 400'000;
+constexpr long long cellsAtOnce = 10'000;  // the office does nothing else for these
+constexpr long long fewCells = 2'000;      // not worth asking which of them are filled
+constexpr sal_Int32 everything = 1023;     // contents and formats of every kind
+const Area wholeSheet{1, 1, maxRow, maxColumn};
+
+bool contains(const RangeRef& outer, const RangeRef& inner) {
+  return outer.sheet == inner.sheet &&
+         intersection(outer.areas.front(), inner.areas.front()) == inner.areas.front();
+}
+
+Area hull(const Area& a, const Area& b) {
+  return {std::min(a.firstRow, b.firstRow), std::min(a.firstColumn, b.firstColumn),
+          std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
+}
+
+// Whole rows of the area, as many as may be read at once.
+std::vector<Area> pieces(const Area& area) {
+  std::vector<Area> result;
+  const long long columns = columnCount(area);
+  const int rows = static_cast<int>(std::max(1LL, cellsAtOnce / columns));
+  for (int row = area.firstRow; row <= area.lastRow; row += rows) {
+    result.push_back(
+        {row, area.firstColumn, std::min(row + rows - 1, area.lastRow), area.lastColumn});
+  }
+  return result;
+}
+
+Reference<css::sheet::XNamedRanges> namesOf(const Reference<css::uno::XInterface>& owner) {
+  return {Reference<XPropertySet>(owner, UNO_QUERY_THROW)->getPropertyValue("NamedRanges"),
+          UNO_QUERY_THROW};
+}
+
+void copyNames(const Reference<css::uno::XInterface>& from,
+               const Reference<css::uno::XInterface>& to) {
+  const Reference<css::sheet::XNamedRanges> source = namesOf(from), target = namesOf(to);
+  for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
+  for (const rtl::OUString& name : source->getElementNames()) {
+    const Reference<css::sheet::XNamedRange> entry(source->getByName(name), UNO_QUERY_THROW);
+    try {
+      target->addNewByName(name, entry->getContent(), entry->getReferencePosition(), 0);
+    } catch (const css::uno::RuntimeException&) {
+      // A file may hold names that nobody could enter, and that no text can refer to.
+    }
+  }
+}
+
+}  // namespace
+
+ValueMirror::ValueMirror(const Reference<css::uno::XComponentContext>& context,
+                         const Workbook& original, std::vector<std::string> sheets)
+    : hidden_(context),
+      original_(original.model),
+      book_(original.name),
+      sheets_(std::move(sheets)),
+      formulaSheet_("quorin") {
+  while (std::find(sheets_.begin(), sheets_.end(), formulaSheet_) != sheets_.end()) {
+    formulaSheet_ += " ";
+    formulaSheet_ += "quorin";
+  }
+  adoptSettings(original);
+  const std::string first = sheetNames(workbook()).front();
+  const Reference<css::container::XNamed> only(sheetOf(workbook(), first), UNO_QUERY_THROW);
+  only->setName(toUno(sheets_.front()));
+  for (std::size_t i = 1; i < sheets_.size(); ++i) addSheet(sheets_[i]);
+  addSheet(formulaSheet_);
+}
+
+void ValueMirror::addSheet(const std::string& name) {
+  const Reference<css::sheet::XSpreadsheets> sheets(workbook().sheets, UNO_QUERY_THROW);
+  sheets->insertNewByName(toUno(name), std::numeric_limits<sal_Int16>::max());
+}
+
+// What a calculation depends on beside the cells.
+void ValueMirror::adoptSettings(const Workbook& original) {
+  const Reference<XPropertySet> from(original.document, UNO_QUERY_THROW),
+      to(workbook().document, UNO_QUERY_THROW);
+  for (const char* name : {"NullDate", "IgnoreCase", "CalcAsShown", "MatchWholeCell",
+                           "RegularExpressions", "Wildcards", "LookUpLabels", "StandardDecimals"}) {
+    const rtl::OUString property = rtl::OUString::createFromAscii(name);
+    to->setPropertyValue(property, from->getPropertyValue(property));
+  }
+  // How text is read as a reference.
+  const auto settings = [](const Reference<css::uno::XInterface>& document) {
+    const Reference<css::lang::XMultiServiceFactory> factory(document, UNO_QUERY_THROW);
+    return Reference<XPropertySet>(factory->createInstance("com.sun.star.document.Settings"),
+                                   UNO_QUERY_THROW);
+  };
+  const Any syntax = settings(original.document)->getPropertyValue("SyntaxStringRef");
+  if (syntax.hasValue()) settings(workbook().document)->setPropertyValue("SyntaxStringRef", syntax);
+}
+
+bool ValueMirror::isOf(const Workbook& original, const std::vector<std::string>& sheets) const {
+  return original_ == original.model && book_ == original.name && sheets_ == sheets;
+}
+
+SheetPlace ValueMirror::foreignSheet(const SheetRef& sheet) {
+  const auto [entry, isNew] = foreign_.try_emplace({sheet.book, sheet.sheet});
+  if (isNew) {
+    entry->second = formulaSheet_ + " " + std::to_string(foreign_.size());
+    addSheet(entry->second);
+  }
+  return {sheet, calcSheet(entry->second)};
+}
+
+std::string ValueMirror::mirrored(const SheetRef& sheet) {
+  if (sheet.book == book_) return sheet.sheet;
+  return foreign_.at({sheet.book, sheet.sheet});
+}
+
+// The areas to read, as the expression has them and grown by what its functions add to them.
+std::vector<RangeRef> ValueMirror::wanted(const Workbook& original, const Reach& reach) const {
+  std::vector<RangeRef> areas = reach.cells;
+  if (reach.anywhere) {
+    for (const std::string& sheet : sheets_)
+      areas.push_back({{original.name, sheet}, {wholeSheet}});
+  }
+  for (RangeRef& area : areas) {
+    if (reach.shifts) area.areas = {wholeSheet};
+    if (!reach.spans) continue;
+    for (const RangeRef& other : areas) {
+      if (other.sheet == area.sheet) {
+        area.areas = {hull(area.areas.front(), other.areas.front())};
+      }
+    }
+  }
+  std::vector<RangeRef> distinct;
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    const bool covered = std::any_of(areas.begin(), areas.end(), [&](const RangeRef& other) {
+      const auto position = static_cast<std::size_t>(&other - areas.data());
+      return position != i && contains(other, areas[i]) &&
+             (position < i || !contains(areas[i], other));
+    });
+    if (!covered) distinct.push_back(areas[i]);
+  }
+  return distinct;
+}
+
+void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
+  std::vector<RangeRef> areas;
+  long long cells = 0;
+  for (RangeRef& range : wanted(*workbooks.named(book_), reach)) {
+    if (cellCount(range.areas) > fewCells) {
+      const auto filled = filledPart(*workbooks.named(range.sheet.book), range);
+      if (!filled) continue;
+      range.areas = {*filled};
+    }
+    cells += cellCount(range.areas);
+    if (cells > mostCellsReached) {
+      throw SpreadsheetError(-50, "The expression looks at too many cells");
+    }
+    areas.push_back(range);
+  }
+  std::vector<Block> blocks;
+  for (const RangeRef& range : areas) {
+    for (const Area& piece : pieces(range.areas.front())) {
+      blocks.push_back({mirrored(range.sheet), piece,
+                        readValues(*workbooks.named(range.sheet.book), {range.sheet, {piece}})});
+    }
+  }
+  if (blocks == blocks_) return;
+  for (const Block& old : std::exchange(blocks_, {})) {
+    Reference<css::sheet::XSheetOperation>(cellsOf(workbook(), old.sheet, old.area),
+                                           UNO_QUERY_THROW)
+        ->clearContents(everything);
+  }
+  blocks_ = std::move(blocks);
+  for (const Block& block : blocks_) {
+    writeValues(sheetOf(workbook(), block.sheet), block.area, block.values);
+  }
+}
+
+void ValueMirror::bringNames(const Workbook& original) {
+  copyNames(original.document, workbook().document);
+  for (const std::string& sheet : sheets_) {
+    copyNames(sheetOf(original, sheet), sheetOf(workbook(), sheet));
+  }
+}
+
+std::pair<int, int> ValueMirror::freePlace() const {
+  // Not at the end of the sheet: everything would take long on all the rows and columns before it.
+  constexpr int rowsBetween = 100, columnsBetween = 50;
+  int row = 1, column = 1;
+  for (const Block& block : blocks_) {
+    row = std::max(row, block.area.lastRow);
+    column = std::max(column, block.area.lastColumn);
+  }
+  return {std::min(row + rowsBetween, maxRow), std::min(column + columnsBetween, maxColumn)};
+}
+
+}  // namespace quorin::host::calc

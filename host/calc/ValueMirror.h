@@ -1,0 +1,61 @@
+// ValueMirror: a hidden workbook with the sheets of one of the user's workbooks, in which only
+// those cells are filled that an expression looks at, with their present values. So an expression
+// costs what it reaches, not what the workbook holds, and the user's workbook is only ever read, in
+// pieces between which the user's own work goes on. Nothing in it is older than the last bring().
+// Call thread.
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcExpression.h"
+#include "host/calc/HiddenWorkbook.h"
+
+namespace quorin::host::calc {
+
+class ValueMirror {
+ public:
+  // `sheets` are the original's, in their order.
+  ValueMirror(const css::uno::Reference<css::uno::XComponentContext>& context,
+              const Workbook& original, std::vector<std::string> sheets);
+
+  bool isOf(const Workbook& original, const std::vector<std::string>& sheets) const;
+  Workbook& workbook() { return hidden_.workbook(); }
+
+  // A sheet of its own for formulas, where no reference leads.
+  const std::string& formulaSheet() const { return formulaSheet_; }
+  // The sheet that stands for one of another workbook.
+  SheetPlace foreignSheet(const SheetRef& sheet);
+
+  // Fills the cells that the expression reaches. SpreadsheetError -50 when they are too many.
+  void bring(CalcWorkbooks& workbooks, const Reach& reach);
+  // Gives it the names of the original, which text can refer to.
+  void bringNames(const Workbook& original);
+  // A cell well below and to the right of all that is filled.
+  std::pair<int, int> freePlace() const;
+
+ private:
+  struct Block {
+    std::string sheet;  // of the mirror
+    Area area;
+    Grid<CellValue> values;
+    bool operator==(const Block&) const = default;
+  };
+  std::vector<RangeRef> wanted(const Workbook& original, const Reach& reach) const;
+  std::string mirrored(const SheetRef& sheet);
+  void adoptSettings(const Workbook& original);
+  void addSheet(const std::string& name);
+
+  HiddenWorkbook hidden_;
+  const css::uno::Reference<css::frame::XModel> original_;
+  const std::string book_;
+  const std::vector<std::string> sheets_;
+  std::string formulaSheet_;
+  std::map<std::pair<std::string, std::string>, std::string> foreign_;  // by book and sheet
+  std::vector<Block> blocks_;
+};
+
+}  // namespace quorin::host::calc
