@@ -1,9 +1,11 @@
 #include "host/calc/OfficeProcess.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sstream>
 #include <string_view>
 #include <sys/stat.h>
@@ -14,6 +16,7 @@ namespace quorin::host::calc {
 namespace {
 
 using namespace std::string_view_literals;
+constexpr std::string_view requestSocketName = "_SingleOfficeIPC_";
 constexpr std::string_view installationArgument = "-env:UserInstallation=";
 
 // Empty when the process ends meanwhile: reading fails then, also after the file was opened.
@@ -55,6 +58,28 @@ bool OfficeProcess::hasArgument(std::string_view name) const {
   return std::any_of(arguments.begin(), arguments.end(), [name](std::string_view argument) {
     return argument.starts_with('-') && argument.substr(argument.starts_with("--") ? 2 : 1) == name;
   });
+}
+
+// The sockets that a process holds are links to "socket:[INODE]"; the list of all sockets tells
+// inode and path of each, as its seventh and eighth word.
+std::optional<std::filesystem::path> OfficeProcess::requestSocket(
+    const std::filesystem::path& proc) const {
+  const std::filesystem::path own = proc / std::to_string(id);
+  std::map<std::string, std::string> paths;
+  std::istringstream sockets(contentsOf(own / "net" / "unix"));
+  for (std::string line; std::getline(sockets, line);) {
+    if (line.find(requestSocketName) == std::string::npos) continue;
+    std::istringstream words(line);
+    std::array<std::string, 8> word;
+    for (std::string& one : word) words >> one;
+    paths["socket:[" + word[6] + "]"] = word[7];
+  }
+  std::error_code failure;
+  for (const auto& entry : std::filesystem::directory_iterator(own / "fd", failure)) {
+    const auto found = paths.find(std::filesystem::read_symlink(entry.path(), failure).string());
+    if (found != paths.end()) return found->second;
+  }
+  return std::nullopt;
 }
 
 std::vector<OfficeProcess> officeProcesses(const std::filesystem::path& proc) {

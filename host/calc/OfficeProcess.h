@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -17,6 +18,10 @@ struct OfficeProcess {
   // The value of -env:UserInstallation, a file URL; empty for the default folder.
   std::string userInstallation() const;
   bool hasArgument(std::string_view argument) const;  // with one or two dashes in front
+  // The socket through which it takes the command lines of further starts with its user folder.
+  // None while it is just starting, or when it may not be looked into.
+  std::optional<std::filesystem::path> requestSocket(
+      const std::filesystem::path& proc = "/proc") const;
   bool operator==(const OfficeProcess&) const = default;
 };
 

@@ -1,5 +1,5 @@
-// RunningOffice: the user's own Calc. It is asked to listen by a second start with the same user
-// folder, which the office's own single-instance pipe hands over to it; no office is ever started.
+// RunningOffice: the user's own Calc. It is asked to listen over the socket through which it takes
+// the command lines of further starts; nothing is ever started.
 #pragma once
 
 #include <atomic>
@@ -22,8 +22,8 @@ class RunningOffice : public OfficeSource {
 
   bool isRunning() override { return discovery_->runningCalc().has_value(); }
 
-  // -600 when no Calc runs, -1712 when it is stopped or does not answer within two seconds, -1743
-  // when it listens where we cannot reach it (another system's folder, a sandbox).
+  // -600 when no Calc runs, -1712 when it is stopped, just starting or does not answer within two
+  // seconds, -1743 when it listens where we cannot reach it (another system's folder, a sandbox).
   OfficeAddress open() override;
   void interrupt() override { interrupted_ = true; }
 

@@ -10,10 +10,10 @@
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/PrivateOffice.h"
 #include "host/calc/RunningOffice.h"
-#include "tests/calc/VirtualDisplay.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
+#include "tests/fakes/ui/VirtualDisplay.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -40,7 +40,7 @@ int numberOf(const std::function<void()>& call) {
 
 // The display, the office and the workbook, once for all tests.
 struct Desktop {
-  VirtualDisplay display;
+  ui::VirtualDisplay display{{1400, 900}};
   TemporaryFolder folder;
   std::shared_ptr<PrivateOffice> office;
   std::shared_ptr<OfficeDiscovery> discovery = std::make_shared<OfficeDiscovery>();

@@ -44,5 +44,30 @@ TEST_F(FakeProcesses, LeavesOutProcessesThatAreEnding) {
   EXPECT_TRUE(officeProcesses(proc.path()).empty());
 }
 
+TEST_F(FakeProcesses, KnowsTheSocketThatAnOfficeTakesRequestsAt) {
+  add("5", "soffice.bin", "soffice.bin");
+  const OfficeProcess office{5, "soffice.bin", {}};
+  EXPECT_EQ(office.requestSocket(proc.path()), std::nullopt) << "it may not be looked into";
+  std::filesystem::create_directories(proc.path() / "5" / "net");
+  std::filesystem::create_directories(proc.path() / "5" / "fd");
+  std::ofstream(proc.path() / "5" / "net" / "unix")
+      << "Num       RefCount Protocol Flags    Type St Inode Path\n"
+         "0000000000000000: 00000002 00000000 00010000 0001 01 41 /tmp/OSL_PIPE_0_other\n"
+         "0000000000000000: 00000003 00000000 00000000 0001 03 42\n"
+         "0000000000000000: 00000002 00000000 00010000 0001 01 43 "
+         "/tmp/OSL_PIPE_0_SingleOfficeIPC_a\n"
+         "0000000000000000: 00000002 00000000 00010000 0001 01 44 "
+         "/tmp/OSL_PIPE_0_SingleOfficeIPC_b\n";
+  const auto hold = [&](const char* number, const char* what) {
+    std::filesystem::create_symlink(what, proc.path() / "5" / "fd" / number);
+  };
+  hold("0", "/dev/null");
+  hold("7", "socket:[41]");
+  hold("8", "socket:[42]");
+  EXPECT_EQ(office.requestSocket(proc.path()), std::nullopt) << "it is just starting";
+  hold("9", "socket:[44]");
+  EXPECT_EQ(office.requestSocket(proc.path()), "/tmp/OSL_PIPE_0_SingleOfficeIPC_b");
+}
+
 }  // namespace
 }  // namespace quorin::host::calc

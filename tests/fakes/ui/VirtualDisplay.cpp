@@ -102,6 +102,14 @@ void VirtualDisplay::startWindowManager() {
   if (told != "ready") throw std::runtime_error("openbox did not start");
 }
 
+bool VirtualDisplay::xdotool(const std::vector<std::string>& arguments) const {
+  std::vector<std::string> command{"xdotool"};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  ChildProcess::Options options;
+  options.environment["DISPLAY"] = name_;
+  return ChildProcess(command, options).wait(std::chrono::seconds(20)) == 0;
+}
+
 void VirtualDisplay::screenshot(const std::string& file) const {
   ChildProcess::run({"import", "-display", name_, "-window", "root", file});
 }

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <memory>
+#include <signal.h>
 #include <string>
+#include <vector>
 
 #include "tests/fakes/ui/ChildProcess.h"
 
@@ -22,6 +24,12 @@ class VirtualDisplay {
   const std::string& name() const { return name_; }
   void startWindowManager();
   void stopWindowManager() { windowManager_.reset(); }
+  // For a while it answers nothing.
+  void pauseWindowManager() const { windowManager_->signal(SIGSTOP); }
+  void resumeWindowManager() const { windowManager_->signal(SIGCONT); }
+
+  // Keys, clicks and windows, as xdotool's arguments say. False when that fails.
+  bool xdotool(const std::vector<std::string>& arguments) const;
 
   // Everything on the screen, as a PNG file.
   void screenshot(const std::string& file) const;
