@@ -10,7 +10,7 @@ namespace quorin {
 
 namespace {
 
-constexpr guint settlingMilliseconds = 400;
+constexpr guint settlingMilliseconds = 1000;
 constexpr guint savingMilliseconds = 200;
 
 // Monitors with the primary one first.
@@ -107,8 +107,15 @@ ScreenFrame GtkPanelWindow::actualFrame() const {
   return DesktopGeometry::toPoints(rectOf(extents), screenHeight());
 }
 
+bool GtkPanelWindow::isMapped() const {
+  return gtk_widget_get_mapped(GTK_WIDGET(window_));
+}
+
 ScreenFrame GtkPanelWindow::frame() const {
-  if (gtk_widget_get_mapped(GTK_WIDGET(window_)) && !settling_) return actualFrame();
+  return isMapped() && !settling_ ? actualFrame() : wantedFrame();
+}
+
+ScreenFrame GtkPanelWindow::wantedFrame() const {
   ScreenFrame frame = target_;
   if (targetIsContent_) {
     const Decoration around = decoration();
@@ -133,12 +140,12 @@ void GtkPanelWindow::setWidening(double width, double shift) {
 // the native window is moved then.
 void GtkPanelWindow::apply() {
   settle();
-  const DesktopRect frame = DesktopGeometry::toDesktop(this->frame(), screenHeight());
+  const DesktopRect frame = DesktopGeometry::toDesktop(wantedFrame(), screenHeight());
   const Decoration around = decoration();
   const int width = std::max(frame.width - around.left - around.right, 1);
   const int height = std::max(frame.height - around.top - around.bottom, 1);
   gtk_window_resize(window_, width, height);
-  if (gtk_widget_get_mapped(GTK_WIDGET(window_))) {
+  if (isMapped()) {
     gtk_window_move(window_, frame.x, frame.y);
   } else {
     gdk_window_move_resize(native(), frame.x, frame.y, width, height);
@@ -149,8 +156,15 @@ void GtkPanelWindow::settle() {
   settling_.reset(g_timeout_add(settlingMilliseconds, settled, this));
 }
 
+void GtkPanelWindow::endSettling() {
+  settling_.reset();
+  if (isMapped()) rest_ = actualFrame();
+}
+
 gboolean GtkPanelWindow::settled(gpointer data) {
-  static_cast<GtkPanelWindow*>(data)->settling_.forget();
+  auto& self = *static_cast<GtkPanelWindow*>(data);
+  self.settling_.forget();
+  self.endSettling();
   return G_SOURCE_REMOVE;
 }
 
@@ -208,11 +222,12 @@ void GtkPanelWindow::resignKey() {
 
 void GtkPanelWindow::orderOut() {
   if (!isVisible()) return;
-  if (gtk_widget_get_mapped(GTK_WIDGET(window_)) && !settling_) {
+  saving_.reset();
+  if (isMapped() && !settling_) {
+    saveUsersFrame();
     target_ = actualFrame();
     targetIsContent_ = false;
   }
-  if (saving_) save(this);
   keyWanted_ = false;
   gtk_widget_hide(GTK_WIDGET(window_));
 }
@@ -249,6 +264,7 @@ gboolean GtkPanelWindow::closeRequested(GtkWidget*, GdkEvent*, gpointer data) {
 gboolean GtkPanelWindow::mapped(GtkWidget*, GdkEvent*, gpointer data) {
   auto& self = *static_cast<GtkPanelWindow*>(data);
   self.apply();
+  if (self.actualFrame() == self.wantedFrame()) self.endSettling();
   if (self.keyWanted_) {
     self.keyWanted_ = false;
     self.session_.requestActivation(self.id());
@@ -258,24 +274,32 @@ gboolean GtkPanelWindow::mapped(GtkWidget*, GdkEvent*, gpointer data) {
 
 gboolean GtkPanelWindow::configured(GtkWidget*, GdkEvent*, gpointer data) {
   auto& self = *static_cast<GtkPanelWindow*>(data);
-  // A hidden window is moved without its decoration, and what we asked for is not the user's doing.
-  if (!gtk_widget_get_mapped(GTK_WIDGET(self.window_)) || self.settling_) return FALSE;
-  self.saving_.reset(g_timeout_add(savingMilliseconds, save, data));
+  if (!self.isMapped()) return FALSE;  // a hidden window is moved without its decoration
+  if (!self.settling_) {
+    self.saving_.reset(g_timeout_add(savingMilliseconds, save, data));
+  } else if (self.actualFrame() == self.wantedFrame()) {
+    self.endSettling();
+  }
   return FALSE;
 }
 
 gboolean GtkPanelWindow::save(gpointer data) {
   auto& self = *static_cast<GtkPanelWindow*>(data);
   self.saving_.forget();
-  const ScreenFrame frame = self.actualFrame();
-  if (frame == self.target_ || self.settling_) return G_SOURCE_REMOVE;
-  self.target_ = frame;
-  self.targetIsContent_ = false;
-  const ScreenFrame narrow{frame.x + self.shift_, frame.y, frame.width - self.widening_,
-                           frame.height};
-  const Screen screen = self.screen().value_or(Screen{});
-  self.defaults_.setString(self.frameKey_, DesktopGeometry::savedFrameText(narrow, screen.frame));
+  if (!self.settling_) self.saveUsersFrame();
   return G_SOURCE_REMOVE;
+}
+
+void GtkPanelWindow::saveUsersFrame() {
+  const ScreenFrame frame = actualFrame();
+  if (frame == rest_) return;
+  rest_ = frame;
+  if (frame == wantedFrame()) return;  // a late answer to what we asked for
+  target_ = frame;
+  targetIsContent_ = false;
+  const ScreenFrame narrow{frame.x + shift_, frame.y, frame.width - widening_, frame.height};
+  const Screen on = screen().value_or(Screen{});
+  defaults_.setString(frameKey_, DesktopGeometry::savedFrameText(narrow, on.frame));
 }
 
 void GtkPanelWindow::activeChanged(GObject*, GParamSpec*, gpointer data) {

@@ -1,8 +1,8 @@
 // GtkPanelWindow: the panel window port over a GTK window on X11.
 //
 // Window managers answer late and in their own way: the frame that was asked for counts until the
-// window manager has had time to answer, and only what changes after that is the user's doing. The
-// user's frames are saved in the defaults.
+// window has it or the window manager has had time to answer, and what changes after that is the
+// user's doing, unless it is what was asked for. The user's frames are saved in the defaults.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -50,9 +50,13 @@ class GtkPanelWindow : public PanelWindow {
   GdkWindow* native() const { return gtk_widget_get_window(GTK_WIDGET(window_)); }
   Decoration decoration() const;
   int screenHeight() const;
+  bool isMapped() const;
   ScreenFrame actualFrame() const;
+  ScreenFrame wantedFrame() const;
   void apply();
   void settle();
+  void endSettling();
+  void saveUsersFrame();
   void stayAboveFullScreen();
 
   X11Session& session_;
@@ -64,6 +68,7 @@ class GtkPanelWindow : public PanelWindow {
 
   ScreenFrame target_;
   bool targetIsContent_ = false;  // the decoration is still to be added around it
+  ScreenFrame rest_;              // where the window came to rest; another frame is the user's
   double widening_ = 0, shift_ = 0;
   bool keyWanted_ = false;  // as soon as the window is mapped
   bool resigned_ = false;   // and the window manager has not yet said so

@@ -50,11 +50,13 @@ X11Session::X11Session(GdkDisplay* display)
   clock_ = gdk_window_new(root_, &attributes, 0);
   gdk_window_set_events(
       root_, static_cast<GdkEventMask>(gdk_window_get_events(root_) | GDK_PROPERTY_CHANGE_MASK));
-  gdk_window_add_filter(root_, filter, this);
+  // Of all windows: those of other applications are none that GDK knows.
+  gdk_window_add_filter(nullptr, filter, this);
+  watchActiveWindow();
 }
 
 X11Session::~X11Session() {
-  gdk_window_remove_filter(root_, filter, this);
+  gdk_window_remove_filter(nullptr, filter, this);
   gdk_window_destroy(clock_);
 }
 
@@ -65,12 +67,25 @@ X11Session::WindowId X11Session::idOf(GdkWindow* window) {
 GdkFilterReturn X11Session::filter(void* xevent, GdkEvent*, gpointer data) {
   auto& self = *static_cast<X11Session*>(data);
   const auto* event = static_cast<XEvent*>(xevent);
-  if (event->type == PropertyNotify &&
-      event->xproperty.atom == atom(self.display_, "_NET_ACTIVE_WINDOW")) {
+  if (event->type != PropertyNotify) return GDK_FILTER_CONTINUE;
+  const XPropertyEvent& changed = event->xproperty;
+  if (changed.window == idOf(self.root_) &&
+      changed.atom == atom(self.display_, "_NET_ACTIVE_WINDOW")) {
     self.requested_ = 0;
+    self.watchActiveWindow();
+    if (self.changed_) self.changed_();
+  } else if (changed.window == self.watched_ && changed.atom == XA_WM_CLASS) {
     if (self.changed_) self.changed_();
   }
   return GDK_FILTER_CONTINUE;
+}
+
+// A window may get its class only after it has come to the front. GDK watches its own windows.
+void X11Session::watchActiveWindow() {
+  watched_ = activeWindow();
+  if (watched_ == 0 || gdk_x11_window_lookup_for_display(display_, watched_)) return;
+  const XErrorTrap trap(display_);
+  XSelectInput(gdk_x11_display_get_xdisplay(display_), watched_, PropertyChangeMask);
 }
 
 // A property of 32-bit items; empty when it is absent, of another type or the window is gone.

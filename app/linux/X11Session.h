@@ -35,7 +35,7 @@ class X11Session {
   // The window with the keyboard; without a window manager the top-level one that has the focus.
   WindowId activeWindow() const;
 
-  // Called after the active window has changed.
+  // Called after the active window, or the class of that window, has changed.
   void setOnActiveWindowChanged(std::function<void()> handler) { changed_ = std::move(handler); }
 
   // All managed windows, the topmost first.
@@ -63,12 +63,14 @@ class X11Session {
   bool hasAtom(WindowId id, const char* name, const char* value) const;
   bool hasWindowManager() const;
   WindowId focusedTopLevel() const;
+  void watchActiveWindow();
   void send(WindowId id, const char* message, long first, long second);
 
   GdkDisplay* display_;
   GdkWindow* root_;
   GdkWindow* clock_;  // where the server's time is asked for
   WindowId requested_ = 0;
+  WindowId watched_ = 0;  // the active window
   std::function<void()> changed_;
 };
 

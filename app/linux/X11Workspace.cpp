@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtk/gtk.h>
+#include <strings.h>
 #include <unistd.h>
 
 namespace quorin {
@@ -11,6 +12,7 @@ namespace {
 constexpr const char* excelIdentifier = "com.microsoft.Excel";
 constexpr const char* calcClass = "libreoffice-calc";
 constexpr const char* startCentreClass = "libreoffice-startcenter";
+constexpr const char* openingClass = "soffice";
 constexpr int transientLevels = 8;
 constexpr guint settlingMilliseconds = 150;
 
@@ -18,7 +20,7 @@ constexpr guint settlingMilliseconds = 150;
 
 X11Workspace::X11Workspace(X11Session& session) : session_(session) {
   session_.setOnActiveWindowChanged([this] { activeWindowChanged(); });
-  front_ = front();
+  front_ = front(session_.activeWindow());
   if (front_) told_ = front_->application;
 }
 
@@ -48,8 +50,14 @@ bool X11Workspace::isPanel(WindowId id) const {
   return window && window->isUtility && window->processIdentifier == getpid();
 }
 
-std::optional<X11Workspace::Front> X11Workspace::front() const {
-  const WindowId active = session_.activeWindow();
+// An office's window that does not yet say which of its programs it belongs to.
+bool X11Workspace::isOpening(WindowId id) const {
+  const std::optional<X11Session::Window> window = session_.window(id);
+  return window && window->transientFor == 0 &&
+         strcasecmp(window->windowClass.c_str(), openingClass) == 0;
+}
+
+std::optional<X11Workspace::Front> X11Workspace::front(WindowId active) const {
   if (isPanel(active)) {
     if (front_ && !session_.window(front_->window)) front_.reset();
     return front_;
@@ -60,13 +68,15 @@ std::optional<X11Workspace::Front> X11Workspace::front() const {
 }
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
-  const std::optional<Front> now = front();
+  const std::optional<Front> now = front(session_.activeWindow());
   return now ? std::optional(now->application) : std::nullopt;
 }
 
 // While the keyboard changes hands there may be no active window for a moment.
 void X11Workspace::activeWindowChanged() {
-  std::optional<Front> now = front();
+  const WindowId active = session_.activeWindow();
+  if (isOpening(active)) return;
+  std::optional<Front> now = front(active);
   if (!now) {
     if (!settling_) settling_.reset(g_timeout_add(settlingMilliseconds, settled, this));
     return;
@@ -81,7 +91,7 @@ void X11Workspace::activeWindowChanged() {
 gboolean X11Workspace::settled(gpointer data) {
   auto& self = *static_cast<X11Workspace*>(data);
   self.settling_.forget();
-  if (!self.front()) {
+  if (!self.front(self.session_.activeWindow())) {
     self.front_.reset();
     self.told_.reset();
   }

@@ -34,7 +34,8 @@ class X11Workspace : public Workspace {
 
   std::optional<RunningApplication> applicationOf(WindowId id) const;
   bool isPanel(WindowId id) const;
-  std::optional<Front> front() const;
+  bool isOpening(WindowId id) const;
+  std::optional<Front> front(WindowId active) const;
   void activeWindowChanged();
   static gboolean settled(gpointer self);
 

@@ -5,14 +5,6 @@
 namespace quorin {
 
 using BridgeShapes::CompanionAction;
-using BridgeShapes::WindowBounds;
-
-namespace {
-
-constexpr std::chrono::milliseconds betweenPlaceAttempts{1000};
-constexpr int placeAttemptsAtMost = 30;
-
-}  // namespace
 
 AppDelegate::AppDelegate(Parts parts)
     : parts_(std::move(parts)), support_({parts_.platform, parts_.folders, parts_.log}) {}
@@ -89,6 +81,7 @@ void AppDelegate::promptIfCrashed(const std::optional<ISO::Date>& since, const N
 void AppDelegate::startFollowing(const QXConfig& config) {
   poller_ = std::make_unique<Poller>(parts_.platform, parts_.bridge, panel(), config.pollMs);
   poller_->start();
+  placer_ = std::make_unique<PanelPlacer>(parts_.platform, parts_.bridge, panel());
 }
 
 void AppDelegate::connectCallbacks() {
@@ -137,7 +130,7 @@ void AppDelegate::applicationActivated(const RunningApplication& application) {
   switch (action) {
     case CompanionAction::show:
       panel().showCompanion();
-      placeBesideExcelOnce();
+      placer_->place();
       break;
     case CompanionAction::hide:
       panel().hideCompanion();
@@ -147,52 +140,14 @@ void AppDelegate::applicationActivated(const RunningApplication& application) {
   }
 }
 
-// A panel that was never placed starts in a corner of the screen. When it first comes up it moves
-// beside Excel's window, as soon as Excel has told where that is.
-void AppDelegate::placeBesideExcelOnce() {
-  if (std::exchange(placed_, true) || panel().hasSavedFrame()) return;
-  askForPlace();
-}
-
-// A busy Excel is asked again after a moment.
-void AppDelegate::askForPlace() {
-  withExcelWindow([this](const std::optional<WindowBounds>& excel) {
-    if (excel) {
-      panel().positionBeside(*excel);
-    } else {
-      askForPlaceLater();
-    }
-  });
-}
-
-void AppDelegate::askForPlaceLater() {
-  if (++placeAttempts_ > placeAttemptsAtMost) return;
-  placing_ = parts_.platform.mainLoop().startTimer(betweenPlaceAttempts, TimerKind::once, [this] {
-    if (!panel().hasSavedFrame()) askForPlace();
-  });
-}
-
 void AppDelegate::raisePanel() {
-  raiseWanted_ = !poller_;
+  raiseWanted_ = !placer_;
   if (raiseWanted_) return;
-  if (panel().isVisible() || panel().hasSavedFrame()) {
+  if (panel().isVisible()) {
     panel().summon();
-    return;
+  } else {
+    placer_->showBesideExcel({"summon", JSONValue::Object{}});
   }
-  placed_ = true;
-  withExcelWindow([this](const std::optional<WindowBounds>& excel) {
-    panel().show(excel, {"summon", JSONValue::Object{}});
-    if (!excel) askForPlaceLater();
-  });
-}
-
-void AppDelegate::withExcelWindow(std::function<void(const std::optional<WindowBounds>&)> action) {
-  parts_.bridgeQueue.post([&bridge = parts_.bridge, &loop = parts_.platform.mainLoop(),
-                           alive = std::weak_ptr(alive_), action = std::move(action)] {
-    loop.post([alive, action, excel = BridgeShapes::windowBounds(bridge.probe())] {
-      if (!alive.expired()) action(excel);
-    });
-  });
 }
 
 }  // namespace quorin

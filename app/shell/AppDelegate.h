@@ -9,6 +9,7 @@
 
 #include "app/shell/HotKey.h"
 #include "app/shell/Panel.h"
+#include "app/shell/PanelPlacer.h"
 #include "app/shell/Poller.h"
 #include "app/shell/Support.h"
 #include "kit/support/ISO.h"
@@ -58,12 +59,6 @@ class AppDelegate : public ApplicationDelegate {
   void watchActivation();
 
   void applicationActivated(const RunningApplication& application);
-  void placeBesideExcelOnce();
-  void askForPlace();
-  void askForPlaceLater();
-  // Asks where Excel's window is, then goes on on the main thread.
-  void withExcelWindow(
-      std::function<void(const std::optional<BridgeShapes::WindowBounds>&)> action);
 
   Parts parts_;
   std::optional<ISO::Date> previousLaunch_;
@@ -71,9 +66,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<Poller> poller_;
   std::unique_ptr<HotKey> hotKey_;
   Support support_;
-  bool placed_ = false;
-  int placeAttempts_ = 0;
-  std::unique_ptr<Timer> placing_;
+  std::unique_ptr<PanelPlacer> placer_;
   bool raiseWanted_ = false;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };

@@ -3,6 +3,10 @@
 #include "app/linux/GtkPanelWindow.h"
 #include "tests/app/linux/GtkFixture.h"
 
+// Last: its macros are names elsewhere.
+#include <X11/Xutil.h>
+#include <gdk/gdkx.h>
+
 namespace quorin {
 namespace {
 
@@ -174,6 +178,53 @@ TEST_F(GtkPanelWindowTest, SavesWhereTheUserPutsIt) {
   again->orderFront();
   settle();
   EXPECT_EQ(again->frame(), *saved);
+}
+
+TEST_F(GtkPanelWindowTest, DoesNotTakeWhatItAskedForForTheUsersDoing) {
+  const OtherWindow other;
+  const auto window = makeWindow();
+  window->orderFront();
+  runFor(1500ms);
+  // Window managers tell where a window is also when it has not moved.
+  ChildProcess::run({"xdotool", "windowraise", std::to_string(other.id())});
+  ChildProcess::run({"xdotool", "windowraise", std::to_string(idOf("^Quorin$"))});
+  XEvent told{};
+  told.xconfigure.type = ConfigureNotify;
+  told.xconfigure.event = told.xconfigure.window = idOf("^Quorin$");
+  const ScreenFrame frame = window->frame();
+  told.xconfigure.x = 1;
+  told.xconfigure.y = 900 - static_cast<int>(frame.maxY()) + 20;
+  told.xconfigure.width = 460;
+  told.xconfigure.height = 560;
+  XSendEvent(gdk_x11_get_default_xdisplay(), told.xconfigure.window, False, StructureNotifyMask,
+             &told);
+  settle();
+  EXPECT_TRUE(defaults.texts.empty());
+}
+
+TEST_F(GtkPanelWindowTest, DoesNotTakeALateWindowManagersAnswerForTheUsersDoing) {
+  const auto window = makeWindow();
+  window->setFrame({600, 200, 460, 580});
+  window->orderFront();
+  settle();
+  display->pauseWindowManager();
+  window->setFrame({300, 100, 460, 580});
+  runFor(1500ms);
+  display->resumeWindowManager();
+  ASSERT_TRUE(waitUntil([&] { return window->frame().x == 300; }));
+  settle();
+  EXPECT_TRUE(defaults.texts.empty());
+}
+
+TEST_F(GtkPanelWindowTest, SavesWhereTheUserPutItJustBeforeItWasHidden) {
+  const auto window = makeWindow();
+  window->setFrame({600, 200, 460, 580});
+  window->orderFront();
+  settle();
+  ChildProcess::run({"xdotool", "windowmove", std::to_string(idOf("^Quorin$")), "200", "100"});
+  ASSERT_TRUE(waitUntil([&] { return window->frame().x < 300; }));
+  window->orderOut();
+  EXPECT_FALSE(defaults.texts.empty());
 }
 
 TEST_F(GtkPanelWindowTest, SavesAWideWindowAsItWouldBeWithoutTheWidening) {

@@ -290,6 +290,44 @@ TEST_F(AppDelegateTest, StopsAskingABusyExcel) {
   EXPECT_EQ(std::count(journal.begin(), journal.end(), "probe"), 31);
 }
 
+TEST_F(AppDelegateTest, AsksAgainWhereExcelsWindowIsWhenItComesForward) {
+  launched();
+  const JSONValue probed = std::exchange(bridge.probed, Object{{"state", "busy"}});
+  platform.workspace().bringToFront(excel());
+  for (int i = 0; i < 60; ++i) {
+    settle();
+    platform.mainLoop().advance(1000ms);
+  }
+  bridge.probed = probed;
+  platform.workspace().bringToFront(editor());
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 900);
+}
+
+TEST_F(AppDelegateTest, DoesNotWaitForASlowExcelToRaiseThePanel) {
+  AppDelegate& app = launched();
+  app.raisePanel();
+  platform.mainLoop().advance(299ms);
+  EXPECT_FALSE(platform.window().visible);
+  platform.mainLoop().advance(1ms);
+  EXPECT_TRUE(platform.window().key);
+  EXPECT_EQ(platform.window().currentFrame.x, 0);
+  takeJournal();
+  settle();
+  EXPECT_THAT(takeJournal(), ElementsAre("probe", "setFrame 900 252 460 588"));
+}
+
+TEST_F(AppDelegateTest, LeavesThePanelWhereTheUserPutItWhileExcelWasSlow) {
+  AppDelegate& app = launched();
+  app.raisePanel();
+  platform.mainLoop().advance(300ms);
+  platform.defaults().texts["NSWindow Frame QuorinPanel"] = "5 5 460 588 0 0 1440 900 ";
+  takeJournal();
+  settle();
+  EXPECT_THAT(takeJournal(), ElementsAre("probe"));
+}
+
 TEST_F(AppDelegateTest, AsksForNoWindowWhenTheUserHasPlacedThePanel) {
   platform.defaults().texts["NSWindow Frame QuorinPanel"] = "5 5 460 588 0 0 1440 900 ";
   launched();

@@ -1,0 +1,64 @@
+#include "app/shell/PanelPlacer.h"
+
+#include <utility>
+
+namespace quorin {
+
+using BridgeShapes::WindowBounds;
+
+namespace {
+
+constexpr std::chrono::milliseconds patience{300};
+constexpr std::chrono::milliseconds betweenAttempts{1000};
+constexpr int attemptsInARow = 30;
+
+}  // namespace
+
+void PanelPlacer::showBesideExcel(const Panel::Event& event) {
+  pending_ = event;
+  if (panel_.hasSavedFrame()) return showPending(std::nullopt);
+  patience_ = platform_.mainLoop().startTimer(patience, TimerKind::once,
+                                              [this] { showPending(std::nullopt); });
+  attempts_ = 0;
+  ask();
+}
+
+void PanelPlacer::place() {
+  if (placed_ || panel_.hasSavedFrame()) return;
+  attempts_ = 0;
+  ask();
+}
+
+void PanelPlacer::ask() {
+  if (std::exchange(asking_, true)) return;
+  again_.reset();
+  panel_.bridgeQueue().post(
+      [this, alive = std::weak_ptr(alive_), &bridge = bridge_, &loop = platform_.mainLoop()] {
+        loop.post([this, alive, excel = BridgeShapes::windowBounds(bridge.probe())] {
+          if (!alive.expired()) told(excel);
+        });
+      });
+}
+
+void PanelPlacer::told(const std::optional<WindowBounds>& excel) {
+  asking_ = false;
+  if (excel) placed_ = true;
+  if (pending_) {
+    showPending(excel);
+  } else if (excel) {
+    panel_.positionBeside(*excel);
+  }
+  if (excel || ++attempts_ > attemptsInARow) return;
+  again_ = platform_.mainLoop().startTimer(betweenAttempts, TimerKind::once, [this] {
+    if (!panel_.hasSavedFrame()) ask();
+  });
+}
+
+void PanelPlacer::showPending(const std::optional<WindowBounds>& excel) {
+  patience_.reset();
+  if (const std::optional<Panel::Event> event = std::exchange(pending_, std::nullopt)) {
+    panel_.show(excel, *event);
+  }
+}
+
+}  // namespace quorin
