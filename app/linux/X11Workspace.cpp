@@ -20,8 +20,7 @@ constexpr guint settlingMilliseconds = 150;
 
 X11Workspace::X11Workspace(X11Session& session) : session_(session) {
   session_.setOnActiveWindowChanged([this] { activeWindowChanged(); });
-  front_ = front(session_.activeWindow());
-  if (front_) told_ = front_->application;
+  if (front(session_.activeWindow())) told_ = front_->application;
 }
 
 X11Workspace::~X11Workspace() {
@@ -57,14 +56,16 @@ bool X11Workspace::isOpening(WindowId id) const {
          strcasecmp(window->windowClass.c_str(), openingClass) == 0;
 }
 
+// While the keyboard changes hands there is no active window for a moment.
 std::optional<X11Workspace::Front> X11Workspace::front(WindowId active) const {
-  if (isPanel(active)) {
+  if (active == 0 || isPanel(active)) {
     if (front_ && !session_.window(front_->window)) front_.reset();
     return front_;
   }
   std::optional<RunningApplication> application = applicationOf(active);
   if (!application) return std::nullopt;
-  return Front{std::move(*application), active};
+  front_ = Front{std::move(*application), active};
+  return front_;
 }
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
@@ -72,17 +73,15 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
   return now ? std::optional(now->application) : std::nullopt;
 }
 
-// While the keyboard changes hands there may be no active window for a moment.
 void X11Workspace::activeWindowChanged() {
   const WindowId active = session_.activeWindow();
   if (isOpening(active)) return;
-  std::optional<Front> now = front(active);
-  if (!now) {
+  const std::optional<Front> now = front(active);
+  if (active == 0 || !now) {
     if (!settling_) settling_.reset(g_timeout_add(settlingMilliseconds, settled, this));
     return;
   }
   settling_.reset();
-  front_ = now;
   if (told_ == now->application) return;
   told_ = now->application;
   if (handler_) handler_(now->application);
@@ -91,7 +90,8 @@ void X11Workspace::activeWindowChanged() {
 gboolean X11Workspace::settled(gpointer data) {
   auto& self = *static_cast<X11Workspace*>(data);
   self.settling_.forget();
-  if (!self.front(self.session_.activeWindow())) {
+  const WindowId active = self.session_.activeWindow();
+  if (active == 0 || !self.front(active)) {
     self.front_.reset();
     self.told_.reset();
   }
