@@ -1,5 +1,6 @@
 #include "host/calc/CalcCells.h"
 
+#include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/chart2/data/XDataProvider.hpp>
 #include <com/sun/star/chart2/data/XTextualDataSequence.hpp>
@@ -23,6 +24,7 @@
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/FormulaTranslator.h"
+#include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -105,6 +107,9 @@ Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, 
   const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
   const Reference<css::chart2::data::XDataProvider> provider(
       factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
+  // A workbook may say that charts leave hidden rows and columns out.
+  Reference<css::beans::XPropertySet>(provider, UNO_QUERY_THROW)
+      ->setPropertyValue("IncludeHiddenCells", Any(true));
   const auto end = [](int row, int column) {
     return "$" + columnLetters(column) + "$" + std::to_string(row);
   };
@@ -123,29 +128,61 @@ Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, 
   return grid;
 }
 
-// Error cells arrive without a value. Each kind is asked for once: the texts displayed tell which
-// cells have the same one, whatever language they are in.
-void fillErrors(const Workbook& workbook, const std::string& sheet,
-                const Reference<XCellRange>& cells, const Area& area,
-                const std::vector<std::pair<int, int>>& places, Grid<CellValue>& grid) {
-  constexpr std::size_t fewEnoughToAsk = 8;
-  const auto ask = [&](int row, int column) {
-    return CellError{errorText(cells->getCellByPosition(column, row)->getError())};
-  };
-  if (places.size() <= fewEnoughToAsk) {
-    for (const auto& [row, column] : places) cellAt(grid, row, column) = ask(row, column);
-    return;
-  }
-  const Grid<std::string> texts = bulkTexts(workbook, sheet, area);
-  std::map<std::string, CellError> known;
-  for (const auto& [row, column] : places) {
-    const std::string& text = texts.at(row, column);
-    auto kind = known.find(text);
-    if (kind == known.end() || text.empty()) {
-      kind = known.insert_or_assign(text, ask(row, column)).first;
+struct Place {
+  int row, column;  // 0-based, in the grid
+};
+
+// Asks a question of cells of one rectangle, but only once for all those that look alike: their
+// displayed texts come in one call, whatever language they are in.
+class Inquiry {
+ public:
+  Inquiry(const Workbook& workbook, const Reference<XCellRange>& cells, const Area& area)
+      : workbook_(workbook), cells_(cells), area_(area) {}
+
+  // Calls `ask` with a cell and its text, and `apply` with every place and the answer that fits it.
+  template <typename Ask, typename Apply>
+  void about(const std::vector<Place>& places, Ask ask, Apply apply) {
+    std::map<std::string, decltype(ask({}, {}))> answers;
+    for (const Place& place : places) {
+      const std::string text = textAt(place, places.size());
+      auto answer = answers.find(text);
+      if (answer == answers.end()) {
+        answer =
+            answers.emplace(text, ask(cells_->getCellByPosition(place.column, place.row), text))
+                .first;
+      }
+      apply(place, answer->second);
     }
-    cellAt(grid, row, column) = kind->second;
   }
+
+ private:
+  std::string textAt(const Place& place, std::size_t count) {
+    constexpr std::size_t fewEnoughToAskEach = 3;
+    if (count <= fewEnoughToAskEach && !texts_) {
+      return toText(Reference<css::text::XTextRange>(
+                        cells_->getCellByPosition(place.column, place.row), UNO_QUERY_THROW)
+                        ->getString());
+    }
+    if (!texts_) {
+      const Reference<css::sheet::XSheetCellRange> range(cells_, UNO_QUERY_THROW);
+      const Reference<css::container::XNamed> sheet(range->getSpreadsheet(), UNO_QUERY_THROW);
+      texts_ = bulkTexts(workbook_, toText(sheet->getName()), area_);
+    }
+    return texts_->at(place.row, place.column);
+  }
+
+  const Workbook& workbook_;
+  const Reference<XCellRange> cells_;
+  const Area area_;
+  std::optional<Grid<std::string>> texts_;
+};
+
+// Whether a number may be shown as truth. The cell's format tells for certain, but asking for it
+// takes long on some sheets.
+bool mayBeBoolean(const std::string& text) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  return std::none_of(text.begin(), text.end(), isDigit) &&
+         std::any_of(text.begin(), text.end(), isWordCharacter);
 }
 
 // Calc has no boolean constants: one that a file brings becomes a call of the function.
@@ -168,8 +205,8 @@ Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cell
   Grid<CellValue> grid = gridFor<CellValue>(area);
   const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
   const Sequence<Sequence<Any>> rows = source->getDataArray();
-  std::vector<std::pair<int, int>> errors;
-  bool emptyTexts = false, possibleBooleans = false;
+  std::vector<Place> errors, possibleBooleans;
+  bool emptyTexts = false;
   for (int row = 0; row < rows.getLength() && row < grid.rows; ++row) {
     const Sequence<Any>& values = rows[row];
     for (int column = 0; column < values.getLength() && column < grid.columns; ++column) {
@@ -179,12 +216,12 @@ Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cell
       rtl::OUString text;
       if (value >>= number) {
         cell = number;
-        possibleBooleans = possibleBooleans || number == 0 || number == 1;
+        if (number == 0 || number == 1) possibleBooleans.push_back({row, column});
       } else if (value >>= text) {
         cell = toText(text);
         emptyTexts = emptyTexts || text.isEmpty();
       } else {
-        errors.emplace_back(row, column);
+        errors.push_back({row, column});  // without a value
       }
     }
   }
@@ -195,22 +232,24 @@ Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cell
       if (text != nullptr && text->empty()) cellAt(grid, row, column) = Blank{};
     });
   }
-  if (possibleBooleans) {
-    forEachBooleanArea(workbook, cells, [&](const Area& part) {
-      for (int row = part.firstRow; row <= part.lastRow; ++row) {
-        for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
-          CellValue& cell = cellAt(grid, row - area.firstRow, column - area.firstColumn);
-          const auto* number = std::get_if<double>(&cell);
-          if (number != nullptr && (*number == 0 || *number == 1)) cell = *number == 1;
-        }
-      }
-    });
-  }
-  if (!errors.empty()) {
-    const Reference<css::sheet::XSheetCellRange> range(cells, UNO_QUERY_THROW);
-    const Reference<css::container::XNamed> sheet(range->getSpreadsheet(), UNO_QUERY_THROW);
-    fillErrors(workbook, toText(sheet->getName()), cells, area, errors, grid);
-  }
+  Inquiry inquiry(workbook, cells, area);
+  inquiry.about(
+      possibleBooleans,
+      [&](const Reference<css::table::XCell>& cell, const std::string& text) {
+        return mayBeBoolean(text) && isBoolean(workbook, cell);
+      },
+      [&](const Place& place, bool boolean) {
+        CellValue& cell = cellAt(grid, place.row, place.column);
+        if (boolean) cell = std::get<double>(cell) == 1;
+      });
+  inquiry.about(
+      errors,
+      [](const Reference<css::table::XCell>& cell, const std::string&) {
+        return CellError{errorText(cell->getError())};
+      },
+      [&](const Place& place, const CellError& error) {
+        cellAt(grid, place.row, place.column) = error;
+      });
   return grid;
 }
 

@@ -122,22 +122,17 @@ std::optional<Window> CalcWorkbooks::active() {
 
 Window CalcWorkbooks::windowOf(const std::string& name) {
   const std::optional<Window> front = active();
-  if (front && front->workbook->name == name) return *front;
-  const auto named = [&] {
-    return std::find_if(windows_.begin(), windows_.end(),
-                        [&](const Window& window) { return window.workbook->name == name; });
+  const auto count = [&] {
+    return std::count_if(workbooks_.begin(), workbooks_.end(),
+                         [&](const auto& workbook) { return workbook->name == name; });
   };
-  auto window = named();
-  if (window == windows_.end()) {
-    read();
-    window = named();
-  }
-  const auto sameName = std::count_if(workbooks_.begin(), workbooks_.end(),
-                                      [&](const auto& book) { return book->name == name; });
-  if (window == windows_.end() || sameName != 1) {
+  if (count() != 1) read();
+  if (count() != 1) {  // of two that cannot be told apart neither is meant
     throw SpreadsheetError(-1728, "There is no workbook named \"" + name + "\"");
   }
-  return *window;
+  if (front && front->workbook->name == name) return *front;
+  return *std::find_if(windows_.begin(), windows_.end(),
+                       [&](const Window& window) { return window.workbook->name == name; });
 }
 
 std::vector<Window> CalcWorkbooks::windows() {
