@@ -111,13 +111,13 @@ on qx_errcol(r, nr)
 			set errs to {}
 			set shown to string value of column 1 of r
 			if class of shown is not list then set shown to {shown}
-			repeat with i from 1 to count of shown
-				set told to item i of shown
-				if class of told is list and (count of told) > 0 then set told to item 1 of told
-				considering case
-					if errs contains {told} then return true
-				end considering
-			end repeat
+			-- One search for each literal: going through thousands of items one by one is slow.
+			considering case
+				repeat with i from 1 to count of errs
+					set told to item i of errs
+					if shown contains {{told}} or shown contains {told} then return true
+				end repeat
+			end considering
 			return false
 		end timeout
 	end tell
