@@ -55,7 +55,11 @@ on qx_evaluate(expr)
 			-- An expression that is a reference is answered with the range itself. Its value is read
 			-- where that is safe; otherwise the range goes back as it is, and the native side says
 			-- that it cannot be passed on.
-			if class of answer is range or class of answer is cell then
+			set sort1 to missing value
+			try
+				set sort1 to class of answer
+			end try
+			if sort1 is range or sort1 is cell then
 				set {rowTotal, colTotal, cellTotal} to my qx_extent(answer)
 				if cellTotal > 20000 or cellTotal is not rowTotal * colTotal then return answer
 				if cellTotal > 1 then

@@ -28,7 +28,8 @@ on qx_readformulas(addr, fmt, onlyf)
 end qx_readformulas
 
 -- The address of the direct dependents, "" when Excel says that there are none. It says so with
--- error -1708; other releases are known to answer with -50, -1728 or a missing value.
+-- error -1708; other releases are known to answer with -50, -1728 or a missing value. What it finds
+-- may be one range of several areas or a list of ranges.
 on qx_dependents(addr)
 	tell application "Microsoft Excel"
 		with timeout of 3 seconds
@@ -36,19 +37,26 @@ on qx_dependents(addr)
 			-- Read once, so that an address that does not exist is an error and not "none".
 			set home to get address of rg
 			if home is missing value then error ("range does not exist: " & addr) number -1728
+			set joined to ""
 			try
-				set found to my qx_address(direct dependents of rg)
+				set found to direct dependents of rg
+				set isMany to false
+				try
+					set isMany to (class of found is list)
+				end try
+				if not isMany then set found to {found}
+				repeat with i from 1 to count of found
+					set told to missing value
+					if item i of found is not missing value then set told to my qx_address(item i of found)
+					if class of told is text then
+						if joined is not "" then set joined to joined & ","
+						set joined to joined & told
+					end if
+				end repeat
 			on error msg number n
 				if {-1708, -1728, -50} contains n then return ""
 				error msg number n
 			end try
-			if found is missing value then return ""
-			if class of found is not list then return found
-			set joined to ""
-			repeat with i from 1 to count of found
-				if i > 1 then set joined to joined & ","
-				set joined to joined & (item i of found)
-			end repeat
 			return joined
 		end timeout
 	end tell

@@ -19,6 +19,14 @@ on qx_cf_move(fromAddrs, toAddrs, bookName, sheetName)
 					end if
 				end repeat
 			end if
+			-- A highlight that did not arrive, without an error, must not count as moved.
+			set arrived to 0
+			if moved > 0 then
+				repeat with i from 1 to (count of format conditions of target1)
+					if my qx_cf_ours(target1, i) then set arrived to arrived + 1
+				end repeat
+			end if
+			if arrived < moved then set moved to 0
 			return {moved, theirs}
 		end timeout
 	end tell

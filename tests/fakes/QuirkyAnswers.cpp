@@ -149,6 +149,11 @@ AppleEventReply spoiled(const ExcelQuirks& quirks, const AppleEvent& event, Appl
   }
   if (isEvent(event, codes::coreSuite, codes::make) && quirks.forgetsWhatItMade)
     reply.result.reset();
+  if (quirks.listsDependents && propertyRead(event) == codes::directDependents) {
+    Descriptor::Items ranges;
+    ranges.push_back(std::move(answer));
+    return {Descriptor::list(std::move(ranges)), std::nullopt};
+  }
   // Values of cells have shapes of their own.
   if (quirks.baresSingles && propertyRead(event) == codes::name && isList(answer) &&
       answer.items().size() == 1) {

@@ -110,6 +110,8 @@ std::optional<AppleEventReply> QuirkyExcel::refusal(const AppleEvent& event) {
     if (quirks.makesOnlyAtEnd && !atEnd) return failed(-10024);
     if (quirks.makesOnlyAtRange && atEnd) return failed(-10024);
   }
+  if (quirks.ignoresMoves && isEvent(event, codes::excelSuite, codes::modifyAppliesToRange))
+    return AppleEventReply{};
   if (quirks.refusesToMoveConditions &&
       isEvent(event, codes::excelSuite, codes::modifyAppliesToRange))
     return failed(-1708);

@@ -39,6 +39,8 @@ struct ExcelQuirks {
   bool makesOnlyAtEnd = false, makesOnlyAtRange = false;  // format conditions
   bool forgetsWhatItMade = false;                         // make has no result
   bool refusesToMoveConditions = false;                   // modify applies to range is -1708
+  bool ignoresMoves = false;                              // modify applies to range does nothing
+  bool listsDependents = false;                           // direct dependents is a list of ranges
   bool activatesOnlyInFront = false;                      // activate object is -10000 otherwise
   // Asking a workbook for a worksheet that it lacks opens a file dialog. Until the user answers it
   // every event times out.
