@@ -194,6 +194,22 @@ constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
                                 css::sheet::FormulaResult::STRING |
                                 css::sheet::FormulaResult::ERROR;
 
+// An error shows as Excel's text for it, whatever Calc calls it in the user's language.
+void nameErrors(const Reference<XCellRange>& cells, const Area& area, Grid<std::string>& texts) {
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  std::map<std::string, std::string> names;
+  const auto errors = query->queryFormulaCells(css::sheet::FormulaResult::ERROR);
+  forEachCell(errors, area, [&](int row, int column) {
+    std::string& text = cellAt(texts, row, column);
+    auto name = names.find(text);
+    if (name == names.end() || text.empty()) {
+      const std::string told = errorText(cells->getCellByPosition(column, row)->getError());
+      name = names.insert_or_assign(text, told).first;
+    }
+    text = name->second;
+  });
+}
+
 }  // namespace
 
 std::optional<Area> filledPart(const Workbook& workbook, const RangeRef& range) {
@@ -298,10 +314,12 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
 
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range) {
   const Area& area = firstArea(range);
-  if (area.firstRow != area.lastRow || area.firstColumn != area.lastColumn) {
-    return bulkTexts(workbook, range.sheet.sheet, area);
-  }
-  return textsOneByOne(cellsOf(workbook, range.sheet.sheet, area), area);
+  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
+  const bool several = area.firstRow != area.lastRow || area.firstColumn != area.lastColumn;
+  Grid<std::string> texts =
+      several ? bulkTexts(workbook, range.sheet.sheet, area) : textsOneByOne(cells, area);
+  nameErrors(cells, area, texts);
+  return texts;
 }
 
 }  // namespace quorin::host::calc

@@ -17,6 +17,15 @@ constexpr std::array<std::string_view, 6> origins{"COM.SUN.STAR.SHEET.ADDIN.ANAL
                                                   "_XLFN.",
                                                   "_XLWS."};
 
+// Functions that Excel knows by another name.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> renamed{{
+    {"B", "BINOM.DIST.RANGE"},
+    {"CEILING.XCL", "CEILING"},
+    {"FLOOR.XCL", "FLOOR"},
+    {"FORMULA", "FORMULATEXT"},
+    {"SKEWP", "SKEW.P"},
+}};
+
 constexpr std::array<std::string_view, 5> tableItems{"#All", "#Data", "#Headers", "#Totals",
                                                      "#This Row"};
 
@@ -191,9 +200,11 @@ class Translation {
   void word() {
     const std::size_t start = at_;
     if (text_[at_] == '\'') {  // a label in quotes, which Excel does not know
-      readQuoted(text_, at_);
+      const auto label = readQuoted(text_, at_);
       if (at_ == start) ++at_;
-      out_ += text_.substr(start, at_ - start);
+      const bool isSheet = label && lostReferenceBehind();
+      out_ += isSheet ? excelSheet(*label) : std::string(text_.substr(start, at_ - start));
+      copyLostReference();
       return;
     }
     const bool number = text_[at_] >= '0' && text_[at_] <= '9';
@@ -213,12 +224,18 @@ class Translation {
     } else {
       out_ += word;
     }
-    // What the office could not resolve keeps its "!": values!#ref!
-    if (!isFunction && at_ < text_.size() && text_[at_] == '!' &&
-        errorLiteral(text_, at_ + 1) == "#REF!") {
-      out_ += "!#REF!";
-      at_ += std::string_view("!#REF!").size();
-    }
+    if (!isFunction) copyLostReference();
+  }
+
+  // What the office could not resolve keeps its "!": values!#ref!
+  bool lostReferenceBehind() const {
+    return at_ < text_.size() && text_[at_] == '!' && errorLiteral(text_, at_ + 1) == "#REF!";
+  }
+
+  void copyLostReference() {
+    if (!lostReferenceBehind()) return;
+    out_ += "!#REF!";
+    at_ += std::string_view("!#REF!").size();
   }
 
   bool isBooleanCall(std::string_view word) const {
@@ -235,6 +252,9 @@ class Translation {
     const std::string upper = upperCase(word);
     for (const std::string_view origin : origins) {
       if (upper.starts_with(origin)) return upper.substr(origin.size());
+    }
+    for (const auto& [calc, excel] : renamed) {
+      if (upper == calc) return std::string(excel);
     }
     return upper;
   }

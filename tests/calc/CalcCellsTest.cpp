@@ -85,6 +85,13 @@ TEST_F(CalcCells, NamesEveryKindOfErrorInEnglish) {
   EXPECT_EQ(values("E8"), Cells{expected[7]});
 }
 
+TEST_F(CalcCells, DisplaysErrorsByTheNamesThatExcelGivesThem) {
+  const std::vector<std::string> expected{"#DIV/0!", "#N/A",  "#VALUE!", "#REF!",   "#NAME?",
+                                          "#NUM!",   "#NUM!", "#NULL!",  "#DIV/0!", "#N/A"};
+  EXPECT_EQ(calc().displayedTexts(at("E1:E10")).cells, expected);
+  EXPECT_EQ(calc().displayedTexts(at("E6")).cells, std::vector<std::string>{"#NUM!"});
+}
+
 TEST_F(CalcCells, ReadsArrayFormulasWithoutTheirBraces) {
   EXPECT_EQ(formulas("C1"), Cells{"=A3:A3*2"});
   EXPECT_EQ(formulas("C3:C4"), (Cells{"=A3:A4*1", "=A3:A4*1"}));

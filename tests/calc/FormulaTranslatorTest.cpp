@@ -51,6 +51,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"='file:///tmp/x.ods'#$'My Sheet'.A1:B2", "='/tmp/[x.ods]My Sheet'!A1:B2"},
                     Case{"='file:///tmp/x.ods'#rate", "='/tmp/x.ods'!rate"}));
 
+INSTANTIATE_TEST_SUITE_P(NamesOfFunctions, ToExcel,
+                         testing::Values(Case{"=FLOOR.XCL(A2;1)", "=FLOOR(A2,1)"},
+                                         Case{"=CEILING.XCL(A2;1)", "=CEILING(A2,1)"},
+                                         Case{"=FORMULA(A2)", "=FORMULATEXT(A2)"},
+                                         Case{"=SKEWP(A2:A5)", "=SKEW.P(A2:A5)"},
+                                         Case{"=B(5;0.5;2)", "=BINOM.DIST.RANGE(5,0.5,2)"},
+                                         Case{"=FLOOR(A2;1)", "=FLOOR(A2,1)"},
+                                         Case{"=B+FORMULA", "=B+FORMULA"}));
+
 INSTANTIATE_TEST_SUITE_P(
     Errors, ToExcel,
     testing::Values(Case{"=#REF!+1", "=#REF!+1"}, Case{"=$#REF!.B5+1", "=#REF!+1"},
@@ -58,6 +67,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"=SUM(D#REF!:E#REF!)", "=SUM(#REF!)"}, Case{"=#REF!5*2", "=#REF!*2"},
                     Case{"=$Sheet3.C#REF!", "=Sheet3!#REF!"},
                     Case{"=values!#ref!", "=values!#REF!"},
+                    Case{"='my model'!#REF!/2", "='my model'!#REF!/2"},
+                    Case{"='it''s'!#ref!", "='it''s'!#REF!"},
+                    Case{"='model'!#REF!", "=model!#REF!"}, Case{"='label'", "='label'"},
                     Case{"=IF(A1;#REF!;2)", "=IF(A1,#REF!,2)"}, Case{"=#DIV/0!", "=#DIV/0!"},
                     Case{"=IFERROR(#NULL!;#N/A)", "=IFERROR(#NULL!,#N/A)"}));
 
