@@ -16,7 +16,7 @@ export type Place = {
   first: string;
 };
 
-const withSheet = /^=?(?:(?:'((?:[^']|'')*)'|([^'!]*))!)?(\$?[A-Z0-9$:]+)$/i;
+const withSheet = /^=?(?:(?:'((?:[^']|'')*)'|([^'!#]*))!)?(\$?[A-Z0-9$:]+)$/i;
 const calcStyle = /^=?\$?(?:'((?:[^']|'')*)'|([^'.$!]+))\.(\$?[A-Z]+\$?\d+)$/i;
 
 /** One place; nothing where the text names none in this workbook. */

@@ -1,0 +1,82 @@
+import { describe, expect, test } from 'vitest';
+
+import { argumentSeparator } from '../../../src/core/workbook/conventions';
+import { dependentRows, mapRows } from '../../../src/core/workbook/PlaceList';
+import { placeOf } from '../../../src/core/workbook/places';
+
+describe('a place', () => {
+  test.each([
+    ['$G$12', { sheet: undefined, address: 'G12', first: 'G12' }],
+    ["'It''s'!$B$4:$D$9", { sheet: "It's", address: 'B4:D9', first: 'B4' }],
+    ['=Data!$C:$C', { sheet: 'Data', address: 'C:C', first: 'C1' }],
+    ["'[Book.xlsx]My sheet'!$A$1", { sheet: 'My sheet', address: 'A1', first: 'A1' }],
+    ['$Sheet2.$A$1', { sheet: 'Sheet2', address: 'A1', first: 'A1' }],
+    ["$'My sheet'.$A$1", { sheet: 'My sheet', address: 'A1', first: 'A1' }],
+  ])('%s', (text, place) => {
+    expect(placeOf(text)).toMatchObject(place);
+  });
+
+  test.each(['=#REF!$A$1', '=0.21', '=OFFSET(A1,1,1)', '', 'Sheet!', 'A1,B2'])('not %s', (text) => {
+    expect(placeOf(text)).toBeUndefined();
+  });
+});
+
+describe('lists', () => {
+  test('of dependents are in groups by sheet', () => {
+    const rows = dependentRows("$G$12,$D$20:$F$31,'Summary'!$B$4", 'Cash flow');
+    expect(rows.map(({ level, text, detail }) => [level, text, detail])).toEqual([
+      [1, 'This sheet', '2 areas'],
+      [2, 'G12', 'one cell'],
+      [2, 'D20:F31', '12 rows × 3 columns'],
+      [1, 'Summary', '1 area'],
+      [2, 'B4', 'one cell'],
+    ]);
+    expect(rows[4]?.place?.sheet).toBe('Summary');
+    expect(dependentRows('', 'Cash flow')).toEqual([]);
+  });
+
+  test('of a workbook mark what is broken and what leads out of it', () => {
+    const rows = mapRows({
+      book: 'Model.xlsx',
+      sheets: [
+        { name: 'Data', usedRange: '$A$1:$B$9' },
+        { name: 'Late', usedRange: null },
+      ],
+      sheetsTruncated: true,
+      names: [
+        { name: 'Rate', refersTo: '=Data!$B$1' },
+        { name: 'Old', refersTo: '=#REF!$A$1' },
+        { name: 'Out', refersTo: "='[Prices.xlsx]2024'!$A$1" },
+        { name: 'Fixed', refersTo: '=0.21' },
+        { name: 'Odd', refersTo: null },
+      ],
+    });
+    expect(rows.map(({ text, tag, place }) => [text, tag, place?.address])).toEqual([
+      ['Sheets', '', undefined],
+      ['Data', '', 'A1:B9'],
+      ['Late', '', undefined],
+      ['Names', '', undefined],
+      ['Rate', '', 'B1'],
+      ['Old', 'Broken', undefined],
+      ['Out', 'External link', undefined],
+      ['Fixed', '', undefined],
+      ['Odd', '', undefined],
+    ]);
+    expect(rows[0]?.detail).toBe('2 sheets, used ranges of the first 50 only');
+  });
+});
+
+describe("the user's separator", () => {
+  test.each([
+    ['=SUM(A1,B1)', '=SUMME(A1;B1)', ';'],
+    ['=SUM(A1,B1)', '=SUM(A1,B1)', ','],
+    ['=SUM(A1,1.5)', '=SUMME(A1;1,5)', ';'],
+    ['=IF(A1=",",1,2)', '=WENN(A1=",";1;2)', ';'],
+    ["=SUM('a,b'!A1,{1,2})", "=SUMME('a,b'!A1;{1.2})", ';'],
+    ['=SUM(A1)', '=SUMME(A1)', undefined],
+    ['=A1+1.5', '=A1+1,5', undefined],
+    ['', '', undefined],
+  ])('%s, %s', (formula, local, separator) => {
+    expect(argumentSeparator(formula, local)).toBe(separator);
+  });
+});

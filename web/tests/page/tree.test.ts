@@ -1,0 +1,260 @@
+// The tree by keyboard and pointer, and what it asks of the native side.
+
+import { afterAll, afterEach, beforeAll, describe, expect, test } from 'vitest';
+
+import { Browser, type Answer, type FakePanel } from './FakePanel';
+import { cell, failure, model, range, ready, success, value } from './samples';
+
+let browser: Browser;
+let panel: FakePanel;
+
+beforeAll(async () => {
+  browser = await Browser.start();
+});
+afterAll(async () => {
+  await browser.close();
+});
+afterEach(async () => {
+  expect(await panel.violations()).toEqual([]);
+  expect(panel.errors).toEqual([]);
+  await panel.close();
+});
+
+async function open(answers: Record<string, Answer> = model): Promise<FakePanel> {
+  panel = await browser.open(answers);
+  await panel.reaches('ready');
+  await panel.settled();
+  await panel.page.getByTestId('tree').focus();
+  return panel;
+}
+
+const press = async (...keys: string[]): Promise<void> => {
+  for (const key of keys) await panel.page.keyboard.press(key);
+};
+const active = () => panel.page.locator('.row.active').innerText();
+const marked = async () => (await panel.asked('markCells')).args[0];
+
+describe('the tree', () => {
+  test('shows every part with its value, and verifies the whole', async () => {
+    const page = await open();
+    await page.verified('same');
+    expect(await page.text('verification')).toBe('Verified');
+    const rows = await page.page.getByTestId('row').allInnerTexts();
+    expect(rows.map((row) => row.replaceAll('\n', ' | '))).toEqual([
+      'IF(B4>0,SUM(Data!C2:C5)/B4,0) | 1,284.50',
+      'test | B4>0 | TRUE',
+      'B4 | 12',
+      'then | SUM(Data!C2:C5)/B4 | 1,284.5',
+      'SUM(Data!C2:C5) | 15,414',
+      'Data!C2:C5 | 4 × 1',
+      '÷ | B4 | 12',
+      'else | 0 | not used',
+    ]);
+  });
+
+  test('tells assistive technology where one is', async () => {
+    const page = await open();
+    await press('ArrowDown', 'ArrowDown', 'ArrowDown');
+    const id = await page.page.getByTestId('tree').getAttribute('aria-activedescendant');
+    const row = page.page.locator(`#${id ?? ''}`);
+    expect(await row.getAttribute('aria-level')).toBe('2');
+    expect(await row.getAttribute('aria-setsize')).toBe('3');
+    expect(await row.getAttribute('aria-posinset')).toBe('2');
+    expect(await row.getAttribute('aria-expanded')).toBe('true');
+    expect(await row.getAttribute('aria-selected')).toBe('true');
+  });
+
+  test('is walked by keys, and the sheet follows', async () => {
+    const page = await open();
+    await press('ArrowDown', 'ArrowDown');
+    expect(await marked()).toEqual(["'Cash flow'!B4"]);
+    expect((await page.asked('reveal')).args[0]).toEqual(["'Cash flow'!B4"]);
+    await page.shows('marked', 'Highlighted Cash flow!B4');
+    await page.shows('step', 'Step 3 of 8');
+    await press('End', 'ArrowUp', 'ArrowUp');
+    await page.shows('marked', 'Highlighted Data!C2:C5');
+    await press('s');
+    expect(await active()).toContain('SUM(Data');
+  });
+
+  test('marks its row in the formula, whose parts lead to their rows', async () => {
+    const page = await open();
+    await press('ArrowDown');
+    expect(await page.page.locator('.formula .current').allInnerTexts()).toEqual(['B4', '>', '0']);
+    await page.page.locator('.formula span', { hasText: 'Data!C2:C5' }).click();
+    expect(await active()).toContain('Data!C2:C5');
+  });
+
+  test('drills into a precedent and comes back', async () => {
+    const page = await open();
+    await press('End', 'ArrowUp', 'ArrowUp', 'Enter');
+    await page.shows('address', 'C2');
+    expect(await page.text('sheet')).toBe('Data');
+    expect(await page.text('formula')).toBe('=B2*Rate');
+    expect(await page.text('crumb')).toBe('F12');
+    await page.settled();
+    await press('Backspace');
+    await page.shows('address', 'F12');
+    expect(await active()).toContain('Data!C2:C5');
+  });
+
+  test('is stepped through from the spreadsheet', async () => {
+    const page = await open();
+    await page.send('step', { dir: 1 });
+    await page.shows('step', 'Step 2 of 8');
+    await page.send('step', { dir: 1 });
+    await page.shows('marked', 'Highlighted Cash flow!B4');
+    await page.send('step', { dir: -1 });
+    await page.shows('step', 'Step 2 of 8');
+  });
+
+  test('of 10,000 parts draws only what is in sight', async () => {
+    const formula = `=MAX(${Array.from({ length: 5_000 }, () => '-x').join(',')})`;
+    const page = await open(ready({ formula, value: 2 }));
+    expect(await page.page.getByTestId('row').count()).toBeLessThan(60);
+    await press('*', 'ArrowDown', '*', 'End');
+    await page.shows('step', 'Step 10001 of 10001');
+    expect(await page.page.getByTestId('row').count()).toBeLessThan(60);
+  });
+});
+
+describe('everything is given back', () => {
+  test('by Escape, which then hides the panel', async () => {
+    const page = await open();
+    await press('ArrowDown', 'ArrowDown');
+    await page.page.getByTestId('marked').waitFor();
+    await press('Escape');
+    await page.asked('clearMarks');
+    await page.asked('focusExcel');
+    await page.page.getByTestId('marked').waitFor({ state: 'detached' });
+    await press('Escape');
+    await page.asked('hidePanel');
+  });
+
+  test('by the button that stands beside what is marked', async () => {
+    const page = await open();
+    await press('ArrowDown');
+    await page.page.getByTestId('clear').click();
+    await page.asked('clearMarks');
+    await page.page.getByTestId('marked').waitFor({ state: 'detached' });
+  });
+
+  test('when the panel is about to disappear', async () => {
+    const page = await open();
+    await press('ArrowDown');
+    await page.asked('reveal');
+    await page.send('cleanHide', {});
+    await page.asked('clearMarks');
+  });
+
+  test('by hiding it from the page', async () => {
+    const page = await open();
+    await page.page.getByTestId('hide').click();
+    await page.asked('clearMarks');
+    await page.asked('hidePanel');
+  });
+});
+
+describe('the panel', () => {
+  test('is widened on request, and shows details where there is room', async () => {
+    const page = await open();
+    await page.page.getByTestId('width').click();
+    expect((await page.asked('setPanelWidth')).args).toEqual([true]);
+    await page.page.setViewportSize({ width: 800, height: 560 });
+    await page.page.getByTestId('detail').waitFor();
+    await page.page.getByTestId('width').click();
+    expect((await page.asked('setPanelWidth', 2)).args).toEqual([false]);
+  });
+
+  test('shows the cells behind a range, and what they come to', async () => {
+    const page = await open();
+    await page.page.getByTestId('details').click();
+    await page.page.locator('.formula span', { hasText: 'Data!C2:C5' }).click();
+    const facts = await page.page.getByTestId('facts').innerText();
+    expect(facts.split(/\s+/).join(' ')).toBe(
+      'Count 4 Sum 15,414 Minimum 3,613.75 Maximum 4,000 Errors 0 Blank 0',
+    );
+    expect(await page.page.locator('.gridCell').allInnerTexts()).toEqual([
+      '4,000',
+      '3,800.25',
+      '3,613.75',
+      '4,000',
+    ]);
+  });
+
+  test('keeps a colour that is chosen', async () => {
+    const page = await open();
+    await page.page.getByTestId('colour').click();
+    await page.page.getByRole('radio', { name: 'Cyan' }).click();
+    expect((await page.asked('setHighlightColor')).args).toEqual([[0, 200, 255]]);
+    await page.page.getByTestId('tree').focus();
+    await press('ArrowDown');
+    expect((await page.asked('markCells')).args[1]).toEqual([0, 200, 255]);
+  });
+
+  test('opens the view that a hot key names', async () => {
+    const page = await open();
+    await page.send('surface', { name: 'map', wasVisible: true, wasKey: false });
+    await page.shows('list-heading', 'Solar park.xlsx');
+    await press('2');
+    await page.shows('list-heading', 'Cells that use F12');
+    await press('1');
+    await page.shows('formula', '=IF(B4>0,SUM(Data!C2:C5)/B4,0)');
+  });
+
+  test('tells the native side how the user separates arguments', async () => {
+    const page = await open({
+      ...model,
+      readCell: cell({ formula: '=SUM(A1,B1)', formulaLocal: '=SUMME(A1;B1)' }),
+    });
+    expect((await page.asked('setConventions')).args).toEqual([{ arg: ';' }]);
+  });
+
+  test('offers selecting where the native side cannot mark', async () => {
+    const page = await open({
+      ...model,
+      markCells: failure({ kind: 'transport', message: 'unknown verb markCells' }),
+    });
+    await press('ArrowDown', 'ArrowDown');
+    await page.asked('markCells');
+    await press(' ');
+    expect((await page.asked('select')).args[0]).toEqual(["'Cash flow'!B4"]);
+    await page.shows('state', 'Selected Cash flow!B4.');
+  });
+});
+
+describe('answers that are not what they should be', () => {
+  test.each<[string, Answer]>([
+    ['no object', success(7)],
+    ['no value', success({ ok: true })],
+    ['a nested array', success({ ok: true, value: [[[1]]] })],
+    ['rows of different lengths', success({ ok: true, value: [[1], [1, 2]] })],
+    ['markup', value('<img src=x onerror="window.hurt=1">')],
+    ['a megabyte', value('x'.repeat(1_000_000))],
+    ['a refusal without words', success({ ok: false })],
+  ])('%s', async (_, answer) => {
+    const page = await open({ ...ready({ formula: '=ABS(A1)+LEN("x")' }), evaluate: answer });
+    await press('End', 'Home', 'ArrowDown');
+    expect(await page.page.evaluate(() => 'hurt' in window)).toBe(false);
+    expect(await page.page.getByTestId('row').count()).toBe(5);
+  });
+
+  test('a reload in the middle of questions asks again', async () => {
+    const { 'evaluate SUM(Data!C2:C5)': held, ...rest } = model;
+    const page = await open({ ...rest, evaluate: undefined as never });
+    const old = await page.asked('evaluate');
+    await page.page.reload();
+    await page.lay('evaluate SUM(Data!C2:C5)', held);
+    await page.resolve(old.id, { ok: true, payload: { ok: true, value: 666 } });
+    await page.page.getByTestId('row').first().waitFor();
+    expect(await page.page.getByTestId('tree').innerText()).not.toContain('666');
+  });
+
+  test('ranges of another size than asked for are not believed', async () => {
+    const page = await open({
+      ...ready({ formula: '=A1+A2' }),
+      readRange: range([[1, 2, 3]]),
+    });
+    expect(await page.page.getByTestId('row').count()).toBe(3);
+  });
+});
