@@ -4,9 +4,12 @@
 #import "app/macos/MacBundle.h"
 #import "app/macos/MacDefaults.h"
 #import "app/macos/MacHotKeys.h"
+#include "app/macos/MacLoginItem.h"
 #import "app/macos/MacMainLoop.h"
 #import "app/macos/MacPanelWindow.h"
+#import "app/macos/MacStatusItem.h"
 #include "app/macos/MacSystem.h"
+#import "app/macos/MacUpdater.h"
 #import "app/macos/MacWebView.h"
 #import "app/macos/MacWorkspace.h"
 #include "app/shell/ports/AppPlatform.h"
@@ -35,6 +38,11 @@ class MacPlatform : public AppPlatform {
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
   HotKeyService* hotKeys() override { return &hotKeys_; }
+  std::unique_ptr<StatusItem> makeStatusItem(const std::string& imageName) override {
+    return std::make_unique<MacStatusItem>(imageName);
+  }
+  LoginItem* loginItem() override { return &loginItem_; }
+  Updater* updater() override { return &updater_; }
   Archiver* archiver() override { return &archiver_; }
   SystemVersions systemVersions() const override { return macVersions(); }
 
@@ -56,6 +64,8 @@ class MacPlatform : public AppPlatform {
   SystemClock clock_;
   MacHotKeys hotKeys_;
   MacArchiver archiver_;
+  MacLoginItem loginItem_;
+  MacUpdater updater_;
 };
 
 }  // namespace

@@ -97,8 +97,10 @@ void AppDelegate::connectCallbacks() {
   });
 }
 
-// The status item's menu has its place here, over the panel and the poller.
-void AppDelegate::makeMenuBar() {}
+void AppDelegate::makeMenuBar() {
+  menuBar_ = std::make_unique<MenuBar>(
+      MenuBar::Parts{parts_.platform, parts_.bridge, panel(), *poller_, support_, parts_.log});
+}
 
 void AppDelegate::restoreStrandedMarks() {
   parts_.bridgeQueue.post([&bridge = parts_.bridge] { bridge.restoreStranded(); });

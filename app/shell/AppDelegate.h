@@ -8,6 +8,7 @@
 #include <string>
 
 #include "app/shell/HotKey.h"
+#include "app/shell/MenuBar.h"
 #include "app/shell/Panel.h"
 #include "app/shell/PanelPlacer.h"
 #include "app/shell/Poller.h"
@@ -66,6 +67,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<Poller> poller_;
   std::unique_ptr<HotKey> hotKey_;
   Support support_;
+  std::unique_ptr<MenuBar> menuBar_;
   std::unique_ptr<PanelPlacer> placer_;
   bool raiseWanted_ = false;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

@@ -10,8 +10,11 @@
 #include "app/shell/ports/Clock.h"
 #include "app/shell/ports/Defaults.h"
 #include "app/shell/ports/HotKeyService.h"
+#include "app/shell/ports/LoginItem.h"
 #include "app/shell/ports/MainLoop.h"
 #include "app/shell/ports/PanelWindow.h"
+#include "app/shell/ports/StatusItem.h"
+#include "app/shell/ports/Updater.h"
 #include "app/shell/ports/WebView.h"
 #include "app/shell/ports/Workspace.h"
 #include "kit/platform/Archiver.h"
@@ -33,6 +36,16 @@ class AppPlatform {
 
   // None where the desktop has no such service.
   virtual HotKeyService* hotKeys() { return nullptr; }
+
+  // The icon named so among the resources; none where the desktop has no place for it.
+  virtual std::unique_ptr<StatusItem> makeStatusItem(const std::string& imageName) {
+    static_cast<void>(imageName);
+    return nullptr;
+  }
+
+  // None where the platform has no such thing.
+  virtual LoginItem* loginItem() { return nullptr; }
+  virtual Updater* updater() { return nullptr; }
 
   // None where nothing can pack files.
   virtual Archiver* archiver() { return nullptr; }

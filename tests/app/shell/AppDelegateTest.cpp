@@ -75,6 +75,15 @@ TEST_F(AppDelegateTest, RegistersTheConfiguredHotKeysAfterTheRest) {
   EXPECT_THAT(logged(), Contains("HOTKEY map key=false visible=true excelFrontmost=false"));
 }
 
+TEST_F(AppDelegateTest, ShowsItsMenuOverPanelAndPoller) {
+  platform.hasStatusBar = true;
+  launched();
+  platform.statusItem().choose("Open Auditor");
+  EXPECT_TRUE(platform.window().key);
+  platform.statusItem().choose("Pause Follow");
+  EXPECT_THAT(platform.webView().takeScripts(), Contains(HasSubstr("followState")));
+}
+
 TEST_F(AppDelegateTest, PromptsAfterACrashBeforeItStartsTheRest) {
   writeFile(folder / "config.json", R"({"lastLaunchedAt": "2026-01-01T00:00:00Z"})");
   writeFile(folder / "library/Logs/DiagnosticReports/Quorin-1.ips", "stack");

@@ -129,12 +129,12 @@ void FakeWorkspace::activate(const RunningApplication& application) {
 
 bool FakeWorkspace::openURL(const std::string& url) {
   journal_.push_back("openURL " + url);
-  return true;
+  return opens;
 }
 
 bool FakeWorkspace::openFile(const std::filesystem::path& file) {
   journal_.push_back("openFile " + file.string());
-  return true;
+  return opens;
 }
 
 void FakeWorkspace::bringToFront(const RunningApplication& application) {
@@ -179,6 +179,32 @@ HotKeyService::Status FakeHotKeyService::add(HotKeyID id, std::uint32_t keyCode,
   signatures.push_back(id.signature);
   const auto found = refused.find(id.id);
   return found == refused.end() ? noError : found->second;
+}
+
+void FakeStatusItem::choose(const std::string& title) {
+  const auto found = std::find_if(items.begin(), items.end(),
+                                  [&](const MenuItem& item) { return item.title == title; });
+  if (found == items.end()) throw std::logic_error("no item " + title);
+  delegate->menuItemChosen(static_cast<std::size_t>(found - items.begin()));
+}
+
+std::optional<std::string> FakeLoginItem::registerItem() {
+  journal_.push_back("registerLoginItem");
+  if (!error) current = afterRegistering;
+  return error;
+}
+
+std::optional<std::string> FakeLoginItem::unregisterItem() {
+  journal_.push_back("unregisterLoginItem");
+  if (!error) current = LoginItemStatus::notRegistered;
+  return error;
+}
+
+std::unique_ptr<StatusItem> FakeAppPlatform::makeStatusItem(const std::string& imageName) {
+  if (!hasStatusBar) return nullptr;
+  auto item = std::make_unique<FakeStatusItem>(imageName);
+  statusItem_ = item.get();
+  return item;
 }
 
 std::unique_ptr<PanelWindow> FakeAppPlatform::makePanelWindow(const PanelWindowOptions& options) {

@@ -141,6 +141,7 @@ class FakeWorkspace : public Workspace {
   // The application comes to the front; the observer hears of it.
   void bringToFront(const RunningApplication& application);
 
+  bool opens = true;  // whether there is a program for files and URLs
   std::vector<RunningApplication> running;
   std::optional<RunningApplication> frontmost;
 
@@ -208,6 +209,50 @@ class FakeHotKeyService : public HotKeyService {
   Handler handler_;
 };
 
+class FakeStatusItem : public StatusItem {
+ public:
+  explicit FakeStatusItem(std::string given) : image(std::move(given)) {}
+  void setDelegate(StatusItemDelegate* given) override { delegate = given; }
+  void setMenu(const std::vector<MenuItem>& given) override { items = given; }
+  void setItem(std::size_t index, const MenuItem& item) override { items.at(index) = item; }
+
+  // The user opens the menu, and chooses the item of this title.
+  void open() { delegate->menuWillOpen(); }
+  void choose(const std::string& title);
+
+  const std::string image;
+  std::vector<MenuItem> items;
+  StatusItemDelegate* delegate = nullptr;
+};
+
+class FakeLoginItem : public LoginItem {
+ public:
+  explicit FakeLoginItem(Journal& journal) : journal_(journal) {}
+  bool isInstalled() const override { return installed; }
+  LoginItemStatus status() const override { return current; }
+  std::optional<std::string> registerItem() override;
+  std::optional<std::string> unregisterItem() override;
+
+  bool installed = true;
+  LoginItemStatus current = LoginItemStatus::notRegistered;
+  std::optional<std::string> error;  // what the next changes fail with
+  LoginItemStatus afterRegistering = LoginItemStatus::enabled;
+
+ private:
+  Journal& journal_;
+};
+
+class FakeUpdater : public Updater {
+ public:
+  explicit FakeUpdater(Journal& journal) : journal_(journal) {}
+  std::optional<std::string> unavailable() const override { return reason; }
+  void checkForUpdates() override { journal_.push_back("checkForUpdates"); }
+  std::optional<std::string> reason;
+
+ private:
+  Journal& journal_;
+};
+
 class FakeFolders : public Folders {
  public:
   explicit FakeFolders(std::filesystem::path root) : root_(std::move(root)) {}
@@ -240,6 +285,9 @@ class FakeAppPlatform : public AppPlatform {
   FakeBundle& bundle() override { return bundle_; }
   FakeClock& clock() override { return clock_; }
   const FakeClock& clock() const { return clock_; }
+  std::unique_ptr<StatusItem> makeStatusItem(const std::string& imageName) override;
+  LoginItem* loginItem() override { return hasLoginItem ? &login : nullptr; }
+  Updater* updater() override { return hasUpdater ? &updates : nullptr; }
   Archiver* archiver() override { return hasPacker ? &packer : nullptr; }
   SystemVersions systemVersions() const override { return {"TestOS", "7", "Sheets", {}}; }
   HotKeyService* hotKeys() override { return hasHotKeys ? &hotKeyService : nullptr; }
@@ -250,6 +298,7 @@ class FakeAppPlatform : public AppPlatform {
   // The window and the view made last.
   FakePanelWindow& window() { return *window_; }
   FakeWebView& webView() { return *webView_; }
+  FakeStatusItem& statusItem() { return *statusItem_; }
   bool madePanel() const { return window_ != nullptr; }
 
   Journal journal;
@@ -257,6 +306,9 @@ class FakeAppPlatform : public AppPlatform {
   bool hasHotKeys = false;
   FakeArchiver packer;
   bool hasPacker = true;
+  FakeLoginItem login{journal};
+  FakeUpdater updates{journal};
+  bool hasStatusBar = false, hasLoginItem = true, hasUpdater = true;
 
  private:
   FakeClock clock_;
@@ -268,6 +320,7 @@ class FakeAppPlatform : public AppPlatform {
   FakeBundle bundle_;
   FakePanelWindow* window_ = nullptr;
   FakeWebView* webView_ = nullptr;
+  FakeStatusItem* statusItem_ = nullptr;
 };
 
 }  // namespace quorin

@@ -1,0 +1,71 @@
+// MenuBar: the status item's menu and what its items do. Main thread only; owned by the application
+// delegate.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/shell/Panel.h"
+#include "app/shell/Poller.h"
+#include "app/shell/Support.h"
+#include "app/shell/ports/LoginItem.h"
+#include "app/shell/ports/StatusItem.h"
+
+namespace quorin {
+
+// The status's name in the log.
+std::string_view name(LoginItemStatus status);
+
+class MenuBar : private StatusItemDelegate {
+ public:
+  static constexpr const char* imageName = "MenuBarIcon";
+
+  // Everything here must outlive the object.
+  struct Parts {
+    AppPlatform& platform;
+    PanelBridge& bridge;
+    Panel& panel;
+    Poller& poller;
+    Support& support;
+    DiagLog& log;
+  };
+
+  // Shows the item, where the desktop has a place for it.
+  explicit MenuBar(Parts parts);
+  ~MenuBar() override;
+
+  void toggleFollow();
+  void clearStuck();
+  void openLog();
+  void checkForUpdates();
+  void toggleLogin();
+  void refreshLoginItem();
+
+ private:
+  struct Entry {
+    MenuItem item;
+    std::function<void()> action;
+  };
+
+  static constexpr std::size_t followIndex = 1, updateIndex = 5, loginIndex = 6;
+
+  std::vector<Entry> makeEntries();
+  void change(std::size_t index, const MenuItem& item);
+  void refreshUpdateItem();
+  void tellCleared(const PanelReply& reply);
+  void tell(const Alert& alert);
+
+  void menuWillOpen() override;
+  void menuItemChosen(std::size_t index) override;
+
+  Parts parts_;
+  std::vector<Entry> entries_;
+  std::unique_ptr<StatusItem> statusItem_;
+  std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+};
+
+}  // namespace quorin
