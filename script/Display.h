@@ -15,6 +15,7 @@ std::string displayText(const Value& value, ApplicationName name = ApplicationNa
 std::string displaySpecifier(const AppleEventDescriptor& descriptor,
                              const Application* application);
 std::string displaySelector(const Selector& selector);
+std::string displayProperty(FourCharCode code, const Application* application);
 std::string displayConstant(const Constant& constant);
 std::string displayClass(FourCharCode code, const Application* application, bool plural = false);
 std::string displayCode(FourCharCode code);  // the four characters
