@@ -9,8 +9,6 @@ namespace {
 namespace codes = host::codes;
 using Descriptor = AppleEventDescriptor;
 
-constexpr std::size_t longestText = 255;
-
 AppleEventReply failed(int number, std::string message = {}) {
   return {std::nullopt, AppleEventError{number, std::move(message), {}}};
 }
@@ -25,9 +23,9 @@ const Descriptor& parameter(const AppleEvent& event, FourCharCode keyword) {
   return given == nullptr ? absent : *given;
 }
 
-bool isLong(const Descriptor& value) {
+bool isLong(const Descriptor& value, std::size_t longest) {
   const auto text = value.stringValue();
-  return text && text->size() > longestText;
+  return text && text->size() > longest;
 }
 
 }  // namespace
@@ -76,13 +74,13 @@ AppleEventReply QuirkyExcel::answer(const AppleEvent& given, std::chrono::millis
   if (auto refused = refusal(event)) return std::move(*refused);
   const bool setsFormula = isEvent(event, codes::coreSuite, codes::set) &&
                            mentions(parameter(event, keyDirectObject), codes::formula2) &&
-                           isLong(parameter(event, codes::setTo));
+                           isLong(parameter(event, codes::setTo), quirks.longestText);
   if (setsFormula && quirks.ignoresLongFormulas) return {};
   if (setsFormula && quirks.cutsLongFormulas)
     for (AppleEventDescriptor::Field& field : event.parameters)
       if (field.keyword == codes::setTo)
         field.value =
-            Descriptor::text(std::string(field.value.stringValue()->substr(0, longestText)));
+            Descriptor::text(std::string(field.value.stringValue()->substr(0, quirks.longestText)));
   AppleEventReply reply = spoiledCells(quirks, propertyRead(event), excel_->send(event, timeout));
   if (reply.error && reply.error->number == -609) return died();
   return spoiled(quirks, event, std::move(reply));
@@ -92,7 +90,7 @@ AppleEventReply QuirkyExcel::answer(const AppleEvent& given, std::chrono::millis
 std::optional<AppleEventReply> QuirkyExcel::refusal(const AppleEvent& event) {
   const Descriptor& direct = parameter(event, keyDirectObject);
   if (isEvent(event, codes::excelSuite, codes::evaluate) && quirks.losesLongText &&
-      isLong(parameter(event, codes::name)))
+      isLong(parameter(event, codes::name), quirks.longestText))
     return AppleEventReply{Descriptor::missingValue(), std::nullopt};
   if (quirks.hidesRegions && mentions(direct, codes::currentRegion)) return failed(-50);
   if (isEvent(event, codes::excelSuite, codes::goTo) ||

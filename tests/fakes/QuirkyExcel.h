@@ -26,6 +26,8 @@ struct ExcelQuirks {
   bool losesLongText = false;          // evaluating more than 255 characters is missing value
   bool hidesEvaluationErrors = false;  // evaluating to an error is missing value, not -1708
 
+  // Evaluating or setting text above this length is where Excel fails without a word.
+  std::size_t longestText = 255;
   // Setting a formula of more than 255 characters does nothing, or cuts it, without an error.
   bool ignoresLongFormulas = false, cutsLongFormulas = false;
   bool cutsLongAddresses = false;        // get address ends after 255 characters

@@ -103,6 +103,15 @@ TEST_F(MemorySpreadsheetTest, GivesTheDependentsItIsToldToGive) {
   EXPECT_EQ(spreadsheet.dependents(cell("B3"), host::DependentLevels::all), std::nullopt);
 }
 
+TEST_F(MemorySpreadsheetTest, SpillsOnlyWhereNothingIsInTheWay) {
+  const host::SheetRef scratch{spreadsheet.makeWorkbook(), "Sheet1"};
+  const host::RangeRef first{scratch, {{1, 1, 1, 1}}}, second{scratch, {{2, 1, 2, 1}}};
+  spreadsheet.setFormula(second, "=5");
+  spreadsheet.setFormula(first, "={1;2}");
+  EXPECT_EQ(spreadsheet.values(first).cells.front(), host::CellValue(host::CellError{"#SPILL!"}));
+  EXPECT_EQ(spreadsheet.values(second).cells.front(), host::CellValue(5.0));
+}
+
 struct Formula {
   const char* text;
   host::CellValue result;

@@ -1,4 +1,6 @@
 // qx_readrange, qx_errcol, qx_readformulas, and the binding of addresses.
+#include "host/Codes.h"
+#include "tests/fakes/QuirkyAnswers.h"
 #include "tests/kit/scripts/LibraryFixture.h"
 
 namespace quorin {
@@ -15,10 +17,19 @@ TEST_F(RangeHandlers, ReadRangeGivesValuesDimensionsAndTexts) {
 
 TEST_F(RangeHandlers, ReadRangeRefusesMoreThan20000CellsWithoutReadingAny) {
   memory_->script.clear();
+  excel_->forget();
   EXPECT_EQ(run("qx_readrange", {"A1:A20001"}), R"j(["__TOOBIG",20001,1,20001])j");
   EXPECT_EQ(run("qx_readformulas", {"A1:A20001", "a1", false}), R"j(["__TOOBIG",20001,1,20001])j");
   EXPECT_EQ(run("qx_readrange", {"A:B"}), R"j(["__TOOBIG",1048576,2,2097152])j");
   EXPECT_EQ(valueReads(), 0);
+  EXPECT_FALSE(excel_->events().empty());
+  for (const AppleEvent& event : excel_->events()) {
+    const FourCharCode read = fakes::propertyRead(event);
+    EXPECT_TRUE(read != host::codes::value2 && read != host::codes::value &&
+                read != host::codes::stringValue && read != host::codes::formula);
+  }
+  run("qx_readrange", {"A1"});
+  EXPECT_EQ(fakes::propertyRead(excel_->events().back()), host::codes::value2);
 }
 
 TEST_F(RangeHandlers, ReadRangeRefusesUnionsWithoutReadingThem) {
