@@ -23,7 +23,14 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
       workbooks_(desktop_),
-      evaluator_(connection_.context()) {}
+      evaluator_(connection_.context()),
+      scratch_(connection_.context(), workbooks_) {}
+
+Workbook& CalcSession::workbook(const std::string& book) {
+  if (ScratchWorkbook* const scratch = scratch_.find(book)) return scratch->workbook();
+  asked_ = workbooks_.named(book);
+  return *asked_;
+}
 
 bool CalcSession::answers() {
   if (!connection_.isAlive()) return false;

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <com/sun/star/frame/XDesktop2.hpp>
+#include <memory>
 #include <string>
 
 #include "host/calc/CalcEvaluator.h"
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/OfficeConnection.h"
+#include "host/calc/ScratchWorkbooks.h"
 
 namespace quorin::host::calc {
 
@@ -18,6 +20,8 @@ class CalcSession {
   OfficeConnection& connection() { return connection_; }
   CalcWorkbooks& workbooks() { return workbooks_; }
   CalcEvaluator& evaluator() { return evaluator_; }
+  ScratchWorkbooks& scratch() { return scratch_; }
+  Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
 
   // Whether the office is still there. Asks it: the news of its end may come late.
   bool answers();
@@ -30,6 +34,8 @@ class CalcSession {
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
   CalcWorkbooks workbooks_;
   CalcEvaluator evaluator_;
+  ScratchWorkbooks scratch_;
+  std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   std::string version_;
 };
 

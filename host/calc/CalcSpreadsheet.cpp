@@ -3,13 +3,28 @@
 #include <com/sun/star/lang/DisposedException.hpp>
 
 #include "host/calc/CalcCells.h"
+#include "host/calc/CalcLines.h"
 #include "host/calc/CalcLookup.h"
+#include "host/calc/CalcNames.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcSession.h"
 #include "host/calc/CalcView.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
+namespace {
+
+RangeRef firstCellOf(const ScratchWorkbook& scratch) {
+  return {{scratch.name(), ScratchWorkbook::onlySheet}, {Area{}}};
+}
+
+// Going anywhere in the user's workbooks puts those that are ours behind them.
+CalcNavigation navigation(CalcSession& office) {
+  office.scratch().deactivate();
+  return CalcNavigation(office.workbooks());
+}
+
+}  // namespace
 
 CalcSpreadsheet::CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
                                  std::chrono::milliseconds patience)
@@ -99,11 +114,20 @@ void CalcSpreadsheet::activate() {
 }
 
 std::vector<std::string> CalcSpreadsheet::workbooks() {
-  return call([](CalcSession& office) { return office.workbooks().names(); });
+  return call([](CalcSession& office) {
+    std::vector<std::string> names = office.workbooks().names();
+    for (std::string& name : office.scratch().names()) names.push_back(std::move(name));
+    return names;
+  });
 }
 
 std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
-  return call([&](CalcSession& office) { return sheetNames(*office.workbooks().named(book)); });
+  return call([&](CalcSession& office) {
+    if (office.scratch().find(book) != nullptr) {
+      return std::vector<std::string>{ScratchWorkbook::onlySheet};
+    }
+    return sheetNames(office.workbook(book));
+  });
 }
 
 std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
@@ -121,6 +145,7 @@ std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
 
 std::optional<std::string> CalcSpreadsheet::activeWorkbook() {
   return call([](CalcSession& office) -> std::optional<std::string> {
+    if (const auto* scratch = office.scratch().active()) return scratch->name();
     const auto window = office.workbooks().active();
     return !window ? std::nullopt : std::optional(window->workbook->name);
   });
@@ -128,6 +153,8 @@ std::optional<std::string> CalcSpreadsheet::activeWorkbook() {
 
 std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
   return call([](CalcSession& office) -> std::optional<SheetRef> {
+    if (const auto* scratch = office.scratch().active())
+      return SheetRef{scratch->name(), ScratchWorkbook::onlySheet};
     const auto window = office.workbooks().active();
     return !window ? std::nullopt : std::optional(calc::activeSheetOf(*window));
   });
@@ -135,6 +162,7 @@ std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
 
 std::optional<RangeRef> CalcSpreadsheet::activeCell() {
   return call([](CalcSession& office) -> std::optional<RangeRef> {
+    if (const auto* scratch = office.scratch().active()) return firstCellOf(*scratch);
     const auto window = office.workbooks().active();
     return !window ? std::nullopt : std::optional(activeCellOf(*window));
   });
@@ -142,18 +170,21 @@ std::optional<RangeRef> CalcSpreadsheet::activeCell() {
 
 std::optional<RangeRef> CalcSpreadsheet::selection() {
   return call([](CalcSession& office) -> std::optional<RangeRef> {
+    if (const auto* scratch = office.scratch().active()) return firstCellOf(*scratch);
     const auto window = office.workbooks().active();
     return !window ? std::nullopt : std::optional(selectionOf(*window));
   });
 }
 
 SheetRef CalcSpreadsheet::activeSheetOf(const std::string& book) {
-  return call(
-      [&](CalcSession& office) { return calc::activeSheetOf(office.workbooks().windowOf(book)); });
+  return call([&](CalcSession& office) {
+    if (office.scratch().find(book) != nullptr) return SheetRef{book, ScratchWorkbook::onlySheet};
+    return calc::activeSheetOf(office.workbooks().windowOf(book));
+  });
 }
 
 void CalcSpreadsheet::goTo(const RangeRef& range) {
-  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).select(range); });
+  call([&](CalcSession& office) { navigation(office).select(range); });
 }
 
 void CalcSpreadsheet::select(const RangeRef& range) {
@@ -161,72 +192,115 @@ void CalcSpreadsheet::select(const RangeRef& range) {
 }  // Calc scrolls either way
 
 void CalcSpreadsheet::activateWorkbook(const std::string& book) {
-  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).activateWorkbook(book); });
+  call([&](CalcSession& office) { navigation(office).activateWorkbook(book); });
 }
 
 void CalcSpreadsheet::activateSheet(const SheetRef& sheet) {
-  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).activateSheet(sheet); });
+  call([&](CalcSession& office) { navigation(office).activateSheet(sheet); });
 }
 
 void CalcSpreadsheet::activateCell(const RangeRef& range) {
-  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).activateCell(range); });
+  call([&](CalcSession& office) { navigation(office).activateCell(range); });
 }
 
 void CalcSpreadsheet::scrollTo(const RangeRef& range) {
-  call([&](CalcSession& office) { CalcNavigation(office.workbooks()).scrollTo(range); });
+  call([&](CalcSession& office) { navigation(office).scrollTo(range); });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::named(const SheetRef& from, const std::string& name) {
-  return call([&](CalcSession& office) {
-    return findNamed(*office.workbooks().named(from.book), from.sheet, name);
-  });
+  return call(
+      [&](CalcSession& office) { return findNamed(office.workbook(from.book), from.sheet, name); });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::currentRegion(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return findCurrentRegion(*office.workbooks().named(range.sheet.book), range);
+    return findCurrentRegion(office.workbook(range.sheet.book), range);
   });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::usedRange(const SheetRef& sheet) {
-  return call([&](CalcSession& office) {
-    return findUsedRange(*office.workbooks().named(sheet.book), sheet.sheet);
-  });
+  return call(
+      [&](CalcSession& office) { return findUsedRange(office.workbook(sheet.book), sheet.sheet); });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::dependents(const RangeRef& range, DependentLevels levels) {
   return call([&](CalcSession& office) {
-    return findDependents(*office.workbooks().named(range.sheet.book), range, levels);
+    return findDependents(office.workbook(range.sheet.book), range, levels);
   });
 }
 
 Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
-  return call([&](CalcSession& office) {
-    return readValues(*office.workbooks().named(range.sheet.book), range);
-  });
+  return call(
+      [&](CalcSession& office) { return readValues(office.workbook(range.sheet.book), range); });
 }
 
 Grid<CellValue> CalcSpreadsheet::formulas(const RangeRef& range, ReferenceStyle style) {
   return call([&](CalcSession& office) {
-    return readFormulas(*office.workbooks().named(range.sheet.book), range, style);
+    if (auto* scratch = office.scratch().find(range.sheet.book)) return scratch->formulas(range);
+    return readFormulas(office.workbook(range.sheet.book), range, style);
   });
 }
 
 Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return readLocalFormulas(*office.workbooks().named(range.sheet.book), range);
+    return readLocalFormulas(office.workbook(range.sheet.book), range);
   });
 }
 
 Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
-  return call([&](CalcSession& office) {
-    return readTexts(*office.workbooks().named(range.sheet.book), range);
-  });
+  return call(
+      [&](CalcSession& office) { return readTexts(office.workbook(range.sheet.book), range); });
 }
 
 Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetRef& from) {
   return call([&](CalcSession& office) {
     return office.evaluator().evaluate(office.workbooks(), expression, from);
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::visibleRange() {
+  return call([](CalcSession& office) -> std::optional<RangeRef> {
+    const auto window = office.workbooks().active();
+    return !window ? std::nullopt : std::optional(visibleRangeOf(*window));
+  });
+}
+
+std::vector<DefinedName> CalcSpreadsheet::definedNames(const std::string& book) {
+  return call([&](CalcSession& office) { return listNames(office.workbook(book)); });
+}
+
+std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) {
+  return call([&](CalcSession& office) {
+    return areHidden(office.workbook(range.sheet.book), range, lines);
+  });
+}
+
+void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
+  call([&](CalcSession& office) {
+    setLinesHidden(office.workbook(range.sheet.book), range, lines, hide);
+  });
+}
+
+std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {
+  return call([&](CalcSession& office) {
+    return findVisibleCells(office.workbook(range.sheet.book), range);
+  });
+}
+
+std::string CalcSpreadsheet::makeWorkbook() {
+  return call([](CalcSession& office) { return office.scratch().make(); });
+}
+
+void CalcSpreadsheet::setFormula(const RangeRef& cell, const std::string& formula) {
+  call([&](CalcSession& office) {
+    office.scratch().named(cell.sheet.book).setFormula(office.workbooks(), cell, formula);
+  });
+}
+
+void CalcSpreadsheet::closeWorkbook(const std::string& book) {
+  call([&](CalcSession& office) {
+    office.workbook(book);
+    office.scratch().close(book);
   });
 }
 

@@ -58,6 +58,14 @@ class CalcSpreadsheet : public Spreadsheet {
   Grid<CellValue> localFormulas(const RangeRef& range) override;
   Grid<std::string> displayedTexts(const RangeRef& range) override;
   Evaluation evaluate(const std::string& expression, const SheetRef& from) override;
+  std::optional<RangeRef> visibleRange() override;
+  std::vector<DefinedName> definedNames(const std::string& book) override;
+  std::optional<bool> hidden(const RangeRef& range, Lines lines) override;
+  void setHidden(const RangeRef& range, Lines lines, bool hide) override;
+  std::optional<RangeRef> visibleCells(const RangeRef& range) override;
+  std::string makeWorkbook() override;
+  void setFormula(const RangeRef& cell, const std::string& formula) override;
+  void closeWorkbook(const std::string& book) override;
 
  private:
   CalcSession& session();

@@ -44,14 +44,10 @@ class FormulaCells {
   const Reference<XCellRange> cells_;
 };
 
-struct Size {
-  int rows = 1, columns = 1;
-};
-
 constexpr int columnsLimit = 65536;
 
 // From rows * columnsLimit + columns; one cell where the expression is no array.
-Size sizeFrom(const Grid<CellValue>& result) {
+ResultSize sizeFrom(const Grid<CellValue>& result) {
   const auto* number = std::get_if<double>(&result.cells.front());
   if (number == nullptr || *number < columnsLimit) return {};
   const auto both = static_cast<long long>(*number);
@@ -61,20 +57,26 @@ Size sizeFrom(const Grid<CellValue>& result) {
 
 }  // namespace
 
-Evaluation calculate(Workbook& workbook, const std::string& sheetName, int row, int column,
-                     const std::string& expression) {
-  const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, sheetName);
-  const auto in = [&](const Area& area, const std::string& formula) {
-    return FormulaCells(sheet, area).values(workbook, formula);
-  };
-  const Area one{row, column, row, column};
-  const Size size = sizeFrom(in(one, "=ROWS(" + expression + ")*" + std::to_string(columnsLimit) +
+ResultSize resultSize(Workbook& workbook, const std::string& sheet, int row, int column,
+                      const std::string& expression) {
+  const ResultSize size =
+      sizeFrom(FormulaCells(sheetOf(workbook, sheet), {row, column, row, column})
+                   .values(workbook, "=ROWS(" + expression + ")*" + std::to_string(columnsLimit) +
                                          "+COLUMNS(" + expression + ")"));
-  if (size.rows == 1 && size.columns == 1) return in(one, "=" + expression).cells.front();
   if (static_cast<long long>(size.rows) * size.columns > mostResultCells) {
     throw SpreadsheetError(-50, "The result has too many cells");
   }
-  return in({row, column, row + size.rows - 1, column + size.columns - 1}, "=" + expression);
+  return size;
+}
+
+Evaluation calculate(Workbook& workbook, const std::string& sheet, int row, int column,
+                     const std::string& expression) {
+  const ResultSize size = resultSize(workbook, sheet, row, column, expression);
+  const Area area{row, column, row + size.rows - 1, column + size.columns - 1};
+  Grid<CellValue> result =
+      FormulaCells(sheetOf(workbook, sheet), area).values(workbook, "=" + expression);
+  if (result.cells.size() == 1) return std::move(result.cells.front());
+  return result;
 }
 
 }  // namespace quorin::host::calc

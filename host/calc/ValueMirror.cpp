@@ -78,13 +78,23 @@ ValueMirror::ValueMirror(const Reference<css::uno::XComponentContext>& context,
     : hidden_(context),
       original_(original.model),
       book_(original.name),
-      sheets_(std::move(sheets)),
-      formulaSheet_("quorin") {
-  while (std::find(sheets_.begin(), sheets_.end(), formulaSheet_) != sheets_.end()) {
-    formulaSheet_ += " ";
-    formulaSheet_ += "quorin";
-  }
+      sheets_(std::move(sheets)) {
   adoptSettings(original);
+  addSheets();
+}
+
+ValueMirror::ValueMirror(const Reference<css::uno::XComponentContext>& context, std::string book,
+                         std::vector<std::string> sheets, const Workbook* like)
+    : hidden_(context), book_(std::move(book)), sheets_(std::move(sheets)) {
+  if (like != nullptr) adoptSettings(*like);
+  addSheets();
+}
+
+void ValueMirror::addSheets() {
+  formulaSheet_ = "quorin";
+  while (std::find(sheets_.begin(), sheets_.end(), formulaSheet_) != sheets_.end()) {
+    formulaSheet_ += " quorin";
+  }
   const std::string first = sheetNames(workbook()).front();
   const Reference<css::container::XNamed> only(sheetOf(workbook(), first), UNO_QUERY_THROW);
   only->setName(toUno(sheets_.front()));
@@ -135,11 +145,13 @@ std::string ValueMirror::mirrored(const SheetRef& sheet) {
 }
 
 // The areas to read, as the expression has them and grown by what its functions add to them.
-std::vector<RangeRef> ValueMirror::wanted(const Workbook& original, const Reach& reach) const {
-  std::vector<RangeRef> areas = reach.cells;
-  if (reach.anywhere) {
-    for (const std::string& sheet : sheets_)
-      areas.push_back({{original.name, sheet}, {wholeSheet}});
+std::vector<RangeRef> ValueMirror::wanted(const Reach& reach) const {
+  std::vector<RangeRef> areas;
+  for (const RangeRef& range : reach.cells) {
+    if (original_.is() || range.sheet.book != book_) areas.push_back(range);
+  }
+  if (reach.anywhere && original_.is()) {
+    for (const std::string& sheet : sheets_) areas.push_back({{book_, sheet}, {wholeSheet}});
   }
   for (RangeRef& area : areas) {
     if (reach.shifts) area.areas = {wholeSheet};
@@ -165,7 +177,7 @@ std::vector<RangeRef> ValueMirror::wanted(const Workbook& original, const Reach&
 void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
   std::vector<RangeRef> areas;
   long long cells = 0;
-  for (RangeRef& range : wanted(*workbooks.named(book_), reach)) {
+  for (RangeRef& range : wanted(reach)) {
     if (cellCount(range.areas) > fewCells) {
       const auto filled = filledPart(*workbooks.named(range.sheet.book), range);
       if (!filled) continue;

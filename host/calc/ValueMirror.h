@@ -21,6 +21,10 @@ class ValueMirror {
   // `sheets` are the original's, in their order.
   ValueMirror(const css::uno::Reference<css::uno::XComponentContext>& context,
               const Workbook& original, std::vector<std::string> sheets);
+  // Without an original: a workbook of ours of that name, whose own sheets are not filled here.
+  // It calculates as `like` does, if there is such a workbook.
+  ValueMirror(const css::uno::Reference<css::uno::XComponentContext>& context, std::string book,
+              std::vector<std::string> sheets, const Workbook* like);
 
   bool isOf(const Workbook& original, const std::vector<std::string>& sheets) const;
   Workbook& workbook() { return hidden_.workbook(); }
@@ -44,13 +48,14 @@ class ValueMirror {
     Grid<CellValue> values;
     bool operator==(const Block&) const = default;
   };
-  std::vector<RangeRef> wanted(const Workbook& original, const Reach& reach) const;
+  std::vector<RangeRef> wanted(const Reach& reach) const;
   std::string mirrored(const SheetRef& sheet);
+  void addSheets();
   void adoptSettings(const Workbook& original);
   void addSheet(const std::string& name);
 
   HiddenWorkbook hidden_;
-  const css::uno::Reference<css::frame::XModel> original_;
+  const css::uno::Reference<css::frame::XModel> original_;  // none for a workbook of ours
   const std::string book_;
   const std::vector<std::string> sheets_;
   std::string formulaSheet_;

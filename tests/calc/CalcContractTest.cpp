@@ -1,6 +1,7 @@
 // The contract of the port, on a real office.
 #include "tests/calc/CalcFixture.h"
-#include "tests/host/SpreadsheetContract.h"
+#include "tests/host/LinesContract.h"
+#include "tests/host/ScratchContract.h"
 
 namespace quorin::fakes {
 namespace {
@@ -20,6 +21,8 @@ std::unique_ptr<OpenSpreadsheet> openInCalc() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Calc, SpreadsheetContract, ::testing::Values(&openInCalc));
+INSTANTIATE_TEST_SUITE_P(Calc, LinesContract, ::testing::Values(&openInCalc));
+INSTANTIATE_TEST_SUITE_P(Calc, ScratchContract, ::testing::Values(&openInCalc));
 
 }  // namespace
 }  // namespace quorin::fakes

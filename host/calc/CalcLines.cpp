@@ -1,0 +1,116 @@
+#include "host/calc/CalcLines.h"
+
+#include <algorithm>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/sheet/XCellRangesQuery.hpp>
+#include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <com/sun/star/sheet/XViewPane.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
+#include <utility>
+
+#include "host/Address.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/CalcView.h"
+#include "host/calc/ChangeGuard.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+struct Run {
+  int first, last;
+};
+
+// Sorted, and joined where they touch.
+std::vector<Run> joined(std::vector<Run> runs) {
+  std::sort(runs.begin(), runs.end(), [](const Run& a, const Run& b) { return a.first < b.first; });
+  std::vector<Run> result;
+  for (const Run& run : runs) {
+    if (!result.empty() && run.first <= result.back().last + 1) {
+      result.back().last = std::max(result.back().last, run.last);
+    } else {
+      result.push_back(run);
+    }
+  }
+  return result;
+}
+
+// The rows and columns of the area of which something is shown.
+struct Shown {
+  std::vector<Run> rows, columns;
+};
+
+Shown shownLines(const Workbook& workbook, const std::string& sheet, const Area& area) {
+  const Reference<css::sheet::XCellRangesQuery> query(cellsOf(workbook, sheet, area),
+                                                      UNO_QUERY_THROW);
+  Shown shown;
+  for (const auto& address : query->queryVisibleCells()->getRangeAddresses()) {
+    const Area part = areaOf(address);
+    shown.rows.push_back({part.firstRow, part.lastRow});
+    shown.columns.push_back({part.firstColumn, part.lastColumn});
+  }
+  return {joined(std::move(shown.rows)), joined(std::move(shown.columns))};
+}
+
+// The whole lines that the area touches: in a part of one, hidden lines the other way would count.
+Area wholeLines(Area area, Lines lines) {
+  if (lines == Lines::rows) {
+    area.firstColumn = 1;
+    area.lastColumn = maxColumn;
+  } else {
+    area.firstRow = 1;
+    area.lastRow = maxRow;
+  }
+  return area;
+}
+
+}  // namespace
+
+std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines) {
+  long long total = 0, visible = 0;
+  for (const Area& area : range.areas) {
+    total += lines == Lines::rows ? rowCount(area) : columnCount(area);
+    const Shown shown = shownLines(workbook, range.sheet.sheet, wholeLines(area, lines));
+    for (const Run& run : lines == Lines::rows ? shown.rows : shown.columns) {
+      visible += run.last - run.first + 1;
+    }
+  }
+  if (visible != 0 && visible != total) return std::nullopt;
+  return visible == 0;
+}
+
+void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines, bool hidden) {
+  for (const Area& area : range.areas) {
+    const Reference<css::table::XColumnRowRange> cells(cellsOf(workbook, range.sheet.sheet, area),
+                                                       UNO_QUERY_THROW);
+    const Reference<css::uno::XInterface> group =
+        lines == Lines::rows ? Reference<css::uno::XInterface>(cells->getRows())
+                             : Reference<css::uno::XInterface>(cells->getColumns());
+    const Reference<css::beans::XPropertySet> properties(group, UNO_QUERY_THROW);
+    const ChangeGuard guard(workbook);
+    properties->setPropertyValue("IsVisible", Any(!hidden));
+  }
+}
+
+std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range) {
+  RangeRef visible{range.sheet, {}};
+  for (const Area& area : range.areas) {
+    const Shown shown = shownLines(workbook, range.sheet.sheet, area);
+    for (const Run& rows : shown.rows) {
+      for (const Run& columns : shown.columns) {
+        visible.areas.push_back({rows.first, columns.first, rows.last, columns.last});
+      }
+    }
+  }
+  return visible.areas.empty() ? std::nullopt : std::optional(visible);
+}
+
+RangeRef visibleRangeOf(const Window& window) {
+  const Reference<css::sheet::XViewPane> pane(window.controller, UNO_QUERY_THROW);
+  return {activeSheetOf(window), {areaOf(pane->getVisibleRange())}};
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,16 @@
+// CalcLines: rows and columns that are hidden, and what a window shows. Call thread.
+#pragma once
+
+#include <optional>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines);
+void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines, bool hidden);
+std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range);
+RangeRef visibleRangeOf(const Window& window);
+
+}  // namespace quorin::host::calc

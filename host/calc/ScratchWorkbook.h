@@ -1,0 +1,45 @@
+// ScratchWorkbook: a workbook made for a client, which nobody else sees. Formulas written into it
+// spill as Excel's do. The cells of the user's workbooks that they refer to stand beside it, with
+// the values they had when the last formula was written. Call thread.
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/ValueMirror.h"
+
+namespace quorin::host::calc {
+
+class ScratchWorkbook {
+ public:
+  static constexpr const char* onlySheet = "Sheet1";
+
+  // It calculates as `like` does.
+  ScratchWorkbook(const css::uno::Reference<css::uno::XComponentContext>& context, std::string name,
+                  const Workbook* like);
+
+  const std::string& name() const { return name_; }
+  Workbook& workbook() { return mirror_.workbook(); }
+
+  // Into the range's first cell; anything without "=" is a text.
+  void setFormula(CalcWorkbooks& workbooks, const RangeRef& range, const std::string& formula);
+  // As they were written, and the values of cells without one.
+  Grid<CellValue> formulas(const RangeRef& range);
+
+ private:
+  using Cell = std::pair<int, int>;  // row and column
+  void enter(const Area& area, const std::string& formula);
+  void clear(const Area& area);
+  bool isBlank(const Area& area);
+
+  const std::string name_;
+  ValueMirror mirror_;
+  Reach reach_;  // of all formulas
+  std::map<Cell, std::string> written_;
+  std::map<Cell, Area> spills_;
+};
+
+}  // namespace quorin::host::calc
