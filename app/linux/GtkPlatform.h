@@ -9,6 +9,7 @@
 #include "app/linux/GtkApplicationPort.h"
 #include "app/linux/InstalledBundle.h"
 #include "app/linux/WebKitView.h"
+#include "app/linux/X11HotKeys.h"
 #include "app/linux/X11Session.h"
 #include "app/linux/X11Workspace.h"
 #include "app/shell/ports/AppPlatform.h"
@@ -38,6 +39,7 @@ class GtkPlatform : public AppPlatform {
   Defaults& defaults() override { return defaults_; }
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
+  HotKeyService* hotKeys() override { return &hotKeys_; }
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "LibreOffice Calc"; }
@@ -53,6 +55,7 @@ class GtkPlatform : public AppPlatform {
   GtkApplicationPort application_;
   X11Session session_;
   X11Workspace workspace_{session_};
+  X11HotKeys hotKeys_;
   GtkAlerts alerts_;
   FileDefaults defaults_;
   InstalledBundle bundle_;
