@@ -1,7 +1,8 @@
 // quorin: the panel beside LibreOffice Calc.
 //
 //   quorin            starts; when it runs already, brings its panel up and ends
-//   quorin --show     starts with the panel up
+//   quorin --show     starts with the panel up; with tree, map or deps behind it, on that view
+//   quorin --step 1   steps through the page of the Quorin that is running; -1 steps back
 //   quorin --version
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include "app/linux/CalcLink.h"
+#include "app/linux/ControlRequest.h"
 #include "app/linux/GtkPlatform.h"
 #include "app/linux/LineServer.h"
 #include "app/linux/PanelInspector.h"
@@ -25,20 +27,20 @@ namespace quorin {
 
 namespace {
 
-constexpr const char* raiseRequest = "show";
-constexpr const char* raiseAnswer = "ok";
+constexpr const char* done = "ok";
 constexpr std::size_t longestRequest = 64;
 constexpr int attempts = 20;
 constexpr useconds_t betweenAttempts = 50'000;
 
 struct Invocation {
   bool show = false;
+  ControlRequest request;
 };
 
-// Brings the panel of the Quorin that holds the folder up. It may just be starting.
-int raiseTheOther(const std::filesystem::path& socket) {
+// Asks the Quorin that holds the folder. It may just be starting.
+int askTheOther(const std::filesystem::path& socket, const ControlRequest& request) {
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    if (LineServer::ask(socket, raiseRequest) == raiseAnswer) return 0;
+    if (LineServer::ask(socket, request.line()) == done) return 0;
     usleep(betweenAttempts);
   }
   std::fprintf(stderr, "quorin: it is running already, but does not answer\n");
@@ -50,6 +52,16 @@ void noteWayland(const Environment& environment, DiagLog& log) {
   log.log("COMPANION",
           "Wayland session: windows that do not use X11 can be neither followed nor stood beside; "
           "start LibreOffice with GDK_BACKEND=x11");
+}
+
+void fulfil(const ControlRequest& request, AppDelegate& delegate) {
+  if (request.direction) {
+    delegate.step(*request.direction);
+  } else if (!request.view.empty()) {
+    delegate.surface(request.view);
+  } else {
+    delegate.raisePanel();
+  }
 }
 
 int run(const Invocation& invocation) {
@@ -64,16 +76,21 @@ int run(const Invocation& invocation) {
   const std::filesystem::path folder = config.parent_path();
   const std::optional<FolderLock> lock = FolderLock::acquire(folder);
   const std::filesystem::path socket = folder / "control";
-  if (!lock) return raiseTheOther(socket);
+  if (!lock) return askTheOther(socket, invocation.request);
+  if (invocation.request.direction) {
+    std::fprintf(stderr, "quorin: it is not running\n");
+    return 1;
+  }
 
   // Listens before anything else: who is told that the folder is locked asks here.
   AppDelegate* delegate = nullptr;
   std::optional<LineServer> control;
   control.emplace(socket, longestRequest,
                   [&](const std::string& line, const LineServer::Answer& answer) {
-                    if (line != raiseRequest || !delegate) return answer("unknown request");
-                    delegate->raisePanel();
-                    answer(raiseAnswer);
+                    const auto request = parseControlRequest(line);
+                    if (!request || !delegate) return answer("unknown request");
+                    fulfil(*request, *delegate);
+                    answer(done);
                   });
 
   const std::unique_ptr<AppPlatform> platform = makePlatform();
@@ -89,7 +106,7 @@ int run(const Invocation& invocation) {
   AppDelegate app({*platform, link, bridgeQueue, log, config, environment,
                    [&thread] { return thread.compileError(); }, platformFolders()});
   delegate = &app;
-  if (invocation.show) app.raisePanel();
+  if (invocation.show) fulfil(invocation.request, app);
 
   std::optional<PanelInspector> inspector;
   if (const auto path = environment.find("QX_TEST_SOCKET"); path != environment.end()) {
@@ -117,9 +134,26 @@ int main(int argc, char** argv) {
   quorin::Invocation invocation;
   CLI::App options("Quorin: a companion for auditing spreadsheets, beside LibreOffice Calc.",
                    "quorin");
-  options.add_flag("--show", invocation.show, "Bring the panel up");
+  CLI::Option* const show = options
+                                .add_option("--show", invocation.request.view,
+                                            "Bring the panel up, on a view where one is named")
+                                ->type_name("[VIEW]")
+                                ->expected(0, 1)
+                                ->check(CLI::IsMember({"tree", "map", "deps"}));
+  options
+      .add_option("--step", invocation.request.direction,
+                  "Step forward (1) or back (-1) in the panel that is up")
+      ->type_name("N")
+      ->check(CLI::IsMember({1, -1}))
+      ->excludes(show);
   options.set_version_flag("--version", QUORIN_VERSION);
-  CLI11_PARSE(options, argc, argv);
+  constexpr int badCall = 2;
+  try {
+    options.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return options.exit(error) == 0 ? 0 : badCall;
+  }
+  invocation.show = show->count() > 0;
   try {
     return quorin::run(invocation);
   } catch (const std::exception& error) {

@@ -25,6 +25,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     registerHotKeys(config);
     watchActivation();
     if (raiseWanted_) raisePanel();
+    if (wantedView_) surface(*wantedView_);
   });
 }
 
@@ -140,6 +141,18 @@ void AppDelegate::applicationActivated(const RunningApplication& application) {
     case CompanionAction::ignore:
       break;
   }
+}
+
+void AppDelegate::surface(const std::string& view) {
+  if (!hotKey_) {
+    wantedView_ = view;
+    return;
+  }
+  hotKey_->surface(view);
+}
+
+void AppDelegate::step(int direction) {
+  if (hotKey_) hotKey_->step(direction);
 }
 
 void AppDelegate::raisePanel() {

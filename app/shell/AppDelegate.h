@@ -45,6 +45,11 @@ class AppDelegate : public ApplicationDelegate {
   // it, or else beside Excel's window. Before start-up is complete, at its end.
   void raisePanel();
 
+  // What the global hot keys do, for desktops that keep those to themselves. Before start-up is
+  // complete the view is brought up at its end, and a step is none.
+  void surface(const std::string& view);
+  void step(int direction);
+
  private:
   using Next = std::function<void()>;
 
@@ -70,6 +75,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<MenuBar> menuBar_;
   std::unique_ptr<PanelPlacer> placer_;
   bool raiseWanted_ = false;
+  std::optional<std::string> wantedView_;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

@@ -84,6 +84,25 @@ TEST_F(AppDelegateTest, ShowsItsMenuOverPanelAndPoller) {
   EXPECT_THAT(platform.webView().takeScripts(), Contains(HasSubstr("followState")));
 }
 
+TEST_F(AppDelegateTest, DoesWhatTheHotKeysDoWhenItIsAsked) {
+  makeDelegate();
+  delegate->surface("map");
+  delegate->step(1);
+  EXPECT_THAT(logged(), IsEmpty()) << "not before start-up is complete";
+  delegate->applicationDidFinishLaunching();
+  EXPECT_THAT(logged(), Contains("HOTKEY map key=false visible=false excelFrontmost=false"));
+  platform.window().visible = true;
+  platform.webView().finishLoading();
+  settle();
+  platform.webView().takeScripts();
+  delegate->surface("deps");
+  EXPECT_THAT(logged(), Contains(HasSubstr("HOTKEY deps key=")));
+  platform.webView().takeScripts();
+  delegate->step(-1);
+  EXPECT_THAT(platform.webView().takeScripts(),
+              ElementsAre(R"(window.__qxEvent && window.__qxEvent("step", {"dir":-1}))"));
+}
+
 TEST_F(AppDelegateTest, PromptsAfterACrashBeforeItStartsTheRest) {
   writeFile(folder / "config.json", R"({"lastLaunchedAt": "2026-01-01T00:00:00Z"})");
   writeFile(folder / "library/Logs/DiagnosticReports/Quorin-1.ips", "stack");
