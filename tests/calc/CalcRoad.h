@@ -1,0 +1,67 @@
+// The whole road from a verb to a private Calc: bridge, call thread, script engine, object model.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "host/EngineRunner.h"
+#include "host/ExcelObjectModel.h"
+#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/PrivateOffice.h"
+#include "kit/bridge/Bridge.h"
+#include "kit/excel/Semaphore.h"
+#include "tests/fakes/LogLines.h"
+
+namespace quorin::host::calc {
+
+class CalcRoad {
+ public:
+  CalcRoad() : thread_(runners(), log_.log()) {}
+
+  // Opens a workbook as the active one. Throws what Calc threw.
+  void open(const std::filesystem::path& file) {
+    Semaphore done;
+    std::string failure;
+    post_([&] {
+      try {
+        spreadsheet_->openWorkbook(file.string());
+      } catch (const std::exception& error) {
+        failure = error.what();
+      }
+      done.signal();
+    });
+    done.wait();
+    if (!failure.empty()) throw std::runtime_error(failure);
+  }
+
+  Bridge& bridge() { return bridge_; }
+
+ private:
+  class Running : public TargetApplication {
+    bool isRunning() override { return true; }
+  };
+
+  ScriptRunnerFactory runners() {
+    return [this](CallThreadPost post) {
+      post_ = std::move(post);
+      auto spreadsheet = std::make_unique<CalcSpreadsheet>(std::make_shared<PrivateOffice>(),
+                                                           std::chrono::seconds(60));
+      spreadsheet_ = spreadsheet.get();
+      return std::make_unique<EngineRunner>(
+          std::make_unique<ExcelObjectModel>(std::move(spreadsheet)));
+    };
+  }
+
+  TemporaryFolder folder_;
+  fakes::LogLines log_;
+  Running target_;
+  HighlightStore store_{folder_ / "highlights.json", FileSystem::real(), &log_.log()};
+  UnhideStore unhide_{folder_ / "unhidden.json", FileSystem::real(), &log_.log()};
+  CallThreadPost post_;
+  CalcSpreadsheet* spreadsheet_ = nullptr;
+  ExcelThread thread_;
+  Bridge bridge_{thread_, log_.log(), store_, unhide_, target_};
+};
+
+}  // namespace quorin::host::calc
