@@ -1,0 +1,135 @@
+// Highlights, all the way.
+#include "tests/kit/road/RoadFixture.h"
+
+namespace quorin {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class MarksRoad : public RoadFixture {
+ protected:
+  MarksRoad() { memory_->open(fakes::knownWorkbook()); }
+
+  std::string mark(const std::vector<std::string>& addrs) {
+    return ask("markCells", {texts(addrs), Array{255, 0, 0}});
+  }
+};
+
+TEST_F(MarksRoad, PaintsOneConditionAndTakesItBack) {
+  EXPECT_EQ(mark({"A1", "B2:C3"}), R"({"applied":2,"shadowed":false})");
+  const auto painted = conditions("Known.xlsx", "Data", true);
+  ASSERT_THAT(painted, SizeIs(1));
+  EXPECT_EQ(host::addressText(painted[0].areas), "$A$1,$B$2:$C$3");
+  EXPECT_EQ(painted[0].fill, (host::Color{255, 0, 0}));
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+  EXPECT_FALSE(std::filesystem::exists(store_.url()));
+}
+
+TEST_F(MarksRoad, MovesToOtherCells) {
+  mark({"A1", "B2"});
+  EXPECT_EQ(mark({"C3", "C5", "C7"}), R"({"applied":3,"moved":true,"shadowed":false})");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "$C$3,$C$5,$C$7");
+  EXPECT_EQ(store_.load()[0].single, true);
+  ask("clearMarks");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+}
+
+TEST_F(MarksRoad, PaintsAnewWhereExcelDoesNotMove) {
+  for (const bool silently : {true, false}) {
+    excel_->quirks.ignoresMoves = silently;
+    excel_->quirks.refusesToMoveConditions = !silently;
+    mark({"A1", "B2"});
+    EXPECT_EQ(mark({"C3"}), R"({"applied":1,"shadowed":false})");
+    EXPECT_EQ(marked("Known.xlsx", "Data"), "$C$3");
+    ask("clearMarks");
+    EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+  }
+}
+
+TEST_F(MarksRoad, PaintsOnSeveralSheets) {
+  EXPECT_EQ(mark({"Blank!A1", "'It''s a test'!B2", "C3"}), R"({"applied":3,"shadowed":false})");
+  EXPECT_EQ(marked("Known.xlsx", "Blank"), "$A$1,$C$3");
+  EXPECT_EQ(marked("Known.xlsx", "It's a test"), "$B$2");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":3})");
+  EXPECT_EQ(marked("Known.xlsx", "Blank") + marked("Known.xlsx", "It's a test"), "");
+}
+
+TEST_F(MarksRoad, PaintsTwoHundredScatteredCells) {
+  std::vector<std::string> cells;
+  for (int i = 0; i < 250; ++i)
+    cells.push_back(host::columnLetters(1 + i * 7 % 50) + std::to_string(1 + i * 3));
+  EXPECT_EQ(mark(cells), R"({"applied":200,"shadowed":false})");
+  EXPECT_THAT(conditions("Known.xlsx", "Data", true), SizeIs(5));
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":200})");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+}
+
+TEST_F(MarksRoad, TakesStackedHighlightsBackToo) {
+  mark({"A1"});
+  EXPECT_EQ(mark({"A1"}), R"({"applied":1,"shadowed":false})");
+  EXPECT_THAT(conditions("Known.xlsx", "Data", true), SizeIs(2));
+  ask("clearMarks");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+}
+
+TEST_F(MarksRoad, ComesBeforeRulesOfTheUsersAndLeavesThemAlone) {
+  memory_->open(fakes::ruledWorkbook());
+  const auto before = conditions("Ruled.xlsx", "Rules", false);
+  ASSERT_THAT(before, SizeIs(3));
+  mark({"F1"});
+  EXPECT_EQ(mark({"B2"}), R"({"applied":1,"shadowed":true})") << "a move is declined here";
+  EXPECT_THAT(log_.lines(), testing::Contains("HIGHLIGHT move declined result=[0,1]; clear+apply"));
+  const auto painted = conditions("Ruled.xlsx", "Rules", true);
+  ASSERT_THAT(painted, SizeIs(1));
+  EXPECT_EQ(painted[0].priority, 1);
+  ask("clearMarks");
+  EXPECT_EQ(conditions("Ruled.xlsx", "Rules", false), before);
+  EXPECT_EQ(marked("Ruled.xlsx", "Rules"), "");
+}
+
+TEST_F(MarksRoad, ForgetsAWorkbookThatWasClosed) {
+  memory_->open(fakes::ruledWorkbook());
+  mark({"F1"});
+  memory_->close("Ruled.xlsx");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_FALSE(std::filesystem::exists(store_.url()));
+}
+
+TEST_F(MarksRoad, PassesAddressesOverThatAreNoMore) {
+  store_.recordApplied({{"Known.xlsx", "Data", {"NoSuchName", "A1"}, Colour{1, 2, 3}}});
+  memory_->addFormatCondition(on("Known.xlsx", "Data", "A1"), sentinel);
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+}
+
+TEST_F(MarksRoad, SaysWhatItCannotBind) {
+  EXPECT_THAT(mark({"NoSuchName"}), HasSubstr("range does not exist: NoSuchName"));
+  EXPECT_THAT(store_.load(), SizeIs(1)) << "recorded first";
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":1})");
+}
+
+TEST_F(MarksRoad, TakesBackWhatAnEarlierRunLeft) {
+  memory_->addFormatCondition(on("Known.xlsx", "Data", "A1:B2"), sentinel);
+  store_.recordApplied({{"Known.xlsx", "Data", {"A1:B2"}, Colour{1, 2, 3}}});
+  bridge_.restoreStranded();
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+  EXPECT_THAT(log_.lines(), ElementsAre("HIGHLIGHT clear sheet=Data addrs=1 deleted=1",
+                                        "RESTORE recorded=1 \u2192 {\"removed\":1}"));
+}
+
+TEST_F(MarksRoad, TakesEverythingBackAtTheEnd) {
+  mark({"A1", "Blank!B2"});
+  bridge_.clearMarksForTerminate();
+  EXPECT_EQ(marked("Known.xlsx", "Data") + marked("Known.xlsx", "Blank"), "");
+  EXPECT_THAT(store_.load(), IsEmpty());
+  EXPECT_THAT(mark({"A1"}), HasSubstr("Quorin is quitting"));
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+}
+
+}  // namespace
+}  // namespace quorin

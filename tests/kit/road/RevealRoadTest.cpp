@@ -1,0 +1,122 @@
+// Revealing and hiding again, all the way. The window shows 30 rows and 12 columns.
+#include "tests/kit/road/RoadFixture.h"
+
+namespace quorin {
+namespace {
+
+using host::Lines;
+using testing::SizeIs;
+
+class RevealRoad : public RoadFixture {
+ protected:
+  RevealRoad() { memory_->open(fakes::knownWorkbook()); }
+
+  std::string reveal(const std::string& addr) { return ask("reveal", {texts({addr}), 0}); }
+  void hide(const std::string& address, Lines lines) {
+    memory_->setHidden(on("Known.xlsx", "Data", address), lines, true);
+  }
+  // Whether they are hidden; "some" for some.
+  std::string hidden(const std::string& address, Lines lines) {
+    const auto all = memory_->hidden(on("Known.xlsx", "Data", address), lines);
+    return !all ? "some" : *all ? "all" : "none";
+  }
+};
+
+TEST_F(RevealRoad, LeavesAloneWhatIsInView) {
+  EXPECT_EQ(reveal("B2"), R"({"revealed":false})");
+}
+
+TEST_F(RevealRoad, ScrollsWithAMargin) {
+  EXPECT_EQ(reveal("T60"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(host::addressText(memory_->visibleRange()->areas), "$R$57:$AC$86");
+  EXPECT_EQ(reveal("A1"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(memory_->visibleRange()->areas[0].firstRow, 1);
+}
+
+TEST_F(RevealRoad, GoesToAnotherSheetWithoutSelecting) {
+  std::string landed;
+  bridge_.setOnActivatedCell(
+      [&](const std::string& book, const std::string& sheet, const std::string& addr) {
+        landed = book + "|" + sheet + "|" + addr;
+      });
+  EXPECT_EQ(reveal("Blank!C40"), R"({"activated":true,"revealed":true})");
+  EXPECT_EQ(landed, "Known.xlsx|Blank|$A$1");
+  EXPECT_EQ(memory_->activeSheet()->sheet, "Blank");
+}
+
+TEST_F(RevealRoad, UnhidesAndHidesAgain) {
+  hide("12:14", Lines::rows);
+  hide("C:C", Lines::columns);
+  EXPECT_EQ(reveal("C12:C14"), "{\"revealed\":false,\"unhid\":\"rows 12\u201314, column C\"}");
+  EXPECT_EQ(hidden("12:14", Lines::rows), "none");
+  EXPECT_EQ(hidden("C:C", Lines::columns), "none");
+  EXPECT_EQ(reveal("C13"), R"({"revealed":false})");
+  EXPECT_EQ(hidden("12:14", Lines::rows), "none") << "still shown for the target";
+  ask("clearMarks");
+  EXPECT_EQ(hidden("12:14", Lines::rows), "all");
+  EXPECT_EQ(hidden("C:C", Lines::columns), "all");
+  EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
+}
+
+TEST_F(RevealRoad, UnhidesOnlyWhatIsHidden) {
+  hide("3:4", Lines::rows);
+  hide("6:6", Lines::rows);
+  EXPECT_EQ(reveal("A1:A9"), "{\"revealed\":false,\"unhid\":\"rows 3\u20134, row 6\"}");
+  ask("clearMarks");
+  EXPECT_EQ(hidden("3:4", Lines::rows), "all");
+  EXPECT_EQ(hidden("5:5", Lines::rows), "none");
+  EXPECT_EQ(hidden("6:6", Lines::rows), "all");
+}
+
+TEST_F(RevealRoad, NeverHidesColumnsThatWereShown) {
+  hide("5:5", Lines::rows);
+  EXPECT_EQ(reveal("A5:D5"), R"({"revealed":false,"unhid":"row 5"})");
+  ask("clearMarks");
+  EXPECT_EQ(hidden("5:5", Lines::rows), "all");
+  EXPECT_EQ(hidden("A:D", Lines::columns), "none");
+}
+
+TEST_F(RevealRoad, HidesAgainWhenAnotherCellIsRevealed) {
+  hide("5:5", Lines::rows);
+  hide("9:9", Lines::rows);
+  reveal("B5");
+  EXPECT_EQ(reveal("B9"), R"({"revealed":false,"unhid":"row 9"})");
+  EXPECT_EQ(hidden("5:5", Lines::rows), "all");
+  EXPECT_EQ(hidden("9:9", Lines::rows), "none");
+  EXPECT_THAT(unhide_.load(), SizeIs(1));
+}
+
+TEST_F(RevealRoad, LeavesTheActiveCellInViewUntilTheEnd) {
+  hide("5:5", Lines::rows);
+  reveal("B5");
+  memory_->goTo(on("Known.xlsx", "Data", "B5"));
+  ask("clearMarks");
+  EXPECT_EQ(hidden("5:5", Lines::rows), "none");
+  bridge_.clearMarksForTerminate();
+  EXPECT_EQ(hidden("5:5", Lines::rows), "all");
+  EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
+}
+
+TEST_F(RevealRoad, DoesNotUnhideMoreThan200Rows) {
+  hide("100:300", Lines::rows);
+  EXPECT_EQ(reveal("A100:A300"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(hidden("100:300", Lines::rows), "all");
+  EXPECT_EQ(reveal("A101:A300"), "{\"revealed\":false,\"unhid\":\"rows 101\u2013300\"}");
+  EXPECT_EQ(hidden("101:300", Lines::rows), "none");
+}
+
+TEST_F(RevealRoad, RefusesWhatDoesNotBind) {
+  EXPECT_EQ(reveal("NoSuchName"), R"({"reason":"unbound","revealed":false})");
+  EXPECT_EQ(reveal("Nowhere!A1"), R"({"reason":"unbound","revealed":false})");
+}
+
+TEST_F(RevealRoad, HidesAgainWhatAnEarlierRunUnhid) {
+  unhide_.record({{"Known.xlsx", "Data", {{5, 6}}, {{3, 3}}}, {"Gone.xlsx", "S", {{1, 1}}, {}}});
+  bridge_.restoreStranded();
+  EXPECT_EQ(hidden("5:6", Lines::rows), "all");
+  EXPECT_EQ(hidden("C:C", Lines::columns), "all");
+  EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
+}
+
+}  // namespace
+}  // namespace quorin
