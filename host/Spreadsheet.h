@@ -169,7 +169,7 @@ class Spreadsheet {
   // Cells of the same sheet whose formulas refer to the range, directly or at any distance, as
   // areas in no fixed cut or order; without the range's own cells. Nothing when there are none.
   virtual std::optional<RangeRef> dependents(const RangeRef& range, DependentLevels levels) = 0;
-  // Sorted by name as Excel sorts them or in the program's own order, sheets' own names included.
+  // Sorted by name, sheets' own names included.
   virtual std::vector<DefinedName> definedNames(const std::string& book);
 
   // Of the first area, in its shape. -50 for more cells than the program can hand over at once.

@@ -44,7 +44,9 @@ INSTANTIATE_TEST_SUITE_P(Groups, CalcHandlers,
                          testing::Values(Group{"Cells",
                                                cellRequests,
                                                {{R"j(qx_dependents ["B3"])j", R"j("$B$4,$C$3")j"}}},
-                                         Group{"Ranges", rangeRequests}),
+                                         Group{"Ranges", rangeRequests}, Group{"Map", mapRequests},
+                                         Group{"Deep", deepRequests},
+                                         Group{"Reveal", revealRequests}),
                          [](const testing::TestParamInfo<Group>& group) {
                            return group.param.name;
                          });

@@ -46,6 +46,9 @@ std::vector<host::DefinedName> MemorySpreadsheet::definedNames(const std::string
   std::vector<host::DefinedName> names;
   for (const NameDescription& name : bookOf(book).names)
     names.push_back({name.name, name.sheet, name.refersTo, true});
+  std::stable_sort(names.begin(), names.end(), [](const auto& a, const auto& b) {
+    return formula::upper(a.name) < formula::upper(b.name);
+  });
   return names;
 }
 
@@ -145,12 +148,32 @@ MemoryBook& MemorySpreadsheet::scratchOf(const std::string& book) const {
   return found;
 }
 
+namespace {
+
+// What is written over a part of a spilled result ends the spilling; what is written over its cell
+// ends it too.
+void endSpillAt(MemorySheet& sheet, int row, int column) {
+  std::pair anchor(row, column);
+  const MemoryCell* const there = sheet.at(row, column);
+  const bool within = there != nullptr && there->spilledFrom.first != 0;
+  if (within) anchor = there->spilledFrom;
+  std::erase_if(sheet.cells, [&](const auto& each) { return each.second.spilledFrom == anchor; });
+  if (!within) return;
+  MemoryCell& broken = sheet.cells.at(anchor);
+  broken.value = formula::error("#SPILL!");
+  broken.text = "#SPILL!";
+}
+
+}  // namespace
+
 // Cells in the way make it #SPILL!, as in Excel. A blank that a formula refers to counts as 0.
 void MemorySpreadsheet::setFormula(const RangeRef& cell, const std::string& formula) {
   enter("setFormula", described(cell) + " " + formula);
   scratchOf(cell.sheet.book);
   MemorySheet& sheet = sheetOf(cell.sheet);
   const auto [row, column, lastRow, lastColumn] = cell.areas.front();
+  endSpillAt(sheet, row, column);
+  sheet.cells.erase({row, column});
   if (!formula.starts_with('=')) return sheet.set(cellAt(row, column, formula));
   host::Evaluation result = evaluateFormula(formula, cell.sheet, *this);
   if (const auto* const range = std::get_if<RangeRef>(&result))
@@ -158,7 +181,6 @@ void MemorySpreadsheet::setFormula(const RangeRef& cell, const std::string& form
   if (const auto* const value = std::get_if<CellValue>(&result))
     result = Grid<CellValue>{1, 1, {*value}};
   auto& grid = std::get<Grid<CellValue>>(result);
-  sheet.set({.address = host::addressText({cell.areas.front()}), .value = host::Blank()});
   for (CellValue& value : grid.cells)
     if (std::holds_alternative<host::Blank>(value)) value = 0.0;
   const Area target{row, column, row + grid.rows - 1, column + grid.columns - 1};
@@ -168,8 +190,11 @@ void MemorySpreadsheet::setFormula(const RangeRef& cell, const std::string& form
   });
   if (blocked) grid = {1, 1, {formula::error("#SPILL!")}};
   for (int r = 0; r < grid.rows; ++r)
-    for (int c = 0; c < grid.columns; ++c)
-      sheet.set(cellAt(row + r, column + c, grid.at(r, c), r + c == 0 ? formula : std::string()));
+    for (int c = 0; c < grid.columns; ++c) {
+      const bool first = r + c == 0;
+      sheet.set(cellAt(row + r, column + c, grid.at(r, c), first ? formula : std::string()));
+      if (!first) sheet.cells.at({row + r, column + c}).spilledFrom = {row, column};
+    }
 }
 
 void MemorySpreadsheet::closeWorkbook(const std::string& book) {

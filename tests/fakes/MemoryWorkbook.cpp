@@ -40,9 +40,11 @@ void MemorySheet::set(const CellDescription& cell) {
     cells.erase(position);
     return;
   }
-  cells[position] = {cell.value, cell.formula,
+  cells[position] = {cell.value,
+                     cell.formula,
                      cell.localFormula.empty() ? cell.formula : cell.localFormula,
-                     cell.text.empty() ? displayed(cell.value) : cell.text};
+                     cell.text.empty() ? displayed(cell.value) : cell.text,
+                     {}};
 }
 
 host::Area MemorySheet::usedArea() const {

@@ -17,6 +17,7 @@ struct MemoryCell {
   host::CellValue value;
   std::string formula, localFormula;  // empty for a constant
   std::string text;
+  std::pair<int, int> spilledFrom = {0, 0};  // the cell whose result reaches here; 0 for none
 };
 
 struct MemorySheet {

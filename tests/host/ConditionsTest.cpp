@@ -126,11 +126,11 @@ TEST_F(Conditions, HideRowsAndColumns) {
 TEST_F(Conditions, ListNames) {
   const Descriptor book = workbook("Known.xlsx");
   EXPECT_EQ(get(property(codes::name, every(codes::namedItem, book))),
-            row({Descriptor::text("Prices"), Descriptor::text("Spot"),
-                 Descriptor::text("'It''s a test'!Spot"), Descriptor::text("Factor")}));
+            row({Descriptor::text("Factor"), Descriptor::text("Prices"), Descriptor::text("Spot"),
+                 Descriptor::text("'It''s a test'!Spot")}));
   EXPECT_EQ(get(property(codes::references, named(codes::namedItem, "prices", book))),
             Descriptor::text("=Data!$B$2:$B$3"));
-  EXPECT_EQ(addressOf(property(codes::referenceRange, indexed(codes::namedItem, 1, book))),
+  EXPECT_EQ(addressOf(property(codes::referenceRange, indexed(codes::namedItem, 2, book))),
             "$B$2:$B$3");
   EXPECT_EQ(errorOf(property(codes::referenceRange, named(codes::namedItem, "Factor", book))),
             -1728);

@@ -112,6 +112,19 @@ TEST_F(MemorySpreadsheetTest, SpillsOnlyWhereNothingIsInTheWay) {
   EXPECT_EQ(spreadsheet.values(second).cells.front(), host::CellValue(5.0));
 }
 
+TEST_F(MemorySpreadsheetTest, StopsSpillingWhenItIsWrittenOver) {
+  const host::SheetRef scratch{spreadsheet.makeWorkbook(), "Sheet1"};
+  const host::RangeRef first{scratch, {{1, 1, 1, 1}}}, second{scratch, {{2, 1, 2, 1}}};
+  spreadsheet.setFormula(first, "={1,2;3,4}");
+  spreadsheet.setFormula(second, "=5");
+  EXPECT_EQ(spreadsheet.values(first).cells.front(), host::CellValue(host::CellError{"#SPILL!"}));
+  EXPECT_EQ(spreadsheet.usedRange(scratch).value().areas.front(), (host::Area{1, 1, 2, 1}));
+  spreadsheet.setFormula(first, "={1,2}");
+  EXPECT_EQ(spreadsheet.usedRange(scratch).value().areas.front(), (host::Area{1, 1, 2, 2}));
+  spreadsheet.setFormula(first, "=7");
+  EXPECT_EQ(spreadsheet.usedRange(scratch).value().areas.front(), (host::Area{1, 1, 2, 1}));
+}
+
 struct Formula {
   const char* text;
   host::CellValue result;

@@ -34,7 +34,7 @@ TEST_F(DeepHandlers, DeepEvalSeesThatExcelCutAnEntry) {
 }
 
 TEST_F(DeepHandlers, DeepEvalRefusesResultsThatSpill) {
-  EXPECT_EQ(deepEval({"{1;2;3}", "1"}), "error -9005 deep-eval: an intermediate result spilled");
+  EXPECT_EQ(deepEval({"1", "{1;2;3}"}), "error -9005 deep-eval: an intermediate result spilled");
   expectNothingLeft();
   EXPECT_EQ(deepEval({"{1,2}"}), "error -9005 deep-eval: an intermediate result spilled");
   expectNothingLeft();

@@ -105,8 +105,8 @@ std::vector<HandlerRequest> mapRequests() {
       {"qx_workbookmap",
        {},
        R"j(["{book}",["Data","It's a test","Blank"],["$A$1:$E$10","$A$1:$B$2","$A$1"],)j"
-       R"j(["Prices","Spot","'It''s a test'!Spot","Factor"],)j"
-       R"j(["=Data!$B$2:$B$3","=Data!$A$1","='It''s a test'!$B$2","=0.2"]])j",
+       R"j(["Factor","Prices","Spot","'It''s a test'!Spot"],)j"
+       R"j(["=0.2","=Data!$B$2:$B$3","=Data!$A$1","='It''s a test'!$B$2"]])j",
        "Data",
        "A1"},
       {"qx_pollcell", {}, R"j(["{book}","Data","$A$1"])j"},
@@ -120,7 +120,11 @@ std::vector<HandlerRequest> deepRequests() {
       {"qx_deepeval", {list({"\"a\"&\"b\""})}, "\"ab\""},
       {"qx_deepeval", {list({"[{book}]Data!B2", "A1+1"})}, "2.5"},
       {"qx_deepeval", {list({"1/0"})}, "\"#DIV\\/0!\""},
-      {"qx_deepeval", {list({"{1,2;3,4}", "1"})}, "error -9005"},
+      {"qx_deepeval", {list({"{1,2;3,4}"})}, "error -9005"},
+      {"qx_deepeval", {list({"{1,2}", "1"})}, "error -9005"},
+      {"qx_deepeval", {list({"1", "{1;2}"})}, "error -9005"},
+      // The entry below keeps it from spilling.
+      {"qx_deepeval", {list({"{1;2}", "1"})}, "1"},
       {"qx_deepeval", {list({})}, "error -9001"},
       {"qx_deepeval", {list({std::string(255, '1')})}, "error -9003"},
       {"qx_deepeval", {list({"1" + std::string(251, ' ') + "+1"})}, "2"},
