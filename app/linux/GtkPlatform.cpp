@@ -38,6 +38,7 @@ std::unique_ptr<WebView> GtkPlatform::makeWebView(const WebViewOptions& options)
 
 // On Wayland windows can neither place themselves nor see others; XWayland lets them.
 std::unique_ptr<AppPlatform> makePlatform() {
+  g_setenv("GDK_BACKEND", "x11", TRUE);  // whatever the session asks its programs to use
   gdk_set_allowed_backends("x11");
   if (!gtk_init_check(nullptr, nullptr)) {
     throw std::runtime_error("there is no X11 display to show the panel on");

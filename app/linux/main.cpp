@@ -40,7 +40,11 @@ struct Invocation {
 // Asks the Quorin that holds the folder. It may just be starting.
 int askTheOther(const std::filesystem::path& socket, const ControlRequest& request) {
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    if (LineServer::ask(socket, request.line()) == done) return 0;
+    if (LineServer::ask(socket, request.line()) == done) {
+      if (!request.direction) std::printf("quorin: it is running already; its panel is up
+");
+      return 0;
+    }
     usleep(betweenAttempts);
   }
   std::fprintf(stderr, "quorin: it is running already, but does not answer\n");

@@ -143,23 +143,23 @@ class Trial:
         self.environment.pop("WAYLAND_DISPLAY", None)
 
     def start(self, *command, **options):
-        log = open(self.folder / f"{pathlib.Path(command[0]).name}.log", "ab")
-        process = subprocess.Popen([str(word) for word in command], env=self.environment,
-                                   stdin=subprocess.DEVNULL, stdout=log, stderr=log,
-                                   start_new_session=True, **options)
+        with open(self.folder / f"{pathlib.Path(command[0]).name}.log", "ab") as log:
+            process = subprocess.Popen([str(word) for word in command], env=self.environment,
+                                       stdin=subprocess.DEVNULL, stdout=log, stderr=log,
+                                       start_new_session=True, **options)
         self.started.append(process)
         return process
 
-    def tool(self, *command):
+    def tool(self, *command, text=True):
         run = subprocess.run([str(word) for word in command], env=self.environment,
-                             capture_output=True, text=True, check=False)
+                             capture_output=True, text=text, check=False)
         if run.returncode:
-            raise Trouble(f"{' '.join(map(str, command))}: {run.stderr.strip()}")
+            raise Trouble(f"{' '.join(map(str, command))}: {run.stderr}")
         return run.stdout
 
-    def start_display(self):
+    def start_display(self, size="1600x960"):
         read, write = os.pipe()
-        self.start("Xvfb", "-displayfd", write, "-screen", "0", "1600x960x24", "-nolisten", "tcp",
+        self.start("Xvfb", "-displayfd", write, "-screen", "0", f"{size}x24", "-nolisten", "tcp",
                    "-noreset", pass_fds=(write,))
         os.close(write)
         with os.fdopen(read) as told:
@@ -167,29 +167,44 @@ class Trial:
         if not number:
             raise Trouble("Xvfb did not start")
         self.environment["DISPLAY"] = f":{number}"
+        self.start_window_manager()
+
+    def start_window_manager(self):
         configuration = self.folder / "openbox.xml"
         configuration.write_text(WINDOW_MANAGER)
-        self.start("openbox", "--sm-disable", "--config-file", configuration)
+        self.manager = self.start("openbox", "--sm-disable", "--config-file", configuration)
         wait_for("the window manager", lambda: "window id" in self.tool(
             "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
 
     def start_office(self):
         profile = self.folder / "office"
-        (profile / "user").mkdir(parents=True)
+        (profile / "user").mkdir(parents=True, exist_ok=True)
         # Left and wide, so that the panel finds room beside it.
         (profile / "user" / "registrymodifications.xcu").write_text(
             PROFILE % "10,30,1090,880;1;,,,;")
         self.pipe = f"quorin-trial-{os.getpid()}"
-        self.start("soffice", f"-env:UserInstallation=file://{profile}", "--norestore", "--nologo",
+        self.office = self.start("soffice", f"-env:UserInstallation=file://{profile}", "--norestore", "--nologo",
                    f"--accept=pipe,name={self.pipe};urp;", "--calc", self.workbook)
         self.window = wait_for("Calc's window", self.calc_window)
+
+    def stop_office(self):
+        """As if it had been killed; its lock of the workbook goes with it."""
+        os.killpg(self.office.pid, 9)
+        self.office.wait()
+        self.witness.kill()
+        for lock in self.folder.glob(".~lock.*"):
+            lock.unlink()
+        wait_for("Calc's window to go", lambda: not self.calc_window())
 
     def calc_window(self):
         """Calc's window, once it has a workbook in it and a size to speak of."""
         for window in self.tool("xprop", "-root", "_NET_CLIENT_LIST").split("#")[-1].split(","):
             if not window.strip().startswith("0x"):
                 continue
-            properties = self.tool("xprop", "-id", window.strip(), "WM_CLASS", "WM_NAME")
+            try:
+                properties = self.tool("xprop", "-id", window.strip(), "WM_CLASS", "WM_NAME")
+            except Trouble:
+                continue  # it has just gone
             if "libreoffice-calc" in properties and self.workbook.stem in properties:
                 return window.strip()
         return None
@@ -227,30 +242,65 @@ class Trial:
         for key in keys:
             self.tool("xdotool", "key", key)
 
+    def stand_beside_calc(self):
+        """Whether the panel has come to stand at the right edge of Calc's window."""
+        self.window = self.calc_window() or self.window
+        told = dict(re.findall(r"(Absolute upper-left X|Width):\s+(-?\d+)",
+                               self.tool("xwininfo", "-id", self.window)))
+        extents = self.tool("xprop", "-id", self.window, "_NET_FRAME_EXTENTS").split("=")[-1]
+        edge = (int(told["Absolute upper-left X"]) + int(told["Width"])
+                + int(extents.split(",")[1]))
+        return abs(self.panel.ask("window")["x"] - edge) <= 2
+
+    def pixels(self):
+        return self.tool("import", "-silent", "-window", "root", "-depth", "8", "rgb:-", text=False)
+
+    def take_picture(self, name):
+        """A picture of the screen with what the page has now: two frames of the page have begun
+        since, and the screen has come to rest."""
+        self.panel.eval("""window.__trialFrames = 0; requestAnimationFrame(() =>
+            requestAnimationFrame(() => { window.__trialFrames = 2; })); 0""")
+        wait_for("the page to be painted", lambda: self.panel.eval("window.__trialFrames") == 2)
+        before = None
+        for _ in range(50):
+            now = self.pixels()
+            if now == before:
+                break
+            before = now
+            time.sleep(0.1)
+        self.tool("import", "-silent", "-window", "root", self.output / name)
+
     def try_cell(self, number, *keys):
         before = self.cell()
         self.keys(*keys)
-        held = wait_for("the selection to move",
-                        lambda: (now := self.cell()) != before and now)
-        address = f"{letters(held['column'])}{held['row']}"
 
-        def shows_it():
-            shown = self.panel.shown()
-            return (shown if shown["address"] and shown["address"].replace("$", "") == address
-                    and shown["sheet"] == held["sheet"] and shown["value"] is not None else None)
+        def both():
+            """Cell and panel, once the panel shows the cell that Calc is on."""
+            held, shown = self.cell(), self.panel.shown()
+            return (held, shown) if held != before and self.is_of(shown, held) else None
 
         try:
-            shown = wait_for(f"the panel to show {held['sheet']}!{address}", shows_it, 15)
+            held, shown = wait_for("the panel to show the cell", both, 30)
+            while True:
+                self.take_picture(f"cell-{number}.png")
+                now = wait_for("the panel to show the cell", both, 30)
+                if now == (held, shown):
+                    break
+                held, shown = now
         except Trouble as trouble:
-            print(f"{trouble}; it shows {self.panel.shown()}")
-            shown = None
-        self.tool("import", "-window", "root", self.output / f"cell-{number}.png")
-        if shown is None:
+            print(f"{trouble}; Calc is on {self.cell()}, the panel shows {self.panel.shown()}")
             return False
+        address = f"{letters(held['column'])}{held['row']}"
         print(f"{held['sheet']}!{address}")
         print(f"  Calc holds       {held['formula'] or '(nothing)'}   {held['text']}")
         print(f"  the panel shows  {shown['formula'] or '(no formula)'}   {shown['value']}")
         return self.matches(held, shown)
+
+    @staticmethod
+    def is_of(shown, held):
+        address = f"{letters(held['column'])}{held['row']}"
+        return (shown["value"] is not None and shown["sheet"] == held["sheet"]
+                and (shown["address"] or "").replace("$", "") == address)
 
     @staticmethod
     def matches(held, shown):
@@ -283,6 +333,7 @@ class Trial:
         self.start_witness()
         self.start_quorin()
         wait_for("the page", lambda: self.panel.shown()["state"])
+        wait_for("the panel to stand beside Calc", self.stand_beside_calc)
         results = [self.try_cell(1, "ctrl+Home", "Right", "Right", "Right", "Down", "Down"),
                    self.try_cell(2, "Down", "Down"),
                    self.try_cell(3, "ctrl+Next", "ctrl+Next", "Down", "Down", "Down",
@@ -294,6 +345,9 @@ class Trial:
 
     def tell_what_was_said(self):
         """The last lines of every program's own output, and a picture of the screen."""
+        for process in self.started:
+            if process.poll() is not None:
+                print(f"  ended with {process.returncode}: {process.args[0]}")
         for log in sorted(self.folder.glob("*.log")):
             for line in log.read_text(errors="replace").splitlines()[-5:]:
                 print(f"  {log.stem}: {line}")
@@ -315,6 +369,10 @@ class Trial:
             except subprocess.TimeoutExpired:
                 os.killpg(process.pid, 9)
                 process.wait()
+            for pipe in filter(None, (process.stdin, process.stdout)):
+                pipe.close()
+        if hasattr(self, "pipe"):
+            pathlib.Path(f"/tmp/OSL_PIPE_{os.getuid()}_{self.pipe}").unlink(missing_ok=True)
         shutil.rmtree(self.folder, ignore_errors=True)
 
 
