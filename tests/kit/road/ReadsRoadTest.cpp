@@ -76,10 +76,10 @@ TEST_F(ReadsRoad, BindsSheetsAndNames) {
 
 TEST_F(ReadsRoad, MapsTheWorkbook) {
   EXPECT_EQ(ask("workbookMap"),
-            R"({"book":"Known.xlsx","names":[{"name":"Prices","refersTo":"=Data!$B$2:$B$3"},)"
+            R"({"book":"Known.xlsx","names":[{"name":"Factor","refersTo":"=0.2"},)"
+            R"({"name":"Prices","refersTo":"=Data!$B$2:$B$3"},)"
             R"({"name":"Spot","refersTo":"=Data!$A$1"},)"
-            R"({"name":"'It''s a test'!Spot","refersTo":"='It''s a test'!$B$2"},)"
-            R"({"name":"Factor","refersTo":"=0.2"}],)"
+            R"({"name":"'It''s a test'!Spot","refersTo":"='It''s a test'!$B$2"}],)"
             R"("sheets":[{"name":"Data","usedRange":"$A$1:$E$10"},)"
             R"({"name":"It's a test","usedRange":"$A$1:$B$2"},)"
             R"({"name":"Blank","usedRange":"$A$1"}],"sheetsTruncated":false})");
