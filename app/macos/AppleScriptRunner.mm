@@ -1,11 +1,15 @@
 #import "app/macos/AppleScriptRunner.h"
 
+#import <AppKit/AppKit.h>
+
 #import "app/macos/Descriptors.h"
 #import "app/macos/ScriptThread.h"
 #import "app/macos/Text.h"
 
 namespace quorin {
 namespace {
+
+constexpr int applicationNotFound = -10814;
 
 ScriptErrorInfo described(NSDictionary<NSString*, id>* info) {
   ScriptErrorInfo error;
@@ -18,6 +22,11 @@ ScriptErrorInfo described(NSDictionary<NSString*, id>* info) {
   return error;
 }
 
+bool excelIsInstalled() {
+  return [NSWorkspace.sharedWorkspace
+             URLForApplicationWithBundleIdentifier:@"com.microsoft.Excel"] != nil;
+}
+
 }  // namespace
 
 AppleScriptRunner::AppleScriptRunner() : thread_([[QXScriptThread alloc] init]) {}
@@ -28,6 +37,9 @@ AppleScriptRunner::~AppleScriptRunner() {
 
 std::optional<ScriptErrorInfo> AppleScriptRunner::compile(std::string_view source) {
   @autoreleasepool {
+    // Without the application the system would ask the user where it is.
+    if (!excelIsInstalled())
+      return ScriptErrorInfo{applicationNotFound, "Microsoft Excel is not installed"};
     NSDictionary<NSString*, id>* info = [thread_ compileSource:toNSString(source)];
     if (!info) return std::nullopt;
     return described(info);

@@ -1,8 +1,10 @@
 // The macOS program: puts the parts together and runs the application.
 #import <AppKit/AppKit.h>
 #include <cstdio>
+#include <cstring>
 
 #import "app/macos/AppleScriptRunner.h"
+#import "app/macos/MacSelfTest.h"
 #include "app/macos/MacSystem.h"
 #include "app/shell/AppDelegate.h"
 #include "app/shell/BridgeLink.h"
@@ -22,9 +24,40 @@ std::unique_ptr<Platform> systemServices() {
   return services;
 }
 
-int run() {
+// The report opens when it is written; the application stays in the background until then.
+class SelfTestDelegate : public ApplicationDelegate {
+ public:
+  explicit SelfTestDelegate(AppPlatform& platform) : platform_(platform) {}
+
+  void applicationDidFinishLaunching() override {
+    queue_.post([this, findings = checkFrameworks()] {
+      const std::filesystem::path report = runSelfTest(findings);
+      platform_.mainLoop().post([this, report] {
+        openReport(report);
+        platform_.application().terminate();
+      });
+    });
+  }
+  void applicationWillTerminate() override {}
+
+ private:
+  AppPlatform& platform_;
+  SerialQueue queue_{"qx.selftest"};
+};
+
+int selfTest() {
+  const std::unique_ptr<AppPlatform> platform = makePlatform();
+  SelfTestDelegate delegate(*platform);
+  platform->application().setAccessory();
+  platform->application().setDelegate(delegate);
+  platform->application().run();
+  return 0;
+}
+
+int run(bool selfTestWanted) {
   MainThread::record();
   Platform::install(systemServices());
+  if (selfTestWanted) return selfTest();
   const std::filesystem::path config = QXConfig::defaultURL();
   const std::optional<FolderLock> lock = FolderLock::acquire(config.parent_path());
   if (!lock) {
@@ -55,10 +88,10 @@ int run() {
 }  // namespace
 }  // namespace quorin
 
-int main() {
+int main(int argc, char** argv) {
   @autoreleasepool {
     try {
-      return quorin::run();
+      return quorin::run(argc > 1 && std::strcmp(argv[1], "--self-test") == 0);
     } catch (const std::exception& error) {
       std::fprintf(stderr, "quorin: %s\n", error.what());
       return 1;

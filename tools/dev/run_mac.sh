@@ -39,7 +39,7 @@ if ! command -v brew >/dev/null; then
   echo "Please install Homebrew first: https://brew.sh" >&2
   exit 1
 fi
-for package in cmake ninja node rapidjson utf8proc pkgconf; do
+for package in cmake ninja node rapidjson utf8proc cli11 pkgconf; do
   if ! brew list --formula "$package" >/dev/null 2>&1; then
     echo "Installing $package"
     HOMEBREW_NO_AUTO_UPDATE=1 brew install --quiet "$package"

@@ -7,6 +7,7 @@ import bundle
 import declared
 import linking
 import rules
+import sentmessages
 import stubs
 import surface_index
 from compiling import Compiler
@@ -87,14 +88,24 @@ def analysis_step(session):
                              for source in session.adapters])
 
 
-def declared_step(session):
+def dumps_of(session):
+    """What failed, and source -> the text of its dumps."""
     jobs = {source: declared.jobs(session.compiler, source) for source in session.adapters}
     failed = session.run_jobs([job for each in jobs.values() for job in each])
+    return failed, {source: "".join(session.runner.run(dump).text for dump in dumps)
+                    for source, dumps in jobs.items()}
+
+
+def rows_of(texts):
+    return {row for text in texts.values() for row in sentmessages.sent(text)}
+
+
+def declared_step(session):
+    failed, texts = dumps_of(session)
     if failed:
         return failed
-    found = []
-    for source, dumps in jobs.items():
-        text = "".join(session.runner.run(dump).text for dump in dumps)
+    found = list(sentmessages.findings(session.project, rows_of(texts)))
+    for source, text in texts.items():
         found += declared.findings(source.relative_to(session.project), text, session.index)
         found += declared.undumped_classes(source, text)
     return found
@@ -133,3 +144,13 @@ def run(session):
         if found and name == "types":
             break  # the steps after it need the objects
     return status
+
+
+def write_selectors(session):
+    """Makes the table of messages anew."""
+    failed, texts = dumps_of(session)
+    for text in failed:
+        print(text[:LONGEST_REPORT])
+    if not failed:
+        (session.project / sentmessages.TABLE).write_text(sentmessages.written(rows_of(texts)))
+    return 1 if failed else 0
