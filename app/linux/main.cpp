@@ -41,8 +41,7 @@ struct Invocation {
 int askTheOther(const std::filesystem::path& socket, const ControlRequest& request) {
   for (int attempt = 0; attempt < attempts; ++attempt) {
     if (LineServer::ask(socket, request.line()) == done) {
-      if (!request.direction) std::printf("quorin: it is running already; its panel is up
-");
+      if (!request.direction) std::printf("quorin: it is running already; its panel is up\n");
       return 0;
     }
     usleep(betweenAttempts);
