@@ -1,9 +1,10 @@
-// What the script engine itself costs: compiling a library of the size of the real one, a handler
-// call with a few events, and a grid of 20,000 cells that passes through a handler.
+// What the script engine itself costs: compiling a library of the size of the real one, its memory,
+// a handler call with a few events, and a grid of 20,000 cells that passes through a handler.
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <iostream>
+#include <malloc.h>
 #include <string>
 
 #include "host/dictionary/ExcelTerminology.h"
@@ -95,6 +96,30 @@ void compileHandlerLibrary(benchmark::State& state) {
   state.counters["lines"] = static_cast<double>(std::count(source.begin(), source.end(), '\n'));
 }
 BENCHMARK(compileHandlerLibrary)->Unit(benchmark::kMillisecond);
+
+std::size_t bytesInUse() {
+  return mallinfo2().uordblks;
+}
+
+// Measured before anything else asks for the terms.
+const std::size_t terminologyBytes = [] {
+  const std::size_t before = bytesInUse();
+  host::excelTerminology();
+  return bytesInUse() - before;
+}();
+
+void memoryOfHandlerLibrary(benchmark::State& state) {
+  InstantApplications applications;
+  const std::string source(ExcelScript::source());
+  compiled(source, applications);
+  for (auto _ : state) {
+    const std::size_t before = bytesInUse();
+    const Script script = compiled(source, applications);
+    state.counters["script KiB"] = static_cast<double>(bytesInUse() - before) / 1024;
+  }
+  state.counters["terms KiB"] = static_cast<double>(terminologyBytes) / 1024;
+}
+BENCHMARK(memoryOfHandlerLibrary)->Unit(benchmark::kMillisecond);
 
 void buildTerminology(benchmark::State& state) {
   std::string table;

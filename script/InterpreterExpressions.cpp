@@ -107,15 +107,20 @@ Value Interpreter::computeBinary(const Binary& binary) {
 Value Interpreter::computeCoercion(const Coercion& coercion) {
   const Value value = evaluate(*coercion.operand);
   const Value type = dereference(evaluate(*coercion.type));
-  std::optional<Failure> first;
+  // All of them before the first is tried: "3 as text & \"a\"" asks for no class.
+  std::vector<FourCharCode> classes;
   for (const Value& each : toListItems(type)) {
     const auto* constant = each.as<Constant>();
     if (!constant || constant->kind != Constant::Kind::type) {
       throw Failure{error::cannotCoerce, "Can't make " + displayText(each) + " into type class.",
                     each};
     }
+    classes.push_back(constant->code);
+  }
+  std::optional<Failure> first;
+  for (const FourCharCode each : classes) {
     try {
-      return coerce(value, constant->code, rules_);
+      return coerce(value, each, rules_);
     } catch (const Failure& failure) {
       if (failure.number != error::cannotCoerce) throw;
       if (!first) first = failure;
