@@ -13,6 +13,7 @@ JSONValue list(Array items) {
 
 std::vector<HandlerRequest> cellRequests() {
   return {
+      {"qx_probe", {}, R"j(["ok",*,*,*,*])j"},
       {"qx_pollcell", {}, R"j(["{book}","It's a test","$B$2"])j", "It's a test", "B2"},
       {"qx_pollcell", {}, R"j(["{book}","Data","$B$4"])j", "Data", "B4:C4"},
       {"qx_readcell",
