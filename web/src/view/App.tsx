@@ -110,7 +110,7 @@ export function App(props: AppProps): JSX.Element {
               <Show when={view() === 'deps'}>
                 <PlaceListView
                   page={props.page}
-                  list={props.page.explorer.dependents}
+                  list={props.page.explorer.lists.dependents}
                   name="Dependents"
                   heading={`Cells that use ${place()}`}
                   nothing={`No cell on this sheet uses ${place()}.`}
@@ -120,7 +120,7 @@ export function App(props: AppProps): JSX.Element {
               <Show when={view() === 'map'}>
                 <PlaceListView
                   page={props.page}
-                  list={props.page.explorer.map}
+                  list={props.page.explorer.lists.map}
                   name="Map"
                   heading={stop().place.book}
                   nothing="This workbook has no sheets."

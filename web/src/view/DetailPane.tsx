@@ -1,4 +1,4 @@
-import { createEffect, createSignal, on, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, createSignal, on, Show, type JSX } from 'solid-js';
 
 import { leads } from '../core/explorer/lead';
 import { homeOf } from '../core/explorer/stops';
@@ -38,6 +38,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
     const one = item();
     return one ? props.stop.text.slice(one.node.start, one.node.end) : '';
   };
+  const destination = createMemo(on(item, () => props.page.explorer.destination()));
   const range = () => {
     const now = result();
     return now?.kind === 'array' ? now : undefined;
@@ -131,7 +132,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
             </button>
           )}
         </Show>
-        <Show when={props.page.look((explorer) => explorer.destination())}>
+        <Show when={destination()}>
           <button
             type="button"
             class="button"

@@ -8,6 +8,18 @@ import type { Page } from './page';
 /** Pieces up to this length stay on one line; it fits into the narrowest panel. */
 const unbrokenLength = 30;
 
+/** The first piece that begins at `start` or behind it. */
+function pieceAt(pieces: readonly { start: number }[], start: number): number {
+  let low = 0;
+  let high = pieces.length;
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    if ((pieces[middle]?.start ?? 0) < start) low = middle + 1;
+    else high = middle;
+  }
+  return low;
+}
+
 /** The formula's text: the part of the active row is marked, and a click makes its row active. */
 export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
   const pieces = createMemo(() => {
@@ -23,22 +35,27 @@ export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
     const node = props.page.look((explorer) => explorer.here?.tree?.active.node);
     return node ? `${String(node.start)}:${String(node.end)}` : '';
   });
-  const mark = (marked: string): void => {
+  // A formula may have thousands of pieces: only those that change are touched.
+  let marked: Element[] = [];
+  const mark = (text: string): void => {
     if (!code) return;
-    const [start = 0, end = 0] = marked.split(':').map(Number);
-    // A formula may have thousands of pieces: only those that change are touched.
-    for (const old of code.querySelectorAll('.current')) old.classList.remove('current');
-    const whole = pieces();
+    const [start = 0, end = 0] = text.split(':').map(Number);
+    for (const old of marked) old.classList.remove('current');
+    marked = [];
     if (end - start >= props.text.trimEnd().length - 1) return;
-    whole.forEach((piece, i) => {
-      if (piece.start < start || piece.start + piece.text.length > end) return;
-      code?.children[i]?.classList.add('current');
-    });
+    const whole = pieces();
+    for (let i = pieceAt(whole, start); i < whole.length; i++) {
+      const piece = whole[i];
+      const element = code.children[i];
+      if (!piece || !element || piece.start + piece.text.length > end) break;
+      element.classList.add('current');
+      marked.push(element);
+    }
     // Bringing it into view may not scroll anything but the formula itself.
-    const first = code.querySelector<HTMLElement>('.current');
-    if (first) code.scrollTop = Math.max(0, first.offsetTop - code.offsetTop - 24);
+    const first = marked[0] as HTMLElement | undefined;
+    if (first) code.scrollTop = Math.max(0, first.offsetTop - 24);
   };
-  createEffect(on([span, pieces], ([marked]) => mark(marked)));
+  createEffect(on([span, pieces], ([text]) => mark(text)));
   const choose = (event: MouseEvent): void => {
     const at = (event.target as HTMLElement).dataset.start;
     const tree = props.page.explorer.here?.tree;

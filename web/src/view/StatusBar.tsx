@@ -40,7 +40,7 @@ export function StatusBar(props: StatusBarProps): JSX.Element {
         <Show when={marked()}>
           <span class="footMarked" data-testid="marked">
             {follow().marked === ''
-              ? 'Something of ours may be left on the sheet'
+              ? 'Marks may be left on the sheet'
               : `Highlighted ${oneLine(follow().marked)}`}
           </span>
           <button

@@ -1,4 +1,4 @@
-import { createEffect, createMemo, For, onMount, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, Index, onMount, Show, type JSX } from 'solid-js';
 
 import { leads } from '../core/explorer/lead';
 import { homeOf } from '../core/explorer/stops';
@@ -23,6 +23,17 @@ export function TreeView(props: { page: Page; stop: Stop }): JSX.Element {
   const activeIndex = () => props.page.look(() => tree()?.activeIndex ?? -1);
   const rows = createRows(() => items().length, activeIndex);
   const shown = createMemo(() => items().slice(rows.first(), rows.last()));
+  // A row that leaves at one end is used again at the other: the item at `i` is in slot `i` modulo
+  // their number, so that rows that stay in sight are not touched.
+  const slots = createMemo(() => {
+    const list = shown();
+    const first = rows.first();
+    const places: { item: Item; top: number }[] = [];
+    list.forEach((item, i) => {
+      places[(first + i) % list.length] = { item, top: (first + i) * rowHeight };
+    });
+    return places;
+  });
   createEffect(() => {
     const focus = active();
     const near = activeIndex();
@@ -53,17 +64,17 @@ export function TreeView(props: { page: Page; stop: Stop }): JSX.Element {
         class="rows"
         style={{ height: `${String(items().length * rowHeight)}px` }}
       >
-        <For each={shown()}>
-          {(item, i) => (
+        <Index each={slots()}>
+          {(slot) => (
             <TreeRow
               page={props.page}
               stop={props.stop}
-              item={item}
-              top={(rows.first() + i()) * rowHeight}
-              active={active() === item}
+              item={slot().item}
+              top={slot().top}
+              active={active() === slot().item}
             />
           )}
-        </For>
+        </Index>
       </div>
     </div>
   );

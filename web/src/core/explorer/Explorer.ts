@@ -3,45 +3,23 @@
 // it is told when something changed and looks again.
 
 import { Evaluator } from '../evaluation/Evaluator';
-import type { EvaluationQuestions } from '../evaluation/Asker';
 import { ResultCache } from '../evaluation/ResultCache';
-import type { SheetFollower } from '../follow/SheetFollower';
 import { print } from '../formula/print';
 import type { Command } from '../keyboard/keys';
 import { TypeAhead } from '../keyboard/TypeAhead';
 import type { Item } from '../outline/Item';
 import type { NativeEvent, ViewName } from '../protocol/events';
-import type { Outcome } from '../protocol/Outcome';
-import type { RangeFormulas, WorkbookMap } from '../protocol/verbs';
 import type { CellContent, SelectionState } from '../selection/state';
-import type { Clock } from '../time/Clock';
-import { dependentRows, mapRows } from '../workbook/PlaceList';
+import { Lists } from '../workbook/Lists';
 import type { Place } from '../workbook/places';
-import { PlaceView } from '../workbook/PlaceView';
+import type { PlaceView } from '../workbook/PlaceView';
 import { qualified } from '../address/area';
 import { destinationOf } from './destination';
+import { nextFinding } from './findings';
 import { leadOf } from './lead';
+import type { ExplorerPorts } from './ports';
 import { homeOf, stopAt, stopOf } from './stops';
 import { samePlace, Trail, type Stop } from './Trail';
-
-export type ExplorerQuestions = EvaluationQuestions & {
-  readFormulas(address: string, style: 'a1'): Promise<Outcome<RangeFormulas>>;
-  dependents(address: string): Promise<Outcome<string>>;
-  workbookMap(): Promise<Outcome<WorkbookMap>>;
-  select(addresses: readonly string[]): Promise<Outcome<{ areas: number }>>;
-};
-
-export type ExplorerPorts = {
-  questions: ExplorerQuestions;
-  follower: SheetFollower;
-  clock: Clock;
-  /** Something shown may have changed, or there may be something to ask. */
-  changed(): void;
-  /** There may be something to ask. */
-  wake(): void;
-  /** The spreadsheet gets the keyboard back, or the panel goes. */
-  leave(how: 'focus' | 'hide'): void;
-};
 
 const pageRows = 10;
 
@@ -49,8 +27,7 @@ export class Explorer {
   readonly trail = new Trail();
   readonly cache = new ResultCache();
   readonly evaluator: Evaluator;
-  readonly dependents: PlaceView;
-  readonly map: PlaceView;
+  readonly lists: Lists;
   view: ViewName = 'tree';
   pinned = false;
   /** What went wrong with the user's last wish; empty when nothing did. */
@@ -61,8 +38,7 @@ export class Explorer {
 
   constructor(private readonly ports: ExplorerPorts) {
     this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
-    this.dependents = new PlaceView(ports.changed);
-    this.map = new PlaceView(ports.changed);
+    this.lists = new Lists(ports.questions, ports.changed);
     this.typing = new TypeAhead(ports.clock);
   }
 
@@ -75,7 +51,7 @@ export class Explorer {
   }
 
   get list(): PlaceView | undefined {
-    return this.view === 'tree' ? undefined : this.view === 'deps' ? this.dependents : this.map;
+    return this.lists.of(this.view);
   }
 
   /** The selected cell was read, or cannot be. */
@@ -86,8 +62,7 @@ export class Explorer {
     // It was read because something may have happened to the workbook.
     this.cache.enter(content.book);
     this.cache.clear();
-    this.map.forget();
-    this.dependents.forget();
+    this.lists.forget();
     if (!this.pinned) this.begin(content);
   }
 
@@ -105,7 +80,7 @@ export class Explorer {
 
   show(view: ViewName): void {
     this.view = view;
-    this.loadList();
+    this.lists.load(this.view, this.here?.place);
     this.ports.changed();
   }
 
@@ -202,10 +177,10 @@ export class Explorer {
       this.trail.push(stop);
       this.view = 'tree';
       this.enter();
-      this.ports.follower.follow({
+      this.ports.follower.follow(() => ({
         label: `${sheet}!${address}`,
         addresses: [qualified(sheet, address)],
-      });
+      }));
       return;
     }
     this.notice = outcome.ok ? 'This cell cannot be read.' : outcome.failure.message;
@@ -236,22 +211,9 @@ export class Explorer {
     this.evaluator.show(
       here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
     );
-    this.dependents.forget();
-    this.loadList();
+    this.lists.dependents.forget();
+    this.lists.load(this.view, this.here?.place);
     this.ports.changed();
-  }
-
-  private loadList(): void {
-    const { here, ports } = this;
-    const { questions } = ports;
-    if (this.view === 'map') this.map.load('map', () => questions.workbookMap(), mapRows);
-    if (this.view !== 'deps' || !here) return;
-    const address = qualified(here.place.sheet, here.place.addr);
-    this.dependents.load(
-      `${here.place.book}\n${address}`,
-      () => questions.dependents(address),
-      (answer) => dependentRows(answer, here.place.sheet),
-    );
   }
 
   private inTree(here: Stop, command: Command): void {
@@ -263,7 +225,10 @@ export class Explorer {
     if (command.do === 'find') {
       tree.find(this.typing.add(command.character), ({ node }) => print(node));
     }
-    if (command.do === 'finding') this.toFinding(here, command.direction);
+    if (command.do === 'finding') {
+      const found = nextFinding(tree, this.evaluator.resultOf, command.direction);
+      if (found) tree.activate(found);
+    }
     if (command.do === 'drill') void this.drill(tree.active);
     if (command.do === 'reveal') this.reveal();
     if (tree.active !== before) this.follow();
@@ -282,17 +247,6 @@ export class Explorer {
   async visitPlace(place: Place): Promise<void> {
     const sheet = place.sheet ?? this.here?.place.sheet;
     if (sheet !== undefined) await this.visit(sheet, place.first);
-  }
-
-  private toFinding({ tree }: Stop, direction: 1 | -1): void {
-    if (!tree) return;
-    const failing = tree.outline.items.filter(
-      (item) => this.evaluator.resultOf(item)?.kind === 'error',
-    );
-    const beyond = failing.filter((item) => (item.id - tree.active.id) * direction > 0);
-    const next = direction > 0 ? beyond[0] : beyond.at(-1);
-    const item = next ?? (direction > 0 ? failing[0] : failing.at(-1));
-    if (item) tree.activate(item);
   }
 
   /** A step from inside the spreadsheet, which keeps the keyboard. */
@@ -316,7 +270,7 @@ export class Explorer {
   }
 
   private follow(): void {
-    this.ports.follower.follow(this.destination());
+    this.ports.follower.follow(() => this.destination());
   }
 
   private reveal(): void {

@@ -38,6 +38,8 @@ export class SheetFollower implements Source {
   private wanted: Destination | undefined;
   private clearing = false;
   private cancel: Cancel | undefined;
+  /** The refusal met last, as long as nothing has been marked since. */
+  private refusal = '';
   private colour: Colour = defaultColour;
   private state: FollowState = { marked: '', changed: false, notes: [], able: true };
 
@@ -57,12 +59,12 @@ export class SheetFollower implements Source {
     this.colour = colour;
   }
 
-  /** Marks and shows these cells soon, unless others come first. */
-  follow(destination: Destination | undefined): void {
+  /** Marks and shows cells soon, unless others come first. Which ones is asked only then. */
+  follow(destination: () => Destination | undefined): void {
     this.cancel?.();
-    if (!destination || destination.addresses.length === 0) return;
     this.cancel = this.clock.after(followAfter, () => {
-      this.go(destination);
+      const cells = destination();
+      if (cells && cells.addresses.length > 0) this.go(cells);
     });
   }
 
@@ -79,7 +81,7 @@ export class SheetFollower implements Source {
   clear(): void {
     this.cancel?.();
     this.wanted = undefined;
-    this.clearing = this.state.able;
+    this.clearing = this.state.able || this.state.changed;
     this.wake();
   }
 
@@ -105,13 +107,18 @@ export class SheetFollower implements Source {
     const marked = await this.questions.markCells(addresses, this.colour);
     if (!marked.ok) {
       this.failed(marked.failure);
-      return;
+      if (!this.state.able) return;
+      notes.push(...this.state.notes);
+    } else {
+      if (marked.value.shadowed) {
+        notes.push(
+          'A rule of yours lies on these cells, so marking them cleared the undo history.',
+        );
+      }
+      this.refusal = '';
+      const { changed } = this.state;
+      this.change({ marked: destination.label, changed, notes, able: true });
     }
-    if (marked.value.shadowed) {
-      notes.push('A rule of yours lies on these cells, so marking them cleared the undo history.');
-    }
-    const { changed } = this.state;
-    this.change({ marked: destination.label, changed, notes, able: true });
     // Something newer is wanted already, or nothing at all: the sheet need not move for this.
     if (this.wanted || this.clearing) return;
     const revealed = await this.questions.reveal(addresses);
@@ -123,20 +130,31 @@ export class SheetFollower implements Source {
     if (reason === 'multi-sheet') notes.push('On several sheets: marked, not scrolled to.');
     else if (reason === 'unbound') notes.push('Not scrolled to: there are no such cells.');
     if (unhid) notes.push(`Shown for now: ${unhid}.`);
-    this.change({ ...this.state, changed: changed || unhid !== undefined, notes });
+    this.change({ ...this.state, changed: this.state.changed || unhid !== undefined, notes });
   }
 
   private async takeBack(): Promise<void> {
     const cleared = await this.questions.clearMarks();
+    this.refusal = '';
     if (cleared.ok) this.change({ marked: '', changed: false, notes: [], able: true });
-    else if (this.state.able) this.failed(cleared.failure);
+    else
+      this.change({
+        ...this.state,
+        changed: true,
+        notes: [`Not cleared: ${sentence(cleared.failure)}`],
+      });
   }
 
+  /** A spreadsheet that refuses twice for the same reason would refuse every row of the tree. */
   private failed(failure: Failure): void {
-    // A native side without these verbs: offered is what it has.
-    const able = !failure.message.startsWith('unknown verb');
-    const notes = able ? [`Not marked: ${sentence(failure)}`] : [];
-    this.change({ ...this.state, changed: this.state.changed || able, notes, able });
+    const unknown = failure.message.startsWith('unknown verb');
+    const again = failure.kind === 'transport' && failure.message === this.refusal;
+    this.refusal = failure.message;
+    const able = !unknown && !again;
+    const note = able
+      ? `Not marked: ${sentence(failure)}`
+      : 'Cells cannot be marked here. Space selects them instead.';
+    this.change({ ...this.state, changed: this.state.changed || !unknown, notes: [note], able });
   }
 
   private change(state: FollowState): void {

@@ -56,7 +56,7 @@ beforeEach(() => {
     () => undefined,
     () => undefined,
   );
-  follower.follow = (destination) => followed.push(destination?.label ?? 'nothing');
+  follower.follow = (destination) => followed.push(destination()?.label ?? 'nothing');
   follower.clear = () => followed.push('clear');
   explorer = new Explorer({
     questions: desk,
@@ -182,7 +182,7 @@ describe('views', () => {
   test('are asked for when they are looked at, once', async () => {
     select('F12', '=B4');
     await press('2');
-    expect(explorer.dependents.rows.map((row) => row.text)).toEqual(['This sheet', 'G12']);
+    expect(explorer.lists.dependents.rows.map((row) => row.text)).toEqual(['This sheet', 'G12']);
     await press('1', '2', '3');
     expect(desk.asked.filter((text) => /dependents|Map/.test(text))).toEqual([
       "dependents 'Summary'!F12",

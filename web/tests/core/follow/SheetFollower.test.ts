@@ -51,7 +51,7 @@ beforeEach(() => {
 
 describe('the sheet follows', () => {
   test('a moment after a row became the active one', async () => {
-    follower.follow(b4);
+    follower.follow(() => b4);
     clock.advance(79);
     expect(follower.next()).toBeUndefined();
     clock.advance(1);
@@ -61,9 +61,9 @@ describe('the sheet follows', () => {
   });
 
   test('the last of several rows only', async () => {
-    follower.follow(b4);
+    follower.follow(() => b4);
     clock.advance(50);
-    follower.follow(c5);
+    follower.follow(() => c5);
     clock.advance(80);
     await run();
     expect(asked[0]).toContain('C5');
@@ -132,6 +132,14 @@ describe('what the user should know is said', () => {
     expect(state.notes).toEqual([note]);
   });
 
+  test('and the sheet still moves where marking is refused', async () => {
+    marked = failed('transport', 'protected');
+    follower.go(b4);
+    await run();
+    expect(asked.at(-1)).toBe("reveal 'Data'!B4");
+    expect(state).toMatchObject({ marked: '', changed: true, able: true });
+  });
+
   test('a list that was cut', async () => {
     const addresses = Array.from({ length: 250 }, (_, i) => `A${String(i + 1)}`);
     follower.go({ label: '250 areas', addresses });
@@ -154,7 +162,7 @@ describe('everything is taken back', () => {
   });
 
   test('also what is only on its way', async () => {
-    follower.follow(b4);
+    follower.follow(() => b4);
     follower.clear();
     clock.advance(1_000);
     await run();
@@ -170,6 +178,20 @@ describe('everything is taken back', () => {
     expect(state.marked).toBe('Data!B4');
     expect(state.changed).toBe(true);
   });
+});
+
+test('a spreadsheet that refuses twice for the same reason is left alone until all is cleared', async () => {
+  marked = failed('transport', 'no formats');
+  for (const cells of [b4, c5, b4]) {
+    follower.go(cells);
+    await run();
+  }
+  expect(asked.filter((text) => text.startsWith('mark'))).toHaveLength(2);
+  expect(state.able).toBe(false);
+  expect(state.notes).toEqual(['Cells cannot be marked here. Space selects them instead.']);
+  follower.clear();
+  await run();
+  expect(state).toEqual({ marked: '', changed: false, notes: [], able: true });
 });
 
 test('a native side that cannot mark is asked once', async () => {

@@ -1,0 +1,26 @@
+// What the explorer needs from outside.
+
+import type { EvaluationQuestions } from '../evaluation/Asker';
+import type { SheetFollower } from '../follow/SheetFollower';
+import type { Outcome } from '../protocol/Outcome';
+import type { RangeFormulas } from '../protocol/verbs';
+import type { Clock } from '../time/Clock';
+import type { ListQuestions } from '../workbook/Lists';
+
+export type ExplorerQuestions = EvaluationQuestions &
+  ListQuestions & {
+    readFormulas(address: string, style: 'a1'): Promise<Outcome<RangeFormulas>>;
+    select(addresses: readonly string[]): Promise<Outcome<{ areas: number }>>;
+  };
+
+export type ExplorerPorts = {
+  questions: ExplorerQuestions;
+  follower: SheetFollower;
+  clock: Clock;
+  /** Something shown may have changed, or there may be something to ask. */
+  changed(): void;
+  /** There may be something to ask. */
+  wake(): void;
+  /** The spreadsheet gets the keyboard back, or the panel goes. */
+  leave(how: 'focus' | 'hide'): void;
+};
