@@ -24,7 +24,7 @@ void PanelPlacer::showBesideExcel(const Panel::Event& event) {
 }
 
 void PanelPlacer::place() {
-  if (placed_ || panel_.hasSavedFrame()) return;
+  if (told_ || panel_.hasSavedFrame()) return;
   attempts_ = 0;
   ask();
 }
@@ -42,13 +42,14 @@ void PanelPlacer::ask() {
 
 void PanelPlacer::told(const std::optional<WindowBounds>& excel) {
   asking_ = false;
-  if (excel) placed_ = true;
+  const bool moved = excel && excel != told_;
+  if (excel) told_ = excel;
   if (pending_) {
     showPending(excel);
-  } else if (excel) {
+  } else if (moved) {
     panel_.positionBeside(*excel);
   }
-  if (excel || ++attempts_ > attemptsInARow) return;
+  if ((excel && !moved) || ++attempts_ > attemptsInARow) return;
   again_ = platform_.mainLoop().startTimer(betweenAttempts, TimerKind::once, [this] {
     if (!panel_.hasSavedFrame()) ask();
   });

@@ -1,6 +1,7 @@
 // PanelPlacer: brings a panel that the user has given no place beside Excel's window. Where that is
 // only Excel knows, which may be starting, busy or absent: it is asked on the bridge queue, again
-// after a moment, and again whenever it comes forward, until it has answered once.
+// after a moment, and again whenever it comes forward, until it has answered. A window that has
+// just opened may still be moving: an answer counts when the next one is the same.
 //
 // Main thread only; owned by the application delegate, and ends before the panel.
 #pragma once
@@ -33,7 +34,7 @@ class PanelPlacer {
   AppPlatform& platform_;
   PanelBridge& bridge_;
   Panel& panel_;
-  bool placed_ = false;
+  std::optional<BridgeShapes::WindowBounds> told_;  // where Excel's window was last
   bool asking_ = false;
   int attempts_ = 0;
   std::optional<Panel::Event> pending_;  // the panel is to be shown and then told this

@@ -294,6 +294,26 @@ TEST_F(AppDelegateTest, StandsBesideExcelWhenItFirstComes) {
   EXPECT_EQ(platform.window().currentFrame.x, 5) << "only the first time";
 }
 
+TEST_F(AppDelegateTest, FollowsAWindowOfExcelThatIsStillOpening) {
+  launched();
+  const JSONValue probed = std::exchange(
+      bridge.probed,
+      Object{{"excelWindow", Object{{"x1", 0}, {"y1", 60}, {"x2", 700}, {"y2", 800}}}});
+  platform.workspace().bringToFront(excel());
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 700);
+  bridge.probed = probed;
+  platform.mainLoop().advance(1000ms);
+  settle();
+  EXPECT_EQ(platform.window().currentFrame.x, 900);
+  platform.mainLoop().advance(1000ms);
+  settle();
+  takeJournal();
+  platform.mainLoop().advance(60'000ms);
+  settle();
+  EXPECT_THAT(takeJournal(), Not(Contains("probe"))) << "two answers agree";
+}
+
 TEST_F(AppDelegateTest, AsksABusyExcelAgainWhereItsWindowIs) {
   launched();
   const JSONValue probed = std::exchange(bridge.probed, Object{{"state", "busy"}});
