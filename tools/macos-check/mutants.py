@@ -2,6 +2,7 @@
 are run over the files that it touches, the cheap ones first, until one of them objects."""
 import concurrent.futures
 import dataclasses
+import itertools
 import os
 import pathlib
 import re
@@ -17,7 +18,7 @@ from session import LONGEST_REPORT, compile_step
 
 NEEDED = 0.8       # of the mistakes must be noticed
 COPIED = ("app/macos", "app/shell", "kit")
-SPECIMENS = "specimens"
+TEXTUAL = ("review", "bundle")  # kinds that no compiler is asked for
 
 
 @dataclasses.dataclass
@@ -92,38 +93,23 @@ class Copy:
         for place in COPIED:
             shutil.copytree(session.project / place, self.root / place, copy_function=os.link)
         self.changed = []
-        self.frameworks = []  # that specimens need
         for path, old, new in mutant.edits:
-            target = self.place(path)
+            target = self.root / path
             text = apply(target.read_text(), old, new, f"{mutant.name}: {path}")
             target.unlink()
             target.write_text(text)
             if target not in self.changed:
                 self.changed.append(target)
 
-    def place(self, path):
-        """Where a changed file lies; a specimen becomes one of the adapters."""
-        if not path.startswith(SPECIMENS):
-            return self.root / path
-        source = self.session.tool / "mutants" / path
-        target = self.root / "app/macos" / f"{source.stem}.mm"
-        if not target.exists():
-            text = source.read_text()
-            target.write_text(text)
-            # Sparkle is never linked: the program must start without it.
-            self.frameworks = [name for name in re.findall(r"#import <(\w+)/", text)
-                               if name != "Sparkle"]
-        return target
-
     def sources(self, suffixes):
         return [path for path in self.changed if path.suffix in suffixes]
 
 
-def noticed(session, mutant):
-    """The step that objects to the mistake and its first words, or none."""
+def noticed(session, mutant, steps=6):
+    """The step that objects to the mistake and its first words, or none. `steps`: how many are asked."""
     copy = Copy(session, mutant)
     try:
-        for step, found in objections(session, copy):
+        for step, found in itertools.islice(objections(session, copy), steps):
             if found:
                 return step, found[0].strip().replace(str(copy.root) + "/", "")
         return None
@@ -134,9 +120,7 @@ def noticed(session, mutant):
 def objections(session, copy):
     adapters = copy.root / "app/macos"
     yield "rules", rules.findings(copy.root, adapters)
-    yield "bundle", [text for text in bundle.findings(copy.root, adapters)
-                     if not text.endswith("not in app/macos/CMakeLists.txt") or
-                     not is_specimen(session, text)]
+    yield "bundle", bundle.findings(copy.root, adapters)
     compiler = session.compiler.of(copy.root)
     sources = copy.sources({".mm", ".cpp"})
     yield "types", failures(session, compiler, [compiler.check_syntax(source, target)
@@ -147,11 +131,6 @@ def objections(session, copy):
     yield "link", link_findings(session, compiler, copy, sources)
     yield "analysis", failures(session, compiler, [compiler.analyze(source, "arm64")
                                                    for source in adapted])
-
-
-def is_specimen(session, text):
-    return any(text.startswith(f"{path.stem}.mm")
-               for path in (session.tool / "mutants" / SPECIMENS).iterdir())
 
 
 def failures(session, compiler, jobs):
@@ -182,7 +161,7 @@ def link_findings(session, compiler, copy, sources):
                 if not source.is_relative_to(session.project) or
                 source.relative_to(session.project) not in changed]
     output = session.folder / f"mutant-{copy.root.name}"
-    result = session.runner.run(linking.job(session, objects, output, copy.frameworks))
+    result = session.runner.run(linking.job(session, objects, output))
     output.unlink(missing_ok=True)
     if result.ok:
         return []
@@ -190,15 +169,24 @@ def link_findings(session, compiler, copy, sources):
         result.text]
 
 
+def run_textual(session):
+    """Only the mistakes that the textual rules are there for, and only those rules."""
+    mutants = [each for each in read(session.tool / "mutants") if each.kind in TEXTUAL]
+    return judge(session, mutants, session.clean_findings, steps=2)
+
+
 def run(session):
+    return judge(session, read(session.tool / "mutants"),
+                 compile_step(session) + session.clean_findings)
+
+
+def judge(session, mutants, faults, steps=6):
     start = time.monotonic()
-    mutants = read(session.tool / "mutants")
-    for text in compile_step(session) + session.clean_findings:
+    for text in faults:
         print(f"the project itself is at fault, see the check: {text[:LONGEST_REPORT]}")
         return 1
-    specimens_are_sound(session)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count() or 1) as pool:
-        answers = list(pool.map(lambda each: noticed(session, each), mutants))
+        answers = list(pool.map(lambda each: noticed(session, each, steps), mutants))
     survivors = []
     for mutant, answer in zip(mutants, answers):
         if answer is None:
@@ -220,15 +208,3 @@ def first_error(text):
     line = (errors or lines)[0]
     return pathlib.Path(line.partition(":")[0]).name + ":" + line.partition(":")[2]
 
-
-def specimens_are_sound(session):
-    """A specimen that is found fault with as it is would make its mutants worthless."""
-    for path in sorted((session.tool / "mutants" / SPECIMENS).iterdir()):
-        name = f"{SPECIMENS}/{path.name}"
-        whole = Mutant(f"sound-{path.stem}", "", "", [(name, "namespace quorin {",
-                                                       "namespace quorin {")])
-        if "namespace quorin {" not in path.read_text():
-            whole.edits = [(name, "@implementation QX", "@implementation QX")]
-        answer = noticed(session, whole)
-        if answer is not None:
-            raise SystemExit(f"{path.name} is at fault as it is: {answer[1]}")
