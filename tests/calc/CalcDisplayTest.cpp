@@ -1,4 +1,5 @@
 // A visible Calc on a display of its own, attached to as the user's, with keys typed into it.
+#include <com/sun/star/uno/Exception.hpp>
 #include <functional>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -10,6 +11,7 @@
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/PrivateOffice.h"
 #include "host/calc/RunningOffice.h"
+#include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -132,7 +134,9 @@ TEST_F(CalcDisplay, NeverEntersWhatIsHalfTyped) {
   }
   // Reading and evaluating go on, and leave the entry alone too.
   EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
-  EXPECT_EQ(calc().evaluate("B2*2+A7", at("A1").sheet), Evaluation(CellValue(45.0)));
+  for (const char* expression : {"B2*2+A7", "INDIRECT(\"A7\")+3", "CELL(\"row\",A45)+0"}) {
+    EXPECT_EQ(calc().evaluate(expression, at("A1").sheet), Evaluation(CellValue(45.0)));
+  }
   EXPECT_EQ(moveAway(), -10000);
   EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
   keys({"key", "Escape"});
@@ -179,6 +183,21 @@ TEST_F(CalcDisplay, ReadsWhileADialogIsOpen) {
   keys({"key", "Escape"});
 }
 
+TEST_F(CalcDisplay, LeavesTheClipboardAlone) {
+  calc().goTo(at("A7"));
+  keys({"key", "ctrl+c"});
+  for (const char* expression : {"B2*2+A7", "INDIRECT(\"A7\")+3", "CELL(\"row\",A45)+0"}) {
+    EXPECT_EQ(calc().evaluate(expression, at("A1").sheet), Evaluation(CellValue(45.0)));
+  }
+  calc().goTo(at("H20"));
+  keys({"key", "ctrl+v"});
+  EXPECT_TRUE(
+      eventually([] { return calc().values(at("H20")).cells == std::vector<CellValue>{42.0}; }));
+  keys({"key", "ctrl+z"});
+  EXPECT_TRUE(
+      eventually([] { return calc().values(at("H20")).cells == std::vector<CellValue>{Blank{}}; }));
+}
+
 TEST_F(CalcDisplay, TimesOutReachingAStoppedCalc) {
   RunningOffice fresh(desktop->discovery);
   ASSERT_TRUE(stopProcess(desktop->office->process()));
@@ -186,6 +205,60 @@ TEST_F(CalcDisplay, TimesOutReachingAStoppedCalc) {
   EXPECT_EQ(numberOf([&] { fresh.open(); }), -1712);
   ASSERT_EQ(::kill(desktop->office->process(), SIGCONT), 0);
   EXPECT_EQ(numberOf([&] { fresh.open(); }), 0);
+}
+
+// A Calc of the user's on the same display, with a workbook open.
+class AnotherCalc {
+ public:
+  AnotherCalc() {
+    PrivateOffice::Options options;
+    options.headless = false;
+    options.environment = {{"DISPLAY", desktop->display.name()}};
+    options.prefix = "quorin-visible-";
+    office = std::make_shared<PrivateOffice>(options);
+    CalcSpreadsheet(office).openWorkbook((desktop->folder / "Known.xlsx").string());
+  }
+  std::string profile() const { return fileUrl(office->folder() / "profile"); }
+
+  std::shared_ptr<PrivateOffice> office;
+};
+
+TEST_F(CalcDisplay, AttachesAgainToACalcThatWasQuitAndStartedAnew) {
+  const auto discovery = std::make_shared<OfficeDiscovery>();
+  CalcSpreadsheet calc(std::make_shared<RunningOffice>(discovery));
+  const auto evaluated = [&] { return calc.evaluate("B2*2+A7", at("A1").sheet); };
+  AnotherCalc first;
+  discovery->restrictTo(first.profile());
+  EXPECT_EQ(evaluated(), Evaluation(CellValue(45.0)));
+  const pid_t process = first.office->process();
+  try {
+    UserHands(first.office->open()).quit();
+  } catch (const css::uno::Exception&) {
+    // It ended before it could answer.
+  }
+  EXPECT_TRUE(eventually([&] { return ::kill(process, 0) != 0; }));  // nothing of ours keeps it
+  EXPECT_NE(numberOf([&] { calc.workbooks(); }), 0);
+  EXPECT_TRUE(eventually([&] { return numberOf([&] { calc.workbooks(); }) == -600; }));
+  const AnotherCalc second;
+  discovery->restrictTo(second.profile());
+  EXPECT_EQ(evaluated(), Evaluation(CellValue(45.0)));
+  EXPECT_EQ(calc.workbooks(), std::vector<std::string>{"Known.xlsx"});
+}
+
+// As one in a sandbox: it runs and shows a workbook, but nobody can speak to it.
+TEST_F(CalcDisplay, IsNotAllowedToReachACalcWithoutItsPipe) {
+  const auto discovery = std::make_shared<OfficeDiscovery>();
+  CalcSpreadsheet calc(std::make_shared<RunningOffice>(discovery));
+  const AnotherCalc hidden;
+  discovery->restrictTo(hidden.profile());
+  const std::filesystem::path pipe = pipeFile(singleInstancePipe(hidden.profile()));
+  const std::filesystem::path away = hidden.office->folder() / "away";
+  std::filesystem::create_hard_link(pipe, away);
+  std::filesystem::remove(pipe);
+  EXPECT_TRUE(calc.isRunning());
+  EXPECT_EQ(numberOf([&] { calc.workbooks(); }), -1743);
+  std::filesystem::create_hard_link(away, pipe);
+  EXPECT_EQ(calc.workbooks(), std::vector<std::string>{"Known.xlsx"});
 }
 
 }  // namespace
