@@ -140,6 +140,33 @@ TEST_F(CalcTraces, LeavesTheWorkbookAsItWas) {
   EXPECT_NE(hands.stateOf("Known.xlsx").find("modified: 1"), std::string::npos);
 }
 
+TEST_F(CalcTraces, HidesAndShowsLinesWithoutATrace) {
+  const RangeRef cells{{"Known.xlsx", "Data"}, parseA1("B2:C3").value()};
+  const auto hideAndShow = [&] {
+    for (const Lines lines : {Lines::rows, Lines::columns}) {
+      calc.setHidden(cells, lines, true);
+      EXPECT_EQ(calc.hidden(cells, lines), true);
+      calc.setHidden(cells, lines, false);
+      EXPECT_EQ(calc.hidden(cells, lines), false);
+    }
+  };
+  for (const bool modified : {false, true}) {
+    hands.setModified("Known.xlsx", modified);
+    const std::string before = hands.stateOf("Known.xlsx");
+    hideAndShow();
+    EXPECT_EQ(hands.stateOf("Known.xlsx"), before);
+  }
+}
+
+TEST_F(CalcTraces, OpensAnUndoListThatWasLeftLocked) {
+  const std::string before = hands.stateOf("Known.xlsx");
+  hands.lockUndo("Known.xlsx");
+  hands.lockUndo("Known.xlsx");
+  EXPECT_NE(hands.stateOf("Known.xlsx"), before);
+  EXPECT_EQ(CalcSpreadsheet(office).workbooks(), std::vector<std::string>{"Known.xlsx"});
+  EXPECT_EQ(hands.stateOf("Known.xlsx"), before);
+}
+
 TEST_F(CalcTraces, GoesWithAClientThatIsKilled) {
   const std::string before = hands.stateOf("Known.xlsx");
   const int documents = hands.documents();

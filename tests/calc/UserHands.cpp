@@ -8,7 +8,6 @@
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
-#include <com/sun/star/table/XColumnRowRange.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
 #include <memory>
@@ -23,7 +22,6 @@
 namespace quorin::host::calc {
 namespace {
 
-using css::uno::Any;
 using css::uno::Reference;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
@@ -98,10 +96,8 @@ void UserHands::setModified(const std::string& book, bool modified) {
       ->setModified(modified);
 }
 
-void UserHands::hideRow(const std::string& book, const std::string& sheet, int row) {
-  const Reference<css::table::XColumnRowRange> rows(objects_->sheet(book, sheet), UNO_QUERY_THROW);
-  Reference<css::beans::XPropertySet>(rows->getRows()->getByIndex(row - 1), UNO_QUERY_THROW)
-      ->setPropertyValue("IsVisible", Any(false));
+void UserHands::lockUndo(const std::string& book) {
+  objects_->undoManager(book)->lock();
 }
 
 std::string UserHands::stateOf(const std::string& book) {

@@ -25,7 +25,7 @@ class UserHands {
              const std::string& formula);
   void undo(const std::string& book);
   void setModified(const std::string& book, bool modified);
-  void hideRow(const std::string& book, const std::string& sheet, int row);  // 1-based
+  void lockUndo(const std::string& book);  // as a process that died in the middle of a change
 
   // Everything of the workbook that a trace could be left in: undo and redo list, modified flag,
   // sheets, names, styles, number formats.
