@@ -4,27 +4,12 @@
 #include <utility>
 #include <vector>
 
+#include "host/calc/CalcReference.h"
+#include "host/calc/FunctionNames.h"
 #include "host/calc/OfficeFiles.h"
 
 namespace quorin::host::calc {
 namespace {
-
-// Prefixes of function names that only say where a function comes from.
-constexpr std::array<std::string_view, 6> origins{"COM.SUN.STAR.SHEET.ADDIN.ANALYSIS.GET",
-                                                  "COM.SUN.STAR.SHEET.ADDIN.DATEFUNCTIONS.GET",
-                                                  "COM.MICROSOFT.",
-                                                  "_XLFN._XLWS.",
-                                                  "_XLFN.",
-                                                  "_XLWS."};
-
-// Functions that Excel knows by another name.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 5> renamed{{
-    {"B", "BINOM.DIST.RANGE"},
-    {"CEILING.XCL", "CEILING"},
-    {"FLOOR.XCL", "FLOOR"},
-    {"FORMULA", "FORMULATEXT"},
-    {"SKEWP", "SKEW.P"},
-}};
 
 constexpr std::array<std::string_view, 5> tableItems{"#All", "#Data", "#Headers", "#Totals",
                                                      "#This Row"};
@@ -83,47 +68,17 @@ class Translation {
     out_ += text_.substr(start, at_ - start);
   }
 
-  // The sheet before a reference, "." included; "#REF!" for one that was deleted.
-  std::optional<std::string> readSheet(std::size_t& position) const {
-    std::size_t at = position;
-    if (at < text_.size() && text_[at] == '$') ++at;
-    std::optional<std::string> name = readQuoted(text_, at);
-    if (!name && errorLiteral(text_, at) == "#REF!") {
-      name = "#REF!";
-      at += name->size();
-    } else if (!name) {  // an unquoted name has no full stop in it
-      const std::size_t start = at;
-      while (at < text_.size() && isWordCharacter(text_[at]) && text_[at] != '.') ++at;
-      if (at > start) name = text_.substr(start, at - start);
-    }
-    if (!name || at >= text_.size() || text_[at] != '.') return std::nullopt;
-    position = at + 1;
-    return name;
-  }
-
-  // A cell's end that can stand alone or, where another follows, at either side of the colon.
-  std::optional<CellText> readEnd(std::size_t& position, bool ofRange) const {
-    std::size_t at = position;
-    const auto cell = readCell(text_, at);
-    if (!cell) return std::nullopt;
-    const bool whole = !cell->lost && (cell->row == 0 || cell->column == 0);
-    if (whole && !ofRange && (at >= text_.size() || text_[at] != ':')) return std::nullopt;
-    if (at < text_.size() && text_[at] == '(') return std::nullopt;  // a function such as LOG10
-    position = at;
-    return cell;
-  }
-
   bool reference() {
     std::size_t position = at_;
-    const auto sheet = readSheet(position);
-    const auto from = readEnd(position, false);
+    const auto sheet = readCalcSheet(text_, position);
+    const auto from = readCalcEnd(text_, position, false);
     if (!from) return sheet ? sheetName(*sheet, position) : false;
     RangeText range{*from, std::nullopt};
     auto lastSheet = sheet;
     if (position < text_.size() && text_[position] == ':') {
       std::size_t behind = position + 1;
-      const auto second = readSheet(behind);
-      const auto to = readEnd(behind, true);
+      const auto second = readCalcSheet(text_, behind);
+      const auto to = readCalcEnd(text_, behind, true);
       const bool sameKind =
           to && (from->lost || to->lost ||
                  ((to->row == 0) == (from->row == 0) && (to->column == 0) == (from->column == 0)));
@@ -176,11 +131,11 @@ class Translation {
     const std::string file = path.empty() ? url->substr(slash) : path.filename().string();
     ++position;
     std::size_t behind = position;
-    const auto sheet = readSheet(behind);
+    const auto sheet = readCalcSheet(text_, behind);
     at_ = sheet ? behind : position;
     out_ += excelSheet(sheet ? folder + "[" + file + "]" + *sheet : folder + file) + "!";
     std::size_t before = at_;
-    const auto from = readEnd(at_, false);
+    const auto from = readCalcEnd(text_, at_, false);
     if (!from) {
       at_ = before;
       word();
@@ -189,7 +144,7 @@ class Translation {
     RangeText range{*from, std::nullopt};
     if (at_ < text_.size() && text_[at_] == ':') {
       before = at_++;
-      range.to = readEnd(at_, true);
+      range.to = readCalcEnd(text_, at_, true);
       if (!range.to) at_ = before;
     }
     out_ += write(range, style_, cell_);
@@ -218,7 +173,7 @@ class Translation {
       out_ += upperCase(word);  // Calc writes the constant as a call
       at_ += 2;
     } else if (isFunction) {
-      out_ += functionName(word);
+      out_ += excelFunctionName(word);
     } else if (equalIgnoringCase(word.substr(0, 6), "_xlpm.")) {
       out_ += word.substr(6);
     } else {
@@ -246,17 +201,6 @@ class Translation {
   bool isExponentSign() const {
     const char before = text_[at_ - 1];
     return (text_[at_] == '+' || text_[at_] == '-') && (before == 'E' || before == 'e');
-  }
-
-  static std::string functionName(const std::string& word) {
-    const std::string upper = upperCase(word);
-    for (const std::string_view origin : origins) {
-      if (upper.starts_with(origin)) return upper.substr(origin.size());
-    }
-    for (const auto& [calc, excel] : renamed) {
-      if (upper == calc) return std::string(excel);
-    }
-    return upper;
   }
 
   // The brackets behind a table's name. Only the separator between two items changes.
