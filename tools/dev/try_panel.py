@@ -8,6 +8,7 @@ own. Selects three cells by key presses, waits for the panel to show each, print
 compares that with what Calc tells over its own interface. Writes a screenshot for each cell. Ends
 with status 0 when the panel showed what each cell holds, and leaves nothing running.
 """
+import hashlib
 import json
 import os
 import pathlib
@@ -88,6 +89,12 @@ def letters(column):
     return text
 
 
+def single_instance_pipe(profile):
+    """The name of the pipe by which an office with this profile is found by a second start."""
+    digest = hashlib.md5(profile.encode("utf-16-le")).digest()
+    return "SingleOfficeIPC_" + "".join(f"{byte:x}" for byte in digest)
+
+
 class Panel:
     """The running panel, through its inspection socket."""
 
@@ -136,6 +143,9 @@ class Trial:
             home.mkdir(mode=0o700)
             self.environment[f"XDG_{name}_HOME" if name != "RUNTIME" else "XDG_RUNTIME_DIR"] = (
                 str(home))
+        # An office that is ended by a signal leaves its own temporary files.
+        (self.folder / "tmp").mkdir(mode=0o700)
+        self.environment["TMPDIR"] = str(self.folder / "tmp")
         # No helpers of a desktop that would outlive the trial.
         self.environment.update(NO_AT_BRIDGE="1", GSETTINGS_BACKEND="memory",
                                 DBUS_SESSION_BUS_ADDRESS="disabled:", GDK_BACKEND="x11",
@@ -355,7 +365,21 @@ class Trial:
             subprocess.run(["import", "-window", "root", str(self.output / "failed.png")],
                            env=self.environment, check=False)
 
+    def pipes(self):
+        """The files by which the office is reached: by the trial, a second start and Quorin."""
+        if not hasattr(self, "pipe"):
+            return []
+        names = [self.pipe, single_instance_pipe(f"file://{self.folder / 'office'}")]
+        for entry in pathlib.Path("/proc").iterdir():
+            try:
+                if entry.name.isdigit() and os.getpgid(int(entry.name)) == self.office.pid:
+                    names.append(f"quorin-{entry.name}")
+            except ProcessLookupError:
+                pass  # it has just ended
+        return [pathlib.Path(f"/tmp/OSL_PIPE_{os.getuid()}_{name}") for name in names]
+
     def end(self):
+        pipes = self.pipes()
         for process in reversed(self.started):
             if process.poll() is None:
                 try:
@@ -369,10 +393,10 @@ class Trial:
             except subprocess.TimeoutExpired:
                 os.killpg(process.pid, 9)
                 process.wait()
-            for pipe in filter(None, (process.stdin, process.stdout)):
-                pipe.close()
-        if hasattr(self, "pipe"):
-            pathlib.Path(f"/tmp/OSL_PIPE_{os.getuid()}_{self.pipe}").unlink(missing_ok=True)
+            for stream in filter(None, (process.stdin, process.stdout)):
+                stream.close()
+        for pipe in pipes:
+            pipe.unlink(missing_ok=True)
         shutil.rmtree(self.folder, ignore_errors=True)
 
 
