@@ -17,16 +17,6 @@
 
 namespace quorin {
 
-class SystemClock : public Clock {
- public:
-  std::chrono::system_clock::time_point now() const override {
-    return std::chrono::system_clock::now();
-  }
-  std::chrono::steady_clock::time_point steadyNow() const override {
-    return std::chrono::steady_clock::now();
-  }
-};
-
 class GtkPlatform : public AppPlatform {
  public:
   // After GTK has been initialised on an X11 display.

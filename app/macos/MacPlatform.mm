@@ -18,16 +18,6 @@
 namespace quorin {
 namespace {
 
-class SystemClock : public Clock {
- public:
-  std::chrono::system_clock::time_point now() const override {
-    return std::chrono::system_clock::now();
-  }
-  std::chrono::steady_clock::time_point steadyNow() const override {
-    return std::chrono::steady_clock::now();
-  }
-};
-
 class MacPlatform : public AppPlatform {
  public:
   Application& application() override { return application_; }

@@ -12,4 +12,15 @@ class Clock {
   virtual std::chrono::steady_clock::time_point steadyNow() const = 0;
 };
 
+// The standard library's clocks, on every system.
+class SystemClock : public Clock {
+ public:
+  std::chrono::system_clock::time_point now() const override {
+    return std::chrono::system_clock::now();
+  }
+  std::chrono::steady_clock::time_point steadyNow() const override {
+    return std::chrono::steady_clock::now();
+  }
+};
+
 }  // namespace quorin
