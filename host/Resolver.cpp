@@ -1,6 +1,7 @@
 #include "host/Resolver.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 #include "host/Address.h"
@@ -17,6 +18,7 @@ using Descriptor = AppleEventDescriptor;
 
 constexpr int deepestChain = 100;
 constexpr long long mostElementsListed = 100'000;
+constexpr std::size_t mostValuesListed = 1'000'000;
 
 struct NotThere {};  // becomes -1728 with the specifier that was being resolved
 
@@ -43,13 +45,23 @@ Descriptor asValue(Session& session, Resolved resolved) {
   return Descriptor::list(std::move(items));
 }
 
-// One value for each object; Excel gives missing value where there are none.
+std::size_t valuesIn(const Descriptor& value) {
+  std::size_t count = 1;
+  for (const Descriptor& item : value.items()) count += valuesIn(item);
+  return count;
+}
+
+// One value for each object; Excel gives missing value where there are none. Each may be a whole
+// column: -50 before they fill the memory.
 Resolution propertyOfEach(Session& session, const Objects& objects, FourCharCode code) {
   Descriptor::Items values;
+  std::size_t listed = 0;
   for (const Object& object : objects) {
     Resolution value =
         std::visit([&](const auto& typed) { return propertyOf(session, typed, code); }, object);
     values.push_back(asValue(session, std::move(value.what)));
+    listed += valuesIn(values.back());
+    if (listed > mostValuesListed) throw EventError(EventError::parameterError);
   }
   if (values.empty()) return {Descriptor::missingValue()};
   return {Descriptor::list(std::move(values))};

@@ -42,6 +42,11 @@ std::vector<std::string> CallScript::calls() const {
   return calls_;
 }
 
+std::size_t CallScript::count() const {
+  const std::lock_guard lock(mutex_);
+  return calls_.size();
+}
+
 void CallScript::enter(const std::string& name, const std::string& detail) {
   std::unique_lock lock(mutex_);
   calls_.push_back(detail.empty() ? name : name + " " + detail);

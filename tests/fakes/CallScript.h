@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <string>
@@ -32,6 +33,7 @@ class CallScript {
   void useClock(ManualClock* clock);  // what slowness advances
 
   std::vector<std::string> calls() const;  // "values [Known.xlsx]Data!$A$1"
+  std::size_t count() const;               // of them
 
   // The fake's side: records the call, then acts out its faults. Throws SpreadsheetError.
   void enter(const std::string& name, const std::string& detail = {});

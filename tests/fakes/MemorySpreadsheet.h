@@ -27,6 +27,7 @@ struct MemoryProgram {
   std::string version = "16.95";
   std::vector<std::optional<host::Bounds>> windows;  // by window number, one a workbook
   int windowRows = 30, windowColumns = 12;           // what a window shows at once
+  long long mostCells = 5'000'000;                   // that are read at once; -50 for more
 };
 
 class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {

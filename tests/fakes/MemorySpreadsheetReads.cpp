@@ -71,7 +71,7 @@ template <typename T, typename CellToItem>
 Grid<T> MemorySpreadsheet::gridOf(const RangeRef& range, CellToItem item) const {
   const MemorySheet& sheet = sheetOf(range.sheet);
   const Area& area = range.areas.front();
-  if (host::cellCount({area}) > 5'000'000)
+  if (host::cellCount({area}) > program.mostCells)
     throw SpreadsheetError(-50, "The range is too large to be read at once.");
   Grid<T> grid{host::rowCount(area), host::columnCount(area), {}};
   grid.cells.reserve(static_cast<std::size_t>(host::cellCount({area})));

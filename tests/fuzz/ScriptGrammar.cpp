@@ -49,7 +49,13 @@ constexpr std::string_view texts[] = {"\"\"",
                                       "\"1,5\"",
                                       "\"é\t\\\"x\"",
                                       "\"one two-three\nfour\"",
-                                      "\"missing value\""};
+                                      "\"missing value\"",
+                                      "\"B2:C4\"",
+                                      "\"Data\"",
+                                      "\"Known.xlsx\"",
+                                      "\"Prices\"",
+                                      "\"5:5\"",
+                                      "\"=B2*2\""};
 constexpr std::string_view constants[] = {"true",  "false",  "missing value", "pi",
                                           "hours", "Monday", "«class X117»",  "text"};
 constexpr std::string_view ordinals[] = {"first", "second", "last",  "middle",
@@ -198,7 +204,7 @@ std::string ScriptGrammar::object() {
 }
 
 std::string ScriptGrammar::command() {
-  switch (below(16)) {
+  switch (below(18)) {
     case 0:
       return "get address " + object() + (once(2) ? " row absolute false" : " with external");
     case 1:
@@ -230,6 +236,10 @@ std::string ScriptGrammar::command() {
       return "delete " + object();
     case 14:
       return "«event smXL1191» given «class XLr1»:" + operand();
+    case 15:
+      return "make new workbook";
+    case 16:
+      return "close workbook " + key() + " saving no";
     default:
       return "select " + object();
   }

@@ -98,6 +98,7 @@ TEST_F(Answers, RefuseToReadMoreThanCanBeAnswered) {
   memory().script.clear();
   EXPECT_EQ(errorOf(property(codes::value2, on("A:XFD"))), -50);
   EXPECT_EQ(errorOf(property(codes::name, every(codes::cell, data()))), -50);
+  EXPECT_EQ(errorOf(property(codes::formula, every(codes::column, on("A:C")))), -50);
   for (const std::string& call : memory().script.calls()) EXPECT_FALSE(call.starts_with("values"));
 }
 
