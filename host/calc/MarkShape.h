@@ -1,0 +1,46 @@
+// MarkShape: a mark as a shape of its own on the sheet's internal layer: half transparent over the
+// cells, out of reach of the mouse, not printed. Call thread.
+//
+// A shape that is made changes nothing in the workbook. Putting it on the page, taking it off and
+// drawing it anew are one change each, to be made under a guard of its own.
+#pragma once
+
+#include <com/sun/star/drawing/PointSequenceSequence.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
+#include <com/sun/star/drawing/XShape.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/sheet/XSpreadsheet.hpp>
+
+#include "host/calc/MarkText.h"
+
+namespace quorin::host::calc {
+
+struct PlacedMark : NumberedMark {
+  css::uno::Reference<css::drawing::XShape> shape;
+};
+
+// Where marks lie: the sheet's page of drawings.
+css::uno::Reference<css::drawing::XDrawPage> drawPageOf(
+    const css::uno::Reference<css::sheet::XSpreadsheet>& sheet);
+
+// The marks of a page by their numbers, also those that came out of a file as another kind of
+// shape.
+std::vector<PlacedMark> readMarks(const css::uno::Reference<css::drawing::XDrawPage>& page);
+
+// The outlines of the areas on their sheet, which must not overlap. What is hidden has none, and a
+// part of a merged cell stands for all of it.
+css::drawing::PointSequenceSequence outlinesOf(
+    const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, const std::vector<Area>& areas);
+
+// A shape that is on no page yet.
+css::uno::Reference<css::drawing::XShape> makeMarkShape(
+    const css::uno::Reference<css::frame::XModel>& document, const NumberedMark& mark,
+    const css::drawing::PointSequenceSequence& outlines);
+
+// Whether redrawMarkShape() can draw it; one that came out of a file is to be replaced.
+bool isRedrawable(const css::uno::Reference<css::drawing::XShape>& shape);
+
+void redrawMarkShape(const css::uno::Reference<css::drawing::XShape>& shape,
+                     const NumberedMark& mark, const css::drawing::PointSequenceSequence& outlines);
+
+}  // namespace quorin::host::calc
