@@ -22,7 +22,12 @@ GtkPlatform::GtkPlatform()
     : session_(gdk_display_get_default()),
       hotKeys_(gdk_display_get_default()),
       defaults_(XDGFolders(environment_).library() / "Quorin" / "defaults.json"),
-      bundle_(ownProgram()) {}
+      bundle_(ownProgram()),
+      updater_(
+          {updateTransport_, updateProgress_, alerts_, workspace_, loop_, updateQueue_},
+          {bundle_.infoString("SUFeedURL"), bundle_.infoString("SUPublicEDKey"),
+           bundle_.infoString("CFBundleShortVersionString"), bundle_.infoString("QXArchitecture")},
+          XDGFolders(environment_).applicationSupport() / "Quorin" / "updates") {}
 
 std::unique_ptr<PanelWindow> GtkPlatform::makePanelWindow(const PanelWindowOptions& options) {
   auto window = std::make_unique<GtkPanelWindow>(options, session_, defaults_);

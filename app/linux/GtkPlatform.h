@@ -7,13 +7,17 @@
 #include "app/linux/GLibMainLoop.h"
 #include "app/linux/GtkAlerts.h"
 #include "app/linux/GtkApplicationPort.h"
+#include "app/linux/GtkUpdateProgress.h"
 #include "app/linux/InstalledBundle.h"
 #include "app/linux/WebKitView.h"
 #include "app/linux/X11HotKeys.h"
 #include "app/linux/X11Session.h"
 #include "app/linux/X11Workspace.h"
+#include "app/linux/updates/FeedUpdater.h"
+#include "app/linux/updates/SoupTransport.h"
 #include "app/shell/ports/AppPlatform.h"
 #include "kit/platform/Environment.h"
+#include "kit/support/SerialQueue.h"
 
 namespace quorin {
 
@@ -30,6 +34,7 @@ class GtkPlatform : public AppPlatform {
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
   HotKeyService* hotKeys() override { return &hotKeys_; }
+  Updater* updater() override { return &updater_; }
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "LibreOffice Calc"; }
@@ -49,6 +54,10 @@ class GtkPlatform : public AppPlatform {
   GtkAlerts alerts_;
   FileDefaults defaults_;
   InstalledBundle bundle_;
+  GtkUpdateProgress updateProgress_;
+  SoupTransport updateTransport_{{}};
+  SerialQueue updateQueue_{"qx.updates"};
+  FeedUpdater updater_;
   PanelWindow* panelWindow_ = nullptr;
   WebKitView* webView_ = nullptr;
 };

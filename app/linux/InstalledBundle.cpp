@@ -20,6 +20,9 @@ std::string InstalledBundle::infoString(const std::string& key) const {
   if (key == "CFBundleShortVersionString") return QUORIN_VERSION;
   if (key == "CFBundleIdentifier") return "com.quorin.app";
   if (key == "QXSupportEmail") return QUORIN_SUPPORT_EMAIL;
+  if (key == "SUFeedURL") return QUORIN_UPDATE_FEED;
+  if (key == "SUPublicEDKey") return QUORIN_UPDATE_KEY;
+  if (key == "QXArchitecture") return QUORIN_ARCHITECTURE;
   return {};
 }
 
