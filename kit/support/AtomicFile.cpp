@@ -65,7 +65,7 @@ unsigned modeForReplacing(FileSystem& files, const fs::path& path, ReadOnly read
   if (old->kind == FileStatus::Kind::folder) throw FileError(EISDIR, "write", path);
   if (old->kind == FileStatus::Kind::other) throw FileError(EINVAL, "write", path);
   if (readOnly == ReadOnly::refuse && !old->writable) throw FileError(EACCES, "write", path);
-  return old->mode;
+  return old->mode | 0400;  // what is written must be read again
 }
 
 }  // namespace

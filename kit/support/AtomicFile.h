@@ -14,10 +14,11 @@ enum class ReadOnly { replace, refuse };
 
 // Writes a temporary file in the same folder, syncs it, renames it over the old one and syncs the
 // folder. A symbolic link stays one: the file it leads to is replaced. Keeps the permissions of
-// the old file; a new one is the user's alone (0600). What is not a regular file is never
-// replaced. The folder must exist. Throws FileError; the old file is then untouched and the
-// temporary one removed, except when only the last sync failed: the new content is there then, but
-// may not outlast a power failure. Temporary files of processes that died are removed as well.
+// the old file, but that its owner can read it; a new one is the user's alone (0600). What is not a
+// regular file is never replaced. The folder must exist. Throws FileError; the old file is then
+// untouched and the temporary one removed, except when only the last sync failed: the new content
+// is there then, but may not outlast a power failure. Temporary files of processes that died are
+// removed as well.
 void write(FileSystem& files, const std::filesystem::path& path, std::string_view data,
            ReadOnly readOnly = ReadOnly::replace);
 

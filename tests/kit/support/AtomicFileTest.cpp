@@ -155,6 +155,16 @@ TEST_F(AtomicFileTest, ReplacesOrRefusesAReadOnlyFile) {
   EXPECT_EQ(modeOf(file), 0444u);
 }
 
+TEST_F(AtomicFileTest, WritesWhatCanBeReadAgain) {
+  fs::permissions(folder.path(), fs::perms(0777));
+  writeFile(file, "old");
+  fs::permissions(file, fs::perms(0200));
+  const OrdinaryUser user;
+  AtomicFile::write(files, file, "new");
+  EXPECT_EQ(readFile(file), "new");
+  EXPECT_EQ(modeOf(file), 0600u);
+}
+
 TEST_F(AtomicFileTest, FailsInAReadOnlyFolder) {
   writeFile(file, "old");
   fs::permissions(folder.path(), fs::perms(0555));
