@@ -87,9 +87,8 @@ void Bridge::restoreUnhiddenOnClear() {
   log_.log("UNHIDE", active ? "active row=" + std::to_string(active->row) +
                                   " col=" + std::to_string(active->col)
                             : "active none");
-  const UnhideStore::Records remaining = restoreUnhidden(active, std::nullopt);
   try {
-    unhide_.record(remaining);
+    unhide_.record(restoreUnhidden(active, std::nullopt));
   } catch (const std::exception& error) {
     log_.log("ERROR", std::string("unhidden.json write failed: ") + error.what());
   }

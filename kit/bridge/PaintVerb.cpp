@@ -118,7 +118,7 @@ bool Bridge::clearBeforePainting(const Records& wanted) {
 }
 
 JSONValue Bridge::applyMarks(const Records& groups, bool mayBeSingle) {
-  Records recorded = store_.load();
+  Records recorded = store_.loadToReplace();
   double shadowTotal = 0;
   std::size_t applied = 0;
   for (const Record& group : groups) {

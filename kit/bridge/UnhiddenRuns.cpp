@@ -40,11 +40,11 @@ std::optional<Bridge::Position> Bridge::positionOf(const JSONValue& polled) {
 }
 
 // Hides again what is recorded but for the runs that hold the active cell or are to be shown.
-// Gives what must stay recorded. Throws nothing of Excel's.
+// Gives what must stay recorded. Throws nothing of Excel's, but FileError.
 UnhideStore::Records Bridge::restoreUnhidden(const std::optional<Position>& active,
                                              const std::optional<Kept>& keep) {
   UnhideStore::Records remaining;
-  for (const UnhideStore::Record& record : unhide_.load()) {
+  for (const UnhideStore::Record& record : unhide_.loadToReplace()) {
     const HiddenRuns recorded = record.runs();
     HiddenRuns stays;
     if (active && active->book == record.book && active->sheet == record.sheet)

@@ -65,13 +65,21 @@ HighlightStore::HighlightStore(std::filesystem::path url, FileSystem& files, Dia
     : file_(std::move(url), "highlights.json", files, log) {}
 
 Records HighlightStore::load() const {
+  return load(RecordFile::Unreadable::isNone);
+}
+
+Records HighlightStore::loadToReplace() const {
+  return load(RecordFile::Unreadable::isError);
+}
+
+Records HighlightStore::load(RecordFile::Unreadable unreadable) const {
   Records records;
-  const bool loaded = file_.load([&records](const JSONValue& document) {
+  const auto decode = [&records](const JSONValue& document) {
     for (const JSONValue& value : arrayOf(document, "the top level")) {
       records.push_back(decodeRecord(value));
     }
-  });
-  return loaded ? records : Records();
+  };
+  return file_.load(decode, unreadable) ? records : Records();
 }
 
 void HighlightStore::recordApplied(const Records& records) const {

@@ -40,6 +40,10 @@ class HighlightStore {
   // and is reported to the log.
   Records load() const;
 
+  // The same for who is going to write back what it gives: throws FileError where a file is there
+  // that cannot be read, for what it holds would be lost.
+  Records loadToReplace() const;
+
   // Replaces the whole content, atomically. Records without addresses are dropped; when none
   // remain the file goes. Throws FileError, and RecordError for text that is not valid UTF-8.
   void recordApplied(const Records& records) const;
@@ -56,6 +60,8 @@ class HighlightStore {
                                                       std::size_t size);
 
  private:
+  Records load(RecordFile::Unreadable unreadable) const;
+
   RecordFile file_;
 };
 

@@ -21,11 +21,14 @@ const JSONValue& requiredMember(const JSONValue& record, const std::string& key)
 
 }  // namespace
 
-bool RecordFile::load(const std::function<void(const JSONValue&)>& decode) const {
+bool RecordFile::load(const std::function<void(const JSONValue&)>& decode,
+                      Unreadable unreadable) const {
   std::string text;
   try {
     text = files_->read(url_, 0, limits.bytes + 1);
-  } catch (const std::system_error&) {
+  } catch (const FileError& error) {
+    const bool isThere = error.code() != std::errc::no_such_file_or_directory;
+    if (isThere && unreadable == Unreadable::isError) throw;
     return false;
   }
   try {

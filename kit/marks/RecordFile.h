@@ -28,10 +28,13 @@ class RecordFile {
 
   const std::filesystem::path& url() const { return url_; }
 
+  // What a file means that is there and cannot be read: none, or FileError.
+  enum class Unreadable { isNone, isError };
+
   // Hands the parsed document to `decode`, which throws RecordError when it is not what it should
-  // be; that or text that is no JSON is logged under "ERROR" and false. A file that cannot be read
+  // be; that or text that is no JSON is logged under "ERROR" and false. Where there is no file it
   // is false without a word. The file stays as it is.
-  bool load(const std::function<void(const JSONValue&)>& decode) const;
+  bool load(const std::function<void(const JSONValue&)>& decode, Unreadable unreadable) const;
 
   // Replaces the file; of an empty array removes it. Throws FileError, and RecordError for text
   // that is not valid UTF-8.

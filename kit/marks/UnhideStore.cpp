@@ -12,20 +12,24 @@ using BridgeShapes::Run;
 using Record = UnhideStore::Record;
 using Records = UnhideStore::Records;
 
-std::vector<Run> decodeRuns(const JSONValue& record, const std::string& key) {
+constexpr std::int64_t lastRow = 1048576, lastColumn = 16384;
+
+std::vector<Run> decodeRuns(const JSONValue& record, const std::string& key, std::int64_t last) {
   std::vector<Run> runs;
   for (const JSONValue& value : arrayMember(record, key)) {
     const JSONValue::Array& ends = arrayOf(value, "a run in \"" + key + "\"");
     if (ends.size() != 2) throw RecordError("a run in \"" + key + "\" has not two ends");
     const std::string what = "an end of a run in \"" + key + "\"";
     runs.push_back({integerOf(ends[0], what), integerOf(ends[1], what)});
+    if (runs.back()[0] < 1 || runs.back()[0] > runs.back()[1] || runs.back()[1] > last)
+      throw RecordError("a run in \"" + key + "\" is outside of every sheet");
   }
   return runs;
 }
 
 Record decodeRecord(const JSONValue& value) {
-  return {textMember(value, "book"), textMember(value, "sheet"), decodeRuns(value, "rows"),
-          decodeRuns(value, "cols")};
+  return {textMember(value, "book"), textMember(value, "sheet"), decodeRuns(value, "rows", lastRow),
+          decodeRuns(value, "cols", lastColumn)};
 }
 
 JSONValue encodeRuns(const std::vector<Run>& runs) {
@@ -58,13 +62,21 @@ UnhideStore::UnhideStore(std::filesystem::path url, FileSystem& files, DiagLog* 
     : file_(std::move(url), "unhidden.json", files, log) {}
 
 Records UnhideStore::load() const {
+  return load(RecordFile::Unreadable::isNone);
+}
+
+Records UnhideStore::loadToReplace() const {
+  return load(RecordFile::Unreadable::isError);
+}
+
+Records UnhideStore::load(RecordFile::Unreadable unreadable) const {
   Records records;
-  const bool loaded = file_.load([&records](const JSONValue& document) {
+  const auto decode = [&records](const JSONValue& document) {
     for (const JSONValue& value : arrayOf(document, "the top level")) {
       records.push_back(decodeRecord(value));
     }
-  });
-  return loaded ? records : Records();
+  };
+  return file_.load(decode, unreadable) ? records : Records();
 }
 
 void UnhideStore::record(const Records& records) const {

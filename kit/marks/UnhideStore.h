@@ -39,6 +39,10 @@ class UnhideStore {
   // and is reported to the log.
   Records load() const;
 
+  // The same for who is going to write back what it gives: throws FileError where a file is there
+  // that cannot be read, for what it holds would be lost.
+  Records loadToReplace() const;
+
   // Replaces the whole content, atomically. Empty records are dropped; when none remain the file
   // goes. Throws FileError, and RecordError for text that is not valid UTF-8.
   void record(const Records& records) const;
@@ -51,6 +55,8 @@ class UnhideStore {
   static Records merge(const Record& record, Records existing);
 
  private:
+  Records load(RecordFile::Unreadable unreadable) const;
+
   RecordFile file_;
 };
 

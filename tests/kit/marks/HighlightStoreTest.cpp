@@ -326,6 +326,30 @@ TEST_F(HighlightStoreTest, WritesThroughASymbolicLink) {
   EXPECT_EQ(store.load(), Records{});
 }
 
+TEST_F(HighlightStoreTest, DoesNotGiveWayToAFileThatCannotBeRead) {
+  EXPECT_EQ(store.loadToReplace(), Records{}) << "no file";
+  put(oneText);
+  EXPECT_EQ(store.loadToReplace(), one);
+  FaultyFileSystem unreadable;
+  unreadable.failEvery("read", EIO);
+  EXPECT_THROW(HighlightStore(file, unreadable, &log).loadToReplace(), FileError);
+  put("{}");
+  EXPECT_EQ(store.loadToReplace(), Records{});
+  EXPECT_NE(logged(), "");
+}
+
+TEST_F(HighlightStoreTest, KnowsTheRecordsOfANewerVersion) {
+  std::string newer = oneText;
+  newer.insert(newer.size() - 2, R"(,"since":{"version":[9,"x",null]})");
+  put(newer);
+  EXPECT_EQ(store.load(), one);
+  EXPECT_EQ(logged(), "");
+  put(R"({"version":9,"records":[]})");
+  EXPECT_EQ(store.load(), Records{});
+  EXPECT_NE(logged(), "");
+  EXPECT_TRUE(fs::exists(file)) << "it stays for who can read it";
+}
+
 TEST(HighlightStore, LivesBesideTheSettings) {
   auto platform = std::make_unique<Platform>();
   platform->folders = std::make_unique<XDGFolders>(Environment{{"XDG_DATA_HOME", "/data"}});

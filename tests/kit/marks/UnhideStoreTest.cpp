@@ -121,6 +121,14 @@ TEST_F(UnhideStoreTest, TakesAMalformedFileForEmptyAndKeepsIt) {
        "an end of a run in \"cols\" is not an integer"},
       {R"([{"book":"B","sheet":"S","rows":[[1,2.5]],"cols":[]}])",
        "an end of a run in \"rows\" is not an integer"},
+      {R"([{"book":"B","sheet":"S","rows":[[0,1]],"cols":[]}])",
+       "a run in \"rows\" is outside of every sheet"},
+      {R"([{"book":"B","sheet":"S","rows":[[1,1e15]],"cols":[]}])",
+       "a run in \"rows\" is outside of every sheet"},
+      {R"([{"book":"B","sheet":"S","rows":[],"cols":[[3,2]]}])",
+       "a run in \"cols\" is outside of every sheet"},
+      {R"([{"book":"B","sheet":"S","rows":[],"cols":[[1,16385]]}])",
+       "a run in \"cols\" is outside of every sheet"},
   };
   for (const auto& [text, why] : cases) {
     put(text);
@@ -168,6 +176,30 @@ TEST_F(UnhideStoreTest, ClearsWithoutAWord) {
 TEST_F(UnhideStoreTest, ThrowsForTextThatIsNotValidUTF8) {
   EXPECT_THROW(store.record({{"B", "\xFF", {{1, 1}}, {}}}), RecordError);
   EXPECT_FALSE(fs::exists(file));
+}
+
+TEST_F(UnhideStoreTest, DoesNotGiveWayToAFileThatCannotBeRead) {
+  EXPECT_EQ(store.loadToReplace(), Records{}) << "no file";
+  put(oneText);
+  EXPECT_EQ(store.loadToReplace(), one);
+  FaultyFileSystem unreadable;
+  unreadable.failEvery("read", EIO);
+  EXPECT_THROW(UnhideStore(file, unreadable, &log).loadToReplace(), FileError);
+  put("{}");
+  EXPECT_EQ(store.loadToReplace(), Records{});
+  EXPECT_NE(logged(), "");
+}
+
+TEST_F(UnhideStoreTest, KnowsTheRecordsOfANewerVersion) {
+  std::string newer = oneText;
+  newer.insert(newer.size() - 2, R"(,"since":{"version":[9,"x",null]})");
+  put(newer);
+  EXPECT_EQ(store.load(), one);
+  EXPECT_EQ(logged(), "");
+  put(R"({"version":9,"records":[]})");
+  EXPECT_EQ(store.load(), Records{});
+  EXPECT_NE(logged(), "");
+  EXPECT_TRUE(fs::exists(file)) << "it stays for who can read it";
 }
 
 TEST(UnhideStore, LivesBesideTheSettings) {
