@@ -36,6 +36,12 @@ class FaultyFileSystem : public FileSystem {
     };
   }
 
+  // Every step is told, before it is taken.
+  void tellAll(std::function<void(const std::string& name, const std::filesystem::path&)> hear) {
+    fault_ = [hear = std::move(hear)](std::size_t, const std::string& name,
+                                      const std::filesystem::path& path) { hear(name, path); };
+  }
+
   // The names of the steps so far.
   const std::vector<std::string>& steps() const { return steps_; }
 

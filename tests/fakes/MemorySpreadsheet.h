@@ -37,6 +37,11 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   void open(const WorkbookDescription& description);  // the newest becomes the active workbook
   void close(const std::string& book);
   void setCell(const host::SheetRef& sheet, const CellDescription& cell);
+  // What the user does: it can be undone, and the workbook counts as changed.
+  void userEnters(const host::SheetRef& sheet, const CellDescription& cell);
+  bool userUndoes(const std::string& book);  // false when there is nothing to undo
+  void userSaves(const std::string& book);
+  bool isModified(const std::string& book) const;
   void answer(const std::string& expression, host::Evaluation result);  // the table's first say
   // What dependents() gives for a range, in place of what the formulas tell.
   void setDependents(const host::RangeRef& range, std::optional<host::RangeRef> dependents);

@@ -116,6 +116,7 @@ void MemorySpreadsheet::setConditionPriority(const SheetRef& sheet, const std::s
                                              int priority) {
   enter("setConditionPriority", described(sheet) + id);
   if (priority < 1) throw SpreadsheetError(-50, "A priority is 1 or more.");
+  bookOf(sheet.book).undoable = 0;  // as in Excel
   sheetOf(sheet).putCondition(id, static_cast<std::size_t>(priority - 1));
 }
 

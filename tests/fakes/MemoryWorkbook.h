@@ -56,6 +56,8 @@ struct MemoryBook {
   std::vector<NameDescription> names;
   std::size_t activeSheet = 0;
   bool scratch = false;  // made by the program's caller
+  int undoable = 0;      // changes of the user's that can be undone
+  bool modified = false;
 };
 
 std::string described(const host::SheetRef& sheet);  // "[Known.xlsx]Data!"
