@@ -188,6 +188,13 @@ std::optional<Area> intersection(const Area& a, const Area& b) {
   return common;
 }
 
+bool touch(const std::vector<Area>& a, const std::vector<Area>& b) {
+  return std::any_of(a.begin(), a.end(), [&](const Area& one) {
+    return std::any_of(b.begin(), b.end(),
+                       [&](const Area& other) { return intersection(one, other).has_value(); });
+  });
+}
+
 std::vector<Area> without(const std::vector<Area>& areas, const Area& hole) {
   std::vector<Area> left;
   const auto keep = [&left](const Area& part) {

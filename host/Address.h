@@ -48,6 +48,7 @@ int rowCount(const Area& area);
 int columnCount(const Area& area);
 long long cellCount(const std::vector<Area>& areas);  // overlapping cells count each time
 std::optional<Area> intersection(const Area& a, const Area& b);
+bool touch(const std::vector<Area>& a, const std::vector<Area>& b);  // have a cell in common
 // What is left of `areas` when the cells of `hole` are taken out.
 std::vector<Area> without(const std::vector<Area>& areas, const Area& hole);
 

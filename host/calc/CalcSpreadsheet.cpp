@@ -3,6 +3,7 @@
 #include <com/sun/star/lang/DisposedException.hpp>
 
 #include "host/calc/CalcCells.h"
+#include "host/calc/CalcConditions.h"
 #include "host/calc/CalcLines.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcNames.h"
@@ -285,6 +286,38 @@ std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {
   return call([&](CalcSession& office) {
     return findVisibleCells(office.workbook(range.sheet.book), range);
   });
+}
+
+std::vector<FormatCondition> CalcSpreadsheet::formatConditions(const RangeRef& range) {
+  return call([&](CalcSession& office) {
+    return listConditions(office.workbook(range.sheet.book), range);
+  });
+}
+
+std::string CalcSpreadsheet::addFormatCondition(const RangeRef& range, const std::string& formula) {
+  return call([&](CalcSession& office) {
+    return addMark(office.workbook(range.sheet.book), range, formula);
+  });
+}
+
+void CalcSpreadsheet::setConditionFill(const SheetRef& sheet, const std::string& id,
+                                       const std::optional<Color>& fill) {
+  call([&](CalcSession& office) { fillMark(office.workbook(sheet.book), sheet, id, fill); });
+}
+
+void CalcSpreadsheet::setConditionPriority(const SheetRef& sheet, const std::string& id,
+                                           int priority) {
+  call([&](CalcSession& office) {
+    checkPriority(office.workbook(sheet.book), sheet, id, priority);
+  });
+}
+
+void CalcSpreadsheet::setConditionRange(const RangeRef& range, const std::string& id) {
+  call([&](CalcSession& office) { moveMark(office.workbook(range.sheet.book), range, id); });
+}
+
+void CalcSpreadsheet::deleteCondition(const RangeRef& range, const std::string& id) {
+  call([&](CalcSession& office) { eraseMark(office.workbook(range.sheet.book), range, id); });
 }
 
 std::string CalcSpreadsheet::makeWorkbook() {

@@ -63,6 +63,13 @@ class CalcSpreadsheet : public Spreadsheet {
   std::optional<bool> hidden(const RangeRef& range, Lines lines) override;
   void setHidden(const RangeRef& range, Lines lines, bool hide) override;
   std::optional<RangeRef> visibleCells(const RangeRef& range) override;
+  std::vector<FormatCondition> formatConditions(const RangeRef& range) override;
+  std::string addFormatCondition(const RangeRef& range, const std::string& formula) override;
+  void setConditionFill(const SheetRef& sheet, const std::string& id,
+                        const std::optional<Color>& fill) override;
+  void setConditionPriority(const SheetRef& sheet, const std::string& id, int priority) override;
+  void setConditionRange(const RangeRef& range, const std::string& id) override;
+  void deleteCondition(const RangeRef& range, const std::string& id) override;
   std::string makeWorkbook() override;
   void setFormula(const RangeRef& cell, const std::string& formula) override;
   void closeWorkbook(const std::string& book) override;

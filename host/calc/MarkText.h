@@ -12,6 +12,9 @@
 
 namespace quorin::host::calc {
 
+// The formula of every mark: always true, and free of names that a language could change.
+inline constexpr std::string_view markFormula = "=\"QXZ\"=\"QXZ\"";
+
 // A format condition of our own, as it is drawn over the cells.
 struct Mark {
   std::string formula;        // with its "="

@@ -1,5 +1,6 @@
 // The contract of the port, on a real office.
 #include "tests/calc/CalcFixture.h"
+#include "tests/host/ConditionsContract.h"
 #include "tests/host/LinesContract.h"
 #include "tests/host/ScratchContract.h"
 
@@ -8,7 +9,8 @@ namespace {
 
 class InCalc : public OpenSpreadsheet {
  public:
-  InCalc() : book_(host::calc::SharedOffice::open(knownWorkbook())) {}
+  explicit InCalc(const WorkbookDescription& workbook)
+      : book_(host::calc::SharedOffice::open(workbook)) {}
   host::Spreadsheet& spreadsheet() override { return host::calc::SharedOffice::spreadsheet(); }
   std::string book() override { return book_; }
 
@@ -17,11 +19,16 @@ class InCalc : public OpenSpreadsheet {
 };
 
 std::unique_ptr<OpenSpreadsheet> openInCalc() {
-  return std::make_unique<InCalc>();
+  return std::make_unique<InCalc>(knownWorkbook());
+}
+
+std::unique_ptr<OpenSpreadsheet> openRulesInCalc() {
+  return std::make_unique<InCalc>(ruledWorkbook());
 }
 
 INSTANTIATE_TEST_SUITE_P(Calc, SpreadsheetContract, ::testing::Values(&openInCalc));
 INSTANTIATE_TEST_SUITE_P(Calc, LinesContract, ::testing::Values(&openInCalc));
+INSTANTIATE_TEST_SUITE_P(Calc, ConditionsContract, ::testing::Values(&openRulesInCalc));
 INSTANTIATE_TEST_SUITE_P(Calc, ScratchContract, ::testing::Values(&openInCalc));
 
 }  // namespace

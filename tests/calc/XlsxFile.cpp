@@ -1,5 +1,6 @@
 #include "tests/calc/XlsxFile.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <sstream>
@@ -90,6 +91,22 @@ std::string cellText(const CellDescription& cell) {
   return "<c r=\"" + address + "\"" + value.type + ">" + formulaText(cell) + value.content + "</c>";
 }
 
+// The rules' look is the first of the differential formats that stylesText() has.
+std::string rulesText(const SheetDescription& sheet) {
+  std::string text;
+  int priority = 0;
+  for (const ConditionDescription& rule : sheet.conditions) {
+    std::string addresses = rule.addresses;
+    std::replace(addresses.begin(), addresses.end(), ',', ' ');
+    const bool compares = rule.kind == host::ConditionKind::cellValue;
+    text += "<conditionalFormatting sqref=\"" + addresses + "\"><cfRule type=\"" +
+            (compares ? "cellIs\" operator=\"greaterThan" : "expression") +
+            "\" dxfId=\"0\" priority=\"" + std::to_string(++priority) + "\"><formula>" +
+            escaped(rule.formula.substr(1)) + "</formula></cfRule></conditionalFormatting>";
+  }
+  return text;
+}
+
 std::string sheetText(const SheetDescription& sheet) {
   std::map<int, std::map<int, const CellDescription*>> rows;
   for (const CellDescription& cell : sheet.cells) {
@@ -102,7 +119,21 @@ std::string sheetText(const SheetDescription& sheet) {
     for (const auto& [column, cell] : cells) text += cellText(*cell);
     text += "</row>";
   }
-  return text + "</sheetData></worksheet>";
+  return text + "</sheetData>" + rulesText(sheet) + "</worksheet>";
+}
+
+constexpr const char* stylesType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml";
+
+// Plain cells, and one differential format: a light green fill.
+std::string stylesText() {
+  return std::string(header) + "<styleSheet " + mainNamespace +
+         "><fonts count=\"1\"><font><sz val=\"11\"/><name val=\"Calibri\"/></font></fonts>"
+         "<fills count=\"2\"><fill><patternFill patternType=\"none\"/></fill><fill><patternFill "
+         "patternType=\"gray125\"/></fill></fills><borders count=\"1\"><border/></borders>"
+         "<cellStyleXfs count=\"1\"><xf/></cellStyleXfs><cellXfs count=\"1\"><xf/></cellXfs>"
+         "<dxfs count=\"1\"><dxf><fill><patternFill><bgColor rgb=\"FFCCFFCC\"/></patternFill>"
+         "</fill></dxf></dxfs></styleSheet>";
 }
 
 class Archive {
@@ -154,6 +185,16 @@ void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path&
       names += "<definedName name=\"" + escaped(name.name) + "\" localSheetId=\"" +
                std::to_string(i) + "\">" + escaped(name.refersTo.substr(1)) + "</definedName>";
     }
+  }
+  const bool ruled =
+      std::any_of(workbook.sheets.begin(), workbook.sheets.end(),
+                  [](const SheetDescription& sheet) { return !sheet.conditions.empty(); });
+  if (ruled) {
+    relations += std::string("<Relationship Id=\"rIdStyles\" Type=\"") + documentRelations +
+                 "/styles\" Target=\"styles.xml\"/>";
+    types +=
+        std::string("<Override PartName=\"/xl/styles.xml\" ContentType=\"") + stylesType + "\"/>";
+    archive.add("xl/styles.xml", stylesText());
   }
   for (const NameDescription& name : workbook.names) {
     if (!name.sheet.empty()) continue;
