@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(Groups, CalcHandlers,
                                                cellRequests,
                                                {{R"j(qx_dependents ["B3"])j", R"j("$B$4,$C$3")j"}}},
                                          Group{"Ranges", rangeRequests}, Group{"Map", mapRequests},
-                                         Group{"Deep", deepRequests},
+                                         Group{"Deep", deepRequests}, Group{"Marks", markRequests},
                                          Group{"Reveal", revealRequests}),
                          [](const testing::TestParamInfo<Group>& group) {
                            return group.param.name;
