@@ -103,7 +103,8 @@ const explorer = new Explorer({
     evaluate: (expression) => client.ask('evaluate', expression),
     readRange: (address) => client.ask('readRange', address),
     deepEval: (plan) => client.ask('deepEval', plan),
-    readFormulas: (address, style) => ask('readFormulas', address, style),
+    readFormulas: (address, style, formulasOnly = false) =>
+      ask('readFormulas', address, style, formulasOnly),
     dependents: (address) => ask('dependents', address),
     workbookMap: () => ask('workbookMap'),
     select: (addresses) => ask('select', addresses),

@@ -1,9 +1,10 @@
 import { createMemo, For, onMount, Show, type JSX } from 'solid-js';
 
 import { oneLine, visibleText } from '../core/format/visible';
+import type { PlaceRow } from '../core/workbook/PlaceList';
 import type { PlaceView } from '../core/workbook/PlaceView';
 import { createRows, rowHeight } from './createRows';
-import { WarningIcon } from './icons';
+import { ChevronIcon, WarningIcon } from './icons';
 import type { Page } from './page';
 
 export type PlaceListViewProps = {
@@ -30,6 +31,10 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
   const failed = () => {
     const now = state();
     return now.status === 'failed' ? now.reason || 'The spreadsheet refused.' : '';
+  };
+  const note = () => {
+    const now = state();
+    return now.status === 'known' ? now.note : '';
   };
   const isEmpty = () => state().status === 'known' && items().length === 0;
   let element: HTMLDivElement | undefined;
@@ -74,7 +79,9 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
         >
           <For each={shown()}>
             {(index) => {
-              const row = () => items()[index];
+              const row = () => items()[index]?.row;
+              const level = () => items()[index]?.level ?? 1;
+              const isOpen = (one: PlaceRow) => props.page.look(() => props.list.isOpen(one));
               return (
                 <Show when={row()}>
                   {(one) => (
@@ -82,13 +89,14 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
                       role="treeitem"
                       id={`place-${String(index)}`}
                       class="row"
-                      classList={{ active: active() === index, group: one().level === 1 }}
+                      classList={{ active: active() === index, group: level() === 1 }}
                       data-testid="place"
-                      aria-level={one().level}
+                      aria-level={level()}
+                      aria-expanded={one().inner ? isOpen(one()) : undefined}
                       aria-selected={active() === index}
                       style={{
                         transform: `translateY(${String(index * rowHeight)}px)`,
-                        '--level': String(one().level - 1),
+                        '--level': String(level() - 1),
                       }}
                       onClick={() => props.page.explorer.choose(index)}
                       onDblClick={() => {
@@ -96,6 +104,19 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
                         if (place) void props.page.explorer.visitPlace(place);
                       }}
                     >
+                      <span
+                        class="twisty"
+                        classList={{ open: isOpen(one()), none: !one().inner }}
+                        aria-hidden="true"
+                        onClick={(event) => {
+                          event.stopPropagation();
+                          props.page.explorer.toggleRow(index);
+                        }}
+                      >
+                        <Show when={one().inner}>
+                          <ChevronIcon />
+                        </Show>
+                      </span>
                       <bdi class="rowText" classList={{ lead: one().place !== undefined }}>
                         {oneLine(one().text)}
                       </bdi>
@@ -118,7 +139,9 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
           </For>
         </div>
       </div>
-      <p class="note padded">{props.missing}</p>
+      <p class="note padded" data-testid="list-note">
+        {[note(), props.missing].filter(Boolean).join(' ')}
+      </p>
     </section>
   );
 }

@@ -6,6 +6,9 @@ import type { Item } from '../core/outline/Item';
 import type { Page } from './page';
 import { ValueText } from './ValueText';
 
+/** A longer value is told by its copy alone. */
+const exactLimit = 1_000;
+
 /** The value at the end of a row, or why there is none. Its room is kept while it is awaited. */
 export function RowValue(props: { page: Page; item: Item; unused: boolean }): JSX.Element {
   const state = () => props.page.look(({ evaluator }) => evaluator.stateOf(props.item));
@@ -25,7 +28,12 @@ export function RowValue(props: { page: Page; item: Item; unused: boolean }): JS
       <Switch>
         <Match when={view()}>
           {(known) => (
-            <span class={`is-${known().type.toLowerCase()}`} title={known().type}>
+            <span
+              class={`is-${known().type.toLowerCase()}`}
+              title={known().type}
+              data-type={known().type}
+              data-exact={known().copy.length <= exactLimit ? known().copy : undefined}
+            >
               <ValueText view={known()} />
             </span>
           )}

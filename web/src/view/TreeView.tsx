@@ -98,6 +98,7 @@ function TreeRow(props: TreeRowProps): JSX.Element {
       class="row"
       classList={{ active: props.active, unused: unused() }}
       data-testid="row"
+      data-span={`${String(props.item.node.start)}:${String(props.item.node.end)}`}
       aria-level={props.item.level}
       aria-setsize={siblings().length}
       aria-posinset={siblings().indexOf(props.item) + 1}

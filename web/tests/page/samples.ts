@@ -31,6 +31,9 @@ export const error = (text: string) => success({ ok: false, kind: 'excelError', 
 export const range = (values: unknown[][]) =>
   success({ rows: values.length, cols: values[0]?.length ?? 0, values });
 
+export const formulas = (given: string[][]) =>
+  success({ rows: given.length, cols: given[0]?.length ?? 0, formulas: given, values: [] });
+
 export const ready = (more: Record<string, unknown> = {}): Record<string, Answer> => ({
   probe: probe('ok'),
   readCell: cell(more),
@@ -66,7 +69,14 @@ export const model: Record<string, Answer> = {
     values: [[4_000]],
   }),
   "readFormulas 'Cash flow'!B4": success({ rows: 1, cols: 1, formulas: [['']], values: [[12]] }),
-  "dependents 'Cash flow'!F12": success("$G$12,$D$20:$F$31,'Summary'!$B$4"),
+  "dependents 'Cash flow'!F12": success("$G$12:$H$12,$D$20:$F$31,'Summary'!$B$4"),
+  "readFormulas 'Cash flow'!G12:H12": formulas([['=RC[-1]*(1+R2C2)', '=RC[-1]*(1+R2C2)']]),
+  "readFormulas 'Cash flow'!D20:F31": formulas(
+    Array.from({ length: 12 }, (_, i) =>
+      i === 5 ? ['=R12C6*RC2', '=1200', '=R12C6*RC2'] : Array<string>(3).fill('=R12C6*RC2'),
+    ),
+  ),
+  "readFormulas 'Summary'!B4": formulas([["=SUM('Cash flow'!R12)"]]),
   workbookMap: success({
     book: 'Solar park.xlsx',
     sheets: [

@@ -117,7 +117,10 @@ export const scenes: Record<string, Scene> = {
     state: 'ready',
     then: async (panel) => {
       await panel.page.getByTestId('tab-deps').click();
-      await panel.page.getByTestId('place').first().waitFor();
+      await panel.page.getByText('and 3 more areas').waitFor();
+      for (const key of ['ArrowDown', 'ArrowDown', 'ArrowRight']) {
+        await panel.page.keyboard.press(key);
+      }
     },
   },
   noDependents: {

@@ -173,10 +173,13 @@ export class Evaluator implements Source {
         return [item];
       case 'no':
         return [];
-      case 'open':
-        return deciders(item, this.resultOf).filter(
-          (decider) => this.stateOf(decider).status === 'waiting',
-        );
+      case 'open': {
+        const status = (decider: Item) => this.stateOf(decider).status;
+        const open = deciders(item, this.resultOf);
+        const waits = open.some((decider) => ['waiting', 'asking'].includes(status(decider)));
+        // What decides cannot be had, or only when the user wants it: the part is shown all the same.
+        return waits ? open.filter((decider) => status(decider) === 'waiting') : [item];
+      }
     }
   }
 

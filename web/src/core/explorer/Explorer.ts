@@ -14,7 +14,7 @@ import { Lists } from '../workbook/Lists';
 import type { Place } from '../workbook/places';
 import type { PlaceView } from '../workbook/PlaceView';
 import { qualified } from '../address/area';
-import { destinationOf } from './destination';
+import { destinationOf, placesOfRow } from './destination';
 import { nextFinding } from './findings';
 import { leadOf } from './lead';
 import type { ExplorerPorts } from './ports';
@@ -133,6 +133,11 @@ export class Explorer {
   choose(index: number): void {
     this.list?.activate(index);
     this.follow();
+    this.ports.changed();
+  }
+
+  toggleRow(index: number): void {
+    this.list?.toggle(index);
     this.ports.changed();
   }
 
@@ -260,12 +265,7 @@ export class Explorer {
 
   destination() {
     const { here, list } = this;
-    const place = list?.active?.place;
-    if (list) {
-      const sheet = place?.sheet ?? here?.place.sheet;
-      if (!place || sheet === undefined) return undefined;
-      return { label: `${sheet}!${place.address}`, addresses: [qualified(sheet, place.address)] };
-    }
+    if (list) return list.active && placesOfRow(list.active, here?.place.sheet);
     return here?.tree && destinationOf(here.tree.active, homeOf(here));
   }
 

@@ -9,6 +9,7 @@ import type { Destination } from '../follow/SheetFollower';
 import { count } from '../format/words';
 import { walk } from '../formula/syntax';
 import type { Item } from '../outline/Item';
+import type { PlaceRow } from '../workbook/PlaceList';
 
 /** The cells that the item names, or that its parts name; nothing where there are none. */
 export function destinationOf(item: Item, home: Home): Destination | undefined {
@@ -27,4 +28,14 @@ export function destinationOf(item: Item, home: Home): Destination | undefined {
   if (addresses.size === 0) return undefined;
   if (addresses.size > 1) label = count(addresses.size, 'area');
   return { label, addresses: [...addresses] };
+}
+
+/** The cells that a row of a list stands for; those without a sheet are on `sheet`. */
+export function placesOfRow(row: PlaceRow, sheet: string | undefined): Destination | undefined {
+  const places = row.places ?? (row.place ? [row.place] : []);
+  const [first] = places;
+  const own = first?.sheet ?? sheet;
+  if (!first || own === undefined) return undefined;
+  const label = places.length > 1 ? count(places.length, 'area') : `${own}!${first.address}`;
+  return { label, addresses: places.map(({ address }) => qualified(own, address)) };
 }

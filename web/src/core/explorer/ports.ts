@@ -3,13 +3,11 @@
 import type { EvaluationQuestions } from '../evaluation/Asker';
 import type { SheetFollower } from '../follow/SheetFollower';
 import type { Outcome } from '../protocol/Outcome';
-import type { RangeFormulas } from '../protocol/verbs';
 import type { Clock } from '../time/Clock';
 import type { ListQuestions } from '../workbook/Lists';
 
 export type ExplorerQuestions = EvaluationQuestions &
   ListQuestions & {
-    readFormulas(address: string, style: 'a1'): Promise<Outcome<RangeFormulas>>;
     select(addresses: readonly string[]): Promise<Outcome<{ areas: number }>>;
   };
 

@@ -3,6 +3,7 @@
 
 import { argumentName } from '../formula/functions';
 import { children, plainName, type Node, type NodeOf } from '../formula/syntax';
+import { firstCall } from './firstCall';
 import { callOf, lambdaCalled, scopeInLambda, scopeInLet, type Scope } from '../evaluation/Scope';
 
 export type Item = {
@@ -38,7 +39,14 @@ const operatorWords: Record<string, string> = {
   ' ': 'crossing',
 };
 
-type Part = { node: Node; role: string; scope: Scope | undefined; argument?: number };
+type Part = {
+  node: Node;
+  role: string;
+  scope: Scope | undefined;
+  argument?: number;
+  /** What a LAMBDA is given by the function that calls it, the first time. */
+  given?: readonly Node[];
+};
 
 function bare(node: Node): Node {
   let at = node;
@@ -66,14 +74,19 @@ function chainOf(node: NodeOf<'binary'>, scope: Scope | undefined): Part[] {
   return parts.reverse().filter((part) => !isRead(part.node));
 }
 
-function partsOfCall(node: NodeOf<'call'>, scope: Scope | undefined): Part[] {
+function partsOfLambda({ node, scope, given }: Part & { node: NodeOf<'call'> }): Part[] {
+  const body = node.args.at(-1);
+  if (!body) return [];
+  const inner = scopeInLambda(node.args, scope, given && { args: given, scope });
+  return [{ node: body, role: given ? 'gives first' : 'gives', scope: inner }];
+}
+
+function partsOfCall(part: Part & { node: NodeOf<'call'> }): Part[] {
+  const { node, scope } = part;
   const { args } = node;
   const name = plainName(node.name);
   if (callOf(node, 'LET')) return partsOfLet(args, scope);
-  if (callOf(node, 'LAMBDA')) {
-    const body = args.at(-1);
-    return body ? [{ node: body, role: 'gives', scope: scopeInLambda(args, scope) }] : [];
-  }
+  if (callOf(node, 'LAMBDA')) return partsOfLambda(part);
   const parts = args.map((node, i): Part => ({
     node,
     role: argumentName(name, i),
@@ -83,6 +96,9 @@ function partsOfCall(node: NodeOf<'call'>, scope: Scope | undefined): Part[] {
   if (name === 'SWITCH' && args.length > 2 && args.length % 2 === 0) {
     parts.splice(-1, 1, { ...(parts.at(-1) as Part), role: 'else' });
   }
+  const given = firstCall(node);
+  const last = parts.at(-1);
+  if (given && last && callOf(last.node, 'LAMBDA')) Object.assign(last, { given, role: 'each' });
   const run = lambdaCalled(node, scope);
   if (run) parts.push(bodyOf(run, args, scope));
   return parts.filter((part) => part.node.kind !== 'missing');
@@ -112,12 +128,13 @@ function bodyOf(
   return { node: run.lambda.args.at(-1) as Node, role: 'gives', scope: inner };
 }
 
-function partsOf(node: Node, scope: Scope | undefined): Part[] {
+function partsOf(part: Part): Part[] {
+  const { node, scope } = part;
   switch (node.kind) {
     case 'binary':
       return node.operator === ':' ? [] : chainOf(node, scope);
     case 'call':
-      return partsOfCall(node, scope);
+      return partsOfCall({ ...part, node });
     case 'apply': {
       const run = lambdaCalled(node, scope);
       const parts = node.args.map((arg): Part => ({ node: arg, role: '', scope }));
@@ -146,7 +163,7 @@ export function outlineOf(root: Node): Outline {
     const runs =
       (node.kind === 'call' || node.kind === 'apply') && lambdaCalled(node, scope) ? 1 : 0;
     if (lambdas + runs > lambdaLevels) return item;
-    for (const child of partsOf(node, scope)) {
+    for (const child of partsOf({ ...part, node })) {
       item.children.push(add(child, item, lambdas + runs));
     }
     return item;

@@ -1,4 +1,5 @@
-// One of the lists as the page shows it: asked for when it is looked at, with a row that is active.
+// One of the lists as the page shows it: asked for when it is looked at, with rows that open and
+// close and one of them that is active.
 
 import type { Move } from '../outline/TreeModel';
 import type { Outcome } from '../protocol/Outcome';
@@ -6,13 +7,21 @@ import type { PlaceRow } from './PlaceList';
 
 export type PlaceState =
   | { status: 'empty' | 'asking' }
-  | { status: 'known'; rows: readonly PlaceRow[] }
+  /** `note`: what the list leaves out; empty for nothing. */
+  | { status: 'known'; note: string }
   | { status: 'failed'; reason: string };
 
+export type ShownRow = { row: PlaceRow; level: number };
+
+const empty: PlaceState = { status: 'empty' };
+
 export class PlaceView {
-  private held: PlaceState = { status: 'empty' };
+  private held: PlaceState = empty;
   private key = '';
   private index = 0;
+  private top: readonly PlaceRow[] = [];
+  private shown: readonly ShownRow[] = [];
+  private readonly open = new Map<PlaceRow, readonly PlaceRow[]>();
 
   constructor(private readonly changed: () => void) {}
 
@@ -20,8 +29,8 @@ export class PlaceView {
     return this.held;
   }
 
-  get rows(): readonly PlaceRow[] {
-    return this.held.status === 'known' ? this.held.rows : [];
+  get rows(): readonly ShownRow[] {
+    return this.shown;
   }
 
   get activeIndex(): number {
@@ -29,62 +38,121 @@ export class PlaceView {
   }
 
   get active(): PlaceRow | undefined {
-    return this.rows[this.index];
+    return this.shown[this.index]?.row;
   }
 
-  /** Asks, unless what `key` stands for is known or being asked already. */
-  load<T>(key: string, ask: () => Promise<Outcome<T>>, rowsOf: (value: T) => PlaceRow[]): void {
-    if (key === this.key) return;
+  isOpen(row: PlaceRow): boolean {
+    return this.open.has(row);
+  }
+
+  /**
+   * Asks, unless what `key` stands for is known or being asked already. Gives what was answered,
+   * as long as that is still wanted.
+   */
+  async load<T>(
+    key: string,
+    ask: () => Promise<Outcome<T>>,
+    rowsOf: (value: T) => readonly PlaceRow[],
+  ): Promise<T | undefined> {
+    if (key === this.key) return undefined;
+    this.forget();
     this.key = key;
     this.held = { status: 'asking' };
-    this.index = 0;
-    void ask().then((outcome) => {
-      if (key !== this.key) return;
-      this.held = outcome.ok
-        ? { status: 'known', rows: rowsOf(outcome.value) }
-        : { status: 'failed', reason: outcome.failure.message };
-      this.changed();
-    });
+    const outcome = await ask();
+    if (key !== this.key) return undefined;
+    if (outcome.ok) this.lay(rowsOf(outcome.value), '');
+    else this.held = { status: 'failed', reason: outcome.failure.message };
+    this.changed();
+    return outcome.ok ? outcome.value : undefined;
+  }
+
+  /** Whether the list is still that of `key`. */
+  isOf(key: string): boolean {
+    return key === this.key;
+  }
+
+  /** More is known of the same places now; the active place stays. */
+  refine(key: string, rows: readonly PlaceRow[], note: string): void {
+    if (key !== this.key) return;
+    const first = this.active?.place?.first;
+    this.lay(rows, note);
+    const again = this.shown.findIndex(({ row }) => row.place && row.place.first === first);
+    this.activate(Math.max(0, again));
+    this.changed();
   }
 
   forget(): void {
     this.key = '';
-    this.held = { status: 'empty' };
+    this.lay([], '');
+    this.held = empty;
     this.index = 0;
   }
 
   activate(index: number): void {
-    this.index = Math.max(0, Math.min(index, this.rows.length - 1));
+    this.index = Math.max(0, Math.min(index, this.shown.length - 1));
+  }
+
+  toggle(index: number): void {
+    const row = this.shown[index]?.row;
+    if (!row?.inner) return;
+    if (!this.open.delete(row)) this.open.set(row, row.inner());
+    const { active } = this;
+    this.shown = this.flat(this.top, 1);
+    const again = this.shown.findIndex((one) => one.row === active);
+    this.activate(again >= 0 ? again : index);
   }
 
   move(how: Move, page: number): void {
+    const { active, index } = this;
+    const isOpen = active !== undefined && this.open.has(active);
+    const toggles = how === 'in' ? active?.inner !== undefined && !isOpen : how === 'out' && isOpen;
+    if (toggles) {
+      this.toggle(index);
+      return;
+    }
     const to: Record<Move, number> = {
-      up: this.index - 1,
-      down: this.index + 1,
-      pageUp: this.index - page,
-      pageDown: this.index + page,
+      up: index - 1,
+      down: index + 1,
+      pageUp: index - page,
+      pageDown: index + page,
       first: 0,
-      last: this.rows.length - 1,
-      in: this.index + 1,
-      out: this.parentOf(this.index),
+      last: this.shown.length - 1,
+      in: isOpen ? index + 1 : index,
+      out: this.parentOf(index),
     };
     this.activate(to[how]);
   }
 
   /** The next row with a tag. */
   find(direction: 1 | -1): void {
-    const total = this.rows.length;
+    const total = this.shown.length;
     for (let i = 1; i <= total; i++) {
       const at = (this.index + direction * i + total * 2) % total;
-      if (this.rows[at]?.tag) {
+      if (this.shown[at]?.row.tag) {
         this.activate(at);
         return;
       }
     }
   }
 
+  private lay(rows: readonly PlaceRow[], note: string): void {
+    this.top = rows;
+    this.open.clear();
+    for (const row of rows) if (row.open && row.inner) this.open.set(row, row.inner());
+    this.shown = this.flat(rows, 1);
+    this.held = { status: 'known', note };
+  }
+
+  private flat(rows: readonly PlaceRow[], level: number): ShownRow[] {
+    return rows.flatMap((row) => {
+      const inner = this.open.get(row);
+      return inner ? [{ row, level }, ...this.flat(inner, level + 1)] : [{ row, level }];
+    });
+  }
+
   private parentOf(index: number): number {
-    for (let at = index - 1; at >= 0; at--) if (this.rows[at]?.level === 1) return at;
+    const level = this.shown[index]?.level ?? 1;
+    for (let at = index - 1; at >= 0; at--) if ((this.shown[at]?.level ?? 1) < level) return at;
     return index;
   }
 }

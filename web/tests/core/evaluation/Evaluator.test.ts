@@ -104,6 +104,14 @@ describe('branches', () => {
     expect(bench.workbook.asked).not.toContain("readRange 'Summary'!D1");
   });
 
+  test('of which nobody can tell whether they are taken are shown all the same', async () => {
+    bench.workbook.expressions = { "SUM('Summary'!C1,1)": 9 };
+    await bench.run('=IF(RAND()>0.5,SUM(C1,1),7)');
+    expect(bench.of('RAND()>0.5')).toBe('refused: Changes every calculation.');
+    expect(bench.of('SUM(C1,1)')).toBe(9);
+    expect(bench.of('7')).toBe(7);
+  });
+
   test('until the user opens them', async () => {
     bench.workbook.expressions = { "'Summary'!B4>0": true, "SUM('Summary'!D1,2)": 2 };
     await bench.run(formula);
@@ -306,9 +314,30 @@ describe('names of LET and LAMBDA', () => {
   });
 
   test('that no call gives a value depend on it', async () => {
-    await bench.run('=SUM(MAP(A1:A3,LAMBDA(x,x*2)))');
+    await bench.run('=SUM(A1,LAMBDA(x,x*2))');
     expect(bench.of('x*2')).toBe('refused: Depends on the call that gives “x” its value.');
     expect(bench.of('LAMBDA(x,x*2)')).toBe('function');
+  });
+
+  test.each([
+    ['=MAP(A1:A3,LAMBDA(x,x*2))', 'x*2', "'Summary'!A1*2"],
+    ['=MAP(A1:A3,B1:B3,LAMBDA(x,y,x*y))', 'x*y', "'Summary'!A1*'Summary'!B1"],
+    ['=MAP(ABS(A1:A3),LAMBDA(x,x*2))', 'x*2', "INDEX(ABS('Summary'!A1:A3),1,1)*2"],
+    ['=BYROW(A1:C3,LAMBDA(r,SUM(r)))', 'SUM(r)', "SUM('Summary'!A1:C1)"],
+    ['=BYCOL(Data!A1:C3,LAMBDA(c,SUM(c)))', 'SUM(c)', 'SUM(Data!A1:A3)'],
+    ['=REDUCE(7,A1:A3,LAMBDA(a,x,a+x))', 'a+x', "7+'Summary'!A1"],
+    ['=SCAN(B9,A1:A3,LAMBDA(a,x,a+x))', 'a+x', "'Summary'!B9+'Summary'!A1"],
+    ['=MAKEARRAY(4,5,LAMBDA(r,c,r+c*2))', 'r+c*2', '1+1*2'],
+    ['=LET(k,2,MAP(A1:A3,LAMBDA(x,x*k)))', 'x*k', "'Summary'!A1*2"],
+  ])('parameters have the values of the first call: %s', async (formula, part, question) => {
+    bench.workbook.expressions = { [question]: 42 };
+    await bench.run(formula);
+    expect(bench.of(part)).toBe(42);
+  });
+
+  test('of REDUCE without a first value have none', async () => {
+    await bench.run('=REDUCE(,A1:A3,LAMBDA(a,x,a+1))');
+    expect(bench.of('a+1')).toBe('refused: Depends on the call that gives “a” its value.');
   });
 });
 

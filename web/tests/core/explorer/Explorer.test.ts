@@ -11,6 +11,7 @@ import { settled } from '../evaluation/bench';
 
 class Desk extends FakeWorkbook {
   formulas: Record<string, [formula: string, value: number]> = {};
+  areas = '$G$12';
 
   readFormulas(address: string) {
     this.asked.push(`readFormulas ${address}`);
@@ -21,7 +22,7 @@ class Desk extends FakeWorkbook {
   }
   dependents(address: string) {
     this.asked.push(`dependents ${address}`);
-    return Promise.resolve(succeeded('$G$12'));
+    return Promise.resolve(succeeded(this.areas));
   }
   workbookMap() {
     this.asked.push('workbookMap');
@@ -182,7 +183,10 @@ describe('views', () => {
   test('are asked for when they are looked at, once', async () => {
     select('F12', '=B4');
     await press('2');
-    expect(explorer.lists.dependents.rows.map((row) => row.text)).toEqual(['This sheet', 'G12']);
+    expect(explorer.lists.dependents.rows.map(({ row }) => row.text)).toEqual([
+      'This sheet',
+      'G12',
+    ]);
     await press('1', '2', '3');
     expect(desk.asked.filter((text) => /dependents|Map/.test(text))).toEqual([
       "dependents 'Summary'!F12",
@@ -196,6 +200,15 @@ describe('views', () => {
     expect(explorer.view).toBe('tree');
     expect(way()).toBe('F12 G12');
     expect(followed).toContain('Summary!G12');
+  });
+
+  test('mark all areas that a row stands for', async () => {
+    desk.areas = '$G$12,$J$12';
+    desk.formulas = { "'Summary'!G12": ['=R12C6', 0], "'Summary'!J12": ['=R12C6', 0] };
+    select('F12', '=B4');
+    await press('2', 'ArrowDown');
+    expect(followed.at(-1)).toBe('2 areas');
+    expect(explorer.destination()?.addresses).toEqual(["'Summary'!G12", "'Summary'!J12"]);
   });
 
   test('are opened by a hot key', () => {

@@ -46,8 +46,8 @@ describe('a formula is listed', () => {
       [
         'MAP(A1:A2,LAMBDA(v,v*2))',
         '.array: A1:A2',
-        '.array: LAMBDA(v,v*2)',
-        '..gives: v*2',
+        '.each: LAMBDA(v,v*2)',
+        '..gives first: v*2',
         '...v',
       ],
     ],

@@ -1,0 +1,147 @@
+import { beforeEach, describe, expect, test } from 'vitest';
+
+import { failed, succeeded, type Outcome } from '../../../src/core/protocol/Outcome';
+import type { RangeFormulas } from '../../../src/core/protocol/verbs';
+import { areasRead, Lists } from '../../../src/core/workbook/Lists';
+import type { PlaceView } from '../../../src/core/workbook/PlaceView';
+import { settled } from '../evaluation/bench';
+
+const place = { book: 'Model.xlsx', sheet: 'Data', addr: 'C7' };
+
+let answer: string;
+let cells: Record<string, string[][]>;
+let asked: string[];
+let lists: Lists;
+let hold: Promise<void> | undefined;
+
+beforeEach(() => {
+  answer = '';
+  cells = {};
+  asked = [];
+  hold = undefined;
+  lists = new Lists(
+    {
+      dependents: () => Promise.resolve(succeeded(answer)),
+      workbookMap: () => Promise.reject(new Error('not asked here')),
+      async readFormulas(address, style, formulasOnly): Promise<Outcome<RangeFormulas>> {
+        asked.push([address, style, formulasOnly].join(' '));
+        await hold;
+        const formulas = cells[address];
+        if (!formulas) return failed('transport', 'no such cells');
+        const cols = formulas[0]?.length ?? 0;
+        return succeeded({ rows: formulas.length, cols, formulas, values: [] });
+      },
+    },
+    () => undefined,
+  );
+});
+
+const shown = (list: PlaceView) =>
+  list.rows.map(({ row, level }) => [level, row.text, row.detail].join(' | '));
+
+async function dependents(): Promise<PlaceView> {
+  lists.load('deps', place);
+  await settled();
+  return lists.dependents;
+}
+
+describe('dependents', () => {
+  test('are listed by sheet and relative formula', async () => {
+    answer = "$D$7:$D$18,$F$2,$H$2,'Summary'!$B$4";
+    cells = {
+      "'Data'!D7:D18": Array.from({ length: 12 }, () => ['=RC[-1]*R2C2']),
+      "'Data'!F2": [['=R7C3+1']],
+      "'Data'!H2": [['=R7C3+1']],
+      "'Summary'!B4": [['=SUM(Data!R7C3:R9C3)']],
+    };
+    expect(shown(await dependents())).toEqual([
+      '1 | This sheet | 14 cells',
+      '2 | D7:D18 | =C7*$B$2  ×12',
+      '2 | F2 and 1 more area | =$C$7+1  ×2',
+      '1 | Summary | 1 cell',
+      '2 | B4 | =SUM(Data!$C$7:$C$9)',
+    ]);
+    expect(asked[0]).toBe("'Data'!D7:D18 r1c1 true");
+    expect(lists.dependents.state).toEqual({ status: 'known', note: '' });
+  });
+
+  test('open down to the single cell', async () => {
+    answer = '$D$7:$D$8,$F$2,$H$2';
+    cells = {
+      "'Data'!D7:D8": [['=RC[-1]'], ['=RC[-1]']],
+      "'Data'!F2": [['=R7C3']],
+      "'Data'!H2": [['=R7C3']],
+    };
+    const list = await dependents();
+    for (const how of ['down', 'in', 'in', 'down', 'down', 'in'] as const) list.move(how, 10);
+    expect(shown(list)).toEqual([
+      '1 | This sheet | 4 cells',
+      '2 | D7:D8 | =C7  ×2',
+      '3 | D7 | =C7',
+      '3 | D8 | =C8',
+      '2 | F2 and 1 more area | =$C$7  ×2',
+      '3 | F2 | =$C$7',
+      '3 | H2 | =$C$7',
+    ]);
+    expect(list.active?.text).toBe('F2 and 1 more area');
+    list.move('out', 10);
+    expect(list.rows).toHaveLength(5);
+    list.move('out', 10);
+    expect(list.active?.text).toBe('This sheet');
+    list.move('out', 10);
+    expect(list.rows).toHaveLength(1);
+  });
+
+  test('are listed before their formulas are known, and the active one stays', async () => {
+    answer = '$D$7:$D$8,$F$2';
+    cells = { "'Data'!D7:D8": [['=RC[-1]'], ['=1+RC[-1]']], "'Data'!F2": [['=R7C3']] };
+    let release = (): void => undefined;
+    hold = new Promise((resolve) => (release = resolve));
+    const list = await dependents();
+    expect(shown(list).slice(1)).toEqual(['2 | D7:D8 | 2 rows × 1 column', '2 | F2 | one cell']);
+    list.move('last', 10);
+    release();
+    await settled();
+    expect(shown(list).slice(1)).toEqual(['2 | D7 | =C7', '2 | D8 | =1+C8', '2 | F2 | =$C$7']);
+    expect(list.active?.text).toBe('F2');
+  });
+
+  test('whose formulas cannot be read are listed all the same', async () => {
+    answer = '$D$7:$D$8,$A:$B';
+    expect(shown(await dependents())).toEqual([
+      '1 | This sheet | 2,097,154 cells',
+      '2 | D7:D8 | 2 rows × 1 column',
+      '2 | A:B | 2 whole columns',
+    ]);
+    expect(asked).toEqual(["'Data'!D7:D8 r1c1 true"]);
+  });
+
+  test('in very many areas are read in part, and the list says so', async () => {
+    answer = Array.from({ length: areasRead + 5 }, (_, i) => `$B$${String(2 * i + 1)}`).join();
+    const list = await dependents();
+    expect(asked).toHaveLength(areasRead);
+    expect(list.state).toMatchObject({ note: 'Formulas of the first 40 areas of 45 only.' });
+  });
+
+  test('of a cell that is left behind are read no further', async () => {
+    answer = '$D$7,$D$9,$D$11';
+    let release = (): void => undefined;
+    hold = new Promise((resolve) => (release = resolve));
+    await dependents();
+    lists.forget();
+    release();
+    await settled();
+    expect(asked).toHaveLength(1);
+    expect(lists.dependents.rows).toEqual([]);
+  });
+
+  test('in a block of very many cells are listed up to a thousand', async () => {
+    answer = '$A$1:$A$1500';
+    cells = { "'Data'!A1:A1500": Array.from({ length: 1_500 }, () => ['=R7C3']) };
+    const list = await dependents();
+    list.activate(1);
+    list.move('in', 10);
+    expect(list.rows).toHaveLength(1_003);
+    expect(shown(list).at(-1)).toBe('3 | … | and 500 more');
+  });
+});
