@@ -1,7 +1,9 @@
 #include "host/calc/OfficeDiscovery.h"
 
 #include <array>
+#include <cstdlib>
 #include <fstream>
+#include <string_view>
 
 #include "host/calc/PrivateOffice.h"
 
@@ -15,9 +17,21 @@ constexpr std::array<std::string_view, 4> otherModules{"/libswlo.so", "/libsdlo.
                                                        "/libdbulo.so"};
 constexpr std::string_view calcModule = "/libsclo.so";
 
+// Without the number of a screen on it: ":0.0" is on ":0".
+std::string withoutScreen(const std::string& display) {
+  const std::size_t colon = display.rfind(':');
+  return colon == std::string::npos ? display : display.substr(0, display.find('.', colon));
+}
+
 }  // namespace
 
-OfficeDiscovery::OfficeDiscovery(std::filesystem::path proc) : proc_(std::move(proc)) {}
+OfficeDiscovery::OfficeDiscovery(std::filesystem::path proc, const std::string& display)
+    : proc_(std::move(proc)), display_(withoutScreen(display)) {}
+
+std::string OfficeDiscovery::ownDisplay() {
+  const char* const display = std::getenv("DISPLAY");
+  return display ? display : "";
+}
 
 void OfficeDiscovery::restrictTo(std::string userInstallation) {
   const std::lock_guard lock(mutex_);
@@ -45,12 +59,25 @@ bool OfficeDiscovery::stillRuns(const OfficeProcess& process) const {
   return std::getline(name, text) && text == "soffice.bin" && isCalc(process);
 }
 
+// An office that names no display may be on this one, by way of Wayland.
+bool OfficeDiscovery::isElsewhere(const OfficeProcess& process) const {
+  constexpr std::string_view variable = "DISPLAY=";
+  std::ifstream environment(proc_ / std::to_string(process.id) / "environ");
+  for (std::string entry; std::getline(environment, entry, '\0');) {
+    if (!entry.starts_with(variable)) continue;
+    const std::string display = withoutScreen(entry.substr(variable.size()));
+    return !display.empty() && display != display_;
+  }
+  return false;
+}
+
 bool OfficeDiscovery::isCalc(const OfficeProcess& process) const {
   const std::string installation = process.userInstallation();
   if (installation.find(std::string("/") + PrivateOffice::folderPrefix) != std::string::npos) {
     return false;
   }
   if (only_ && installation != *only_) return false;
+  if (!display_.empty() && isElsewhere(process)) return false;
   for (const char* windowless : {"headless", "invisible", "convert-to", "cat"}) {
     if (process.hasArgument(windowless)) return false;
   }

@@ -17,8 +17,8 @@ class Discovery : public testing::Test {
     std::ofstream(process / "maps") << libraries;
     std::filesystem::create_symlink("/opt/office/program/soffice.bin", process / "exe");
   }
-  std::optional<pid_t> found() {
-    const auto office = OfficeDiscovery(proc.path()).runningCalc();
+  std::optional<pid_t> found(const std::string& display = "") {
+    const auto office = OfficeDiscovery(proc.path(), display).runningCalc();
     return office ? std::optional(office->id) : std::nullopt;
   }
   static constexpr const char* writer = "7f00 r-xp /opt/office/program/libswlo.so\n";
@@ -46,6 +46,21 @@ TEST_F(Discovery, LeavesOutOfficesWithoutWindowsAndOurOwn) {
   add("5", "--headless", calc);
   add("6", "-env:UserInstallation=file:///tmp/quorin-office-AbC123/profile", calc);
   EXPECT_EQ(found(), std::nullopt);
+}
+
+TEST_F(Discovery, LeavesOutOfficesOnOtherDisplays) {
+  const auto show = [&](const std::string& id, const std::string& environment) {
+    add(id, "--calc", calc);
+    std::ofstream(proc / id / "environ") << "LANG=C" << '\0' << environment << '\0';
+  };
+  show("5", "DISPLAY=:0.0");
+  show("6", "DISPLAY=:17.0");
+  show("7", "XDISPLAY=:9");
+  EXPECT_EQ(found(":0"), 5);
+  EXPECT_EQ(found(":17"), 6);
+  EXPECT_EQ(found(":1"), 7);
+  EXPECT_EQ(found("far.org:17.1"), 7);
+  EXPECT_EQ(found(""), 5);
 }
 
 TEST_F(Discovery, StaysWithTheOfficeItFoundWhileThatRuns) {
