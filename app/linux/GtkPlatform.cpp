@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "app/linux/GtkPanelWindow.h"
+#include "app/linux/GtkStatusItem.h"
 #include "kit/platform/XDGFolders.h"
 
 namespace quorin {
@@ -28,6 +29,16 @@ GtkPlatform::GtkPlatform()
           {bundle_.infoString("SUFeedURL"), bundle_.infoString("SUPublicEDKey"),
            bundle_.infoString("CFBundleShortVersionString"), bundle_.infoString("QXArchitecture")},
           XDGFolders(environment_).applicationSupport() / "Quorin" / "updates") {}
+
+// All programs share the icon theme: the image goes by the program's name there. A program that is
+// not installed has its icons in a folder of its own.
+std::unique_ptr<StatusItem> GtkPlatform::makeStatusItem(const std::string&) {
+  const std::filesystem::path folder =
+      bundle_.resourceFolder().value_or(std::filesystem::path()) / "icons";
+  std::error_code ignored;
+  const bool own = std::filesystem::is_directory(folder, ignored);
+  return std::make_unique<GtkStatusItem>("quorin-symbolic", own ? folder : std::filesystem::path());
+}
 
 std::unique_ptr<PanelWindow> GtkPlatform::makePanelWindow(const PanelWindowOptions& options) {
   auto window = std::make_unique<GtkPanelWindow>(options, session_, defaults_);

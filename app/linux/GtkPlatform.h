@@ -35,6 +35,7 @@ class GtkPlatform : public AppPlatform {
   Clock& clock() override { return clock_; }
   HotKeyService* hotKeys() override { return &hotKeys_; }
   Updater* updater() override { return &updater_; }
+  std::unique_ptr<StatusItem> makeStatusItem(const std::string& imageName) override;
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "LibreOffice Calc"; }

@@ -64,7 +64,7 @@ std::vector<MenuBar::Entry> MenuBar::makeEntries() {
       {{"Open Diagnostic Log"}, [this] { openLog(); }},
       {{"Report a Problem…"}, [this] { parts_.support.report(); }},
       {{updateTitle}, [this] { checkForUpdates(); }},
-      {{loginTitle}, [this] { toggleLogin(); }},
+      {{loginTitle, true, false, true}, [this] { toggleLogin(); }},
       {{""}, [] {}},
       {{"Quit Quorin"}, [this] { parts_.platform.application().terminate(); }},
   };
@@ -156,10 +156,10 @@ void MenuBar::toggleLogin() {
 void MenuBar::refreshLoginItem() {
   LoginItem* const login = parts_.platform.loginItem();
   if (!login || !login->isInstalled()) {
-    change(loginIndex, {notInstalledTitle, false, false});
+    change(loginIndex, {notInstalledTitle, false, false, true});
     return;
   }
-  change(loginIndex, {loginTitle, true, login->status() == LoginItemStatus::enabled});
+  change(loginIndex, {loginTitle, true, login->status() == LoginItemStatus::enabled, true});
 }
 
 }  // namespace quorin

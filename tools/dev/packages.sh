@@ -3,14 +3,14 @@
 
 packages_build=(g++ cmake ninja-build ccache python3 dpkg-dev file
                 rapidjson-dev libutf8proc-dev libcli11-dev libgtk-3-dev libwebkit2gtk-4.1-dev
-                libpugixml-dev libsodium-dev
+                libpugixml-dev libsodium-dev libayatana-appindicator3-dev libzip-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3)
 # A display of our own, and what looks at it.
-packages_display=(xvfb openbox xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
+packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
                   fonts-liberation)
 # The compiler, linker and headers with which the macOS half is checked on another system.
 packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
-packages_test=(libgtest-dev libgmock-dev libzip-dev openssl clang-format clang-tidy procps
+packages_test=(libgtest-dev libgmock-dev openssl clang-format clang-tidy procps
                chromium "${packages_display[@]}" "${packages_macos[@]}")
 # clang's libFuzzer.
 packages_fuzz=(clang libclang-rt-14-dev llvm)

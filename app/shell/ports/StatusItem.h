@@ -12,6 +12,7 @@ struct MenuItem {
   std::string title;  // empty: a separator
   bool enabled = true;
   bool checked = false;
+  bool checkable = false;  // has a place for a mark; of an item for as long as the menu is set
   bool operator==(const MenuItem&) const = default;
 };
 

@@ -1,5 +1,6 @@
 #include "kit/platform/Thread.h"
 #include "tests/app/linux/GtkFixture.h"
+#include "tests/fakes/ui/SessionBus.h"
 
 namespace quorin {
 
@@ -12,6 +13,7 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   quorin::MainThread::record();
   quorin::ui::VirtualDisplay display({});
+  const quorin::ui::SessionBus bus;
   std::string pattern = (std::filesystem::temp_directory_path() / "quorin-gtk-XXXXXX").string();
   const std::filesystem::path home = mkdtemp(pattern.data());
   for (const char* name :

@@ -18,6 +18,42 @@ ForeignGrab::ForeignGrab(const std::string& key, unsigned modifiers)
   XSync(display, False);
 }
 
+Tray::Tray() : display_(XOpenDisplay(nullptr)) {
+  auto* const display = static_cast<Display*>(display_);
+  if (!display) throw std::runtime_error("the display does not open");
+  const Atom selection = XInternAtom(display, "_NET_SYSTEM_TRAY_S0", False);
+  window_ = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 24, 24, 0, 0, 0);
+  XSetSelectionOwner(display, selection, window_, CurrentTime);
+  XEvent told{};
+  told.xclient.type = ClientMessage;
+  told.xclient.window = DefaultRootWindow(display);
+  told.xclient.message_type = XInternAtom(display, "MANAGER", False);
+  told.xclient.format = 32;
+  told.xclient.data.l[1] = static_cast<long>(selection);
+  told.xclient.data.l[2] = static_cast<long>(window_);
+  XSendEvent(display, DefaultRootWindow(display), False, StructureNotifyMask, &told);
+  XSync(display, False);
+}
+
+Tray::~Tray() {
+  XCloseDisplay(static_cast<Display*>(display_));
+}
+
+const std::vector<unsigned long>& Tray::icons() {
+  auto* const display = static_cast<Display*>(display_);
+  const Atom request = XInternAtom(display, "_NET_SYSTEM_TRAY_OPCODE", False);
+  constexpr long dock = 0;
+  while (XPending(display) > 0) {
+    XEvent event;
+    XNextEvent(display, &event);
+    if (event.type != ClientMessage || event.xclient.message_type != request) continue;
+    if (event.xclient.data.l[1] == dock) {
+      icons_.push_back(static_cast<unsigned long>(event.xclient.data.l[2]));
+    }
+  }
+  return icons_;
+}
+
 void moveNumLock(int from, int to) {
   Display* const display = XOpenDisplay(nullptr);
   if (!display) throw std::runtime_error("the display does not open");

@@ -1,7 +1,8 @@
-// What other programs do to the keyboard.
+// What other programs do to the keyboard, and where they put the icons of others.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace quorin {
 
@@ -18,6 +19,23 @@ class ForeignGrab {
 
  private:
   void* display_;
+};
+
+// A tray of the old kind, that is told of icons to take in.
+class Tray {
+ public:
+  Tray();
+  ~Tray();
+  Tray(const Tray&) = delete;
+  Tray& operator=(const Tray&) = delete;
+
+  // The windows that asked until now to be taken in.
+  const std::vector<unsigned long>& icons();
+
+ private:
+  void* display_;
+  unsigned long window_ = 0;
+  std::vector<unsigned long> icons_;
 };
 
 // Makes the Num Lock key lock another of Mod1 (1) to Mod5 (5).

@@ -168,9 +168,9 @@ TEST_F(MenuBarTest, SaysThatThisBuildHasNoUpdater) {
 TEST_F(MenuBarTest, RegistersTheLoginItemAndTakesItBack) {
   make();
   platform.statusItem().choose("Start at Login");
-  EXPECT_EQ(loginItem(), (MenuItem{"Start at Login", true, true}));
+  EXPECT_EQ(loginItem(), (MenuItem{"Start at Login", true, true, true}));
   platform.statusItem().choose("Start at Login");
-  EXPECT_EQ(loginItem(), (MenuItem{"Start at Login", true, false}));
+  EXPECT_EQ(loginItem(), (MenuItem{"Start at Login", true, false, true}));
   EXPECT_THAT(takeJournal(), ElementsAre("registerLoginItem", "unregisterLoginItem"));
   EXPECT_THAT(logged(), ElementsAre("LOGIN register enabled", "LOGIN unregister notRegistered"));
 }
@@ -207,7 +207,7 @@ TEST_F(MenuBarTest, DisablesTheLoginItemOutsideOfAnInstalledPlace) {
   platform.login.installed = false;
   platform.login.current = LoginItemStatus::enabled;
   make();
-  EXPECT_EQ(loginItem(), (MenuItem{"Start at Login (installed app only)", false, false}));
+  EXPECT_EQ(loginItem(), (MenuItem{"Start at Login (installed app only)", false, false, true}));
   platform.statusItem().choose("Start at Login (installed app only)");
   EXPECT_THAT(takeJournal(), IsEmpty());
 }
