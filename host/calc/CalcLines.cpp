@@ -82,6 +82,26 @@ std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, L
   return visible == 0;
 }
 
+namespace {
+
+bool isFiltered(const Reference<css::uno::XInterface>& rows) {
+  bool filtered = false;
+  Reference<css::beans::XPropertySet>(rows, UNO_QUERY_THROW)->getPropertyValue("IsFiltered") >>=
+      filtered;
+  return filtered;
+}
+
+void setProperty(const Workbook& workbook, const Reference<css::uno::XInterface>& lines,
+                 const char* name, bool value) {
+  const Reference<css::beans::XPropertySet> properties(lines, UNO_QUERY_THROW);
+  const ChangeGuard guard(workbook);
+  properties->setPropertyValue(rtl::OUString::createFromAscii(name), Any(value));
+}
+
+}  // namespace
+
+// A row that a filter hides stays the filter's while it is shown: it does not count in subtotals,
+// and ending the filter shows it again. Showing it would make it the user's own.
 void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines, bool hidden) {
   for (const Area& area : range.areas) {
     const Reference<css::table::XColumnRowRange> cells(cellsOf(workbook, range.sheet.sheet, area),
@@ -89,9 +109,9 @@ void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines
     const Reference<css::uno::XInterface> group =
         lines == Lines::rows ? Reference<css::uno::XInterface>(cells->getRows())
                              : Reference<css::uno::XInterface>(cells->getColumns());
-    const Reference<css::beans::XPropertySet> properties(group, UNO_QUERY_THROW);
-    const ChangeGuard guard(workbook);
-    properties->setPropertyValue("IsVisible", Any(!hidden));
+    const bool filtered = lines == Lines::rows && isFiltered(group);
+    setProperty(workbook, group, "IsVisible", !hidden);
+    if (filtered) setProperty(workbook, group, "IsFiltered", true);
   }
 }
 
@@ -109,8 +129,7 @@ std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRe
 }
 
 RangeRef visibleRangeOf(const Window& window) {
-  const Reference<css::sheet::XViewPane> pane(window.controller, UNO_QUERY_THROW);
-  return {activeSheetOf(window), {areaOf(pane->getVisibleRange())}};
+  return {activeSheetOf(window), {areaOf(scrollingPane(window)->getVisibleRange())}};
 }
 
 }  // namespace quorin::host::calc

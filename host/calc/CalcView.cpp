@@ -4,10 +4,11 @@
 #include <com/sun/star/awt/XTopWindow.hpp>
 #include <com/sun/star/awt/XWindow2.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
-#include <com/sun/star/sheet/XViewPane.hpp>
+#include <com/sun/star/sheet/XViewFreezable.hpp>
 #include <com/sun/star/view/XSelectionSupplier.hpp>
 
 #include "host/calc/CalcRanges.h"
@@ -85,6 +86,15 @@ RangeRef selectionOf(const Window& window) {
   return range ? *range : activeCellOf(window);
 }
 
+Reference<css::sheet::XViewPane> scrollingPane(const Window& window) {
+  const Reference<css::sheet::XViewFreezable> view(window.controller, UNO_QUERY_THROW);
+  if (view->hasFrozenPanes()) {
+    const Reference<css::container::XIndexAccess> panes(window.controller, UNO_QUERY_THROW);
+    return {panes->getByIndex(panes->getCount() - 1), UNO_QUERY_THROW};
+  }
+  return {window.controller, UNO_QUERY_THROW};
+}
+
 std::optional<Bounds> boundsOf(const Window& window) {
   const Reference<css::awt::XWindow> shown = window.frame->getContainerWindow();
   const css::awt::Rectangle place = shown->getPosSize();
@@ -157,7 +167,7 @@ void CalcNavigation::activateCell(const RangeRef& range) {
 void CalcNavigation::scrollTo(const RangeRef& range) {
   const Area& area = firstArea(range);
   const Window window = enter(range.sheet);
-  const Reference<css::sheet::XViewPane> pane(window.controller, UNO_QUERY_THROW);
+  const Reference<css::sheet::XViewPane> pane = scrollingPane(window);
   pane->setFirstVisibleColumn(area.firstColumn - 1);
   pane->setFirstVisibleRow(area.firstRow - 1);
 }

@@ -3,6 +3,8 @@
 // thread.
 #pragma once
 
+#include <com/sun/star/sheet/XViewPane.hpp>
+
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
 
@@ -13,6 +15,8 @@ RangeRef activeCellOf(const Window& window);
 RangeRef selectionOf(const Window& window);  // the active cell while a shape is selected
 
 std::optional<Bounds> boundsOf(const Window& window);
+// The pane that the user scrolls: the last one where others are frozen, else the one in use.
+css::uno::Reference<css::sheet::XViewPane> scrollingPane(const Window& window);
 bool isFrontmost(const Window& window);
 void bringToFront(const Window& window);
 
