@@ -2,9 +2,11 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "host/Address.h"
 #include "host/EngineRunner.h"
 #include "host/ExcelObjectModel.h"
 #include "host/calc/CalcSpreadsheet.h"
@@ -21,11 +23,31 @@ class CalcRoad {
 
   // Opens a workbook as the active one. Throws what Calc threw.
   void open(const std::filesystem::path& file) {
+    onCallThread([&] { spreadsheet_->openWorkbook(file.string()); });
+  }
+
+  // The top left cell of what the window shows: "$A$1".
+  std::string firstInView() {
+    std::string address;
+    onCallThread([&] {
+      const Area shown = spreadsheet_->visibleRange().value().areas.at(0);
+      address =
+          addressText({{shown.firstRow, shown.firstColumn, shown.firstRow, shown.firstColumn}});
+    });
+    return address;
+  }
+
+  Bridge& bridge() { return bridge_; }
+  PrivateOffice& office() { return *office_; }
+  std::vector<std::string> log() { return log_.lines(); }
+
+ private:
+  void onCallThread(const std::function<void()>& work) {
     Semaphore done;
     std::string failure;
     post_([&] {
       try {
-        spreadsheet_->openWorkbook(file.string());
+        work();
       } catch (const std::exception& error) {
         failure = error.what();
       }
@@ -35,9 +57,6 @@ class CalcRoad {
     if (!failure.empty()) throw std::runtime_error(failure);
   }
 
-  Bridge& bridge() { return bridge_; }
-
- private:
   class Running : public TargetApplication {
     bool isRunning() override { return true; }
   };
@@ -45,14 +64,14 @@ class CalcRoad {
   ScriptRunnerFactory runners() {
     return [this](CallThreadPost post) {
       post_ = std::move(post);
-      auto spreadsheet = std::make_unique<CalcSpreadsheet>(std::make_shared<PrivateOffice>(),
-                                                           std::chrono::seconds(60));
+      auto spreadsheet = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
       spreadsheet_ = spreadsheet.get();
       return std::make_unique<EngineRunner>(
           std::make_unique<ExcelObjectModel>(std::move(spreadsheet)));
     };
   }
 
+  const std::shared_ptr<PrivateOffice> office_ = std::make_shared<PrivateOffice>();
   TemporaryFolder folder_;
   fakes::LogLines log_;
   Running target_;

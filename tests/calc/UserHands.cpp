@@ -4,10 +4,19 @@
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
+#include <com/sun/star/sheet/FilterOperator.hpp>
+#include <com/sun/star/sheet/TableFilterField.hpp>
+#include <com/sun/star/sheet/XCellRangeAddressable.hpp>
+#include <com/sun/star/sheet/XSheetFilterable.hpp>
+#include <com/sun/star/sheet/XSheetOutline.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
+#include <com/sun/star/sheet/XViewFreezable.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
+#include <com/sun/star/util/XMergeable.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
 #include <memory>
@@ -18,6 +27,8 @@
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
+#include "tests/fakes/Files.h"
+#include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -61,6 +72,15 @@ struct UserHands::Objects {
                                             const std::string& name) const {
     return {workbook(book)->getSheets()->getByName(toUno(name)), UNO_QUERY_THROW};
   }
+  Reference<css::table::XCellRange> cells(const std::string& book, const std::string& name,
+                                          const std::string& address) const {
+    return sheet(book, name)->getCellRangeByName(toUno(address));
+  }
+  css::table::CellRangeAddress addressOf(const std::string& book, const std::string& name,
+                                         const std::string& address) const {
+    return Reference<css::sheet::XCellRangeAddressable>(cells(book, name, address), UNO_QUERY_THROW)
+        ->getRangeAddress();
+  }
   Reference<css::document::XUndoManager> undoManager(const std::string& book) const {
     return Reference<css::document::XUndoManagerSupplier>(workbook(book), UNO_QUERY_THROW)
         ->getUndoManager();
@@ -96,6 +116,75 @@ void UserHands::setModified(const std::string& book, bool modified) {
       ->setModified(modified);
 }
 
+namespace {
+
+void show(const Reference<css::uno::XInterface>& lines, bool shown) {
+  Reference<css::beans::XPropertySet>(lines, UNO_QUERY_THROW)
+      ->setPropertyValue("IsVisible", css::uno::Any(shown));
+}
+
+bool isShown(const Reference<css::uno::XInterface>& lines) {
+  bool shown = false;
+  Reference<css::beans::XPropertySet>(lines, UNO_QUERY_THROW)->getPropertyValue("IsVisible") >>=
+      shown;
+  return shown;
+}
+
+}  // namespace
+
+void UserHands::hideRows(const std::string& book, const std::string& sheet,
+                         const std::string& rows) {
+  show(Reference<css::table::XColumnRowRange>(objects_->cells(book, sheet, rows), UNO_QUERY_THROW)
+           ->getRows(),
+       false);
+}
+
+void UserHands::hideColumns(const std::string& book, const std::string& sheet,
+                            const std::string& columns) {
+  show(
+      Reference<css::table::XColumnRowRange>(objects_->cells(book, sheet, columns), UNO_QUERY_THROW)
+          ->getColumns(),
+      false);
+}
+
+void UserHands::groupRows(const std::string& book, const std::string& sheet,
+                          const std::string& rows) {
+  Reference<css::sheet::XSheetOutline>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->group(objects_->addressOf(book, sheet, rows), css::table::TableOrientation_ROWS);
+}
+
+void UserHands::collapseRows(const std::string& book, const std::string& sheet,
+                             const std::string& rows) {
+  Reference<css::sheet::XSheetOutline>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->hideDetail(objects_->addressOf(book, sheet, rows));
+}
+
+void UserHands::merge(const std::string& book, const std::string& sheet, const std::string& cells) {
+  Reference<css::util::XMergeable>(objects_->cells(book, sheet, cells), UNO_QUERY_THROW)
+      ->merge(true);
+}
+
+void UserHands::filter(const std::string& book, const std::string& sheet, const std::string& cells,
+                       int column, const std::string& text) {
+  const Reference<css::sheet::XSheetFilterable> range(objects_->cells(book, sheet, cells),
+                                                      UNO_QUERY_THROW);
+  const auto descriptor = range->createFilterDescriptor(true);
+  css::sheet::TableFilterField field;
+  field.Field = column;
+  field.Operator = css::sheet::FilterOperator_EQUAL;
+  field.StringValue = toUno(text);
+  descriptor->setFilterFields(sequenceOf({field}));
+  Reference<css::beans::XPropertySet>(descriptor, UNO_QUERY_THROW)
+      ->setPropertyValue("ContainsHeader", css::uno::Any(true));
+  range->filter(descriptor);
+}
+
+void UserHands::freeze(const std::string& book, int columns, int rows) {
+  const Reference<css::frame::XModel> model(objects_->workbook(book), UNO_QUERY_THROW);
+  Reference<css::sheet::XViewFreezable>(model->getCurrentController(), UNO_QUERY_THROW)
+      ->freezeAtPosition(columns, rows);
+}
+
 void UserHands::lockUndo(const std::string& book) {
   objects_->undoManager(book)->lock();
 }
@@ -120,6 +209,36 @@ std::string UserHands::stateOf(const std::string& book) {
       Reference<css::util::XNumberFormatsSupplier>(workbook, UNO_QUERY_THROW)->getNumberFormats();
   state << "formats: " << formats->queryKeys(0, {}, false).getLength() << "\n";
   return state.str();
+}
+
+std::string UserHands::contentOf(const std::string& book) {
+  const TemporaryFolder folder;
+  const std::filesystem::path file = folder / "copy.fods";
+  Reference<css::frame::XStorable>(objects_->workbook(book), UNO_QUERY_THROW)
+      ->storeToURL(toUno(fileUrl(file)),
+                   sequenceOf({argument("FilterName", rtl::OUString("OpenDocument Spreadsheet "
+                                                                    "Flat XML"))}));
+  std::istringstream text(readFile(file));
+  std::string content, line;
+  // What comes before are dates and where the view stands.
+  while (std::getline(text, line) && line.find("<office:spreadsheet>") == std::string::npos) {
+  }
+  while (std::getline(text, line)) {
+    const auto holds = [&line](const char* part) { return line.find(part) != std::string::npos; };
+    if (holds("<office:forms") || holds("<table:table-column") || holds("<table:table-cell/>") ||
+        holds("<table:table-cell table:number-columns-repeated"))
+      continue;
+    content += line + "\n";
+  }
+  const auto sheets = objects_->workbook(book)->getSheets()->getElementNames();
+  for (const rtl::OUString& sheet : sheets)
+    for (const char* const column : {"A1", "B1", "C1", "D1", "E1", "F1"})
+      content += isShown(Reference<css::table::XColumnRowRange>(
+                             objects_->cells(book, toText(sheet), column), UNO_QUERY_THROW)
+                             ->getColumns())
+                     ? "shown "
+                     : "hidden ";
+  return content;
 }
 
 int UserHands::documents() {

@@ -25,11 +25,24 @@ class UserHands {
              const std::string& formula);
   void undo(const std::string& book);
   void setModified(const std::string& book, bool modified);
+  // Addresses as "A1:B5"; a row of them for rows, a column for columns.
+  void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);
+  void hideColumns(const std::string& book, const std::string& sheet, const std::string& columns);
+  void groupRows(const std::string& book, const std::string& sheet, const std::string& rows);
+  void collapseRows(const std::string& book, const std::string& sheet, const std::string& rows);
+  void merge(const std::string& book, const std::string& sheet, const std::string& cells);
+  // Shows the rows alone whose cell in that column, counted from 0, holds the text.
+  void filter(const std::string& book, const std::string& sheet, const std::string& cells,
+              int column, const std::string& text);
+  void freeze(const std::string& book, int columns, int rows);  // on the sheet on top
   void lockUndo(const std::string& book);  // as a process that died in the middle of a change
 
   // Everything of the workbook that a trace could be left in: undo and redo list, modified flag,
   // sheets, names, styles, number formats.
   std::string stateOf(const std::string& book);
+  // The workbook's sheets as a file keeps them, in XML: cells, rows, what is hidden, filtered and
+  // grouped, and which of the first columns are hidden. Without what depends on what was looked at.
+  std::string contentOf(const std::string& book);
   int documents();  // all of them that the office holds, hidden ones too
   bool quit();      // true when the office agreed
 

@@ -1,0 +1,129 @@
+// Revealing on Calc, all the way, and what it leaves in the workbook once it was taken back.
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "kit/value/Marshal.h"
+#include "tests/calc/CalcRoad.h"
+#include "tests/calc/UserHands.h"
+#include "tests/calc/XlsxFile.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using Array = JSONValue::Array;
+
+constexpr const char* book = "Reveal.xlsx";
+
+class CalcReveal : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    road = std::make_unique<CalcRoad>();
+    folder = std::make_unique<TemporaryFolder>();
+    fakes::SheetDescription list{"List", {{"A1", "Kind"}, {"B1", "Size"}}};
+    for (int row = 2; row <= 9; ++row)
+      list.cells.push_back({"A" + std::to_string(row), row % 2 == 0 ? "even" : "odd"});
+    fakes::writeXlsx({.name = book,
+                      .sheets = {list,
+                                 {"Two", {{"A1", 1.0}}},
+                                 {"Three", {{"A1", 1.0}}},
+                                 {"Four", {{"A1", 1.0}}},
+                                 {"Home", {{"A1", 1.0}}}}},
+                     *folder / book);
+    road->open(*folder / book);
+    hands = std::make_unique<UserHands>(road->office().open());
+  }
+  static void TearDownTestSuite() {
+    hands.reset();
+    road.reset();
+    folder.reset();
+  }
+
+  void SetUp() override {
+    ask("select", {Array{"Home!A1"}});
+    hands->setModified(book, false);
+  }
+
+  static std::string ask(const std::string& verb, Array args = {}) {
+    const Bridge::Reply reply = road->bridge().dispatch(verb, args);
+    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+  }
+  static std::string reveal(const std::string& address) {
+    return ask("reveal", {Array{address}, 0});
+  }
+  // Reveals, which must unhide that much, and takes it back: nothing may be left of it.
+  static void revealAndTakeBack(const std::string& address, const std::string& unhid) {
+    const std::string content = hands->contentOf(book), state = hands->stateOf(book);
+    const std::string reply = reveal(address);
+    EXPECT_NE(reply.find("\"unhid\":\"" + unhid + "\""), std::string::npos) << reply;
+    EXPECT_NE(hands->contentOf(book), content) << "nothing was unhidden";
+    EXPECT_EQ(hands->stateOf(book), state);
+    ask("select", {Array{"Home!A1"}});
+    EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+    EXPECT_EQ(hands->contentOf(book), content);
+    EXPECT_EQ(hands->stateOf(book), state);
+  }
+
+  static std::unique_ptr<CalcRoad> road;
+  static std::unique_ptr<TemporaryFolder> folder;
+  static std::unique_ptr<UserHands> hands;
+};
+
+std::unique_ptr<CalcRoad> CalcReveal::road;
+std::unique_ptr<TemporaryFolder> CalcReveal::folder;
+std::unique_ptr<UserHands> CalcReveal::hands;
+
+TEST_F(CalcReveal, ScrollsWithAMarginOnTheActiveSheet) {
+  EXPECT_EQ(reveal("T600"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(road->firstInView(), "$R$597");
+  EXPECT_EQ(reveal("T601"), R"({"revealed":false})");
+  EXPECT_EQ(reveal("B2"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(road->firstInView(), "$A$1");
+}
+
+TEST_F(CalcReveal, ScrollsWithAMarginOnAnotherSheet) {
+  EXPECT_EQ(reveal("Two!T600"), R"({"activated":true,"revealed":true})");
+  EXPECT_EQ(road->firstInView(), "$R$597");
+}
+
+TEST_F(CalcReveal, ScrollsThePaneBesideFrozenOnes) {
+  ask("select", {Array{"Three!A1"}});
+  hands->freeze(book, 1, 2);
+  EXPECT_EQ(reveal("T600"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(road->firstInView(), "$R$597");
+  EXPECT_EQ(reveal("T601"), R"({"revealed":false})");
+  EXPECT_EQ(reveal("C4"), R"({"activated":false,"revealed":true})");
+  EXPECT_EQ(road->firstInView(), "$B$3");
+  EXPECT_EQ(reveal("C4"), R"({"revealed":false})");
+}
+
+TEST_F(CalcReveal, ShowsHiddenLinesOfAnotherSheet) {
+  hands->hideRows(book, "Two", "A5:A7");
+  hands->hideColumns(book, "Two", "C1:D1");
+  hands->setModified(book, false);
+  revealAndTakeBack("Two!C6", "row 6, column C");
+  revealAndTakeBack("Two!A5:E9", "rows 5\u20137, columns C\u2013D");
+}
+
+TEST_F(CalcReveal, ShowsAFilteredRow) {
+  hands->filter(book, "List", "A1:B9", 0, "even");
+  hands->setModified(book, false);
+  revealAndTakeBack("List!B5", "row 5");
+}
+
+TEST_F(CalcReveal, ShowsARowOfACollapsedGroup) {
+  hands->groupRows(book, "Four", "A3:A6");
+  hands->collapseRows(book, "Four", "A3:A6");
+  hands->setModified(book, false);
+  revealAndTakeBack("Four!B4", "row 4");
+}
+
+TEST_F(CalcReveal, ShowsHiddenRowsUnderAMergedCell) {
+  hands->merge(book, "Four", "B20:D23");
+  hands->hideRows(book, "Four", "A21:A22");
+  hands->setModified(book, false);
+  revealAndTakeBack("Four!B20:D23", "rows 21\u201322");
+  revealAndTakeBack("Four!C21", "row 21");
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
