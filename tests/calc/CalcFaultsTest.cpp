@@ -94,6 +94,11 @@ TEST_F(CalcFaults, FailsTheCallUnderWhichTheOfficeDies) {
   EXPECT_EQ(numberOf([&] { calc.values(cell("A1")); }), -600);
 }
 
+TEST_F(CalcFaults, OutlivesAPipeThatTheOfficeClosed) {
+  ::raise(SIGPIPE);  // what writing to it brings
+  EXPECT_EQ(calc.values(cell("A7")).cells, std::vector<CellValue>{42.0});
+}
+
 TEST_F(CalcFaults, KeepsACallRunningWhileTheOfficeIsStopped) {
   ASSERT_TRUE(stopProcess(office->process()));
   auto call = std::async(std::launch::async, [&] { return calc.values(cell("A7")).cells; });
