@@ -111,6 +111,10 @@ void UserHands::undo(const std::string& book) {
   objects_->undoManager(book)->undo();
 }
 
+void UserHands::save(const std::string& book) {
+  Reference<css::frame::XStorable>(objects_->workbook(book), UNO_QUERY_THROW)->store();
+}
+
 void UserHands::setModified(const std::string& book, bool modified) {
   Reference<css::util::XModifiable>(objects_->workbook(book), UNO_QUERY_THROW)
       ->setModified(modified);

@@ -24,6 +24,7 @@ class UserHands {
   void enter(const std::string& book, const std::string& sheet, const std::string& cell,
              const std::string& formula);
   void undo(const std::string& book);
+  void save(const std::string& book);
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);

@@ -87,7 +87,7 @@ Life Harness::run(const std::filesystem::path& folder, const std::vector<Request
       continue;
     }
     life.points.push_back(*message->member("point")->string());
-    if (life.points.size() - 1 == fate.killAt) {
+    if (life.points.size() - 1 == fate.killAt || (fate.kills && fate.kills(life.points))) {
       ::kill(process, SIGKILL);
       continue;
     }

@@ -17,6 +17,8 @@ class Victim {
  public:
   explicit Victim(Link link) : link_(std::move(link)) {}
 
+  int socket() const { return link_.socket(); }
+
   // The error number that the step is to fail with; 0 for none.
   int pass(const std::string& point) {
     return integer(*ask(JSONValue::Object{{"point", point}}).member("number"));
