@@ -1,18 +1,32 @@
 #!/usr/bin/env python3
-"""Measures the panel beside a real Calc on a virtual display: launch, messages, following, idle.
+"""Measures the panel beside a real Calc on a virtual display: launch, messages, following, hot
+keys, idle, and quitting while the spreadsheet is stopped.
 
 usage: measure_panel.py QUORIN WORKBOOK
+
+The workbook is the one that samples/make-sample.py writes.
 """
 import os
+import signal
 import sys
 import time
 
+from keyboard import Keyboard
 from try_panel import Trial, wait_for
 
 PAGE = """<!doctype html><script>
 const settled = new Map(); window.times = []; window.events = [];
-window.__qxResolve = (id) => { settled.get(id)(); };
-window.__qxEvent = (name) => { if (name == "selectionChanged") events.push(Date.now()); };
+window.__qxResolve = (id, reply) => { settled.get(id)(reply); };
+window.surfaces = [];
+window.__qxEvent = (name, payload) => {
+  if (name == "selectionChanged") events.push(Date.now());
+  if (name == "surface") surfaces.push({at: performance.timeOrigin + performance.now(), ...payload});
+};
+function call(verb, ...args) {
+  window.answer = null;
+  settled.set(-1, (reply) => { window.answer = reply; });
+  webkit.messageHandlers.qx.postMessage({id: -1, verb, args});
+}
 async function measure(count) {
   for (let id = 0; id < count; ++id) {
     const begun = performance.now();
@@ -22,6 +36,9 @@ async function measure(count) {
   }
 }
 </script><body><p>page"""
+
+
+HIDDEN_CELL = "'Operations'!$B$5"  # in the sample
 
 
 def at(values, share):
@@ -40,6 +57,58 @@ def processor_seconds(process):
         if int(stat.split("/")[2]) == process or int(fields[1]) == process:
             total += int(fields[11]) + int(fields[12])
     return total / os.sysconf("SC_CLK_TCK")
+
+
+def stopped(group):
+    """Whether every process of the group has stopped."""
+    states = []
+    for entry in os.listdir("/proc"):
+        try:
+            if entry.isdigit() and os.getpgid(int(entry)) == group:
+                with open(f"/proc/{entry}/stat", encoding="utf-8", errors="replace") as stat:
+                    states.append(stat.read().rpartition(")")[2].split()[0])
+        except OSError:
+            pass  # it has just ended
+    return bool(states) and set(states) <= {"T", "Z"}
+
+
+def surface_delay(trial, keyboard, number, visible):
+    """From the hot key, pressed in Calc, to the page's event."""
+    if not visible:
+        trial.panel.eval("call('hidePanel'); 0")
+        wait_for("the panel to go", lambda: not trial.panel.ask("window")["visible"])
+    trial.keys()  # Calc comes to the front
+    wait_for("the keyboard to be Calc's", lambda: not trial.panel.ask("window")["key"])
+    trial.panel.eval("surfaces.length = 0; 0")
+    time.sleep(0.03 * (number % 8))  # not in step with the poll
+    pressed = keyboard.press("Alt_L+Shift_L+" + "asd"[number % 3])
+    event = wait_for("the event", lambda: trial.panel.eval("surfaces[0]"))
+    if event["wasVisible"] != visible or event["wasKey"]:
+        raise RuntimeError(f"not what was to be measured: {event}")
+    return event["at"] - pressed
+
+
+def quitting_time(trial):
+    """From the wish to quit to the end of the process, while Calc is stopped and holds a row that
+    Quorin has shown and has to hide again. The next Quorin does that."""
+    record = trial.folder / "data/Quorin/unhidden.json"
+    trial.start_quorin()
+    wait_for("the page", lambda: trial.panel.eval("typeof call == 'function'"))
+    wait_for("the row before to be hidden again", lambda: not record.exists())
+    trial.panel.eval(f"""call("reveal", ["{HIDDEN_CELL}"]); 0""")
+    revealed = wait_for("the row", lambda: trial.panel.eval("answer"))
+    if not revealed["ok"] or not record.exists():
+        raise RuntimeError(f"{HIDDEN_CELL} is not shown: {revealed}")
+    os.killpg(trial.office.pid, signal.SIGSTOP)
+    try:
+        wait_for("Calc to stop", lambda: stopped(trial.office.pid))
+        begun = time.monotonic()
+        trial.process.terminate()
+        trial.process.wait(30)
+        return time.monotonic() - begun
+    finally:
+        os.killpg(trial.office.pid, signal.SIGCONT)
+        (trial.folder / "panel").unlink(missing_ok=True)
 
 
 def main():
@@ -89,6 +158,20 @@ def main():
         time.sleep(10)
         used = processor_seconds(trial.process.pid) - before
         print(f"idle while following: {used * 10:.1f} % of a core")
+
+        keyboard = Keyboard(trial.environment["DISPLAY"])
+        for visible in (True, False):
+            surface_delay(trial, keyboard, 0, visible)
+            delays = [surface_delay(trial, keyboard, number, visible) for number in range(40)]
+            print(f"hot key to surface, panel {'visible' if visible else 'hidden'}, ms: "
+                  f"p50 {at(delays, .5):.0f} p95 {at(delays, .95):.0f} most {max(delays):.0f}")
+        keyboard.close()
+
+        trial.panel.ask("quit")
+        trial.process.wait(30)
+        (trial.folder / "panel").unlink(missing_ok=True)
+        times = [quitting_time(trial) for _ in range(5)]
+        print("quitting while Calc is stopped, s:", [round(one, 2) for one in times])
     finally:
         trial.end()
 
