@@ -6,6 +6,7 @@
 
 #include "app/linux/GtkPanelWindow.h"
 #include "app/linux/GtkStatusItem.h"
+#include "app/linux/LinuxVersions.h"
 #include "kit/platform/XDGFolders.h"
 
 namespace quorin {
@@ -24,11 +25,16 @@ GtkPlatform::GtkPlatform()
       hotKeys_(gdk_display_get_default()),
       defaults_(XDGFolders(environment_).library() / "Quorin" / "defaults.json"),
       bundle_(ownProgram()),
+      loginItem_(ownProgram(), XDGFolders(environment_).configuration()),
       updater_(
           {updateTransport_, updateProgress_, alerts_, workspace_, loop_, updateQueue_},
           {bundle_.infoString("SUFeedURL"), bundle_.infoString("SUPublicEDKey"),
            bundle_.infoString("CFBundleShortVersionString"), bundle_.infoString("QXArchitecture")},
           XDGFolders(environment_).applicationSupport() / "Quorin" / "updates") {}
+
+SystemVersions GtkPlatform::systemVersions() const {
+  return linuxVersions(environment_, "/etc/os-release");
+}
 
 // All programs share the icon theme: the image goes by the program's name there. A program that is
 // not installed has its icons in a folder of its own.

@@ -13,6 +13,8 @@
 #include "app/linux/X11HotKeys.h"
 #include "app/linux/X11Session.h"
 #include "app/linux/X11Workspace.h"
+#include "app/linux/XDGLoginItem.h"
+#include "app/linux/ZipArchiver.h"
 #include "app/linux/updates/FeedUpdater.h"
 #include "app/linux/updates/SoupTransport.h"
 #include "app/shell/ports/AppPlatform.h"
@@ -35,6 +37,9 @@ class GtkPlatform : public AppPlatform {
   Clock& clock() override { return clock_; }
   HotKeyService* hotKeys() override { return &hotKeys_; }
   Updater* updater() override { return &updater_; }
+  LoginItem* loginItem() override { return &loginItem_; }
+  Archiver* archiver() override { return &archiver_; }
+  SystemVersions systemVersions() const override;
   std::unique_ptr<StatusItem> makeStatusItem(const std::string& imageName) override;
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
@@ -55,6 +60,8 @@ class GtkPlatform : public AppPlatform {
   GtkAlerts alerts_;
   FileDefaults defaults_;
   InstalledBundle bundle_;
+  XDGLoginItem loginItem_;
+  ZipArchiver archiver_;
   GtkUpdateProgress updateProgress_;
   SoupTransport updateTransport_{{}};
   SerialQueue updateQueue_{"qx.updates"};

@@ -12,6 +12,7 @@
 
 #include "app/linux/CalcLink.h"
 #include "app/linux/ControlRequest.h"
+#include "app/linux/CrashReporter.h"
 #include "app/linux/GtkPlatform.h"
 #include "app/linux/LineServer.h"
 #include "app/linux/PanelInspector.h"
@@ -84,6 +85,9 @@ int run(const Invocation& invocation) {
     std::fprintf(stderr, "quorin: it is not running\n");
     return 1;
   }
+
+  CrashReporter::install(platformFolders().library() / "Logs" / "DiagnosticReports",
+                         QUORIN_VERSION);
 
   // Listens before anything else: who is told that the folder is locked asks here.
   AppDelegate* delegate = nullptr;

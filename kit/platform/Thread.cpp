@@ -11,11 +11,17 @@ namespace {
 
 thread_local std::string threadName;
 std::atomic<std::thread::id> mainThread{};
+std::atomic<ThreadNamed> onThreadNamed{};
 
 }  // namespace
 
 void nameCurrentThread(std::string name) {
   threadName = std::move(name);
+  if (const ThreadNamed action = onThreadNamed) action(threadName);
+}
+
+void setOnThreadNamed(ThreadNamed action) {
+  onThreadNamed = action;
 }
 
 std::string currentThreadName() {

@@ -11,6 +11,11 @@ namespace quorin {
 void nameCurrentThread(std::string name);
 std::string currentThreadName();
 
+// What else is done on every thread that is named from now on, by the thread itself: the system's
+// own name for it, say. Set before other threads start; null: nothing.
+using ThreadNamed = void (*)(const std::string& name);
+void setOnThreadNamed(ThreadNamed action);
+
 // Stops the process: "<what> belongs on the thread <owner> but was called on <this one>".
 [[noreturn]] void stopForWrongThread(std::string_view what, std::string_view owner);
 

@@ -57,10 +57,13 @@ fs::path XDGFolders::library() const {
   return state.empty() ? inHome(".local/state") : state;
 }
 
+fs::path XDGFolders::configuration() const {
+  const fs::path config = absolute("XDG_CONFIG_HOME");
+  return config.empty() ? inHome(".config") : config;
+}
+
 fs::path XDGFolders::configuredDesktop() const {
-  fs::path config = absolute("XDG_CONFIG_HOME");
-  if (config.empty()) config = inHome(".config");
-  std::ifstream file(config / "user-dirs.dirs");
+  std::ifstream file(configuration() / "user-dirs.dirs");
   std::string desktop;
   std::string line;
   while (std::getline(file, line)) {

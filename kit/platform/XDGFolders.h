@@ -19,6 +19,7 @@ class XDGFolders : public Folders {
 
   std::filesystem::path applicationSupport() const override;
   std::filesystem::path library() const override;
+  std::filesystem::path configuration() const;     // $XDG_CONFIG_HOME, else $HOME/.config
   std::filesystem::path desktop() const override;  // reads $XDG_CONFIG_HOME/user-dirs.dirs
   std::filesystem::path temporary() const override;
 
