@@ -37,7 +37,13 @@ class CalcRoad {
     return address;
   }
 
+  // Does something with the spreadsheet on the call thread. Throws what that threw.
+  void use(const std::function<void(CalcSpreadsheet&)>& work) {
+    onCallThread([&] { work(*spreadsheet_); });
+  }
+
   Bridge& bridge() { return bridge_; }
+  HighlightStore& store() { return store_; }
   PrivateOffice& office() { return *office_; }
   std::vector<std::string> log() { return log_.lines(); }
 

@@ -2,10 +2,13 @@
 
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
+#include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
+#include <com/sun/star/drawing/XShape.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/FilterOperator.hpp>
 #include <com/sun/star/sheet/TableFilterField.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
@@ -16,14 +19,17 @@
 #include <com/sun/star/sheet/XViewFreezable.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
+#include <com/sun/star/util/XCloseable.hpp>
 #include <com/sun/star/util/XMergeable.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
+#include <com/sun/star/util/XProtectable.hpp>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
 
 #include "host/calc/Arguments.h"
+#include "host/calc/MarkShape.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
@@ -113,6 +119,50 @@ void UserHands::undo(const std::string& book) {
 
 void UserHands::save(const std::string& book) {
   Reference<css::frame::XStorable>(objects_->workbook(book), UNO_QUERY_THROW)->store();
+}
+
+void UserHands::redo(const std::string& book) {
+  objects_->undoManager(book)->redo();
+}
+
+void UserHands::close(const std::string& book) {
+  Reference<css::util::XCloseable>(objects_->workbook(book), UNO_QUERY_THROW)->close(true);
+}
+
+void UserHands::protect(const std::string& book, const std::string& sheet) {
+  Reference<css::util::XProtectable>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->protect("secret");
+}
+
+void UserHands::unprotect(const std::string& book, const std::string& sheet) {
+  Reference<css::util::XProtectable>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->unprotect("secret");
+}
+
+void UserHands::draw(const std::string& book, const std::string& sheet, const std::string& name) {
+  const Reference<css::lang::XMultiServiceFactory> factory(objects_->workbook(book),
+                                                           UNO_QUERY_THROW);
+  const Reference<css::drawing::XShape> shape(
+      factory->createInstance("com.sun.star.drawing.RectangleShape"), UNO_QUERY_THROW);
+  shape->setSize({2000, 1000});
+  drawPageOf(objects_->sheet(book, sheet))->add(shape);
+  Reference<css::container::XNamed>(shape, UNO_QUERY_THROW)->setName(toUno(name));
+}
+
+std::vector<std::string> UserHands::shapes(const std::string& book, const std::string& sheet) {
+  const auto page = drawPageOf(objects_->sheet(book, sheet));
+  std::vector<std::string> names;
+  for (sal_Int32 i = 0; i < page->getCount(); ++i) {
+    const Reference<css::container::XNamed> shape(page->getByIndex(i), UNO_QUERY_THROW);
+    names.push_back(toText(shape->getName()));
+  }
+  return names;
+}
+
+void UserHands::saveAs(const std::string& book, const std::string& file) {
+  Reference<css::frame::XStorable>(objects_->workbook(book), UNO_QUERY_THROW)
+      ->storeAsURL(toUno(fileUrl(file)),
+                   sequenceOf({argument("FilterName", rtl::OUString("Calc MS Excel 2007 XML"))}));
 }
 
 void UserHands::setModified(const std::string& book, bool modified) {

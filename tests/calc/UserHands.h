@@ -25,6 +25,14 @@ class UserHands {
              const std::string& formula);
   void undo(const std::string& book);
   void save(const std::string& book);
+  void redo(const std::string& book);
+  void close(const std::string& book);  // without saving
+  void protect(const std::string& book, const std::string& sheet);
+  void unprotect(const std::string& book, const std::string& sheet);
+  // A shape of some size on the sheet, and the names of all that are there.
+  void draw(const std::string& book, const std::string& sheet, const std::string& name);
+  std::vector<std::string> shapes(const std::string& book, const std::string& sheet);
+  void saveAs(const std::string& book, const std::string& file);  // as a workbook of Excel's
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);
