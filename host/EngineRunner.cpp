@@ -37,7 +37,9 @@ std::optional<ScriptErrorInfo> EngineRunner::compile(std::string_view source) {
 
 ScriptReply EngineRunner::execute(const AppleEvent& event) {
   if (!script_) return {};
+  excel_->handlerBegins();
   script::ScriptOutcome outcome = script_->call(event);
+  excel_->handlerEnds();
   if (outcome.error)
     return {std::nullopt,
             ScriptErrorInfo{outcome.error->number, std::move(outcome.error->message)}};

@@ -128,6 +128,11 @@ class Spreadsheet {
  public:
   virtual ~Spreadsheet() = default;
 
+  // Around the run of one handler, in which what only the user changes may be read once and kept:
+  // which workbooks are open, and their conditions. Without them everything is asked anew.
+  virtual void handlerBegins() {}
+  virtual void handlerEnds() {}
+
   virtual bool isRunning() = 0;  // without waiting for the program
   virtual std::string version() = 0;
   virtual bool isFrontmost() = 0;

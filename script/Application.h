@@ -18,6 +18,10 @@ class Application {
   virtual const Terminology& terminology() const = 0;
   virtual bool isRunning() = 0;
 
+  // Around each run of a handler from outside, for what is remembered that long. Never throws.
+  virtual void handlerBegins() {}
+  virtual void handlerEnds() {}
+
   // Sends one event and waits for its answer, at most for `timeout`; an answer that comes too late
   // is error -1712. A timeout of zero asks to deliver the event without waiting; the reply is then
   // ignored. Called on the thread that runs the script. Never throws.

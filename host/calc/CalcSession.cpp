@@ -32,6 +32,21 @@ Workbook& CalcSession::workbook(const std::string& book) {
   return *asked_;
 }
 
+SheetConditions& CalcSession::conditions(const SheetRef& sheet) {
+  Workbook& book = workbook(sheet.book);
+  const bool kept = keeping_ && conditions_ && conditions_->isTrue() &&
+                    conditions_->workbook().model == book.model &&
+                    conditions_->sheet() == sheet.sheet;
+  if (!kept) conditions_ = std::make_unique<SheetConditions>(book, sheet.sheet);
+  return *conditions_;
+}
+
+void CalcSession::keepReadings(bool keep) {
+  keeping_ = keep;
+  conditions_.reset();
+  workbooks_.keepReading(keep);
+}
+
 bool CalcSession::answers() {
   if (!connection_.isAlive()) return false;
   try {

@@ -10,6 +10,7 @@
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/ScratchWorkbooks.h"
+#include "host/calc/SheetConditions.h"
 
 namespace quorin::host::calc {
 
@@ -22,6 +23,11 @@ class CalcSession {
   CalcEvaluator& evaluator() { return evaluator_; }
   ScratchWorkbooks& scratch() { return scratch_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
+  SheetConditions& conditions(const SheetRef& sheet);
+
+  // While readings are kept, what only the user changes is not read twice: which workbooks are open
+  // and what conditions a sheet has.
+  void keepReadings(bool keep);
 
   // Whether the office is still there. Asks it: the news of its end may come late.
   bool answers();
@@ -35,7 +41,9 @@ class CalcSession {
   CalcWorkbooks workbooks_;
   CalcEvaluator evaluator_;
   ScratchWorkbooks scratch_;
-  std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
+  std::shared_ptr<Workbook> asked_;              // keeps the last answer of workbook() valid
+  std::unique_ptr<SheetConditions> conditions_;  // of the sheet that was last asked for
+  bool keeping_ = false;
   std::string version_;
 };
 

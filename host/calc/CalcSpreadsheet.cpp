@@ -3,7 +3,6 @@
 #include <com/sun/star/lang/DisposedException.hpp>
 
 #include "host/calc/CalcCells.h"
-#include "host/calc/CalcConditions.h"
 #include "host/calc/CalcLines.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcNames.h"
@@ -47,6 +46,7 @@ CalcSession& CalcSpreadsheet::session() {
   if (session_ && session_->connection().isAlive()) return *session_;
   dropSession();
   auto fresh = std::make_unique<CalcSession>(source_->open(), patience_);
+  fresh->keepReadings(inHandler_);
   const std::lock_guard lock(mutex_);
   session_ = std::move(fresh);
   return *session_;
@@ -89,6 +89,16 @@ void CalcSpreadsheet::endIfDead() {
 
 void CalcSpreadsheet::openWorkbook(const std::string& path) {
   call([&](CalcSession& office) { office.openWorkbook(path); });
+}
+
+void CalcSpreadsheet::handlerBegins() {
+  inHandler_ = true;
+  if (session_) session_->keepReadings(true);
+}
+
+void CalcSpreadsheet::handlerEnds() {
+  inHandler_ = false;
+  if (session_) session_->keepReadings(false);
 }
 
 bool CalcSpreadsheet::isRunning() {
@@ -289,35 +299,32 @@ std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {
 }
 
 std::vector<FormatCondition> CalcSpreadsheet::formatConditions(const RangeRef& range) {
-  return call([&](CalcSession& office) {
-    return listConditions(office.workbook(range.sheet.book), range);
-  });
+  return call(
+      [&](CalcSession& office) { return office.conditions(range.sheet).touching(range.areas); });
 }
 
 std::string CalcSpreadsheet::addFormatCondition(const RangeRef& range, const std::string& formula) {
   return call([&](CalcSession& office) {
-    return addMark(office.workbook(range.sheet.book), range, formula);
+    return office.conditions(range.sheet).add(range.areas, formula);
   });
 }
 
 void CalcSpreadsheet::setConditionFill(const SheetRef& sheet, const std::string& id,
                                        const std::optional<Color>& fill) {
-  call([&](CalcSession& office) { fillMark(office.workbook(sheet.book), sheet, id, fill); });
+  call([&](CalcSession& office) { office.conditions(sheet).setFill(id, fill); });
 }
 
 void CalcSpreadsheet::setConditionPriority(const SheetRef& sheet, const std::string& id,
                                            int priority) {
-  call([&](CalcSession& office) {
-    checkPriority(office.workbook(sheet.book), sheet, id, priority);
-  });
+  call([&](CalcSession& office) { office.conditions(sheet).setPriority(id, priority); });
 }
 
 void CalcSpreadsheet::setConditionRange(const RangeRef& range, const std::string& id) {
-  call([&](CalcSession& office) { moveMark(office.workbook(range.sheet.book), range, id); });
+  call([&](CalcSession& office) { office.conditions(range.sheet).setRange(range.areas, id); });
 }
 
 void CalcSpreadsheet::deleteCondition(const RangeRef& range, const std::string& id) {
-  call([&](CalcSession& office) { eraseMark(office.workbook(range.sheet.book), range, id); });
+  call([&](CalcSession& office) { office.conditions(range.sheet).erase(range.areas, id); });
 }
 
 std::string CalcSpreadsheet::makeWorkbook() {

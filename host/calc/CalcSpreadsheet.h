@@ -31,6 +31,8 @@ class CalcSpreadsheet : public Spreadsheet {
   // Opens a workbook file as the active one. For an office of our own.
   void openWorkbook(const std::string& path);
 
+  void handlerBegins() override;
+  void handlerEnds() override;
   bool isRunning() override;
   std::string version() override;
   bool isFrontmost() override;
@@ -86,6 +88,7 @@ class CalcSpreadsheet : public Spreadsheet {
   std::atomic<bool> quitting_ = false;
   std::mutex mutex_;  // guards session_'s replacement against quit()
   std::unique_ptr<CalcSession> session_;
+  bool inHandler_ = false;
 };
 
 }  // namespace quorin::host::calc

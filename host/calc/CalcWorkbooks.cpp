@@ -26,6 +26,12 @@ void CalcWorkbooks::forget() {
   windows_.clear();
   workbooks_.clear();
   readAt_.reset();
+  kept_ = false;
+}
+
+void CalcWorkbooks::keepReading(bool keep) {
+  keeping_ = keep;
+  kept_ = false;
 }
 
 void CalcWorkbooks::read() {
@@ -40,6 +46,7 @@ void CalcWorkbooks::read() {
   }
   nameWorkbooks();
   readAt_ = std::chrono::steady_clock::now();
+  kept_ = keeping_;
 }
 
 void CalcWorkbooks::addWindow(const Reference<css::frame::XFrame>& frame,
@@ -88,13 +95,19 @@ void CalcWorkbooks::nameWorkbooks() {
 }
 
 std::vector<std::string> CalcWorkbooks::names() {
-  read();
+  if (!kept_) read();
   std::vector<std::string> names;
   for (const auto& workbook : workbooks_) names.push_back(workbook->name);
   return names;
 }
 
 std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
+  if (kept_) {
+    const auto called = [&](const auto& workbook) { return workbook->name == name; };
+    const auto found = std::find_if(workbooks_.begin(), workbooks_.end(), called);
+    if (found != workbooks_.end() && std::none_of(found + 1, workbooks_.end(), called))
+      return *found;
+  }
   return windowOf(name).workbook;
 }
 

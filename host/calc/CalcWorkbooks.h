@@ -45,6 +45,8 @@ class CalcWorkbooks {
   explicit CalcWorkbooks(css::uno::Reference<css::frame::XDesktop2> desktop);
 
   void forget();
+  // While it is kept, one reading serves names() and named(), but for what forget() takes away.
+  void keepReading(bool keep);
   std::vector<std::string> names();                          // in the order of opening
   std::shared_ptr<Workbook> named(const std::string& name);  // SpreadsheetError -1728
   std::optional<Window> active();                            // none when no workbook is open
@@ -64,6 +66,7 @@ class CalcWorkbooks {
   std::vector<Window> windows_;
   std::weak_ptr<Workbook> lastActive_;
   std::optional<std::chrono::steady_clock::time_point> readAt_;
+  bool keeping_ = false, kept_ = false;  // kept: read since it is to be kept
 };
 
 // The name as Excel would give it: file names with suffix, titles of unsaved ones; equal ones carry

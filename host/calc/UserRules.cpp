@@ -55,9 +55,10 @@ std::string formulaOf(const Reference<XPropertySet>& entry) {
   return formula == markFormula ? "=(" + formula.substr(1) + ")" : formula;
 }
 
-std::optional<Color> fillOf(const Workbook& workbook, const Reference<XPropertySet>& entry) {
+std::optional<Color> fillOf(const Reference<css::sheet::XSpreadsheetDocument>& document,
+                            const Reference<XPropertySet>& entry) {
   const Reference<css::container::XNameAccess> styles(
-      Reference<css::style::XStyleFamiliesSupplier>(workbook.document, UNO_QUERY_THROW)
+      Reference<css::style::XStyleFamiliesSupplier>(document, UNO_QUERY_THROW)
           ->getStyleFamilies()
           ->getByName("CellStyles"),
       UNO_QUERY_THROW);
@@ -69,7 +70,7 @@ std::optional<Color> fillOf(const Workbook& workbook, const Reference<XPropertyS
   return Color{color >> 16 & 255, color >> 8 & 255, color & 255};
 }
 
-FormatCondition conditionOf(const Workbook& workbook,
+FormatCondition conditionOf(const Reference<css::sheet::XSpreadsheetDocument>& document,
                             const Reference<css::sheet::XConditionEntry>& entry) {
   FormatCondition condition;
   switch (entry->getType()) {
@@ -89,7 +90,7 @@ FormatCondition conditionOf(const Workbook& workbook,
       const Reference<XPropertySet> properties(entry, UNO_QUERY_THROW);
       condition.kind = kindOf(propertyOf(properties, "Operator", Operator::EXPRESSION));
       if (hasFormula(condition.kind)) condition.formula = formulaOf(properties);
-      condition.fill = fillOf(workbook, properties);
+      condition.fill = fillOf(document, properties);
     }
   }
   return condition;
@@ -105,23 +106,33 @@ std::vector<Area> areasOf(const Reference<css::sheet::XConditionalFormat>& forma
 
 }  // namespace
 
-UserRules readUserRules(const Workbook& workbook, const Reference<css::sheet::XSpreadsheet>& sheet,
-                        const std::vector<Area>& range) {
+UserRules::UserRules(const Workbook& workbook, const Reference<css::sheet::XSpreadsheet>& sheet)
+    : document_(workbook.document) {
   const Reference<css::sheet::XConditionalFormats> formats(
       Reference<XPropertySet>(sheet, UNO_QUERY_THROW)->getPropertyValue("ConditionalFormats"),
       UNO_QUERY_THROW);
-  UserRules rules;
   for (const auto& format : formats->getConditionalFormats()) {
-    const std::vector<Area> areas = areasOf(format);
-    const sal_Int32 count = format->getCount();
-    for (sal_Int32 i = 0; touch(areas, range) && i < count; ++i) {
-      FormatCondition condition = conditionOf(workbook, {format->getByIndex(i), UNO_QUERY_THROW});
-      condition.priority = rules.total + i + 1;
-      condition.id = idPrefix + std::to_string(condition.priority);
-      condition.areas = areas;
-      rules.onRange.push_back(std::move(condition));
-    }
-    rules.total += count;
+    formats_.push_back({format, areasOf(format), count_ + 1, format->getCount(), {}});
+    count_ += formats_.back().count;
+  }
+}
+
+void UserRules::read(Format& format) const {
+  for (sal_Int32 i = 0; i < format.count; ++i) {
+    FormatCondition rule = conditionOf(document_, {format.format->getByIndex(i), UNO_QUERY_THROW});
+    rule.priority = format.first + i;
+    rule.id = idPrefix + std::to_string(rule.priority);
+    rule.areas = format.areas;
+    format.rules.push_back(std::move(rule));
+  }
+}
+
+std::vector<FormatCondition> UserRules::touching(const std::vector<Area>& range) {
+  std::vector<FormatCondition> rules;
+  for (Format& format : formats_) {
+    if (!touch(format.areas, range)) continue;
+    if (format.rules.empty()) read(format);
+    rules.insert(rules.end(), format.rules.begin(), format.rules.end());
   }
   return rules;
 }

@@ -3,21 +3,36 @@
 // Call thread.
 #pragma once
 
+#include <com/sun/star/sheet/XConditionalFormat.hpp>
+
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
 
 namespace quorin::host::calc {
 
-struct UserRules {
-  int total = 0;                         // on the whole sheet
-  std::vector<FormatCondition> onRange;  // those that touch the range, by priority
+class UserRules {
+ public:
+  UserRules(const Workbook& workbook, const css::uno::Reference<css::sheet::XSpreadsheet>& sheet);
+
+  int count() const { return count_; }  // on the whole sheet
+  // Those that touch the range, by priority. What was read of one is kept.
+  std::vector<FormatCondition> touching(const std::vector<Area>& range);
+
+ private:
+  struct Format {
+    css::uno::Reference<css::sheet::XConditionalFormat> format;
+    std::vector<Area> areas;
+    int first, count;  // priority of the first of its rules, and how many they are
+    std::vector<FormatCondition> rules;  // empty before they are read
+  };
+  void read(Format& format) const;
+
+  const css::uno::Reference<css::sheet::XSpreadsheetDocument> document_;
+  std::vector<Format> formats_;
+  int count_ = 0;
 };
 
-UserRules readUserRules(const Workbook& workbook,
-                        const css::uno::Reference<css::sheet::XSpreadsheet>& sheet,
-                        const std::vector<Area>& range);
-
-// Whether readUserRules() gave out this id.
+// Whether UserRules gave out this id.
 bool isUserRule(const std::string& id);
 
 }  // namespace quorin::host::calc

@@ -138,8 +138,7 @@ TEST_F(CalcMarks, CountTheUsersRulesAndLeaveThemAlone) {
   EXPECT_EQ(before[0].fill, (Color{0xCC, 0xFF, 0xCC}));
   EXPECT_EQ(mark({"F1"}), R"({"applied":1,"shadowed":false})");
   EXPECT_EQ(mark({"B2", "G7"}), R"({"applied":2,"shadowed":true})") << "a move is declined here";
-  EXPECT_THAT(desk->road.log(),
-              Contains("HIGHLIGHT move declined result=[0,1]; clear+apply"));
+  EXPECT_THAT(desk->road.log(), Contains("HIGHLIGHT move declined result=[0,1]; clear+apply"));
   const auto painted = conditions("Ruled.xlsx", "Rules", true);
   ASSERT_THAT(painted, SizeIs(1));
   EXPECT_EQ(painted[0].priority, 4);
@@ -280,6 +279,16 @@ TEST_F(CalcMarks, AreFoundAgainInAFileThatWasSavedWithThem) {
   EXPECT_THAT(desk->hands.shapes("Left.xlsx", "Data"), ElementsAre("Mine"));
   EXPECT_THAT(desk->hands.stateOf("Left.xlsx"), HasSubstr("modified: 0"));
   desk->hands.close("Left.xlsx");
+}
+
+TEST_F(CalcMarks, SeeWhatHasChangedBetweenTwoRequests) {
+  mark({"A1"});
+  desk->hands.eraseShapes("Known.xlsx", "Data");
+  mark({"A1"});
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "$A$1");
+  desk->hands.eraseShapes("Known.xlsx", "Data");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":1})");
+  EXPECT_THAT(desk->road.log(), Contains("HIGHLIGHT clear sheet=Data addrs=1 deleted=0"));
 }
 
 TEST_F(CalcMarks, LeaveTheUsersDrawingsAlone) {

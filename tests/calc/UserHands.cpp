@@ -113,6 +113,13 @@ void UserHands::enter(const std::string& book, const std::string& sheet, const s
       ->setFormula(toUno(formula));
 }
 
+void UserHands::fill(const std::string& book, const std::string& sheet, const std::string& cells,
+                     std::int32_t color) {
+  Reference<css::beans::XPropertySet>(
+      objects_->sheet(book, sheet)->getCellRangeByName(toUno(cells)), UNO_QUERY_THROW)
+      ->setPropertyValue("CellBackColor", css::uno::Any(color));
+}
+
 void UserHands::undo(const std::string& book) {
   objects_->undoManager(book)->undo();
 }
@@ -157,6 +164,12 @@ std::vector<std::string> UserHands::shapes(const std::string& book, const std::s
     names.push_back(toText(shape->getName()));
   }
   return names;
+}
+
+void UserHands::eraseShapes(const std::string& book, const std::string& sheet) {
+  const auto page = drawPageOf(objects_->sheet(book, sheet));
+  while (page->getCount() > 0)
+    page->remove(Reference<css::drawing::XShape>(page->getByIndex(0), UNO_QUERY_THROW));
 }
 
 void UserHands::saveAs(const std::string& book, const std::string& file) {

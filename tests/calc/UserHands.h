@@ -2,6 +2,7 @@
 // that shares nothing with the code under test.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,8 @@ class UserHands {
   // In the workbook whose file name is `book`. Entered and undone like a user's own change.
   void enter(const std::string& book, const std::string& sheet, const std::string& cell,
              const std::string& formula);
+  void fill(const std::string& book, const std::string& sheet, const std::string& cells,
+            std::int32_t color);
   void undo(const std::string& book);
   void save(const std::string& book);
   void redo(const std::string& book);
@@ -32,6 +35,7 @@ class UserHands {
   // A shape of some size on the sheet, and the names of all that are there.
   void draw(const std::string& book, const std::string& sheet, const std::string& name);
   std::vector<std::string> shapes(const std::string& book, const std::string& sheet);
+  void eraseShapes(const std::string& book, const std::string& sheet);
   void saveAs(const std::string& book, const std::string& file);  // as a workbook of Excel's
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.

@@ -1,0 +1,51 @@
+// SheetConditions: the format conditions of one sheet, as they were when this was made and as it
+// has changed them since: the user's rules, which are read alone, and after them our own marks,
+// which are drawn over the cells. A cell with several marks is coloured by the first of them. Call
+// thread.
+//
+// An id that is none is SpreadsheetError -1728, changing a rule of the user's -10006, and making a
+// condition with another formula than a mark's -1708. After any failure of a change this is no
+// longer true to the sheet.
+#pragma once
+
+#include "host/calc/MarkShape.h"
+#include "host/calc/UserRules.h"
+
+namespace quorin::host::calc {
+
+class SheetConditions {
+ public:
+  // -1728 when the workbook has no such sheet.
+  SheetConditions(const Workbook& workbook, const std::string& sheet);
+
+  const Workbook& workbook() const { return workbook_; }
+  const std::string& sheet() const { return name_; }
+  bool isTrue() const { return !changing_; }
+
+  std::vector<FormatCondition> touching(const std::vector<Area>& range);
+  std::string add(const std::vector<Area>& range, const std::string& formula);
+  void setFill(const std::string& id, const std::optional<Color>& fill);
+  // Marks keep their place; what is asked is only looked at.
+  void setPriority(const std::string& id, int priority) const;
+  void setRange(const std::vector<Area>& range, const std::string& id);
+  void erase(const std::vector<Area>& range, const std::string& id);
+
+ private:
+  std::size_t placeOf(const std::string& id) const;  // among the marks
+  template <typename Edit>
+  void change(const std::string& id, Edit edit);
+  void draw(std::vector<PlacedMark> wanted);
+  void put(PlacedMark& mark, const std::vector<Area>& drawn);
+  void redraw(PlacedMark& mark, const std::vector<Area>& drawn);
+  void remove(const css::uno::Reference<css::drawing::XShape>& shape);
+
+  const Workbook workbook_;
+  const std::string name_;
+  const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;
+  const css::uno::Reference<css::drawing::XDrawPage> page_;
+  UserRules rules_;
+  std::vector<PlacedMark> marks_;
+  bool changing_ = false;
+};
+
+}  // namespace quorin::host::calc
