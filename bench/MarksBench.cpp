@@ -1,0 +1,184 @@
+// Highlights and unhiding on a private Calc: the verbs, from the bridge to the office and with
+// their record on disk, beside the same work done directly over UNO. One line for each step, in
+// milliseconds, the median of several rounds taken in turn.
+#include <algorithm>
+#include <chrono>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
+#include <cstdio>
+#include <fstream>
+#include <map>
+
+#include "host/Address.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/CalcSession.h"
+#include "host/calc/ChangeGuard.h"
+#include "host/calc/MarkShape.h"
+#include "host/calc/Text.h"
+#include "tests/calc/CalcRoad.h"
+
+namespace {
+
+using namespace quorin;
+using namespace quorin::host;
+using namespace quorin::host::calc;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+using Addresses = std::vector<std::string>;
+
+constexpr const char* emptyWorkbook = R"(<?xml version="1.0" encoding="UTF-8"?>
+<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
+ xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0" office:version="1.3"
+ office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
+<table:table table:name="Data"/></office:spreadsheet></office:body></office:document>)";
+
+Addresses scattered(int first, int count) {
+  Addresses cells;
+  for (int i = first; i < first + count; ++i)
+    cells.push_back(columnLetters(1 + i * 7 % 50) + std::to_string(1 + i * 3));
+  return cells;
+}
+
+// What a program does that knows the sheet and paints and clears no more than it is asked to.
+class Direct {
+ public:
+  explicit Direct(const OfficeAddress& office)
+      : session_(office, std::chrono::seconds(60)),
+        workbook_(session_.workbook("Bench.fods")),
+        sheet_(sheetOf(workbook_, "Data")),
+        page_(drawPageOf(sheet_)) {}
+
+  void paint(const Addresses& cells) {
+    for (std::size_t first = 0; first < cells.size(); first += 40) {
+      const NumberedMark mark = markOf(cells, first);
+      const auto shape = makeMarkShape(workbook_.model, mark, outlinesOf(sheet_, mark.mark.areas));
+      const ChangeGuard guard(workbook_);
+      page_->add(shape);
+    }
+  }
+  void move(const Addresses& cells) {
+    const NumberedMark mark = markOf(cells, 0);
+    const auto outlines = outlinesOf(sheet_, mark.mark.areas);
+    const auto marks = readMarks(page_);
+    const ChangeGuard guard(workbook_);
+    redrawMarkShape(marks.at(0).shape, mark, outlines);
+  }
+  void clear(const Addresses& cells) {
+    for (std::size_t first = 0; first < cells.size(); first += 40) markOf(cells, first);
+    for (const PlacedMark& each : readMarks(page_)) {
+      const ChangeGuard guard(workbook_);
+      page_->remove(each.shape);
+    }
+  }
+  void setHidden(const std::vector<Area>& rows, bool hidden) {
+    for (const Area& area : rows) {
+      const Reference<css::table::XColumnRowRange> range(cellsOf(sheet_, area), UNO_QUERY_THROW);
+      const Reference<css::beans::XPropertySet> properties(range->getRows(), UNO_QUERY_THROW);
+      const ChangeGuard guard(workbook_);
+      properties->setPropertyValue("IsVisible", css::uno::Any(!hidden));
+    }
+  }
+
+ private:
+  // Each address is looked up in the sheet, as is to be done with one that may be a name.
+  NumberedMark markOf(const Addresses& cells, std::size_t first) {
+    NumberedMark mark{static_cast<int>(first) + 1,
+                      {std::string(markFormula), Color{255, 0, 255}, {}}};
+    for (std::size_t i = first; i < cells.size() && (i < first + 40); ++i) {
+      sheet_->getCellRangeByName(toUno(cells[i]));
+      mark.mark.areas.push_back(parseA1Area(cells[i]).value());
+    }
+    return mark;
+  }
+
+  CalcSession session_;
+  Workbook workbook_;
+  const Reference<css::sheet::XSpreadsheet> sheet_;
+  const Reference<css::drawing::XDrawPage> page_;
+};
+
+std::map<std::string, std::vector<double>> taken;
+
+template <typename Work>
+void timed(const std::string& what, Work work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+  taken[what].push_back(time.count());
+}
+
+double median(const std::string& what) {
+  std::vector<double>& times = taken.at(what);
+  std::nth_element(times.begin(), times.begin() + std::ssize(times) / 2, times.end());
+  return times[times.size() / 2];
+}
+
+JSONValue list(const Addresses& texts) {
+  return JSONValue::Array(texts.begin(), texts.end());
+}
+
+void require(const Bridge::Reply& reply) {
+  if (!reply.ok) throw std::runtime_error("a verb failed");
+}
+
+}  // namespace
+
+int main() {
+  const TemporaryFolder folder;
+  std::ofstream(folder / "Bench.fods") << emptyWorkbook;
+  CalcRoad road;
+  road.open(folder / "Bench.fods");
+  Direct direct(road.office().open());
+  const Addresses forty = scattered(0, 40), others = scattered(40, 40), many = scattered(0, 200);
+  const std::vector<Area> block{{11, 1, 210, 1}};
+  std::vector<Area> single;
+  for (int i = 0; i < 200; ++i) single.push_back({11 + 2 * i, 1, 11 + 2 * i, 1});
+  const auto mark = [&](const Addresses& cells) {
+    require(road.bridge().dispatch("markCells", {list(cells), JSONValue::Array{255, 0, 255}}));
+  };
+  const auto clear = [&] { require(road.bridge().dispatch("clearMarks", {})); };
+  const auto hide = [&](const std::vector<Area>& rows, bool hidden) {
+    road.use([&](CalcSpreadsheet& calc) {
+      calc.setHidden({{"Bench.fods", "Data"}, rows}, Lines::rows, hidden);
+    });
+  };
+  constexpr int rounds = 15;
+  for (int round = 0; round < rounds; ++round) {
+    timed("direct paint 40", [&] { direct.paint(forty); });
+    timed("direct move 40", [&] { direct.move(others); });
+    direct.clear(others);
+    timed("direct paint 200", [&] { direct.paint(many); });
+    timed("direct clear 200", [&] { direct.clear(many); });
+    mark(others);
+    clear();
+    timed("verb paint 40", [&] { mark(forty); });
+    clear();
+    mark(forty);
+    timed("verb move 40", [&] { mark(others); });
+    clear();
+    timed("verb paint 200", [&] { mark(many); });
+    timed("verb clear 200", [&] { clear(); });
+    direct.setHidden(block, true);
+    timed("direct unhide 200 together", [&] { direct.setHidden(block, false); });
+    hide(block, true);
+    timed("port unhide 200 together", [&] { hide(block, false); });
+    if (round % 5 != 0) continue;
+    direct.setHidden(single, true);
+    timed("direct unhide 200 scattered", [&] { direct.setHidden(single, false); });
+    hide(single, true);
+    timed("port unhide 200 scattered", [&] { hide(single, false); });
+  }
+  for (const auto& [ours, step] :
+       std::vector<std::pair<std::string, std::string>>{{"verb", "paint 40"},
+                                                        {"verb", "paint 200"},
+                                                        {"verb", "move 40"},
+                                                        {"verb", "clear 200"},
+                                                        {"port", "unhide 200 together"},
+                                                        {"port", "unhide 200 scattered"}}) {
+    const double plain = median("direct " + step), time = median(ours + " " + step);
+    std::printf("%-22s direct %8.1f ms   %s %8.1f ms   %.2f times\n", step.c_str(), plain,
+                ours.c_str(), time, time / plain);
+  }
+  return 0;
+}
