@@ -118,8 +118,14 @@ std::vector<PlacedMark> readMarks(const Reference<css::drawing::XDrawPage>& page
   std::vector<PlacedMark> marks;
   const sal_Int32 count = page->getCount();
   for (sal_Int32 i = 0; i < count; ++i) {
-    const Reference<css::container::XNamed> shape(page->getByIndex(i), UNO_QUERY_THROW);
-    if (auto mark = parseMarkName(toText(shape->getName())))
+    Reference<css::container::XNamed> shape(page->getByIndex(i), UNO_QUERY_THROW);
+    rtl::OUString name = shape->getName();
+    if (name.isEmpty()) {
+      // An object that the office made while its predecessor was being unmade has lost its shape.
+      shape.set(page->getByIndex(i), UNO_QUERY_THROW);
+      name = shape->getName();
+    }
+    if (auto mark = parseMarkName(toText(name)))
       marks.push_back({std::move(*mark), {shape, UNO_QUERY_THROW}});
   }
   std::stable_sort(marks.begin(), marks.end(),

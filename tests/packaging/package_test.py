@@ -16,6 +16,7 @@ BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
 FILES = {
     "usr/bin/quorin",
     "usr/bin/quorinctl",
+    "usr/libexec/quorin/quorin-marks-keeper",
     "usr/share/applications/quorin.desktop",
     "usr/share/icons/hicolor/scalable/apps/quorin.svg",
     "usr/share/icons/hicolor/symbolic/apps/quorin-symbolic.svg",

@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 #include <zip.h>
 
 namespace quorin::xlsx {
@@ -15,6 +16,15 @@ class ZipArchive {
   explicit ZipArchive(const std::filesystem::path& file)
       : zip_(zip_open(file.c_str(), ZIP_RDONLY, nullptr)) {
     if (!zip_) throw std::runtime_error(file.string() + " is no zip file");
+  }
+
+  std::vector<std::string> names() const {
+    std::vector<std::string> names;
+    const zip_int64_t count = zip_get_num_entries(zip_.get(), 0);
+    for (zip_int64_t i = 0; i < count; ++i) {
+      names.emplace_back(zip_get_name(zip_.get(), static_cast<zip_uint64_t>(i), 0));
+    }
+    return names;
   }
 
   // None when there is no such file inside.

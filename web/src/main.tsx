@@ -86,12 +86,11 @@ function through(queue: Errands) {
 const askForSelection = through(selectionErrands);
 const ask = through(errands);
 
-const follower: SheetFollower = new SheetFollower(
+const follower = new SheetFollower(
   {
     markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
     reveal: (addresses) => client.ask('reveal', addresses),
     clearMarks: () => client.ask('clearMarks'),
-    locate: (name) => explorer.locate(name),
   },
   clock,
   () => {
@@ -99,7 +98,7 @@ const follower: SheetFollower = new SheetFollower(
   },
   changed,
 );
-const explorer: Explorer = new Explorer({
+const explorer = new Explorer({
   questions: {
     evaluate: (expression) => client.ask('evaluate', expression),
     readRange: (address) => client.ask('readRange', address),

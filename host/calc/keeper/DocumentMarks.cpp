@@ -1,0 +1,94 @@
+#include "host/calc/keeper/DocumentMarks.h"
+
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
+
+#include "host/calc/ChangeGuard.h"
+
+namespace quorin::host::calc {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY;
+using css::uno::UNO_QUERY_THROW;
+
+std::optional<Workbook> asWorkbook(const Reference<css::uno::XInterface>& document) {
+  Workbook workbook;
+  workbook.model.set(document, UNO_QUERY);
+  workbook.document.set(document, UNO_QUERY);
+  if (!workbook.model.is() || !workbook.document.is()) return std::nullopt;
+  workbook.sheets.set(workbook.document->getSheets(), UNO_QUERY_THROW);
+  return workbook;
+}
+
+std::vector<MarkedSheet> findMarks(const Workbook& workbook) {
+  std::vector<MarkedSheet> found;
+  const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
+  const sal_Int32 count = sheets->getCount();
+  for (sal_Int32 i = 0; i < count; ++i) {
+    const Reference<css::sheet::XSpreadsheet> sheet(sheets->getByIndex(i), UNO_QUERY_THROW);
+    const auto page = drawPageOf(sheet);
+    std::vector<PlacedMark> marks = readMarks(page);
+    if (!marks.empty()) found.push_back({i, sheet, page, std::move(marks)});
+  }
+  return found;
+}
+
+void removeMark(const Workbook& workbook, const MarkedSheet& sheet, const PlacedMark& mark) {
+  const ChangeGuard guard(workbook);
+  sheet.page->remove(mark.shape);
+}
+
+namespace {
+
+constexpr int mostTries = 10;
+
+// One that cannot be read goes all the same.
+void takeMark(const Workbook& workbook, const MarkedSheet& sheet, const PlacedMark& mark,
+              std::vector<TakenMark>& taken) {
+  TakenMark copy{sheet.page, mark, {}};
+  bool complete = !isRedrawable(mark.shape);
+  try {
+    complete = complete || (Reference<css::beans::XPropertySet>(mark.shape, UNO_QUERY_THROW)
+                                ->getPropertyValue("PolyPolygon") >>= copy.outlines);
+  } catch (const css::beans::UnknownPropertyException&) {
+    complete = false;
+  }
+  removeMark(workbook, sheet, mark);
+  if (complete) taken.push_back(std::move(copy));
+}
+
+}  // namespace
+
+void takeMarks(const Workbook& workbook, std::vector<TakenMark>& taken) noexcept {
+  try {
+    bool found = true;
+    for (int tries = 0; found && tries < mostTries; ++tries) {
+      found = false;
+      for (const MarkedSheet& sheet : findMarks(workbook)) {
+        found = true;
+        for (const PlacedMark& mark : sheet.marks) takeMark(workbook, sheet, mark, taken);
+      }
+    }
+  } catch (const css::uno::Exception&) {
+    // The workbook or the office is gone.
+  }
+}
+
+Reference<css::drawing::XShape> putBack(const Workbook& workbook, const TakenMark& mark) {
+  auto shape = makeMarkShape(workbook.model, mark.mark, mark.outlines);
+  const ChangeGuard guard(workbook);
+  mark.page->add(shape);
+  return shape;
+}
+
+void removeMarks(const Workbook& workbook) {
+  for (int tries = 0; tries < mostTries; ++tries) {
+    const std::vector<MarkedSheet> sheets = findMarks(workbook);
+    if (sheets.empty()) return;
+    for (const MarkedSheet& sheet : sheets) {
+      for (const PlacedMark& mark : sheet.marks) removeMark(workbook, sheet, mark);
+    }
+  }
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,213 @@
+#include "host/calc/keeper/Keeper.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
+#include <cstdint>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+using namespace std::chrono_literals;
+
+constexpr auto firstAnswer = 60s;
+constexpr auto longestSave = 10s;    // that the owner is kept waiting for
+constexpr auto leastPause = 20ms;    // between two looks, and
+constexpr int pauseForEachLook = 4;  // so many times what the last one took
+constexpr auto lastCallsOfTheDead = 2s;
+
+// Every workbook that is open, also one without a window.
+std::vector<Workbook> openWorkbooks(
+    const Reference<css::document::XDocumentEventBroadcaster>& events) {
+  std::vector<Workbook> open;
+  const auto all =
+      Reference<css::frame::XGlobalEventBroadcaster>(events, UNO_QUERY_THROW)->createEnumeration();
+  while (all->hasMoreElements()) {
+    Reference<css::uno::XInterface> document;
+    all->nextElement() >>= document;
+    if (auto workbook = asWorkbook(document)) open.push_back(std::move(*workbook));
+  }
+  return open;
+}
+
+std::string uidOf(const Workbook& workbook) {
+  rtl::OUString uid;
+  Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
+      ->getPropertyValue("RuntimeUID") >>= uid;
+  return toText(uid);
+}
+
+int millisecondsUntil(std::chrono::steady_clock::time_point when) {
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(when - std::chrono::steady_clock::now());
+  return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
+}
+
+}  // namespace
+
+Wake::Wake() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+Wake::~Wake() {
+  ::close(descriptor_);
+}
+
+void Wake::operator()() const {
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const auto written = ::write(descriptor_, &one, sizeof one);
+}
+
+void Wake::clear() const {
+  std::uint64_t count = 0;
+  [[maybe_unused]] const auto got = ::read(descriptor_, &count, sizeof count);
+}
+
+Keeper::Keeper(const OfficeAddress& office, int owner)
+    : owner_(owner),
+      office_(static_cast<int>(::syscall(SYS_pidfd_open, office.process, 0))),
+      connection_(office, firstAnswer),
+      events_(css::frame::theGlobalEventBroadcaster::get(connection_.context()), UNO_QUERY_THROW),
+      hook_(new SaveHook([this] { wake_(); })) {
+  events_->addDocumentEventListener(hook_.get());
+}
+
+Keeper::~Keeper() {
+  followers_.clear();
+  try {
+    events_->removeDocumentEventListener(hook_.get());
+  } catch (const css::uno::Exception&) {
+    // The office is gone.
+  }
+  if (office_ >= 0) ::close(office_);
+}
+
+void Keeper::run() {
+  answer();
+  for (;;) {
+    std::array<pollfd, 3> watched{pollfd{owner_, POLLIN, 0}, pollfd{wake_.descriptor(), POLLIN, 0},
+                                  pollfd{office_, POLLIN, 0}};
+    if (::poll(watched.data(), watched.size(), patience()) < 0) continue;
+    if (watched[2].revents != 0 || !connection_.isAlive()) return;
+    if (watched[0].revents != 0 && !readOwner()) break;
+    wake_.clear();
+    if (!ownersTurn_) lookAround();
+  }
+  removeAll();
+}
+
+// In milliseconds; without end where there is nothing to do before the next news.
+int Keeper::patience() const {
+  const bool waiting = std::any_of(followers_.begin(), followers_.end(),
+                                   [](const MarkFollower& one) { return one.isChanged(); });
+  if (!waiting || ownersTurn_ || !hook_->turn()) return -1;
+  return millisecondsUntil(notBefore_);
+}
+
+void Keeper::lookAround() {
+  const auto start = Clock::now();
+  if (start < notBefore_ || !hook_->turn()) return;
+  forEachChanged(&MarkFollower::look);
+  const auto now = Clock::now();
+  notBefore_ = now + std::max<Clock::duration>(pauseForEachLook * (now - start), leastPause);
+}
+
+// What fails is tried again later, unless the workbook was closed.
+void Keeper::forEachChanged(Work work) {
+  followers_.remove_if([work](MarkFollower& follower) {
+    try {
+      if (follower.isChanged()) (follower.*work)();
+      return false;
+    } catch (const css::uno::Exception&) {
+      return !follower.isOpen();
+    }
+  });
+}
+
+void Keeper::answer() const {
+  [[maybe_unused]] const auto sent = ::send(owner_, "+", 1, MSG_NOSIGNAL);
+}
+
+bool Keeper::readOwner() {
+  std::array<char, 256> bytes{};
+  const ssize_t count = ::recv(owner_, bytes.data(), bytes.size(), 0);
+  if (count < 0 && errno == EINTR) return true;
+  if (count <= 0) return false;
+  received_.append(bytes.data(), static_cast<std::size_t>(count));
+  for (std::size_t end = 0; (end = received_.find('\n')) != std::string::npos;) {
+    const std::string request = received_.substr(0, end);
+    received_.erase(0, end + 1);
+    obey(request);
+  }
+  return true;
+}
+
+void Keeper::obey(const std::string& request) {
+  constexpr std::string_view begin = "begin ";
+  if (request.starts_with(begin)) {
+    ownersTurn_ = true;
+    awaitSaves();
+    forEachChanged(&MarkFollower::look);
+    watch(request.substr(begin.size()));
+  } else if (request == "end") {
+    forEachChanged(&MarkFollower::tieNew);
+    ownersTurn_ = false;
+  }
+  answer();
+}
+
+// A mark that is made while its workbook is being saved would get into the file.
+void Keeper::awaitSaves() const {
+  const auto deadline = Clock::now() + longestSave;
+  while (!hook_->turn() && connection_.isAlive() && Clock::now() < deadline) {
+    std::array<pollfd, 2> watched{pollfd{wake_.descriptor(), POLLIN, 0},
+                                  pollfd{office_, POLLIN, 0}};
+    ::poll(watched.data(), watched.size(), millisecondsUntil(deadline));
+    if (watched[1].revents != 0) return;
+    wake_.clear();
+  }
+}
+
+// From now on, with the marks that are in the workbook: another keeper may have left them.
+void Keeper::watch(const std::string& uid) {
+  const auto known = std::any_of(followers_.begin(), followers_.end(),
+                                 [&](const MarkFollower& one) { return one.uid() == uid; });
+  if (known) return;
+  try {
+    for (const Workbook& workbook : openWorkbooks(events_)) {
+      if (uidOf(workbook) != uid) continue;
+      followers_.emplace_back(uid, workbook, *hook_, [this] { wake_(); }).tieNew();
+    }
+  } catch (const css::uno::Exception&) {
+    // The owner will notice by itself that the workbook or the office is gone.
+  }
+}
+
+// The owner may have died with a call on its way: what that makes is waited for.
+void Keeper::removeAll() {
+  hook_->letGo();
+  const auto deadline = Clock::now() + (ownersTurn_ ? lastCallsOfTheDead : 0s);
+  for (;;) {
+    wake_.clear();
+    for (const Workbook& workbook : openWorkbooks(events_)) {
+      try {
+        removeMarks(workbook);
+      } catch (const css::uno::Exception&) {
+        if (!connection_.isAlive()) return;
+      }
+    }
+    pollfd news{wake_.descriptor(), POLLIN, 0};
+    if (::poll(&news, 1, millisecondsUntil(deadline)) == 0) return;
+  }
+}
+
+}  // namespace quorin::host::calc

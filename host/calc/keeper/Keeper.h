@@ -1,0 +1,67 @@
+// Keeper: what the marks keeper does from its start to its end. Main thread.
+#pragma once
+
+#include <chrono>
+#include <com/sun/star/document/XDocumentEventBroadcaster.hpp>
+#include <list>
+#include <optional>
+#include <string>
+
+#include "host/calc/OfficeConnection.h"
+#include "host/calc/keeper/MarkFollower.h"
+#include "host/calc/keeper/SaveHook.h"
+
+namespace quorin::host::calc {
+
+// A descriptor of its own that any thread makes readable.
+class Wake {
+ public:
+  Wake();
+  ~Wake();
+  Wake(const Wake&) = delete;
+  Wake& operator=(const Wake&) = delete;
+  void operator()() const;
+  void clear() const;
+  int descriptor() const { return descriptor_; }
+
+ private:
+  const int descriptor_;
+};
+
+class Keeper {
+ public:
+  // Speaks with its owner over the socket `owner`. Throws SpreadsheetError when the office cannot
+  // be reached.
+  Keeper(const OfficeAddress& office, int owner);
+  ~Keeper();
+  Keeper(const Keeper&) = delete;
+  Keeper& operator=(const Keeper&) = delete;
+
+  // Returns when the owner or the office is gone, with every mark taken back in the first case.
+  void run();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  void watch(const std::string& uid);
+  void answer() const;
+  bool readOwner();  // false when there is none any more
+  void obey(const std::string& request);
+  void awaitSaves() const;
+  using Work = void (MarkFollower::*)();
+  void forEachChanged(Work work);
+  void lookAround();
+  int patience() const;
+  void removeAll();
+
+  const int owner_, office_;
+  const Wake wake_;
+  OfficeConnection connection_;
+  css::uno::Reference<css::document::XDocumentEventBroadcaster> events_;
+  const rtl::Reference<SaveHook> hook_;
+  std::list<MarkFollower> followers_;
+  std::string received_;
+  bool ownersTurn_ = false;
+  Clock::time_point notBefore_;
+};
+
+}  // namespace quorin::host::calc

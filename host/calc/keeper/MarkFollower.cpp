@@ -1,0 +1,200 @@
+#include "host/calc/keeper/MarkFollower.h"
+
+#include <algorithm>
+#include <atomic>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
+#include <com/sun/star/util/XModifyBroadcaster.hpp>
+
+#include "host/calc/CalcRanges.h"
+#include "host/calc/ChangeGuard.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+std::vector<Area> areasOf(const css::uno::Sequence<css::table::CellRangeAddress>& addresses) {
+  std::vector<Area> areas;
+  for (const css::table::CellRangeAddress& address : addresses) areas.push_back(areaOf(address));
+  return areas;
+}
+
+css::drawing::PointSequenceSequence outlinesShown(const PlacedMark& mark) {
+  css::drawing::PointSequenceSequence outlines;
+  Reference<css::beans::XPropertySet>(mark.shape, UNO_QUERY_THROW)
+      ->getPropertyValue("PolyPolygon") >>= outlines;
+  return outlines;
+}
+
+}  // namespace
+
+// The office waits for the answer, so there is nothing but a note.
+class MarkFollower::News : public cppu::WeakImplHelper1<css::util::XModifyListener> {
+ public:
+  explicit News(std::function<void()> changed) : changed_(std::move(changed)) {}
+  void SAL_CALL modified(const css::lang::EventObject&) override {
+    isNew = true;
+    changed_();
+  }
+  void SAL_CALL disposing(const css::lang::EventObject&) override {
+    isNew = true;
+    changed_();
+  }
+  std::atomic<bool> isNew = true;
+
+ private:
+  const std::function<void()> changed_;
+};
+
+MarkFollower::MarkFollower(std::string uid, Workbook workbook, const SaveHook& hook,
+                           const std::function<void()>& changed)
+    : uid_(std::move(uid)), workbook_(std::move(workbook)), hook_(hook), news_(new News(changed)) {
+  Reference<css::util::XModifyBroadcaster>(workbook_.model, UNO_QUERY_THROW)
+      ->addModifyListener(news_.get());
+}
+
+MarkFollower::~MarkFollower() {
+  try {
+    Reference<css::util::XModifyBroadcaster>(workbook_.model, UNO_QUERY_THROW)
+        ->removeModifyListener(news_.get());
+  } catch (const css::uno::Exception&) {
+    // The workbook is gone.
+  }
+}
+
+bool MarkFollower::isChanged() const {
+  return news_->isNew;
+}
+
+bool MarkFollower::isOpen() const {
+  try {
+    workbook_.model->getURL();
+    return true;
+  } catch (const css::uno::Exception&) {
+    return false;
+  }
+}
+
+// Finds the marks and where their cells are. That takes many calls, and it is of no use when the
+// user's next change comes in between; false then, and there is something to look at again.
+bool MarkFollower::survey(std::vector<MarkedSheet>& sheets) {
+  news_->isNew = false;
+  const std::optional<int> turn = hook_.turn();
+  if (turn) sheets = findMarks(workbook_);
+  for (Followed& mark : followed_) {
+    const auto addresses = mark.cells->getRangeAddresses();
+    mark.sheet = addresses.hasElements() ? addresses[0].Sheet : -1;
+    mark.now = areasOf(addresses);
+    mark.seen = false;
+    if (turn != turn_) mark.drawn.reset();  // its shape was made anew
+  }
+  turn_ = turn;
+  if (turn && hook_.turn() == turn && !news_->isNew) return true;
+  news_->isNew = true;
+  return false;
+}
+
+void MarkFollower::tieNew() {
+  untied_ = true;
+  news_->isNew = true;
+  std::vector<MarkedSheet> sheets;
+  constexpr int mostTries = 10;  // somebody who changes the workbook all the time
+  for (int i = 1; !survey(sheets); ++i) {
+    if (i == mostTries) return;
+  }
+  for (const MarkedSheet& sheet : sheets) {
+    for (const PlacedMark& mark : sheet.marks) {
+      Followed* followed = find(sheet, mark);
+      if (followed == nullptr) followed = &followed_.emplace_back(tied(sheet, mark));
+      if (followed->mark != mark.mark) *followed = tied(sheet, mark);
+      followed->shape = mark.shape;
+      followed->seen = true;
+    }
+  }
+  untied_ = false;
+  news_->isNew = true;
+}
+
+void MarkFollower::look() {
+  try {
+    if (untied_) return tieNew();
+    std::vector<MarkedSheet> sheets;
+    if (!survey(sheets)) return;
+    for (const MarkedSheet& sheet : sheets) lookAt(sheet);
+    std::erase_if(followed_, [](const Followed& mark) { return !mark.seen; });
+  } catch (const css::uno::Exception&) {
+    news_->isNew = true;
+    throw;
+  }
+}
+
+void MarkFollower::lookAt(const MarkedSheet& sheet) {
+  std::vector<std::pair<PlacedMark, Followed*>> kept;
+  std::vector<Mark> marks;
+  for (const PlacedMark& mark : sheet.marks) {
+    Followed* const followed = find(sheet, mark);
+    if (followed == nullptr || followed->now.empty()) {
+      removeMark(workbook_, sheet, mark);
+      continue;
+    }
+    followed->seen = true;
+    followed->shape = mark.shape;
+    if (followed->now != followed->areas) followed->mark.areas = followed->now;
+    followed->areas = followed->now;
+    kept.emplace_back(mark, followed);
+    marks.push_back(followed->mark);
+  }
+  const std::vector<std::vector<Area>> drawn = drawnAreas(marks);
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    draw(sheet, kept[i].first, *kept[i].second, drawn[i]);
+  }
+}
+
+// The number alone does not tell: a copied sheet has marks of the same numbers.
+MarkFollower::Followed* MarkFollower::find(const MarkedSheet& sheet, const PlacedMark& mark) {
+  Followed* withoutCells = nullptr;
+  for (Followed& candidate : followed_) {
+    if (candidate.number != mark.number || candidate.seen) continue;
+    if (candidate.sheet == sheet.position) return &candidate;
+    if (candidate.now.empty()) withoutCells = &candidate;
+  }
+  return withoutCells;
+}
+
+MarkFollower::Followed MarkFollower::tied(const MarkedSheet& sheet, const PlacedMark& mark) const {
+  const Reference<css::sheet::XSheetCellRangeContainer> cells(
+      Reference<css::lang::XMultiServiceFactory>(workbook_.model, UNO_QUERY_THROW)
+          ->createInstance("com.sun.star.sheet.SheetCellRanges"),
+      UNO_QUERY_THROW);
+  std::vector<css::table::CellRangeAddress> addresses;
+  for (const Area& area : mark.mark.areas) {
+    addresses.emplace_back(static_cast<sal_Int16>(sheet.position), area.firstColumn - 1,
+                           area.firstRow - 1, area.lastColumn - 1, area.lastRow - 1);
+  }
+  cells->addRangeAddresses({addresses.data(), static_cast<sal_Int32>(addresses.size())}, false);
+  Followed followed;
+  followed.number = mark.number;
+  followed.mark = mark.mark;
+  followed.cells.set(cells, UNO_QUERY_THROW);
+  followed.areas = areasOf(followed.cells->getRangeAddresses());
+  followed.sheet = sheet.position;
+  followed.now = followed.areas;
+  return followed;
+}
+
+void MarkFollower::draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
+                        const std::vector<Area>& areas) {
+  if (!isRedrawable(mark.shape)) return;
+  auto outlines = outlinesOf(sheet.sheet, areas);
+  if (!followed.drawn) followed.drawn = outlinesShown(mark);
+  if (followed.mark == mark.mark && *followed.drawn == outlines) return;
+  followed.drawn = std::move(outlines);
+  news_->isNew = true;  // whether that was done the next look sees
+  const ChangeGuard guard(workbook_);
+  redrawMarkShape(mark.shape, {followed.number, followed.mark}, *followed.drawn);
+}
+
+}  // namespace quorin::host::calc

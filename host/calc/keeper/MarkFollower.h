@@ -1,0 +1,70 @@
+// MarkFollower: lets the marks of one workbook follow what the user does to its cells, rows,
+// columns and sheets. Each mark is tied to a range object of the office, which the office adapts by
+// itself; when the workbook has changed, the shapes are drawn anew where their cells are then. Used
+// on the keeper's main thread; the office's news comes on others and is only noted.
+#pragma once
+
+#include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <functional>
+#include <list>
+#include <optional>
+#include <rtl/ref.hxx>
+#include <string>
+#include <vector>
+
+#include "host/calc/keeper/SaveHook.h"
+
+namespace quorin::host::calc {
+
+class MarkFollower {
+ public:
+  // `changed` is told on any thread that there is something to look at.
+  MarkFollower(std::string uid, Workbook workbook, const SaveHook& hook,
+               const std::function<void()>& changed);
+  ~MarkFollower();
+  MarkFollower(const MarkFollower&) = delete;
+  MarkFollower& operator=(const MarkFollower&) = delete;
+
+  // Ties the marks that the owner has just made or moved to their cells. The next look draws them.
+  void tieNew();
+
+  // Draws anew what has to be, and takes off what is not known: it came with the copy of a sheet,
+  // or an undo brought it back. While the workbook is being saved this does nothing, and remains
+  // to be done. Throws UNO's exceptions when it fails, and remains to be done then too.
+  void look();
+
+  bool isChanged() const;
+  bool isOpen() const;  // false once the workbook or the office is gone
+  const std::string& uid() const { return uid_; }
+
+ private:
+  class News;
+  struct Followed {
+    int number = 0;
+    Mark mark;                // as its shape tells
+    std::vector<Area> areas;  // where the office had its cells when that was written
+    css::uno::Reference<css::sheet::XSheetCellRanges> cells;
+    css::uno::Reference<css::drawing::XShape> shape;           // see DocumentMarks.h
+    std::optional<css::drawing::PointSequenceSequence> drawn;  // nothing when that is not known
+    // Of the present survey:
+    sal_Int32 sheet = -1;  // where its cells are; none when they are deleted
+    std::vector<Area> now;
+    bool seen = false;
+  };
+  bool survey(std::vector<MarkedSheet>& sheets);
+  void lookAt(const MarkedSheet& sheet);
+  Followed* find(const MarkedSheet& sheet, const PlacedMark& mark);
+  Followed tied(const MarkedSheet& sheet, const PlacedMark& mark) const;
+  void draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
+            const std::vector<Area>& areas);
+
+  const std::string uid_;
+  const Workbook workbook_;
+  const SaveHook& hook_;
+  const rtl::Reference<News> news_;
+  std::list<Followed> followed_;
+  bool untied_ = false;          // marks that the owner made wait for their ties
+  std::optional<int> turn_ = 0;  // the hook's at the last survey
+};
+
+}  // namespace quorin::host::calc

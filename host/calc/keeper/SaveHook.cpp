@@ -1,0 +1,87 @@
+#include "host/calc/keeper/SaveHook.h"
+
+#include <algorithm>
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY;
+
+// A copy, an export, a mail and the office's own recovery file all go by OnCopyTo.
+bool begins(const rtl::OUString& event) {
+  return event == "OnSave" || event == "OnSaveAs" || event == "OnCopyTo";
+}
+
+bool ends(const rtl::OUString& event) {
+  return event == "OnSaveDone" || event == "OnSaveFailed" || event == "OnSaveAsDone" ||
+         event == "OnSaveAsFailed" || event == "OnCopyToDone" || event == "OnCopyToFailed";
+}
+
+}  // namespace
+
+void SaveHook::letGo() {
+  const std::lock_guard lock(puttingBack_);
+  letGo_ = true;
+}
+
+std::optional<int> SaveHook::turn() const {
+  const std::lock_guard lock(mutex_);
+  return savings_.empty() && taking_ == 0 ? std::optional(turn_) : std::nullopt;
+}
+
+// Our own changes raise events of other names on this thread, in the middle of those below.
+void SaveHook::documentEventOccured(const css::document::DocumentEvent& event) {
+  try {
+    if (begins(event.EventName)) {
+      takeOut(event.Source);
+    } else if (ends(event.EventName)) {
+      putBackInto(event.Source);
+    }
+  } catch (const css::uno::Exception&) {
+    // The workbook or the office is gone.
+  } catch (const std::exception&) {
+    // No memory: what is out stays out.
+  }
+}
+
+void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
+  const auto workbook = asWorkbook(document);
+  if (!workbook) return;
+  {
+    const std::lock_guard lock(mutex_);
+    ++taking_;
+    ++turn_;
+  }
+  std::vector<TakenMark> marks;
+  takeMarks(*workbook, marks);
+  const std::lock_guard lock(mutex_);
+  --taking_;
+  if (!marks.empty()) savings_.push_back({*workbook, std::move(marks)});
+}
+
+void SaveHook::putBackInto(const Reference<css::uno::XInterface>& document) {
+  const Reference<css::frame::XModel> model(document, UNO_QUERY);
+  const std::lock_guard puttingBack(puttingBack_);
+  std::vector<Saving> over;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto its = [&](const Saving& saving) { return saving.workbook.model == model; };
+    std::copy_if(savings_.begin(), savings_.end(), std::back_inserter(over), its);
+  }
+  if (over.empty()) return;
+  std::erase_if(made_, [&](const Made& made) { return made.document == model; });
+  for (const Saving& saving : over) {
+    for (const TakenMark& mark : saving.marks) {
+      if (!letGo_) made_.push_back({model, putBack(saving.workbook, mark)});
+    }
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(savings_, [&](const Saving& saving) { return saving.workbook.model == model; });
+    ++turn_;
+  }
+  over_();
+}
+
+}  // namespace quorin::host::calc

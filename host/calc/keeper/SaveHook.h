@@ -1,0 +1,55 @@
+// SaveHook: hears of every workbook that the office is about to save, export or mail, takes our
+// marks out of it before the office goes on, and puts them back when it is through. The office
+// waits for the callback, which therefore makes its calls inline and never waits for a thread that
+// may be in a call itself. Callbacks come on threads of the bridge; the rest is for any thread.
+#pragma once
+
+#include <com/sun/star/document/XDocumentEventListener.hpp>
+#include <cppuhelper/implbase1.hxx>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "host/calc/keeper/DocumentMarks.h"
+
+namespace quorin::host::calc {
+
+class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListener> {
+ public:
+  // `over` is told on any thread when marks that were taken out are back.
+  explicit SaveHook(std::function<void()> over) : over_(std::move(over)) {}
+
+  // From now on nothing is put back. Waits for a callback that is doing so, hence never to be
+  // called in one.
+  void letGo();
+
+  // Counts the saves. What was seen of the marks between two equal answers is how they are; while
+  // some are out, there is no answer.
+  std::optional<int> turn() const;
+
+  void SAL_CALL documentEventOccured(const css::document::DocumentEvent& event) override;
+  void SAL_CALL disposing(const css::lang::EventObject&) override {}
+
+ private:
+  struct Saving {
+    Workbook workbook;
+    std::vector<TakenMark> marks;
+  };
+  struct Made {
+    css::uno::Reference<css::frame::XModel> document;
+    css::uno::Reference<css::drawing::XShape> shape;
+  };
+  void takeOut(const css::uno::Reference<css::uno::XInterface>& document);
+  void putBackInto(const css::uno::Reference<css::uno::XInterface>& document);
+
+  const std::function<void()> over_;
+  std::mutex puttingBack_;    // held while marks are put back
+  bool letGo_ = false;        // under it, like the next
+  std::vector<Made> made_;    // held until the next save: somebody may be looking for them
+  mutable std::mutex mutex_;  // guards what follows, never held during a call
+  std::vector<Saving> savings_;
+  int taking_ = 0, turn_ = 0;
+};
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,82 @@
+// A client of an office that marks cells with the help of a marks keeper: the victim of the tests.
+//
+//   marking_client PIPE PROCESS BOOK
+//
+// It writes "ready", reads lines "SHEET CELLS", marks the cells, which must be a list such as
+// "B2,C5:D6", and answers each line with the keeper's process id, or with what went wrong. It ends
+// in good order when its input does.
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/frame/Desktop.hpp>
+#include <iostream>
+#include <string>
+
+#include "host/Address.h"
+#include "host/calc/CalcRanges.h"
+#include "host/calc/ChangeGuard.h"
+#include "host/calc/MarkShape.h"
+#include "host/calc/MarksKeeper.h"
+#include "host/calc/OfficeConnection.h"
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY;
+using css::uno::UNO_QUERY_THROW;
+
+Workbook workbookNamed(const OfficeConnection& office, const std::string& book) {
+  const auto all =
+      css::frame::Desktop::create(office.context())->getComponents()->createEnumeration();
+  while (all->hasMoreElements()) {
+    const Reference<css::frame::XModel> model(all->nextElement(), UNO_QUERY);
+    if (!model.is() || pathOfUrl(toText(model->getURL())).filename() != book) continue;
+    Workbook workbook;
+    workbook.model = model;
+    workbook.document.set(model, UNO_QUERY_THROW);
+    workbook.sheets.set(workbook.document->getSheets(), UNO_QUERY_THROW);
+    return workbook;
+  }
+  throw std::runtime_error("no workbook " + book);
+}
+
+void mark(MarksKeeper& keeper, const Workbook& workbook, int number, const std::string& sheet,
+          const std::string& cells) {
+  rtl::OUString uid;
+  Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
+      ->getPropertyValue("RuntimeUID") >>= uid;
+  Reference<css::drawing::XShape> shape;  // held longer than the turn
+  const MarksKeeper::Turn turn(keeper, toText(uid));
+  const auto place = sheetOf(workbook, sheet);
+  const std::vector<Area> areas = parseA1(cells).value();
+  shape = makeMarkShape(workbook.model, {number, {"=1=1", Color{255, 0, 255}, areas}},
+                        outlinesOf(place, areas));
+  const ChangeGuard guard(workbook);
+  drawPageOf(place)->add(shape);
+}
+
+void serve(const OfficeAddress& address, const std::string& book) {
+  const OfficeConnection office(address, std::chrono::seconds(60));
+  const Workbook workbook = workbookNamed(office, book);
+  MarksKeeper keeper(address);
+  int number = 0;
+  std::cout << "ready" << std::endl;
+  for (std::string sheet, cells; std::cin >> sheet >> cells;) {
+    try {
+      mark(keeper, workbook, ++number, sheet, cells);
+      std::cout << keeper.process() << std::endl;
+    } catch (const std::exception& failure) {
+      std::cout << failure.what() << std::endl;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
+
+int main(int count, char** arguments) {
+  if (count != 4) return 2;
+  quorin::host::calc::serve({std::atoi(arguments[2]), arguments[1]}, arguments[3]);
+  return 0;
+}
