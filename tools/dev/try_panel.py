@@ -5,9 +5,12 @@ usage: try_panel.py QUORIN WORKBOOK OUTPUT_FOLDER
 
 Starts a display, a window manager, Calc with the workbook and Quorin, all with folders of their
 own. Selects three cells by key presses, waits for the panel to show each, prints what it shows and
-compares that with what Calc tells over its own interface. Writes a screenshot for each cell. Ends
-with status 0 when the panel showed what each cell holds, and leaves nothing running.
+compares that with what Calc tells over its own interface. Then brings the panel up and steps through
+the tree of the last formula: the sheet follows, and Escape gives everything back. Writes a
+screenshot for each cell and each step. Ends with status 0 when the panel showed what each cell holds
+and left nothing of its own on the sheet, and leaves nothing running.
 """
+import contextlib
 import hashlib
 import json
 import os
@@ -45,13 +48,14 @@ PROFILE = """<?xml version="1.0" encoding="UTF-8"?>
 
 # Asked for by Calc's own means, so that Quorin is not its own witness.
 WITNESS = """
-import sys, json, uno
+import sys, json, time, uno
 local = uno.getComponentContext()
 resolver = local.ServiceManager.createInstance("com.sun.star.bridge.UnoUrlResolver")
 context = resolver.resolve("uno:pipe,name=%s;urp;StarOffice.ComponentContext")
 desktop = context.ServiceManager.createInstance("com.sun.star.frame.Desktop")
 for line in sys.stdin:
-    document = desktop.getCurrentComponent()
+    while not (document := desktop.getCurrentComponent()):
+        time.sleep(0.05)  # none of its windows has been in front yet
     controller = document.getCurrentController()
     selection = controller.getSelection()
     if not hasattr(selection, "getCellAddress"):
@@ -62,7 +66,8 @@ for line in sys.stdin:
     print(json.dumps({"sheet": sheet.Name, "row": address.Row + 1, "column": address.Column,
                       "formula": selection.getFormula(), "text": selection.getString(),
                       "number": selection.getValue() if kind in ("VALUE", "FORMULA") else None,
-                      "error": selection.getError()}), flush=True)
+                      "error": selection.getError(),
+                      "shapes": sum(one.DrawPage.Count for one in document.Sheets)}), flush=True)
 """
 
 
@@ -306,6 +311,49 @@ class Trial:
         print(f"  the panel shows  {shown['formula'] or '(no formula)'}   {shown['value']}")
         return self.matches(held, shown)
 
+    def step(self, key):
+        """Presses the key in the panel, and gives what it tells once the sheet has followed."""
+        before = self.foot()
+        self.tool("xdotool", "key", key)
+        wait_for("another row", lambda: self.foot()["step"] != before["step"], 30)
+        rested = time.monotonic()
+        now = self.foot()
+        while time.monotonic() - rested < 2:
+            time.sleep(0.1)
+            if self.foot() != now:
+                rested, now = time.monotonic(), self.foot()
+        return now
+
+    def foot(self):
+        return self.panel.eval("""(() => { const shown = {};
+            for (const name of ["step", "marked"]) {
+              const one = document.querySelector(`[data-testid="${name}"]`);
+              shown[name] = one ? one.textContent.trim() : "";
+            }
+            const row = document.querySelector(".row.active .rowText");
+            shown.part = row ? row.textContent : "";
+            return shown; })()""")
+
+    def step_through(self, *keys):
+        """Walks the tree with real keys; whether the sheet was as before when Escape gave it back."""
+        before = self.cell()["shapes"]
+        self.tool(self.quorin, "--show")
+        wait_for("the keyboard", lambda: self.panel.ask("window")["key"])
+        if not self.foot()["step"]:
+            print("  no formula to step through")
+            return True
+        for number, key in enumerate(keys, 1):
+            foot = self.step(key)
+            print(f"  {foot['step']}: {foot['part']}   {foot['marked']}")
+            self.take_picture(f"step-{number}.png")
+        marked = self.cell()["shapes"]
+        self.tool("xdotool", "key", "Escape")
+        wait_for("the marks to go", lambda: not self.foot()["marked"], 30)
+        wait_for("the keyboard to go back", lambda: not self.panel.ask("window")["key"], 30)
+        after = self.cell()["shapes"]
+        print(f"  marks of ours: {before} before, {marked} while stepping, {after} after Escape")
+        return marked > before and after == before
+
     @staticmethod
     def is_of(shown, held):
         address = f"{letters(held['column'])}{held['row']}"
@@ -346,8 +394,8 @@ class Trial:
         wait_for("the panel to stand beside Calc", self.stand_beside_calc)
         results = [self.try_cell(1, "ctrl+Home", "Right", "Right", "Right", "Down", "Down"),
                    self.try_cell(2, "Down", "Down"),
-                   self.try_cell(3, "ctrl+Next", "ctrl+Next", "Down", "Down", "Down",
-                                 "Right", "Right", "Right")]
+                   self.try_cell(3, *["ctrl+Next"] * 3, *["Down"] * 5, *["Right"] * 7)]
+        results.append(self.step_through("Down", "Down", "Down"))
         log = self.folder / "state" / "Logs" / "Quorin" / "quorin.log"
         if log.exists():
             shutil.copy(log, self.output / "quorin.log")
@@ -394,7 +442,8 @@ class Trial:
                 os.killpg(process.pid, 9)
                 process.wait()
             for stream in filter(None, (process.stdin, process.stdout)):
-                stream.close()
+                with contextlib.suppress(BrokenPipeError):
+                    stream.close()
         for pipe in pipes:
             pipe.unlink(missing_ok=True)
         shutil.rmtree(self.folder, ignore_errors=True)

@@ -86,11 +86,12 @@ function through(queue: Errands) {
 const askForSelection = through(selectionErrands);
 const ask = through(errands);
 
-const follower = new SheetFollower(
+const follower: SheetFollower = new SheetFollower(
   {
     markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
     reveal: (addresses) => client.ask('reveal', addresses),
     clearMarks: () => client.ask('clearMarks'),
+    locate: (name) => explorer.locate(name),
   },
   clock,
   () => {
@@ -98,7 +99,7 @@ const follower = new SheetFollower(
   },
   changed,
 );
-const explorer = new Explorer({
+const explorer: Explorer = new Explorer({
   questions: {
     evaluate: (expression) => client.ask('evaluate', expression),
     readRange: (address) => client.ask('readRange', address),

@@ -21,6 +21,11 @@ export function StatusBar(props: StatusBarProps): JSX.Element {
     });
   const follow = () => props.page.look(() => props.page.follower.current);
   const marked = () => follow().marked !== '' || follow().changed;
+  const left = () => {
+    const { marked, unhidden } = follow();
+    const all = [marked && `Highlighted ${marked}`, unhidden && `${unhidden} shown`];
+    return all.filter(Boolean).join(' · ') || 'Marks may be left on the sheet';
+  };
   return (
     <footer class="foot">
       <For each={follow().notes}>
@@ -38,10 +43,8 @@ export function StatusBar(props: StatusBarProps): JSX.Element {
           {props.said}
         </p>
         <Show when={marked()}>
-          <span class="footMarked" data-testid="marked">
-            {follow().marked === ''
-              ? 'Marks may be left on the sheet'
-              : `Highlighted ${oneLine(follow().marked)}`}
+          <span class="footMarked" data-testid="marked" title={oneLine(left())}>
+            {oneLine(left())}
           </span>
           <button
             type="button"

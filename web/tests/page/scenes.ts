@@ -149,7 +149,7 @@ export const scenes: Record<string, Scene> = {
     then: async (panel) => {
       await panel.verified('same');
       await keys(panel, 'ArrowDown');
-      await panel.page.getByTestId('sheet-note').nth(1).waitFor();
+      await panel.page.getByText('column C shown').waitFor();
     },
   },
   colours: {

@@ -17,6 +17,7 @@ import { qualified } from '../address/area';
 import { destinationOf, placesOfRow } from './destination';
 import { nextFinding } from './findings';
 import { leadOf } from './lead';
+import { locate } from './locate';
 import type { ExplorerPorts } from './ports';
 import { homeOf, stopAt, stopOf } from './stops';
 import { samePlace, Trail, type Stop } from './Trail';
@@ -261,6 +262,11 @@ export class Explorer {
     else this.here?.tree?.move(how);
     this.follow();
     this.ports.changed();
+  }
+
+  /** The address of a name's cells, for marking and showing them. */
+  locate(name: string): Promise<string> {
+    return locate(name, this.ports.questions, this.cache);
   }
 
   destination() {

@@ -14,6 +14,7 @@ import type { PlaceRow } from '../workbook/PlaceList';
 /** The cells that the item names, or that its parts name; nothing where there are none. */
 export function destinationOf(item: Item, home: Home): Destination | undefined {
   const addresses = new Set<string>();
+  const names = new Set<string>();
   let label = '';
   walk(item.node, (node) => {
     const target = targetOf(node, item.scope, home);
@@ -22,12 +23,13 @@ export function destinationOf(item: Item, home: Home): Destination | undefined {
       addresses.add(qualified(target.sheet, areaAddress(target.area)));
     } else if (node.kind === 'name' && !lookUp(item.scope, node.name)) {
       label = node.prefix + node.name;
-      addresses.add(node.prefix + node.name);
+      addresses.add(label);
+      names.add(label);
     }
   });
   if (addresses.size === 0) return undefined;
   if (addresses.size > 1) label = count(addresses.size, 'area');
-  return { label, addresses: [...addresses] };
+  return { label, addresses: [...addresses], names };
 }
 
 /** The cells that a row of a list stands for; those without a sheet are on `sheet`. */

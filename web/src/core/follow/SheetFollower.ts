@@ -12,10 +12,17 @@ export type FollowQuestions = {
   markCells(addresses: readonly string[], colour: Colour): Promise<Outcome<Marked>>;
   reveal(addresses: readonly string[]): Promise<Outcome<Revealed>>;
   clearMarks(): Promise<Outcome<{ removed: number }>>;
+  /** The address of a name's cells; the name itself where there is none. */
+  locate(name: string): Promise<string>;
 };
 
 /** Cells to show: what they are called, and their addresses with their sheets. */
-export type Destination = { label: string; addresses: readonly string[] };
+export type Destination = {
+  label: string;
+  addresses: readonly string[];
+  /** Those of the addresses that are names of the workbook. */
+  names?: ReadonlySet<string>;
+};
 
 /** The active row has to stay the active one this long. */
 export const followAfter = 80;
@@ -27,11 +34,21 @@ const defaultColour: Colour = [255, 0, 255];
 export type FollowState = {
   /** What is marked now; empty for nothing. */
   marked: string;
-  /** Whether rows or columns were unhidden, or marks may be left of an attempt that failed. */
+  /** The rows and columns that were unhidden for it; empty for none. */
+  unhidden: string;
+  /** Whether something may be left to take back, whatever is known of it. */
   changed: boolean;
   notes: string[];
   /** Whether the native side can mark at all. */
   able: boolean;
+};
+
+const nothingShown: FollowState = {
+  marked: '',
+  unhidden: '',
+  changed: false,
+  notes: [],
+  able: true,
 };
 
 export class SheetFollower implements Source {
@@ -41,7 +58,9 @@ export class SheetFollower implements Source {
   /** The refusal met last, as long as nothing has been marked since. */
   private refusal = '';
   private colour: Colour = defaultColour;
-  private state: FollowState = { marked: '', changed: false, notes: [], able: true };
+  private state: FollowState = nothingShown;
+  /** The cells for which rows or columns were unhidden. */
+  private unhiddenFor = '';
 
   constructor(
     private readonly questions: FollowQuestions,
@@ -97,7 +116,11 @@ export class SheetFollower implements Source {
   }
 
   private async show(destination: Destination): Promise<void> {
-    const addresses = destination.addresses.slice(0, addressLimit);
+    const addresses: string[] = [];
+    for (const address of destination.addresses.slice(0, addressLimit)) {
+      const isName = destination.names?.has(address) === true;
+      addresses.push(isName ? await this.questions.locate(address) : address);
+    }
     const notes: string[] = [];
     if (destination.addresses.length > addressLimit) {
       notes.push(
@@ -116,8 +139,7 @@ export class SheetFollower implements Source {
         );
       }
       this.refusal = '';
-      const { changed } = this.state;
-      this.change({ marked: destination.label, changed, notes, able: true });
+      this.change({ ...this.state, marked: destination.label, notes, able: true });
     }
     // Something newer is wanted already, or nothing at all: the sheet need not move for this.
     if (this.wanted || this.clearing) return;
@@ -129,14 +151,17 @@ export class SheetFollower implements Source {
     const { reason, unhid } = revealed.value;
     if (reason === 'multi-sheet') notes.push('On several sheets: marked, not scrolled to.');
     else if (reason === 'unbound') notes.push('Not scrolled to: there are no such cells.');
-    if (unhid) notes.push(`Shown for now: ${unhid}.`);
-    this.change({ ...this.state, changed: this.state.changed || unhid !== undefined, notes });
+    // Rows that were unhidden for the same cells stay; those for others were hidden again.
+    const [first = ''] = addresses;
+    const unhidden = unhid ?? (first === this.unhiddenFor ? this.state.unhidden : '');
+    this.unhiddenFor = first;
+    this.change({ ...this.state, unhidden, changed: this.state.changed || unhidden !== '', notes });
   }
 
   private async takeBack(): Promise<void> {
     const cleared = await this.questions.clearMarks();
     this.refusal = '';
-    if (cleared.ok) this.change({ marked: '', changed: false, notes: [], able: true });
+    if (cleared.ok) this.change(nothingShown);
     else
       this.change({
         ...this.state,

@@ -52,6 +52,7 @@ beforeEach(() => {
       markCells: () => Promise.resolve(succeeded({ applied: 1, shadowed: false, moved: false })),
       reveal: () => Promise.resolve(succeeded({ revealed: true })),
       clearMarks: () => Promise.resolve(succeeded({ removed: 1 })),
+      locate: (name) => Promise.resolve(name),
     },
     clock,
     () => undefined,

@@ -40,6 +40,7 @@ beforeEach(() => {
         asked.push('clear');
         return Promise.resolve(cleared);
       },
+      locate: (name) => Promise.resolve(name === 'Rate' ? "'Inputs'!B4:B9" : name),
     },
     clock,
     () => undefined,
@@ -57,7 +58,13 @@ describe('the sheet follows', () => {
     clock.advance(1);
     await run();
     expect(asked).toEqual(["mark 'Data'!B4 255,0,255", "reveal 'Data'!B4"]);
-    expect(state).toEqual({ marked: 'Data!B4', changed: false, notes: [], able: true });
+    expect(state).toEqual({
+      marked: 'Data!B4',
+      unhidden: '',
+      changed: false,
+      notes: [],
+      able: true,
+    });
   });
 
   test('the last of several rows only', async () => {
@@ -88,6 +95,45 @@ describe('the sheet follows', () => {
   });
 });
 
+describe('what was unhidden', () => {
+  test('is known while the same cells are shown, and until it is taken back', async () => {
+    revealed = succeeded({ revealed: true, unhid: 'rows 12–14' });
+    follower.go(b4);
+    await run();
+    expect(state).toMatchObject({ unhidden: 'rows 12–14', changed: true });
+    revealed = succeeded({ revealed: false });
+    follower.go(b4);
+    await run();
+    expect(state.unhidden).toBe('rows 12–14');
+    follower.clear();
+    await run();
+    expect(state).toMatchObject({ unhidden: '', changed: false });
+  });
+
+  test('is hidden again when other cells are shown', async () => {
+    revealed = succeeded({ revealed: true, unhid: 'row 3' });
+    follower.go(b4);
+    await run();
+    revealed = succeeded({ revealed: true });
+    follower.go(c5);
+    await run();
+    expect(state).toMatchObject({ marked: 'Data!C5', unhidden: '' });
+  });
+});
+
+test('a name is shown where its cells are', async () => {
+  follower.go({
+    label: '2 areas',
+    addresses: ["'Data'!B4", 'Rate', 'Odd'],
+    names: new Set(['Rate', 'Odd']),
+  });
+  await run();
+  expect(asked).toEqual([
+    "mark 'Data'!B4 'Inputs'!B4:B9 Odd 255,0,255",
+    "reveal 'Data'!B4 'Inputs'!B4:B9 Odd",
+  ]);
+});
+
 describe('what the user should know is said', () => {
   test.each<[string, () => void, string]>([
     [
@@ -96,13 +142,6 @@ describe('what the user should know is said', () => {
         marked = succeeded({ applied: 1, shadowed: true, moved: false });
       },
       'A rule of yours lies on these cells, so marking them cleared the undo history.',
-    ],
-    [
-      'rows unhidden',
-      () => {
-        revealed = succeeded({ revealed: true, unhid: 'rows 12–14' });
-      },
-      'Shown for now: rows 12–14.',
     ],
     [
       'several sheets',
@@ -158,7 +197,7 @@ describe('everything is taken back', () => {
     follower.clear();
     await run();
     expect(asked.at(-1)).toBe('clear');
-    expect(state).toEqual({ marked: '', changed: false, notes: [], able: true });
+    expect(state).toEqual({ marked: '', unhidden: '', changed: false, notes: [], able: true });
   });
 
   test('also what is only on its way', async () => {
@@ -191,7 +230,7 @@ test('a spreadsheet that refuses twice for the same reason is left alone until a
   expect(state.notes).toEqual(['Cells cannot be marked here. Space selects them instead.']);
   follower.clear();
   await run();
-  expect(state).toEqual({ marked: '', changed: false, notes: [], able: true });
+  expect(state).toEqual({ marked: '', unhidden: '', changed: false, notes: [], able: true });
 });
 
 test('a native side that cannot mark is asked once', async () => {

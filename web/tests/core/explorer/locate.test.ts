@@ -1,0 +1,40 @@
+import { describe, expect, test } from 'vitest';
+
+import { ResultCache } from '../../../src/core/evaluation/ResultCache';
+import { locate } from '../../../src/core/explorer/locate';
+import { excelError, FakeWorkbook } from '../../fakes/FakeWorkbook';
+
+const question = 'CELL("address",Rate)&"|"&ROWS(Rate)&"|"&COLUMNS(Rate)';
+
+async function located(answer: ReturnType<FakeWorkbook['otherwise']>): Promise<string> {
+  const workbook = new FakeWorkbook();
+  workbook.expressions = { [question]: answer };
+  return locate('Rate', workbook, new ResultCache());
+}
+
+describe('a name', () => {
+  test.each([
+    ['$Inputs.$B$4|1|1', "'Inputs'!B4"],
+    ["$'My sheet'.$B$4|6|2", "'My sheet'!B4:C9"],
+    ["'[Model.xlsx]My sheet'!$B$4|1|3", "'My sheet'!B4:D4"],
+    // Without a sheet it is on the one in front, where the name is understood.
+    ['$B$4|1|1', 'Rate'],
+    ['nonsense|1|1', 'Rate'],
+    ['$Inputs.$B$4|x|1', 'Rate'],
+    [12, 'Rate'],
+    [excelError('#VALUE!'), 'Rate'],
+  ])('told as %j is at %s', async (answer, address) => {
+    expect(await located(answer)).toBe(address);
+  });
+
+  test('is asked for once while the workbook stays as it is', async () => {
+    const workbook = new FakeWorkbook();
+    const cache = new ResultCache();
+    workbook.expressions = { [question]: '$Inputs.$B$4|1|1' };
+    for (let i = 0; i < 3; i++) expect(await locate('Rate', workbook, cache)).toBe("'Inputs'!B4");
+    expect(workbook.asked).toHaveLength(1);
+    cache.clear();
+    await locate('Rate', workbook, cache);
+    expect(workbook.asked).toHaveLength(2);
+  });
+});
