@@ -106,10 +106,11 @@ def main():
             if now // 5 > taken:  # every five seconds
                 taken = now // 5
                 by_minute[int(now // 60)].append(sample(trial.process.pid))
-            if now // 60 > (now - between) // 60 or number == changes - 1:
-                done = by_minute[max(by_minute)]
-                print(f"{now / 60:5.1f} min: {middle(done):6.1f} MB", ", ".join(
-                    f"{name} {middle(done, name):.1f}" for name in sorted(done[-1])), flush=True)
+                done = by_minute.get(int(now // 60) - 1)
+                if done and len(by_minute[int(now // 60)]) == 1:  # a minute is over
+                    print(f"{now // 60:4.0f} min: {middle(done):6.1f} MB", ", ".join(
+                        f"{name} {middle(done, name):.1f}" for name in sorted(done[-1])),
+                        flush=True)
         keyboard.close()
         heard = trial.panel.eval("window.__soak")
         held, shown = trial.cell(), trial.panel.shown()
@@ -119,7 +120,8 @@ def main():
         warm = by_minute[min(WARM_UP, whole[-1])]
         last = by_minute[whole[-1]]
         growth = middle(last) - middle(warm)
-        print(f"grown by {growth:+.1f} MB (budget {BUDGET:.0f}):", ", ".join(
+        print(f"from {middle(warm):.1f} MB to {middle(last):.1f} MB, grown by {growth:+.1f} MB "
+              f"(budget {BUDGET:.0f}):", ", ".join(
             f"{name} {middle(last, name) - middle(warm, name):+.1f}" for name in sorted(last[-1])))
         # Where an arrow points out of the sheet nothing is selected.
         return 0 if growth < BUDGET and heard > changes * 0.8 else 1
