@@ -72,8 +72,8 @@ struct Place {
   }
 };
 
-// Every step of the stores, `calls` calls and all messages but the last two of one call of each
-// kind that changes something.
+// Every step of the stores, `calls` calls and the first three quarters of the messages of one call
+// of each kind that changes something.
 std::vector<Place> placesOf(const Points& points, std::size_t calls) {
   std::vector<Place> steps, asked, inside;
   std::set<std::string> kinds;
@@ -85,7 +85,7 @@ std::vector<Place> placesOf(const Points& points, std::size_t calls) {
     if (!changes(points[i]) || !kinds.insert(points[i]).second) continue;
     std::size_t last = i;
     while (last + 1 < points.size() && isMessage(points[last + 1])) ++last;
-    for (std::size_t message = 1; message + 2 <= last - i; ++message)
+    for (std::size_t message = 1; message <= (last - i) * 3 / 4; ++message)
       inside.push_back({others, message});
   }
   std::vector<Place> places = steps;

@@ -44,6 +44,7 @@ class CalcRoad {
 
   Bridge& bridge() { return bridge_; }
   HighlightStore& store() { return store_; }
+  UnhideStore& unhidden() { return unhide_; }
   PrivateOffice& office() { return *office_; }
   std::vector<std::string> log() { return log_.lines(); }
 

@@ -178,6 +178,24 @@ void UserHands::saveAs(const std::string& book, const std::string& file) {
                    sequenceOf({argument("FilterName", rtl::OUString("Calc MS Excel 2007 XML"))}));
 }
 
+void UserHands::insertRows(const std::string& book, const std::string& sheet, int row, int count) {
+  Reference<css::table::XColumnRowRange>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->getRows()
+      ->insertByIndex(row - 1, count);
+}
+
+void UserHands::removeRows(const std::string& book, const std::string& sheet, int row, int count) {
+  Reference<css::table::XColumnRowRange>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->getRows()
+      ->removeByIndex(row - 1, count);
+}
+
+void UserHands::renameSheet(const std::string& book, const std::string& sheet,
+                            const std::string& name) {
+  Reference<css::container::XNamed>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->setName(toUno(name));
+}
+
 void UserHands::setModified(const std::string& book, bool modified) {
   Reference<css::util::XModifiable>(objects_->workbook(book), UNO_QUERY_THROW)
       ->setModified(modified);

@@ -37,6 +37,9 @@ class UserHands {
   std::vector<std::string> shapes(const std::string& book, const std::string& sheet);
   void eraseShapes(const std::string& book, const std::string& sheet);
   void saveAs(const std::string& book, const std::string& file);  // as a workbook of Excel's
+  void insertRows(const std::string& book, const std::string& sheet, int row, int count);
+  void removeRows(const std::string& book, const std::string& sheet, int row, int count);
+  void renameSheet(const std::string& book, const std::string& sheet, const std::string& name);
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);
