@@ -10,6 +10,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/Arguments.h"
+#include "host/calc/CalcRanges.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
 
@@ -32,6 +33,13 @@ Workbook& CalcSession::workbook(const std::string& book) {
   return *asked_;
 }
 
+std::vector<std::string> CalcSession::worksheets(const std::string& book) {
+  if (const auto kept = worksheets_.find(book); kept != worksheets_.end()) return kept->second;
+  std::vector<std::string> names = sheetNames(workbook(book));
+  if (keeping_) worksheets_[book] = names;
+  return names;
+}
+
 SheetConditions& CalcSession::conditions(const SheetRef& sheet) {
   Workbook& book = workbook(sheet.book);
   const bool kept = keeping_ && conditions_ && conditions_->isTrue() &&
@@ -43,6 +51,7 @@ SheetConditions& CalcSession::conditions(const SheetRef& sheet) {
 
 void CalcSession::keepReadings(bool keep) {
   keeping_ = keep;
+  worksheets_.clear();
   conditions_.reset();
   workbooks_.keepReading(keep);
 }

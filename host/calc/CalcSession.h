@@ -3,8 +3,10 @@
 #pragma once
 
 #include <com/sun/star/frame/XDesktop2.hpp>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/calc/CalcEvaluator.h"
 #include "host/calc/CalcWorkbooks.h"
@@ -23,10 +25,11 @@ class CalcSession {
   CalcEvaluator& evaluator() { return evaluator_; }
   ScratchWorkbooks& scratch() { return scratch_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
+  std::vector<std::string> worksheets(const std::string& book);
   SheetConditions& conditions(const SheetRef& sheet);
 
-  // While readings are kept, what only the user changes is not read twice: which workbooks are open
-  // and what conditions a sheet has.
+  // While readings are kept, what only the user changes is not read twice: which workbooks are
+  // open, which sheets they have and what conditions are on a sheet.
   void keepReadings(bool keep);
 
   // Whether the office is still there. Asks it: the news of its end may come late.
@@ -41,7 +44,8 @@ class CalcSession {
   CalcWorkbooks workbooks_;
   CalcEvaluator evaluator_;
   ScratchWorkbooks scratch_;
-  std::shared_ptr<Workbook> asked_;              // keeps the last answer of workbook() valid
+  std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
+  std::map<std::string, std::vector<std::string>> worksheets_;  // by workbook, while kept
   std::unique_ptr<SheetConditions> conditions_;  // of the sheet that was last asked for
   bool keeping_ = false;
   std::string version_;

@@ -137,7 +137,7 @@ std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
     if (office.scratch().find(book) != nullptr) {
       return std::vector<std::string>{ScratchWorkbook::onlySheet};
     }
-    return sheetNames(office.workbook(book));
+    return office.worksheets(book);
   });
 }
 
