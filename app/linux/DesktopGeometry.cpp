@@ -1,6 +1,5 @@
 #include "app/linux/DesktopGeometry.h"
 
-#include <algorithm>
 #include <cmath>
 #include <locale>
 #include <sstream>
@@ -8,15 +7,6 @@
 namespace quorin::DesktopGeometry {
 
 namespace {
-
-// As much of a window as one needs to take hold of it.
-constexpr double graspable = 48;
-
-double overlap(const ScreenFrame& a, const ScreenFrame& b) {
-  const double width = std::min(a.maxX(), b.maxX()) - std::max(a.x, b.x);
-  const double height = std::min(a.maxY(), b.maxY()) - std::max(a.y, b.y);
-  return width > 0 && height > 0 ? width * height : 0;
-}
 
 int rounded(double value) {
   return static_cast<int>(std::lround(value));
@@ -32,33 +22,6 @@ ScreenFrame toPoints(const DesktopRect& rect, int screenHeight) {
 DesktopRect toDesktop(const ScreenFrame& frame, int screenHeight) {
   const int height = rounded(frame.height);
   return {rounded(frame.x), screenHeight - rounded(frame.y) - height, rounded(frame.width), height};
-}
-
-std::optional<Screen> screenOf(const ScreenFrame& frame, const std::vector<Screen>& screens) {
-  const auto most =
-      std::max_element(screens.begin(), screens.end(), [&](const Screen& a, const Screen& b) {
-        return overlap(frame, a.frame) < overlap(frame, b.frame);
-      });
-  if (most == screens.end() || overlap(frame, most->frame) == 0) return std::nullopt;
-  return *most;
-}
-
-ScreenFrame constrained(const ScreenFrame& wanted, const std::vector<Screen>& screens) {
-  if (screens.empty()) return wanted;
-  ScreenFrame frame = wanted;
-  const Screen screen = screenOf(frame, screens).value_or(screens.front());
-  const ScreenFrame& visible = screen.visibleFrame;
-  if (frame.height > visible.height) {
-    frame.height = visible.height;
-    frame.y = visible.y;
-  }
-  frame.y = std::min(frame.y, visible.maxY() - frame.height);
-  // Its title bar may hang over every other edge, but for the part that one can take hold of.
-  frame.y = std::max(frame.y, visible.y + graspable - frame.height);
-  if (frame.maxX() < visible.x + graspable || frame.x > visible.maxX() - graspable) {
-    frame.x = std::max(visible.x, std::min(frame.x, visible.maxX() - frame.width));
-  }
-  return frame;
 }
 
 std::string savedFrameText(const ScreenFrame& frame, const ScreenFrame& screen) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/shell/ports/PanelWindow.h"
+#include "app/shell/ScreenPlacement.h"
 #include "kit/shapes/ScreenGeometry.h"
 
 namespace quorin {
@@ -29,12 +29,8 @@ namespace DesktopGeometry {
 ScreenFrame toPoints(const DesktopRect& rect, int screenHeight);
 DesktopRect toDesktop(const ScreenFrame& frame, int screenHeight);
 
-// The screen that holds most of the frame; none when no screen holds any of it.
-std::optional<Screen> screenOf(const ScreenFrame& frame, const std::vector<Screen>& screens);
-
-// The frame with its title bar in reach: not higher than the screen's visible frame and its top not
-// above it; a frame off all screens is moved into the first one. Without screens it stays.
-ScreenFrame constrained(const ScreenFrame& frame, const std::vector<Screen>& screens);
+using ScreenPlacement::constrained;
+using ScreenPlacement::screenOf;
 
 // A saved frame as text: its four numbers, then those of the screen it was on, each followed by a
 // space: "900 252 460 588 0 0 1440 900 ".

@@ -3,6 +3,7 @@
 #include "app/macos/Edge.h"
 #import "app/macos/MacWebView.h"
 #import "app/macos/Text.h"
+#include "app/shell/ScreenPlacement.h"
 #include "kit/platform/Fatal.h"
 
 @interface QXPanel : NSPanel
@@ -64,7 +65,11 @@ QXPanel* makePanel(const PanelWindowOptions& options) {
 
 }  // namespace
 
-MacPanelWindow::MacPanelWindow(const PanelWindowOptions& options) : panel_(makePanel(options)) {}
+// AppKit gives the panel the frame that it saved; the screen of then may be gone.
+MacPanelWindow::MacPanelWindow(const PanelWindowOptions& options) : panel_(makePanel(options)) {
+  const ScreenFrame inReach = ScreenPlacement::constrained(frame(), screens());
+  if (inReach != frame()) setFrame(inReach);
+}
 
 MacPanelWindow::~MacPanelWindow() {
   panel_.closeReceiver = nullptr;

@@ -103,7 +103,7 @@ void MacWebView::setDelegate(WebViewDelegate* delegate) {
 
 bool MacWebView::loadURL(const std::string& url, std::chrono::seconds timeout) {
   NSURL* target = [NSURL URLWithString:toNSString(url)];
-  if (!target) return false;
+  if (!target || !target.scheme) return false;  // macOS 14 makes a URL of any text
   const NSTimeInterval seconds = std::chrono::duration<double>(timeout).count();
   [view_ loadRequest:[NSURLRequest requestWithURL:target
                                       cachePolicy:NSURLRequestUseProtocolCachePolicy

@@ -23,47 +23,6 @@ TEST(DesktopGeometry, RoundsToWholePixels) {
   EXPECT_EQ(toDesktop({0.4, 99.6, 460.5, 500.2}, 900), (DesktopRect{0, 300, 461, 500}));
 }
 
-TEST(DesktopGeometry, FindsTheScreenThatHoldsMost) {
-  EXPECT_EQ(screenOf({1300, 0, 460, 500}, {main, right}), right);
-  EXPECT_EQ(screenOf({1100, 0, 460, 500}, {main, right}), main);
-  EXPECT_EQ(screenOf({-500, 0, 460, 500}, {main, right}), std::nullopt);
-  EXPECT_EQ(screenOf({0, 0, 460, 500}, {}), std::nullopt);
-}
-
-TEST(DesktopGeometry, LeavesAFrameInReachAlone) {
-  for (const ScreenFrame& frame :
-       {ScreenFrame{0, 0, 460, 588}, ScreenFrame{980, 282, 460, 588},
-        ScreenFrame{-300, 100, 460, 588}, ScreenFrame{1380, -200, 460, 588}}) {
-    EXPECT_EQ(constrained(frame, {main, right}), frame);
-  }
-}
-
-TEST(DesktopGeometry, BringsATitleBarUnderTheDesktopsPanel) {
-  EXPECT_EQ(constrained({100, 500, 460, 588}, {main}), (ScreenFrame{100, 282, 460, 588}));
-}
-
-TEST(DesktopGeometry, LowersAPanelThatIsHigherThanTheScreen) {
-  const Screen small{{0, 0, 640, 480}, {0, 20, 640, 440}};
-  EXPECT_EQ(constrained({100, 20, 460, 588}, {small}), (ScreenFrame{100, 20, 460, 440}));
-}
-
-TEST(DesktopGeometry, BringsAFrameOffAllScreensToTheFirst) {
-  EXPECT_EQ(constrained({5000, 100, 460, 588}, {main}), (ScreenFrame{980, 100, 460, 588}));
-  EXPECT_EQ(constrained({-900, 100, 460, 588}, {main}), (ScreenFrame{0, 100, 460, 588}));
-  EXPECT_EQ(constrained({100, 3000, 460, 588}, {main}), (ScreenFrame{100, 282, 460, 588}));
-  EXPECT_EQ(constrained({100, -3000, 460, 588}, {main}), (ScreenFrame{100, -540, 460, 588}))
-      << "its title bar at the lower edge";
-}
-
-TEST(DesktopGeometry, KeepsAPieceInReachAtEitherSide) {
-  EXPECT_EQ(constrained({1420, 100, 460, 588}, {main}).x, 980);
-  EXPECT_EQ(constrained({-440, 100, 460, 588}, {main}).x, 0);
-}
-
-TEST(DesktopGeometry, LeavesAPanelWithoutScreensWhereItIs) {
-  EXPECT_EQ(constrained({5000, 5000, 460, 588}, {}), (ScreenFrame{5000, 5000, 460, 588}));
-}
-
 TEST(DesktopGeometry, WritesASavedFrameAsEightNumbers) {
   EXPECT_EQ(savedFrameText({900, 252, 460, 588}, main.frame), "900 252 460 588 0 0 1440 900 ");
   EXPECT_EQ(savedFrameText({-12, -300, 460, 588}, right.frame),
