@@ -99,6 +99,33 @@ on xx_condition_at_end(bookName, sheetName)
 	end tell
 end xx_condition_at_end
 
+-- Whether the specifier that "make" gives still means the same condition when another one comes
+-- before it.
+on xx_condition_specifier(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set sh to worksheet sheetName of workbook bookName
+			set rg to range "G1:G3" of sh
+			set made1 to make new format condition at rg with properties {format condition type:expression, formula1:"=1=1"}
+			make new format condition at rg with properties {format condition type:expression, formula1:"=2=2"}
+			set first priority (format condition 2 of rg)
+			return {formula1 of made1, formula1 of format condition 1 of rg, formula1 of format condition 2 of rg}
+		end timeout
+	end tell
+end xx_condition_specifier
+
+-- In which language a condition's formula is taken, and given back.
+on xx_condition_language(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set sh to worksheet sheetName of workbook bookName
+			set rg to range "J1:J3" of sh
+			make new format condition at rg with properties {format condition type:expression, formula1:"=SUM(1,2)>0"}
+			return formula1 of format condition 1 of rg
+		end timeout
+	end tell
+end xx_condition_language
+
 on xx_move_condition(bookName, sheetName)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
@@ -120,6 +147,23 @@ on xx_no_dependents(bookName, sheetName)
 		end timeout
 	end tell
 end xx_no_dependents
+
+on xx_no_visible(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set sh to worksheet sheetName of workbook bookName
+			set hidden of range "20:21" of sh to true
+			try
+				set told to get address of (special cells (range "A20:B21" of sh) type cell type visible)
+			on error msg number n
+				set hidden of range "20:21" of sh to false
+				error msg number n
+			end try
+			set hidden of range "20:21" of sh to false
+			return told
+		end timeout
+	end tell
+end xx_no_visible
 
 on xx_range_in_variable()
 	tell application "Microsoft Excel"
@@ -160,6 +204,30 @@ on xx_shapes(bookName, sheetName)
 	end tell
 end xx_shapes
 
+on xx_formula2(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			return formula2 of range "A1:B2" of worksheet sheetName of workbook bookName
+		end timeout
+	end tell
+end xx_formula2
+
+-- Whose A1 an expression means: that of the worksheet it is sent to (77), or of the one in front.
+on xx_evaluate_in_sheet(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 20 seconds
+			make new worksheet at end of workbook bookName
+			set otherName to name of worksheet (count of worksheets of workbook bookName) of workbook bookName
+			set value of range "A1" of worksheet otherName of workbook bookName to 77
+			activate object worksheet sheetName of workbook bookName
+			tell worksheet otherName of workbook bookName
+				set seen to evaluate name "A1+0"
+			end tell
+			return {seen, (evaluate name "A1+0")}
+		end timeout
+	end tell
+end xx_evaluate_in_sheet
+
 on xx_long_address(bookName, sheetName)
 	tell application "Microsoft Excel"
 		with timeout of 30 seconds
@@ -182,6 +250,26 @@ on xx_qualified_range(sheetName)
 		end timeout
 	end tell
 end xx_qualified_range
+
+-- May open a dialog that asks for a file; until it is closed Excel answers nothing.
+on xx_missing_sheet()
+	tell application "Microsoft Excel"
+		with timeout of 30 seconds
+			return get address of range "'Quorin asks for no such sheet'!A1"
+		end timeout
+	end tell
+end xx_missing_sheet
+
+on xx_errors_as_text(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 10 seconds
+			set sh to worksheet sheetName of workbook bookName
+			set formula of range "H1" of sh to "=1/0"
+			set value of range "H2" of sh to 5
+			return {string value of range "H1:H2" of sh, string value of range "H1" of sh, value2 of range "H1" of sh}
+		end timeout
+	end tell
+end xx_errors_as_text
 
 -- Has taken Excel down in some of its versions.
 on xx_errors_in_bulk(bookName, sheetName)

@@ -136,13 +136,18 @@ void SelfTest::tryExperiments(const std::string& book, const std::string& sheet)
       {"2 a text of 256 characters", "xx_evaluate", {"1+" + std::string(254, '1')}},
       {"3 a condition made at a range", "xx_condition_at_range", {book, sheet}},
       {"3 a condition made at its end", "xx_condition_at_end", {book, sheet}},
+      {"3 what make gives, after another came first", "xx_condition_specifier", {book, sheet}},
+      {"3 the language of a condition's formula", "xx_condition_language", {book, sheet}},
       {"4 a condition moved", "xx_move_condition", {book, sheet}},
       {"5 no dependents", "xx_no_dependents", {book, sheet}},
+      {"5 no visible cells", "xx_no_visible", {book, sheet}},
       {"6 a range in a variable", "xx_range_in_variable", {}},
       {"6 the active workbook in a variable", "xx_active_in_variable", {}},
       {"7 formula, R1C1, text and value2 of A1:B2", "xx_shapes", {book, sheet}},
+      {"7 formula2 of A1:B2", "xx_formula2", {book, sheet}},
       {"8 the address of 60 areas", "xx_long_address", {book, sheet}},
       {"10 a range with its sheet", "xx_qualified_range", {sheet}},
+      {"2 an expression sent to another sheet", "xx_evaluate_in_sheet", {book, sheet}},
   };
   for (const Step& step : steps) ask(parts_.experiments, step);
   failures_ = before;
@@ -170,16 +175,22 @@ void SelfTest::tryRepeatedly() {
   failures_ += failed > 0;
 }
 
-// A crash of Excel would cost the user what is not saved.
+// A crash of Excel would cost the user what is not saved, and a dialog of its stops everything
+// else.
 void SelfTest::tryDangerous(const std::string& book, const std::string& sheet) {
   line("");
-  line("Error cells in bulk (has ended Excel in some versions)");
+  line("What may stop or end Excel");
   if (!alone_) {
-    line("  1 not tried: close all workbooks in Excel before the self-test to have it tried");
+    line("  1, 10 not tried: close all workbooks in Excel before the self-test to have them tried");
     return;
   }
   const int before = failures_;
-  ask(parts_.experiments, {"1 one column, two columns", "xx_errors_in_bulk", {book, sheet}});
+  const Step steps[] = {
+      {"10 a sheet that is not there (a dialog of Excel's? press Cancel)", "xx_missing_sheet", {}},
+      {"1 error cells as text", "xx_errors_as_text", {book, sheet}},
+      {"1 error cells in bulk, one column, two columns", "xx_errors_in_bulk", {book, sheet}},
+  };
+  for (const Step& step : steps) ask(parts_.experiments, step);
   failures_ = before;
 }
 
