@@ -2,6 +2,7 @@
 the adapters; its comment says what goes wrong where the rule is broken."""
 import re
 
+from bodies import body_findings
 from names import name_findings
 from sourcetext import Source, arguments
 
@@ -209,4 +210,4 @@ def findings(project, folder):
     sources = [Source(path, path.relative_to(project)) for path in sorted(folder.rglob("*"))
                if path.suffix in (".mm", ".h")]
     found = [text for source in sources for rule in PER_SOURCE for text in rule(source)]
-    return found + list(whole_rules(sources)) + list(name_findings(project))
+    return [*found, *whole_rules(sources), *name_findings(project), *body_findings(project)]
