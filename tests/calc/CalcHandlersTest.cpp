@@ -5,7 +5,7 @@
 
 #include "host/ExcelObjectModel.h"
 #include "tests/calc/CalcFixture.h"
-#include "tests/kit/scripts/HandlerConversation.h"
+#include "tests/kit/scripts/EngineConversation.h"
 
 namespace quorin {
 namespace {
@@ -26,13 +26,14 @@ TEST_P(CalcHandlers, AnswerAsOnEverySpreadsheet) {
   host::Spreadsheet& calc = host::calc::SharedOffice::spreadsheet();
   const std::string book = host::calc::SharedOffice::open(fakes::knownWorkbook());
   const auto before = calc.workbooks();
-  HandlerConversation conversation(std::make_unique<host::ExcelObjectModel>(calc), calc, book);
+  const auto conversation =
+      engineConversation(std::make_unique<host::ExcelObjectModel>(calc), calc, book);
   std::size_t met = 0;
   for (const HandlerRequest& request : GetParam().requests()) {
     const auto difference = GetParam().differences.find(described(request));
     const bool differs = difference != GetParam().differences.end();
-    EXPECT_EQ(conversation.answer(request),
-              differs ? difference->second : conversation.expected(request))
+    EXPECT_EQ(conversation->answer(request),
+              differs ? difference->second : conversation->expected(request))
         << described(request);
     met += differs ? 1 : 0;
   }

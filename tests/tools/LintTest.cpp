@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "kit/excel/ExcelScript.h"
+#include "tests/kit/scripts/ExcelScratch.h"
 #include "tools/quorinctl/Lint.h"
 
 namespace quorin::ctl {
@@ -22,6 +23,10 @@ std::vector<int> linesOf(std::string_view source) {
 
 TEST(Lint, FindsNothingInTheHandlerLibrary) {
   EXPECT_THAT(findingsOf(ExcelScript::source()), IsEmpty());
+}
+
+TEST(Lint, FindsNothingInTheScriptOfTheContractsWorkbook) {
+  EXPECT_THAT(findingsOf(ExcelScratch::source()), IsEmpty());
 }
 
 TEST(Lint, FindsWhatDoesNotCompile) {

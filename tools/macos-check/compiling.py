@@ -86,9 +86,10 @@ class Compiler:
             else source.name
         return Job(f"{name} ({kind}, {target})", command, inputs, dependencies, output)
 
-    def compile(self, source, target):
-        """To an object file, from nothing but what the source itself includes."""
-        return self.job("object", source, target, ["-c"], ".o", prefix=False)
+    def compile(self, source, target, ahead=False):
+        """To an object file, from nothing but what the source itself includes, or with what is
+        compiled ahead."""
+        return self.job("object", source, target, ["-c"], ".o", prefix=ahead)
 
     def check_syntax(self, source, target):
         return self.job("syntax", source, target, ["-fsyntax-only"])

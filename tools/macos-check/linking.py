@@ -32,3 +32,8 @@ def job(session, objects, output, more_frameworks=()):
 def missing_symbols(text):
     """The undefined symbols of a failed link."""
     return sorted(set(re.findall(r"undefined symbol: (.+)", text)))
+
+
+def is_of_googletest(symbol):
+    """Whether a mangled name belongs to its namespace."""
+    return re.match(r"__Z(?:T[VIST]|GV)?N?K?7testing", symbol) is not None

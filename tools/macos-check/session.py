@@ -16,6 +16,11 @@ from toolchain import Toolchain
 
 PORTABLE = ("kit", "app/shell")
 ADAPTERS = "app/macos"
+TESTS = ("tests/app/contract", "tests/app/macos")
+TESTS_BESIDE = ("tests/fakes/WorkbookDescription.cpp", "tests/kit/scripts/ExcelScratch.cpp",
+                "tests/kit/scripts/HandlerConversation.cpp",
+                "tests/kit/scripts/HandlerRequests.cpp")
+TESTS_MADE = "tests/kit/scripts"
 LONGEST_REPORT = 1500  # characters of one finding: the first error tells most
 
 
@@ -54,6 +59,14 @@ class Session:
                 if "CMakeFiles" not in path.parts]
         return sorted(written) + sorted(made)
 
+    @property
+    def tests(self):
+        """What the adapters' own test program is made of, beside GoogleTest."""
+        found = [path for place in TESTS for path in (self.project / place).iterdir()
+                 if path.suffix in (".cpp", ".mm")]
+        made = (self.generated / TESTS_MADE).glob("*.embedded.cpp")
+        return sorted(found) + [self.project / path for path in TESTS_BESIDE] + sorted(made)
+
     def run_prefixes(self, compiler):
         """Compiles ahead what the compiler's jobs rely on. Gives what failed."""
         with self.prefix_lock:
@@ -81,6 +94,24 @@ def link_step(session):
         return []
     missing = linking.missing_symbols(result.text)
     return [f"nobody defines {name}" for name in missing] or [result.text]
+
+
+def tests_step(session):
+    """GoogleTest itself is another's to link: what its namespace lacks is not ours."""
+    compiler = session.compiler
+    failed = session.run_jobs([compiler.compile(source, "arm64", ahead=True)
+                               for source in session.tests])
+    if failed:
+        return failed
+    objects = [compiler.compile(source, "arm64", ahead=True).output for source in session.tests]
+    objects += [compiler.compile(source, "arm64").output
+                for source in session.portable + session.adapters if source.name != "main.mm"]
+    result = session.runner.run(linking.job(session, objects, session.folder / "QuorinTests"))
+    if result.ok:
+        return ["GoogleTest was not asked for"]
+    missing = linking.missing_symbols(result.text)
+    return [f"nobody defines {name}" for name in missing if not linking.is_of_googletest(name)] or \
+        ([] if missing else [result.text])
 
 
 def analysis_step(session):
@@ -120,7 +151,7 @@ def bundle_step(session):
 
 
 STEPS = (("rules", rules_step), ("bundle", bundle_step), ("types", compile_step),
-         ("methods", declared_step), ("link", link_step), ("analysis", analysis_step))
+         ("methods", declared_step), ("link", link_step), ("tests", tests_step), ("analysis", analysis_step))
 
 
 def run(session):

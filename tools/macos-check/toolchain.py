@@ -10,7 +10,7 @@ import shutil
 
 LLVM = pathlib.Path("/usr/lib/llvm-19")
 INCLUDES = pathlib.Path("/usr/include")
-LAYOUT = "5"  # changes when what prepare() makes changes
+LAYOUT = "6"  # changes when what prepare() makes changes
 
 
 class ToolchainError(Exception):
@@ -78,10 +78,11 @@ class Toolchain:
         settings = LLVM / "include/c++/v1/__config_site"
         musl = next(INCLUDES.glob("*-linux-musl"), None)
         for needed in (self.clang, self.linker, settings, musl, INCLUDES / "rapidjson",
-                       INCLUDES / "utf8proc.h"):
+                       INCLUDES / "utf8proc.h", INCLUDES / "gtest", INCLUDES / "gmock"):
             if needed is None or not needed.exists():
                 raise ToolchainError(f"{needed or 'musl'} is not there: ./test installs "
-                                     "packages_macos of tools/dev/packages.sh")
+                                     "packages_macos and packages_test of "
+                                     "tools/dev/packages.sh")
         self.stamp = digest(self.clang, settings, musl / "stdio.h", musl / "bits/alltypes.h")
         if self.marker.exists() and self.marker.read_text() == self.stamp:
             return
@@ -90,7 +91,7 @@ class Toolchain:
         copy_c_headers(musl, self.c_headers)
         copy_library_settings(settings, self.library_settings)
         self.third_party.mkdir()
-        for name in ("rapidjson", "utf8proc.h"):
+        for name in ("rapidjson", "utf8proc.h", "gtest", "gmock"):
             (self.third_party / name).symlink_to(INCLUDES / name)
         self.marker.write_text(self.stamp)
 

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "app/linux/GtkPanelWindow.h"
 #include "tests/app/linux/GtkFixture.h"
 
@@ -24,12 +22,6 @@ class MemoryDefaults : public Defaults {
   }
   void setString(const std::string& key, const std::string& value) override { texts[key] = value; }
   std::map<std::string, std::string> texts;
-};
-
-class CloseCounter : public PanelWindowDelegate {
- public:
-  void panelWindowCloseRequested() override { ++count; }
-  int count = 0;
 };
 
 // Another application's window that has the keyboard.
@@ -62,10 +54,6 @@ class GtkPanelWindowTest : public GtkFixture {
   // What the X server says, in desktop pixels: the frame without the decoration.
   static X11Session::WindowId idOf(const char* title) {
     return std::stoul(ChildProcess::run({"xdotool", "search", "--name", title}));
-  }
-  static void click(double x, double y) {
-    ChildProcess::run({"xdotool", "mousemove", std::to_string(std::lround(x)),
-                       std::to_string(std::lround(y)), "click", "1"});
   }
   // Until the window manager has answered.
   static void settle() { runFor(600ms); }
@@ -144,19 +132,6 @@ TEST_F(GtkPanelWindowTest, TakesTheKeyboardWhenItWasShownWithoutIt) {
   settle();
   window->makeKeyAndOrderFront();
   EXPECT_TRUE(waitUntil([&] { return window->isKey(); }));
-}
-
-TEST_F(GtkPanelWindowTest, LeavesClosingToItsDelegate) {
-  const auto window = makeWindow();
-  CloseCounter closing;
-  window->setDelegate(&closing);
-  window->orderFront();
-  settle();
-  const ScreenFrame frame = window->frame();
-  // The button at the right end of the title bar.
-  click(frame.maxX() - 11, 900 - frame.maxY() + 11);
-  EXPECT_TRUE(waitUntil([&] { return closing.count == 1; }));
-  EXPECT_TRUE(window->isVisible());
 }
 
 TEST_F(GtkPanelWindowTest, SavesWhereTheUserPutsIt) {
@@ -247,12 +222,6 @@ TEST_F(GtkPanelWindowTest, BringsASavedFrameOffTheScreenBack) {
   window->orderFront();
   settle();
   EXPECT_EQ(window->frame(), (ScreenFrame{980, 320, 460, 580}));
-}
-
-TEST_F(GtkPanelWindowTest, TakesAMalformedSavedFrameForNone) {
-  defaults.texts[frameKey] = "over there";
-  const auto window = makeWindow();
-  EXPECT_EQ(window->frame().x, 0);
 }
 
 TEST_F(GtkPanelWindowTest, IsNeverNarrowerThanItsMinimum) {

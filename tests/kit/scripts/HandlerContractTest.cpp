@@ -7,7 +7,7 @@
 #include "host/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/fakes/QuirkyExcel.h"
-#include "tests/kit/scripts/HandlerConversation.h"
+#include "tests/kit/scripts/EngineConversation.h"
 
 namespace quorin {
 namespace {
@@ -32,15 +32,15 @@ class HandlerContract : public testing::TestWithParam<Quirk> {
     memory.open(fakes::knownWorkbook());
     fakes::ExcelQuirks quirks;
     GetParam().switchOn(quirks);
-    HandlerConversation conversation(
-        std::make_unique<fakes::QuirkyExcel>(
-            std::make_unique<host::ExcelObjectModel>(std::move(owned)), quirks),
-        memory, "Known.xlsx");
+    const auto conversation =
+        engineConversation(std::make_unique<fakes::QuirkyExcel>(
+                               std::make_unique<host::ExcelObjectModel>(std::move(owned)), quirks),
+                           memory, "Known.xlsx");
     for (const HandlerRequest& request : requests) {
       const auto difference = GetParam().differences.find(described(request));
       const bool differs = difference != GetParam().differences.end();
-      EXPECT_EQ(conversation.answer(request),
-                differs ? difference->second : conversation.expected(request))
+      EXPECT_EQ(conversation->answer(request),
+                differs ? difference->second : conversation->expected(request))
           << described(request);
       if (differs) met_.insert(described(request));
     }

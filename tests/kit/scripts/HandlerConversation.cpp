@@ -1,8 +1,8 @@
 #include "tests/kit/scripts/HandlerConversation.h"
 
 #include <stdexcept>
+#include <utility>
 
-#include "host/Address.h"
 #include "kit/excel/ExcelScript.h"
 #include "kit/value/Marshal.h"
 
@@ -39,21 +39,20 @@ bool matches(std::string_view text, std::string_view pattern) {
 
 }  // namespace
 
-HandlerConversation::HandlerConversation(std::unique_ptr<script::Application> excel,
-                                         host::Spreadsheet& spreadsheet, std::string book)
-    : spreadsheet_(spreadsheet), book_(std::move(book)), runner_(std::move(excel)) {
-  if (const auto error = runner_.compile(ExcelScript::source()))
+HandlerConversation::HandlerConversation(std::unique_ptr<ScriptRunner> runner, GoTo goTo,
+                                         std::string book)
+    : runner_(std::move(runner)), goTo_(std::move(goTo)), book_(std::move(book)) {
+  if (const auto error = runner_->compile(ExcelScript::source()))
     throw std::logic_error(error->message.value_or("The library does not compile."));
 }
 
 std::string HandlerConversation::answer(const HandlerRequest& request) {
-  if (!request.sheet.empty())
-    spreadsheet_.goTo({{book_, request.sheet}, host::parseA1(request.selection).value()});
+  if (!request.sheet.empty()) goTo_(request.sheet, request.selection);
   AppleEvent event{fourCharCode("ascr"), fourCharCode("psbr"), {}, {}};
   event.parameters.push_back({fourCharCode("snam"), AppleEventDescriptor::text(request.handler)});
   event.parameters.push_back(
       {keyDirectObject, Marshal::toDescriptor(withBook(JSONValue(request.arguments), book_))});
-  const ScriptReply reply = runner_.execute(event);
+  const ScriptReply reply = runner_->execute(event);
   if (reply.error) return "error " + std::to_string(reply.error->number.value_or(0));
   std::string text =
       Marshal::encode(Marshal::fromDescriptor(reply.result.value_or(AppleEventDescriptor::null())));

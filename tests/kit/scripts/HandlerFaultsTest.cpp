@@ -6,7 +6,7 @@
 #include "host/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/fakes/QuirkyExcel.h"
-#include "tests/kit/scripts/HandlerConversation.h"
+#include "tests/kit/scripts/EngineConversation.h"
 
 namespace quorin {
 namespace {
@@ -33,7 +33,7 @@ class HandlerFaults : public testing::TestWithParam<Group> {
     auto excel = std::make_unique<fakes::QuirkyExcel>(
         std::make_unique<host::ExcelObjectModel>(std::move(owned)), fakes::ExcelQuirks{});
     excel_ = excel.get();
-    conversation_ = std::make_unique<HandlerConversation>(std::move(excel), *memory_, "Known.xlsx");
+    conversation_ = engineConversation(std::move(excel), *memory_, "Known.xlsx");
   }
 
   // Two workbooks of the user's, the first of them active, so that closing another one brings the

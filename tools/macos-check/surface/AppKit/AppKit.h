@@ -201,6 +201,7 @@ typedef NS_OPTIONS(unsigned long long, NSEventMask) {
 @property NSInteger tag;
 @property(getter=isEnabled) BOOL enabled;
 @property(copy) NSString* stringValue;
+- (void)performClick:(nullable id)sender;
 @end
 @interface NSButton : NSControl
 @property(copy) NSString* title;

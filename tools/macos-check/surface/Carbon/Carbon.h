@@ -8,6 +8,8 @@ typedef struct OpaqueEventTargetRef* EventTargetRef;
 typedef struct OpaqueEventHotKeyRef* EventHotKeyRef;
 typedef OSType EventParamName;
 typedef OSType EventParamType;
+typedef double EventTime;
+typedef UInt32 EventAttributes;
 #pragma pack(push, 2)
 struct EventTypeSpec {
   OSType eventClass;
@@ -28,7 +30,8 @@ enum {
   kEventParamDirectObject = '----',
   typeEventHotKeyID = 'hkid',
   kEventHotKeyNoOptions = 0,
-  kEventHotKeyExclusive = 1
+  kEventHotKeyExclusive = 1,
+  kEventAttributeNone = 0
 };  // event classes/kinds
 enum {
   cmdKey = 256,
@@ -69,6 +72,12 @@ OSStatus RemoveEventHandler(EventHandlerRef inHandlerRef);
 OSStatus GetEventParameter(EventRef inEvent, EventParamName inName, EventParamType inDesiredType,
                            EventParamType* outActualType, ByteCount inBufferSize,
                            ByteCount* outActualSize, void* outData);
+OSStatus CreateEvent(CFAllocatorRef inAllocator, OSType inClassID, UInt32 inKind, EventTime inWhen,
+                     EventAttributes inAttributes, EventRef* outEvent);
+OSStatus SetEventParameter(EventRef inEvent, EventParamName inName, EventParamType inType,
+                           ByteCount inSize, const void* inDataPtr);
+OSStatus SendEventToEventTarget(EventRef inEvent, EventTargetRef inTarget);
+void ReleaseEvent(EventRef inEvent);
 OSType GetEventClass(EventRef inEvent);
 UInt32 GetEventKind(EventRef inEvent);
 EventTargetRef GetApplicationEventTarget(void);

@@ -1,0 +1,2 @@
+// GoogleTest asks for it and uses nothing of it.
+#pragma once
