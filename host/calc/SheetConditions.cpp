@@ -1,6 +1,7 @@
 #include "host/calc/SheetConditions.h"
 
 #include <algorithm>
+#include <random>
 #include <utility>
 
 #include "host/Address.h"
@@ -14,6 +15,13 @@ std::vector<std::vector<Area>> drawnOf(const std::vector<PlacedMark>& placed) {
   std::vector<Mark> marks;
   for (const PlacedMark& each : placed) marks.push_back(each.mark);
   return drawnAreas(marks);
+}
+
+// Far apart for different sheets: when a sheet is moved, Calc renames shapes of equal names and
+// records that for undo, and version 7.4 crashes on that undo once the shape is gone.
+int firstNumber() {
+  constexpr unsigned most = 1'000'000'000;
+  return static_cast<int>(std::random_device{}() % most) + 1;
 }
 
 }  // namespace
@@ -64,7 +72,7 @@ std::string SheetConditions::add(const std::vector<Area>& range, const std::stri
     throw SpreadsheetError(-1708,
                            "Only marks can be made, with the formula " + std::string(markFormula));
   if (range.empty()) throw SpreadsheetError(-50, "The range has no cells");
-  const int number = marks_.empty() ? 1 : marks_.back().number + 1;
+  const int number = marks_.empty() ? firstNumber() : marks_.back().number + 1;
   std::vector<PlacedMark> wanted = marks_;
   wanted.push_back({{number, {formula, std::nullopt, range}}, {}});
   draw(std::move(wanted));

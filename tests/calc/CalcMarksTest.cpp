@@ -291,6 +291,16 @@ TEST_F(CalcMarks, SeeWhatHasChangedBetweenTwoRequests) {
   EXPECT_THAT(desk->road.log(), Contains("HIGHLIGHT clear sheet=Data addrs=1 deleted=0"));
 }
 
+TEST_F(CalcMarks, HaveDifferentNamesOnDifferentSheets) {
+  mark({"Blank!A1", "Data!A1"});
+  const auto blank = desk->hands.shapes("Known.xlsx", "Blank");
+  const auto data = desk->hands.shapes("Known.xlsx", "Data");
+  ASSERT_THAT(blank, SizeIs(1));
+  ASSERT_THAT(data, SizeIs(1));
+  EXPECT_NE(blank, data);
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
+}
+
 TEST_F(CalcMarks, LeaveTheUsersDrawingsAlone) {
   desk->hands.draw("Known.xlsx", "Blank", "Quorin mark 3");
   desk->hands.draw("Known.xlsx", "Blank", "Arrow");
