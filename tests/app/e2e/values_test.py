@@ -376,7 +376,8 @@ class Values(Trial):
         if stored is not None and same(page, stored):
             if verdict == "differs":
                 return "the cell holds another value than its formula gives; the page says so"
-            if isinstance(stored, float) and abs(stored - calc) <= 1e-12 * abs(calc):
+            numbers = isinstance(stored, float) and isinstance(calc, float)
+            if numbers and abs(stored - calc) <= 1e-12 * abs(calc):
                 return "the cell holds another value than its formula gives, by less than 1e-12"
         if page[0] == "Number" and isinstance(calc, float):
             if abs(float(page[1]) - calc) <= 2.3e-16 * abs(calc):
