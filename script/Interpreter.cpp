@@ -36,8 +36,8 @@ ScriptOutcome Interpreter::call(const AppleEvent& event) {
   sender_.timeout = EventSender::defaultTimeout;
   ScriptOutcome outcome;
   try {
-    const Value value = perform(event);
-    if (!value.isNothing()) outcome.result = toDescriptor(value);
+    Value value = perform(event);
+    if (!value.isNothing()) outcome.result = takeDescriptor(std::move(value));
   } catch (const Failure& failure) {
     outcome.error = ScriptError{failure.number, failure.message};
   } catch (const Stopped&) {

@@ -163,6 +163,19 @@ int order(const Value& leftOperand, const Value& rightOperand, const TextRules& 
 
 using Items = std::vector<Value>;
 
+// The items of a list where they are, those of any other value as a list of its own.
+class ItemsOf {
+ public:
+  explicit ItemsOf(const Value& value)
+      : list_(value.list() ? *value.list() : nullptr),
+        made_(list_ ? Items() : toListItems(value)) {}
+  const Items& operator*() const { return list_ ? list_->items() : made_; }
+
+ private:
+  const Value::List list_;
+  const Items made_;
+};
+
 bool itemsMatchAt(const Items& whole, std::size_t at, const Items& part, const TextRules& rules) {
   if (at + part.size() > whole.size()) return false;
   for (std::size_t i = 0; i < part.size(); ++i) {
@@ -184,7 +197,8 @@ bool contains(const Value& wholeOperand, const Value& partOperand, const TextRul
   const Value whole = dereference(wholeOperand), part = dereference(partOperand);
   if (const auto* text = whole.text()) return textContains(*text, toText(part, rules), rules);
   if (whole.record()) return recordContains(*whole.record(), part, rules);
-  const Items all = toListItems(whole), sought = toListItems(part);
+  const ItemsOf wholeItems(whole), partItems(part);
+  const Items &all = *wholeItems, &sought = *partItems;
   if (sought.empty()) return true;
   for (std::size_t at = 0; at + sought.size() <= all.size(); ++at) {
     if (itemsMatchAt(all, at, sought, rules)) return true;
@@ -199,7 +213,8 @@ bool beginsOrEnds(const Value& wholeOperand, const Value& partOperand, bool atEn
     const std::string sought = toText(part, rules);
     return atEnd ? textEndsWith(*text, sought, rules) : textBeginsWith(*text, sought, rules);
   }
-  const Items all = toListItems(whole), sought = toListItems(part);
+  const ItemsOf wholeItems(whole), partItems(part);
+  const Items &all = *wholeItems, &sought = *partItems;
   if (sought.size() > all.size()) return false;
   return itemsMatchAt(all, atEnd ? all.size() - sought.size() : 0, sought, rules);
 }

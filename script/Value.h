@@ -117,6 +117,7 @@ class ListData {
   const AppleEventDescriptor::Items* received() const {
     return received_.empty() ? nullptr : &received_;
   }
+  AppleEventDescriptor::Items takeReceived() { return std::exchange(received_, {}); }
 
  private:
   std::vector<Value> items_;

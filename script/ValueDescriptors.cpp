@@ -25,14 +25,23 @@ FourCharCode descriptorType(Constant::Kind kind) {
   return fourCharCode("type");
 }
 
+enum class Source { kept, givenAway };
+
 struct Encoder {
   WorkBudget& budget;
   int depth;
+  Source source;
 
   AppleEventDescriptor encode(const Value& value) const {
     if (depth > maximumValueDepth) failStackOverflow();
     budget.spend();
-    return std::visit(Encoder{budget, depth + 1}, value.data());
+    return std::visit(Encoder{budget, depth + 1, source}, value.data());
+  }
+
+  // What a record or a reference holds may be reached in other ways.
+  Encoder keeping() const { return {budget, depth, Source::kept}; }
+  bool isLastOf(const Value::List& list) const {
+    return source == Source::givenAway && list.use_count() == 1;
   }
 
   AppleEventDescriptor operator()(std::monostate) const { return AppleEventDescriptor::null(); }
@@ -47,11 +56,13 @@ struct Encoder {
   AppleEventDescriptor operator()(const Value::List& list) const {
     if (const auto* received = list->received()) {
       budget.spend(received->size());
+      if (isLastOf(list)) return AppleEventDescriptor::list(list->takeReceived());
       return AppleEventDescriptor::list(*received);
     }
     AppleEventDescriptor::Items items;
     items.reserve(list->size());
-    for (const Value& item : list->items()) items.push_back(encode(item));
+    const Encoder inner{budget, depth, isLastOf(list) ? source : Source::kept};
+    for (const Value& item : list->items()) items.push_back(inner.encode(item));
     return AppleEventDescriptor::list(std::move(items));
   }
   AppleEventDescriptor operator()(const Value::Record& record) const {
@@ -59,10 +70,10 @@ struct Encoder {
     AppleEventDescriptor::Items own;
     for (const auto& [key, value] : record->fields()) {
       if (key.code != 0) {
-        fields.push_back({key.code, encode(value)});
+        fields.push_back({key.code, keeping().encode(value)});
       } else {
         own.push_back(AppleEventDescriptor::text(key.label));
-        own.push_back(encode(value));
+        own.push_back(keeping().encode(value));
       }
     }
     if (!own.empty()) fields.push_back({userFields, AppleEventDescriptor::list(std::move(own))});
@@ -81,7 +92,7 @@ struct Encoder {
     return specifier->descriptor;
   }
   AppleEventDescriptor operator()(const Value::ReferencePointer& reference) const {
-    return encode(fetch(*reference));
+    return keeping().encode(fetch(*reference));
   }
   AppleEventDescriptor operator()(const ApplicationObject&) const {
     return AppleEventDescriptor::null();
@@ -118,7 +129,12 @@ Value decodeRecord(const AppleEventDescriptor& descriptor, Application* origin) 
 
 AppleEventDescriptor toDescriptor(const Value& value) {
   WorkBudget budget;
-  return Encoder{budget, 0}.encode(value);
+  return Encoder{budget, 0, Source::kept}.encode(value);
+}
+
+AppleEventDescriptor takeDescriptor(Value value) {
+  WorkBudget budget;
+  return Encoder{budget, 0, Source::givenAway}.encode(value);
 }
 
 Value fromDescriptor(AppleEventDescriptor descriptor, Application* origin) {

@@ -10,6 +10,8 @@ namespace quorin::script {
 // with term labels by code and the script's own labels in 'usrf', references to parts of lists as
 // the parts. No value is the null descriptor. Throws Failure when nested too deep.
 AppleEventDescriptor toDescriptor(const Value& value);
+// The same of a value that is not needed any more: what nobody else holds is moved, not copied.
+AppleEventDescriptor takeDescriptor(Value value);
 
 // Every descriptor has a value; those of a type the language has no word for pass through as they
 // are. Object specifiers belong to `origin`, the application that sent them. Integers beyond the

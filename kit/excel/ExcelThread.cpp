@@ -168,7 +168,7 @@ ExcelThread::Outcome ExcelThread::invoke(const std::string& handler, const JSONV
   if (box->error)
     return Failure{box->error->number.value_or(-1),
                    box->error->message.value_or("AppleScript error")};
-  return Marshal::fromDescriptor(box->result.value_or(AppleEventDescriptor::null()));
+  return box->result ? Marshal::fromDescriptor(*box->result) : JSONValue();
 }
 
 JSONValue ExcelThread::resultOf(Outcome outcome) {

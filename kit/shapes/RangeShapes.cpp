@@ -107,6 +107,15 @@ Array formulaGrid(JSONValue written, const Dims& dims, const std::string& addr) 
   return *std::move(formulas);
 }
 
+// Blanks what is no formula.
+void keepFormulas(JSONValue& value) {
+  if (JSONValue::Array* const items = value.array()) {
+    for (JSONValue& item : *items) keepFormulas(item);
+  } else if (!value.string() || !value.string()->starts_with('=')) {
+    value = "";
+  }
+}
+
 // A text that is a decimal number from its first character to its last.
 std::optional<double> decimal(std::string_view text) {
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
@@ -144,8 +153,9 @@ JSONValue formulasOnly(const std::string& addr, Array& items) {
 
 JSONValue formulasAndValues(const std::string& addr, Array& items) {
   const Dims dims = checkedDims(addr, items[2], items[3], items[5]);
-  Array formulas = formulaGrid(items[0], dims, addr);
-  Array values = isMarker(items[1], errorColumn)
+  const bool refused = isMarker(items[1], errorColumn);
+  Array formulas = formulaGrid(refused ? items[0] : std::move(items[0]), dims, addr);
+  Array values = refused
                      ? valuesOfFormulas(std::move(items[0]), dims, addr)
                      : valuesOr(namedValues(std::move(items[1]), std::move(items[4]), dims), addr);
   JSONValue::Object reply;
@@ -175,12 +185,8 @@ JSONValue decodeReadFormulas(const std::string& addr, JSONValue answer) {
 }
 
 JSONValue normalizeFormulaGrid(JSONValue value) {
-  if (JSONValue::Array* const items = value.array()) {
-    for (JSONValue& item : *items) item = normalizeFormulaGrid(std::move(item));
-    return value;
-  }
-  if (value.string() && value.string()->starts_with('=')) return value;
-  return "";
+  keepFormulas(value);
+  return value;
 }
 
 }  // namespace quorin::BridgeShapes

@@ -36,9 +36,10 @@ Refused tooLong(std::size_t limit) {
   return refused(nullptr, "malformed request: longer than " + std::to_string(limit) + " bytes");
 }
 
-std::string replyLine(const JSONValue& id, const Bridge::Reply& reply,
+std::string replyLine(const JSONValue& id, Bridge::Reply reply,
                       std::optional<double> milliseconds) {
-  JSONValue::Object line{{"id", id}, {"ok", reply.ok}, {"payload", reply.payload}};
+  JSONValue::Object line{{"id", id}, {"ok", reply.ok}};
+  line["payload"] = std::move(reply.payload);  // it may be large, and braces would copy it
   if (milliseconds) line["ms"] = *milliseconds;
   return Marshal::encode(line);
 }

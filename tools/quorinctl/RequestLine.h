@@ -34,7 +34,6 @@ std::variant<Request, Refused> parseRequest(std::string_view line);
 Refused tooLong(std::size_t limit);
 
 // {"id", "ok", "payload"}, and "ms" where it was measured. Without line feed.
-std::string replyLine(const JSONValue& id, const Bridge::Reply& reply,
-                      std::optional<double> milliseconds);
+std::string replyLine(const JSONValue& id, Bridge::Reply reply, std::optional<double> milliseconds);
 
 }  // namespace quorin::ctl

@@ -110,7 +110,7 @@ class Server {
 
  private:
   bool answer(const std::string& line);
-  bool write(const JSONValue& id, const Bridge::Reply& reply, std::optional<double> milliseconds);
+  bool write(const JSONValue& id, Bridge::Reply reply, std::optional<double> milliseconds);
 
   Session& session_;
   Waiter& waiter_;
@@ -177,12 +177,11 @@ bool Server::answer(const std::string& line) {
     waiter_.waitForDoneAlone();
     return false;
   }
-  return write(request.id, reply, timing_ ? std::optional(milliseconds) : std::nullopt);
+  return write(request.id, std::move(reply), timing_ ? std::optional(milliseconds) : std::nullopt);
 }
 
-bool Server::write(const JSONValue& id, const Bridge::Reply& reply,
-                   std::optional<double> milliseconds) {
-  const std::string line = replyLine(id, reply, milliseconds) + "\n";
+bool Server::write(const JSONValue& id, Bridge::Reply reply, std::optional<double> milliseconds) {
+  const std::string line = replyLine(id, std::move(reply), milliseconds) + "\n";
   return std::fwrite(line.data(), 1, line.size(), stdout) == line.size() &&
          std::fflush(stdout) == 0;
 }
