@@ -26,10 +26,6 @@ class Application {
   // is error -1712. A timeout of zero asks to deliver the event without waiting; the reply is then
   // ignored. Called on the thread that runs the script. Never throws.
   virtual AppleEventReply send(const AppleEvent& event, std::chrono::milliseconds timeout) = 0;
-
-  // Around the events of one run of a script, which belong together.
-  virtual void beginRun() {}
-  virtual void endRun() {}
 };
 
 // Finds the applications that `tell application "..."` and `tell application id "..."` name.

@@ -34,6 +34,7 @@ using css::table::XCellRange;
 using css::uno::Any;
 using css::uno::Reference;
 using css::uno::Sequence;
+using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
 template <typename T>
@@ -97,33 +98,46 @@ std::optional<Area> filledPart(const Reference<XCellRange>& cells) {
   return filled;
 }
 
-// The displayed texts of a rectangle in one call, whether its rows are hidden or not. The office
-// cuts off what lies beyond a sheet's contents, so exactly the filled part is asked for.
-Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area) {
-  Grid<std::string> grid = gridFor<std::string>(area);
-  const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
-  const std::optional<Area> filled = filledPart(cells);
-  if (!filled) return grid;
-  const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
-  const Reference<css::chart2::data::XDataProvider> provider(
-      factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
-  // A workbook may say that charts leave hidden rows and columns out.
-  Reference<css::beans::XPropertySet>(provider, UNO_QUERY_THROW)
-      ->setPropertyValue("IncludeHiddenCells", Any(true));
+// The displayed texts of a rectangle in one call, whether its rows are hidden or not, column by
+// column. What lies beyond a sheet's contents is cut off without a word.
+Sequence<rtl::OUString> shownTexts(const Workbook& workbook, const std::string& sheet,
+                                   const Area& area) {
+  Reference<css::chart2::data::XDataProvider>& provider = workbook.shownTexts;
+  if (!provider.is()) {
+    const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
+    provider.set(factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
+    // A workbook may say that charts leave hidden rows and columns out.
+    Reference<css::beans::XPropertySet>(provider, UNO_QUERY_THROW)
+        ->setPropertyValue("IncludeHiddenCells", Any(true));
+  }
   const auto end = [](int row, int column) {
     return "$" + columnLetters(column) + "$" + std::to_string(row);
   };
   const Reference<css::chart2::data::XTextualDataSequence> sequence(
       provider->createDataSequenceByRangeRepresentation(
-          toUno(calcSheet(sheet) + "." + end(filled->firstRow, filled->firstColumn) + ":" +
-                end(filled->lastRow, filled->lastColumn))),
-      UNO_QUERY_THROW);
-  const Sequence<rtl::OUString> texts = sequence->getTextualData();
-  if (texts.getLength() != cellCount({*filled})) return textsOneByOne(cells, area);
-  const int rows = rowCount(*filled);
-  for (sal_Int32 i = 0; i < texts.getLength(); ++i) {  // column by column
-    cellAt(grid, filled->firstRow - area.firstRow + i % rows,
-           filled->firstColumn - area.firstColumn + i / rows) = toText(texts[i]);
+          toUno(calcSheet(sheet) + "." + end(area.firstRow, area.firstColumn) + ":" +
+                end(area.lastRow, area.lastColumn))),
+      UNO_QUERY);
+  return sequence.is() ? sequence->getTextualData() : Sequence<rtl::OUString>();
+}
+
+// All of them in one call, or in two: of exactly the filled part when something was cut off.
+Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area) {
+  Grid<std::string> grid = gridFor<std::string>(area);
+  Area told = area;
+  Sequence<rtl::OUString> texts = shownTexts(workbook, sheet, told);
+  if (texts.getLength() != cellCount({told})) {
+    const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
+    const std::optional<Area> filled = filledPart(cells);
+    if (!filled) return grid;
+    told = *filled;
+    texts = shownTexts(workbook, sheet, told);
+    if (texts.getLength() != cellCount({told})) return textsOneByOne(cells, area);
+  }
+  const int rows = rowCount(told);
+  for (sal_Int32 i = 0; i < texts.getLength(); ++i) {
+    cellAt(grid, told.firstRow - area.firstRow + i % rows,
+           told.firstColumn - area.firstColumn + i / rows) = toText(texts[i]);
   }
   return grid;
 }
@@ -188,6 +202,17 @@ bool mayBeBoolean(const std::string& text) {
 // Calc has no boolean constants: one that a file brings becomes a call of the function.
 bool isBooleanConstant(std::string_view formula) {
   return formula == "=TRUE()" || formula == "=FALSE()";
+}
+
+bool mayBeFormula(const rtl::OUString& text) {
+  return text.startsWith("=") || text.startsWith("{=");
+}
+
+// A text that looks like a formula is its own value.
+bool isConstant(const std::string& formula, const CellValue& value) {
+  if (isBooleanConstant(formula)) return true;
+  const auto* const text = std::get_if<std::string>(&value);
+  return text != nullptr && *text == formula;
 }
 
 constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
@@ -275,22 +300,28 @@ Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range) {
   return readValues(workbook, cellsOf(workbook, range.sheet.sheet, area), area);
 }
 
-Grid<CellValue> readFormulas(Workbook& workbook, const RangeRef& range, ReferenceStyle style) {
+Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
+                             const Grid<CellValue>& values) {
   const Area& area = firstArea(range);
-  gridFor<Blank>(area);
-  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
-  Grid<CellValue> grid = readValues(workbook, cells, area);
-  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  const Reference<css::sheet::XSheetCellRanges> found = query->queryFormulaCells(anyResult);
-  if (found->getRangeAddresses().getLength() == 0) return grid;
-  const Reference<css::sheet::XCellRangeFormula> source(cells, UNO_QUERY_THROW);
-  const Sequence<Sequence<rtl::OUString>> texts = source->getFormulaArray();
-  forEachCell(found, area, [&](int row, int column) {
-    const std::string text = toText(texts[row][column]);
-    if (isBooleanConstant(text)) return;
-    cellAt(grid, row, column) =
-        excelFormula(text, style, {area.firstRow + row, area.firstColumn + column});
-  });
+  Grid<CellValue> grid = gridFor<CellValue>(area);
+  const Reference<css::sheet::XCellRangeFormula> source(cellsOf(workbook, range.sheet.sheet, area),
+                                                        UNO_QUERY_THROW);
+  const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
+  const IsSheet isSheet = sheetTest(workbook);
+  std::string formula;
+  for (int row = 0; row < grid.rows; ++row) {
+    const Sequence<rtl::OUString>& texts = rows[row];
+    for (int column = 0; column < grid.columns; ++column) {
+      const CellValue& value = values.at(row, column);
+      CellValue& cell = cellAt(grid, row, column);
+      if (!mayBeFormula(texts[column]) || isConstant(formula = toText(texts[column]), value)) {
+        cell = value;
+      } else {
+        cell =
+            excelFormula(formula, style, {area.firstRow + row, area.firstColumn + column}, isSheet);
+      }
+    }
+  }
   return grid;
 }
 
@@ -312,13 +343,14 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
   return grid;
 }
 
-Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range) {
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors) {
   const Area& area = firstArea(range);
-  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
   const bool several = area.firstRow != area.lastRow || area.firstColumn != area.lastColumn;
+  if (several && errors == Errors::none) return bulkTexts(workbook, range.sheet.sheet, area);
+  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
   Grid<std::string> texts =
       several ? bulkTexts(workbook, range.sheet.sheet, area) : textsOneByOne(cells, area);
-  nameErrors(cells, area, texts);
+  if (errors == Errors::possible) nameErrors(cells, area, texts);
   return texts;
 }
 

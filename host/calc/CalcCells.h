@@ -12,12 +12,17 @@ inline constexpr long long mostCells = 4'000'000;
 
 // All of the first area.
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range);
-Grid<CellValue> readFormulas(Workbook& workbook, const RangeRef& range, ReferenceStyle style);
+// `values` are those of the same cells: a constant is its own formula.
+Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
+                             const Grid<CellValue>& values);
 Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range);
 // The smallest rectangle with all that stands in the first area; nothing when it is blank.
 std::optional<Area> filledPart(const Workbook& workbook, const RangeRef& range);
 
-Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range);
+// Whether any of the cells may hold an error, which is asked for then.
+enum class Errors { possible, none };
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range,
+                            Errors errors = Errors::possible);
 
 // The values of cells already found.
 Grid<CellValue> readValues(Workbook& workbook,

@@ -114,7 +114,10 @@ Evaluation CalcEvaluator::inCopy(CalcWorkbooks& workbooks, const std::string& ex
                                  ExpressionContext& context) {
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
   if (filledCells(*original, context.sheets) > mostCellsToCopy) {
-    throw SpreadsheetError(-50, "The expression asks for more than values of a large workbook");
+    throw SpreadsheetError(
+        -50,
+        "What SUBTOTAL, AGGREGATE, CELL and the like tell cannot be worked out in a workbook of "
+        "more than 1000 filled cells");
   }
   HiddenWorkbook copy(context_, *original);
   context.elsewhere = [&](const std::string& book,

@@ -15,14 +15,14 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 void addNames(std::vector<DefinedName>& list, const Reference<css::uno::XInterface>& owner,
-              const std::string& sheet) {
+              const std::string& sheet, const IsSheet& isSheet) {
   const Reference<css::sheet::XNamedRanges> names(
       Reference<css::beans::XPropertySet>(owner, UNO_QUERY_THROW)->getPropertyValue("NamedRanges"),
       UNO_QUERY_THROW);
   for (const rtl::OUString& name : names->getElementNames()) {
     const Reference<css::sheet::XNamedRange> entry(names->getByName(name), UNO_QUERY_THROW);
     const std::string content = "=" + toText(entry->getContent());
-    list.push_back({toText(name), sheet, excelFormula(content, ReferenceStyle::a1, {})});
+    list.push_back({toText(name), sheet, excelFormula(content, ReferenceStyle::a1, {}, isSheet)});
   }
 }
 
@@ -30,9 +30,10 @@ void addNames(std::vector<DefinedName>& list, const Reference<css::uno::XInterfa
 
 std::vector<DefinedName> listNames(const Workbook& workbook) {
   std::vector<DefinedName> list;
-  addNames(list, workbook.document, {});
+  const IsSheet isSheet = sheetTest(workbook);
+  addNames(list, workbook.document, {}, isSheet);
   for (const std::string& sheet : sheetNames(workbook)) {
-    addNames(list, sheetOf(workbook, sheet), sheet);
+    addNames(list, sheetOf(workbook, sheet), sheet, isSheet);
   }
   return list;
 }

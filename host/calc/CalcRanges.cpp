@@ -30,6 +30,14 @@ std::vector<std::string> sheetNames(const Workbook& workbook) {
   return result;
 }
 
+IsSheet sheetTest(const Workbook& workbook) {
+  return [&workbook,
+          names = std::optional<std::vector<std::string>>()](const std::string& name) mutable {
+    if (!names) names = sheetNames(workbook);
+    return std::find(names->begin(), names->end(), name) != names->end();
+  };
+}
+
 Area areaOf(const css::table::CellRangeAddress& address) {
   return {address.StartRow + 1, address.StartColumn + 1, address.EndRow + 1, address.EndColumn + 1};
 }

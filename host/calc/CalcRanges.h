@@ -10,6 +10,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/FormulaTranslator.h"
 
 namespace quorin::host::calc {
 
@@ -19,6 +20,9 @@ css::uno::Reference<css::sheet::XSpreadsheet> sheetOf(const Workbook& workbook,
 
 // The names of the sheets in their order, hidden ones included.
 std::vector<std::string> sheetNames(const Workbook& workbook);
+// Tells whether a sheet of the workbook, which has to outlive it, has a name. Asks when first
+// asked.
+IsSheet sheetTest(const Workbook& workbook);
 
 Area areaOf(const css::table::CellRangeAddress& address);
 css::uno::Reference<css::table::XCellRange> cellsOf(

@@ -12,7 +12,8 @@ std::optional<std::string> readCalcSheet(std::string_view text, std::size_t& pos
   } else if (!name) {  // an unquoted name has no full stop in it
     const std::size_t start = at;
     while (at < text.size() && isWordCharacter(text[at]) && text[at] != '.') ++at;
-    if (at > start) name = text.substr(start, at - start);
+    if (at == start || at >= text.size() || text[at] != '.') return std::nullopt;
+    name = text.substr(start, at - start);
   }
   if (!name || at >= text.size() || text[at] != '.') return std::nullopt;
   position = at + 1;

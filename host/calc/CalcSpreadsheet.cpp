@@ -69,15 +69,24 @@ auto CalcSpreadsheet::call(Work work) {
     } catch (const css::lang::DisposedException&) {
       endIfDead();
       office.workbooks().forget();
+      memory_.forget();
       if (!again) throw SpreadsheetError(-1728, "The workbook was closed");
     } catch (const css::uno::RuntimeException& failure) {
       endIfDead();
       office.workbooks().forget();
+      memory_.forget();
       throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
     } catch (const css::uno::Exception& failure) {
       throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
     }
   }
+}
+
+// What changes something makes all that was read old.
+template <typename Work>
+auto CalcSpreadsheet::change(Work work) {
+  memory_.forget();
+  return call(work);
 }
 
 void CalcSpreadsheet::endIfDead() {
@@ -88,16 +97,18 @@ void CalcSpreadsheet::endIfDead() {
 }
 
 void CalcSpreadsheet::openWorkbook(const std::string& path) {
-  call([&](CalcSession& office) { office.openWorkbook(path); });
+  change([&](CalcSession& office) { office.openWorkbook(path); });
 }
 
 void CalcSpreadsheet::handlerBegins() {
   inHandler_ = true;
+  memory_.begin();
   if (session_) session_->keepReadings(true);
 }
 
 void CalcSpreadsheet::handlerEnds() {
   inHandler_ = false;
+  memory_.end();
   if (session_) session_->keepReadings(false);
 }
 
@@ -119,16 +130,18 @@ bool CalcSpreadsheet::isFrontmost() {
 }
 
 void CalcSpreadsheet::activate() {
-  call([](CalcSession& office) {
+  change([](CalcSession& office) {
     if (const auto window = office.workbooks().active()) bringToFront(*window);
   });
 }
 
 std::vector<std::string> CalcSpreadsheet::workbooks() {
-  return call([](CalcSession& office) {
-    std::vector<std::string> names = office.workbooks().names();
-    for (std::string& name : office.scratch().names()) names.push_back(std::move(name));
-    return names;
+  return memory_.workbooks([this] {
+    return call([](CalcSession& office) {
+      std::vector<std::string> names = office.workbooks().names();
+      for (std::string& name : office.scratch().names()) names.push_back(std::move(name));
+      return names;
+    });
   });
 }
 
@@ -155,19 +168,23 @@ std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
 }
 
 std::optional<std::string> CalcSpreadsheet::activeWorkbook() {
-  return call([](CalcSession& office) -> std::optional<std::string> {
-    if (const auto* scratch = office.scratch().active()) return scratch->name();
-    const auto window = office.workbooks().active();
-    return !window ? std::nullopt : std::optional(window->workbook->name);
+  return memory_.activeWorkbook([this] {
+    return call([](CalcSession& office) -> std::optional<std::string> {
+      if (const auto* scratch = office.scratch().active()) return scratch->name();
+      const auto window = office.workbooks().active();
+      return !window ? std::nullopt : std::optional(window->workbook->name);
+    });
   });
 }
 
 std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
-  return call([](CalcSession& office) -> std::optional<SheetRef> {
-    if (const auto* scratch = office.scratch().active())
-      return SheetRef{scratch->name(), ScratchWorkbook::onlySheet};
-    const auto window = office.workbooks().active();
-    return !window ? std::nullopt : std::optional(calc::activeSheetOf(*window));
+  return memory_.activeSheet([this] {
+    return call([](CalcSession& office) -> std::optional<SheetRef> {
+      if (const auto* scratch = office.scratch().active())
+        return SheetRef{scratch->name(), ScratchWorkbook::onlySheet};
+      const auto window = office.workbooks().active();
+      return !window ? std::nullopt : std::optional(calc::activeSheetOf(*window));
+    });
   });
 }
 
@@ -195,7 +212,7 @@ SheetRef CalcSpreadsheet::activeSheetOf(const std::string& book) {
 }
 
 void CalcSpreadsheet::goTo(const RangeRef& range) {
-  call([&](CalcSession& office) { navigation(office).select(range); });
+  change([&](CalcSession& office) { navigation(office).select(range); });
 }
 
 void CalcSpreadsheet::select(const RangeRef& range) {
@@ -203,19 +220,19 @@ void CalcSpreadsheet::select(const RangeRef& range) {
 }  // Calc scrolls either way
 
 void CalcSpreadsheet::activateWorkbook(const std::string& book) {
-  call([&](CalcSession& office) { navigation(office).activateWorkbook(book); });
+  change([&](CalcSession& office) { navigation(office).activateWorkbook(book); });
 }
 
 void CalcSpreadsheet::activateSheet(const SheetRef& sheet) {
-  call([&](CalcSession& office) { navigation(office).activateSheet(sheet); });
+  change([&](CalcSession& office) { navigation(office).activateSheet(sheet); });
 }
 
 void CalcSpreadsheet::activateCell(const RangeRef& range) {
-  call([&](CalcSession& office) { navigation(office).activateCell(range); });
+  change([&](CalcSession& office) { navigation(office).activateCell(range); });
 }
 
 void CalcSpreadsheet::scrollTo(const RangeRef& range) {
-  call([&](CalcSession& office) { navigation(office).scrollTo(range); });
+  change([&](CalcSession& office) { navigation(office).scrollTo(range); });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::named(const SheetRef& from, const std::string& name) {
@@ -241,14 +258,22 @@ std::optional<RangeRef> CalcSpreadsheet::dependents(const RangeRef& range, Depen
 }
 
 Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
-  return call(
+  if (auto known = memory_.values(range)) return *std::move(known);
+  Grid<CellValue> values = call(
       [&](CalcSession& office) { return readValues(office.workbook(range.sheet.book), range); });
+  memory_.noteErrors(range, values);
+  return values;
 }
 
 Grid<CellValue> CalcSpreadsheet::formulas(const RangeRef& range, ReferenceStyle style) {
   return call([&](CalcSession& office) {
     if (auto* scratch = office.scratch().find(range.sheet.book)) return scratch->formulas(range);
-    return readFormulas(office.workbook(range.sheet.book), range, style);
+    Workbook& workbook = office.workbook(range.sheet.book);
+    Grid<CellValue> values = readValues(workbook, range);
+    Grid<CellValue> formulas = readFormulas(workbook, range, style, values);
+    memory_.noteErrors(range, values);
+    memory_.keepValues(range, std::move(values));
+    return formulas;
   });
 }
 
@@ -259,8 +284,10 @@ Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
 }
 
 Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
-  return call(
-      [&](CalcSession& office) { return readTexts(office.workbook(range.sheet.book), range); });
+  const Errors errors = memory_.hasNoErrors(range) ? Errors::none : Errors::possible;
+  return call([&](CalcSession& office) {
+    return readTexts(office.workbook(range.sheet.book), range, errors);
+  });
 }
 
 Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetRef& from) {
@@ -277,7 +304,9 @@ std::optional<RangeRef> CalcSpreadsheet::visibleRange() {
 }
 
 std::vector<DefinedName> CalcSpreadsheet::definedNames(const std::string& book) {
-  return call([&](CalcSession& office) { return listNames(office.workbook(book)); });
+  return memory_.definedNames(book, [&] {
+    return call([&](CalcSession& office) { return listNames(office.workbook(book)); });
+  });
 }
 
 std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) {
@@ -287,7 +316,7 @@ std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) 
 }
 
 void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
-  call([&](CalcSession& office) {
+  change([&](CalcSession& office) {
     setLinesHidden(office.workbook(range.sheet.book), range, lines, hide);
   });
 }
@@ -328,17 +357,17 @@ void CalcSpreadsheet::deleteCondition(const RangeRef& range, const std::string& 
 }
 
 std::string CalcSpreadsheet::makeWorkbook() {
-  return call([](CalcSession& office) { return office.scratch().make(); });
+  return change([](CalcSession& office) { return office.scratch().make(); });
 }
 
 void CalcSpreadsheet::setFormula(const RangeRef& cell, const std::string& formula) {
-  call([&](CalcSession& office) {
+  change([&](CalcSession& office) {
     office.scratch().named(cell.sheet.book).setFormula(office.workbooks(), cell, formula);
   });
 }
 
 void CalcSpreadsheet::closeWorkbook(const std::string& book) {
-  call([&](CalcSession& office) {
+  change([&](CalcSession& office) {
     office.workbook(book);
     office.scratch().close(book);
   });

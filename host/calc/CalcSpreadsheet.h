@@ -13,6 +13,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/OfficeSource.h"
+#include "host/calc/RequestMemory.h"
 
 namespace quorin::host::calc {
 
@@ -82,6 +83,8 @@ class CalcSpreadsheet : public Spreadsheet {
   void endIfDead();
   template <typename Work>
   auto call(Work work);
+  template <typename Work>
+  auto change(Work work);
 
   const std::shared_ptr<OfficeSource> source_;
   const std::chrono::milliseconds patience_;
@@ -89,6 +92,7 @@ class CalcSpreadsheet : public Spreadsheet {
   std::mutex mutex_;  // guards session_'s replacement against quit()
   std::unique_ptr<CalcSession> session_;
   bool inHandler_ = false;
+  RequestMemory memory_;  // after the session: it holds nothing of the office
 };
 
 }  // namespace quorin::host::calc

@@ -51,13 +51,22 @@ void CalcWorkbooks::read() {
 
 void CalcWorkbooks::addWindow(const Reference<css::frame::XFrame>& frame,
                               const std::vector<Window>& known) {
-  const Reference<css::awt::XWindow2> shown(frame->getContainerWindow(), UNO_QUERY);
+  const auto before = std::find_if(known.begin(), known.end(),
+                                   [&](const Window& window) { return window.frame == frame; });
+  const Reference<css::awt::XWindow2> shown =
+      before != known.end() ? before->shown
+                            : Reference<css::awt::XWindow2>(frame->getContainerWindow(), UNO_QUERY);
   if (!shown.is() || !shown->isVisible()) return;
   const Reference<css::frame::XController> controller = frame->getController();
+  if (before != known.end() && before->controller == controller) {
+    windows_.push_back(*before);
+    windows_.back().workbook = workbookOf(before->workbook->model, known);
+    return;
+  }
   const Reference<css::frame::XModel> model = controller.is() ? controller->getModel() : nullptr;
   if (!Reference<css::sheet::XSpreadsheetDocument>(model, UNO_QUERY).is()) return;
   windows_.push_back({workbookOf(model, known), frame, controller,
-                      Reference<css::sheet::XSpreadsheetView>(controller, UNO_QUERY)});
+                      Reference<css::sheet::XSpreadsheetView>(controller, UNO_QUERY), shown});
 }
 
 std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::XModel>& model,
@@ -101,6 +110,10 @@ std::vector<std::string> CalcWorkbooks::names() {
   return names;
 }
 
+bool CalcWorkbooks::isStale() const {
+  return !readAt_ || std::chrono::steady_clock::now() - *readAt_ > trustedFor;
+}
+
 std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
   if (kept_) {
     const auto called = [&](const auto& workbook) { return workbook->name == name; };
@@ -112,14 +125,13 @@ std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
 }
 
 std::optional<Window> CalcWorkbooks::active() {
-  const bool stale = !readAt_ || std::chrono::steady_clock::now() - *readAt_ > trustedFor;
   const Reference<css::frame::XFrame> current = desktop_->getCurrentFrame();
   const auto showing = [&] {
     return std::find_if(windows_.begin(), windows_.end(),
                         [&](const Window& window) { return window.frame == current; });
   };
   auto window = showing();
-  if (stale || window == windows_.end()) {
+  if (isStale() || window == windows_.end()) {
     read();
     window = showing();
   }

@@ -7,6 +7,8 @@
 #pragma once
 
 #include <chrono>
+#include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/chart2/data/XDataProvider.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XDesktop2.hpp>
@@ -31,6 +33,8 @@ struct Workbook {
   css::uno::Reference<css::sheet::XSpreadsheetDocument> document;
   css::uno::Reference<css::container::XNameAccess> sheets;
   std::map<sal_Int32, bool> booleanFormats;  // number format key: is it a format of booleans?
+  // Tells displayed texts; made when they are first asked for.
+  mutable css::uno::Reference<css::chart2::data::XDataProvider> shownTexts;
 };
 
 struct Window {
@@ -38,6 +42,7 @@ struct Window {
   css::uno::Reference<css::frame::XFrame> frame;
   css::uno::Reference<css::frame::XController> controller;
   css::uno::Reference<css::sheet::XSpreadsheetView> view;  // none in a print preview
+  css::uno::Reference<css::awt::XWindow2> shown;
 };
 
 class CalcWorkbooks {
@@ -54,6 +59,7 @@ class CalcWorkbooks {
   std::vector<Window> windows();
 
  private:
+  bool isStale() const;
   void read();
   void addWindow(const css::uno::Reference<css::frame::XFrame>& frame,
                  const std::vector<Window>& known);

@@ -276,6 +276,19 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   }
 }
 
+// Whether "&" takes the word just read, as it stands: a truth value joined to text is its name,
+// where Calc would write its number.
+bool ExpressionWriter::isJoined() const {
+  static constexpr std::string_view tighter = "+-*/^%:";
+  const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
+  const char after = next < text_.size() ? text_[next] : '\0';
+  const std::size_t last = out_.find_last_not_of(" \n\r\t");
+  const char before = last < out_.size() ? out_[last] : '\0';
+  if (tighter.find(after) != std::string_view::npos) return false;
+  if (tighter.find(before) != std::string_view::npos) return false;
+  return before == '&' || after == '&';
+}
+
 void ExpressionWriter::number(const std::string& word) {
   if (!isNumber(word)) throw Malformed();
   operand(false);
@@ -303,7 +316,7 @@ void ExpressionWriter::table(const std::string& name) {
 void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::string& word) {
   operand(true);
   if (!span && (equalIgnoringCase(word, "TRUE") || equalIgnoringCase(word, "FALSE"))) {
-    out_ += upperCase(word) + "()";
+    out_ += isJoined() ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
     return;
   }
   SheetRef scope{context_.from.book, {}};

@@ -51,6 +51,7 @@ class ExpressionWriter {
   void name(const std::optional<SheetSpan>& span, const std::string& word);
   void expansion(const std::string& excel);
   bool isExponentSign() const;
+  bool isJoined() const;
   std::optional<SheetPlace> placeOf(const std::string& book, const std::string& sheet) const;
   void reachSpan(const SheetPlace& first, const SheetPlace& last, const RangeText& range);
 

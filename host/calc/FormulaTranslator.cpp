@@ -16,10 +16,11 @@ constexpr std::array<std::string_view, 5> tableItems{"#All", "#Data", "#Headers"
 
 class Translation {
  public:
-  Translation(std::string_view text, ReferenceStyle style, FormulaCell cell)
-      : text_(text), style_(style), cell_(cell) {}
+  Translation(std::string_view text, ReferenceStyle style, FormulaCell cell, const IsSheet& isSheet)
+      : text_(text), style_(style), cell_(cell), isSheet_(isSheet) {}
 
   std::string run() {
+    out_.reserve(text_.size() + 16);
     if (!text_.empty() && text_[at_] == '=') out_ += text_[at_++];
     frames_.push_back({false, false, false, out_.size()});
     while (at_ < text_.size()) step();
@@ -73,6 +74,7 @@ class Translation {
     const auto sheet = readCalcSheet(text_, position);
     const auto from = readCalcEnd(text_, position, false);
     if (!from) return sheet ? sheetName(*sheet, position) : false;
+    if (sheet && isWordCharacter(text_[at_]) && isSheet_ && !isSheet_(*sheet)) return false;
     RangeText range{*from, std::nullopt};
     auto lastSheet = sheet;
     if (position < text_.size() && text_[position] == ':') {
@@ -285,6 +287,7 @@ class Translation {
   const std::string_view text_;
   const ReferenceStyle style_;
   const FormulaCell cell_;
+  const IsSheet& isSheet_;
   std::size_t at_ = 0;
   std::string out_;
   std::vector<Frame> frames_;
@@ -292,11 +295,12 @@ class Translation {
 
 }  // namespace
 
-std::string excelFormula(std::string_view formula, ReferenceStyle style, FormulaCell cell) {
+std::string excelFormula(std::string_view formula, ReferenceStyle style, FormulaCell cell,
+                         const IsSheet& isSheet) {
   if (formula.starts_with("{=") && formula.ends_with('}')) {
     formula = formula.substr(1, formula.size() - 2);
   }
-  return Translation(formula, style, cell).run();
+  return Translation(formula, style, cell, isSheet).run();
 }
 
 }  // namespace quorin::host::calc

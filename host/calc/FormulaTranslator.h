@@ -7,6 +7,7 @@
 // array's columns and rows are parted by ";" and "|".
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -15,7 +16,10 @@
 namespace quorin::host::calc {
 
 // A formula as Calc stores it, with "=" and with the braces of an array formula or without, as
-// Excel would write it. What has no counterpart there stays as it is.
-std::string excelFormula(std::string_view calcFormula, ReferenceStyle style, FormulaCell cell);
+// Excel would write it. What has no counterpart there stays as it is. `isSheet` is asked where only
+// that tells a reference from a defined name: "Unit.m2" is one unless there is a sheet "Unit".
+using IsSheet = std::function<bool(const std::string& name)>;
+std::string excelFormula(std::string_view calcFormula, ReferenceStyle style, FormulaCell cell,
+                         const IsSheet& isSheet = {});
 
 }  // namespace quorin::host::calc

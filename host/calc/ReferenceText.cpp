@@ -8,10 +8,10 @@ namespace {
 
 constexpr std::string_view lostText = "#REF!";
 
-bool isLetter(char c) {
+constexpr bool isLetter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
-bool isDigit(char c) {
+constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 char upper(char c) {
@@ -19,7 +19,8 @@ char upper(char c) {
 }
 
 bool startsWithLost(std::string_view text, std::size_t position) {
-  return equalIgnoringCase(text.substr(std::min(position, text.size()), lostText.size()), lostText);
+  if (position >= text.size() || text[position] != lostText.front()) return false;
+  return equalIgnoringCase(text.substr(position, lostText.size()), lostText);
 }
 
 // The column or row after an optional dollar sign; 0 and an unmoved position for none.
@@ -60,8 +61,14 @@ bool skipLost(std::string_view text, std::size_t& position) {
 
 std::string a1(const CellText& cell) {
   std::string text;
-  if (cell.column > 0) text += (cell.absoluteColumn ? "$" : "") + columnLetters(cell.column);
-  if (cell.row > 0) text += (cell.absoluteRow ? "$" : "") + std::to_string(cell.row);
+  if (cell.column > 0) {
+    if (cell.absoluteColumn) text += '$';
+    text += columnLetters(cell.column);
+  }
+  if (cell.row > 0) {
+    if (cell.absoluteRow) text += '$';
+    text += std::to_string(cell.row);
+  }
   return text;
 }
 
@@ -132,8 +139,16 @@ std::optional<CellText> readCell(std::string_view text, std::size_t& position) {
 }
 
 bool isWordCharacter(char c) {
-  return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' ||
-         static_cast<unsigned char>(c) >= 0x80;
+  static constexpr auto kinds = [] {
+    std::array<bool, 256> are{};
+    for (std::size_t i = 0; i < are.size(); ++i) {
+      const char one = static_cast<char>(i);
+      are[i] = isLetter(one) || isDigit(one) || one == '_' || one == '.' || one == '\\' ||
+               one == '?' || i >= 0x80;
+    }
+    return are;
+  }();
+  return kinds[static_cast<unsigned char>(c)];
 }
 
 std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell) {
@@ -204,8 +219,9 @@ std::optional<std::string> readQuoted(std::string_view text, std::size_t& positi
 std::string_view errorLiteral(std::string_view text, std::size_t position) {
   static constexpr std::array<std::string_view, 8> literals{
       "#NULL!", "#DIV/0!", "#VALUE!", "#REF!", "#NAME?", "#NUM!", "#N/A", "#CALC!"};
+  if (position >= text.size() || text[position] != '#') return {};
   for (const std::string_view literal : literals) {
-    if (equalIgnoringCase(text.substr(std::min(position, text.size()), literal.size()), literal)) {
+    if (equalIgnoringCase(text.substr(position, literal.size()), literal)) {
       return literal;
     }
   }

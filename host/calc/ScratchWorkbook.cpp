@@ -70,7 +70,8 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     return;
   }
   if (calc->reach.contents) {
-    throw SpreadsheetError(-50, "The expression asks for more than values");
+    throw SpreadsheetError(
+        -50, "What SUBTOTAL, AGGREGATE, CELL and the like tell cannot be worked out in a chain");
   }
   add(reach_, calc->reach);
   mirror_.bring(workbooks, reach_);

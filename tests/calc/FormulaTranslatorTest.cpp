@@ -86,6 +86,19 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"=Table1[[#all];[A]:[B]]", "=Table1[[#All],[A]:[B]]"},
                     Case{"=SUM(Table1[Tax '[%']])", "=SUM(Table1[Tax '[%']])"}));
 
+// A name may be spelled like a reference to another sheet.
+TEST(ToExcel, TellsNamesFromReferencesByTheSheetsThereAre) {
+  const IsSheet isSheet = [](const std::string& name) { return name == "Unit"; };
+  const auto at = [&](const char* text) {
+    return excelFormula(text, ReferenceStyle::a1, {1, 1}, isSheet);
+  };
+  EXPECT_EQ(at("=GWP.CH4*2"), "=GWP.CH4*2");
+  EXPECT_EQ(at("=SUM(Mol.m2;1)"), "=SUM(Mol.m2,1)");
+  EXPECT_EQ(at("=Unit.M2"), "=Unit!M2");
+  EXPECT_EQ(at("=$GWP.CH4"), "=GWP!CH4");
+  EXPECT_EQ(at("=$'GWP'.CH4"), "=GWP!CH4");
+}
+
 TEST(ToR1C1, CountsRelativePartsFromTheCell) {
   const auto at = [](const char* text) { return excelFormula(text, ReferenceStyle::r1c1, {2, 3}); };
   EXPECT_EQ(at("=B2*2"), "=RC[-1]*2");

@@ -1,0 +1,67 @@
+// RequestMemory: what the calls of one request read of the office, told again to those that follow,
+// so that a request asks the office for each thing once and sees the workbooks as they were at one
+// moment. Outside of a request it keeps nothing. Plain values; call thread.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Spreadsheet.h"
+
+namespace quorin::host::calc {
+
+class RequestMemory {
+ public:
+  void begin();
+  void end();
+  void forget();  // something was changed
+
+  // What `read` gave when it was first asked.
+  template <typename Read>
+  std::vector<std::string> workbooks(Read read) {
+    return known(workbooks_, read);
+  }
+  template <typename Read>
+  std::optional<std::string> activeWorkbook(Read read) {
+    return known(activeWorkbook_, read);
+  }
+  template <typename Read>
+  std::optional<SheetRef> activeSheet(Read read) {
+    return known(activeSheet_, read);
+  }
+
+  template <typename Read>
+  std::vector<DefinedName> definedNames(const std::string& book, Read read) {
+    return known(definedNames_[book], read);
+  }
+
+  // Nothing when these cells were not read. Only the values that were kept last are.
+  std::optional<Grid<CellValue>> values(const RangeRef& range) const;
+  void keepValues(const RangeRef& range, Grid<CellValue> values);
+
+  // Whether the values that were read last say that there is no error in these cells.
+  bool hasNoErrors(const RangeRef& range) const;
+  void noteErrors(const RangeRef& range, const Grid<CellValue>& values);
+
+ private:
+  template <typename T, typename Read>
+  T known(std::optional<T>& place, Read read) {
+    if (place) return *place;
+    T told = read();
+    if (lasts_) place = told;
+    return told;
+  }
+
+  bool lasts_ = false;
+  std::optional<std::vector<std::string>> workbooks_;
+  std::map<std::string, std::optional<std::vector<DefinedName>>> definedNames_;
+  std::optional<std::optional<std::string>> activeWorkbook_;
+  std::optional<std::optional<SheetRef>> activeSheet_;
+  RangeRef valuesRange_;
+  std::optional<Grid<CellValue>> values_;
+  std::optional<RangeRef> withoutErrors_;
+};
+
+}  // namespace quorin::host::calc

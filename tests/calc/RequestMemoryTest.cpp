@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+
+#include "host/Address.h"
+#include "host/calc/RequestMemory.h"
+
+namespace quorin::host::calc {
+namespace {
+
+const SheetRef data{"Book.xlsx", "Data"};
+
+RangeRef at(const char* address, const SheetRef& sheet = data) {
+  return {sheet, parseA1(address).value()};
+}
+
+const Grid<CellValue> block{2, 3, {1.0, 2.0, "c", 4.0, CellError{"#N/A"}, true}};
+
+class RequestMemoryTest : public testing::Test {
+ protected:
+  std::vector<std::string> workbooks() {
+    return memory_.workbooks([this] { return std::vector{std::to_string(++asked_)}; });
+  }
+  std::string namesOf(const char* book) {
+    const auto read = [this] {
+      return std::vector{
+          DefinedName{.name = std::to_string(++asked_), .sheet = {}, .refersTo = {}}};
+    };
+    return memory_.definedNames(book, read).front().name;
+  }
+  RequestMemory memory_;
+  int asked_ = 0;
+};
+
+TEST_F(RequestMemoryTest, AsksEachTimeOutsideOfARequest) {
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"1"});
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"2"});
+  memory_.keepValues(at("A1:C2"), block);
+  EXPECT_EQ(memory_.values(at("A1:C2")), std::nullopt);
+}
+
+TEST_F(RequestMemoryTest, AsksOnceInARequest) {
+  memory_.begin();
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"1"});
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"1"});
+  EXPECT_EQ(namesOf("a"), "2");
+  EXPECT_EQ(namesOf("b"), "3");
+  EXPECT_EQ(namesOf("a"), "2");
+}
+
+TEST_F(RequestMemoryTest, ForgetsAtTheEndAndWhenSomethingChanges) {
+  memory_.begin();
+  workbooks();
+  memory_.keepValues(at("A1:C2"), block);
+  memory_.forget();
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"2"});
+  EXPECT_EQ(memory_.values(at("A1")), std::nullopt);
+  memory_.end();
+  memory_.begin();
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"3"});
+}
+
+TEST_F(RequestMemoryTest, DoesNotTakeAFailureForAnAnswer) {
+  memory_.begin();
+  EXPECT_THROW(
+      memory_.workbooks([]() -> std::vector<std::string> { throw SpreadsheetError(-600, "gone"); }),
+      SpreadsheetError);
+  EXPECT_EQ(workbooks(), std::vector<std::string>{"1"});
+}
+
+TEST_F(RequestMemoryTest, KnowsPartsOfWhatWasRead) {
+  memory_.begin();
+  memory_.keepValues(at("B2:D3"), block);
+  EXPECT_EQ(memory_.values(at("B2:D3")), block);
+  EXPECT_EQ(memory_.values(at("C2:C3")), (Grid<CellValue>{2, 1, {2.0, CellError{"#N/A"}}}));
+  EXPECT_EQ(memory_.values(at("D3")), (Grid<CellValue>{1, 1, {true}}));
+  EXPECT_EQ(memory_.values(at("A2:D3")), std::nullopt);
+  EXPECT_EQ(memory_.values(at("B2", {"Book.xlsx", "Other"})), std::nullopt);
+}
+
+TEST_F(RequestMemoryTest, KnowsWhereNoErrorIs) {
+  memory_.begin();
+  memory_.noteErrors(at("A1:A2"), {2, 1, {1.0, "#N/A"}});
+  EXPECT_TRUE(memory_.hasNoErrors(at("A2")));
+  EXPECT_FALSE(memory_.hasNoErrors(at("A1:B2")));
+  memory_.noteErrors(at("A1:C2"), block);
+  EXPECT_FALSE(memory_.hasNoErrors(at("A1")));
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
