@@ -1,6 +1,7 @@
 #include "host/calc/CalcSession.h"
 
 #include <com/sun/star/beans/NamedValue.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/configuration/theDefaultProvider.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
@@ -25,7 +26,8 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       desktop_(css::frame::Desktop::create(connection_.context())),
       workbooks_(desktop_),
       evaluator_(connection_.context()),
-      scratch_(connection_.context(), workbooks_) {}
+      scratch_(connection_.context(), workbooks_),
+      keeper_(office) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
   if (ScratchWorkbook* const scratch = scratch_.find(book)) return scratch->workbook();
@@ -40,19 +42,55 @@ std::vector<std::string> CalcSession::worksheets(const std::string& book) {
   return names;
 }
 
-SheetConditions& CalcSession::conditions(const SheetRef& sheet) {
+SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
   Workbook& book = workbook(sheet.book);
+  takeTurn(book, adding);
   const bool kept = keeping_ && conditions_ && conditions_->isTrue() &&
                     conditions_->workbook().model == book.model &&
                     conditions_->sheet() == sheet.sheet;
-  if (!kept) conditions_ = std::make_unique<SheetConditions>(book, sheet.sheet);
+  if (!kept) {
+    if (conditions_) earlier_.push_back(std::move(conditions_));
+    conditions_ = std::make_unique<SheetConditions>(book, sheet.sheet);
+  }
   return *conditions_;
+}
+
+void CalcSession::takeTurn(const Workbook& workbook, bool adding) {
+  rtl::OUString uid;
+  Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
+      ->getPropertyValue("RuntimeUID") >>= uid;
+  if (turn_ && turnWorkbook_ == toText(uid)) return;
+  endTurn();
+  turnWorkbook_ = toText(uid);
+  try {
+    turn_.emplace(keeper_, turnWorkbook_);
+  } catch (const SpreadsheetError& failure) {
+    // Marks that are there can still be read and taken away.
+    constexpr int noKeeper = -10000;
+    if (adding || failure.number() != noKeeper) throw;
+  }
+}
+
+// Drops the conditions after it: the keeper gets hold of their shapes while they are held here.
+void CalcSession::endTurn() {
+  turn_.reset();
+  earlier_.clear();
+  conditions_.reset();
+}
+
+void CalcSession::releaseConditions() {
+  if (!keeping_) endTurn();
+}
+
+void CalcSession::interrupt() {
+  keeper_.interrupt();
+  connection_.interrupt();
 }
 
 void CalcSession::keepReadings(bool keep) {
   keeping_ = keep;
   worksheets_.clear();
-  conditions_.reset();
+  endTurn();
   workbooks_.keepReading(keep);
 }
 

@@ -5,11 +5,13 @@
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/calc/CalcEvaluator.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/MarksKeeper.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/ScratchWorkbooks.h"
 #include "host/calc/SheetConditions.h"
@@ -26,7 +28,13 @@ class CalcSession {
   ScratchWorkbooks& scratch() { return scratch_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
   std::vector<std::string> worksheets(const std::string& book);
-  SheetConditions& conditions(const SheetRef& sheet);
+  // In the marks keeper's turn, which lasts until releaseConditions(), or to the end of the time in
+  // which readings are kept. Marks are not added where no keeper can be had: -10000.
+  SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
+  void releaseConditions();
+
+  // Makes calls in progress fail. From any thread.
+  void interrupt();
 
   // While readings are kept, what only the user changes is not read twice: which workbooks are
   // open, which sheets they have and what conditions are on a sheet.
@@ -39,6 +47,9 @@ class CalcSession {
   void openWorkbook(const std::string& path);
 
  private:
+  void takeTurn(const Workbook& workbook, bool adding);
+  void endTurn();
+
   OfficeConnection connection_;  // first: it outlives the references below
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
   CalcWorkbooks workbooks_;
@@ -46,7 +57,11 @@ class CalcSession {
   ScratchWorkbooks scratch_;
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   std::map<std::string, std::vector<std::string>> worksheets_;  // by workbook, while kept
-  std::unique_ptr<SheetConditions> conditions_;  // of the sheet that was last asked for
+  MarksKeeper keeper_;
+  std::vector<std::unique_ptr<SheetConditions>> earlier_;  // holds their shapes to the turn's end
+  std::unique_ptr<SheetConditions> conditions_;            // of the sheet that was last asked for
+  std::string turnWorkbook_;                               // its "RuntimeUID"
+  std::optional<MarksKeeper::Turn> turn_;
   bool keeping_ = false;
   std::string version_;
 };

@@ -38,7 +38,7 @@ void CalcSpreadsheet::quit() {
   quitting_ = true;
   source_->interrupt();
   const std::lock_guard lock(mutex_);
-  if (session_) session_->connection().interrupt();
+  if (session_) session_->interrupt();
 }
 
 CalcSession& CalcSpreadsheet::session() {
@@ -327,33 +327,45 @@ std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {
   });
 }
 
+// The conditions of one sheet, handed back however the work ends.
+template <typename Work>
+auto CalcSpreadsheet::withConditions(const SheetRef& sheet, bool adding, Work work) {
+  return call([&](CalcSession& office) {
+    const struct Release {
+      CalcSession& office;
+      ~Release() { office.releaseConditions(); }
+    } release{office};
+    return work(office.conditions(sheet, adding));
+  });
+}
+
 std::vector<FormatCondition> CalcSpreadsheet::formatConditions(const RangeRef& range) {
-  return call(
-      [&](CalcSession& office) { return office.conditions(range.sheet).touching(range.areas); });
+  return withConditions(range.sheet, false,
+                        [&](SheetConditions& sheet) { return sheet.touching(range.areas); });
 }
 
 std::string CalcSpreadsheet::addFormatCondition(const RangeRef& range, const std::string& formula) {
-  return call([&](CalcSession& office) {
-    return office.conditions(range.sheet).add(range.areas, formula);
-  });
+  return withConditions(range.sheet, true,
+                        [&](SheetConditions& sheet) { return sheet.add(range.areas, formula); });
 }
 
 void CalcSpreadsheet::setConditionFill(const SheetRef& sheet, const std::string& id,
                                        const std::optional<Color>& fill) {
-  call([&](CalcSession& office) { office.conditions(sheet).setFill(id, fill); });
+  withConditions(sheet, false, [&](SheetConditions& its) { its.setFill(id, fill); });
 }
 
 void CalcSpreadsheet::setConditionPriority(const SheetRef& sheet, const std::string& id,
                                            int priority) {
-  call([&](CalcSession& office) { office.conditions(sheet).setPriority(id, priority); });
+  withConditions(sheet, false, [&](SheetConditions& its) { its.setPriority(id, priority); });
 }
 
 void CalcSpreadsheet::setConditionRange(const RangeRef& range, const std::string& id) {
-  call([&](CalcSession& office) { office.conditions(range.sheet).setRange(range.areas, id); });
+  withConditions(range.sheet, true,
+                 [&](SheetConditions& sheet) { sheet.setRange(range.areas, id); });
 }
 
 void CalcSpreadsheet::deleteCondition(const RangeRef& range, const std::string& id) {
-  call([&](CalcSession& office) { office.conditions(range.sheet).erase(range.areas, id); });
+  withConditions(range.sheet, false, [&](SheetConditions& sheet) { sheet.erase(range.areas, id); });
 }
 
 std::string CalcSpreadsheet::makeWorkbook() {

@@ -85,6 +85,8 @@ class CalcSpreadsheet : public Spreadsheet {
   auto call(Work work);
   template <typename Work>
   auto change(Work work);
+  template <typename Work>
+  auto withConditions(const SheetRef& sheet, bool adding, Work work);
 
   const std::shared_ptr<OfficeSource> source_;
   const std::chrono::milliseconds patience_;

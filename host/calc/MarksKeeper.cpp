@@ -21,6 +21,7 @@ namespace quorin::host::calc {
 namespace {
 
 constexpr int endInMilliseconds = 1000;
+constexpr int endWhileQuitting = 200;  // also in milliseconds
 constexpr int noKeeper = -10000;
 
 // Waits for the process to end, for so long. It is reaped where it did.
@@ -64,7 +65,9 @@ void MarksKeeper::interrupt() {
 void MarksKeeper::forget() {
   if (socket_ >= 0) ::close(socket_);
   socket_ = -1;
-  if (process_ > 0) awaitEnd(process_, endInMilliseconds);
+  pollfd quitting{interrupted_, POLLIN, 0};
+  const bool inHaste = ::poll(&quitting, 1, 0) > 0;
+  if (process_ > 0) awaitEnd(process_, inHaste ? endWhileQuitting : endInMilliseconds);
   process_ = 0;
 }
 
