@@ -20,11 +20,17 @@ using testing::SizeIs;
 using Array = JSONValue::Array;
 using Colour = std::vector<std::int64_t>;
 
-// One office for all tests.
+// One office for all tests. What two connections of a process share belongs to the first of them,
+// so the road's has to be that one.
 struct Desk {
   TemporaryFolder folder;
   CalcRoad road;
-  UserHands hands{road.office().open()};
+  UserHands hands{connected().open()};
+
+  PrivateOffice& connected() {
+    road.use([](CalcSpreadsheet& calc) { calc.workbooks(); });
+    return road.office();
+  }
 
   void open(fakes::WorkbookDescription workbook, const std::string& name) {
     workbook.name = name;
