@@ -18,6 +18,9 @@ class GtkAlerts : public Alerts {
 
   void show(const Alert& alert, Answer answer) override;
 
+  // The one on the screen; for inspection.
+  const Alert* shown() const { return dialog_ ? &waiting_.front().alert : nullptr; }
+
  private:
   struct Waiting {
     Alert alert;

@@ -172,8 +172,10 @@ bool GtkPanelWindow::isVisible() const {
   return gtk_widget_get_visible(GTK_WIDGET(window_));
 }
 
+// While a global key is held down GTK takes the keyboard for lost; the window manager does not.
 bool GtkPanelWindow::isKey() const {
-  return !resigned_ && gtk_window_is_active(window_);
+  if (resigned_ || !isVisible()) return false;
+  return gtk_window_is_active(window_) || session_.activeWindow() == id();
 }
 
 void GtkPanelWindow::stayAboveFullScreen() {

@@ -31,7 +31,7 @@ class GtkPlatform : public AppPlatform {
   Application& application() override { return application_; }
   MainLoop& mainLoop() override { return loop_; }
   X11Workspace& workspace() override { return workspace_; }
-  Alerts& alerts() override { return alerts_; }
+  GtkAlerts& alerts() override { return alerts_; }
   Defaults& defaults() override { return defaults_; }
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }

@@ -16,6 +16,14 @@ JSONValue describe(const PanelWindow& window) {
       {"width", frame.width},          {"height", frame.height}};
 }
 
+JSONValue describe(const Alert* alert) {
+  if (!alert) return {};
+  JSONValue::Array buttons(alert->buttons.begin(), alert->buttons.end());
+  return JSONValue::Object{{"message", alert->message},
+                           {"informativeText", alert->informativeText},
+                           {"buttons", std::move(buttons)}};
+}
+
 }  // namespace
 
 PanelInspector::PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform)
@@ -30,6 +38,8 @@ void PanelInspector::answer(const std::string& line, const LineServer::Answer& a
     answer("ok true");
   } else if (line == "window" && platform_.panelWindow()) {
     answer("ok " + Marshal::encode(describe(*platform_.panelWindow())));
+  } else if (line == "alert") {
+    answer("ok " + Marshal::encode(describe(platform_.alerts().shown())));
   } else if (line.starts_with("eval ") && platform_.webView()) {
     const ParsedJSON script = parseJSON(line.substr(5));
     if (!script || !script.value->string()) {

@@ -3,6 +3,7 @@
 //
 //   eval SCRIPT   the script's value in the page as JSON; SCRIPT is a JSON text
 //   window        {"visible", "key", "x", "y", "width", "height"}
+//   alert         {"message", "informativeText", "buttons"} of the alert on the screen, or null
 //   quit          ends the application
 //
 // and is answered with "ok JSON" or "error TEXT".
