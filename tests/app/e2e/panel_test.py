@@ -6,24 +6,19 @@ usage: panel_test.py QUORIN [unittest option...]
 All tests share a display and a Calc; each starts Quorin anew with folders of its own.
 """
 import http.server
-import json
 import os
 import pathlib
 import shutil
 import signal
-import subprocess
 import sys
 import threading
 import time
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[3]
-sys.path.insert(0, str(ROOT / "tools" / "dev"))
-import try_panel  # noqa: E402
-from try_panel import Panel, Trial, wait_for  # noqa: E402
+from desk import Desk, Quorin
+from shell_cases import ShellTest  # noqa: F401
+from try_panel import Trial, wait_for
 
-try_panel.PATIENCE = 60
-QUORIN = None
 desk = None
 
 # A page of the test's own: counts events, keeps replies, throws on demand.
@@ -36,124 +31,6 @@ window.__qxEvent = (name, payload) => {
 };
 const send = (body) => window.webkit.messageHandlers.qx.postMessage(body);
 </script><body><p>test"""
-
-
-class Quorin:
-    """One running Quorin, ended with the test."""
-
-    def __init__(self, *arguments, program=None, defaults=None, wait=True, **environment):
-        self.folder = desk.folder / f"quorin-{time.monotonic_ns()}"
-        self.environment = dict(desk.environment, QX_TEST_SOCKET=str(self.folder / "panel"))
-        for name in ("DATA", "STATE"):
-            self.environment[f"XDG_{name}_HOME"] = str(self.folder / name.lower())
-        self.environment.update(environment)
-        (self.folder / "state" / "Quorin").mkdir(parents=True)
-        if defaults:
-            (self.folder / "state" / "Quorin" / "defaults.json").write_text(json.dumps(defaults))
-        self.output = open(self.folder / "output", "ab")
-        self.process = subprocess.Popen([str(program or QUORIN), *arguments],
-                                        env=self.environment, stdin=subprocess.DEVNULL,
-                                        stdout=self.output, stderr=self.output)
-        self.panel = Panel(self.folder / "panel")
-        wait_for("Quorin", (self.folder / "panel").exists)
-        if wait:
-            wait_for("the page", lambda: self.panel.eval(
-                "document.readyState == 'complete' && document.body.childElementCount > 0"))
-
-    def another(self, *arguments):
-        """A second start in the same folders."""
-        return subprocess.run([str(QUORIN), *arguments], env=self.environment, timeout=60,
-                              capture_output=True, text=True, check=False)
-
-    def window(self):
-        return self.panel.ask("window")
-
-    def log(self):
-        path = self.folder / "state" / "Logs" / "Quorin" / "quorin.log"
-        lines = path.read_text().splitlines() if path.exists() else []
-        return [line.partition(" ")[2] for line in lines]
-
-    def logs(self, text):
-        wait_for(f"the log line {text}", lambda: any(text in line for line in self.log()))
-
-    def is_shown(self):
-        wait_for("the panel", lambda: self.window()["visible"])
-
-    def is_hidden(self):
-        wait_for("the panel to go", lambda: not self.window()["visible"])
-
-    def web_processes(self):
-        found = []
-        for status in pathlib.Path("/proc").glob("[0-9]*/stat"):
-            try:
-                name, _, rest = status.read_text().partition("(")[2].rpartition(")")
-            except OSError:
-                continue
-            if name.startswith("WebKitWebProces") and int(rest.split()[1]) == self.process.pid:
-                found.append(int(status.parent.name))
-        return found
-
-    def end(self):
-        if self.process.poll() is None:
-            try:
-                self.panel.ask("quit")
-                self.process.wait(30)
-            except (OSError, try_panel.Trouble, subprocess.TimeoutExpired):
-                self.process.kill()
-        self.process.wait()
-        self.output.close()
-
-
-class Desk(Trial):
-    """The display, its window manager, Calc, and a window of another program."""
-
-    def __init__(self):
-        self.book = pathlib.Path(os.environ.get("TMPDIR", "/tmp")) / f"Panel-{os.getpid()}.xlsx"
-        subprocess.run([sys.executable, ROOT / "samples" / "make-sample.py", self.book],
-                       check=True)
-        super().__init__(QUORIN, self.book, self.book.parent)
-        self.start_display()
-        self.start_office()
-        self.start_witness()
-        self.cell()
-        self.other_window = None
-
-    def go_to(self, *keys):
-        self.keys("Escape", "ctrl+Home", *keys)
-
-    def bring_other_forward(self):
-        if self.other_window is None:
-            before = self.clients()
-            self.other = self.start("xev", "-event", "keyboard", "-geometry", "200x100+20+20")
-            self.other_window = wait_for("another window",
-                                         lambda: next(iter(self.clients() - before), None))
-        self.bring_forward(self.other_window)
-
-    def bring_calc_forward(self):
-        self.bring_forward(int(self.window, 16))
-
-    def bring_forward(self, window):
-        """Until it stays there: a window that has just opened may still come forward by itself."""
-        def stays():
-            self.tool("xdotool", "windowactivate", window)
-            for _ in range(6):
-                time.sleep(0.05)
-                if self.active() != window:
-                    return False
-            return True
-        wait_for("the window to come forward", stays)
-
-    def clients(self):
-        told = self.tool("xprop", "-root", "_NET_CLIENT_LIST").split("#")[-1].split(",")
-        return {int(one, 16) for one in told if one.strip().startswith("0x")}
-
-    def active(self):
-        told = self.tool("xprop", "-root", "_NET_ACTIVE_WINDOW").split("#")[-1].strip()
-        return int(told, 16) if told.startswith("0x") else 0
-
-    def end(self):
-        super().end()
-        self.book.unlink(missing_ok=True)
 
 
 class PanelTest(unittest.TestCase):
@@ -296,7 +173,7 @@ class PanelTest(unittest.TestCase):
     def test_says_that_the_page_is_missing(self):
         program = desk.folder / "alone" / "quorin"
         program.parent.mkdir()
-        shutil.copy(QUORIN, program)
+        shutil.copy(Quorin.program, program)
         quorin = self.start("--show", program=program)
         wait_for("the heading", lambda: quorin.panel.eval("document.body?.textContent.trim()")
                  == "Quorin: web bundle missing")
@@ -372,7 +249,7 @@ class PanelTest(unittest.TestCase):
             desk.start_window_manager()
 
     def test_fits_on_a_screen_smaller_than_itself(self):
-        small = Trial(QUORIN, desk.book, desk.book.parent)
+        small = Trial(Quorin.program, desk.book, desk.book.parent)
         try:
             small.start_display("400x300")
             quorin = self.start("--show", DISPLAY=small.environment["DISPLAY"])
@@ -401,9 +278,9 @@ class PanelTest(unittest.TestCase):
 
 
 def main():
-    global QUORIN, desk
-    QUORIN = pathlib.Path(sys.argv.pop(1)).resolve()
-    desk = Desk()
+    global desk
+    Quorin.program = pathlib.Path(sys.argv.pop(1)).resolve()
+    desk = Quorin.desk = Desk(Quorin.program)
     try:
         program = unittest.main(exit=False, verbosity=2, warnings="ignore")
     finally:
