@@ -188,7 +188,9 @@ class Trial:
         configuration = self.folder / "openbox.xml"
         configuration.write_text(WINDOW_MANAGER)
         self.manager = self.start("openbox", "--sm-disable", "--config-file", configuration)
-        wait_for("the window manager", lambda: "window id" in self.tool(
+        # An earlier one leaves part of its properties behind.
+        wait_for("the window manager", lambda: "_NET_ACTIVE_WINDOW" in self.tool(
+            "xprop", "-root", "_NET_SUPPORTED") and "window id" in self.tool(
             "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
 
     def start_office(self):
