@@ -1,5 +1,6 @@
 #include "host/calc/CalcSession.h"
 
+#include <algorithm>
 #include <com/sun/star/beans/NamedValue.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/configuration/theDefaultProvider.hpp>
@@ -8,6 +9,7 @@
 #include <com/sun/star/document/UpdateDocMode.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/frame/XFrames.hpp>
+#include <utility>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/Arguments.h"
@@ -87,7 +89,25 @@ void CalcSession::interrupt() {
   connection_.interrupt();
 }
 
+void CalcSession::linesChanged(const SheetRef& sheet) {
+  if (!keeping_) return redrawMarks(sheet);
+  if (std::find(changedLines_.begin(), changedLines_.end(), sheet) == changedLines_.end())
+    changedLines_.push_back(sheet);
+}
+
+// What fails is left as it is drawn: the rows are what was asked for.
+void CalcSession::redrawMarks(const SheetRef& sheet) {
+  try {
+    const Workbook& book = workbook(sheet.book);
+    if (!readMarks(drawPageOf(sheetOf(book, sheet.sheet))).empty()) conditions(sheet).redraw();
+  } catch (const SpreadsheetError&) {
+  } catch (const css::uno::Exception&) {
+  }
+  releaseConditions();
+}
+
 void CalcSession::keepReadings(bool keep) {
+  for (const SheetRef& sheet : std::exchange(changedLines_, {})) redrawMarks(sheet);
   keeping_ = keep;
   worksheets_.clear();
   endTurn();

@@ -32,6 +32,9 @@ class CalcSession {
   // which readings are kept. Marks are not added where no keeper can be had: -10000.
   SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
   void releaseConditions();
+  // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
+  // readings are no longer kept.
+  void linesChanged(const SheetRef& sheet);
 
   // Makes calls in progress fail. From any thread.
   void interrupt();
@@ -49,6 +52,7 @@ class CalcSession {
  private:
   void takeTurn(const Workbook& workbook, bool adding);
   void endTurn();
+  void redrawMarks(const SheetRef& sheet);
 
   OfficeConnection connection_;  // first: it outlives the references below
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
@@ -62,6 +66,7 @@ class CalcSession {
   std::unique_ptr<SheetConditions> conditions_;            // of the sheet that was last asked for
   std::string turnWorkbook_;                               // its "RuntimeUID"
   std::optional<MarksKeeper::Turn> turn_;
+  std::vector<SheetRef> changedLines_;  // sheets, while readings are kept
   bool keeping_ = false;
   std::string version_;
 };

@@ -318,6 +318,7 @@ std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) 
 void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
   change([&](CalcSession& office) {
     setLinesHidden(office.workbook(range.sheet.book), range, lines, hide);
+    office.linesChanged(range.sheet);
   });
 }
 

@@ -98,6 +98,13 @@ void SheetConditions::erase(const std::vector<Area>& range, const std::string& i
   });
 }
 
+void SheetConditions::redraw() {
+  changing_ = true;
+  const auto drawn = drawnOf(marks_);
+  for (std::size_t i = 0; i < marks_.size(); ++i) redraw(marks_[i], drawn[i]);
+  changing_ = false;
+}
+
 // Each step is a change of its own, so that undo and the modified flag stay as they are, and leaves
 // marks that say truly which cells they colour.
 void SheetConditions::draw(std::vector<PlacedMark> wanted) {

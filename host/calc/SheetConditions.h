@@ -29,6 +29,8 @@ class SheetConditions {
   void setPriority(const std::string& id, int priority) const;
   void setRange(const std::vector<Area>& range, const std::string& id);
   void erase(const std::vector<Area>& range, const std::string& id);
+  // Draws all marks where their cells are now, after rows or columns were shown or hidden.
+  void redraw();
 
  private:
   std::size_t placeOf(const std::string& id) const;  // among the marks

@@ -235,6 +235,18 @@ TEST_F(CalcMarks, LieOnHiddenRowsToo) {
   desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, false); });
 }
 
+TEST_F(CalcMarks, AreSeenOnceTheirRowsAreShown) {
+  const RangeRef rows{{"Known.xlsx", "Data"}, parseA1("5:6").value()};
+  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, true); });
+  mark({"A5:A6"});
+  const int hidden = desk->hands.heightOfShapes("Known.xlsx", "Data");
+  EXPECT_THAT(ask("reveal", {Array{"Data!A5:A6"}, 0}), Not(HasSubstr("failed")));
+  const int shown = desk->hands.heightOfShapes("Known.xlsx", "Data");
+  EXPECT_GT(shown, hidden + 500);
+  ask("clearMarks");
+  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, false); });
+}
+
 TEST_F(CalcMarks, GoFromAddressesThatBindAndPassOverTheOthers) {
   desk->road.use([](CalcSpreadsheet& calc) {
     calc.addFormatCondition({{"Known.xlsx", "Data"}, {Area{}}}, std::string(markFormula));

@@ -166,6 +166,15 @@ std::vector<std::string> UserHands::shapes(const std::string& book, const std::s
   return names;
 }
 
+int UserHands::heightOfShapes(const std::string& book, const std::string& sheet) {
+  const auto page = drawPageOf(objects_->sheet(book, sheet));
+  int height = 0;
+  for (sal_Int32 i = 0; i < page->getCount(); ++i)
+    height +=
+        Reference<css::drawing::XShape>(page->getByIndex(i), UNO_QUERY_THROW)->getSize().Height;
+  return height;
+}
+
 void UserHands::eraseShapes(const std::string& book, const std::string& sheet) {
   const auto page = drawPageOf(objects_->sheet(book, sheet));
   while (page->getCount() > 0)

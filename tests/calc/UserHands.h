@@ -35,6 +35,7 @@ class UserHands {
   // A shape of some size on the sheet, and the names of all that are there.
   void draw(const std::string& book, const std::string& sheet, const std::string& name);
   std::vector<std::string> shapes(const std::string& book, const std::string& sheet);
+  int heightOfShapes(const std::string& book, const std::string& sheet);  // 1/100 mm, together
   void eraseShapes(const std::string& book, const std::string& sheet);
   void saveAs(const std::string& book, const std::string& file);  // as a workbook of Excel's
   void insertRows(const std::string& book, const std::string& sheet, int row, int count);
