@@ -1,5 +1,6 @@
 """What is around the panel, as the desktop and the user's hands reach it: global keys, the menu over
 the session bus, alerts, crash reports, the end. Part of panel_test.py."""
+import json
 import os
 import pathlib
 import re
@@ -275,3 +276,33 @@ class ShellTest(unittest.TestCase):
         finally:
             os.killpg(self.desk.office.pid, signal.SIGCONT)
         self.assertEqual(quorin.log()[-1], "TERMINATE quit")
+
+    def mark(self, quorin, *cells):
+        sheet = self.desk.cell()["sheet"]
+        words = json.dumps([[f"{sheet}!{cell}" for cell in cells], [255, 0, 0]])
+        quorin.panel.eval("webkit.messageHandlers.qx.postMessage("
+                          f"{{id: 1, verb: 'markCells', args: {words}}}), 0")
+        wait_for("the mark", lambda: self.desk.cell()["shapes"] > 0)
+
+    def test_takes_its_marks_away_when_it_ends(self):
+        self.assertEqual(self.desk.cell()["shapes"], 0)
+        quorin = self.start()
+        quorin.logs("RESTORE")
+        record = quorin.folder / "data" / "Quorin" / "highlights.json"
+        self.mark(quorin, "B2", "C5:D6")
+        self.assertTrue(record.exists())
+        self.menu(quorin).click("Quit Quorin")
+        self.assertEqual(quorin.process.wait(60), 0)
+        self.assertEqual(quorin.log()[-1], "TERMINATE quit")
+        self.assertEqual(self.desk.cell()["shapes"], 0)
+        self.assertFalse(record.exists())
+
+    def test_its_marks_go_when_it_is_killed(self):
+        quorin = self.start()
+        quorin.logs("RESTORE")
+        self.mark(quorin, "B2")
+        quorin.process.kill()
+        wait_for("the marks to go", lambda: self.desk.cell()["shapes"] == 0)
+        again = self.start(after=quorin)
+        wait_for("the restore", lambda: sum("RESTORE" in line for line in again.log()) == 2)
+        self.assertFalse((quorin.folder / "data" / "Quorin" / "highlights.json").exists())
