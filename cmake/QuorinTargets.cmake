@@ -30,11 +30,12 @@ function(quorin_library name)
   target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
 endfunction()
 
-# quorin_test(NAME LABEL unit|calc|ui SOURCES file... LIBS library...): one GoogleTest program.
-# Unit tests are found one by one; programs that share an expensive peer (an office, a display)
-# run as a whole, one at a time, and leave their counts in an XML file beside the build.
+# quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [TIMEOUT seconds] SOURCES file... LIBS library...):
+# one GoogleTest program. Unit tests are found one by one, and so are SEPARATE ones; other programs
+# that share an expensive peer (an office, a display) run as a whole, one at a time, and leave their
+# counts in an XML file beside the build.
 function(quorin_test name)
-  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SEPARATE" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
@@ -43,6 +44,9 @@ function(quorin_test name)
   if(ARG_LABEL STREQUAL "unit")
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS unit TIMEOUT ${ARG_TIMEOUT})
+  elseif(ARG_SEPARATE)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} RESOURCE_LOCK peer)
   else()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
