@@ -1,9 +1,7 @@
 // What highlights look like on a visible Calc, and that the mouse goes through them.
 #include <algorithm>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
-#include <thread>
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
@@ -11,22 +9,12 @@
 #include "host/calc/PrivateOffice.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/Eventually.h"
 #include "tests/fakes/TemporaryFolder.h"
 #include "tests/fakes/ui/VirtualDisplay.h"
 
 namespace quorin::host::calc {
 namespace {
-
-using namespace std::chrono_literals;
-
-bool eventually(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + 60s;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(50ms);
-  }
-  return true;
-}
 
 struct Pixel {
   int x = 0, y = 0;

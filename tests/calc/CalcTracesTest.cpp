@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <future>
 #include <gtest/gtest.h>
 #include <set>
@@ -18,6 +17,7 @@
 #include "host/calc/PrivateOffice.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/Eventually.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 extern char** environ;
@@ -26,15 +26,6 @@ namespace quorin::host::calc {
 namespace {
 
 using namespace std::chrono_literals;
-
-bool eventually(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + 60s;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(5ms);
-  }
-  return true;
-}
 
 // Each takes another way: the values it reaches, a name, cells named by text, a whole copy.
 const std::vector<std::string> expressions{"B2*2+A7", "SUM(Prices)*1", "INDIRECT(\"B2\")+1",

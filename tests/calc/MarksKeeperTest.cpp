@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <regex>
 #include <signal.h>
-#include <thread>
 
 #include "host/calc/MarksKeeper.h"
 #include "host/calc/PrivateOffice.h"
@@ -18,6 +16,7 @@
 #include "tests/calc/SheetHands.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/Eventually.h"
 #include "tests/fakes/Files.h"
 #include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -30,15 +29,6 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Marks = std::vector<std::string>;
-
-bool eventually(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + 60s;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(5ms);
-  }
-  return true;
-}
 
 // One whose parent has not asked for its end yet counts too.
 bool isGone(pid_t process) {
