@@ -46,14 +46,14 @@ std::vector<std::string> CalcSession::worksheets(const std::string& book) {
 
 SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
   Workbook& book = workbook(sheet.book);
-  takeTurn(book, adding);
-  const bool kept = keeping_ && conditions_ && conditions_->isTrue() &&
+  // With a turn that lasts, what was read in it is still true, and it is the same workbook's.
+  const bool kept = keeping_ && turn_ && conditions_ && conditions_->isTrue() &&
                     conditions_->workbook().model == book.model &&
                     conditions_->sheet() == sheet.sheet;
-  if (!kept) {
-    if (conditions_) earlier_.push_back(std::move(conditions_));
-    conditions_ = std::make_unique<SheetConditions>(book, sheet.sheet);
-  }
+  if (kept) return *conditions_;
+  takeTurn(book, adding);
+  if (conditions_) earlier_.push_back(std::move(conditions_));
+  conditions_ = std::make_unique<SheetConditions>(book, sheet.sheet);
   return *conditions_;
 }
 
