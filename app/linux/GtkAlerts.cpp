@@ -31,8 +31,17 @@ void GtkAlerts::showNext() {
   gtk_window_set_title(GTK_WINDOW(dialog_), "Quorin");
   gtk_window_set_keep_above(GTK_WINDOW(dialog_), TRUE);
   gtk_window_set_position(GTK_WINDOW(dialog_), GTK_WIN_POS_CENTER);
+  g_signal_connect(dialog_, "map-event", G_CALLBACK(mapped), this);
   g_signal_connect(dialog_, "response", G_CALLBACK(responded), this);
   gtk_window_present(GTK_WINDOW(dialog_));
+}
+
+// Another application is in front, as a rule: a window that only asks to be shown stays without the
+// keyboard there.
+gboolean GtkAlerts::mapped(GtkWidget* dialog, GdkEvent*, gpointer data) {
+  static_cast<GtkAlerts*>(data)->session_.requestActivation(
+      X11Session::idOf(gtk_widget_get_window(dialog)));
+  return FALSE;
 }
 
 void GtkAlerts::responded(GtkDialog*, int response, gpointer data) {

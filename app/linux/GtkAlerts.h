@@ -1,17 +1,18 @@
-// GtkAlerts: the alerts port over GTK message dialogs. An alert answers later, from the main loop;
-// a second one waits for the first.
+// GtkAlerts: the alerts port over GTK message dialogs. An alert takes the keyboard when it comes up
+// and answers later, from the main loop; a second one waits for the first.
 #pragma once
 
 #include <deque>
 #include <gtk/gtk.h>
 
+#include "app/linux/X11Session.h"
 #include "app/shell/ports/Alerts.h"
 
 namespace quorin {
 
 class GtkAlerts : public Alerts {
  public:
-  GtkAlerts() = default;
+  explicit GtkAlerts(X11Session& session) : session_(session) {}
   ~GtkAlerts() override;
   GtkAlerts(const GtkAlerts&) = delete;
   GtkAlerts& operator=(const GtkAlerts&) = delete;
@@ -28,8 +29,10 @@ class GtkAlerts : public Alerts {
   };
 
   void showNext();
+  static gboolean mapped(GtkWidget* dialog, GdkEvent*, gpointer self);
   static void responded(GtkDialog*, int response, gpointer self);
 
+  X11Session& session_;
   std::deque<Waiting> waiting_;  // the first one is on the screen
   GtkWidget* dialog_ = nullptr;
 };

@@ -57,7 +57,7 @@ class GtkPlatform : public AppPlatform {
   X11Session session_;
   X11Workspace workspace_{session_};
   X11HotKeys hotKeys_;
-  GtkAlerts alerts_;
+  GtkAlerts alerts_{session_};
   FileDefaults defaults_;
   InstalledBundle bundle_;
   XDGLoginItem loginItem_;

@@ -2,6 +2,7 @@
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import time
@@ -12,6 +13,10 @@ import try_panel  # noqa: E402
 from try_panel import Panel, Trial, wait_for  # noqa: E402
 
 try_panel.PATIENCE = 60
+
+# What GLib and all that is built on it write when they are used wrongly; and what they write
+# where there is no session bus, which most of the tests do without.
+COMPLAINT = re.compile(r"-(WARNING|CRITICAL|ERROR) \*\*(?!.*Unable to get (the )?session bus: )")
 
 
 class Quorin:
@@ -85,6 +90,10 @@ class Quorin:
                 self.process.kill()
         self.process.wait()
         self.output.close()
+        said = [line for line in (self.folder / "output").read_text(errors="replace").splitlines()
+                if COMPLAINT.search(line)]
+        if said:
+            raise AssertionError("Quorin's libraries complained:\n" + "\n".join(said))
 
 
 class Desk(Trial):

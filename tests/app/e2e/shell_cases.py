@@ -114,17 +114,10 @@ class ShellTest(unittest.TestCase):
         return wait_for("an alert", lambda: quorin.panel.ask("alert"))
 
     def answer(self, quorin, key="Return"):
-        """By the keyboard, pressed again by a user whose key went elsewhere."""
-        def is_answered():
-            window = next((one for one in self.desk.clients() if self.is_alert(one)), None)
-            if window and quorin.panel.ask("alert"):
-                self.desk.tool("xdotool", "windowactivate", window)
-                time.sleep(0.2)
-                if self.desk.active() == window:
-                    self.desk.tool("xdotool", "key", key)
-                    time.sleep(0.3)
-            return not quorin.panel.ask("alert")
-        wait_for("the alert to go", is_answered)
+        """By the keyboard, which the alert has taken."""
+        wait_for("the keyboard", lambda: self.is_alert(self.desk.active()))
+        self.desk.tool("xdotool", "key", key)
+        wait_for("the alert to go", lambda: not quorin.panel.ask("alert"))
 
     def is_alert(self, window):
         run = subprocess.run(["xprop", "-id", str(window), "WM_CLASS", "_NET_WM_WINDOW_TYPE"],

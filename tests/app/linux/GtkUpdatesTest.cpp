@@ -2,7 +2,6 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-#include "app/linux/GtkAlerts.h"
 #include "app/linux/GtkUpdateProgress.h"
 #include "app/linux/updates/FeedUpdater.h"
 #include "app/linux/updates/SoupTransport.h"
@@ -73,7 +72,7 @@ class GtkUpdatesTest : public GtkFixture {
   const Release release;
   const std::string package = Release::package("quorin", "1.3.0", "amd64");
   ReleaseServer server;
-  GtkAlerts alerts;
+  Alerts& alerts = platform->alerts();
   GtkUpdateProgress progress;
   SoupTransport transport{{server.authorities(), std::chrono::seconds(30)}};
   SerialQueue worker{"updates"};
