@@ -4,8 +4,6 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
-#include <com/sun/star/sheet/XNamedRange.hpp>
-#include <com/sun/star/sheet/XNamedRanges.hpp>
 #include <com/sun/star/sheet/XSheetOperation.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
 
@@ -13,6 +11,7 @@
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellWriter.h"
+#include "host/calc/MirrorNames.h"
 #include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
 
@@ -50,25 +49,6 @@ std::vector<Area> pieces(const Area& area) {
         {row, area.firstColumn, std::min(row + rows - 1, area.lastRow), area.lastColumn});
   }
   return result;
-}
-
-Reference<css::sheet::XNamedRanges> namesOf(const Reference<css::uno::XInterface>& owner) {
-  return {Reference<XPropertySet>(owner, UNO_QUERY_THROW)->getPropertyValue("NamedRanges"),
-          UNO_QUERY_THROW};
-}
-
-void copyNames(const Reference<css::uno::XInterface>& from,
-               const Reference<css::uno::XInterface>& to) {
-  const Reference<css::sheet::XNamedRanges> source = namesOf(from), target = namesOf(to);
-  for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
-  for (const rtl::OUString& name : source->getElementNames()) {
-    const Reference<css::sheet::XNamedRange> entry(source->getByName(name), UNO_QUERY_THROW);
-    try {
-      target->addNewByName(name, entry->getContent(), entry->getReferencePosition(), 0);
-    } catch (const css::uno::RuntimeException&) {
-      // A file may hold names that nobody could enter, and that no text can refer to.
-    }
-  }
 }
 
 }  // namespace
@@ -209,10 +189,7 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
 }
 
 void ValueMirror::bringNames(const Workbook& original) {
-  copyNames(original.document, workbook().document);
-  for (const std::string& sheet : sheets_) {
-    copyNames(sheetOf(original, sheet), sheetOf(workbook(), sheet));
-  }
+  copyNames(original, workbook());
 }
 
 std::pair<int, int> ValueMirror::freePlace() const {

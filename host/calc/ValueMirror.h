@@ -36,7 +36,7 @@ class ValueMirror {
 
   // Fills the cells that the expression reaches. SpreadsheetError -50 when they are too many.
   void bring(CalcWorkbooks& workbooks, const Reach& reach);
-  // Gives it the names of the original, which text can refer to.
+  // Gives it the names and tables of the original, which text can refer to. After bring().
   void bringNames(const Workbook& original);
   // A cell well below and to the right of all that is filled.
   std::pair<int, int> freePlace() const;

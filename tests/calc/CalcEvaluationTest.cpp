@@ -21,12 +21,34 @@ constexpr const char* guardedBook = R"(<?xml version="1.0" encoding="UTF-8"?>
 <table:table-row><table:table-cell office:value-type="float" office:value="7"/></table:table-row>
 </table:table></office:spreadsheet></office:body></office:document>)";
 
+constexpr const char* tableBook = R"(<?xml version="1.0" encoding="UTF-8"?>
+<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
+ xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
+ xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.3"
+ office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
+<table:table table:name="Data">
+<table:table-row><table:table-cell office:value-type="string"><text:p>Year</text:p></table:table-cell>
+<table:table-cell office:value-type="string"><text:p>2007</text:p></table:table-cell></table:table-row>
+<table:table-row><table:table-cell office:value-type="float" office:value="1"/>
+<table:table-cell office:value-type="float" office:value="20"/></table:table-row>
+<table:table-row><table:table-cell office:value-type="float" office:value="2"/>
+<table:table-cell office:value-type="float" office:value="30"/></table:table-row>
+</table:table><table:table table:name="Other">
+<table:table-row><table:table-cell office:value-type="float" office:value="7"/></table:table-row>
+</table:table>
+<table:database-ranges><table:database-range table:name="Sales.North"
+ table:target-range-address="Data.A1:Data.B3" table:contains-header="true"/></table:database-ranges>
+</office:spreadsheet></office:body></office:document>)";
+
 class CalcEvaluation : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     static const TemporaryFolder folder;
     std::ofstream(folder / "Guarded.fods") << guardedBook;
-    calc().openWorkbook((folder / "Guarded.fods").string());
+    std::ofstream(folder / "Table.fods") << tableBook;
+    for (const char* book : {"Guarded.fods", "Table.fods"}) {
+      calc().openWorkbook((folder / book).string());
+    }
   }
   static CalcSpreadsheet& calc() { return SharedOffice::spreadsheet(); }
   const SheetRef locked{"Guarded.fods", "It's locked"}, open{"Guarded.fods", "Open"};
@@ -45,6 +67,26 @@ TEST_F(CalcEvaluation, GivesArraysOfEveryKindOfValue) {
             Evaluation(Grid<CellValue>{2, 1, {CellError{"#DIV/0!"}, "big"}}));
   EXPECT_EQ(calc().evaluate("SUM((A1:A2>2)*A1:A2)", locked), Evaluation(CellValue(3.0)));
   EXPECT_EQ(calc().evaluate("(A1:A2)", locked), Evaluation(cells));
+}
+
+TEST_F(CalcEvaluation, FindsTablesAndNamesWithDotsThatTextNames) {
+  const SheetRef beside{"Table.fods", "Other"};
+  EXPECT_EQ(calc().evaluate("SUM(INDIRECT(\"Sales.North[\"&2000+A1&\"]\"))", beside),
+            Evaluation(CellValue(50.0)));
+  EXPECT_EQ(calc().evaluate("INDEX(INDIRECT(\"Sales.North[Year]\"),2)*1", beside),
+            Evaluation(CellValue(2.0)));
+
+  const std::string book = SharedOffice::open(
+      {.name = "Names.xlsx",
+       .sheets = {{"Data", {{"A1", 20.0}, {"A2", 2007.0}}}, {"Other", {{"A1", 7.0}}}},
+       .names = {{"Unit.TWh", "=Data!$A$1"}, {"this.Year", "=Data!$A$2", "Data"}},
+       .savedByExcel = true});
+  const SheetRef other{book, "Other"};
+  EXPECT_EQ(calc().evaluate("INDIRECT(\"Unit\"&\".TWh\")*A1", other), Evaluation(CellValue(140.0)));
+  EXPECT_EQ(calc().evaluate("INDIRECT(\"Data!this.Year\")+1", other),
+            Evaluation(CellValue(2008.0)));
+  EXPECT_EQ(calc().evaluate("INDIRECT(\"Unit.Wales\")*2", other),
+            Evaluation(CellValue(CellError{"#REF!"})));
 }
 
 TEST_F(CalcEvaluation, NumbersErrorsAsExcelDoes) {

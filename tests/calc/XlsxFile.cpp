@@ -208,10 +208,28 @@ void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path&
                   "\"application/vnd.openxmlformats-package.relationships+xml\"/>"
                   "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
                   "<Override PartName=\"/xl/workbook.xml\" ContentType=\"" +
-                  bookType + "\"/>" + types + "</Types>");
-  archive.add("_rels/.rels", std::string(header) + "<Relationships " + packageRelations +
-                                 "><Relationship Id=\"rId1\" Type=\"" + documentRelations +
-                                 "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>");
+                  bookType + "\"/>" +
+                  (workbook.savedByExcel
+                       ? "<Override PartName=\"/docProps/app.xml\" ContentType=\"application/"
+                         "vnd.openxmlformats-officedocument.extended-properties+xml\"/>"
+                       : "") +
+                  types + "</Types>");
+  archive.add("_rels/.rels",
+              std::string(header) + "<Relationships " + packageRelations +
+                  "><Relationship Id=\"rId1\" Type=\"" + documentRelations +
+                  "/officeDocument\" Target=\"xl/workbook.xml\"/>" +
+                  (workbook.savedByExcel
+                       ? std::string("<Relationship Id=\"rId2\" Type=\"") + documentRelations +
+                             "/extended-properties\" Target=\"docProps/app.xml\"/>"
+                       : "") +
+                  "</Relationships>");
+  if (workbook.savedByExcel) {
+    archive.add("docProps/app.xml",
+                std::string(header) +
+                    "<Properties xmlns=\"http://schemas.openxmlformats.org/officeDocument/2006/"
+                    "extended-properties\"><Application>Microsoft Excel</Application>"
+                    "</Properties>");
+  }
   archive.add("xl/_rels/workbook.xml.rels", std::string(header) + "<Relationships " +
                                                 packageRelations + ">" + relations +
                                                 "</Relationships>");

@@ -40,6 +40,7 @@ struct WorkbookDescription {
   std::string name;
   std::vector<SheetDescription> sheets;
   std::vector<NameDescription> names = {};
+  bool savedByExcel = false;  // as its file says: text is read as references in Excel's way then
 };
 
 // The workbook that the contract suite of the spreadsheet port expects to find open.

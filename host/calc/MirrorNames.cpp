@@ -1,0 +1,79 @@
+#include "host/calc/MirrorNames.h"
+
+#include <algorithm>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/sheet/XDatabaseRange.hpp>
+#include <com/sun/star/sheet/XDatabaseRanges.hpp>
+#include <com/sun/star/sheet/XNamedRange.hpp>
+#include <com/sun/star/sheet/XNamedRanges.hpp>
+
+#include "host/calc/CalcRanges.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::beans::XPropertySet;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+css::uno::Any propertyOf(const Reference<css::uno::XInterface>& owner, const char* name) {
+  return Reference<XPropertySet>(owner, UNO_QUERY_THROW)
+      ->getPropertyValue(rtl::OUString::createFromAscii(name));
+}
+
+Reference<css::sheet::XNamedRanges> namesOf(const Reference<css::uno::XInterface>& owner) {
+  return {propertyOf(owner, "NamedRanges"), UNO_QUERY_THROW};
+}
+
+// Calc takes a name like "Rate.2024" from a file, and by renaming, but not for a new name.
+void addName(const Reference<css::sheet::XNamedRanges>& names, const rtl::OUString& name,
+             const Reference<css::sheet::XNamedRange>& like) {
+  const rtl::OUString newName("quorin_name");
+  try {
+    names->addNewByName(newName, like->getContent(), like->getReferencePosition(), 0);
+    Reference<css::container::XNamed>(names->getByName(newName), UNO_QUERY_THROW)->setName(name);
+  } catch (const css::uno::RuntimeException&) {
+    // A file may hold names that no text can refer to.
+    if (names->hasByName(newName)) names->removeByName(newName);
+  }
+}
+
+void copyDefinedNames(const Reference<css::uno::XInterface>& from,
+                      const Reference<css::uno::XInterface>& to) {
+  const Reference<css::sheet::XNamedRanges> source = namesOf(from), target = namesOf(to);
+  for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
+  for (const rtl::OUString& name : source->getElementNames()) {
+    addName(target, name, {source->getByName(name), UNO_QUERY_THROW});
+  }
+}
+
+void copyTables(const Workbook& from, const Workbook& to) {
+  const auto tablesOf = [](const Workbook& workbook) {
+    return Reference<css::sheet::XDatabaseRanges>(propertyOf(workbook.document, "DatabaseRanges"),
+                                                  UNO_QUERY_THROW);
+  };
+  const Reference<css::sheet::XDatabaseRanges> source = tablesOf(from), target = tablesOf(to);
+  for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
+  for (const rtl::OUString& name : source->getElementNames()) {
+    const Reference<css::sheet::XDatabaseRange> table(source->getByName(name), UNO_QUERY_THROW);
+    target->addNewByName(name, table->getDataArea());
+    const Reference<XPropertySet> copy(target->getByName(name), UNO_QUERY_THROW);
+    for (const char* property : {"ContainsHeader", "TotalsRow"}) {
+      copy->setPropertyValue(rtl::OUString::createFromAscii(property), propertyOf(table, property));
+    }
+  }
+}
+
+}  // namespace
+
+void copyNames(const Workbook& from, const Workbook& to) {
+  copyDefinedNames(from.document, to.document);
+  for (const std::string& sheet : sheetNames(from)) {
+    copyDefinedNames(sheetOf(from, sheet), sheetOf(to, sheet));
+  }
+  copyTables(from, to);
+}
+
+}  // namespace quorin::host::calc
