@@ -2,23 +2,15 @@
 // of several rounds counts, in processor time, so that other work of the machine matters little.
 // Ends with status 1 when ours takes more than half of the other's time.
 
-import { existsSync, readFileSync } from 'node:fs';
 import { cpus } from 'node:os';
-import { resolve } from 'node:path';
 
 import { parse as parseTokens, tokenize } from '@borgar/fx';
 
 import { parse } from '../src/core/formula/Parser';
+import { corpus } from './formulas';
 
 const rounds = 9;
-const file = resolve(process.env.QUORIN_FORMULAS ?? '../../shared/formulas', 'formulas.txt');
-if (!existsSync(file)) {
-  console.error(`There is no ${file}; QUORIN_FORMULAS names its folder.`);
-  process.exit(2);
-}
-const formulas = readFileSync(file, 'utf8')
-  .split('\n')
-  .filter((line) => line !== '');
+const formulas = corpus();
 
 /** Milliseconds of processor time, and how many formulas were read. */
 function round(read: (formula: string) => boolean): { time: number; count: number } {

@@ -2,24 +2,15 @@
 // height, against a workbook that answers at once and counts. The first trip is the reading of the
 // cell, which already gives the tree its first value; it is not counted here.
 
-import { existsSync, readFileSync } from 'node:fs';
-import { resolve } from 'node:path';
-
 import { Evaluator } from '../src/core/evaluation/Evaluator';
 import { ResultCache } from '../src/core/evaluation/ResultCache';
 import { parse } from '../src/core/formula/Parser';
 import { outlineOf } from '../src/core/outline/Item';
 import { FakeWorkbook } from '../tests/fakes/FakeWorkbook';
+import { corpus } from './formulas';
 
 const visibleRows = 20;
-const file = resolve(process.env.QUORIN_FORMULAS ?? '../../shared/formulas', 'formulas.txt');
-if (!existsSync(file)) {
-  console.error(`There is no ${file}; QUORIN_FORMULAS names its folder.`);
-  process.exit(2);
-}
-const formulas = readFileSync(file, 'utf8')
-  .split('\n')
-  .filter((line) => line !== '');
+const formulas = corpus();
 
 const home = { book: 'Model.xlsx', sheet: 'Summary', row: 12, col: 6 };
 const kinds = ['readRange', 'evaluate', 'CELL', 'deepEval'] as const;

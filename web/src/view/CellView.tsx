@@ -1,9 +1,10 @@
-import { createEffect, createSignal, on, Show, type JSX } from 'solid-js';
+import { Show, type JSX } from 'solid-js';
 
 import { extentOf } from '../core/address/extent';
 import type { Stop } from '../core/explorer/Trail';
 import { resultView } from '../core/format/resultView';
 import type { CellContent } from '../core/selection/state';
+import { createWhole, ShowAll } from './ShowAll';
 
 export type CellViewProps = {
   stop: Stop;
@@ -13,15 +14,7 @@ export type CellViewProps = {
 
 /** A cell without a formula: what it is, its whole value, and what else is selected around it. */
 export function CellView(props: CellViewProps): JSX.Element {
-  const [whole, setWhole] = createSignal(false);
-  // A text is opened for the cell it stands in; the next cell begins closed again.
-  createEffect(
-    on(
-      () => Object.values(props.stop.place).join('\n'),
-      () => setWhole(false),
-      { defer: true },
-    ),
-  );
+  const { whole, open } = createWhole(() => Object.values(props.stop.place).join('\n'));
   const value = () => resultView(props.stop.result, { isCell: true, whole: whole() });
   return (
     <div class="cell">
@@ -35,16 +28,7 @@ export function CellView(props: CellViewProps): JSX.Element {
       </Show>
       <p class="note">
         <span data-testid="note">{value().note}</span>
-        <Show when={value().cut && !whole()}>
-          <button
-            type="button"
-            class="textButton"
-            data-testid="show-all"
-            onClick={() => setWhole(true)}
-          >
-            Show all
-          </button>
-        </Show>
+        <ShowAll cut={value().cut && !whole()} onOpen={open} />
       </p>
       <Show when={props.content}>
         {(content) => (

@@ -1,4 +1,4 @@
-import { createEffect, createMemo, createSignal, on, Show, type JSX } from 'solid-js';
+import { createMemo, on, Show, type JSX } from 'solid-js';
 
 import { leads } from '../core/explorer/lead';
 import { homeOf } from '../core/explorer/stops';
@@ -7,6 +7,7 @@ import { resultView } from '../core/format/resultView';
 import { visibleText } from '../core/format/visible';
 import type { Page } from './page';
 import { RangeView } from './RangeView';
+import { createWhole, ShowAll } from './ShowAll';
 
 /** Everything about the active row: its whole text, its whole value, the cells behind it. */
 export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
@@ -16,8 +17,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
       const one = item();
       return one && evaluator.stateOf(one);
     });
-  const [whole, setWhole] = createSignal(false);
-  createEffect(on(item, () => setWhole(false), { defer: true }));
+  const { whole, open } = createWhole(item);
   const result = () => {
     const now = state();
     return now?.status === 'known' ? now.result : undefined;
@@ -87,16 +87,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
             </div>
             <p class="note">
               {[known().type, known().note].filter(Boolean).join(' · ')}
-              <Show when={known().cut && !whole()}>
-                <button
-                  type="button"
-                  class="textButton"
-                  data-testid="show-all"
-                  onClick={() => setWhole(true)}
-                >
-                  Show all
-                </button>
-              </Show>
+              <ShowAll cut={known().cut && !whole()} onOpen={open} />
             </p>
           </div>
         )}

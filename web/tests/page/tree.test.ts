@@ -255,6 +255,10 @@ describe('answers that are not what they should be', () => {
       ...ready({ formula: '=A1+A2' }),
       readRange: range([[1, 2, 3]]),
     });
-    expect(await page.page.getByTestId('row').count()).toBe(3);
+    const rows = await page.page.getByTestId('row').allInnerTexts();
+    expect(rows.slice(1).map((row) => row.replaceAll('\n', ' | '))).toEqual([
+      'A1 | The answer has an unexpected shape.',
+      '+ | A2 | The answer has an unexpected shape.',
+    ]);
   });
 });

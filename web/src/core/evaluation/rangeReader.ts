@@ -16,15 +16,19 @@ export async function readArea(read: ReadRange, sheet: string, area: Area): Prom
   const outcome = await read(qualified(sheet, areaAddress(area)));
   if (outcome.ok) {
     if ('tooBig' in outcome.value) return failed('refused', 'The range is too large to be read.');
-    return succeeded(outcome.value.values);
+    const { values } = outcome.value;
+    const rows = area.bottom - area.top + 1;
+    const cols = area.right - area.left + 1;
+    // Values of some other range would be shown as those of the cells in this one.
+    if (values.length !== rows || values.some((row) => row.length !== cols)) {
+      return failed('malformed', 'The range that was read has another size.');
+    }
+    return succeeded(values);
   }
   if (area.left === area.right || !firstColumnRefusal.test(outcome.failure.message)) return outcome;
   const first = await readArea(read, sheet, { ...area, right: area.left });
   if (!first.ok) return first;
   const rest = await readArea(read, sheet, { ...area, left: area.left + 1 });
   if (!rest.ok) return rest;
-  if (first.value.length !== rest.value.length) {
-    return failed('malformed', 'The two parts of the range do not fit together.');
-  }
   return succeeded(first.value.map((row, i) => [...row, ...(rest.value[i] ?? [])]));
 }

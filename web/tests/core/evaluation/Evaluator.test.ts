@@ -1,5 +1,6 @@
 import { expect, describe, test, beforeEach } from 'vitest';
 
+import { succeeded } from '../../../src/core/protocol/Outcome';
 import { excelError } from '../../fakes/FakeWorkbook';
 import { Bench, settled } from './bench';
 
@@ -256,6 +257,17 @@ describe('answers that are none', () => {
     await bench.run('=A1+A2');
     expect(bench.of('A1')).toBe(5);
     expect(bench.of('A2')).toBe('refused: protected');
+  });
+
+  test.each([
+    ['fewer rows', [[1, 2]]],
+    ['more rows', [[1], [2], [3]]],
+    ['fewer columns', [[1], [2]]],
+    ['rows of different lengths', [[1, 2], [3]]],
+  ])('values with %s than asked for are not shown as these cells', async (_, values) => {
+    bench.workbook.readRange = () => Promise.resolve(succeeded({ rows: 2, cols: 2, values }));
+    await bench.run('=SUM(A1:B2)', { kind: 'value', value: 1 });
+    expect(bench.of('A1:B2')).toBe('refused: The answer has an unexpected shape.');
   });
 
   test('a range with an error in its first column is read in two parts', async () => {
