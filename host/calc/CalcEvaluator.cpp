@@ -116,8 +116,8 @@ Evaluation CalcEvaluator::inCopy(CalcWorkbooks& workbooks, const std::string& ex
   if (filledCells(*original, context.sheets) > mostCellsToCopy) {
     throw SpreadsheetError(
         -50,
-        "What SUBTOTAL, AGGREGATE, CELL and the like tell cannot be worked out in a workbook of "
-        "more than 1000 filled cells");
+        "What CELL, FORMULATEXT and the like tell cannot be worked out in a workbook of more than "
+        "1000 filled cells");
   }
   HiddenWorkbook copy(context_, *original);
   context.elsewhere = [&](const std::string& book,

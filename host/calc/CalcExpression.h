@@ -42,7 +42,8 @@ struct Reach {
   bool shifts = false;          // and cells at a distance from these (OFFSET)
   bool spans = false;           // and cells between these (A1:INDEX(...))
   bool anywhere = false;        // and cells named by text (INDIRECT)
-  bool contents = false;        // and what the cells are beside their values (CELL, FORMULATEXT)
+  bool traits = false;          // and on hidden rows, and on which cells are formulas (SUBTOTAL)
+  bool contents = false;        // and what only the workbook itself tells (CELL, FORMULATEXT)
 };
 
 struct CalcExpression {

@@ -1,5 +1,8 @@
 #include "host/calc/CellWriter.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 
@@ -15,7 +18,7 @@ using css::uno::Sequence;
 using css::uno::UNO_QUERY_THROW;
 
 // What data alone cannot say: truth, an error, and a text that is empty without being blank.
-rtl::OUString formulaFor(const CellValue& value) {
+rtl::OUString ownFormula(const CellValue& value) {
   if (const auto* boolean = std::get_if<bool>(&value)) {
     return rtl::OUString::createFromAscii(*boolean ? "=TRUE()" : "=FALSE()");
   }
@@ -24,6 +27,33 @@ rtl::OUString formulaFor(const CellValue& value) {
   }
   const auto* text = std::get_if<std::string>(&value);
   return text != nullptr && text->empty() ? rtl::OUString("=\"\"") : rtl::OUString();
+}
+
+// A text in pieces that Calc takes.
+rtl::OUString quoted(const rtl::OUString& text) {
+  constexpr sal_Int32 longest = 400;
+  rtl::OUString result;
+  for (sal_Int32 at = 0; at == 0 || at < text.getLength(); at += longest) {
+    if (at > 0) result += "&";
+    const sal_Int32 length = std::min(longest, text.getLength() - at);
+    result += "\"" + text.copy(at, length).replaceAll("\"", "\"\"") + "\"";
+  }
+  return result;
+}
+
+// A formula of that kind which gives the value.
+rtl::OUString formulaFor(const CellValue& value, CellKind kind) {
+  rtl::OUString formula = ownFormula(value);
+  if (kind == CellKind::constant) return formula;
+  if (const auto* number = std::get_if<double>(&value)) {
+    std::array<char, 32> digits{};
+    std::to_chars(digits.begin(), digits.end(), *number);
+    formula = "=" + rtl::OUString::createFromAscii(digits.data());
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    formula = "=" + quoted(toUno(*text));
+  }
+  if (formula.isEmpty() || kind == CellKind::formula) return formula;
+  return "=IF(TRUE();" + formula.copy(1) + ";SUBTOTAL(9;0))";
 }
 
 Any dataFor(const CellValue& value) {
@@ -35,7 +65,12 @@ Any dataFor(const CellValue& value) {
 }  // namespace
 
 void writeValues(const Reference<css::sheet::XSpreadsheet>& sheet, const Area& area,
-                 const Grid<CellValue>& values) {
+                 const Grid<CellValue>& values, const CellKinds& kinds) {
+  const auto formulaAt = [&](int row, int column) {
+    const long long place = static_cast<long long>(row) * values.columns + column;
+    return formulaFor(values.at(row, column),
+                      kinds.empty() ? CellKind::constant : kinds[static_cast<std::size_t>(place)]);
+  };
   Sequence<Sequence<Any>> rows(values.rows);
   for (int row = 0; row < values.rows; ++row) {
     Sequence<Any> cells(values.columns);
@@ -52,7 +87,7 @@ void writeValues(const Reference<css::sheet::XSpreadsheet>& sheet, const Area& a
       const int first = row;
       std::vector<Sequence<rtl::OUString>> run;
       for (; row < values.rows; ++row) {
-        const rtl::OUString formula = formulaFor(values.at(row, column));
+        const rtl::OUString formula = formulaAt(row, column);
         if (formula.isEmpty()) break;
         run.push_back(Sequence<rtl::OUString>(&formula, 1));
       }

@@ -3,12 +3,18 @@
 #pragma once
 
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
+#include <vector>
 
 #include "host/Spreadsheet.h"
 
 namespace quorin::host::calc {
 
+enum class CellKind : char { constant, formula, subtotal };
+
+// Row by row; empty when all are constants.
+using CellKinds = std::vector<CellKind>;
+
 void writeValues(const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, const Area& area,
-                 const Grid<CellValue>& values);
+                 const Grid<CellValue>& values, const CellKinds& kinds = {});
 
 }  // namespace quorin::host::calc

@@ -19,12 +19,10 @@ bool isDigit(char c) {
 
 // Functions that ask for more than the values of the cells they are given.
 void addFunction(Reach& reach, std::string_view name) {
-  static constexpr std::array<std::string_view, 13> askForMore{
-      "AGGREGATE", "CELL",        "CURRENT",
-      "FORMULA",   "FORMULATEXT", "GETPIVOTDATA",
-      "INFO",      "ISFORMULA",   "MULTIPLE.OPERATIONS",
-      "SHEET",     "SHEETS",      "SUBTOTAL",
-      "TABLE"};
+  static constexpr std::array<std::string_view, 10> askForMore{
+      "CELL",  "CURRENT", "FORMULA", "FORMULATEXT", "GETPIVOTDATA", "INFO", "MULTIPLE.OPERATIONS",
+      "SHEET", "SHEETS",  "TABLE"};
+  if (name == "SUBTOTAL" || name == "AGGREGATE" || name == "ISFORMULA") reach.traits = true;
   if (name == "INDIRECT") reach.anywhere = true;
   if (name == "OFFSET") reach.shifts = true;
   if (std::find(askForMore.begin(), askForMore.end(), name) != askForMore.end()) {

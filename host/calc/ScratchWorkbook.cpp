@@ -25,6 +25,7 @@ void add(Reach& all, const Reach& more) {
   all.cells.insert(all.cells.end(), more.cells.begin(), more.cells.end());
   all.shifts = all.shifts || more.shifts;
   all.spans = all.spans || more.spans;
+  all.traits = all.traits || more.traits;
 }
 
 }  // namespace
@@ -71,7 +72,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   }
   if (calc->reach.contents) {
     throw SpreadsheetError(
-        -50, "What SUBTOTAL, AGGREGATE, CELL and the like tell cannot be worked out in a chain");
+        -50, "What CELL, FORMULATEXT and the like tell cannot be worked out in a chain");
   }
   add(reach_, calc->reach);
   mirror_.bring(workbooks, reach_);

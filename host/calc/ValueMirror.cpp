@@ -172,8 +172,10 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
   std::vector<Block> blocks;
   for (const RangeRef& range : areas) {
     for (const Area& piece : pieces(range.areas.front())) {
-      blocks.push_back({mirrored(range.sheet), piece,
-                        readValues(*workbooks.named(range.sheet.book), {range.sheet, {piece}})});
+      const std::shared_ptr<Workbook> source = workbooks.named(range.sheet.book);
+      const RangeRef part{range.sheet, {piece}};
+      blocks.push_back({mirrored(range.sheet), piece, readValues(*source, part),
+                        reach.traits ? readTraits(*source, part) : CellTraits()});
     }
   }
   if (blocks == blocks_) return;
@@ -181,10 +183,12 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
     Reference<css::sheet::XSheetOperation>(cellsOf(workbook(), old.sheet, old.area),
                                            UNO_QUERY_THROW)
         ->clearContents(everything);
+    hideRows(workbook(), old.sheet, old.traits.hiddenRows, false);
   }
   blocks_ = std::move(blocks);
   for (const Block& block : blocks_) {
-    writeValues(sheetOf(workbook(), block.sheet), block.area, block.values);
+    writeValues(sheetOf(workbook(), block.sheet), block.area, block.values, block.traits.kinds);
+    hideRows(workbook(), block.sheet, block.traits.hiddenRows, true);
   }
 }
 

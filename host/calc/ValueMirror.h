@@ -12,6 +12,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
+#include "host/calc/CellTraits.h"
 #include "host/calc/HiddenWorkbook.h"
 
 namespace quorin::host::calc {
@@ -46,6 +47,7 @@ class ValueMirror {
     std::string sheet;  // of the mirror
     Area area;
     Grid<CellValue> values;
+    CellTraits traits;
     bool operator==(const Block&) const = default;
   };
   std::vector<RangeRef> wanted(const Reach& reach) const;

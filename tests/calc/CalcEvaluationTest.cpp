@@ -12,7 +12,8 @@ namespace {
 constexpr const char* guardedBook = R"(<?xml version="1.0" encoding="UTF-8"?>
 <office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
  xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
- xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.3"
+ xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0"
+ xmlns:of="urn:oasis:names:tc:opendocument:xmlns:of:1.2" office:version="1.3"
  office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
 <table:table table:name="It's locked" table:protected="true">
 <table:table-row><table:table-cell office:value-type="float" office:value="2"/></table:table-row>
@@ -40,13 +41,37 @@ constexpr const char* tableBook = R"(<?xml version="1.0" encoding="UTF-8"?>
  table:target-range-address="Data.A1:Data.B3" table:contains-header="true"/></table:database-ranges>
 </office:spreadsheet></office:body></office:document>)";
 
+// More filled cells than anybody would copy to answer a question.
+std::string sumsBook() {
+  const std::string number = "<table:table-cell office:value-type=\"float\" office:value=\"";
+  std::string rows;
+  const auto row = [&](const char* attributes, const std::string& cell) {
+    rows += "<table:table-row" + std::string(attributes) + ">" + cell + "</table:table-row>\n";
+  };
+  row("", number + "1\"/>");
+  row(" table:visibility=\"collapse\"", number + "2\"/>");
+  row(" table:visibility=\"filter\"", number + "4\"/>");
+  row("",
+      "<table:table-cell table:formula=\"of:=SUBTOTAL(9;[.A1:.A3])\" office:value-type=\"float\" "
+      "office:value=\"3\"/>");
+  row("",
+      "<table:table-cell table:formula=\"of:=[.A1]*8\" office:value-type=\"float\" "
+      "office:value=\"8\"/>");
+  row(" table:number-rows-repeated=\"1500\"", number + "0\"/>");
+  std::string book = guardedBook;
+  const std::string last = "</office:spreadsheet>";
+  return book.insert(book.find(last),
+                     "<table:table table:name=\"Sums\">" + rows + "</table:table>");
+}
+
 class CalcEvaluation : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     static const TemporaryFolder folder;
     std::ofstream(folder / "Guarded.fods") << guardedBook;
     std::ofstream(folder / "Table.fods") << tableBook;
-    for (const char* book : {"Guarded.fods", "Table.fods"}) {
+    std::ofstream(folder / "Sums.fods") << sumsBook();
+    for (const char* book : {"Guarded.fods", "Table.fods", "Sums.fods"}) {
       calc().openWorkbook((folder / book).string());
     }
   }
@@ -94,6 +119,45 @@ TEST_F(CalcEvaluation, NumbersErrorsAsExcelDoes) {
   EXPECT_EQ(calc().evaluate("ERROR.TYPE(SQRT(-1))", open), Evaluation(CellValue(6.0)));
   EXPECT_EQ(calc().evaluate("ERROR.TYPE(#NULL!)", open), Evaluation(CellValue(1.0)));
   EXPECT_EQ(calc().evaluate("ERROR.TYPE(1)", open), Evaluation(CellValue(CellError{"#N/A"})));
+}
+
+TEST_F(CalcEvaluation, LeavesOutWhatSubtotalsLeaveOut) {
+  const SheetRef sums{"Sums.fods", "Sums"}, beside{"Sums.fods", "Open"};
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(9,A1:A5)", sums), Evaluation(CellValue(11.0)));
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(109,A1:A5)", sums), Evaluation(CellValue(9.0)));
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(109,Sums!A:A)*2", beside), Evaluation(CellValue(18.0)));
+  EXPECT_EQ(calc().evaluate("AGGREGATE(9,5,A1:A5)", sums), Evaluation(CellValue(12.0)));
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(9,INDIRECT(\"A1:A5\"))", sums), Evaluation(CellValue(11.0)));
+  EXPECT_EQ(calc().evaluate("SUM(A1:A5)", sums), Evaluation(CellValue(18.0)));
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(109,A1:A5)", {"Guarded.fods", "It's locked"}),
+            Evaluation(CellValue(5.0)));
+}
+
+TEST_F(CalcEvaluation, NoticesThatRowsAreShownOrHidden) {
+  const SheetRef sums{"Sums.fods", "Sums"};
+  const RangeRef second{sums, parseA1("A2").value()};
+  calc().evaluate("SUBTOTAL(109,A1:A5)", sums);
+  calc().setHidden(second, Lines::rows, false);
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(109,A1:A5)", sums), Evaluation(CellValue(11.0)));
+  calc().setHidden(second, Lines::rows, true);
+  EXPECT_EQ(calc().evaluate("SUBTOTAL(109,A1:A5)", sums), Evaluation(CellValue(9.0)));
+}
+
+TEST_F(CalcEvaluation, TellsFormulasFromConstants) {
+  const SheetRef sums{"Sums.fods", "Sums"};
+  EXPECT_EQ(calc().evaluate("ISFORMULA(A1)", sums), Evaluation(CellValue(false)));
+  EXPECT_EQ(calc().evaluate("SUMPRODUCT(ISFORMULA(A1:A9)*A1:A9)", sums),
+            Evaluation(CellValue(11.0)));
+}
+
+TEST_F(CalcEvaluation, LeavesOutHiddenRowsInAChain) {
+  const std::string scratch = calc().makeWorkbook();
+  const SheetRef sheet{scratch, calc().worksheets(scratch).front()};
+  calc().setFormula({sheet, parseA1("A1").value()}, "=SUBTOTAL(109,[Sums.fods]Sums!A1:A5)");
+  calc().setFormula({sheet, parseA1("A2").value()}, "=SUBTOTAL(9,A1:A1)+A1");
+  const Grid<CellValue> values = calc().values({sheet, parseA1("A1:A2").value()});
+  calc().closeWorkbook(scratch);
+  EXPECT_EQ(values, (Grid<CellValue>{2, 1, {9.0, 9.0}}));
 }
 
 TEST_F(CalcEvaluation, ShowsNoWorkbookOfItsOwn) {

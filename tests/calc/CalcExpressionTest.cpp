@@ -106,7 +106,7 @@ TEST(CalcExpression, KnowsTheSheetsOfTheWorkbook) {
 struct Reached {
   const char* excel;
   std::vector<std::string> cells;  // "Sheet!$A$1"
-  bool shifts = false, spans = false, anywhere = false, contents = false;
+  bool shifts = false, spans = false, anywhere = false, traits = false, contents = false;
 };
 
 class Reaching : public testing::TestWithParam<Reached> {};
@@ -125,6 +125,7 @@ TEST_P(Reaching, TellsWhatTheResultDependsOn) {
   EXPECT_EQ(result->reach.shifts, GetParam().shifts);
   EXPECT_EQ(result->reach.spans, GetParam().spans);
   EXPECT_EQ(result->reach.anywhere, GetParam().anywhere);
+  EXPECT_EQ(result->reach.traits, GetParam().traits);
   EXPECT_EQ(result->reach.contents, GetParam().contents);
 }
 
@@ -143,7 +144,8 @@ INSTANTIATE_TEST_SUITE_P(
             .excel = "A1:INDEX(B1:B4,2)", .cells = {"Data!$A$1", "Data!$B$1:$B$4"}, .spans = true},
         Reached{.excel = "offset(A1,1,1)", .cells = {"Data!$A$1"}, .shifts = true},
         Reached{.excel = "INDIRECT(\"A1\")", .cells = {}, .anywhere = true},
-        Reached{.excel = "SUBTOTAL(9,A1:A2)", .cells = {"Data!$A$1:$A$2"}, .contents = true},
+        Reached{.excel = "SUBTOTAL(9,A1:A2)", .cells = {"Data!$A$1:$A$2"}, .traits = true},
+        Reached{.excel = "isformula(A1)", .cells = {"Data!$A$1"}, .traits = true},
         Reached{.excel = "_xlfn.FORMULATEXT(A1)", .cells = {"Data!$A$1"}, .contents = true}));
 
 TEST(CalcExpression, GivesExcelsErrorNumbersForCalcsOwnErrors) {

@@ -1,0 +1,34 @@
+// CellTraits: what the cells of an area are beside their values, as far as SUBTOTAL, AGGREGATE and
+// ISFORMULA ask for it: which rows are hidden, by a filter or otherwise, and which cells are
+// formulas, subtotals among them. Read from a user's workbook, written into one of ours. Call
+// thread.
+#pragma once
+
+#include <vector>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CellWriter.h"
+
+namespace quorin::host::calc {
+
+struct RowRun {
+  int first = 1, last = 1;
+  bool filtered = false;
+  bool operator==(const RowRun&) const = default;
+};
+
+struct CellTraits {
+  std::vector<RowRun> hiddenRows;
+  CellKinds kinds;
+  bool operator==(const CellTraits&) const = default;
+};
+
+// Of one area. SpreadsheetError -50 when more of its rows are hidden than can be asked about.
+CellTraits readTraits(const Workbook& workbook, const RangeRef& range);
+
+// Hides the rows, or shows them again.
+void hideRows(Workbook& ours, const std::string& sheet, const std::vector<RowRun>& runs,
+              bool hidden);
+
+}  // namespace quorin::host::calc
