@@ -1,12 +1,15 @@
 #!/usr/bin/env python3
 """Tests of the checks beside it: each is shown a small project with a mistake and one without."""
+import json
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
 HERE = pathlib.Path(__file__).parent
+TIDY = shutil.which("clang-tidy-14") or "clang-tidy"
 
 
 def run(script, files):
@@ -63,6 +66,63 @@ class SourcesListed(unittest.TestCase):
 
     def test_a_project_without_sources_fails(self):
         self.assertEqual(run("sources_listed.py", {"kit/CMakeLists.txt": ""})[0], 1)
+
+
+class Tidy(unittest.TestCase):
+    """Two files of one target that share a header, built by ninja as the project is."""
+
+    RULES = """rule cc
+  command = c++ -MD -MF $out.d -c $in -o $out
+  depfile = $out.d
+  deps = gcc
+"""
+    USES_MOVED = "#include <utility>\nstruct S { S(); S(S&&); int n; };\n" \
+                 "inline int taken(S s) { S t = std::move(s); return s.n; }\n"
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name).resolve()
+        (self.root / "kit").mkdir()
+        (self.root / "build").mkdir()
+        (self.root / ".clang-tidy").write_text((HERE.parent.parent / ".clang-tidy").read_text())
+        (self.root / "kit/A.h").write_text("")
+        commands, rules = [], self.RULES
+        for name in "AB":
+            file, made = f"{self.root}/kit/{name}.cpp", f"kit/CMakeFiles/kit.dir/{name}.o"
+            rules += f"build {made}: cc {file}\n"
+            commands.append({"directory": f"{self.root}/build", "file": file,
+                             "command": f"c++ -o {made} -c {file}"})
+        (self.root / "build/build.ninja").write_text(rules)
+        (self.root / "build/compile_commands.json").write_text(json.dumps(commands))
+
+    def check(self, first, second):
+        for name, text in (("A", first), ("B", second)):
+            (self.root / f"kit/{name}.cpp").write_text(text)
+        subprocess.run(["ninja", "-C", str(self.root / "build")], check=True, capture_output=True)
+        result = subprocess.run([sys.executable, str(HERE / "tidy.py"), str(self.root),
+                                 str(self.root / "build"), TIDY],
+                                capture_output=True, text=True, check=False)
+        return result.returncode, result.stdout + result.stderr
+
+    def test_files_without_a_mistake_pass_though_private_names_clash(self):
+        private = "namespace { int a() { return 1; } }\nint %s() { return a(); }\n"
+        status, text = self.check(private % "b", private % "c")
+        self.assertEqual((status, text), (0, "2 files checked\n"))
+
+    def test_a_mistake_in_the_second_file_of_a_unit_is_found(self):
+        status, text = self.check("int a;\n", self.USES_MOVED)
+        self.assertEqual(status, 1)
+        self.assertIn("kit/B.cpp:3:", text)
+        self.assertIn("bugprone-use-after-move", text)
+
+    def test_a_mistake_that_comes_into_a_header_is_found(self):
+        sources = '#include "A.h"\nint a;\n', "int b;\n"
+        self.assertEqual(self.check(*sources)[0], 0)
+        (self.root / "kit/A.h").write_text(self.USES_MOVED)
+        status, text = self.check(*sources)
+        self.assertEqual(status, 1)
+        self.assertIn("kit/A.h:3:", text)
 
 
 if __name__ == "__main__":
