@@ -1,19 +1,18 @@
 #include "host/calc/CalcEvaluator.h"
 
-#include <algorithm>
 #include <com/sun/star/sheet/CellFlags.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
+#include <map>
 
 #include "host/Address.h"
-#include "host/SheetPrefix.h"
-#include "host/calc/CalcLookup.h"
+#include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/ExpressionScope.h"
 #include "host/calc/FormulaCells.h"
-#include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
+#include "host/calc/TextReference.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -38,29 +37,16 @@ long long filledCells(const Workbook& workbook, const std::vector<std::string>& 
   return cells;
 }
 
-// An expression that is nothing but a range or a name of one.
-std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view text,
-                                    const SheetRef& from) {
-  const auto trim = [&text] {
-    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+// The one text that it is; nothing for other values and for several.
+std::optional<std::string> oneText(CalcWorkbooks& workbooks, const Evaluation& value) {
+  const auto textOf = [](const CellValue& cell) -> std::optional<std::string> {
+    const auto* text = std::get_if<std::string>(&cell);
+    return text == nullptr ? std::nullopt : std::optional(*text);
   };
-  trim();
-  if (text.starts_with('=')) text.remove_prefix(1);
-  trim();
-  if (text.starts_with('(') && text.find(')') == text.size() - 1) {
-    text = text.substr(1, text.size() - 2);
-  }
-  const auto split = splitSheetPrefix(text);
-  if (!split || split->rest.empty()) return std::nullopt;
-  const auto areas = parseA1(split->rest);
-  const bool word = std::all_of(split->rest.begin(), split->rest.end(), isWordCharacter);
-  if (!areas && !word) return std::nullopt;
-  const auto sheet =
-      findSheet(workbooks, split->book.value_or(from.book), split->sheet.value_or(from.sheet));
-  if (!sheet) return std::nullopt;
-  if (areas) return RangeRef{*sheet, *areas};
-  return findNamed(*workbooks.named(sheet->book), sheet->sheet, std::string(split->rest));
+  if (const auto* cell = std::get_if<CellValue>(&value)) return textOf(*cell);
+  const auto* range = std::get_if<RangeRef>(&value);
+  if (range == nullptr || cellCount(range->areas) != 1) return std::nullopt;
+  return textOf(readValues(*workbooks.named(range->sheet.book), *range).cells.front());
 }
 
 }  // namespace
@@ -74,11 +60,26 @@ Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& 
   context.elsewhere = [](const std::string& book, const std::string& sheet) {
     return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
   };
+  std::map<std::string, std::optional<std::string>> referents;  // asked for once
+  context.referent = [&](const std::string& argument) {
+    const auto [entry, isNew] = referents.try_emplace(argument);
+    if (isNew) entry->second = referent(workbooks, argument, from);
+    return entry->second;
+  };
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
   return dryRun->reach.contents ? inCopy(workbooks, expression, context)
                                 : inMirror(workbooks, expression, context);
+}
+
+// The cells are found without looking at all that the workbook holds, where the argument gives one
+// text that names them.
+std::optional<std::string> CalcEvaluator::referent(CalcWorkbooks& workbooks,
+                                                   const std::string& argument,
+                                                   const SheetRef& from) {
+  const auto text = oneText(workbooks, evaluate(workbooks, argument, from));
+  return text ? namedByText(workbooks, *text, from) : std::nullopt;
 }
 
 ValueMirror& CalcEvaluator::mirrorOf(const Workbook& workbook,

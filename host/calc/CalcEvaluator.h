@@ -3,6 +3,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
@@ -22,6 +24,8 @@ class CalcEvaluator {
                       const SheetRef& from);
 
  private:
+  std::optional<std::string> referent(CalcWorkbooks& workbooks, const std::string& argument,
+                                      const SheetRef& from);
   ValueMirror& mirrorOf(const Workbook& workbook, const std::vector<std::string>& sheets);
   Evaluation inMirror(CalcWorkbooks& workbooks, const std::string& expression,
                       ExpressionContext& context);

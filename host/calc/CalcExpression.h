@@ -34,6 +34,9 @@ struct ExpressionContext {
       meaning = {};
   // The cells of a part of a table, as Excel text, or the error that it gives.
   std::function<std::string(const std::string& table, const TableItems& items)> tablePart = {};
+  // The cells that INDIRECT finds by its argument, as Excel text; nothing where only a calculation
+  // among all cells can tell.
+  std::function<std::optional<std::string>(const std::string& argument)> referent = {};
 };
 
 // What a formula's result depends on.
@@ -41,7 +44,7 @@ struct Reach {
   std::vector<RangeRef> cells;  // one area each
   bool shifts = false;          // and cells at a distance from these (OFFSET)
   bool spans = false;           // and cells between these (A1:INDEX(...))
-  bool anywhere = false;        // and cells named by text (INDIRECT)
+  bool anywhere = false;        // and cells that a calculation names (INDIRECT)
   bool traits = false;          // and on hidden rows, and on which cells are formulas (SUBTOTAL)
   bool contents = false;        // and what only the workbook itself tells (CELL, FORMULATEXT)
 };

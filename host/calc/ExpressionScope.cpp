@@ -17,10 +17,6 @@ std::string prefixOf(const SheetRef& sheet, const std::string& book) {
   return excelSheet(inside + sheet.sheet) + "!";
 }
 
-std::string excelText(const RangeRef& range, const std::string& book) {
-  return prefixOf(range.sheet, book) + addressText({range.areas.front()});
-}
-
 // The row that "this row" means: the active cell's, as for a formula typed there.
 std::optional<int> activeRow(CalcWorkbooks& workbooks, const SheetRef& from) {
   const RangeRef cell = activeCellOf(workbooks.windowOf(from.book));
@@ -29,6 +25,10 @@ std::optional<int> activeRow(CalcWorkbooks& workbooks, const SheetRef& from) {
 }
 
 }  // namespace
+
+std::string excelText(const RangeRef& range, const std::string& book) {
+  return prefixOf(range.sheet, book) + addressText({range.areas.front()});
+}
 
 std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& book,
                                   const std::string& sheet) {

@@ -15,4 +15,7 @@ ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from
 std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& book,
                                   const std::string& sheet);
 
+// The range's first area with its sheet, and with its workbook where that is not `book`.
+std::string excelText(const RangeRef& range, const std::string& book);
+
 }  // namespace quorin::host::calc

@@ -30,6 +30,29 @@ void addFunction(Reach& reach, std::string_view name) {
   }
 }
 
+// Where the bracket stands that closes a call of one argument, which begins at `from`.
+std::optional<std::size_t> endOfOnlyArgument(std::string_view text, std::size_t from) {
+  int depth = 0;
+  char quote = '\0';
+  for (std::size_t i = from; i < text.size(); ++i) {
+    const char c = text[i];
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '(' || c == '[' || c == '{') {
+      ++depth;
+    } else if (depth > 0) {
+      if (c == ')' || c == ']' || c == '}') --depth;
+    } else if (c == ')') {
+      return i;
+    } else if (c == ',' || c == ';') {
+      return std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string ExpressionWriter::run() {
@@ -298,9 +321,21 @@ void ExpressionWriter::function(std::string name) {
   for (const std::string_view origin : {"_XLFN._XLWS.", "_XLFN."}) {
     if (name.starts_with(origin)) name.erase(0, origin.size());
   }
+  if (name == "INDIRECT" && indirect()) return;
   addFunction(reach_, name);
   out_ += name;
   open(name);
+}
+
+// Writes the cells that INDIRECT finds, if it has one argument and these are known.
+bool ExpressionWriter::indirect() {
+  const auto end = endOfOnlyArgument(text_, at_ + 1);
+  if (!end || !context_.referent) return false;
+  const auto cells = context_.referent(std::string(text_.substr(at_ + 1, *end - at_ - 1)));
+  if (!cells) return false;
+  at_ = *end + 1;
+  expansion(*cells);
+  return true;
 }
 
 // A part of a table is written as the cells it stands for.

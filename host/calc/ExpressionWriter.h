@@ -47,6 +47,7 @@ class ExpressionWriter {
   void word(const std::optional<SheetSpan>& span);
   void number(const std::string& word);
   void function(std::string name);
+  bool indirect();
   void table(const std::string& name);
   void name(const std::optional<SheetSpan>& span, const std::string& word);
   void expansion(const std::string& excel);

@@ -39,6 +39,8 @@ constexpr const char* tableBook = R"(<?xml version="1.0" encoding="UTF-8"?>
 </table:table>
 <table:database-ranges><table:database-range table:name="Sales.North"
  table:target-range-address="Data.A1:Data.B3" table:contains-header="true"/></table:database-ranges>
+<table:named-expressions><table:named-range table:name="Unit.TWh"
+ table:base-cell-address="$Data.$A$1" table:cell-range-address="$Data.$B$2"/></table:named-expressions>
 </office:spreadsheet></office:body></office:document>)";
 
 // More filled cells than anybody would copy to answer a question.
@@ -94,24 +96,53 @@ TEST_F(CalcEvaluation, GivesArraysOfEveryKindOfValue) {
   EXPECT_EQ(calc().evaluate("(A1:A2)", locked), Evaluation(cells));
 }
 
-TEST_F(CalcEvaluation, FindsTablesAndNamesWithDotsThatTextNames) {
+TEST_F(CalcEvaluation, FindsTablesThatTextNames) {
   const SheetRef beside{"Table.fods", "Other"};
   EXPECT_EQ(calc().evaluate("SUM(INDIRECT(\"Sales.North[\"&2000+A1&\"]\"))", beside),
             Evaluation(CellValue(50.0)));
   EXPECT_EQ(calc().evaluate("INDEX(INDIRECT(\"Sales.North[Year]\"),2)*1", beside),
             Evaluation(CellValue(2.0)));
+  // A workbook that is not Excel's reads text in Calc's own way.
+  EXPECT_EQ(calc().evaluate("INDIRECT(\"Data.A2\")+1", beside), Evaluation(CellValue(2.0)));
+  for (const std::string text : {"Data!A2", "Unit.TWh", "Sales.North", "$Data.$A$3"}) {
+    EXPECT_EQ(calc().evaluate("SUM(INDIRECT(\"" + text + "\"))", beside),
+              calc().evaluate("SUM(INDIRECT(\"" + text + "\",1))", beside))
+        << text;
+  }
+}
 
+// With the second argument Calc has to find the cells, among all that the workbook holds.
+TEST_F(CalcEvaluation, FindsCellsThatTextNames) {
   const std::string book = SharedOffice::open(
       {.name = "Names.xlsx",
-       .sheets = {{"Data", {{"A1", 20.0}, {"A2", 2007.0}}}, {"Other", {{"A1", 7.0}}}},
+       .sheets = {{"Data", {{"A1", 20.0}, {"A2", 2007.0}}}, {"Other", {{"A1", 7.0}, {"B1", "A1"}}}},
        .names = {{"Unit.TWh", "=Data!$A$1"}, {"this.Year", "=Data!$A$2", "Data"}},
        .savedByExcel = true});
   const SheetRef other{book, "Other"};
-  EXPECT_EQ(calc().evaluate("INDIRECT(\"Unit\"&\".TWh\")*A1", other), Evaluation(CellValue(140.0)));
-  EXPECT_EQ(calc().evaluate("INDIRECT(\"Data!this.Year\")+1", other),
-            Evaluation(CellValue(2008.0)));
-  EXPECT_EQ(calc().evaluate("INDIRECT(\"Unit.Wales\")*2", other),
-            Evaluation(CellValue(CellError{"#REF!"})));
+  const auto valueOf = [&](const std::string& expression) {
+    return calc().evaluate(expression, other);
+  };
+  for (const std::string second : {"", ",TRUE"}) {
+    EXPECT_EQ(valueOf("INDIRECT(\"Unit\"&\".TWh\"" + second + ")*A1"),
+              Evaluation(CellValue(140.0)));
+    EXPECT_EQ(valueOf("INDIRECT(\"Data!this.Year\"" + second + ")+1"),
+              Evaluation(CellValue(2008.0)));
+    EXPECT_EQ(valueOf("INDIRECT(\"Unit.Wales\"" + second + ")*2"),
+              Evaluation(CellValue(CellError{"#REF!"})));
+    EXPECT_EQ(valueOf("INDIRECT(\"Nowhere!A1\"" + second + ")*2"),
+              Evaluation(CellValue(CellError{"#REF!"})));
+    EXPECT_EQ(valueOf("INDIRECT(\"Data!\"&INDIRECT(\"B\"&1)" + second + ")*2"),
+              Evaluation(CellValue(40.0)));
+    EXPECT_EQ(valueOf("SUM(INDIRECT(\"Data!A1:A2\"" + second + "))"),
+              Evaluation(CellValue(2027.0)));
+    EXPECT_EQ(valueOf("ROWS(INDIRECT(\"1:\"&A1" + second + "))"), Evaluation(CellValue(7.0)));
+    EXPECT_EQ(valueOf("INDIRECT(1/0" + second + ")*2"),
+              Evaluation(CellValue(CellError{"#DIV/0!"})));
+    EXPECT_EQ(valueOf("SUM(INDIRECT({\"A1\",\"Data!A1\"}" + second + "))"),
+              valueOf("SUM(INDIRECT({\"A1\",\"Data!A1\"},1))"));
+  }
+  EXPECT_EQ(valueOf("INDIRECT(B1)+1"), Evaluation(CellValue(8.0)));
+  EXPECT_EQ(valueOf("INDIRECT(B1:B2)+1"), valueOf("INDIRECT(B1:B2,TRUE)+1"));
 }
 
 TEST_F(CalcEvaluation, NumbersErrorsAsExcelDoes) {

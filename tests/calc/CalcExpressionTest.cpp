@@ -148,6 +148,29 @@ INSTANTIATE_TEST_SUITE_P(
         Reached{.excel = "isformula(A1)", .cells = {"Data!$A$1"}, .traits = true},
         Reached{.excel = "_xlfn.FORMULATEXT(A1)", .cells = {"Data!$A$1"}, .contents = true}));
 
+TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
+  ExpressionContext from = context;
+  std::vector<std::string> asked;
+  from.referent = [&](const std::string& argument) -> std::optional<std::string> {
+    asked.push_back(argument);
+    return argument == "unknown" ? std::nullopt : std::optional("Jan!$B$2:$B$4");
+  };
+  const auto known = calcExpression("SUM(indirect(\"A)\"&(B1+LEN(\",\")))*2)", from);
+  ASSERT_TRUE(known);
+  EXPECT_EQ(known->text, "SUM($'Jan'.$B$2:$B$4*2)");
+  EXPECT_FALSE(known->reach.anywhere);
+  ASSERT_EQ(known->reach.cells.size(), 1U);
+  EXPECT_EQ(asked, std::vector<std::string>{"\"A)\"&(B1+LEN(\",\"))"});
+
+  for (const char* open : {"INDIRECT(unknown)", "INDIRECT(\"R1C1\",FALSE)"}) {
+    const auto result = calcExpression(open, from);
+    ASSERT_TRUE(result) << open;
+    EXPECT_TRUE(result->reach.anywhere) << open;
+  }
+  EXPECT_FALSE(calcExpression("INDIRECT(\"A1\"", from));
+  EXPECT_EQ(asked.size(), 2U);
+}
+
 TEST(CalcExpression, GivesExcelsErrorNumbersForCalcsOwnErrors) {
   const auto text = textOf("IFERROR(A1,\"e\"&ERROR.TYPE(A1))", context);
   ASSERT_TRUE(text);

@@ -1,0 +1,80 @@
+#include "host/calc/TextReference.h"
+
+#include <algorithm>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+
+#include "host/Address.h"
+#include "host/SheetPrefix.h"
+#include "host/calc/CalcLookup.h"
+#include "host/calc/CalcTables.h"
+#include "host/calc/ExpressionScope.h"
+#include "host/calc/ReferenceText.h"
+#include "host/calc/TableItems.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::beans::XPropertySet;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+// Whether the workbook's own INDIRECT reads text in Excel's grammar, as in a file of Excel's.
+bool readsAsExcel(const Workbook& workbook) {
+  constexpr sal_Int16 excelA1 = 2;
+  const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
+  const Reference<XPropertySet> settings(factory->createInstance("com.sun.star.document.Settings"),
+                                         UNO_QUERY_THROW);
+  sal_Int16 syntax = -1;
+  settings->getPropertyValue("SyntaxStringRef") >>= syntax;
+  return syntax == excelA1;
+}
+
+std::optional<RangeRef> asTablePart(const Workbook& workbook, const std::string& text) {
+  std::size_t at = text.find('[');
+  if (at == std::string::npos || at == 0) return std::nullopt;
+  const std::string table = text.substr(0, at);
+  const auto items = readTableItems(text, at);
+  if (!items || items->thisRow || at != text.size()) return std::nullopt;
+  return tableArea(workbook, table, *items, std::nullopt);
+}
+
+}  // namespace
+
+std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view text,
+                                    const SheetRef& from) {
+  const auto trim = [&text] {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  };
+  trim();
+  if (text.starts_with('=')) text.remove_prefix(1);
+  trim();
+  if (text.starts_with('(') && text.find(')') == text.size() - 1) {
+    text = text.substr(1, text.size() - 2);
+  }
+  const auto split = splitSheetPrefix(text);
+  if (!split || split->rest.empty()) return std::nullopt;
+  const auto areas = parseA1(split->rest);
+  const bool word = std::all_of(split->rest.begin(), split->rest.end(), isWordCharacter);
+  if (!areas && !word) return std::nullopt;
+  const auto sheet =
+      findSheet(workbooks, split->book.value_or(from.book), split->sheet.value_or(from.sheet));
+  if (!sheet) return std::nullopt;
+  if (areas) return RangeRef{*sheet, *areas};
+  return findNamed(*workbooks.named(sheet->book), sheet->sheet, std::string(split->rest));
+}
+
+std::optional<std::string> namedByText(CalcWorkbooks& workbooks, const std::string& text,
+                                       const SheetRef& from) {
+  const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
+  if (text.empty() || text.find_first_of(" =(") == 0 || !readsAsExcel(*workbook)) {
+    return std::nullopt;
+  }
+  auto range = asReference(workbooks, text, from);
+  if (!range) range = asTablePart(*workbook, text);
+  if (!range || range->areas.size() != 1) return std::nullopt;
+  return excelText(*range, from.book);
+}
+
+}  // namespace quorin::host::calc

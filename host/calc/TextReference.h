@@ -1,0 +1,21 @@
+// TextReference: text that is a reference, as seen from one sheet. Call thread.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+// An expression that is nothing but a range or the name of one, with or without brackets and "=".
+std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view text,
+                                    const SheetRef& from);
+
+// The cells that INDIRECT finds by the text, as Excel text for the formula: a range, or what a name
+// or a part of a table stands for. Nothing where that is not certain: then Calc has to tell.
+std::optional<std::string> namedByText(CalcWorkbooks& workbooks, const std::string& text,
+                                       const SheetRef& from);
+
+}  // namespace quorin::host::calc
