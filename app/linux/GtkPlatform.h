@@ -48,6 +48,7 @@ class GtkPlatform : public AppPlatform {
   // The window and the view made last, which live as long as the application; for inspection.
   PanelWindow* panelWindow() const { return panelWindow_; }
   WebKitView* webView() const { return webView_; }
+  const GtkUpdateProgress& updateProgress() const { return updateProgress_; }
 
  private:
   Environment environment_ = processEnvironment();
@@ -63,7 +64,7 @@ class GtkPlatform : public AppPlatform {
   XDGLoginItem loginItem_;
   ZipArchiver archiver_;
   GtkUpdateProgress updateProgress_;
-  SoupTransport updateTransport_{{}};
+  SoupTransport updateTransport_{{bundle_.infoString("QXUpdateAuthorities")}};
   SerialQueue updateQueue_{"qx.updates"};
   FeedUpdater updater_;
   PanelWindow* panelWindow_ = nullptr;

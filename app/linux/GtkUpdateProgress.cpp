@@ -40,6 +40,11 @@ void GtkUpdateProgress::hide() {
   window_ = label_ = bar_ = nullptr;
 }
 
+std::optional<std::string> GtkUpdateProgress::shown() const {
+  if (!window_) return std::nullopt;
+  return gtk_label_get_text(GTK_LABEL(label_));
+}
+
 void GtkUpdateProgress::responded(GtkDialog*, int, gpointer data) {
   auto& self = *static_cast<GtkUpdateProgress*>(data);
   self.hide();

@@ -18,6 +18,9 @@ class GtkUpdateProgress : public UpdateProgress {
   void hide() override;
   void onCancel(std::function<void()> handler) override { cancelled_ = std::move(handler); }
 
+  // What the window says, while there is one; for inspection.
+  std::optional<std::string> shown() const;
+
  private:
   void make();
   static void responded(GtkDialog*, int response, gpointer self);

@@ -22,6 +22,7 @@ std::string InstalledBundle::infoString(const std::string& key) const {
   if (key == "QXSupportEmail") return QUORIN_SUPPORT_EMAIL;
   if (key == "SUFeedURL") return QUORIN_UPDATE_FEED;
   if (key == "SUPublicEDKey") return QUORIN_UPDATE_KEY;
+  if (key == "QXUpdateAuthorities") return QUORIN_UPDATE_AUTHORITIES;
   if (key == "QXArchitecture") return QUORIN_ARCHITECTURE;
   return {};
 }

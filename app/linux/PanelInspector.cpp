@@ -40,6 +40,9 @@ void PanelInspector::answer(const std::string& line, const LineServer::Answer& a
     answer("ok " + Marshal::encode(describe(*platform_.panelWindow())));
   } else if (line == "alert") {
     answer("ok " + Marshal::encode(describe(platform_.alerts().shown())));
+  } else if (line == "progress") {
+    const std::optional<std::string> text = platform_.updateProgress().shown();
+    answer("ok " + Marshal::encode(text ? JSONValue(*text) : JSONValue()));
   } else if (line.starts_with("eval ") && platform_.webView()) {
     const ParsedJSON script = parseJSON(line.substr(5));
     if (!script || !script.value->string()) {

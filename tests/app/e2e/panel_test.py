@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """The real panel beside a real Calc, with a window manager, real keys and real clicks.
 
-usage: panel_test.py QUORIN [unittest option...]
+usage: panel_test.py QUORIN RELEASED [unittest option...]
+
+RELEASED is a build as the makers publish it, in the folder of its keys.
 
 All tests share a display and a Calc; each starts Quorin anew with folders of its own.
 """
@@ -16,6 +18,7 @@ import time
 import unittest
 
 from desk import Desk, Quorin
+from release_cases import ReleaseTest
 from shell_cases import ShellTest  # noqa: F401
 from try_panel import Trial, wait_for
 
@@ -280,6 +283,7 @@ class PanelTest(unittest.TestCase):
 def main():
     global desk
     Quorin.program = pathlib.Path(sys.argv.pop(1)).resolve()
+    ReleaseTest.released = pathlib.Path(sys.argv.pop(1)).resolve()
     desk = Quorin.desk = Desk(Quorin.program)
     try:
         program = unittest.main(exit=False, verbosity=2, warnings="ignore")

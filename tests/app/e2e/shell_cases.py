@@ -1,143 +1,17 @@
 """What is around the panel, as the desktop and the user's hands reach it: global keys, the menu over
 the session bus, alerts, crash reports, the end. Part of panel_test.py."""
-import json
 import os
 import pathlib
-import re
 import shutil
 import signal
-import subprocess
 import time
-import unittest
-import zipfile
 
 from desk import Quorin
+from shell_case import ShellCase
 from try_panel import wait_for
 
-PAGE = """<!doctype html><title>test</title><script>
-window.events = [];
-window.__qxResolve = () => {};
-window.__qxEvent = (name, payload) => { events.push([name, payload]); };
-</script><body><p>test"""
 
-BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:path=%s</listen><policy context="default">
-<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
-</policy></busconfig>"""
-
-
-class Menu:
-    """The menu as a bar of the desktop has it."""
-
-    def __init__(self, quorin, environment):
-        self.environment = environment
-        self.owner = wait_for("Quorin on the bus", lambda: self.connection_of(quorin.process.pid))
-        wait_for("the menu", self.items)
-
-    def call(self, *words):
-        run = subprocess.run(["gdbus", "call", "--session", *words], env=self.environment,
-                             capture_output=True, text=True, check=False)
-        return run.stdout if run.returncode == 0 else ""
-
-    def connection_of(self, pid):
-        bus = ("-d", "org.freedesktop.DBus", "-o", "/org/freedesktop/DBus", "-m")
-        names = re.findall(r"':[0-9.]+'", self.call(*bus, "org.freedesktop.DBus.ListNames"))
-        for name in names:
-            owner = self.call(*bus, "org.freedesktop.DBus.GetConnectionUnixProcessID", name)
-            if re.search(rf"\b{pid},", owner):
-                return name.strip("'")
-        return None
-
-    def menu(self, method, *words):
-        return self.call("-d", self.owner, "-o", "/org/ayatana/NotificationItem/quorin/Menu",
-                         "-m", f"com.canonical.dbusmenu.{method}", *words)
-
-    def items(self):
-        """Number, title, enabled and checked, of every item in order."""
-        found = []
-        for number, told in re.findall(r"<\((\d+), \{(.*?)\}, @av \[\]\)>",
-                                       self.menu("GetLayout", "0", "--", "-1", "[]")):
-            label = re.search(r"'label': <'(.*?)'>", told)
-            found.append((number, label.group(1) if label else "",
-                          "'enabled': <false>" not in told, "'toggle-state': <1>" in told))
-        return found
-
-    def titles(self):
-        return [title for _, title, _, _ in self.items()]
-
-    def item(self, title):
-        return next((item for item in self.items() if item[1] == title), None)
-
-    def click(self, title):
-        self.menu("AboutToShow", "0")
-        number = wait_for(f"the item {title}", lambda: self.item(title))[0]
-        self.menu("Event", number, "clicked", "<0>", "0")
-
-
-class ShellTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.desk = Quorin.desk
-        cls.folder = cls.desk.folder / "shell"
-        cls.folder.mkdir()
-        address = cls.folder / "bus"
-        (cls.folder / "bus.conf").write_text(BUS % address)
-        cls.bus = cls.desk.start("dbus-daemon", "--nofork",
-                                 f"--config-file={cls.folder / 'bus.conf'}")
-        wait_for("the bus", address.exists)
-        cls.environment = dict(cls.desk.environment,
-                               DBUS_SESSION_BUS_ADDRESS=f"unix:path={address}")
-        cls.page = cls.folder / "page.html"
-        cls.page.write_text(PAGE)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.bus.terminate()
-        cls.bus.wait()
-
-    def start(self, *arguments, **options):
-        options.setdefault("QX_DEV_URL", f"file://{self.page}")
-        quorin = Quorin(*arguments, XDG_CONFIG_HOME=str(self.folder / "config"),
-                        DBUS_SESSION_BUS_ADDRESS=self.environment["DBUS_SESSION_BUS_ADDRESS"],
-                        **options)
-        self.addCleanup(quorin.end)
-        return quorin
-
-    def menu(self, quorin):
-        return Menu(quorin, self.environment)
-
-    def events(self, quorin, name):
-        return [payload for told, payload in quorin.panel.eval("events") if told == name]
-
-    def alert(self, quorin):
-        return wait_for("an alert", lambda: quorin.panel.ask("alert"))
-
-    def answer(self, quorin, key="Return"):
-        """By the keyboard, which the alert has taken."""
-        wait_for("the keyboard", lambda: self.is_alert(self.desk.active()))
-        self.desk.tool("xdotool", "key", key)
-        wait_for("the alert to go", lambda: not quorin.panel.ask("alert"))
-
-    def is_alert(self, window):
-        run = subprocess.run(["xprop", "-id", str(window), "WM_CLASS", "_NET_WM_WINDOW_TYPE"],
-                             env=self.environment, capture_output=True, text=True, check=False)
-        return "uorin" in run.stdout and "DIALOG" in run.stdout
-
-    def desktop_folder(self):
-        folder = self.folder / "desktop"
-        shutil.rmtree(folder, ignore_errors=True)
-        folder.mkdir()
-        (self.folder / "config").mkdir(exist_ok=True)
-        (self.folder / "config" / "user-dirs.dirs").write_text(f'XDG_DESKTOP_DIR="{folder}"\n')
-        return folder
-
-    def zipped(self, folder):
-        file, = wait_for("the report", lambda: list(folder.glob("Quorin-*.zip")))
-        with zipfile.ZipFile(file) as archive:
-            return {pathlib.PurePath(name).name: archive.read(name).decode()
-                    for name in archive.namelist() if not name.endswith("/")}
-
+class ShellTest(ShellCase):
     def test_keys_bring_its_views_up_while_calc_is_in_front(self):
         self.desk.bring_other_forward()
         quorin = self.start()
@@ -250,6 +124,21 @@ class ShellTest(unittest.TestCase):
         wait_for("its start", lambda: sum("RESTORE" in line for line in third.log()) == 3)
         self.assertIsNone(third.panel.ask("alert"))
 
+    def test_opens_the_log_with_everything_in_it(self):
+        quorin = self.start()
+        quorin.logs("RESTORE")
+        self.menu(quorin).click("Open Diagnostic Log")
+        path = quorin.folder / "state" / "Logs" / "Quorin" / "quorin.log"
+        self.assertEqual(self.is_opened("the log"), str(path))
+
+    def test_logs_that_nothing_opens_the_log(self):
+        self.open_with("nobody.desktop")
+        quorin = self.start()
+        quorin.logs("RESTORE")
+        self.menu(quorin).click("Open Diagnostic Log")
+        quorin.logs("ERROR no program opens ")
+        self.assertFalse(self.opened.exists())
+
     def test_reports_a_problem_without_a_crash(self):
         desktop = self.desktop_folder()
         quorin = self.start()
@@ -257,6 +146,7 @@ class ShellTest(unittest.TestCase):
         found = self.zipped(desktop)
         self.assertEqual(set(found), {"quorin.log", "system.txt"})
         self.assertIn(" LAUNCH ", found["quorin.log"])
+        self.assertFalse(self.opened.exists(), "no address is built in")
 
     def test_ends_beside_a_calc_that_is_stopped(self):
         self.desk.bring_calc_forward()
@@ -269,13 +159,6 @@ class ShellTest(unittest.TestCase):
         finally:
             os.killpg(self.desk.office.pid, signal.SIGCONT)
         self.assertEqual(quorin.log()[-1], "TERMINATE quit")
-
-    def mark(self, quorin, *cells):
-        sheet = self.desk.cell()["sheet"]
-        words = json.dumps([[f"{sheet}!{cell}" for cell in cells], [255, 0, 0]])
-        quorin.panel.eval("webkit.messageHandlers.qx.postMessage("
-                          f"{{id: 1, verb: 'markCells', args: {words}}}), 0")
-        wait_for("the mark", lambda: self.desk.cell()["shapes"] > 0)
 
     def test_takes_its_marks_away_when_it_ends(self):
         self.assertEqual(self.desk.cell()["shapes"], 0)
