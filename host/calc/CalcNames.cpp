@@ -20,6 +20,7 @@ void addNames(std::vector<DefinedName>& list, const Reference<css::uno::XInterfa
       Reference<css::beans::XPropertySet>(owner, UNO_QUERY_THROW)->getPropertyValue("NamedRanges"),
       UNO_QUERY_THROW);
   for (const rtl::OUString& name : names->getElementNames()) {
+    if (name.startsWithIgnoreAsciiCase("_xlnm.")) continue;  // a file's print areas and filters
     const Reference<css::sheet::XNamedRange> entry(names->getByName(name), UNO_QUERY_THROW);
     const std::string content = "=" + toText(entry->getContent());
     list.push_back({toText(name), sheet, excelFormula(content, ReferenceStyle::a1, {}, isSheet)});

@@ -43,6 +43,7 @@ class CalcRoad {
   }
 
   Bridge& bridge() { return bridge_; }
+  ExcelThread& thread() { return thread_; }
   HighlightStore& store() { return store_; }
   UnhideStore& unhidden() { return unhide_; }
   PrivateOffice& office() { return *office_; }

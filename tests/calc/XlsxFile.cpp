@@ -19,8 +19,7 @@ constexpr const char* documentRelations =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
 constexpr const char* packageRelations =
     R"(xmlns="http://schemas.openxmlformats.org/package/2006/relationships")";
-constexpr const char* sheetType =
-    "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
+constexpr const char* sheetTypes = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
 constexpr const char* bookType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
 
@@ -122,6 +121,12 @@ std::string sheetText(const SheetDescription& sheet) {
   return text + "</sheetData>" + rulesText(sheet) + "</worksheet>";
 }
 
+// A chart sheet on which nothing was drawn.
+std::string chartText() {
+  return std::string(header) + "<chartsheet " + mainNamespace +
+         "><sheetViews><sheetView workbookViewId=\"0\"/></sheetViews></chartsheet>";
+}
+
 constexpr const char* stylesType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml";
 
@@ -175,11 +180,14 @@ void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path&
     const std::string state = workbook.sheets[i].hidden ? "\" state=\"hidden" : "";
     sheets += "<sheet name=\"" + escaped(workbook.sheets[i].name) + "\" sheetId=\"" + number +
               state + "\" r:id=\"rId" + number + "\"/>";
-    relations += "<Relationship Id=\"rId" + number + "\" Type=\"" + documentRelations +
-                 "/worksheet\" Target=\"worksheets/sheet" + number + ".xml\"/>";
-    types += "<Override PartName=\"/xl/worksheets/sheet" + number + ".xml\" ContentType=\"" +
-             sheetType + "\"/>";
-    archive.add("xl/worksheets/sheet" + number + ".xml", sheetText(workbook.sheets[i]));
+    const std::string kind = workbook.sheets[i].chart ? "chartsheet" : "worksheet";
+    const std::string part = kind + "s/sheet" + number + ".xml";
+    relations += "<Relationship Id=\"rId" + number + "\" Type=\"" + documentRelations + "/" + kind +
+                 "\" Target=\"" + part + "\"/>";
+    types +=
+        "<Override PartName=\"/xl/" + part + "\" ContentType=\"" + sheetTypes + kind + "+xml\"/>";
+    archive.add("xl/" + part,
+                workbook.sheets[i].chart ? chartText() : sheetText(workbook.sheets[i]));
     for (const NameDescription& name : workbook.names) {
       if (name.sheet != workbook.sheets[i].name) continue;
       names += "<definedName name=\"" + escaped(name.name) + "\" localSheetId=\"" +

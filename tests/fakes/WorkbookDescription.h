@@ -28,6 +28,7 @@ struct SheetDescription {
   std::vector<CellDescription> cells;
   bool hidden = false;
   std::vector<ConditionDescription> conditions = {};  // the user's, by priority
+  bool chart = false;                                 // in a file: a sheet that is a chart
 };
 
 struct NameDescription {

@@ -1,0 +1,344 @@
+// Ranges, formulas, the map and evaluations on Calc, all the way, where they are at their edges.
+#include <future>
+#include <gmock/gmock.h>
+#include <memory>
+#include <signal.h>
+
+#include "kit/value/Marshal.h"
+#include "tests/calc/CalcRoad.h"
+#include "tests/calc/UserHands.h"
+#include "tests/calc/XlsxFile.h"
+#include "tests/fakes/StoppedProcess.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using Array = JSONValue::Array;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::StartsWith;
+using namespace std::chrono_literals;
+
+const std::string longName = "Ärger & Übermut (2024) – 31 ch.!";
+
+// Every kind of trouble that a range can be in.
+fakes::WorkbookDescription edges() {
+  fakes::SheetDescription data{"Data",
+                               {{"A1", "Item"},
+                                {"B1", 12.5},
+                                {"C1", true},
+                                {"A2", CellError{"#N/A"}, "=NA()"},
+                                {"B2", 25.0, "=B1*2"},
+                                {"C2", CellError{"#DIV/0!"}, "=1/0"},
+                                {"A3", "last"},
+                                {"E1", 1.0},
+                                {"E2", CellError{"#DIV/0!"}, "=1/0"},
+                                {"E3", 3.0},
+                                {"G1", "=no formula"},
+                                {"G2", "", "=\"\""}}};
+  return {.name = "Edges.xlsx",
+          .sheets = {data,
+                     {"Blank", {}},
+                     {"Hidden", {{"A1", "unseen"}}, true},
+                     {"It's a \"q\"", {{"A1", "quoted"}}},
+                     {"a!b (c)", {{"A1", "marked"}}},
+                     {longName, {{"A1", "long"}, {"A2", 2.0, "=Data!B1"}}}},
+          .names = {{"Rate", "=Data!$B$1"},
+                    {"_xlnm.Print_Area", "=Data!$A$1:$B$2", "Data"},
+                    {"_xlfn.SINGLE", "=#NAME?"},
+                    {"Local", "=Blank!$A$1", "Blank"}}};
+}
+
+class CalcReads : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    road = std::make_unique<CalcRoad>();
+    folder = std::make_unique<TemporaryFolder>();
+    open({.name = "Second.xlsx", .sheets = {{"Data", {{"A1", "second"}}}}});
+    open(edges());
+    hands = std::make_unique<UserHands>(road->office().open());
+  }
+  static void TearDownTestSuite() {
+    hands.reset();
+    road.reset();
+    folder.reset();
+  }
+  static void open(const fakes::WorkbookDescription& book) {
+    fakes::writeXlsx(book, *folder / book.name);
+    road->open(*folder / book.name);
+  }
+
+  void SetUp() override {
+    road->use([](CalcSpreadsheet& calc) { calc.activateWorkbook("Edges.xlsx"); });
+  }
+
+  // The reply's payload as JSON text, slashes as they are; of a failure with a word before it.
+  static std::string ask(const std::string& verb, Array args = {}) {
+    const Bridge::Reply reply = road->bridge().dispatch(verb, args);
+    std::string text = Marshal::encode(reply.payload);
+    for (std::size_t at = 0; (at = text.find("\\/", at)) != std::string::npos;) text.erase(at, 1);
+    return (reply.ok ? "" : "failed ") + text;
+  }
+  static std::string deep(std::vector<std::string> entries) {
+    return ask("deepEval", {Array(entries.begin(), entries.end())});
+  }
+  static std::string evaluate(const std::string& expression) {
+    return ask("evaluate", {expression});
+  }
+
+  static std::unique_ptr<CalcRoad> road;
+  static std::unique_ptr<TemporaryFolder> folder;
+  static std::unique_ptr<UserHands> hands;
+};
+
+std::unique_ptr<CalcRoad> CalcReads::road;
+std::unique_ptr<TemporaryFolder> CalcReads::folder;
+std::unique_ptr<UserHands> CalcReads::hands;
+
+std::string grid(int rows, int columns, const std::string& values) {
+  return "{\"cols\":" + std::to_string(columns) + ",\"rows\":" + std::to_string(rows) +
+         ",\"values\":" + values + "}";
+}
+std::string failure(const std::string& message) {
+  return R"(failed {"kind":"transport","message":")" + message + "\"}";
+}
+const std::string firstColumn =
+    failure("range has an error in its first column - Excel cannot read it as a grid");
+
+TEST_F(CalcReads, ReadsAGridWithItsErrors) {
+  EXPECT_EQ(ask("readRange", {"B1:C2"}), grid(2, 2, R"([[12.5,true],[25,"#DIV/0!"]])"));
+  EXPECT_EQ(ask("readRange", {"E1:E3"}), grid(3, 1, R"([[1],["#DIV/0!"],[3]])"));
+  EXPECT_EQ(ask("readRange", {"A1"}), grid(1, 1, R"([["Item"]])"));
+  EXPECT_EQ(ask("readRange", {"A2"}), grid(1, 1, R"([["#N/A"]])"));
+  EXPECT_EQ(ask("readRange", {"G1:G3"}), grid(3, 1, R"([["=no formula"],[""],[""]])"));
+}
+
+TEST_F(CalcReads, RefusesAnErrorInTheFirstOfSeveralColumns) {
+  EXPECT_EQ(ask("readRange", {"A1:C2"}), firstColumn);
+  EXPECT_EQ(ask("readRange", {"A2:B2"}), firstColumn);
+  EXPECT_EQ(ask("readFormulas", {"A1:C2", "a1", false}),
+            R"j({"cols":3,"formulas":[["","",""],["=NA()","=B1*2","=1/0"]],"rows":2,)j"
+            R"("values":[["Item",12.5,true],["","",""]]})");
+}
+
+TEST_F(CalcReads, ReadsFormulasInEitherStyle) {
+  EXPECT_EQ(ask("readFormulas", {"B1:C2", "a1", false}),
+            R"({"cols":2,"formulas":[["",""],["=B1*2","=1/0"]],"rows":2,)"
+            R"("values":[[12.5,true],[25,"#DIV/0!"]]})");
+  EXPECT_EQ(ask("readFormulas", {"A1:C2", "r1c1", true}),
+            R"j({"cols":3,"formulas":[["","",""],["=NA()","=R[-1]C*2","=1/0"]],"rows":2,)j"
+            R"("values":[]})");
+  EXPECT_EQ(ask("readFormulas", {"A2", "a1", false}),
+            R"j({"cols":1,"formulas":[["=NA()"]],"rows":1,"values":[["#N/A"]]})j");
+}
+
+TEST_F(CalcReads, Reads20000CellsAndNoMore) {
+  EXPECT_THAT(ask("readRange", {"A1:B10000"}), HasSubstr("first column"));
+  EXPECT_THAT(ask("readRange", {"B1:C10000"}), StartsWith(R"({"cols":2,"rows":10000,)"));
+  EXPECT_EQ(ask("readRange", {"A1:A20001"}), R"({"cols":1,"rows":20001,"tooBig":true})");
+  EXPECT_THAT(ask("readFormulas", {"A1:A20000", "a1", true}), HasSubstr(R"("rows":20000)"));
+  EXPECT_EQ(ask("readFormulas", {"A1:A20001", "a1", true}),
+            failure("readFormulas over 20000 cells - chunk the read"));
+}
+
+TEST_F(CalcReads, HasErrorTextsUpTo5000Cells) {
+  EXPECT_THAT(ask("readRange", {"E1:E5000"}), HasSubstr(R"([[1],["#DIV/0!"],[3])"));
+  EXPECT_THAT(ask("readRange", {"E1:E5001"}), HasSubstr("[[1],[null],[3]"));
+}
+
+TEST_F(CalcReads, FindsWholeRowsAndColumnsTooBigAtOnce) {
+  EXPECT_EQ(ask("readRange", {"A:A"}), R"({"cols":1,"rows":1048576,"tooBig":true})");
+  EXPECT_EQ(ask("readRange", {"2:3"}), R"({"cols":16384,"rows":2,"tooBig":true})");
+  EXPECT_EQ(ask("readRange", {"A:XFD"}), R"({"cols":16384,"rows":1048576,"tooBig":true})");
+  EXPECT_THAT(ask("readRange", {"5:5"}), StartsWith(R"({"cols":16384,"rows":1,"values":[[)"));
+}
+
+TEST_F(CalcReads, RefusesUnionsWithTheirNumbers) {
+  const std::string message = failure(
+      "multi-area 'A1:B1,A3:B3': 4 cells in a 1\u00d72 frame - Excel returns only the first area");
+  EXPECT_EQ(ask("readRange", {"A1:B1,A3:B3"}), message);
+  EXPECT_EQ(ask("readFormulas", {"A1:B1,A3:B3", "a1", true}), message);
+}
+
+TEST_F(CalcReads, RefusesWhatIsNoAddressByItsText) {
+  for (const std::string address : {"", " ", "junk", "A0", "XFE1", "A1048577", "#REF!",
+                                    "A1:", "Data!", "R1C1", "=A1", "A1 B1", "A1#", "Local"}) {
+    const std::string reply =
+        failure(R"(Microsoft Excel got an error: Can't get range \")" + address + R"(\".)");
+    EXPECT_EQ(ask("readRange", {address}), reply);
+    EXPECT_EQ(ask("readFormulas", {address, "a1", true}), reply);
+  }
+}
+
+TEST_F(CalcReads, FindsSheetsWhateverTheirNamesAre) {
+  EXPECT_EQ(ask("readRange", {"Hidden!A1"}), grid(1, 1, R"([["unseen"]])"));
+  EXPECT_EQ(ask("readRange", {"'It''s a \"q\"'!A1"}), grid(1, 1, R"([["quoted"]])"));
+  EXPECT_EQ(ask("readRange", {"'a!b (c)'!A1"}), grid(1, 1, R"([["marked"]])"));
+  EXPECT_EQ(ask("readRange", {"'" + longName + "'!A1:A2"}), grid(2, 1, R"([["long"],[2]])"));
+  EXPECT_EQ(ask("readFormulas", {"'" + longName + "'!A2", "a1", true}),
+            R"({"cols":1,"formulas":[["=Data!B1"]],"rows":1,"values":[]})");
+  EXPECT_EQ(ask("readRange", {"Nowhere!A1"}), failure("sheet not found: Nowhere"));
+}
+
+TEST_F(CalcReads, ReadsHiddenSheetsWithoutShowingThem) {
+  const std::string before = hands->stateOf("Edges.xlsx");
+  EXPECT_EQ(ask("readRange", {"Hidden!A1"}), grid(1, 1, R"([["unseen"]])"));
+  EXPECT_EQ(evaluate("Hidden!A1&\"!\""), R"({"ok":true,"value":"unseen!"})");
+  EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
+}
+
+TEST_F(CalcReads, ReadsProtectedSheets) {
+  hands->protect("Edges.xlsx", "Data");
+  const std::string before = hands->stateOf("Edges.xlsx");
+  EXPECT_EQ(ask("readRange", {"B1:C2"}), grid(2, 2, R"([[12.5,true],[25,"#DIV/0!"]])"));
+  EXPECT_EQ(evaluate("B1*3"), R"({"ok":true,"value":37.5})");
+  EXPECT_EQ(deep({"[Edges.xlsx]Data!B1", "A1*3"}), R"({"ok":true,"value":37.5})");
+  EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
+  hands->unprotect("Edges.xlsx", "Data");
+}
+
+TEST_F(CalcReads, ReadsNamesAndOtherWorkbooks) {
+  EXPECT_EQ(ask("readRange", {"Rate"}), grid(1, 1, "[[12.5]]"));
+  EXPECT_EQ(ask("readRange", {"Blank!Local"}), grid(1, 1, R"([[""]])"));
+  EXPECT_EQ(ask("readRange", {"[Second.xlsx]Data!A1"}), grid(1, 1, R"([["second"]])"));
+  EXPECT_EQ(ask("readRange", {"'[Second.xlsx]Data'!A1"}), grid(1, 1, R"([["second"]])"));
+  EXPECT_EQ(ask("readRange", {"[Gone.xlsx]Data!A1"}), failure("workbook not open: Gone.xlsx"));
+}
+
+TEST_F(CalcReads, ReadsBlankCellsAsEmptyTexts) {
+  EXPECT_EQ(ask("readRange", {"Blank!A1"}), grid(1, 1, R"([[""]])"));
+  EXPECT_EQ(ask("readRange", {"Blank!B2:C3"}), grid(2, 2, R"([["",""],["",""]])"));
+  EXPECT_EQ(ask("readFormulas", {"Blank!A1:A2", "a1", false}),
+            R"({"cols":1,"formulas":[[""],[""]],"rows":2,"values":[[""],[""]]})");
+}
+
+TEST_F(CalcReads, MapsSheetsOfEveryKindAndLeavesInternalNamesOut) {
+  EXPECT_EQ(ask("workbookMap"),
+            R"({"book":"Edges.xlsx","names":[{"name":"Rate","refersTo":"=Data!$B$1"},)"
+            R"({"name":"Blank!Local","refersTo":"=Blank!$A$1"}],)"
+            R"("sheets":[{"name":"Data","usedRange":"$A$1:$G$3"},)"
+            R"({"name":"Blank","usedRange":"$A$1"},{"name":"Hidden","usedRange":"$A$1"},)"
+            R"j({"name":"It's a \"q\"","usedRange":"$A$1"},{"name":"a!b (c)","usedRange":"$A$1"},)j"
+            R"({"name":")" +
+                longName + R"(","usedRange":"$A$1:$A$2"}],"sheetsTruncated":false})");
+}
+
+TEST_F(CalcReads, MapsFiftyOneSheetsAndNoNames) {
+  fakes::WorkbookDescription book{.name = "Many.xlsx", .sheets = {}};
+  for (int i = 1; i <= 51; ++i) book.sheets.push_back({"S" + std::to_string(i), {{"A1", 1.0}}});
+  open(book);
+  const std::string map = ask("workbookMap");
+  hands->close("Many.xlsx");
+  EXPECT_THAT(map, HasSubstr(R"({"name":"S50","usedRange":"$A$1"},)"
+                             R"({"name":"S51","usedRange":null}],"sheetsTruncated":true})"));
+  EXPECT_THAT(map, HasSubstr(R"("names":[])"));
+}
+
+TEST_F(CalcReads, TakesAChartSheetOfAFileForASheetWithoutCells) {
+  open({.name = "Chart.xlsx",
+        .sheets = {{.name = "Chart1", .cells = {}, .chart = true}, {"Data", {{"A1", 5.0}}}}});
+  const std::string map = ask("workbookMap"), read = ask("readRange", {"Chart1!A1"}),
+                    value = evaluate("Data!A1+1");
+  hands->close("Chart.xlsx");
+  EXPECT_THAT(map, HasSubstr(R"([{"name":"Chart1","usedRange":"$A$1"},)"
+                             R"({"name":"Data","usedRange":"$A$1"}])"));
+  EXPECT_EQ(read, grid(1, 1, R"([[""]])"));
+  EXPECT_EQ(value, R"({"ok":true,"value":6})");
+}
+
+TEST_F(CalcReads, NoticesThatAWorkbookWasClosed) {
+  open({.name = "Third.xlsx", .sheets = {{"Only", {{"A1", "third"}}}}});
+  EXPECT_EQ(ask("readRange", {"A1"}), grid(1, 1, R"([["third"]])"));
+  EXPECT_EQ(evaluate("Only!A1&1"), R"({"ok":true,"value":"third1"})");
+  hands->close("Third.xlsx");
+  EXPECT_EQ(ask("readRange", {"[Third.xlsx]Only!A1"}), failure("workbook not open: Third.xlsx"));
+  EXPECT_EQ(ask("readRange", {"Only!A1"}), failure("sheet not found: Only"));
+  EXPECT_EQ(evaluate("[Third.xlsx]Only!A1&1"),
+            R"({"kind":"excelError","message":"#REF!","ok":false})");
+  EXPECT_EQ(deep({"[Third.xlsx]Only!A1"}), R"({"ok":true,"value":"#REF!"})");
+}
+
+TEST_F(CalcReads, EvaluatesOrSaysWhyNot) {
+  const std::string misunderstood =
+      R"({"kind":"excelError","message":"Microsoft Excel got an error: application \"Microsoft Excel\" )"
+      R"(doesn't understand the evaluate message.","ok":false})";
+  EXPECT_EQ(evaluate("{1,2;3,4}"), R"({"ok":true,"value":[[1,2],[3,4]]})");
+  EXPECT_EQ(evaluate("1+"), misunderstood);
+  EXPECT_EQ(evaluate("\"open"), misunderstood);
+  for (const char* unknown : {"NOSUCH(1)", "NoName"}) {
+    EXPECT_EQ(evaluate(unknown), R"({"kind":"excelError","message":"#NAME?","ok":false})");
+  }
+  for (const char* nowhere : {"Nowhere!A1", "[Gone.xlsx]Data!A1"}) {
+    EXPECT_EQ(evaluate(nowhere), R"({"kind":"excelError","message":"#REF!","ok":false})");
+  }
+  EXPECT_EQ(
+      evaluate("A1:A3"),
+      R"({"kind":"transport","message":"evaluate result could not be marshalled","ok":false})");
+  EXPECT_THAT(road->log(), Contains("ERROR evaluate failed code=-1708 len=9"));
+}
+
+TEST_F(CalcReads, EvaluatesWhatIsLongerThanExcelTakes) {
+  for (const std::size_t length : {255U, 256U}) {
+    const std::string expression = "B1" + std::string(length - 4, ' ') + "+1";
+    EXPECT_EQ(evaluate(expression), R"({"ok":true,"value":13.5})") << length;
+  }
+}
+
+TEST_F(CalcReads, EvaluatesAChainOrSaysWhyNot) {
+  const auto refused = [](const std::string& message) {
+    return R"({"kind":"refused","message":"deep-eval)" + message + R"(","ok":false})";
+  };
+  EXPECT_EQ(deep({"1" + std::string(251, ' ') + "+1"}), R"({"ok":true,"value":2})");
+  EXPECT_EQ(deep({std::string(255, '1')}), refused(" entry exceeds 255 characters"));
+  EXPECT_EQ(deep({}), refused(" plan empty"));
+  EXPECT_EQ(deep(std::vector<std::string>(41, "1")), refused(" exceeds 40 entries"));
+  EXPECT_EQ(deep({"ROW(A1:A3)"}), refused(": an intermediate result spilled"));
+  EXPECT_EQ(deep({"1", "{1,2}", "A1"}), refused(": an intermediate result spilled"));
+  EXPECT_EQ(deep({"1+"}), R"({"ok":true,"value":"#NAME?"})");
+  EXPECT_EQ(deep({"NOSUCH(1)"}), R"({"ok":true,"value":"#NAME?"})");
+  EXPECT_EQ(deep({"A2", "A1"}), R"({"ok":true,"value":"#REF!"})");  // goes round in a circle
+  EXPECT_EQ(deep({"1", "A1/0"}), R"({"ok":true,"value":"#DIV/0!"})");
+  EXPECT_THAT(road->log(), Contains("ERROR deepEval failed code=-9005 n=3"));
+}
+
+TEST_F(CalcReads, LeavesNoWorkbookOfItsOwnBehind) {
+  deep({"1"});
+  const int documents = hands->documents();
+  const std::string before = hands->stateOf("Edges.xlsx");
+  for (const char* entry : {"A1+1", "ROW(A1:A3)", "1/0", "1+", "[Second.xlsx]Data!A1"})
+    deep({entry});
+  EXPECT_EQ(hands->documents(), documents);
+  EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
+  EXPECT_THAT(ask("workbookMap"), StartsWith(R"({"book":"Edges.xlsx",)"));
+}
+
+TEST_F(CalcReads, GivesAChainUpThatTakesTooLongAndCleansUpAfterIt) {
+  deep({"1"});
+  const int documents = hands->documents();
+  ASSERT_TRUE(stopProcess(road->office().process()));
+  int code = 0;
+  try {
+    road->thread().call("qx_deepeval", {Array{"1+2"}}, 0.3);
+  } catch (const ExcelError& error) {
+    code = error.code();
+  }
+  ASSERT_EQ(::kill(road->office().process(), SIGCONT), 0);
+  EXPECT_EQ(code, ExcelError::timedOut);
+  EXPECT_EQ(deep({"1+2"}), R"({"ok":true,"value":3})");  // after the one that went on
+  EXPECT_EQ(hands->documents(), documents);
+}
+
+// The last one: its office is gone afterwards.
+TEST_F(CalcReads, SaysThatTheOfficeDiedUnderAChain) {
+  const pid_t office = road->office().process();
+  ASSERT_TRUE(stopProcess(office));
+  auto reply = std::async(std::launch::async, [] { return deep({"1+2", "A1*2"}); });
+  EXPECT_EQ(reply.wait_for(300ms), std::future_status::timeout);
+  ASSERT_EQ(::kill(office, SIGKILL), 0);
+  EXPECT_THAT(reply.get(), StartsWith(R"({"kind":"transport","message":")"));
+  EXPECT_THAT(road->log(), Contains("ERROR deepEval failed code=-609 n=2"));
+  EXPECT_THAT(evaluate("1+2"), StartsWith(R"({"kind":"transport","message":")"));
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
