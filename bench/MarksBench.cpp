@@ -3,17 +3,20 @@
 // milliseconds, the median of several rounds taken in turn.
 #include <algorithm>
 #include <chrono>
+#include <com/sun/star/beans/XMultiPropertySet.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
+#include <com/sun/star/util/XModifiable.hpp>
 #include <cstdio>
 #include <fstream>
 #include <map>
 
 #include "host/Address.h"
+#include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcSession.h"
-#include "host/calc/ChangeGuard.h"
 #include "host/calc/MarkShape.h"
 #include "host/calc/Text.h"
 #include "tests/calc/CalcRoad.h"
@@ -40,6 +43,30 @@ Addresses scattered(int first, int count) {
   return cells;
 }
 
+// One change that leaves the undo list and the modified flag as they were, if nobody else is at
+// work in the workbook.
+class Unnoticed {
+ public:
+  explicit Unnoticed(const Workbook& workbook)
+      : undo_(Reference<css::document::XUndoManagerSupplier>(workbook.document, UNO_QUERY_THROW)
+                  ->getUndoManager()),
+        flag_(workbook.document, UNO_QUERY_THROW),
+        modified_(flag_->isModified()) {
+    undo_->lock();
+  }
+  ~Unnoticed() {
+    undo_->unlock();
+    if (!modified_) flag_->setModified(false);
+  }
+  Unnoticed(const Unnoticed&) = delete;
+  Unnoticed& operator=(const Unnoticed&) = delete;
+
+ private:
+  const Reference<css::document::XUndoManager> undo_;
+  const Reference<css::util::XModifiable> flag_;
+  const bool modified_;
+};
+
 // What a program does that knows the sheet and paints and clears no more than it is asked to.
 class Direct {
  public:
@@ -53,7 +80,7 @@ class Direct {
     for (std::size_t first = 0; first < cells.size(); first += 40) {
       const NumberedMark mark = markOf(cells, first);
       const auto shape = makeMarkShape(workbook_.model, mark, outlinesOf(sheet_, mark.mark.areas));
-      const ChangeGuard guard(workbook_);
+      const Unnoticed guard(workbook_);
       page_->add(shape);
     }
   }
@@ -61,13 +88,16 @@ class Direct {
     const NumberedMark mark = markOf(cells, 0);
     const auto outlines = outlinesOf(sheet_, mark.mark.areas);
     const auto marks = readMarks(page_);
-    const ChangeGuard guard(workbook_);
-    redrawMarkShape(marks.at(0).shape, mark, outlines);
+    const Unnoticed guard(workbook_);
+    Reference<css::beans::XMultiPropertySet>(marks.at(0).shape, UNO_QUERY_THROW)
+        ->setPropertyValues(
+            sequenceOf<rtl::OUString>({"Name", "PolyPolygon"}),
+            sequenceOf({css::uno::Any(toUno(markName(mark))), css::uno::Any(outlines)}));
   }
   void clear(const Addresses& cells) {
     for (std::size_t first = 0; first < cells.size(); first += 40) markOf(cells, first);
     for (const PlacedMark& each : readMarks(page_)) {
-      const ChangeGuard guard(workbook_);
+      const Unnoticed guard(workbook_);
       page_->remove(each.shape);
     }
   }
@@ -75,7 +105,7 @@ class Direct {
     for (const Area& area : rows) {
       const Reference<css::table::XColumnRowRange> range(cellsOf(sheet_, area), UNO_QUERY_THROW);
       const Reference<css::beans::XPropertySet> properties(range->getRows(), UNO_QUERY_THROW);
-      const ChangeGuard guard(workbook_);
+      const Unnoticed guard(workbook_);
       properties->setPropertyValue("IsVisible", css::uno::Any(!hidden));
     }
   }

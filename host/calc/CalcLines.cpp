@@ -11,12 +11,10 @@
 #include "host/Address.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcView.h"
-#include "host/calc/ChangeGuard.h"
 
 namespace quorin::host::calc {
 namespace {
 
-using css::uno::Any;
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
@@ -91,18 +89,12 @@ bool isFiltered(const Reference<css::uno::XInterface>& rows) {
   return filtered;
 }
 
-void setProperty(const Workbook& workbook, const Reference<css::uno::XInterface>& lines,
-                 const char* name, bool value) {
-  const Reference<css::beans::XPropertySet> properties(lines, UNO_QUERY_THROW);
-  const ChangeGuard guard(workbook);
-  properties->setPropertyValue(rtl::OUString::createFromAscii(name), Any(value));
-}
-
 }  // namespace
 
 // A row that a filter hides stays the filter's while it is shown: it does not count in subtotals,
 // and ending the filter shows it again. Showing it would make it the user's own.
-void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines, bool hidden) {
+void setLinesHidden(QuietChanges& changes, const Workbook& workbook, const RangeRef& range,
+                    Lines lines, bool hidden) {
   for (const Area& area : range.areas) {
     const Reference<css::table::XColumnRowRange> cells(cellsOf(workbook, range.sheet.sheet, area),
                                                        UNO_QUERY_THROW);
@@ -110,8 +102,8 @@ void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines
         lines == Lines::rows ? Reference<css::uno::XInterface>(cells->getRows())
                              : Reference<css::uno::XInterface>(cells->getColumns());
     const bool filtered = lines == Lines::rows && isFiltered(group);
-    setProperty(workbook, group, "IsVisible", !hidden);
-    if (filtered) setProperty(workbook, group, "IsFiltered", true);
+    changes.set(workbook, group, "IsVisible", !hidden);
+    if (filtered) changes.set(workbook, group, "IsFiltered", true);
   }
 }
 

@@ -5,11 +5,13 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/QuietChanges.h"
 
 namespace quorin::host::calc {
 
 std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines);
-void setLinesHidden(const Workbook& workbook, const RangeRef& range, Lines lines, bool hidden);
+void setLinesHidden(QuietChanges& changes, const Workbook& workbook, const RangeRef& range,
+                    Lines lines, bool hidden);
 std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range);
 RangeRef visibleRangeOf(const Window& window);
 

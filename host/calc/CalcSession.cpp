@@ -29,6 +29,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       workbooks_(desktop_),
       evaluator_(connection_.context()),
       scratch_(connection_.context(), workbooks_),
+      changes_(connection_.context()),
       keeper_(office) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
@@ -53,7 +54,7 @@ SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
   if (kept) return *conditions_;
   takeTurn(book, adding);
   if (conditions_) earlier_.push_back(std::move(conditions_));
-  conditions_ = std::make_unique<SheetConditions>(book, sheet.sheet);
+  conditions_ = std::make_unique<SheetConditions>(changes_, book, sheet.sheet);
   return *conditions_;
 }
 

@@ -13,6 +13,7 @@
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/MarksKeeper.h"
 #include "host/calc/OfficeConnection.h"
+#include "host/calc/QuietChanges.h"
 #include "host/calc/ScratchWorkbooks.h"
 #include "host/calc/SheetConditions.h"
 
@@ -26,6 +27,7 @@ class CalcSession {
   CalcWorkbooks& workbooks() { return workbooks_; }
   CalcEvaluator& evaluator() { return evaluator_; }
   ScratchWorkbooks& scratch() { return scratch_; }
+  QuietChanges& changes() { return changes_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
   std::vector<std::string> worksheets(const std::string& book);
   // In the marks keeper's turn, which lasts until releaseConditions(), or to the end of the time in
@@ -59,6 +61,7 @@ class CalcSession {
   CalcWorkbooks workbooks_;
   CalcEvaluator evaluator_;
   ScratchWorkbooks scratch_;
+  QuietChanges changes_;
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   std::map<std::string, std::vector<std::string>> worksheets_;  // by workbook, while kept
   MarksKeeper keeper_;

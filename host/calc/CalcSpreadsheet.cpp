@@ -317,7 +317,7 @@ std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) 
 
 void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
   change([&](CalcSession& office) {
-    setLinesHidden(office.workbook(range.sheet.book), range, lines, hide);
+    setLinesHidden(office.changes(), office.workbook(range.sheet.book), range, lines, hide);
     office.linesChanged(range.sheet);
   });
 }

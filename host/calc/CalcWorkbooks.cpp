@@ -5,8 +5,8 @@
 #include <com/sun/star/frame/XFrames.hpp>
 #include <com/sun/star/frame/XTitle.hpp>
 
-#include "host/calc/ChangeGuard.h"
 #include "host/calc/OfficeFiles.h"
+#include "host/calc/QuietChanges.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -83,7 +83,7 @@ std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::
     workbook->model = model;
     workbook->document.set(model, UNO_QUERY_THROW);
     workbook->sheets.set(workbook->document->getSheets(), UNO_QUERY_THROW);
-    ChangeGuard::heal(*workbook);
+    QuietChanges::heal(*workbook);
   }
   workbook->url = toText(model->getURL());
   workbooks_.push_back(workbook);

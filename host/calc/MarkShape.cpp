@@ -55,19 +55,6 @@ sal_Int32 colorNumber(const Color& color) {
   return color.red << 16 | color.green << 8 | color.blue;
 }
 
-// What changes when a mark gets other cells or another colour.
-Properties drawing(const NumberedMark& numbered, const PointSequenceSequence& outlines) {
-  const Mark& mark = numbered.mark;
-  const bool drawn = mark.fill && outlines.hasElements();
-  Properties properties{
-      {"Name", Any(toUno(markName(numbered)))},
-      {"FillStyle", Any(drawn ? css::drawing::FillStyle_SOLID : css::drawing::FillStyle_NONE)},
-  };
-  if (mark.fill) properties["FillColor"] <<= colorNumber(*mark.fill);
-  if (outlines.hasElements()) properties["PolyPolygon"] <<= outlines;
-  return properties;
-}
-
 // The cells with all of the merged ones that they touch.
 Reference<css::table::XCellRange> withMerged(const Reference<css::sheet::XSpreadsheet>& sheet,
                                              const Reference<css::table::XCellRange>& cells) {
@@ -158,11 +145,18 @@ Reference<css::drawing::XShape> makeMarkShape(const Reference<css::frame::XModel
       Reference<css::lang::XMultiServiceFactory>(document, UNO_QUERY_THROW)
           ->createInstance(rtl::OUString::createFromAscii(shapeService)),
       UNO_QUERY_THROW);
-  Properties properties = drawing(mark, outlines);
-  properties["FillTransparence"] <<= transparency;
-  properties["LayerID"] <<= internalLayer;
-  properties["LineStyle"] <<= css::drawing::LineStyle_NONE;
-  properties["Printable"] <<= false;
+  const std::optional<Color>& fill = mark.mark.fill;
+  const bool drawn = fill && outlines.hasElements();
+  Properties properties{
+      {"FillStyle", Any(drawn ? css::drawing::FillStyle_SOLID : css::drawing::FillStyle_NONE)},
+      {"FillTransparence", Any(transparency)},
+      {"LayerID", Any(internalLayer)},
+      {"LineStyle", Any(css::drawing::LineStyle_NONE)},
+      {"Name", Any(toUno(markName(mark)))},
+      {"Printable", Any(false)},
+  };
+  if (fill) properties["FillColor"] <<= colorNumber(*fill);
+  if (outlines.hasElements()) properties["PolyPolygon"] <<= outlines;
   set(shape, properties);
   // A shape gets its own place and size only on a page; what it was given before is what counts.
   if (!outlines.hasElements()) return shape;
@@ -172,14 +166,9 @@ Reference<css::drawing::XShape> makeMarkShape(const Reference<css::frame::XModel
   return shape;
 }
 
-bool isRedrawable(const Reference<css::drawing::XShape>& shape) {
+bool isMarkShape(const Reference<css::drawing::XShape>& shape) {
   return Reference<css::lang::XServiceInfo>(shape, UNO_QUERY_THROW)
       ->supportsService(rtl::OUString::createFromAscii(shapeService));
-}
-
-void redrawMarkShape(const Reference<css::drawing::XShape>& shape, const NumberedMark& mark,
-                     const PointSequenceSequence& outlines) {
-  set(shape, drawing(mark, outlines));
 }
 
 }  // namespace quorin::host::calc

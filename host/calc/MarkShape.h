@@ -2,7 +2,7 @@
 // cells, out of reach of the mouse, not printed. Call thread.
 //
 // A shape that is made changes nothing in the workbook. Putting it on the page, taking it off and
-// drawing it anew are one change each, to be made under a guard of its own.
+// putting another in its place are QuietChanges.
 #pragma once
 
 #include <com/sun/star/drawing/PointSequenceSequence.hpp>
@@ -37,10 +37,7 @@ css::uno::Reference<css::drawing::XShape> makeMarkShape(
     const css::uno::Reference<css::frame::XModel>& document, const NumberedMark& mark,
     const css::drawing::PointSequenceSequence& outlines);
 
-// Whether redrawMarkShape() can draw it; one that came out of a file is to be replaced.
-bool isRedrawable(const css::uno::Reference<css::drawing::XShape>& shape);
-
-void redrawMarkShape(const css::uno::Reference<css::drawing::XShape>& shape,
-                     const NumberedMark& mark, const css::drawing::PointSequenceSequence& outlines);
+// Whether it is of the kind that is made here; one that came out of a file may not be.
+bool isMarkShape(const css::uno::Reference<css::drawing::XShape>& shape);
 
 }  // namespace quorin::host::calc

@@ -6,7 +6,6 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcRanges.h"
-#include "host/calc/ChangeGuard.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -26,8 +25,10 @@ int firstNumber() {
 
 }  // namespace
 
-SheetConditions::SheetConditions(const Workbook& workbook, const std::string& sheet)
-    : workbook_(workbook),
+SheetConditions::SheetConditions(QuietChanges& changes, const Workbook& workbook,
+                                 const std::string& sheet)
+    : changes_(changes),
+      workbook_(workbook),
       name_(sheet),
       sheet_(sheetOf(workbook, sheet)),
       page_(drawPageOf(sheet_)),
@@ -112,7 +113,7 @@ void SheetConditions::draw(std::vector<PlacedMark> wanted) {
   const auto drawnBefore = drawnOf(marks_), drawn = drawnOf(wanted);
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     if (wanted[i].mark.areas.empty()) {
-      remove(wanted[i].shape);
+      changes_.remove(workbook_, page_, wanted[i].shape);
     } else if (!wanted[i].shape.is()) {
       put(wanted[i], drawn[i]);
     } else if (wanted[i].mark != marks_[i].mark || drawn[i] != drawnBefore[i]) {
@@ -126,24 +127,13 @@ void SheetConditions::draw(std::vector<PlacedMark> wanted) {
 
 void SheetConditions::put(PlacedMark& mark, const std::vector<Area>& drawn) {
   mark.shape = makeMarkShape(workbook_.model, mark, outlinesOf(sheet_, drawn));
-  const ChangeGuard guard(workbook_);
-  page_->add(mark.shape);
+  changes_.add(workbook_, page_, mark.shape);
 }
 
 void SheetConditions::redraw(PlacedMark& mark, const std::vector<Area>& drawn) {
-  if (!isRedrawable(mark.shape)) {
-    const auto old = mark.shape;
-    put(mark, drawn);
-    return remove(old);
-  }
-  const auto outlines = outlinesOf(sheet_, drawn);
-  const ChangeGuard guard(workbook_);
-  redrawMarkShape(mark.shape, mark, outlines);
-}
-
-void SheetConditions::remove(const css::uno::Reference<css::drawing::XShape>& shape) {
-  const ChangeGuard guard(workbook_);
-  page_->remove(shape);
+  auto fresh = makeMarkShape(workbook_.model, mark, outlinesOf(sheet_, drawn));
+  changes_.replace(workbook_, page_, mark.shape, fresh);
+  mark.shape = std::move(fresh);
 }
 
 }  // namespace quorin::host::calc

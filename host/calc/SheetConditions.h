@@ -9,14 +9,15 @@
 #pragma once
 
 #include "host/calc/MarkShape.h"
+#include "host/calc/QuietChanges.h"
 #include "host/calc/UserRules.h"
 
 namespace quorin::host::calc {
 
 class SheetConditions {
  public:
-  // -1728 when the workbook has no such sheet.
-  SheetConditions(const Workbook& workbook, const std::string& sheet);
+  // -1728 when the workbook has no such sheet. `changes` outlives it.
+  SheetConditions(QuietChanges& changes, const Workbook& workbook, const std::string& sheet);
 
   const Workbook& workbook() const { return workbook_; }
   const std::string& sheet() const { return name_; }
@@ -39,8 +40,8 @@ class SheetConditions {
   void draw(std::vector<PlacedMark> wanted);
   void put(PlacedMark& mark, const std::vector<Area>& drawn);
   void redraw(PlacedMark& mark, const std::vector<Area>& drawn);
-  void remove(const css::uno::Reference<css::drawing::XShape>& shape);
 
+  QuietChanges& changes_;
   const Workbook workbook_;
   const std::string name_;
   const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;

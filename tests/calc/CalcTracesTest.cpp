@@ -1,5 +1,7 @@
 // What an evaluation leaves in the user's office: nothing, whatever becomes of us meanwhile.
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -33,13 +35,18 @@ const std::vector<std::string> expressions{"B2*2+A7", "SUM(Prices)*1", "INDIRECT
 
 class CalcTraces : public testing::Test {
  protected:
-  CalcTraces() : office(std::make_shared<PrivateOffice>()), calc(office), hands(office->open()) {
-    fakes::writeXlsx(fakes::knownWorkbook(), folder / "Known.xlsx");
-    calc.openWorkbook((folder / "Known.xlsx").string());
+  CalcTraces() : office(std::make_shared<PrivateOffice>()), calc(office), hands(opened().open()) {
     hands.enter("Known.xlsx", "Data", "H1", "first");
     hands.enter("Known.xlsx", "Data", "H2", "second");
     hands.undo("Known.xlsx");
     hands.setModified("Known.xlsx", false);
+  }
+  // What two connections of a process share belongs to the first of them, so ours has to be that
+  // one.
+  PrivateOffice& opened() {
+    fakes::writeXlsx(fakes::knownWorkbook(), folder / "Known.xlsx");
+    calc.openWorkbook((folder / "Known.xlsx").string());
+    return *office;
   }
   void evaluateAll() {
     for (const std::string& expression : expressions) {
@@ -147,6 +154,40 @@ TEST_F(CalcTraces, HidesAndShowsLinesWithoutATrace) {
     hideAndShow();
     EXPECT_EQ(hands.stateOf("Known.xlsx"), before);
   }
+}
+
+// The user's hands are on the same workbook at the same time: no edit of theirs may get lost from
+// the undo list, nor from the flag by which the office asks to save.
+TEST_F(CalcTraces, TakesNoEditOfTheUsersForItsOwn) {
+  const RangeRef cells{{"Known.xlsx", "Data"}, parseA1("B8:C9").value()};
+  std::atomic<bool> over = false;
+  auto ours = std::async(std::launch::async, [&] {
+    int rounds = 0;
+    for (; !over; ++rounds) {
+      const std::string id = calc.addFormatCondition(cells, "=\"QXZ\"=\"QXZ\"");
+      calc.setConditionFill(cells.sheet, id, Color{255, 0, 0});
+      calc.setHidden(cells, Lines::rows, rounds % 2 == 0);
+      calc.deleteCondition(cells, id);
+    }
+    return rounds;
+  });
+  const auto steps = [&] {
+    const std::string state = hands.stateOf("Known.xlsx");
+    return std::count(state.begin(), state.begin() + static_cast<long>(state.find("redo:")), '[');
+  };
+  const auto before = steps();
+  constexpr int edits = 60;
+  int unasked = 0;
+  for (int i = 1; i <= edits; ++i) {
+    hands.setModified("Known.xlsx", false);
+    hands.enter("Known.xlsx", "Data", "H1", std::to_string(i));
+    std::this_thread::sleep_for(3ms);  // somewhere in one of our rounds
+    if (hands.stateOf("Known.xlsx").find("modified: 1") == std::string::npos) ++unasked;
+  }
+  over = true;
+  EXPECT_GT(ours.get(), 3);
+  EXPECT_EQ(unasked, 0);
+  EXPECT_EQ(steps(), before + edits);
 }
 
 TEST_F(CalcTraces, OpensAnUndoListThatWasLeftLocked) {

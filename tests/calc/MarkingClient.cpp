@@ -12,11 +12,11 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcRanges.h"
-#include "host/calc/ChangeGuard.h"
 #include "host/calc/MarkShape.h"
 #include "host/calc/MarksKeeper.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/OfficeFiles.h"
+#include "host/calc/QuietChanges.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -41,8 +41,8 @@ Workbook workbookNamed(const OfficeConnection& office, const std::string& book) 
   throw std::runtime_error("no workbook " + book);
 }
 
-void mark(MarksKeeper& keeper, const Workbook& workbook, int number, const std::string& sheet,
-          const std::string& cells) {
+void mark(MarksKeeper& keeper, QuietChanges& changes, const Workbook& workbook, int number,
+          const std::string& sheet, const std::string& cells) {
   rtl::OUString uid;
   Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
       ->getPropertyValue("RuntimeUID") >>= uid;
@@ -52,19 +52,19 @@ void mark(MarksKeeper& keeper, const Workbook& workbook, int number, const std::
   const std::vector<Area> areas = parseA1(cells).value();
   shape = makeMarkShape(workbook.model, {number, {"=1=1", Color{255, 0, 255}, areas}},
                         outlinesOf(place, areas));
-  const ChangeGuard guard(workbook);
-  drawPageOf(place)->add(shape);
+  changes.add(workbook, drawPageOf(place), shape);
 }
 
 void serve(const OfficeAddress& address, const std::string& book) {
   const OfficeConnection office(address, std::chrono::seconds(60));
   const Workbook workbook = workbookNamed(office, book);
+  QuietChanges changes(office.context());
   MarksKeeper keeper(address);
   int number = 0;
   std::cout << "ready" << std::endl;
   for (std::string sheet, cells; std::cin >> sheet >> cells;) {
     try {
-      mark(keeper, workbook, ++number, sheet, cells);
+      mark(keeper, changes, workbook, ++number, sheet, cells);
       std::cout << keeper.process() << std::endl;
     } catch (const std::exception& failure) {
       std::cout << failure.what() << std::endl;

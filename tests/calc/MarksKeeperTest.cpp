@@ -273,6 +273,15 @@ TEST_F(Marked, AreNotOnTheCopyOfASheet) {
   EXPECT_TRUE(comesTo({"Data!$B$3,$C$6:$D$7"}));
 }
 
+TEST_F(Marked, AreAllKnownInAWorkbookWithChanges) {
+  sheets->enter("Data", "H9", "changed");
+  mark("Data", "B2,C5:D6");
+  sheets->enter("Data", "H9", "again");
+  mark("Data", "A7");
+  sheets->insertRows("Data", 1, 1);
+  EXPECT_TRUE(comesTo({"Data!$B$3,$C$6:$D$7", "Data!$A$8"}));
+}
+
 TEST_F(Marked, FollowWithoutATrace) {
   mark("Data", "B2,C5:D6");
   sheets->insertRows("Data", 3, 1);

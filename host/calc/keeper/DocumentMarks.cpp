@@ -3,8 +3,6 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XIndexAccess.hpp>
 
-#include "host/calc/ChangeGuard.h"
-
 namespace quorin::host::calc {
 
 using css::uno::Reference;
@@ -33,40 +31,36 @@ std::vector<MarkedSheet> findMarks(const Workbook& workbook) {
   return found;
 }
 
-void removeMark(const Workbook& workbook, const MarkedSheet& sheet, const PlacedMark& mark) {
-  const ChangeGuard guard(workbook);
-  sheet.page->remove(mark.shape);
-}
-
 namespace {
 
 constexpr int mostTries = 10;
 
 // One that cannot be read goes all the same.
-void takeMark(const Workbook& workbook, const MarkedSheet& sheet, const PlacedMark& mark,
-              std::vector<TakenMark>& taken) {
+void takeMark(QuietChanges& changes, const Workbook& workbook, const MarkedSheet& sheet,
+              const PlacedMark& mark, std::vector<TakenMark>& taken) {
   TakenMark copy{sheet.page, mark, {}};
-  bool complete = !isRedrawable(mark.shape);
+  bool complete = !isMarkShape(mark.shape);
   try {
     complete = complete || (Reference<css::beans::XPropertySet>(mark.shape, UNO_QUERY_THROW)
                                 ->getPropertyValue("PolyPolygon") >>= copy.outlines);
   } catch (const css::beans::UnknownPropertyException&) {
     complete = false;
   }
-  removeMark(workbook, sheet, mark);
+  changes.remove(workbook, sheet.page, mark.shape);
   if (complete) taken.push_back(std::move(copy));
 }
 
 }  // namespace
 
-void takeMarks(const Workbook& workbook, std::vector<TakenMark>& taken) noexcept {
+void takeMarks(QuietChanges& changes, const Workbook& workbook,
+               std::vector<TakenMark>& taken) noexcept {
   try {
     bool found = true;
     for (int tries = 0; found && tries < mostTries; ++tries) {
       found = false;
       for (const MarkedSheet& sheet : findMarks(workbook)) {
         found = true;
-        for (const PlacedMark& mark : sheet.marks) takeMark(workbook, sheet, mark, taken);
+        for (const PlacedMark& mark : sheet.marks) takeMark(changes, workbook, sheet, mark, taken);
       }
     }
   } catch (const css::uno::Exception&) {
@@ -74,19 +68,19 @@ void takeMarks(const Workbook& workbook, std::vector<TakenMark>& taken) noexcept
   }
 }
 
-Reference<css::drawing::XShape> putBack(const Workbook& workbook, const TakenMark& mark) {
+Reference<css::drawing::XShape> putBack(QuietChanges& changes, const Workbook& workbook,
+                                        const TakenMark& mark) {
   auto shape = makeMarkShape(workbook.model, mark.mark, mark.outlines);
-  const ChangeGuard guard(workbook);
-  mark.page->add(shape);
+  changes.add(workbook, mark.page, shape);
   return shape;
 }
 
-void removeMarks(const Workbook& workbook) {
+void removeMarks(QuietChanges& changes, const Workbook& workbook) {
   for (int tries = 0; tries < mostTries; ++tries) {
     const std::vector<MarkedSheet> sheets = findMarks(workbook);
     if (sheets.empty()) return;
     for (const MarkedSheet& sheet : sheets) {
-      for (const PlacedMark& mark : sheet.marks) removeMark(workbook, sheet, mark);
+      for (const PlacedMark& mark : sheet.marks) changes.remove(workbook, sheet.page, mark.shape);
     }
   }
 }

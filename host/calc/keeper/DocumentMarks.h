@@ -1,5 +1,5 @@
 // The marks of one document, as shapes on its sheets: finding them, taking them out and putting
-// them back. Every change is guarded. On any thread that may call the office.
+// them back, without a trace. On any thread that may call the office.
 //
 // The office makes the object that stands for a shape when it is asked for, and unmakes it when
 // nobody holds it any more. One that is made while the last one is being unmade has lost its shape:
@@ -13,10 +13,11 @@
 
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/MarkShape.h"
+#include "host/calc/QuietChanges.h"
 
 namespace quorin::host::calc {
 
-// A document as the guard wants it; none when it is no workbook.
+// A document as changes want it; none when it is no workbook.
 std::optional<Workbook> asWorkbook(const css::uno::Reference<css::uno::XInterface>& document);
 
 // One sheet with at least one mark on it.
@@ -28,8 +29,6 @@ struct MarkedSheet {
 };
 std::vector<MarkedSheet> findMarks(const Workbook& workbook);
 
-void removeMark(const Workbook& workbook, const MarkedSheet& sheet, const PlacedMark& mark);
-
 // What it takes to make a mark again as it was.
 struct TakenMark {
   css::uno::Reference<css::drawing::XDrawPage> page;
@@ -39,10 +38,12 @@ struct TakenMark {
 
 // Throws nothing: what fails on the way is left out, for a mark that cannot be put back must still
 // be gone.
-void takeMarks(const Workbook& workbook, std::vector<TakenMark>& taken) noexcept;
-css::uno::Reference<css::drawing::XShape> putBack(const Workbook& workbook, const TakenMark& mark);
+void takeMarks(QuietChanges& changes, const Workbook& workbook,
+               std::vector<TakenMark>& taken) noexcept;
+css::uno::Reference<css::drawing::XShape> putBack(QuietChanges& changes, const Workbook& workbook,
+                                                  const TakenMark& mark);
 
 // Takes them out for good.
-void removeMarks(const Workbook& workbook);
+void removeMarks(QuietChanges& changes, const Workbook& workbook);
 
 }  // namespace quorin::host::calc

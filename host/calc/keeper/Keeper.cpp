@@ -77,7 +77,9 @@ Keeper::Keeper(const OfficeAddress& office, int owner)
       office_(static_cast<int>(::syscall(SYS_pidfd_open, office.process, 0))),
       connection_(office, firstAnswer),
       events_(css::frame::theGlobalEventBroadcaster::get(connection_.context()), UNO_QUERY_THROW),
-      hook_(new SaveHook([this] { wake_(); })) {
+      changes_(connection_.context()),
+      hook_(new SaveHook(changes_, [this] { wake_(); })) {
+  changes_.prepare();  // not in a save
   events_->addDocumentEventListener(hook_.get());
 }
 
@@ -185,7 +187,7 @@ void Keeper::watch(const std::string& uid) {
   try {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       if (uidOf(workbook) != uid) continue;
-      followers_.emplace_back(uid, workbook, *hook_, [this] { wake_(); }).tieNew();
+      followers_.emplace_back(uid, workbook, changes_, *hook_, [this] { wake_(); }).tieNew();
     }
   } catch (const css::uno::Exception&) {
     // The owner will notice by itself that the workbook or the office is gone.
@@ -200,7 +202,7 @@ void Keeper::removeAll() {
     wake_.clear();
     for (const Workbook& workbook : openWorkbooks(events_)) {
       try {
-        removeMarks(workbook);
+        removeMarks(changes_, workbook);
       } catch (const css::uno::Exception&) {
         if (!connection_.isAlive()) return;
       }

@@ -57,6 +57,7 @@ class Keeper {
   const Wake wake_;
   OfficeConnection connection_;
   css::uno::Reference<css::document::XDocumentEventBroadcaster> events_;
+  QuietChanges changes_;
   const rtl::Reference<SaveHook> hook_;
   std::list<MarkFollower> followers_;
   std::string received_;

@@ -8,7 +8,6 @@
 #include <com/sun/star/util/XModifyBroadcaster.hpp>
 
 #include "host/calc/CalcRanges.h"
-#include "host/calc/ChangeGuard.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -49,9 +48,13 @@ class MarkFollower::News : public cppu::WeakImplHelper1<css::util::XModifyListen
   const std::function<void()> changed_;
 };
 
-MarkFollower::MarkFollower(std::string uid, Workbook workbook, const SaveHook& hook,
-                           const std::function<void()>& changed)
-    : uid_(std::move(uid)), workbook_(std::move(workbook)), hook_(hook), news_(new News(changed)) {
+MarkFollower::MarkFollower(std::string uid, Workbook workbook, QuietChanges& changes,
+                           const SaveHook& hook, const std::function<void()>& changed)
+    : uid_(std::move(uid)),
+      workbook_(std::move(workbook)),
+      changes_(changes),
+      hook_(hook),
+      news_(new News(changed)) {
   Reference<css::util::XModifyBroadcaster>(workbook_.model, UNO_QUERY_THROW)
       ->addModifyListener(news_.get());
 }
@@ -137,7 +140,7 @@ void MarkFollower::lookAt(const MarkedSheet& sheet) {
   for (const PlacedMark& mark : sheet.marks) {
     Followed* const followed = find(sheet, mark);
     if (followed == nullptr || followed->now.empty()) {
-      removeMark(workbook_, sheet, mark);
+      changes_.remove(workbook_, sheet.page, mark.shape);
       continue;
     }
     followed->seen = true;
@@ -187,14 +190,15 @@ MarkFollower::Followed MarkFollower::tied(const MarkedSheet& sheet, const Placed
 
 void MarkFollower::draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
                         const std::vector<Area>& areas) {
-  if (!isRedrawable(mark.shape)) return;
+  if (!isMarkShape(mark.shape)) return;
   auto outlines = outlinesOf(sheet.sheet, areas);
   if (!followed.drawn) followed.drawn = outlinesShown(mark);
   if (followed.mark == mark.mark && *followed.drawn == outlines) return;
-  followed.drawn = std::move(outlines);
   news_->isNew = true;  // whether that was done the next look sees
-  const ChangeGuard guard(workbook_);
-  redrawMarkShape(mark.shape, {followed.number, followed.mark}, *followed.drawn);
+  auto fresh = makeMarkShape(workbook_.model, {followed.number, followed.mark}, outlines);
+  changes_.replace(workbook_, sheet.page, mark.shape, fresh);
+  followed.shape = std::move(fresh);
+  followed.drawn = std::move(outlines);
 }
 
 }  // namespace quorin::host::calc

@@ -19,7 +19,7 @@ namespace quorin::host::calc {
 class MarkFollower {
  public:
   // `changed` is told on any thread that there is something to look at.
-  MarkFollower(std::string uid, Workbook workbook, const SaveHook& hook,
+  MarkFollower(std::string uid, Workbook workbook, QuietChanges& changes, const SaveHook& hook,
                const std::function<void()>& changed);
   ~MarkFollower();
   MarkFollower(const MarkFollower&) = delete;
@@ -60,6 +60,7 @@ class MarkFollower {
 
   const std::string uid_;
   const Workbook workbook_;
+  QuietChanges& changes_;
   const SaveHook& hook_;
   const rtl::Reference<News> news_;
   std::list<Followed> followed_;

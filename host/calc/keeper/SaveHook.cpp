@@ -54,7 +54,7 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
     ++turn_;
   }
   std::vector<TakenMark> marks;
-  takeMarks(*workbook, marks);
+  takeMarks(changes_, *workbook, marks);
   const std::lock_guard lock(mutex_);
   --taking_;
   if (!marks.empty()) savings_.push_back({*workbook, std::move(marks)});
@@ -73,7 +73,7 @@ void SaveHook::putBackInto(const Reference<css::uno::XInterface>& document) {
   std::erase_if(made_, [&](const Made& made) { return made.document == model; });
   for (const Saving& saving : over) {
     for (const TakenMark& mark : saving.marks) {
-      if (!letGo_) made_.push_back({model, putBack(saving.workbook, mark)});
+      if (!letGo_) made_.push_back({model, putBack(changes_, saving.workbook, mark)});
     }
   }
   {

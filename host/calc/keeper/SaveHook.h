@@ -18,7 +18,8 @@ namespace quorin::host::calc {
 class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListener> {
  public:
   // `over` is told on any thread when marks that were taken out are back.
-  explicit SaveHook(std::function<void()> over) : over_(std::move(over)) {}
+  SaveHook(QuietChanges& changes, std::function<void()> over)
+      : changes_(changes), over_(std::move(over)) {}
 
   // From now on nothing is put back. Waits for a callback that is doing so, hence never to be
   // called in one.
@@ -43,6 +44,7 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
   void takeOut(const css::uno::Reference<css::uno::XInterface>& document);
   void putBackInto(const css::uno::Reference<css::uno::XInterface>& document);
 
+  QuietChanges& changes_;
   const std::function<void()> over_;
   std::mutex puttingBack_;    // held while marks are put back
   bool letGo_ = false;        // under it, like the next

@@ -1,0 +1,60 @@
+// QuietChanges: changes to a user's workbook that leave no trace in its undo list and its modified
+// flag. Each is one step inside the office, in which nothing else happens: a user's edit comes
+// before it or after it, keeps its place in the undo list and its right to be saved, and a process
+// that dies or stops leaves the step done or not begun.
+//
+// What takes the step is a macro in a hidden workbook of ours. Where the office runs no macros, the
+// change is made from here, and the workbook then counts as changed: an edit that closes without
+// being asked about would be worse. For any thread, once prepare() has returned.
+#pragma once
+
+#include <com/sun/star/drawing/XDrawPage.hpp>
+#include <com/sun/star/drawing/XShape.hpp>
+#include <com/sun/star/script/provider/XScript.hpp>
+#include <com/sun/star/uno/XComponentContext.hpp>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+class HiddenWorkbook;
+
+class QuietChanges {
+ public:
+  using Page = css::uno::Reference<css::drawing::XDrawPage>;
+  using Shape = css::uno::Reference<css::drawing::XShape>;
+
+  explicit QuietChanges(css::uno::Reference<css::uno::XComponentContext> context);
+  ~QuietChanges();
+  QuietChanges(const QuietChanges&) = delete;
+  QuietChanges& operator=(const QuietChanges&) = delete;
+
+  // What the first change would do otherwise, about a tenth of a second.
+  void prepare();
+
+  // All of these throw UNO's exceptions, with nothing changed.
+  void add(const Workbook& workbook, const Page& page, const Shape& shape);
+  void remove(const Workbook& workbook, const Page& page, const Shape& shape);
+  // Fails where the old one is no longer there.
+  void replace(const Workbook& workbook, const Page& page, const Shape& old, const Shape& fresh);
+  void set(const Workbook& workbook, const css::uno::Reference<css::uno::XInterface>& object,
+           const char* property, bool value);
+
+  // Opens an undo list that a process which died in the middle of a change left locked.
+  static void heal(const Workbook& workbook);
+
+ private:
+  void change(const Workbook& workbook, const char* what,
+              const css::uno::Reference<css::uno::XInterface>& target, const css::uno::Any& first,
+              const css::uno::Any& second, const std::function<void()>& otherwise);
+
+  const css::uno::Reference<css::uno::XComponentContext> context_;
+  std::once_flag prepared_;
+  std::unique_ptr<HiddenWorkbook> home_;                       // of the macro
+  css::uno::Reference<css::script::provider::XScript> macro_;  // none: the office runs no macros
+};
+
+}  // namespace quorin::host::calc
