@@ -36,7 +36,11 @@ std::vector<Workbook> openWorkbooks(
   while (all->hasMoreElements()) {
     Reference<css::uno::XInterface> document;
     all->nextElement() >>= document;
-    if (auto workbook = asWorkbook(document)) open.push_back(std::move(*workbook));
+    try {
+      if (auto workbook = asWorkbook(document)) open.push_back(std::move(*workbook));
+    } catch (const css::uno::Exception&) {
+      // It is being closed, as the hidden ones of an owner that died are.
+    }
   }
   return open;
 }
@@ -194,22 +198,37 @@ void Keeper::watch(const std::string& uid) {
   }
 }
 
-// The owner may have died with a call on its way: what that makes is waited for.
+// The owner may have died with a call on its way: what that makes is waited for. What fails while
+// workbooks of the dead owner's are being closed is done again.
 void Keeper::removeAll() {
   hook_->letGo();
   const auto deadline = Clock::now() + (ownersTurn_ ? lastCallsOfTheDead : 0s);
+  const auto giveUp = Clock::now() + longestSave;
   for (;;) {
     wake_.clear();
+    const bool failed = !removeOnce();
+    if (failed && (!connection_.isAlive() || Clock::now() > giveUp)) return;
+    pollfd news{wake_.descriptor(), POLLIN, 0};
+    const auto until = failed ? Clock::now() + leastPause : deadline;
+    if (::poll(&news, 1, millisecondsUntil(until)) == 0 && !failed) return;
+  }
+}
+
+// False when it may be worth another try.
+bool Keeper::removeOnce() {
+  bool done = true;
+  try {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       try {
         removeMarks(changes_, workbook);
       } catch (const css::uno::Exception&) {
-        if (!connection_.isAlive()) return;
+        done = false;  // it may have been closed: then the next try does not find it
       }
     }
-    pollfd news{wake_.descriptor(), POLLIN, 0};
-    if (::poll(&news, 1, millisecondsUntil(deadline)) == 0) return;
+  } catch (const css::uno::Exception&) {
+    return false;
   }
+  return done;
 }
 
 }  // namespace quorin::host::calc

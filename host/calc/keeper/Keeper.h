@@ -52,6 +52,7 @@ class Keeper {
   void lookAround();
   int patience() const;
   void removeAll();
+  bool removeOnce();
 
   const int owner_, office_;
   const Wake wake_;
