@@ -34,8 +34,8 @@ struct ExpressionContext {
       meaning = {};
   // The cells of a part of a table, as Excel text, or the error that it gives.
   std::function<std::string(const std::string& table, const TableItems& items)> tablePart = {};
-  // The cells that INDIRECT finds by its argument, as Excel text; nothing where only a calculation
-  // among all cells can tell.
+  // The cells that INDIRECT finds by its argument, as Excel text, empty where it finds none;
+  // nothing where only a calculation among all cells can tell.
   std::function<std::optional<std::string>(const std::string& argument)> referent = {};
 };
 

@@ -334,7 +334,11 @@ bool ExpressionWriter::indirect() {
   const auto cells = context_.referent(std::string(text_.substr(at_ + 1, *end - at_ - 1)));
   if (!cells) return false;
   at_ = *end + 1;
-  expansion(*cells);
+  if (cells->empty()) {
+    out_ += "INDIRECT(\"\")";  // not #REF!, of which some functions make another error
+  } else {
+    expansion(*cells);
+  }
   return true;
 }
 

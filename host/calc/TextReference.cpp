@@ -39,6 +39,26 @@ std::optional<RangeRef> asTablePart(const Workbook& workbook, const std::string&
   return tableArea(workbook, table, *items, std::nullopt);
 }
 
+bool isWord(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), isWordCharacter);
+}
+
+// Whether the text has the form of a reference, but there is no such table, sheet or name.
+bool namesNothing(CalcWorkbooks& workbooks, const std::string& text, const SheetRef& from) {
+  const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
+  if (const auto bracket = text.find('['); bracket != std::string::npos) {
+    const std::string table = text.substr(0, bracket);
+    return isWord(table) && !tableArea(*workbook, table, {.all = true}, std::nullopt);
+  }
+  const auto split = splitSheetPrefix(text);
+  if (!split || split->book) return false;
+  const auto sheet = findSheet(workbooks, from.book, split->sheet.value_or(from.sheet));
+  const bool isCells = parseA1(split->rest).has_value();
+  if (!sheet) return isCells || isWord(split->rest);
+  return !isCells && isWord(split->rest) &&
+         !nameContent(*workbook, sheet->sheet, std::string(split->rest));
+}
+
 }  // namespace
 
 std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view text,
@@ -54,10 +74,9 @@ std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view t
     text = text.substr(1, text.size() - 2);
   }
   const auto split = splitSheetPrefix(text);
-  if (!split || split->rest.empty()) return std::nullopt;
+  if (!split) return std::nullopt;
   const auto areas = parseA1(split->rest);
-  const bool word = std::all_of(split->rest.begin(), split->rest.end(), isWordCharacter);
-  if (!areas && !word) return std::nullopt;
+  if (!areas && !isWord(split->rest)) return std::nullopt;
   const auto sheet =
       findSheet(workbooks, split->book.value_or(from.book), split->sheet.value_or(from.sheet));
   if (!sheet) return std::nullopt;
@@ -68,13 +87,12 @@ std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view t
 std::optional<std::string> namedByText(CalcWorkbooks& workbooks, const std::string& text,
                                        const SheetRef& from) {
   const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
-  if (text.empty() || text.find_first_of(" =(") == 0 || !readsAsExcel(*workbook)) {
-    return std::nullopt;
-  }
+  if (text.empty()) return "";
+  if (text.find_first_of(" =(") == 0 || !readsAsExcel(*workbook)) return std::nullopt;
   auto range = asReference(workbooks, text, from);
   if (!range) range = asTablePart(*workbook, text);
-  if (!range || range->areas.size() != 1) return std::nullopt;
-  return excelText(*range, from.book);
+  if (range && range->areas.size() == 1) return excelText(*range, from.book);
+  return namesNothing(workbooks, text, from) ? std::optional<std::string>("") : std::nullopt;
 }
 
 }  // namespace quorin::host::calc

@@ -14,7 +14,8 @@ std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view t
                                     const SheetRef& from);
 
 // The cells that INDIRECT finds by the text, as Excel text for the formula: a range, or what a name
-// or a part of a table stands for. Nothing where that is not certain: then Calc has to tell.
+// or a part of a table stands for. Empty where there is nothing of that name. Nothing at all where
+// either is not certain: then Calc has to tell.
 std::optional<std::string> namedByText(CalcWorkbooks& workbooks, const std::string& text,
                                        const SheetRef& from);
 

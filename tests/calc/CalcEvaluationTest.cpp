@@ -127,10 +127,12 @@ TEST_F(CalcEvaluation, FindsCellsThatTextNames) {
               Evaluation(CellValue(140.0)));
     EXPECT_EQ(valueOf("INDIRECT(\"Data!this.Year\"" + second + ")+1"),
               Evaluation(CellValue(2008.0)));
-    EXPECT_EQ(valueOf("INDIRECT(\"Unit.Wales\"" + second + ")*2"),
-              Evaluation(CellValue(CellError{"#REF!"})));
-    EXPECT_EQ(valueOf("INDIRECT(\"Nowhere!A1\"" + second + ")*2"),
-              Evaluation(CellValue(CellError{"#REF!"})));
+    for (const std::string nothing :
+         {"Unit.Wales", "Nowhere!A1", "Data!rate", "Sales[Net]", "", "A1 is", "1/2"}) {
+      EXPECT_EQ(valueOf("MATCH(7,INDIRECT(\"" + nothing + "\"" + second + "),0)"),
+                Evaluation(CellValue(CellError{"#REF!"})))
+          << nothing;
+    }
     EXPECT_EQ(valueOf("INDIRECT(\"Data!\"&INDIRECT(\"B\"&1)" + second + ")*2"),
               Evaluation(CellValue(40.0)));
     EXPECT_EQ(valueOf("SUM(INDIRECT(\"Data!A1:A2\"" + second + "))"),

@@ -153,7 +153,8 @@ TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
   std::vector<std::string> asked;
   from.referent = [&](const std::string& argument) -> std::optional<std::string> {
     asked.push_back(argument);
-    return argument == "unknown" ? std::nullopt : std::optional("Jan!$B$2:$B$4");
+    if (argument == "unknown") return std::nullopt;
+    return argument == "nowhere" ? "" : "Jan!$B$2:$B$4";
   };
   const auto known = calcExpression("SUM(indirect(\"A)\"&(B1+LEN(\",\")))*2)", from);
   ASSERT_TRUE(known);
@@ -161,6 +162,10 @@ TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
   EXPECT_FALSE(known->reach.anywhere);
   ASSERT_EQ(known->reach.cells.size(), 1U);
   EXPECT_EQ(asked, std::vector<std::string>{"\"A)\"&(B1+LEN(\",\"))"});
+  const auto none = calcExpression("MATCH(1,INDIRECT(nowhere),0)", from);
+  ASSERT_TRUE(none);
+  EXPECT_EQ(none->text, "MATCH(1;INDIRECT(\"\");0)");
+  EXPECT_FALSE(none->reach.anywhere);
 
   for (const char* open : {"INDIRECT(unknown)", "INDIRECT(\"R1C1\",FALSE)"}) {
     const auto result = calcExpression(open, from);
@@ -168,7 +173,7 @@ TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
     EXPECT_TRUE(result->reach.anywhere) << open;
   }
   EXPECT_FALSE(calcExpression("INDIRECT(\"A1\"", from));
-  EXPECT_EQ(asked.size(), 2U);
+  EXPECT_EQ(asked.size(), 3U);
 }
 
 TEST(CalcExpression, GivesExcelsErrorNumbersForCalcsOwnErrors) {
