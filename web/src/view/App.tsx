@@ -99,7 +99,7 @@ export function App(props: AppProps): JSX.Element {
             <>
               <Show when={view() === 'tree'}>
                 <ResultLine page={props.page} stop={stop()} />
-                <Show when={tree()} keyed fallback={<CellView stop={stop()} content={content()} />}>
+                <Show when={tree()} fallback={<CellView stop={stop()} content={content()} />}>
                   <FormulaPane
                     page={props.page}
                     stop={stop()}

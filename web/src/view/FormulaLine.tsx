@@ -1,4 +1,4 @@
-import { createEffect, createMemo, For, on, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, Index, on, Show, type JSX } from 'solid-js';
 
 import { visibleText } from '../core/format/visible';
 import { highlight } from '../core/formula/highlight';
@@ -74,22 +74,23 @@ export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
         ref={(element) => (code = element)}
         onClick={choose}
       >
-        <For each={pieces()}>
+        <Index each={pieces()}>
           {(piece) => (
             <span
-              class={`is-${piece.class}`}
-              classList={{
-                unbroken: piece.class !== 'plain' && piece.text.length <= unbrokenLength,
-              }}
-              data-start={piece.start}
+              class={
+                piece().class !== 'plain' && piece().text.length <= unbrokenLength
+                  ? `is-${piece().class} unbroken`
+                  : `is-${piece().class}`
+              }
+              data-start={piece().start}
             >
-              {visibleText(piece.text)}
-              <Show when={piece.class === 'plain'}>
+              {visibleText(piece().text)}
+              <Show when={piece().class === 'plain'}>
                 <wbr />
               </Show>
             </span>
           )}
-        </For>
+        </Index>
       </code>
       <button
         type="button"

@@ -24,7 +24,11 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
   const state = () => props.page.look(() => props.list.state);
   const items = () => props.page.look(() => props.list.rows);
   const active = () => props.page.look(() => props.list.activeIndex);
-  const rows = createRows(() => items().length, active);
+  const rows = createRows(
+    () => items().length,
+    active,
+    () => props.list,
+  );
   const shown = createMemo(() =>
     Array.from({ length: Math.max(0, rows.last() - rows.first()) }, (_, i) => rows.first() + i),
   );

@@ -21,7 +21,7 @@ export function TreeView(props: { page: Page; stop: Stop }): JSX.Element {
   const items = () => props.page.look(() => tree()?.rows ?? []);
   const active = () => props.page.look(() => tree()?.active);
   const activeIndex = () => props.page.look(() => tree()?.activeIndex ?? -1);
-  const rows = createRows(() => items().length, activeIndex);
+  const rows = createRows(() => items().length, activeIndex, tree);
   const shown = createMemo(() => items().slice(rows.first(), rows.last()));
   // A row that leaves at one end is used again at the other: the item at `i` is in slot `i` modulo
   // their number, so that rows that stay in sight are not touched.

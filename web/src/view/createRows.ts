@@ -1,7 +1,15 @@
 // Which rows of a long list are drawn: those in sight and a few around them. All rows are of the
 // same height, so that a place in the list is a number times that height.
 
-import { createEffect, createSignal, onCleanup, onMount, type Accessor } from 'solid-js';
+import {
+  createEffect,
+  createMemo,
+  createSignal,
+  on,
+  onCleanup,
+  onMount,
+  type Accessor,
+} from 'solid-js';
 
 export const rowHeight = 24;
 const overscan = 6;
@@ -13,8 +21,15 @@ export type Rows = {
   last: Accessor<number>;
 };
 
-/** `active`: the row that is to be in sight; -1 for none. */
-export function createRows(total: Accessor<number>, active: Accessor<number>): Rows {
+/**
+ * `active`: the row that is brought into sight whenever it becomes another one; -1 for none. `list`:
+ * what the rows are of; another one is seen from its active row, wherever the one before was left.
+ */
+export function createRows(
+  total: Accessor<number>,
+  active: Accessor<number>,
+  list: Accessor<unknown>,
+): Rows {
   const [top, setTop] = createSignal(0);
   const [height, setHeight] = createSignal(400);
   let scroller: HTMLElement | undefined;
@@ -29,15 +44,19 @@ export function createRows(total: Accessor<number>, active: Accessor<number>): R
       observer.disconnect();
     });
   });
-  createEffect(() => {
-    const index = active();
-    if (!scroller || index < 0) return;
-    const above = index * rowHeight;
-    const below = above + rowHeight - height();
-    if (above < scroller.scrollTop) scroller.scrollTop = above;
-    else if (below > scroller.scrollTop) scroller.scrollTop = below;
-    setTop(scroller.scrollTop);
-  });
+  // Told apart by what they give: whatever else changes must not scroll away from where the user is.
+  const wanted = createMemo(active);
+  const shown = createMemo(list);
+  createEffect(
+    on([wanted, shown, height], ([index]) => {
+      if (!scroller || index < 0) return;
+      const above = index * rowHeight;
+      const below = above + rowHeight - height();
+      if (above < scroller.scrollTop) scroller.scrollTop = above;
+      else if (below > scroller.scrollTop) scroller.scrollTop = below;
+      setTop(scroller.scrollTop);
+    }),
+  );
   return {
     attach(element) {
       scroller = element;

@@ -118,6 +118,46 @@ describe('the tree', () => {
   });
 });
 
+describe('a long tree', () => {
+  const cells = Array.from({ length: 150 }, (_, i) => `ABS(A${String(i + 1)})`);
+  const long = {
+    ...ready({ formula: `=SUM(${cells.join(',')})`, value: 7 }),
+    evaluate: value(7),
+  };
+  const top = () => panel.page.getByTestId('tree').evaluate((tree) => tree.scrollTop);
+
+  test('stays where it was scrolled to while values arrive', async () => {
+    const page = await open(long);
+    await page.page.getByTestId('tree').evaluate((tree) => {
+      tree.scrollTop = 2_000;
+    });
+    await page.page.locator('.row', { hasText: 'ABS(A90)' }).waitFor();
+    await page.settled();
+    expect(await page.page.locator('.row', { hasText: 'ABS(A90)' }).innerText()).toContain('7');
+    expect(await top()).toBe(2_000);
+    await press('ArrowDown');
+    expect(await top()).toBe(24);
+  });
+
+  test('is followed by another formula from its beginning, with the keyboard', async () => {
+    const page = await open(long);
+    const tree = await page.page.getByTestId('tree').elementHandle();
+    await tree?.evaluate((one) => {
+      one.scrollTop = 2_000;
+    });
+    await page.lay('readCell', cell({ addr: 'F13', formula: `=MAX(${cells.join(',')})` }));
+    await page.send('selectionChanged', {
+      book: 'Solar park.xlsx',
+      sheet: 'Cash flow',
+      addr: 'F13',
+    });
+    await page.page.locator('.row.active', { hasText: 'MAX(' }).waitFor();
+    expect(await top()).toBe(0);
+    // The same element: rebuilding it for every cell costs memory that the web view keeps for long.
+    expect(await tree?.evaluate((one) => one === document.activeElement)).toBe(true);
+  });
+});
+
 describe('everything is given back', () => {
   test('by Escape, which then hides the panel', async () => {
     const page = await open();
