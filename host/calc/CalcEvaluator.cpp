@@ -68,6 +68,7 @@ Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& 
   };
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
+  if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
   return dryRun->reach.contents ? inCopy(workbooks, expression, context)
                                 : inMirror(workbooks, expression, context);
@@ -117,8 +118,8 @@ Evaluation CalcEvaluator::inCopy(CalcWorkbooks& workbooks, const std::string& ex
   if (filledCells(*original, context.sheets) > mostCellsToCopy) {
     throw SpreadsheetError(
         -50,
-        "What CELL, FORMULATEXT and the like tell cannot be worked out in a workbook of more than "
-        "1000 filled cells");
+        "What GETPIVOTDATA and CELL tell of pivot tables and formats cannot be worked out in a "
+        "workbook of more than 1000 filled cells");
   }
   HiddenWorkbook copy(context_, *original);
   context.elsewhere = [&](const std::string& book,

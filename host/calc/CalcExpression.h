@@ -37,6 +37,10 @@ struct ExpressionContext {
   // The cells that INDIRECT finds by its argument, as Excel text, empty where it finds none;
   // nothing where only a calculation among all cells can tell.
   std::function<std::optional<std::string>(const std::string& argument)> referent = {};
+  // What stands in the cells, formulas as Excel text; nothing where these are too many.
+  std::function<std::optional<Grid<CellValue>>(const RangeRef& cells)> formulas = {};
+  // "/folder/[Book.xlsx]Sheet"; empty when the workbook has no file.
+  std::function<std::string(const SheetRef& sheet)> fileName = {};
 };
 
 // What a formula's result depends on.
@@ -46,7 +50,8 @@ struct Reach {
   bool spans = false;           // and cells between these (A1:INDEX(...))
   bool anywhere = false;        // and cells that a calculation names (INDIRECT)
   bool traits = false;          // and on hidden rows, and on which cells are formulas (SUBTOTAL)
-  bool contents = false;        // and what only the workbook itself tells (CELL, FORMULATEXT)
+  bool contents = false;        // and what only the workbook itself tells (CELL("format",A1))
+  bool untold = false;          // and what nobody can tell (FORMULATEXT of calculated cells)
 };
 
 struct CalcExpression {

@@ -3,11 +3,13 @@
 #include <algorithm>
 
 #include "host/Address.h"
+#include "host/calc/CalcCells.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTables.h"
 #include "host/calc/CalcView.h"
 #include "host/calc/FormulaTranslator.h"
+#include "host/calc/OfficeFiles.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -40,6 +42,20 @@ std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& b
   return std::nullopt;
 }
 
+std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeRef& cells) {
+  constexpr long long most = 1000;
+  if (cellCount(cells.areas) > most) return std::nullopt;
+  Workbook& workbook = *workbooks.named(cells.sheet.book);
+  return readFormulas(workbook, cells, ReferenceStyle::a1, readValues(workbook, cells));
+}
+
+std::string fileNameOf(CalcWorkbooks& workbooks, const SheetRef& sheet) {
+  const std::filesystem::path path = pathOfUrl(workbooks.named(sheet.book)->url);
+  if (path.empty()) return {};
+  const std::string file = "[" + path.filename().string() + "]" + sheet.sheet;
+  return (path.parent_path() / file).string();
+}
+
 ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
                                   std::vector<std::string> sheets) {
   ExpressionContext context{.from = from, .sheets = std::move(sheets)};
@@ -67,6 +83,8 @@ ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from
     if (area) return excelText(*area, from.book);
     return items.thisRow ? "#VALUE!" : "#REF!";
   };
+  context.formulas = [&workbooks](const RangeRef& cells) { return formulasOf(workbooks, cells); };
+  context.fileName = [&workbooks](const SheetRef& sheet) { return fileNameOf(workbooks, sheet); };
   return context;
 }
 

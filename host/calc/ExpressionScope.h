@@ -18,4 +18,10 @@ std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& b
 // The range's first area with its sheet, and with its workbook where that is not `book`.
 std::string excelText(const RangeRef& range, const std::string& book);
 
+// What stands in the cells; nothing where these are too many to be told one by one.
+std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeRef& cells);
+
+// "/folder/[Book.xlsx]Sheet"; empty when the workbook has no file.
+std::string fileNameOf(CalcWorkbooks& workbooks, const SheetRef& sheet);
+
 }  // namespace quorin::host::calc

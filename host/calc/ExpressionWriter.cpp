@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "host/calc/CellErrors.h"
+#include "host/calc/FunctionCalls.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -15,19 +15,6 @@ bool isBlank(char c) {
 }
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-// Functions that ask for more than the values of the cells they are given.
-void addFunction(Reach& reach, std::string_view name) {
-  static constexpr std::array<std::string_view, 10> askForMore{
-      "CELL",  "CURRENT", "FORMULA", "FORMULATEXT", "GETPIVOTDATA", "INFO", "MULTIPLE.OPERATIONS",
-      "SHEET", "SHEETS",  "TABLE"};
-  if (name == "SUBTOTAL" || name == "AGGREGATE" || name == "ISFORMULA") reach.traits = true;
-  if (name == "INDIRECT") reach.anywhere = true;
-  if (name == "OFFSET") reach.shifts = true;
-  if (std::find(askForMore.begin(), askForMore.end(), name) != askForMore.end()) {
-    reach.contents = true;
-  }
 }
 
 // Where the bracket stands that closes a call of one argument, which begins at `from`.
@@ -145,7 +132,7 @@ void ExpressionWriter::copyArray() {
 
 void ExpressionWriter::open(const std::string& function) {
   out_ += text_[at_++];
-  frames_.push_back({function, out_.size()});
+  frames_.push_back({function, out_.size(), reach_.cells.size()});
   operandExpected_ = true;
 }
 
@@ -153,17 +140,29 @@ void ExpressionWriter::close() {
   if (frames_.empty()) throw Malformed();
   const Frame frame = frames_.back();
   if (operandExpected_ && frame.function.empty()) throw Malformed();
-  if (frame.function == "ERROR.TYPE") {
-    const std::string argument = out_.substr(frame.content);
-    out_.erase(frame.content - frame.function.size() - 1);
-    out_ += errorTypeCall(argument);
+  const std::size_t begin = frame.content - frame.function.size() - 1;
+  const FunctionCall call{frame.function, out_.substr(frame.content),
+                          std::span(reach_.cells).subspan(frame.reached), isCells(frame.content)};
+  if (const auto instead = writtenAnew(call, context_, reach_)) {
+    out_.erase(begin);
+    out_ += *instead;
   } else {
     out_ += ')';
   }
   frames_.pop_back();
   ++at_;
+  if (frame.function.empty() ? frame.compares : givesTruth(frame.function)) {
+    if (isJoined(begin)) out_ = out_.substr(0, begin) + namedTruth(out_.substr(begin));
+  }
   operandExpected_ = false;
   reference_ = true;
+}
+
+// Whether what was written from there on is a reference and nothing else.
+bool ExpressionWriter::isCells(std::size_t from) const {
+  constexpr const char* blank = " \n\r\t";
+  return cells_.first == out_.find_first_not_of(blank, from) &&
+         cells_.second == out_.find_last_not_of(blank) + 1;
 }
 
 // Inside a function's brackets it parts arguments, elsewhere a comma unites references.
@@ -193,8 +192,10 @@ void ExpressionWriter::sign(char c) {
   } else if (both.find(c) != std::string_view::npos && !operandExpected_) {
     out_ += c;
     if (at("=") || (c == '<' && at(">"))) out_ += text_[at_++];
+    if (!frames_.empty()) frames_.back().compares = true;
   } else if (infix.find(c) != std::string_view::npos && !operandExpected_) {
     if (c == ':') reach_.spans = true;
+    if (c == '=' && !frames_.empty()) frames_.back().compares = true;
     out_ += c;
   } else {
     throw Malformed();
@@ -267,8 +268,14 @@ void ExpressionWriter::reference(const std::optional<SheetSpan>& span, const Ran
     if (context_.qualify) first = calcSheet(context_.from.sheet) + ".";
     reach_.cells.push_back({context_.from, {areaOf(range)}});
   }
+  const std::size_t begin = out_.size();
   out_ += first + end(range.from);
-  if (range.to || !last.empty()) out_ += ":" + last + end(range.to.value_or(range.from));
+  const bool several = range.to || !last.empty();
+  if (several) out_ += ":" + last + end(range.to.value_or(range.from));
+  if (!several && isJoined(begin)) {
+    out_ = out_.substr(0, begin) + namedIfTruth(out_.substr(begin));
+  }
+  cells_ = {begin, out_.size()};
 }
 
 bool ExpressionWriter::isExponentSign() const {
@@ -297,15 +304,15 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   }
 }
 
-// Whether "&" takes the word just read, as it stands: a truth value joined to text is its name,
-// where Calc would write its number.
-bool ExpressionWriter::isJoined() const {
-  static constexpr std::string_view tighter = "+-*/^%:";
+// Whether "&" takes the operand just read, which begins there, as it stands: a truth value joined
+// to text is its name, where Calc would write its number.
+bool ExpressionWriter::isJoined(std::size_t begin) const {
+  static constexpr std::string_view tighter = "+-*/^%:!~", behind = "&=<>,;)";
   const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
   const char after = next < text_.size() ? text_[next] : '\0';
-  const std::size_t last = out_.find_last_not_of(" \n\r\t");
-  const char before = last < out_.size() ? out_[last] : '\0';
-  if (tighter.find(after) != std::string_view::npos) return false;
+  const std::size_t last = begin == 0 ? begin : out_.find_last_not_of(" \n\r\t", begin - 1);
+  const char before = begin > 0 && last < begin ? out_[last] : '\0';
+  if (after != '\0' && behind.find(after) == std::string_view::npos) return false;
   if (tighter.find(before) != std::string_view::npos) return false;
   return before == '&' || after == '&';
 }
@@ -353,7 +360,7 @@ void ExpressionWriter::table(const std::string& name) {
 void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::string& word) {
   operand(true);
   if (!span && (equalIgnoringCase(word, "TRUE") || equalIgnoringCase(word, "FALSE"))) {
-    out_ += isJoined() ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
+    out_ += isJoined(out_.size()) ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
     return;
   }
   SheetRef scope{context_.from.book, {}};

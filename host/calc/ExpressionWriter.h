@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/calc/CalcExpression.h"
@@ -28,6 +29,8 @@ class ExpressionWriter {
   struct Frame {
     std::string function;  // empty for plain brackets
     std::size_t content;   // where the content begins in the output
+    std::size_t reached;   // so many cells were reached before it
+    bool compares = false;
   };
 
   bool at(std::string_view any) const {
@@ -52,7 +55,8 @@ class ExpressionWriter {
   void name(const std::optional<SheetSpan>& span, const std::string& word);
   void expansion(const std::string& excel);
   bool isExponentSign() const;
-  bool isJoined() const;
+  bool isCells(std::size_t from) const;
+  bool isJoined(std::size_t begin) const;
   std::optional<SheetPlace> placeOf(const std::string& book, const std::string& sheet) const;
   void reachSpan(const SheetPlace& first, const SheetPlace& last, const RangeText& range);
 
@@ -65,7 +69,8 @@ class ExpressionWriter {
   std::string out_;
   std::vector<Frame> frames_;
   bool operandExpected_ = true;
-  bool reference_ = false;  // the operand just written may be a reference
+  bool reference_ = false;                     // the operand just written may be a reference
+  std::pair<std::size_t, std::size_t> cells_;  // where the cells stand that were written last
 };
 
 }  // namespace quorin::host::calc

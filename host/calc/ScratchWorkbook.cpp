@@ -6,6 +6,7 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcCells.h"
+#include "host/calc/CalcEvaluator.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellWriter.h"
 #include "host/calc/ExpressionScope.h"
@@ -65,14 +66,23 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     const auto found = findSheet(workbooks, book, sheet);
     return found ? std::optional(mirror_.foreignSheet(*found)) : std::nullopt;
   };
+  context.formulas = [&](const RangeRef& cells) {
+    return cells.sheet.book == name_ ? std::optional(formulas(cells))
+                                     : formulasOf(workbooks, cells);
+  };
+  context.fileName = [&](const SheetRef& sheet) {
+    return sheet.book == name_ ? std::string() : fileNameOf(workbooks, sheet);
+  };
   const auto calc = calcExpression(formula, context);
   if (!calc) {
     enter(own, "=#NAME?");
     return;
   }
+  if (calc->reach.untold) throw SpreadsheetError(-50, untoldText);
   if (calc->reach.contents) {
-    throw SpreadsheetError(
-        -50, "What CELL, FORMULATEXT and the like tell cannot be worked out in a chain");
+    throw SpreadsheetError(-50,
+                           "What GETPIVOTDATA and CELL tell of pivot tables and formats cannot be "
+                           "worked out in a chain");
   }
   add(reach_, calc->reach);
   mirror_.bring(workbooks, reach_);

@@ -50,7 +50,10 @@ std::string sumsBook() {
   const auto row = [&](const char* attributes, const std::string& cell) {
     rows += "<table:table-row" + std::string(attributes) + ">" + cell + "</table:table-row>\n";
   };
-  row("", number + "1\"/>");
+  row("", number +
+              "1\"/><table:table-cell/><table:table-cell table:formula=\"of:=1&gt;0\" "
+              "office:value-type=\"boolean\" "
+              "office:boolean-value=\"true\"/>");
   row(" table:visibility=\"collapse\"", number + "2\"/>");
   row(" table:visibility=\"filter\"", number + "4\"/>");
   row("",
@@ -181,6 +184,33 @@ TEST_F(CalcEvaluation, TellsFormulasFromConstants) {
   EXPECT_EQ(calc().evaluate("ISFORMULA(A1)", sums), Evaluation(CellValue(false)));
   EXPECT_EQ(calc().evaluate("SUMPRODUCT(ISFORMULA(A1:A9)*A1:A9)", sums),
             Evaluation(CellValue(11.0)));
+}
+
+TEST_F(CalcEvaluation, NamesTruthThatIsJoinedToText) {
+  const SheetRef sums{"Sums.fods", "Sums"};
+  EXPECT_EQ(calc().evaluate("\"x\"&(A1>2)&(A1<2)&C1&A1", sums),
+            Evaluation(CellValue("xFALSETRUETRUE1")));
+  EXPECT_EQ(calc().evaluate("(A1:A2>1)&\"!\"", sums),
+            Evaluation(Grid<CellValue>{2, 1, {"FALSE!", "TRUE!"}}));
+  EXPECT_EQ(calc().evaluate("D1&\"\"&ISBLANK(D1)", sums), Evaluation(CellValue("TRUE")));
+}
+
+TEST_F(CalcEvaluation, TellsWhatStandsInCellsAndWhere) {
+  const SheetRef sums{"Sums.fods", "Sums"}, beside{"Sums.fods", "Open"};
+  EXPECT_EQ(calc().evaluate("FORMULATEXT(A4)", sums), Evaluation(CellValue("=SUBTOTAL(9,A1:A3)")));
+  EXPECT_EQ(calc().evaluate("FORMULATEXT(A1)", sums), Evaluation(CellValue(CellError{"#N/A"})));
+  EXPECT_EQ(calc().evaluate("CELL(\"address\",INDEX(A1:A9,3))", sums),
+            Evaluation(CellValue("$A$3")));
+  EXPECT_EQ(calc().evaluate("CELL(\"address\",Sums!A3)", beside),
+            Evaluation(CellValue("Sums!$A$3")));
+  EXPECT_EQ(calc().evaluate("CELL(\"row\",A3)+CELL(\"contents\",A3)", sums),
+            Evaluation(CellValue(7.0)));
+  const Evaluation file = calc().evaluate("CELL(\"filename\",A1)", sums);
+  EXPECT_TRUE(std::get<std::string>(std::get<CellValue>(file)).ends_with("/[Sums.fods]Sums"));
+  EXPECT_EQ(calc().evaluate("SHEET()*10+SHEETS()", sums), Evaluation(CellValue(33.0)));
+  for (const char* untold : {"CELL(\"row\")", "CELL(\"width\",A1)", "FORMULATEXT(A1:A2000)"}) {
+    EXPECT_THROW(calc().evaluate(untold, sums), SpreadsheetError) << untold;
+  }
 }
 
 TEST_F(CalcEvaluation, LeavesOutHiddenRowsInAChain) {

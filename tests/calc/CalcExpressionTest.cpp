@@ -24,10 +24,22 @@ std::string tablePart(const std::string& table, const TableItems& items) {
   return items.firstColumn == "Net, Sum" ? "Data!$A$2:$A$9" : "#REF!";
 }
 
+std::optional<Grid<CellValue>> formulas(const RangeRef& cells) {
+  if (cells.areas.front().lastRow > 2) return std::nullopt;
+  if (cellCount(cells.areas) == 1) return Grid<CellValue>{1, 1, {"=B1&\"!\""}};
+  return Grid<CellValue>{2, 2, {"=B1", 5.0, "text", "=B2"}};
+}
+
+std::string fileName(const SheetRef& sheet) {
+  return "/home/a/[" + sheet.book + "]" + sheet.sheet;
+}
+
 const ExpressionContext context{.from = {"Plan.xlsx", "Data"},
                                 .elsewhere = elsewhere,
                                 .meaning = meaning,
-                                .tablePart = tablePart};
+                                .tablePart = tablePart,
+                                .formulas = formulas,
+                                .fileName = fileName};
 
 std::optional<std::string> textOf(const char* excel, const ExpressionContext& from = context) {
   const auto result = calcExpression(excel, from);
@@ -62,9 +74,18 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"SUM(here tax)", "SUM(here!tax)"}, Case{"A1:INDEX(B1:B4,2)", "A1:INDEX(B1:B4;2)"},
         Case{"Sheet2!here*2", "$'Sheet2'.here*2"}, Case{"TRUE", "TRUE()"},
         Case{"IF(true,1,FALSE)", "IF(TRUE();1;FALSE())"}, Case{"TRUE()", "TRUE()"},
-        Case{"\"x\"&TRUE", "\"x\"&\"TRUE\""}, Case{"false & A1", "\"FALSE\" & A1"},
+        Case{"\"x\"&TRUE", "\"x\"&\"TRUE\""}, Case{"false & 5", "\"FALSE\" & 5"},
+        Case{"\"x\"&(A1>2)", "\"x\"&IF((A1>2);\"TRUE\";\"FALSE\")"},
+        Case{"(A1=B1)&\"x\"", "IF((A1=B1);\"TRUE\";\"FALSE\")&\"x\""},
+        Case{"(A1+2)&\"x\"", "(A1+2)&\"x\""}, Case{"-(A1>2)&\"x\"", "-(A1>2)&\"x\""},
+        Case{"(1+(A1>2))&\"x\"", "(1+(A1>2))&\"x\""},
+        Case{"\"x\"&not(A1)=B1", "\"x\"&IF(NOT(A1);\"TRUE\";\"FALSE\")=B1"},
+        Case{"\"x\"&A1", "\"x\"&IF(ISLOGICAL(A1);IF(A1;\"TRUE\";\"FALSE\");A1)"},
+        Case{"\"x\"&A1:A3", "\"x\"&A1:A3"}, Case{"\"x\"&A1*2", "\"x\"&A1*2"},
+        Case{"2^A1&1", "2^A1&1"}, Case{"SUM(A1)&1", "SUM(A1)&1"},
+        Case{"1&(A1:C3 B2)", "1&(A1:C3!B2)"}, Case{"A1:C3 B2&1", "A1:C3!B2&1"},
         Case{"1&TRUE+1", "1&TRUE()+1"}, Case{"1+TRUE&2", "1+TRUE()&2"},
-        Case{"A1&-TRUE", "A1&-TRUE()"}, Case{"A1=TRUE", "A1=TRUE()"}, Case{"-5%^2", "-5%^2"},
+        Case{"5&-TRUE", "5&-TRUE()"}, Case{"A1=TRUE", "A1=TRUE()"}, Case{"-5%^2", "-5%^2"},
         Case{"A1<>B1", "A1<>B1"}, Case{"A1>=-1.5E+3", "A1>=-1.5E+3"}, Case{"A1<=+1", "A1<=+1"},
         Case{".5*2.", ".5*2."}, Case{"IFERROR(#REF!,#N/A)", "IFERROR(#REF!;#N/A)"},
         Case{"Data!#REF!+1", "#REF!+1"}, Case{"LOG10(A1)", "LOG10(A1)"},
@@ -74,6 +95,36 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"Table2[Net]", "#NAME?"}, Case{"rate", "$'Data'.$B$1"},
         Case{"Data!rate+1", "$'Local'.$C$1+1"}, Case{"twice^2", "($'Data'.$B$1*2)^2"},
         Case{"other", "other"}, Case{"Data!other", "$'Data'.other"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    OtherCalls, ToCalc,
+    testing::Values(Case{"FORMULATEXT(A1)", "\"=B1&\"\"!\"\"\""},
+                    Case{"_xlfn.FORMULATEXT( Jan!A1 )&1", "\"=B1&\"\"!\"\"\"&1"},
+                    Case{"FORMULATEXT(A1:B2)", "{\"=B1\";#N/A|#N/A;\"=B2\"}"},
+                    Case{"CELL(\"filename\")", "\"/home/a/[Plan.xlsx]Data\""},
+                    Case{"cell(\"FileName\",Jan!A1)", "\"/home/a/[Plan.xlsx]Jan\""},
+                    Case{"CELL(\"address\",A1)",
+                         "(ADDRESS(MIN(ROW(A1));MIN(COLUMN(A1));1;TRUE()))"},
+                    Case{"CELL(\"address\",Jan!A1)",
+                         "(\"Jan!\"&ADDRESS(MIN(ROW($'Jan'.A1));MIN(COLUMN($'Jan'.A1));1;TRUE()))"},
+                    Case{"CELL(\"row\",A1)", "CELL(\"row\";A1)"}, Case{"SHEET(A1)", "SHEET(A1)"},
+                    Case{"SHEETS()", "SHEETS()"}));
+
+TEST(CalcExpression, CountsTheSheetsOfTheWorkbook) {
+  ExpressionContext from = context;
+  from.sheets = {"Jan", "Data", "Mar"};
+  EXPECT_EQ(textOf("SHEET()+SHEETS( )", from), "2+3");
+}
+
+TEST(CalcExpression, SaysWhatNobodyCanTell) {
+  for (const char* untold : {"FORMULATEXT(A9)", "FORMULATEXT(INDEX(A1,1))", "CELL(\"row\")",
+                             "CELL(A1,B1)", "CELL(\"address\",INDEX((A1,Jan!A1),1))"}) {
+    EXPECT_TRUE(calcExpression(untold, context)->reach.untold) << untold;
+  }
+  for (const char* told : {"FORMULATEXT(A1)", "CELL(\"row\",A1)", "CELL(\"width\",A1)"}) {
+    EXPECT_FALSE(calcExpression(told, context)->reach.untold) << told;
+  }
+}
 
 class NotAnExpression : public testing::TestWithParam<const char*> {};
 
@@ -146,7 +197,8 @@ INSTANTIATE_TEST_SUITE_P(
         Reached{.excel = "INDIRECT(\"A1\")", .cells = {}, .anywhere = true},
         Reached{.excel = "SUBTOTAL(9,A1:A2)", .cells = {"Data!$A$1:$A$2"}, .traits = true},
         Reached{.excel = "isformula(A1)", .cells = {"Data!$A$1"}, .traits = true},
-        Reached{.excel = "_xlfn.FORMULATEXT(A1)", .cells = {"Data!$A$1"}, .contents = true}));
+        Reached{.excel = "CELL(\"width\",A1)", .cells = {"Data!$A$1"}, .contents = true},
+        Reached{.excel = "GETPIVOTDATA(\"a\",A1)", .cells = {"Data!$A$1"}, .contents = true}));
 
 TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
   ExpressionContext from = context;

@@ -31,7 +31,7 @@ using namespace std::chrono_literals;
 
 // Each takes another way: the values it reaches, a name, cells named by text, a whole copy.
 const std::vector<std::string> expressions{"B2*2+A7", "SUM(Prices)*1", "INDIRECT(\"B2\")+1",
-                                           "CELL(\"row\",B2)+0"};
+                                           "CELL(\"width\",B2)+0"};
 
 class CalcTraces : public testing::Test {
  protected:

@@ -1,0 +1,147 @@
+#include "host/calc/FunctionCalls.h"
+
+#include <algorithm>
+#include <array>
+
+#include "host/calc/CellErrors.h"
+#include "host/calc/ReferenceText.h"
+
+namespace quorin::host::calc {
+namespace {
+
+template <std::size_t count>
+bool contains(const std::array<std::string_view, count>& words, std::string_view word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+std::string quoted(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"') result += c;
+    result += c;
+  }
+  return result + '"';
+}
+
+std::string trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \n\r\t");
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(" \n\r\t") + 1 - first));
+}
+
+// Where the sheet stands in its workbook, from 1.
+std::optional<std::string> sheetNumber(const ExpressionContext& context) {
+  const auto& all = context.sheets;
+  const auto own = std::find(all.begin(), all.end(), context.from.sheet);
+  if (own == all.end()) return std::nullopt;
+  return std::to_string(own - all.begin() + 1);
+}
+
+// The formulas of the cells, as one text or an array of them.
+std::optional<std::string> formulaText(const FunctionCall& call, const ExpressionContext& context) {
+  constexpr std::size_t mostCells = 1000, longestText = 1000;
+  if (!call.isCells || call.cells.size() != 1 || !context.formulas) return std::nullopt;
+  const auto formulas = context.formulas(call.cells.front());
+  if (!formulas || formulas->cells.size() > mostCells) return std::nullopt;
+  std::string text;
+  for (int row = 0; row < formulas->rows; ++row) {
+    for (int column = 0; column < formulas->columns; ++column) {
+      const auto* formula = std::get_if<std::string>(&formulas->at(row, column));
+      const bool isFormula = formula != nullptr && formula->starts_with('=');
+      if (isFormula && formula->size() > longestText) return std::nullopt;
+      if (!text.empty()) text += column == 0 ? '|' : ';';
+      text += isFormula ? quoted(*formula) : "#N/A";
+    }
+  }
+  return formulas->cells.size() == 1 ? text : "{" + text + "}";
+}
+
+struct CellCall {
+  std::string kind;  // what is asked for, in lower case
+  std::string reference;
+};
+
+// From `"kind";reference`; nothing where the kind is calculated.
+std::optional<CellCall> cellCall(const std::string& arguments) {
+  const std::string text = trimmed(arguments);
+  const std::size_t end = text.find('"', 1);
+  if (!text.starts_with('"') || end == std::string::npos) return std::nullopt;
+  CellCall call{text.substr(1, end - 1), trimmed(text.substr(end + 1))};
+  for (char& c : call.kind) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  if (call.reference.empty()) return call;
+  if (!call.reference.starts_with(';')) return std::nullopt;
+  call.reference = trimmed(call.reference.substr(1));
+  return call;
+}
+
+std::optional<std::string> cellText(const FunctionCall& call, const ExpressionContext& context,
+                                    Reach& reach) {
+  static constexpr std::array<std::string_view, 4> byValue{"col", "row", "contents", "type"};
+  const auto asked = cellCall(call.arguments);
+  const SheetRef sheet = call.cells.empty() ? context.from : call.cells.front().sheet;
+  const bool oneSheet = std::all_of(call.cells.begin(), call.cells.end(),
+                                    [&](const RangeRef& cells) { return cells.sheet == sheet; });
+  const bool known = asked && oneSheet && !reach.anywhere;
+  if (known && asked->kind == "filename" && context.fileName) {
+    return quoted(context.fileName(sheet));
+  }
+  if (!known || asked->reference.empty()) {  // of the cell that was changed last
+    reach.untold = true;
+  } else if (asked->kind == "address") {
+    const std::string own = sheet.book == context.from.book ? "" : "[" + sheet.book + "]";
+    const std::string before =
+        sheet == context.from ? "" : quoted(excelSheet(own + sheet.sheet) + "!") + "&";
+    return "(" + before + "ADDRESS(MIN(ROW(" + asked->reference + "));MIN(COLUMN(" +
+           asked->reference + "));1;TRUE()))";
+  } else if (!contains(byValue, asked->kind)) {
+    reach.contents = true;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void addFunction(Reach& reach, std::string_view name) {
+  static constexpr std::array<std::string_view, 3> traits{"AGGREGATE", "ISFORMULA", "SUBTOTAL"};
+  static constexpr std::array<std::string_view, 4> contents{"FORMULA", "GETPIVOTDATA",
+                                                            "MULTIPLE.OPERATIONS", "TABLE"};
+  if (name == "INDIRECT") reach.anywhere = true;
+  if (name == "OFFSET") reach.shifts = true;
+  if (contains(traits, name)) reach.traits = true;
+  if (contains(contents, name)) reach.contents = true;
+}
+
+std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
+                                       Reach& reach) {
+  if (call.name == "ERROR.TYPE") return errorTypeCall(call.arguments);
+  if (call.name == "CELL") return cellText(call, context, reach);
+  if (call.name == "FORMULATEXT") {
+    const auto text = formulaText(call, context);
+    if (!text) reach.untold = true;
+    return text;
+  }
+  if (!trimmed(call.arguments).empty()) return std::nullopt;
+  if (call.name == "SHEET") return sheetNumber(context);
+  if (call.name == "SHEETS" && !context.sheets.empty()) {
+    return std::to_string(context.sheets.size());
+  }
+  return std::nullopt;
+}
+
+bool givesTruth(std::string_view function) {
+  static constexpr std::array<std::string_view, 17> names{
+      "AND",    "EXACT",     "FALSE",     "ISBLANK", "ISERR",     "ISERROR",
+      "ISEVEN", "ISFORMULA", "ISLOGICAL", "ISNA",    "ISNONTEXT", "ISNUMBER",
+      "ISODD",  "ISREF",     "ISTEXT",    "NOT",     "OR"};
+  return contains(names, function) || function == "TRUE" || function == "XOR";
+}
+
+std::string namedTruth(const std::string& truth) {
+  return "IF(" + truth + ";\"TRUE\";\"FALSE\")";
+}
+
+std::string namedIfTruth(const std::string& cell) {
+  return "IF(ISLOGICAL(" + cell + ");" + namedTruth(cell) + ";" + cell + ")";
+}
+
+}  // namespace quorin::host::calc

@@ -1,0 +1,35 @@
+// FunctionCalls: calls of an Excel expression that Calc would answer otherwise, written anew in
+// Calc's grammar. Pure functions over text and what the expression's context tells.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "host/calc/CalcExpression.h"
+
+namespace quorin::host::calc {
+
+// Adds what a function asks for beside the values of the cells it is given.
+void addFunction(Reach& reach, std::string_view name);
+
+struct FunctionCall {
+  std::string name;                 // in capitals
+  std::string arguments;            // in Calc's grammar
+  std::span<const RangeRef> cells;  // that the arguments reach
+  bool isCells = false;             // the only argument is these cells, as they stand
+};
+
+// What stands for the call; nothing for it to stay as it is. Sets what the answer depends on.
+std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
+                                       Reach& reach);
+
+// Whether the function gives a truth value or an error, and nothing else.
+bool givesTruth(std::string_view function);
+
+// Calc writes a truth value as a number where it is joined to text: these give its name.
+std::string namedTruth(const std::string& truth);
+std::string namedIfTruth(const std::string& cell);
+
+}  // namespace quorin::host::calc
