@@ -85,6 +85,24 @@ void CalcSession::releaseConditions() {
   if (!keeping_) endTurn();
 }
 
+void CalcSession::removeUnreachableMarks() {
+  try {
+    for (const std::string& book : workbooks_.names()) {
+      for (const std::string& sheet : sheetNames(workbook(book))) {
+        const SheetRef place{book, sheet};
+        const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+        const bool some = std::any_of(marks.begin(), marks.end(), [&](const PlacedMark& each) {
+          return each.mark.asked && each.mark.asked->sheet != place;
+        });
+        if (some) conditions(place).removeUnreachable();
+      }
+    }
+  } catch (const SpreadsheetError&) {
+  } catch (const css::uno::Exception&) {
+  }
+  releaseConditions();
+}
+
 void CalcSession::interrupt() {
   keeper_.interrupt();
   connection_.interrupt();

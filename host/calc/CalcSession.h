@@ -34,6 +34,9 @@ class CalcSession {
   // which readings are kept. Marks are not added where no keeper can be had: -10000.
   SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
   void releaseConditions();
+  // Somebody looked for a workbook or a sheet that is not there: takes off the marks that were made
+  // under such names. What fails is left to the next time.
+  void removeUnreachableMarks();
   // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
   // readings are no longer kept.
   void linesChanged(const SheetRef& sheet);

@@ -62,6 +62,7 @@ void CalcSpreadsheet::dropSession() {
 // Runs the work, once more when it met a document that was closed meanwhile.
 template <typename Work>
 auto CalcSpreadsheet::call(Work work) {
+  asked_ = Asked::more;
   for (bool again = true;; again = false) {
     CalcSession& office = session();
     try {
@@ -102,11 +103,14 @@ void CalcSpreadsheet::openWorkbook(const std::string& path) {
 
 void CalcSpreadsheet::handlerBegins() {
   inHandler_ = true;
+  asked_ = Asked::nothing;
   memory_.begin();
   if (session_) session_->keepReadings(true);
 }
 
 void CalcSpreadsheet::handlerEnds() {
+  // A handler that asked for names and for nothing else has missed what it was looking for.
+  if (session_ && asked_ == Asked::names) session_->removeUnreachableMarks();
   inHandler_ = false;
   memory_.end();
   if (session_) session_->keepReadings(false);
@@ -135,7 +139,21 @@ void CalcSpreadsheet::activate() {
   });
 }
 
+// Notes that names were asked for, beside what else was.
+class CalcSpreadsheet::NamesAsked {
+ public:
+  explicit NamesAsked(Asked& asked) : asked_(asked), before_(asked) {}
+  ~NamesAsked() { asked_ = before_ == Asked::more ? Asked::more : Asked::names; }
+  NamesAsked(const NamesAsked&) = delete;
+  NamesAsked& operator=(const NamesAsked&) = delete;
+
+ private:
+  Asked& asked_;
+  const Asked before_;
+};
+
 std::vector<std::string> CalcSpreadsheet::workbooks() {
+  const NamesAsked note(asked_);
   return memory_.workbooks([this] {
     return call([](CalcSession& office) {
       std::vector<std::string> names = office.workbooks().names();
@@ -146,6 +164,7 @@ std::vector<std::string> CalcSpreadsheet::workbooks() {
 }
 
 std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
+  const NamesAsked note(asked_);
   return call([&](CalcSession& office) {
     if (office.scratch().find(book) != nullptr) {
       return std::vector<std::string>{ScratchWorkbook::onlySheet};

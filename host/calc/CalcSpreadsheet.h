@@ -78,6 +78,9 @@ class CalcSpreadsheet : public Spreadsheet {
   void closeWorkbook(const std::string& book) override;
 
  private:
+  enum class Asked { nothing, names, more };  // by a handler
+  class NamesAsked;
+
   CalcSession& session();
   void dropSession();
   void endIfDead();
@@ -94,6 +97,7 @@ class CalcSpreadsheet : public Spreadsheet {
   std::mutex mutex_;  // guards session_'s replacement against quit()
   std::unique_ptr<CalcSession> session_;
   bool inHandler_ = false;
+  Asked asked_ = Asked::nothing;
   RequestMemory memory_;  // after the session: it holds nothing of the office
 };
 

@@ -31,6 +31,43 @@ std::optional<std::string_view> takeField(std::string_view& text, std::string_vi
   return value;
 }
 
+// Without the blanks that end a field.
+std::string fieldText(std::string_view text) {
+  std::string field;
+  for (const char c : text) {
+    if (c == ' ') {
+      field += "%20";
+    } else if (c == '%') {
+      field += "%25";
+    } else {
+      field += c;
+    }
+  }
+  return field;
+}
+
+std::string plainText(std::string_view field) {
+  std::string text;
+  while (!field.empty()) {
+    const bool blank = field.starts_with("%20"), percent = field.starts_with("%25");
+    text += blank ? ' ' : field.front();
+    field.remove_prefix(blank || percent ? 3 : 1);
+  }
+  return text;
+}
+
+// Takes what was asked off the front of the text, if it is there.
+std::optional<AskedPlace> takeAsked(std::string_view& text) {
+  std::string_view rest = text;
+  const auto cells = takeField(rest, "asked=");
+  const auto sheet = cells ? takeField(rest, "sheet=") : std::nullopt;
+  const auto book = sheet ? takeField(rest, "book=") : std::nullopt;
+  auto areas = book ? parseA1(*cells) : std::nullopt;
+  if (!areas) return std::nullopt;
+  text = rest;
+  return AskedPlace{{plainText(*book), plainText(*sheet)}, std::move(*areas)};
+}
+
 std::string fillText(const std::optional<Color>& fill) {
   if (!fill) return std::string(noFill);
   return std::to_string(fill->red) + "," + std::to_string(fill->green) + "," +
@@ -88,8 +125,14 @@ std::optional<int> parseMarkId(std::string_view id) {
 
 std::string markName(const NumberedMark& numbered) {
   const Mark& mark = numbered.mark;
+  std::string asked;
+  if (mark.asked) {
+    asked = " asked=" + addressText(mark.asked->areas) +
+            " sheet=" + fieldText(mark.asked->sheet.sheet) +
+            " book=" + fieldText(mark.asked->sheet.book);
+  }
   return markId(numbered.number) + ": fill=" + fillText(mark.fill) +
-         " cells=" + addressText(mark.areas) + " formula=" + mark.formula;
+         " cells=" + addressText(mark.areas) + asked + " formula=" + mark.formula;
 }
 
 std::optional<NumberedMark> parseMarkName(std::string_view name) {
@@ -103,9 +146,11 @@ std::optional<NumberedMark> parseMarkName(std::string_view name) {
   if (!color && *fill != noFill) return std::nullopt;
   const auto cells = takeField(text, "cells=");
   const auto areas = cells ? parseA1(*cells) : std::nullopt;
+  auto asked = takeAsked(text);
   constexpr std::string_view label = "formula=";
   if (!areas || !text.starts_with(label)) return std::nullopt;
-  return NumberedMark{*number, {std::string(text.substr(label.size())), color, *areas}};
+  return NumberedMark{*number,
+                      {std::string(text.substr(label.size())), color, *areas, std::move(asked)}};
 }
 
 std::vector<std::vector<Area>> drawnAreas(const std::vector<Mark>& marks) {

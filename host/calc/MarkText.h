@@ -15,11 +15,20 @@ namespace quorin::host::calc {
 // The formula of every mark: always true, and free of names that a language could change.
 inline constexpr std::string_view markFormula = "=\"QXZ\"=\"QXZ\"";
 
+// What was asked to be marked. It stays as it was while the mark follows the user's edits, for by
+// this place the mark is asked for again.
+struct AskedPlace {
+  SheetRef sheet;
+  std::vector<Area> areas;
+  bool operator==(const AskedPlace&) const = default;
+};
+
 // A format condition of our own, as it is drawn over the cells.
 struct Mark {
   std::string formula;        // with its "="
   std::optional<Color> fill;  // none yet: nothing is drawn
-  std::vector<Area> areas;
+  std::vector<Area> areas;    // where it is now
+  std::optional<AskedPlace> asked = std::nullopt;
   bool operator==(const Mark&) const = default;
 };
 
@@ -34,8 +43,9 @@ struct NumberedMark {
 std::string markId(int number);
 std::optional<int> parseMarkId(std::string_view id);
 
-// "Quorin mark 7: fill=255,0,255 cells=$B$2,$C$3:$D$9 formula==1=1"; "fill=none" for none. What was
-// not written so is nothing.
+// "Quorin mark 7: fill=255,0,255 cells=$B$2,$C$3:$D$9 asked=$B$1 sheet=Data book=Plan%20A.xlsx
+// formula==1=1", in one line; "fill=none" for none, and without what is not known of what was
+// asked. What was not written so is nothing.
 std::string markName(const NumberedMark& mark);
 std::optional<NumberedMark> parseMarkName(std::string_view name);
 

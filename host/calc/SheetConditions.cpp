@@ -35,13 +35,18 @@ SheetConditions::SheetConditions(QuietChanges& changes, const Workbook& workbook
       rules_(workbook, sheet_),
       marks_(readMarks(page_)) {}
 
+bool SheetConditions::isFor(const Mark& mark, const std::vector<Area>& range) const {
+  return touch(mark.areas, range) ||
+         (mark.asked && mark.asked->sheet == place() && touch(mark.asked->areas, range));
+}
+
 std::vector<FormatCondition> SheetConditions::touching(const std::vector<Area>& range) {
   std::vector<FormatCondition> found = rules_.touching(range);
   int priority = rules_.count();
   for (const PlacedMark& placed : marks_) {
     ++priority;
     const Mark& mark = placed.mark;
-    if (!touch(mark.areas, range)) continue;
+    if (!isFor(mark, range)) continue;
     found.push_back({.id = markId(placed.number),
                      .formula = mark.formula,
                      .areas = mark.areas,
@@ -75,7 +80,7 @@ std::string SheetConditions::add(const std::vector<Area>& range, const std::stri
   if (range.empty()) throw SpreadsheetError(-50, "The range has no cells");
   const int number = marks_.empty() ? firstNumber() : marks_.back().number + 1;
   std::vector<PlacedMark> wanted = marks_;
-  wanted.push_back({{number, {formula, std::nullopt, range}}, {}});
+  wanted.push_back({{number, {formula, std::nullopt, range, AskedPlace{place(), range}}}, {}});
   draw(std::move(wanted));
   return markId(number);
 }
@@ -90,13 +95,29 @@ void SheetConditions::setPriority(const std::string& id, int priority) const {
 }
 
 void SheetConditions::setRange(const std::vector<Area>& range, const std::string& id) {
-  change(id, [&](Mark& mark) { mark.areas = range; });
+  change(id, [&](Mark& mark) {
+    mark.areas = range;
+    mark.asked = {place(), range};
+  });
 }
 
 void SheetConditions::erase(const std::vector<Area>& range, const std::string& id) {
   change(id, [&](Mark& mark) {
-    for (const Area& hole : range) mark.areas = without(mark.areas, hole);
+    const bool asked = mark.asked && mark.asked->sheet == place();
+    for (const Area& hole : range) {
+      mark.areas = without(mark.areas, hole);
+      if (asked) mark.asked->areas = without(mark.asked->areas, hole);
+    }
+    if (asked && mark.asked->areas.empty()) mark.areas.clear();
   });
+}
+
+void SheetConditions::removeUnreachable() {
+  std::vector<PlacedMark> wanted = marks_;
+  for (PlacedMark& each : wanted) {
+    if (each.mark.asked && each.mark.asked->sheet != place()) each.mark.areas.clear();
+  }
+  draw(std::move(wanted));
 }
 
 void SheetConditions::redraw() {

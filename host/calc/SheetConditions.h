@@ -1,7 +1,8 @@
 // SheetConditions: the format conditions of one sheet, as they were when this was made and as it
 // has changed them since: the user's rules, which are read alone, and after them our own marks,
-// which are drawn over the cells. A cell with several marks is coloured by the first of them. Call
-// thread.
+// which are drawn over the cells. A cell with several marks is coloured by the first of them. A
+// mark that the user's edits have moved counts as touching the cells that it was asked for as well
+// as those that it is on, and goes when either are taken from it. Call thread.
 //
 // An id that is none is SpreadsheetError -1728, changing a rule of the user's -10006, and making a
 // condition with another formula than a mark's -1708. After any failure of a change this is no
@@ -30,10 +31,15 @@ class SheetConditions {
   void setPriority(const std::string& id, int priority) const;
   void setRange(const std::vector<Area>& range, const std::string& id);
   void erase(const std::vector<Area>& range, const std::string& id);
+  // Takes off what nobody can ask for any more: it was asked for under another name of the workbook
+  // or the sheet.
+  void removeUnreachable();
   // Draws all marks where their cells are now, after rows or columns were shown or hidden.
   void redraw();
 
  private:
+  SheetRef place() const { return {workbook_.name, name_}; }
+  bool isFor(const Mark& mark, const std::vector<Area>& range) const;
   std::size_t placeOf(const std::string& id) const;  // among the marks
   template <typename Edit>
   void change(const std::string& id, Edit edit);

@@ -1,12 +1,13 @@
 // Random sequences of marking, revealing and clearing in an office, between what the user does
-// there: entering, undoing, inserting and deleting rows, renaming sheets, saving, saving under
-// another name, closing and opening again. At no time is anything marked or hidden that the records
-// do not account for, and in the end nothing is left. $QUORIN_SEQUENCES sets their number,
-// $QUORIN_SEED where they begin.
+// there: entering, undoing, inserting and deleting rows, renaming and copying sheets, saving,
+// saving under another name, closing and opening again. At no time is anything marked or hidden
+// that the records do not account for, and in the end nothing is left. $QUORIN_SEQUENCES sets their
+// number, $QUORIN_SEED where they begin.
 //
-// What the user's edits leave: marks are where they were; they are cleared before an edit that
-// moves cells or gives a sheet or the workbook another name. Lines that were shown for the active
-// cell on such a sheet are the user's from then on: they stay visible and leave the record.
+// What the user's edits leave: marks go with their cells, and a request for what the records know
+// takes them away also where they have moved to, or where a sheet or the workbook has another name
+// now. There is none on the copy of a sheet. Lines that were shown on a sheet that has another name
+// now may stay visible, and leave the record.
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
@@ -131,17 +132,14 @@ class CalcMarksProperty : public testing::Test {
   }
 
   void userEdit() {
-    switch (pick(0, 8)) {
+    switch (pick(0, 9)) {
       case 0:
-        ask("clearMarks");
         hands_.insertRows(book_, first_, pick(rows + 1, 30), pick(1, 3));
         break;
       case 1:
-        ask("clearMarks");
         hands_.removeRows(book_, first_, pick(rows + 1, 30), pick(1, 3));
         break;
       case 2: {
-        ask("clearMarks");
         freeShown();
         const std::string name = first_ == "One" ? "Uno" : "One";
         hands_.renameSheet(book_, first_, name);
@@ -155,7 +153,6 @@ class CalcMarksProperty : public testing::Test {
         hands_.save(book_);
         break;
       case 5: {
-        ask("clearMarks");
         freeShown();
         const std::string name = std::to_string(++saved_) + ".xlsx";
         hands_.saveAs(book_, folder_ / name);
@@ -167,6 +164,9 @@ class CalcMarksProperty : public testing::Test {
         hands_.save(book_);
         hands_.close(book_);
         open();
+        break;
+      case 7:
+        hands_.copySheet(book_, anySheet(), "Copy" + std::to_string(++saved_));
         break;
       default:
         hands_.enter(book_, "Two", cell(), "5");
@@ -237,7 +237,7 @@ class CalcMarksProperty : public testing::Test {
   CalcRoad road_;
   UserHands hands_{connected().open()};
   std::mt19937 random_;
-  int saved_ = 0;  // under another name
+  int saved_ = 0;  // under another name, or copied
   std::string book_, first_;
   std::filesystem::path file_;
   std::set<Line> hidden_;  // at first, on the first sheet

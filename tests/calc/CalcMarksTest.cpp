@@ -328,5 +328,68 @@ TEST_F(CalcMarks, LeaveTheUsersDrawingsAlone) {
   EXPECT_THAT(desk->hands.shapes("Known.xlsx", "Blank"), ElementsAre("Quorin mark 3", "Arrow"));
 }
 
+// What the records hold stays as it was asked for, whatever the user does to rows, sheets and
+// names.
+class MovedMarks : public CalcMarks {
+ protected:
+  void SetUp() override {
+    desk->open(fakes::knownWorkbook(), "Moved.xlsx");
+    activate("Moved.xlsx", "Blank");
+    mark({"Data!A1", "Data!B2", "Data!B3"});
+  }
+  void TearDown() override {
+    CalcMarks::TearDown();
+    desk->hands.close(book);
+  }
+  // The next request draws the marks where their cells are, if the keeper has not done so yet.
+  std::string here(const std::string& sheet) const { return marked(book, sheet); }
+
+  std::string book = "Moved.xlsx";
+};
+
+TEST_F(MovedMarks, AreClearedWhereTheyAreNow) {
+  desk->hands.insertRows(book, "Data", 1, 30);
+  ASSERT_EQ(here("Data"), "$A$31,$B$32,$B$33");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":3})");
+  EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
+}
+
+TEST_F(MovedMarks, AreMovedOnFromWhereTheyAreNow) {
+  desk->hands.insertRows(book, "Data", 1, 3);
+  ASSERT_EQ(here("Data"), "$A$4,$B$5,$B$6");
+  EXPECT_THAT(mark({"Data!C1"}), HasSubstr(R"("moved":true)"));
+  EXPECT_EQ(here("Data"), "$C$1");
+}
+
+TEST_F(MovedMarks, AreClearedAddressByAddress) {
+  desk->hands.insertRows(book, "Data", 1, 30);
+  desk->road.use([&](CalcSpreadsheet& calc) {
+    const auto delete_ = [&](const char* cells) {
+      const RangeRef range{{book, "Data"}, parseA1(cells).value()};
+      for (const FormatCondition& each : calc.formatConditions(range))
+        if (each.formula == markFormula) calc.deleteCondition(range, each.id);
+    };
+    delete_("A1");
+    EXPECT_EQ(desk->hands.shapes(book, "Data").size(), 1U);
+    delete_("B2:B3");
+  });
+  EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
+}
+
+TEST_F(MovedMarks, GoWithTheRequestForASheetThatHasAnotherName) {
+  desk->hands.renameSheet(book, "Data", "Renamed");
+  ASSERT_EQ(here("Renamed"), "$A$1,$B$2,$B$3");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_THAT(desk->hands.shapes(book, "Renamed"), IsEmpty());
+}
+
+TEST_F(MovedMarks, GoWithTheRequestForAWorkbookThatHasAnotherName) {
+  desk->hands.saveAs(book, (desk->folder / "Saved.xlsx").string());
+  book = "Saved.xlsx";
+  ASSERT_EQ(here("Data"), "$A$1,$B$2,$B$3");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
+}
+
 }  // namespace
 }  // namespace quorin::host::calc

@@ -10,6 +10,18 @@ Mark markOf(const char* cells, std::optional<Color> fill = Color{255, 0, 128}) {
   return {"=\"QXZ\"=\"QXZ\"", fill, parseA1(cells).value()};
 }
 
+Mark moved() {
+  Mark mark = markOf("B4");
+  mark.asked = AskedPlace{{"50% of it.xlsx", "Q 1 book=x%20"}, parseA1("B2").value()};
+  return mark;
+}
+
+TEST(MarkText, WritesWhatWasAskedFor) {
+  EXPECT_EQ(markName({7, moved()}),
+            "Quorin mark 7: fill=255,0,128 cells=$B$4 asked=$B$2 sheet=Q%201%20book=x%2520 "
+            "book=50%25%20of%20it.xlsx formula==\"QXZ\"=\"QXZ\"");
+}
+
 TEST(MarkText, WritesItsIdFillCellsAndFormula) {
   EXPECT_EQ(markId(12), "Quorin mark 12");
   EXPECT_EQ(markName({7, markOf("B2,C3:D9")}),
@@ -23,7 +35,7 @@ TEST(MarkText, ReadsWhatItWrote) {
        {NumberedMark{1, markOf("A1")}, NumberedMark{7, markOf("B2,C3:D9,4:5,$XFD$1048576")},
         NumberedMark{2147483647, markOf("A1:XFD1048576", std::nullopt)},
         NumberedMark{3, {"=A1=\"a: b cells=C1\"", Color{0, 0, 0}, {{1, 1, 1, 1}, {1, 1, 2, 2}}}},
-        NumberedMark{4, {"", Color{1, 2, 3}, {{5, 6, 5, 6}}}}})
+        NumberedMark{4, {"", Color{1, 2, 3}, {{5, 6, 5, 6}}}}, NumberedMark{5, moved()}})
     EXPECT_EQ(parseMarkName(markName(mark)), mark) << markName(mark);
   EXPECT_EQ(parseMarkId(markId(31)), 31);
 }
@@ -46,6 +58,9 @@ TEST(MarkText, TakesNothingElseForAMark) {
                            "Quorin mark 1: fill=1,2,-3 cells=A1 formula==1",
                            "Quorin mark 1: fill=1,,3 cells=A1 formula==1",
                            "Quorin mark 1: cells=A1 fill=none formula==1",
+                           "Quorin mark 1: fill=none cells=A1 asked=A1 formula==1",
+                           "Quorin mark 1: fill=none cells=A1 asked=A1 sheet=S formula==1",
+                           "Quorin mark 1: fill=none cells=A1 asked=x sheet=S book=B formula==1",
                            "Quorin mark 0: fill=none cells=A1 formula==1",
                            "Quorin mark -1: fill=none cells=A1 formula==1",
                            "Quorin mark 01: fill=none cells=A1 formula==1",

@@ -205,6 +205,13 @@ void UserHands::renameSheet(const std::string& book, const std::string& sheet,
       ->setName(toUno(name));
 }
 
+void UserHands::copySheet(const std::string& book, const std::string& sheet,
+                          const std::string& copy) {
+  const auto sheets = objects_->workbook(book)->getSheets();
+  sheets->copyByName(toUno(sheet), toUno(copy),
+                     static_cast<sal_Int16>(sheets->getElementNames().getLength()));
+}
+
 void UserHands::setModified(const std::string& book, bool modified) {
   Reference<css::util::XModifiable>(objects_->workbook(book), UNO_QUERY_THROW)
       ->setModified(modified);

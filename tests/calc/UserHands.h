@@ -41,6 +41,7 @@ class UserHands {
   void insertRows(const std::string& book, const std::string& sheet, int row, int count);
   void removeRows(const std::string& book, const std::string& sheet, int row, int count);
   void renameSheet(const std::string& book, const std::string& sheet, const std::string& name);
+  void copySheet(const std::string& book, const std::string& sheet, const std::string& copy);
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);
