@@ -80,6 +80,7 @@ std::optional<std::string> nameContent(const Workbook& workbook, const std::stri
 
 std::optional<RangeRef> findNamed(const Workbook& workbook, const std::string& sheet,
                                   const std::string& name) {
+  if (name.find('[') != std::string::npos) return tablePart(workbook, name);
   const auto entry = definedName(workbook, sheet, name);
   if (entry.is()) return referredCells(workbook, entry);
   // A table's name stands for its rows without the header, as in Excel.

@@ -77,4 +77,13 @@ std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& t
   return range;
 }
 
+std::optional<RangeRef> tablePart(const Workbook& workbook, const std::string& text) {
+  std::size_t at = text.find('[');
+  if (at == std::string::npos || at == 0) return std::nullopt;
+  const std::string table = text.substr(0, at);
+  const auto items = readTableItems(text, at);
+  if (!items || items->thisRow || at != text.size()) return std::nullopt;
+  return tableArea(workbook, table, *items, std::nullopt);
+}
+
 }  // namespace quorin::host::calc

@@ -15,4 +15,7 @@ namespace quorin::host::calc {
 std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& table,
                                   const TableItems& items, std::optional<int> row);
 
+// The cells of "Sales[Net]"; nothing for a text of another form and for "this row".
+std::optional<RangeRef> tablePart(const Workbook& workbook, const std::string& text);
+
 }  // namespace quorin::host::calc

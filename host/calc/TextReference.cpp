@@ -10,7 +10,6 @@
 #include "host/calc/CalcTables.h"
 #include "host/calc/ExpressionScope.h"
 #include "host/calc/ReferenceText.h"
-#include "host/calc/TableItems.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -28,15 +27,6 @@ bool readsAsExcel(const Workbook& workbook) {
   sal_Int16 syntax = -1;
   settings->getPropertyValue("SyntaxStringRef") >>= syntax;
   return syntax == excelA1;
-}
-
-std::optional<RangeRef> asTablePart(const Workbook& workbook, const std::string& text) {
-  std::size_t at = text.find('[');
-  if (at == std::string::npos || at == 0) return std::nullopt;
-  const std::string table = text.substr(0, at);
-  const auto items = readTableItems(text, at);
-  if (!items || items->thisRow || at != text.size()) return std::nullopt;
-  return tableArea(workbook, table, *items, std::nullopt);
 }
 
 bool isWord(std::string_view text) {
@@ -90,7 +80,7 @@ std::optional<std::string> namedByText(CalcWorkbooks& workbooks, const std::stri
   if (text.empty()) return "";
   if (text.find_first_of(" =(") == 0 || !readsAsExcel(*workbook)) return std::nullopt;
   auto range = asReference(workbooks, text, from);
-  if (!range) range = asTablePart(*workbook, text);
+  if (!range) range = tablePart(*workbook, text);
   if (range && range->areas.size() == 1) return excelText(*range, from.book);
   return namesNothing(workbooks, text, from) ? std::optional<std::string>("") : std::nullopt;
 }

@@ -114,6 +114,17 @@ TEST_F(CalcEvaluation, FindsTablesThatTextNames) {
   }
 }
 
+TEST_F(CalcEvaluation, FindsThePartsOfATable) {
+  const SheetRef beside{"Table.fods", "Other"}, data{"Table.fods", "Data"};
+  EXPECT_EQ(calc().named(beside, "sales.north[2007]"), (RangeRef{data, parseA1("B2:B3").value()}));
+  EXPECT_EQ(calc().named(beside, "Sales.North[[#All],[Year]:[2007]]"),
+            (RangeRef{data, parseA1("A1:B3").value()}));
+  EXPECT_EQ(calc().named(beside, "Sales.North[2008]"), std::nullopt);
+  EXPECT_EQ(calc().named(beside, "Sales.North[@Year]"), std::nullopt);
+  EXPECT_EQ(calc().named(beside, "Sales.North[2007]+1"), std::nullopt);
+  EXPECT_EQ(calc().named(beside, "Sales.South[2007]"), std::nullopt);
+}
+
 // With the second argument Calc has to find the cells, among all that the workbook holds.
 TEST_F(CalcEvaluation, FindsCellsThatTextNames) {
   const std::string book = SharedOffice::open(

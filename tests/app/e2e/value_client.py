@@ -5,7 +5,8 @@ usage: value_client.py SHOWN_PIPE OTHER_PIPE
 
 One JSON request a line, one JSON reply a line. The office behind SHOWN_PIPE is the one beside which
 the panel stands; the one behind OTHER_PIPE holds a copy of the workbook, in which formulas are
-worked out by writing them into cells of a sheet that nothing refers to.
+worked out by writing them into cells of a blank sheet at its end, or beside all that a sheet holds
+where the formula has to stand on that sheet.
 """
 import json
 import re
@@ -16,6 +17,7 @@ from com.sun.star.beans import PropertyValue
 from com.sun.star.table.CellContentType import EMPTY, TEXT, VALUE
 
 FORMULA_CELLS = 16
+FAR = 40  # columns behind the last one in use
 ERRORS = {503: "#NUM!", 519: "#VALUE!", 521: "#NULL!", 524: "#REF!", 525: "#NAME?",
           532: "#DIV/0!", 32767: "#N/A"}
 NUMBER, TEXT_RESULT = 1, 2
@@ -51,8 +53,7 @@ class Client:
             self.copy.close(True)
         self.copy = self.other_office.loadComponentFromURL(uno.systemPathToFileUrl(copy), "_blank",
                                                            0, hidden())
-        self.copy.Sheets.insertNewByName("values of parts", self.copy.Sheets.Count)
-        self.scratch = self.copy.Sheets.getByName("values of parts")
+        self.scratch = self.copy.Sheets.getByIndex(self.copy.Sheets.Count - 1)
         return True
 
     def formulas(self):
@@ -74,25 +75,54 @@ class Client:
         controller.select(self.shown.Sheets.getByName(sheet).getCellByPosition(column, row))
         return True
 
-    def value(self, text, row, column):
-        """What the text gives as the formula of the scratch cell at that place."""
-        cell = self.scratch.getCellByPosition(column, row)
+    def home(self, sheet, row, column):
+        """The sheet's own names, the table in which the cell stands, and all tables; names in
+        small letters."""
+        own = self.copy.Sheets.getByName(sheet)
+        index = own.RangeAddress.Sheet
+        tables = [name for name in self.copy.DatabaseRanges.ElementNames
+                  if self.covers(self.copy.DatabaseRanges.getByName(name).DataArea,
+                                 index, row, column)]
+        return {"names": [name.lower() for name in own.NamedRanges.ElementNames],
+                "table": tables[0] if len(tables) == 1 else "",
+                "tables": [name.lower() for name in self.copy.DatabaseRanges.ElementNames]}
+
+    @staticmethod
+    def covers(area, sheet, row, column):
+        return (area.Sheet == sheet and area.StartRow <= row <= area.EndRow
+                and area.StartColumn <= column <= area.EndColumn)
+
+    def place(self, row, column, sheet):
+        """The sheet to write to, and the column: a free one in the same row of the given sheet."""
+        if sheet is None:
+            return self.scratch, column
+        own = self.copy.Sheets.getByName(sheet)
+        if own.isProtected():
+            own.unprotect("")
+        used = own.createCursor()
+        used.gotoEndOfUsedArea(False)
+        return own, used.RangeAddress.EndColumn + FAR
+
+    def value(self, text, row, column, sheet=None):
+        """What the text gives as the formula of that cell of the blank sheet, or of that sheet."""
+        cells, column = self.place(row, column, sheet)
+        cell = cells.getCellByPosition(column, row)
         cell.setFormula("=" + text)
         try:
             return self.of(cell)
         finally:
             cell.setFormula("")
 
-    def array(self, text, row, column, rows, columns):
+    def array(self, text, row, column, rows, columns, sheet=None):
         """What it gives as an array formula of that size: its own size, and the values."""
+        place, column = self.place(row, column, sheet)
         sizes = []
         for function in ("ROWS", "COLUMNS"):
-            cell = self.scratch.getCellRangeByPosition(column, row, column, row)
+            cell = place.getCellRangeByPosition(column, row, column, row)
             cell.setArrayFormula(f"={function}({text})")
             sizes.append(self.of(cell.getCellByPosition(0, 0)))
             cell.setArrayFormula("")
-        cells = self.scratch.getCellRangeByPosition(column, row, column + columns - 1,
-                                                    row + rows - 1)
+        cells = place.getCellRangeByPosition(column, row, column + columns - 1, row + rows - 1)
         cells.setArrayFormula("=" + text)
         try:
             return {"rows": sizes[0], "columns": sizes[1],
@@ -105,6 +135,11 @@ class Client:
         """What the formula's own cell holds in the copy."""
         return self.of(self.copy.Sheets.getByName(sheet).getCellByPosition(column, row))
 
+    def is_array(self, sheet, row, column):
+        """Whether the cell is one of an array formula."""
+        cell = self.copy.Sheets.getByName(sheet).getCellByPosition(column, row)
+        return cell.getFormula().startswith("{=")
+
     @staticmethod
     def of(cell):
         error = cell.getError()
@@ -112,7 +147,9 @@ class Client:
             return {"error": ERRORS.get(error, f"Err:{error}")}
         if cell.getType() == TEXT or (cell.getType() not in (EMPTY, VALUE)
                                       and cell.FormulaResultType2 == TEXT_RESULT):
-            return cell.getString()
+            at = cell.CellAddress  # the text itself, not as its format shows it
+            return cell.Spreadsheet.getCellRangeByPosition(
+                at.Column, at.Row, at.Column, at.Row).getDataArray()[0][0]
         return cell.getValue()
 
 

@@ -3,10 +3,10 @@
 
 usage: values_test.py QUORIN [WORKBOOKS] [--count N] [--seed N] [--book NAME] [--all]
 
-Draws formulas from the workbooks of a folder, or from the sample workbook, as different as can be, selects them one after the
-other in a Calc of its own and reads every row of the tree that the panel beside it shows. The text
-of each part is then written into a cell of a copy that another office holds, by a client that knows
-nothing of Quorin, and both are compared. Prints what differs, by cause, and ends with status 1 where
+Draws formulas from the workbooks of a folder, or from the sample workbook, as different as can be,
+selects them one after the other in a Calc of its own and reads every row of the tree that the panel
+beside it shows. The text of each part is then written into a cell of a copy that another office
+holds, by a client that knows nothing of Quorin, and both are compared. Prints what differs, by cause, and ends with status 1 where
 a cause is not among the known ones; in the sample workbook nothing may differ. `--all` prints every
 difference.
 """
@@ -26,28 +26,21 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 sys.path.insert(0, str(ROOT / "tools" / "dev"))
 import try_panel  # noqa: E402
+from calc_text import OF_THE_PLACE, Home, Unknown, scope_at, translated  # noqa: E402
 from try_panel import Trial, Trouble, letters, wait_for  # noqa: E402
+from workbook_copy import copy_with_sheet  # noqa: E402
 
 try_panel.PATIENCE = 60
 LARGEST_ARRAY = 2_000
+CALL = re.compile(r"([A-Z][A-Z0-9.]*)\(")
 # Another value each time, or one that depends on when it is asked for.
 FLEETING = re.compile(r"\b(RAND|RANDBETWEEN|RANDARRAY|NOW|TODAY|RAND\.NV|RANDBETWEEN\.NV)\(", re.I)
 
-# What is written for Excel, in Calc's own grammar.
-WORDS = re.compile(r"""
-    (?P<text>"(?:[^"]|"")*")
-  | (?P<array>\{[^{}]*\})
-  | (?P<error>\#(?:NULL!|DIV/0!|VALUE!|REF!|NAME\?|NUM!|N/A))
-  | (?P<quoted>'(?:[^']|'')+'!)
-  | (?P<sheet>[^\W\d][\w.]*!)
-  | (?P<columns>[^\W\d][\w.]*\[(?:[^\[\]]|\[[^\[\]]*\])*\])
-  | (?P<call>[^\W\d][\w.]*\()
-  | (?P<cell>\$?[A-Z]{1,3}\$?\d+(?![\w(.])|\$?[A-Z]{1,3}:\$?[A-Z]{1,3}(?![\w(])|\$?\d+:\$?\d+(?!\w))
-  | (?P<name>[^\W\d][\w.]*)
-  | (?P<number>\d+\.?\d*(?:E[+-]?\d+)?|\.\d+(?:E[+-]?\d+)?)
-  | (?P<comma>,)
-  | (?P<other>.)
-""", re.VERBOSE | re.DOTALL | re.IGNORECASE)
+# Errors that Calc alone has, and what Excel gives for the same: an argument out of range, one of the
+# wrong kind, a formula that cannot be read, cells that wait for each other.
+CALCS_OWN = {"Err:502": "#NUM!", "Err:504": "#VALUE!", "Err:508": "#NAME?", "Err:509": "#NAME?",
+             "Err:510": "#NAME?", "Err:511": "#NAME?", "Err:512": "#NAME?", "Err:522": "#REF!",
+             "Err:523": "#NUM!"}
 
 SETTLED = """(() => {
   const rows = [...document.querySelectorAll('[data-testid="row"]')];
@@ -60,10 +53,11 @@ SETTLED = """(() => {
 
 ROWS = """(() => {
   const exact = (value) => value && value.querySelector('[data-type]');
+  const scroll = document.querySelector('[data-testid="tree"]').scrollTop;
   return [...document.querySelectorAll('[data-testid="row"]')].map((row) => {
     const value = row.querySelector('[data-testid="row-value"]');
     const told = exact(value);
-    return { id: row.id, span: row.dataset.span, unused: row.classList.contains('unused'),
+    return { id: row.id, scroll, span: row.dataset.span, unused: row.classList.contains('unused'),
              state: value.dataset.state, text: value.textContent.trim(),
              type: told ? told.dataset.type : null,
              exact: told && told.dataset.exact !== undefined ? told.dataset.exact : null };
@@ -90,48 +84,14 @@ COPY = """(() => {
 })()"""
 
 
-def translated(text, sheet):
-    """A part of a formula as Calc's own grammar has it, its references with their sheet; nothing
-    for what this small translator does not know."""
-    own = "$'" + sheet.replace("'", "''") + "'."
-    result, prefix, before = [], None, ""
-    for match in WORDS.finditer(text):
-        kind, word = match.lastgroup, match.group()
-        if kind in ("quoted", "sheet"):
-            name = word[1:-2] if kind == "quoted" else word[:-1]
-            if "[" in name or ":" in name:
-                return None
-            prefix = f"$'{name}'."
-            continue
-        if kind == "array":
-            word = "{" + word[1:-1].replace(";", "|").replace(",", ";") + "}"
-        elif kind == "comma":
-            word = ";"
-        elif kind == "error":
-            prefix = None  # 'Sheet'!#REF!
-        elif kind == "columns" or (kind == "other" and word in "[]@!"):
-            return None
-        elif kind == "other" and word == " " and before in ("cell", "name"):
-            rest = text[match.end():].lstrip()
-            if re.match(r"[\w$'(]", rest):
-                return None  # an intersection
-        if kind == "cell" and prefix is None and before != "colon":
-            word = own + word
-        elif prefix is not None:
-            word = prefix + word
-        prefix = None
-        before = "colon" if word == ":" else kind
-        result.append(word)
-    return "".join(result)
-
-
 def shape(formula):
     """The formula without its numbers, texts and addresses."""
     return re.sub(r'"[^"]*"', '""', re.sub(r"\$?[A-Z]{1,3}\$?\d+|\d+\.?\d*", "0", formula))
 
 
 def draw(found, count, source):
-    """So many of the formulas, those of different shapes first."""
+    """So many of the formulas: first those that bring in functions of their own, then those of
+    different shapes."""
     shapes = collections.defaultdict(list)
     for one in found:
         if not FLEETING.search(one[3]) and len(one[3]) > 4:
@@ -139,6 +99,13 @@ def draw(found, count, source):
     groups = [shapes[key] for key in sorted(shapes)]
     source.shuffle(groups)
     groups.sort(key=lambda group: -min(len(group[0][3]) // 12, 8))
+    reached, first = set(), []
+    for group in groups:
+        functions = set(CALL.findall(group[0][3].upper()))
+        if functions - reached:
+            first.append(group)
+            reached |= functions
+    groups = first + [group for group in groups if group not in first]
     drawn = []
     while groups and len(drawn) < count:
         drawn += [group.pop(source.randrange(len(group))) for group in groups][:count - len(drawn)]
@@ -158,6 +125,12 @@ def same(page, calc):
     if kind == "Text":
         return exact == calc
     return kind == "Blank" and calc in ("", 0.0)
+
+
+def as_excel_names(calc):
+    if isinstance(calc, dict):
+        return {"error": CALCS_OWN.get(calc["error"], calc["error"])}
+    return calc
 
 
 def same_cell(told, calc):
@@ -249,9 +222,9 @@ class Values(Trial):
         self.workbook = self.folder / book.name
         copy = self.folder / "copies" / book.name
         copy.parent.mkdir(exist_ok=True)
-        for place in (self.workbook, copy):
-            if not place.exists():
-                shutil.copy(book, place)
+        if not self.workbook.exists():
+            shutil.copy(book, self.workbook)
+        copy_with_sheet(book, copy, "values of parts")
         # Opened as the user would: an office that is told to from outside may block itself.
         self.start("soffice", f"-env:UserInstallation=file://{self.folder / 'office'}",
                    "--norestore", "--nologo", "--calc", self.workbook)
@@ -296,7 +269,7 @@ class Values(Trial):
         found = {}
         self.panel.eval("""document.querySelector('[data-testid="tree"]').scrollTop = 0; 0""")
         while True:
-            wait_for("all values", lambda: self.panel.eval(SETTLED), 20)
+            wait_for("all values", lambda: self.panel.eval(SETTLED))
             asked = self.panel.eval("""(() => { const one = document.querySelector(
                 '[data-testid="row-value"][data-state="offered"] button');
                 if (one && !one.dataset.tried) { one.dataset.tried = 1; one.click(); return true; }
@@ -311,11 +284,18 @@ class Values(Trial):
                   tree.scrollTop += tree.clientHeight;
                   return tree.scrollTop > before; })()"""):
                 return list(found.values())
-            self.panel.eval("""window.__trialFrames = 0; requestAnimationFrame(() =>
-                requestAnimationFrame(() => { window.__trialFrames = 2; })); 0""")
-            wait_for("the rows", lambda: self.panel.eval("window.__trialFrames") == 2)
+            self.let_rows_follow()
+
+    def let_rows_follow(self):
+        self.panel.eval("""window.__trialFrames = 0; requestAnimationFrame(() =>
+            requestAnimationFrame(() => { window.__trialFrames = 2; })); 0""")
+        wait_for("the rows", lambda: self.panel.eval("window.__trialFrames") == 2)
 
     def copied(self, row):
+        if not self.panel.eval(f"document.getElementById({json.dumps(row['id'])}) !== null"):
+            self.panel.eval("document.querySelector('[data-testid=\"tree\"]').scrollTop = "
+                            f"{row['scroll']}; 0")
+            self.let_rows_follow()
         self.panel.eval("window.__copied = undefined; " + COPY % json.dumps(row["id"]))
         wait_for("the copy", lambda: self.panel.eval("window.__copied !== undefined"))
         return self.panel.eval("window.__copied")
@@ -328,7 +308,7 @@ class Values(Trial):
             self.differs("unexplained", place, stored, str(trouble), "")
             return
         if not shown["formula"]:
-            self.left_out["cells whose formula the panel does not show"] += 1
+            self.differs("unexplained", place, stored, "no formula", "")
             return
         self.formulas += 1
         formula = shown["formula"].encode("utf-16-le")
@@ -339,25 +319,35 @@ class Values(Trial):
             rows = [row for row in self.panel.eval(ROWS) if row["state"] != "known"]
             self.differs("unexplained", place, shown["formula"], f"{trouble}: {rows}", "")
             return
+        known = self.ask("home", sheet, row, column)
+        self.home = Home(sheet, set(known["names"]), known["table"], set(known["tables"]))
         for part in parts:
             start, end = map(int, part["span"].split(":"))
             text = formula[2 * start:2 * end].decode("utf-16-le")
             verdict = verdict or self.panel.eval(
                 "document.querySelector('[data-testid=\"verification\"]').dataset.state")
-            self.try_part(place, sheet, row, column, part, text, verdict)
+            before = formula[:2 * start].decode("utf-16-le")
+            scope = scope_at(shown["formula"], len(before))
+            try:
+                self.try_part(place, (sheet, row, column), part, text, scope, verdict)
+            except Trouble as trouble:
+                self.differs("unexplained", place, text, str(trouble), "")
 
-    def try_part(self, place, sheet, row, column, part, text, verdict):
+    def try_part(self, place, cell, part, text, scope, verdict):
         if part["state"] != "known":
             what = "not used" if part["unused"] else part["text"] or part["state"]
             self.left_out[f"parts without a value: {what}"] += 1
             return
-        calc_text = translated(text, sheet)
-        if calc_text is None:
+        try:
+            calc_text = translated(text, self.home, scope)
+        except Unknown:
             self.left_out["parts that the translator does not know"] += 1
             return
-        if FLEETING.search(text):
+        if FLEETING.search(calc_text):
             self.left_out["parts that change with time"] += 1
             return
+        sheet, row, column = cell
+        self.beside = [sheet] if OF_THE_PLACE.search(calc_text) else []
         where = (calc_text, row, column)
         if part["type"] == "Array":
             self.try_array(place, part, text, where)
@@ -365,27 +355,37 @@ class Values(Trial):
         page = (part["type"], part["exact"])
         if part["exact"] is None:
             page = (part["type"], self.copied(part))
-        calc = self.ask("value", *where)
+        calc = self.ask("value", *where, *self.beside)
         if same(page, calc):
             self.compared[part["type"]] += 1
             return
-        stored = self.ask("stored", sheet, row, column) if part["id"] == "row-0" else None
-        self.differs(self.cause(page, calc, where, stored, verdict), place, text, page, calc)
+        stored = self.ask("stored", *cell) if part["id"] == "row-0" else None
+        of_array = stored is not None and self.ask("is_array", *cell)
+        cause = self.cause(page, calc, where, stored, verdict, of_array)
+        self.differs(cause, place, text, page, calc)
 
-    def cause(self, page, calc, where, stored, verdict):
-        if stored is not None and same(page, stored):
+    def cause(self, page, calc, where, stored, verdict, of_array):
+        if stored is not None and same(page, as_excel_names(stored)):
             if verdict == "differs":
                 return "the cell holds another value than its formula gives; the page says so"
             numbers = isinstance(stored, float) and isinstance(calc, float)
             if numbers and abs(stored - calc) <= 1e-12 * abs(calc):
                 return "the cell holds another value than its formula gives, by less than 1e-12"
+            if of_array:
+                return "a cell of an array formula holds its own part of what the formula gives"
+            if re.search(r"\bTABLE\(", where[0]):
+                return "the cell of a data table, which Calc leaves blank until it calculates"
+        if re.search(r"\bFORMULA\(", where[0]):
+            return "the text of a formula, which Calc writes in a grammar of its own"
         if page[0] == "Number" and isinstance(calc, float):
             if abs(float(page[1]) - calc) <= 2.3e-16 * abs(calc):
                 return "the last bit of a number"
-        array = self.ask("array", *where, 1, 1)["values"][0][0]
+        array = self.ask("array", *where, 1, 1, *self.beside)["values"][0][0]
         if same(page, array):
             return "a range where one value is meant: the page shows what an array formula gives"
         if page[0] == "Error" and isinstance(calc, dict):
+            if CALCS_OWN.get(calc["error"]) == page[1]:
+                return f"an error of Calc's own, {calc['error']}, that the page names as Excel does"
             return f"another error: the page {page[1]}, Calc {calc['error']}"
         return "unexplained"
 
@@ -394,13 +394,13 @@ class Values(Trial):
                          re.match(r"([\d,]+) × ([\d,]+)", part["text"]).groups())
         told = part["exact"] if part["exact"] is not None else self.copied(part)
         if not told or rows * columns > LARGEST_ARRAY:
-            size = self.ask("array", *where, 1, 1)
+            size = self.ask("array", *where, 1, 1, *self.beside)
             if (size["rows"], size["columns"]) == (rows, columns):
                 self.compared["Size of a large range"] += 1
             else:
                 self.differs("unexplained", place, text, (rows, columns), size)
             return
-        given = self.ask("array", *where, rows, columns)
+        given = self.ask("array", *where, rows, columns, *self.beside)
         cells = [line.split("\t") for line in told.split("\n")]
         fits = (given["rows"], given["columns"]) == (rows, columns) and all(
             same_cell(page, calc) for page_row, calc_row in zip(cells, given["values"])
