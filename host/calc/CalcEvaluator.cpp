@@ -37,6 +37,14 @@ long long filledCells(const Workbook& workbook, const std::vector<std::string>& 
   return cells;
 }
 
+// The error's text, empty for any other single value. Of cells Calc tells itself.
+std::optional<std::string> oneError(const Evaluation& value) {
+  const auto* cell = std::get_if<CellValue>(&value);
+  if (cell == nullptr) return std::nullopt;
+  const auto* error = std::get_if<CellError>(cell);
+  return error == nullptr ? "" : error->text;
+}
+
 // The one text that it is; nothing for other values and for several.
 std::optional<std::string> oneText(CalcWorkbooks& workbooks, const Evaluation& value) {
   const auto textOf = [](const CellValue& cell) -> std::optional<std::string> {
@@ -64,6 +72,12 @@ Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& 
   context.referent = [&](const std::string& argument) {
     const auto [entry, isNew] = referents.try_emplace(argument);
     if (isNew) entry->second = referent(workbooks, argument, from);
+    return entry->second;
+  };
+  std::map<std::string, std::optional<std::string>> errors;
+  context.errorOf = [&](const std::string& argument) {
+    const auto [entry, isNew] = errors.try_emplace(argument);
+    if (isNew) entry->second = oneError(evaluate(workbooks, argument, from));
     return entry->second;
   };
   const auto dryRun = calcExpression(expression, context);

@@ -37,6 +37,9 @@ struct ExpressionContext {
   // The cells that INDIRECT finds by its argument, as Excel text, empty where it finds none;
   // nothing where only a calculation among all cells can tell.
   std::function<std::optional<std::string>(const std::string& argument)> referent = {};
+  // The text of the error that an argument gives, empty for none; nothing where it is not one
+  // value. Calc's own ERRORTYPE may tell of another error than the cell would show.
+  std::function<std::optional<std::string>(const std::string& argument)> errorOf = {};
   // What stands in the cells, formulas as Excel text; nothing where these are too many.
   std::function<std::optional<Grid<CellValue>>(const RangeRef& cells)> formulas = {};
   // "/folder/[Book.xlsx]Sheet"; empty when the workbook has no file.

@@ -30,21 +30,20 @@ constexpr std::array rows{
     Row{542, "#REF!"},   Row{32767, "#N/A"},
 };
 
-// Excel's number for the error.
-int errorType(std::string_view text) {
-  constexpr std::array<std::string_view, 7> byNumber{"#NULL!", "#DIV/0!", "#VALUE!", "#REF!",
-                                                     "#NAME?", "#NUM!",   "#N/A"};
-  constexpr int calcError = 14;
-  const auto found = std::find(byNumber.begin(), byNumber.end(), text);
-  return found == byNumber.end() ? calcError : static_cast<int>(found - byNumber.begin()) + 1;
-}
-
 }  // namespace
 
 std::string errorText(int code) {
   const auto row = std::find_if(rows.begin(), rows.end(),
                                 [code](const Row& candidate) { return candidate.code == code; });
   return row == rows.end() ? "#VALUE!" : row->text;
+}
+
+int errorType(std::string_view text) {
+  constexpr std::array<std::string_view, 7> byNumber{"#NULL!", "#DIV/0!", "#VALUE!", "#REF!",
+                                                     "#NAME?", "#NUM!",   "#N/A"};
+  constexpr int calcError = 14;
+  const auto found = std::find(byNumber.begin(), byNumber.end(), text);
+  return found == byNumber.end() ? calcError : static_cast<int>(found - byNumber.begin()) + 1;
 }
 
 std::string errorTypeCall(const std::string& argument) {

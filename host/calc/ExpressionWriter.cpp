@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "host/calc/CellErrors.h"
 #include "host/calc/FunctionCalls.h"
 
 namespace quorin::host::calc {
@@ -329,6 +330,7 @@ void ExpressionWriter::function(std::string name) {
     if (name.starts_with(origin)) name.erase(0, origin.size());
   }
   if (name == "INDIRECT" && indirect()) return;
+  if (name == "ERROR.TYPE" && errorNumber()) return;
   addFunction(reach_, name);
   out_ += name;
   open(name);
@@ -346,6 +348,18 @@ bool ExpressionWriter::indirect() {
   } else {
     expansion(*cells);
   }
+  return true;
+}
+
+// Writes what ERROR.TYPE gives, where the error of its argument is known.
+bool ExpressionWriter::errorNumber() {
+  const auto end = endOfOnlyArgument(text_, at_ + 1);
+  if (!end || !context_.errorOf) return false;
+  const auto error = context_.errorOf(std::string(text_.substr(at_ + 1, *end - at_ - 1)));
+  if (!error) return false;
+  at_ = *end + 1;
+  out_ += error->empty() ? "#N/A" : std::to_string(errorType(*error));
+  reference_ = false;
   return true;
 }
 

@@ -51,6 +51,7 @@ class ExpressionWriter {
   void number(const std::string& word);
   void function(std::string name);
   bool indirect();
+  bool errorNumber();
   void table(const std::string& name);
   void name(const std::optional<SheetSpan>& span, const std::string& word);
   void expansion(const std::string& excel);

@@ -164,6 +164,12 @@ TEST_F(CalcEvaluation, FindsCellsThatTextNames) {
 TEST_F(CalcEvaluation, NumbersErrorsAsExcelDoes) {
   EXPECT_EQ(calc().evaluate("SQRT(-1)", open), Evaluation(CellValue(CellError{"#NUM!"})));
   EXPECT_EQ(calc().evaluate("ERROR.TYPE(SQRT(-1))", open), Evaluation(CellValue(6.0)));
+  EXPECT_EQ(calc().evaluate("MATCH(1,INDIRECT(\"nope\"),0)", open),
+            Evaluation(CellValue(CellError{"#REF!"})));
+  EXPECT_EQ(calc().evaluate("ERROR.TYPE(MATCH(1,INDIRECT(\"nope\"),0))", open),
+            Evaluation(CellValue(4.0)));
+  EXPECT_EQ(calc().evaluate("IFERROR(1/0,\"e\"&ERROR.TYPE(ERROR.TYPE(A1/0)/0))", open),
+            Evaluation(CellValue("e2")));
   EXPECT_EQ(calc().evaluate("ERROR.TYPE(#NULL!)", open), Evaluation(CellValue(1.0)));
   EXPECT_EQ(calc().evaluate("ERROR.TYPE(1)", open), Evaluation(CellValue(CellError{"#N/A"})));
 }

@@ -228,6 +228,17 @@ TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
   EXPECT_EQ(asked.size(), 3U);
 }
 
+TEST(CalcExpression, WritesTheNumberOfAnErrorThatIsKnown) {
+  ExpressionContext from = context;
+  from.errorOf = [](const std::string& argument) -> std::optional<std::string> {
+    if (argument == "A1") return std::nullopt;
+    return argument == "1" ? "" : "#REF!";
+  };
+  EXPECT_EQ(textOf("\"e\"&ERROR.TYPE(MATCH(1,A1,0))&1", from), "\"e\"&4&1");
+  EXPECT_EQ(textOf("IFERROR(error.type(1),2)", from), "IFERROR(#N/A;2)");
+  EXPECT_TRUE(textOf("ERROR.TYPE(A1)", from).value().starts_with("LOOKUP(ERRORTYPE("));
+}
+
 TEST(CalcExpression, GivesExcelsErrorNumbersForCalcsOwnErrors) {
   const auto text = textOf("IFERROR(A1,\"e\"&ERROR.TYPE(A1))", context);
   ASSERT_TRUE(text);
