@@ -1,4 +1,4 @@
-import { createEffect, createMemo, Index, on, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, Index, on, onCleanup, Show, type JSX } from 'solid-js';
 
 import { visibleText } from '../core/format/visible';
 import { highlight } from '../core/formula/highlight';
@@ -7,6 +7,9 @@ import type { Page } from './page';
 
 /** Pieces up to this length stay on one line; it fits into the narrowest panel. */
 const unbrokenLength = 30;
+
+/** Milliseconds without another row. */
+const restingTime = 80;
 
 /** The first piece that begins at `start` or behind it. */
 function pieceAt(pieces: readonly { start: number }[], start: number): number {
@@ -51,10 +54,21 @@ export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
       element.classList.add('current');
       marked.push(element);
     }
-    // Bringing it into view may not scroll anything but the formula itself.
-    const first = marked[0] as HTMLElement | undefined;
-    if (first) code.scrollTop = Math.max(0, first.offsetTop - 24);
+    bringIntoView();
   };
+  // Where a piece stands in a formula of thousands is slow to tell: only once the row rests.
+  let resting: number | undefined;
+  const bringIntoView = (): void => {
+    clearTimeout(resting);
+    resting = setTimeout(() => {
+      const first = marked[0] as HTMLElement | undefined;
+      // Nothing but the formula itself may scroll.
+      if (code && first) code.scrollTop = Math.max(0, first.offsetTop - 24);
+    }, restingTime);
+  };
+  onCleanup(() => {
+    clearTimeout(resting);
+  });
   createEffect(on([span, pieces], ([text]) => mark(text)));
   const choose = (event: MouseEvent): void => {
     const at = (event.target as HTMLElement).dataset.start;

@@ -1,4 +1,4 @@
-import { createEffect, createMemo, Index, onMount, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, Index, onMount, type JSX } from 'solid-js';
 
 import { leads } from '../core/explorer/lead';
 import { homeOf } from '../core/explorer/stops';
@@ -80,6 +80,8 @@ export function TreeView(props: { page: Page; stop: Stop }): JSX.Element {
   );
 }
 
+// A row is used for one part after the other while the tree is scrolled, so each has all elements
+// that any part needs: what a part does not have is empty or hidden.
 type TreeRowProps = { page: Page; stop: Stop; item: Item; top: number; active: boolean };
 
 function TreeRow(props: TreeRowProps): JSX.Element {
@@ -120,13 +122,9 @@ function TreeRow(props: TreeRowProps): JSX.Element {
           props.page.explorer.toggle(props.item);
         }}
       >
-        <Show when={hasChildren()}>
-          <ChevronIcon />
-        </Show>
+        <ChevronIcon />
       </span>
-      <Show when={props.item.role}>
-        <bdi class="role">{props.item.role}</bdi>
-      </Show>
+      <bdi class="role">{props.item.role}</bdi>
       <bdi class="rowText" dir="ltr" classList={{ lead: leads(props.item, homeOf(props.stop)) }}>
         {text()}
       </bdi>

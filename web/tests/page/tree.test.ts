@@ -139,6 +139,16 @@ describe('a long tree', () => {
     expect(await top()).toBe(24);
   });
 
+  test('brings the part of the active row into view in its formula', async () => {
+    await open(long);
+    await press('End');
+    await panel.page.waitForFunction(() => {
+      const formula = document.querySelector('.formula')?.getBoundingClientRect();
+      const part = document.querySelector('.formula .current')?.getBoundingClientRect();
+      return formula && part && part.top >= formula.top && part.bottom <= formula.bottom;
+    });
+  });
+
   test('is followed by another formula from its beginning, with the keyboard', async () => {
     const page = await open(long);
     const tree = await page.page.getByTestId('tree').elementHandle();
@@ -260,6 +270,69 @@ describe('the panel', () => {
     await press(' ');
     expect((await page.asked('select')).args[0]).toEqual(["'Cash flow'!B4"]);
     await page.shows('state', 'Selected Cash flow!B4.');
+  });
+});
+
+describe('a selection', () => {
+  test('shows its tree with the value of the whole after one question', async () => {
+    const page = await open({ ...model, evaluate: undefined as never });
+    await page.lay('readRange', undefined);
+    for (const verb of Object.keys(model)) {
+      if (/^(evaluate|readRange) /.test(verb)) await page.lay(verb, undefined);
+    }
+    await page.lay('readCell', cell({ addr: 'F13', formula: '=SUM(A1,B2)*3', value: 42 }));
+    const before = (await page.posted()).length;
+    await page.send('selectionChanged', {
+      book: 'Solar park.xlsx',
+      sheet: 'Cash flow',
+      addr: 'F13',
+    });
+    await page.page.locator('.row', { hasText: 'SUM(A1,B2)*3' }).getByText('42').waitFor();
+    expect(await page.page.getByTestId('row').count()).toBe(4);
+    // The next question is under way and has no answer: nothing shown so far has waited for one.
+    expect((await page.posted()).slice(before).map(({ verb }) => verb)).toEqual([
+      'readCell',
+      'readRange',
+    ]);
+  });
+
+  test('of 64 levels can be walked to the innermost', async () => {
+    const formula = `=${'ABS('.repeat(64)}A1${')'.repeat(64)}`;
+    const page = await open({ ...ready({ formula, value: 5 }), evaluate: value(5) });
+    await press('End');
+    await page.shows('step', 'Step 65 of 65');
+    const row = page.page.locator('.row.active');
+    expect(await row.getAttribute('aria-level')).toBe('65');
+    expect((await row.innerText()).startsWith('A1')).toBe(true);
+    const text = await row.locator('.rowText').boundingBox();
+    expect(text && text.width > 24 && text.x + text.width <= 460).toBe(true);
+  });
+
+  test('whose workbook is closed gives way to the sentence, and the next one is picked up', async () => {
+    const page = await open();
+    await press('f', 'ArrowDown');
+    await page.lay('probe', success({ state: 'noWorkbook' }));
+    await page.send('probeNeeded', {});
+    await page.reaches('noWorkbook');
+    expect(await page.page.getByTestId('tree').count()).toBe(0);
+    await page.lay('readCell', cell({ book: 'Other.xlsx', formula: '=1+1', value: 2 }));
+    await page.lay('probe', success({ state: 'ok' }));
+    await page.reaches('ready');
+    await press('f');
+    await page.shows('book', 'Other.xlsx');
+  });
+
+  test('moves nothing where motion is not wanted', async () => {
+    const page = await open();
+    await page.page.emulateMedia({ reducedMotion: 'reduce' });
+    const moving = await page.page.evaluate(
+      () =>
+        [...document.querySelectorAll('*')].filter((one) => {
+          const { transitionDuration, animationName } = getComputedStyle(one);
+          return transitionDuration !== '0s' || animationName !== 'none';
+        }).length,
+    );
+    expect(moving).toBe(0);
   });
 });
 
