@@ -161,6 +161,10 @@ bool matchesAt(const std::vector<std::string>& text, std::size_t at,
 
 }  // namespace
 
+bool textsDifferInLength(std::string_view a, std::string_view b, const TextRules& rules) {
+  return a.size() != b.size() && !rules.numericStrings && isSimple(a, b, rules);
+}
+
 bool textEquals(std::string_view a, std::string_view b, const TextRules& rules) {
   if (isSimple(a, b, rules) && !rules.numericStrings) return simpleEquals(a, b, rules);
   return compareUnits(units(a, rules, foldingOf(rules)), units(b, rules, foldingOf(rules)),

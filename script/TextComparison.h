@@ -12,6 +12,9 @@
 namespace quorin::script {
 
 bool textEquals(std::string_view a, std::string_view b, const TextRules& rules);
+
+// True where their lengths alone tell that they are not equal.
+bool textsDifferInLength(std::string_view a, std::string_view b, const TextRules& rules);
 int textOrder(std::string_view a, std::string_view b, const TextRules& rules);  // <0, 0, >0
 bool textContains(std::string_view text, std::string_view part, const TextRules& rules);
 bool textBeginsWith(std::string_view text, std::string_view part, const TextRules& rules);

@@ -7,9 +7,12 @@
 namespace quorin {
 
 void PageChannel::reply(double id, bool ok, const JSONValue& payload) {
-  const JSONValue envelope = JSONValue::Object{{"ok", ok}, {"payload", payload}};
-  view_.evaluate("window.__qxResolve(" + Marshal::encode(id) + ", " + Marshal::encode(envelope) +
-                 ")");
+  // The payload may be large: it is not copied into an object for this.
+  std::string call = "window.__qxResolve(" + Marshal::encode(id);
+  call += ok ? ", {\"ok\":true,\"payload\":" : ", {\"ok\":false,\"payload\":";
+  call += Marshal::encode(payload);
+  call += "})";
+  view_.evaluate(call);
 }
 
 void PageChannel::sendEvent(const std::string& name, const JSONValue& payload) {

@@ -1,6 +1,7 @@
 #include "host/calc/CalcSpreadsheet.h"
 
 #include <com/sun/star/lang/DisposedException.hpp>
+#include <iterator>
 
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLines.h"
@@ -22,6 +23,18 @@ RangeRef firstCellOf(const ScratchWorkbook& scratch) {
 CalcNavigation navigation(CalcSession& office) {
   office.scratch().deactivate();
   return CalcNavigation(office.workbooks());
+}
+
+Grid<CellValue> withFirstColumn(Grid<CellValue> first, Grid<CellValue> rest) {
+  Grid<CellValue> all{rest.rows, rest.columns + 1, {}};
+  all.cells.reserve(first.cells.size() + rest.cells.size());
+  auto next = rest.cells.begin();
+  for (CellValue& cell : first.cells) {
+    all.cells.push_back(std::move(cell));
+    std::move(next, next + rest.columns, std::back_inserter(all.cells));
+    next += rest.columns;
+  }
+  return all;
 }
 
 }  // namespace
@@ -278,9 +291,15 @@ std::optional<RangeRef> CalcSpreadsheet::dependents(const RangeRef& range, Depen
 
 Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
   if (auto known = memory_.values(range)) return *std::move(known);
+  // Who reads a range often looks at its first column before.
+  const auto first = memory_.takeFirstColumn(range);
+  RangeRef rest = range;
+  if (first) ++rest.areas.front().firstColumn;
   Grid<CellValue> values = call(
-      [&](CalcSession& office) { return readValues(office.workbook(range.sheet.book), range); });
+      [&](CalcSession& office) { return readValues(office.workbook(range.sheet.book), rest); });
+  if (first) values = withFirstColumn(*std::move(first), std::move(values));
   memory_.noteErrors(range, values);
+  if (values.columns == 1) memory_.keepValues(range, values);
   return values;
 }
 

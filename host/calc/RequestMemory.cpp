@@ -1,6 +1,7 @@
 #include "host/calc/RequestMemory.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/Address.h"
 
@@ -47,6 +48,14 @@ std::optional<Grid<CellValue>> RequestMemory::values(const RangeRef& range) cons
     }
   }
   return part;
+}
+
+std::optional<Grid<CellValue>> RequestMemory::takeFirstColumn(const RangeRef& range) {
+  if (!values_ || valuesRange_.sheet != range.sheet || range.areas.size() != 1) return std::nullopt;
+  Area column = range.areas.front();
+  column.lastColumn = column.firstColumn;
+  if (valuesRange_.areas.front() != column) return std::nullopt;
+  return std::exchange(values_, std::nullopt);
 }
 
 void RequestMemory::keepValues(const RangeRef& range, Grid<CellValue> values) {

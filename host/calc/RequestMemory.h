@@ -39,6 +39,8 @@ class RequestMemory {
 
   // Nothing when these cells were not read. Only the values that were kept last are.
   std::optional<Grid<CellValue>> values(const RangeRef& range) const;
+  // Takes the values out of the memory when they are those of the range's first column.
+  std::optional<Grid<CellValue>> takeFirstColumn(const RangeRef& range);
   void keepValues(const RangeRef& range, Grid<CellValue> values);
 
   // Whether the values that were read last say that there is no error in these cells.

@@ -76,6 +76,18 @@ TEST_F(RequestMemoryTest, KnowsPartsOfWhatWasRead) {
   EXPECT_EQ(memory_.values(at("B2", {"Book.xlsx", "Other"})), std::nullopt);
 }
 
+TEST_F(RequestMemoryTest, GivesAwayTheFirstColumnOfARange) {
+  const Grid<CellValue> column{2, 1, {1.0, 2.0}};
+  memory_.begin();
+  for (const char* other : {"B2:D4", "A2:D3", "C2:D3"}) {
+    memory_.keepValues(at("B2:B3"), column);
+    EXPECT_EQ(memory_.takeFirstColumn(at(other)), std::nullopt) << other;
+  }
+  EXPECT_EQ(memory_.takeFirstColumn(at("B2:D3", {"Book.xlsx", "Other"})), std::nullopt);
+  EXPECT_EQ(memory_.takeFirstColumn(at("B2:D3")), column);
+  EXPECT_EQ(memory_.takeFirstColumn(at("B2:D3")), std::nullopt);
+}
+
 TEST_F(RequestMemoryTest, KnowsWhereNoErrorIs) {
   memory_.begin();
   memory_.noteErrors(at("A1:A2"), {2, 1, {1.0, "#N/A"}});

@@ -41,7 +41,7 @@ std::string replyLine(const JSONValue& id, Bridge::Reply reply,
   JSONValue::Object line{{"id", id}, {"ok", reply.ok}};
   line["payload"] = std::move(reply.payload);  // it may be large, and braces would copy it
   if (milliseconds) line["ms"] = *milliseconds;
-  return Marshal::encode(line);
+  return Marshal::encode(JSONValue(std::move(line)));
 }
 
 }  // namespace quorin::ctl
