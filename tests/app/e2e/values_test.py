@@ -64,6 +64,8 @@ ROWS = """(() => {
   });
 })()"""
 
+SETTLED_ROWS = f"{SETTLED} && {ROWS}"
+
 # A press of the button that copies the value; what it copies is told instead of being put away.
 COPY = """(() => {
   const row = document.getElementById(%s);
@@ -94,6 +96,8 @@ def draw(found, count, source):
     different shapes."""
     shapes = collections.defaultdict(list)
     for one in found:
+        if one[3] in ("=TRUE()", "=FALSE()"):
+            continue  # what Calc makes of a truth value that is no formula in the file
         if not FLEETING.search(one[3]) and len(one[3]) > 4:
             shapes[shape(one[3])].append(one)
     groups = [shapes[key] for key in sorted(shapes)]
@@ -276,7 +280,7 @@ class Values(Trial):
                 return false; })()""")
             if asked:
                 continue
-            for row in self.panel.eval(ROWS):
+            for row in wait_for("all values", lambda: self.panel.eval(SETTLED_ROWS)):
                 found[row["id"]] = row
             if not self.panel.eval("""(() => {
                   const tree = document.querySelector('[data-testid="tree"]');
@@ -365,6 +369,9 @@ class Values(Trial):
         self.differs(cause, place, text, page, calc)
 
     def cause(self, page, calc, where, stored, verdict, of_array):
+        if page[0] == "Error" and isinstance(calc, dict) and as_excel_names(calc) != calc:
+            if same(page, as_excel_names(calc)):
+                return f"an error of Calc's own, {calc['error']}, that the page names as Excel does"
         if stored is not None and same(page, as_excel_names(stored)):
             if verdict == "differs":
                 return "the cell holds another value than its formula gives; the page says so"
@@ -384,8 +391,6 @@ class Values(Trial):
         if same(page, array):
             return "a range where one value is meant: the page shows what an array formula gives"
         if page[0] == "Error" and isinstance(calc, dict):
-            if CALCS_OWN.get(calc["error"]) == page[1]:
-                return f"an error of Calc's own, {calc['error']}, that the page names as Excel does"
             return f"another error: the page {page[1]}, Calc {calc['error']}"
         return "unexplained"
 
