@@ -14,10 +14,11 @@ using host::calc::RunningOffice;
 
 CalcLink::CalcLink() : office_(std::make_shared<RunningOffice>()) {}
 
-ScriptRunnerFactory CalcLink::runnerFactory() const {
-  return [office = office_](const CallThreadPost&) -> std::unique_ptr<ScriptRunner> {
-    auto excel =
-        std::make_unique<host::ExcelObjectModel>(std::make_unique<CalcSpreadsheet>(office));
+ScriptRunnerFactory CalcLink::runnerFactory(DiagLog& log) const {
+  return [office = office_, &log](const CallThreadPost&) -> std::unique_ptr<ScriptRunner> {
+    auto calc = std::make_unique<CalcSpreadsheet>(office);
+    calc->onNotice([&log](const std::string& text) { log.log("UNHIDE", text); });
+    auto excel = std::make_unique<host::ExcelObjectModel>(std::move(calc));
     return std::make_unique<host::EngineRunner>(std::move(excel));
   };
 }

@@ -5,6 +5,7 @@
 
 #include "kit/excel/ScriptRunner.h"
 #include "kit/platform/TargetApplication.h"
+#include "kit/support/DiagLog.h"
 
 namespace quorin::host::calc {
 class RunningOffice;
@@ -16,8 +17,9 @@ class CalcLink {
  public:
   CalcLink();
 
-  // Runs the handler library with the script engine against the running Calc.
-  ScriptRunnerFactory runnerFactory() const;
+  // Runs the handler library with the script engine against the running Calc. The log, which
+  // outlives the runners, is told of shown lines that cannot be hidden again.
+  ScriptRunnerFactory runnerFactory(DiagLog& log) const;
 
   // Whether that Calc runs.
   std::unique_ptr<TargetApplication> target() const;

@@ -103,7 +103,7 @@ int run(const Invocation& invocation) {
   const std::unique_ptr<AppPlatform> platform = makePlatform();
   DiagLog& log = DiagLog::shared();
   noteWayland(environment, log);
-  ExcelThread thread(calc.runnerFactory(), log);
+  ExcelThread thread(calc.runnerFactory(log), log);
   ExcelThread::setShared(&thread);
   HighlightStore highlights(HighlightStore::defaultURL(), FileSystem::real(), &log);
   UnhideStore unhidden(UnhideStore::defaultURL(), FileSystem::real(), &log);

@@ -11,9 +11,12 @@
 #include <com/sun/star/frame/XFrames.hpp>
 #include <utility>
 
+#include "host/Address.h"
 #include "host/Spreadsheet.h"
 #include "host/calc/Arguments.h"
+#include "host/calc/CalcLines.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CalcView.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
 
@@ -30,6 +33,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       evaluator_(connection_.context()),
       scratch_(connection_.context(), workbooks_),
       changes_(connection_.context()),
+      shown_(connection_.context()),
       keeper_(office) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
@@ -85,22 +89,58 @@ void CalcSession::releaseConditions() {
   if (!keeping_) endTurn();
 }
 
-void CalcSession::removeUnreachableMarks() {
+void CalcSession::takeBackUnreachable() {
   try {
     for (const std::string& book : workbooks_.names()) {
-      for (const std::string& sheet : sheetNames(workbook(book))) {
-        const SheetRef place{book, sheet};
-        const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
-        const bool some = std::any_of(marks.begin(), marks.end(), [&](const PlacedMark& each) {
-          return each.mark.asked && each.mark.asked->sheet != place;
-        });
-        if (some) conditions(place).removeUnreachable();
-      }
+      removeUnreachableMarks(book);
+      hideUnreachableLines(book);
     }
   } catch (const SpreadsheetError&) {
   } catch (const css::uno::Exception&) {
   }
   releaseConditions();
+}
+
+void CalcSession::removeUnreachableMarks(const std::string& book) {
+  for (const std::string& sheet : sheetNames(workbook(book))) {
+    const SheetRef place{book, sheet};
+    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+    const bool some = std::any_of(marks.begin(), marks.end(), [&](const PlacedMark& each) {
+      return each.mark.asked && each.mark.asked->sheet != place;
+    });
+    if (some) conditions(place).removeUnreachable();
+  }
+}
+
+// But for those that the user is looking at.
+void CalcSession::hideUnreachableLines(const std::string& book) {
+  const auto window = workbooks_.active();
+  const RangeRef cell = window ? activeCellOf(*window) : RangeRef();
+  for (const ShownLines::Unreachable& each : shown_.unreachable(workbook(book))) {
+    if (cell.sheet == each.now.sheet && touch(cell.areas, each.now.areas)) continue;
+    setLinesHidden(changes_, workbook(book), each.now, each.kind, true);
+    linesChanged(each.now.sheet);
+    shown_.forget(each.key);
+  }
+}
+
+std::vector<Area> CalcSession::setHidden(const RangeRef& lines, Lines kind, bool hide) {
+  std::vector<Area> lost;
+  if (!hide) shown_.remember(workbook(lines.sheet.book), lines, kind);
+  for (const Area& area : lines.areas) {
+    const RangeRef asked{lines.sheet, {area}};
+    const Workbook& book = workbook(lines.sheet.book);
+    const auto known = hide ? shown_.find(book, asked, kind) : std::nullopt;
+    const RangeRef place = known.value_or(asked);
+    if (place.areas.empty()) {
+      lost.push_back(area);
+    } else {
+      setLinesHidden(changes_, book, place, kind, hide);
+      linesChanged(place.sheet);
+    }
+    if (known) shown_.forget(book, asked, kind);
+  }
+  return lost;
 }
 
 void CalcSession::interrupt() {

@@ -16,6 +16,7 @@
 #include "host/calc/QuietChanges.h"
 #include "host/calc/ScratchWorkbooks.h"
 #include "host/calc/SheetConditions.h"
+#include "host/calc/ShownLines.h"
 
 namespace quorin::host::calc {
 
@@ -27,19 +28,18 @@ class CalcSession {
   CalcWorkbooks& workbooks() { return workbooks_; }
   CalcEvaluator& evaluator() { return evaluator_; }
   ScratchWorkbooks& scratch() { return scratch_; }
-  QuietChanges& changes() { return changes_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
   std::vector<std::string> worksheets(const std::string& book);
   // In the marks keeper's turn, which lasts until releaseConditions(), or to the end of the time in
   // which readings are kept. Marks are not added where no keeper can be had: -10000.
   SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
   void releaseConditions();
-  // Somebody looked for a workbook or a sheet that is not there: takes off the marks that were made
-  // under such names. What fails is left to the next time.
-  void removeUnreachableMarks();
-  // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
-  // readings are no longer kept.
-  void linesChanged(const SheetRef& sheet);
+  // Shows lines and remembers them, or hides those that were shown, wherever they are now. Gives
+  // the areas that cannot be told any more, which stay as they are.
+  std::vector<Area> setHidden(const RangeRef& lines, Lines kind, bool hide);
+  // Somebody looked for a workbook or a sheet that is not there: takes back what was done under
+  // such names, marks and shown lines. What fails is left to the next time.
+  void takeBackUnreachable();
 
   // Makes calls in progress fail. From any thread.
   void interrupt();
@@ -57,6 +57,11 @@ class CalcSession {
  private:
   void takeTurn(const Workbook& workbook, bool adding);
   void endTurn();
+  void removeUnreachableMarks(const std::string& book);
+  void hideUnreachableLines(const std::string& book);
+  // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
+  // readings are no longer kept.
+  void linesChanged(const SheetRef& sheet);
   void redrawMarks(const SheetRef& sheet);
 
   OfficeConnection connection_;  // first: it outlives the references below
@@ -65,6 +70,7 @@ class CalcSession {
   CalcEvaluator evaluator_;
   ScratchWorkbooks scratch_;
   QuietChanges changes_;
+  ShownLines shown_;
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   std::map<std::string, std::vector<std::string>> worksheets_;  // by workbook, while kept
   MarksKeeper keeper_;

@@ -15,6 +15,15 @@
 namespace quorin::host::calc {
 namespace {
 
+// "rows 12-14 sheet=Data"
+std::string lostText(const RangeRef& range, const Area& lost, Lines lines) {
+  const bool rows = lines == Lines::rows;
+  const int first = rows ? lost.firstRow : lost.firstColumn;
+  const int last = rows ? lost.lastRow : lost.lastColumn;
+  return (rows ? "rows " : "columns ") + std::to_string(first) + "-" + std::to_string(last) +
+         " sheet=" + range.sheet.sheet;
+}
+
 RangeRef firstCellOf(const ScratchWorkbook& scratch) {
   return {{scratch.name(), ScratchWorkbook::onlySheet}, {Area{}}};
 }
@@ -123,7 +132,7 @@ void CalcSpreadsheet::handlerBegins() {
 
 void CalcSpreadsheet::handlerEnds() {
   // A handler that asked for names and for nothing else has missed what it was looking for.
-  if (session_ && asked_ == Asked::names) session_->removeUnreachableMarks();
+  if (session_ && asked_ == Asked::names) session_->takeBackUnreachable();
   inHandler_ = false;
   memory_.end();
   if (session_) session_->keepReadings(false);
@@ -355,8 +364,9 @@ std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) 
 
 void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
   change([&](CalcSession& office) {
-    setLinesHidden(office.changes(), office.workbook(range.sheet.book), range, lines, hide);
-    office.linesChanged(range.sheet);
+    for (const Area& lost : office.setHidden(range, lines, hide)) {
+      if (notice_) notice_("no longer told apart, stays visible: " + lostText(range, lost, lines));
+    }
   });
 }
 

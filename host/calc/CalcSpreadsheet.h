@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -25,6 +26,9 @@ class CalcSpreadsheet : public Spreadsheet {
   explicit CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
                            std::chrono::milliseconds patience = std::chrono::seconds(5));
   ~CalcSpreadsheet() override;
+
+  // Who is told, on the call thread, of lines that were to be hidden again and cannot be.
+  void onNotice(std::function<void(const std::string&)> notice) { notice_ = std::move(notice); }
 
   // Makes a call in progress and all later ones fail at once. From any thread, for quitting.
   void quit();
@@ -96,6 +100,7 @@ class CalcSpreadsheet : public Spreadsheet {
   std::atomic<bool> quitting_ = false;
   std::mutex mutex_;  // guards session_'s replacement against quit()
   std::unique_ptr<CalcSession> session_;
+  std::function<void(const std::string&)> notice_;  // or none
   bool inHandler_ = false;
   Asked asked_ = Asked::nothing;
   RequestMemory memory_;  // after the session: it holds nothing of the office

@@ -1,6 +1,9 @@
 // Revealing on Calc, all the way, and what it leaves in the workbook once it was taken back.
+#include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 
 #include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
@@ -123,6 +126,116 @@ TEST_F(CalcReveal, ShowsHiddenRowsUnderAMergedCell) {
   hands->setModified(book, false);
   revealAndTakeBack("Four!B20:D23", "rows 21\u201322");
   revealAndTakeBack("Four!C21", "row 21");
+}
+
+// Shown lines that the user's edits move before they are taken back.
+class MovedLines : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { desk = std::make_unique<CalcRoad>(); }
+  static void TearDownTestSuite() { desk.reset(); }
+
+  MovedLines() {
+    fakes::writeXlsx({.name = name, .sheets = {{"One", {{"A1", 1.0}}}, {"Home", {{"A1", 1.0}}}}},
+                     folder / name);
+    road.open(folder / name);
+    hands.emplace(road.office().open());
+    hands->hideRows(name, "One", "A5:A7");
+    hands->hideColumns(name, "One", "C1:D1");
+    ask("select", {Array{"Home!A1"}});
+    EXPECT_NE(ask("reveal", {Array{"One!C5:D7"}, 0}).find("rows 5"), std::string::npos);
+    ask("select", {Array{"Home!A1"}});
+  }
+
+  std::string ask(const std::string& verb, Array args = {}) {
+    const Bridge::Reply reply = road.bridge().dispatch(verb, args);
+    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+  }
+  // Of the first rows and columns: "5 6 7 C D".
+  std::string hiddenLines(const std::string& sheet) {
+    std::string text;
+    road.use([&](CalcSpreadsheet& calc) {
+      for (int i = 1; i <= 20; ++i)
+        if (calc.hidden({{name, sheet}, {{i, 1, i, maxColumn}}}, Lines::rows) == true)
+          text += std::to_string(i) + " ";
+      for (int i = 1; i <= 10; ++i)
+        if (calc.hidden({{name, sheet}, {{1, i, maxRow, i}}}, Lines::columns) == true)
+          text += columnLetters(i) + " ";
+    });
+    return text;
+  }
+  bool hasLogged(const std::string& line) {
+    const auto lines = road.log();
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  }
+  void expectNoRecord() { EXPECT_FALSE(std::filesystem::exists(road.unhidden().url())); }
+
+  ~MovedLines() override { hands->close(name); }
+
+  static inline std::unique_ptr<CalcRoad> desk;
+  static inline int books = 0;
+  std::string name = "Moved" + std::to_string(++books) + ".xlsx";
+  TemporaryFolder folder;
+  CalcRoad& road = *desk;
+  std::optional<UserHands> hands;
+};
+
+TEST_F(MovedLines, AreHiddenAgainWhereRowsWereInsertedAbove) {
+  hands->insertRows(name, "One", 2, 3);
+  EXPECT_EQ(hiddenLines("One"), "");
+  const std::string before = hands->stateOf(name);
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("One"), "8 9 10 C D ");
+  EXPECT_EQ(hands->stateOf(name), before);
+  expectNoRecord();
+}
+
+TEST_F(MovedLines, StayVisibleWhereTheyAreDeletedAndTheLogSaysSo) {
+  hands->removeRows(name, "One", 6, 1);
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("One"), "5 6 C D ");
+  EXPECT_TRUE(hasLogged("UNHIDE no longer told apart, stays visible: rows 6-6 sheet=One"));
+  expectNoRecord();
+}
+
+TEST_F(MovedLines, AreHiddenAgainOnASheetThatHasAnotherName) {
+  hands->renameSheet(name, "One", "Uno");
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("Uno"), "5 6 7 C D ");
+  EXPECT_TRUE(hasLogged("UNHIDE restore stale book=" + name + " sheet=One"));
+  expectNoRecord();
+}
+
+TEST_F(MovedLines, AreHiddenAgainInAWorkbookThatHasAnotherName) {
+  hands->insertRows(name, "One", 1, 1);
+  hands->saveAs(name, (folder / "Saved.xlsx").string());
+  name = "Saved.xlsx";
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("One"), "6 7 8 C D ");
+  expectNoRecord();
+}
+
+TEST_F(MovedLines, AreToldByTheirNumbersInAWorkbookThatWasOpenedAnew) {
+  hands->save(name);
+  hands->close(name);
+  road.open(folder / name);
+  ask("select", {Array{"Home!A1"}});
+  EXPECT_EQ(hiddenLines("One"), "");
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("One"), "5 6 7 C D ");
+  expectNoRecord();
+}
+
+// As a new process does after the one that showed them was killed.
+TEST_F(MovedLines, AreKnownToTheNextWhoAsks) {
+  hands->insertRows(name, "One", 2, 2);
+  const UnhideStore::Records recorded = road.unhidden().load();
+  CalcSpreadsheet other(road.sharedOffice());
+  for (const auto& run : recorded.at(0).rows) {
+    for (auto row = static_cast<int>(run[0]); row <= run[1]; ++row)
+      other.setHidden({{name, "One"}, {{row, 1, row, maxColumn}}}, Lines::rows, true);
+  }
+  EXPECT_EQ(hiddenLines("One"), "7 8 9 ");
+  ask("clearMarks");
 }
 
 }  // namespace

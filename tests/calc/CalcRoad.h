@@ -47,6 +47,7 @@ class CalcRoad {
   HighlightStore& store() { return store_; }
   UnhideStore& unhidden() { return unhide_; }
   PrivateOffice& office() { return *office_; }
+  std::shared_ptr<PrivateOffice> sharedOffice() { return office_; }
   std::vector<std::string> log() { return log_.lines(); }
 
  private:
@@ -74,6 +75,7 @@ class CalcRoad {
       post_ = std::move(post);
       auto spreadsheet = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
       spreadsheet_ = spreadsheet.get();
+      spreadsheet_->onNotice([this](const std::string& text) { log_.log().log("UNHIDE", text); });
       return std::make_unique<EngineRunner>(
           std::make_unique<ExcelObjectModel>(std::move(spreadsheet)));
     };

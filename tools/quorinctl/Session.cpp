@@ -32,6 +32,7 @@ Session::Session(Parts parts)
     auto spreadsheet =
         std::make_unique<host::calc::CalcSpreadsheet>(std::move(*office), officeStart);
     spreadsheet_ = spreadsheet.get();
+    spreadsheet_->onNotice([this](const std::string& text) { log_.log("UNHIDE", text); });
     return std::make_unique<host::EngineRunner>(
         std::make_unique<host::ExcelObjectModel>(std::move(spreadsheet)));
   };
