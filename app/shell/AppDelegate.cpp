@@ -108,8 +108,7 @@ void AppDelegate::restoreStrandedMarks() {
 }
 
 void AppDelegate::registerHotKeys(const QXConfig& config) {
-  hotKey_ =
-      std::make_unique<HotKey>(HotKey::Parts{parts_.platform, parts_.bridge, panel(), parts_.log});
+  hotKey_ = std::make_unique<HotKey>(HotKey::Parts{parts_.platform, panel(), *placer_, parts_.log});
   if (HotKeyService* service = parts_.platform.hotKeys()) hotKey_->registerAll(*service, config);
 }
 

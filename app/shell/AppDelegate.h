@@ -70,10 +70,10 @@ class AppDelegate : public ApplicationDelegate {
   std::optional<ISO::Date> previousLaunch_;
   std::unique_ptr<Panel> panel_;
   std::unique_ptr<Poller> poller_;
+  std::unique_ptr<PanelPlacer> placer_;
   std::unique_ptr<HotKey> hotKey_;
   Support support_;
   std::unique_ptr<MenuBar> menuBar_;
-  std::unique_ptr<PanelPlacer> placer_;
   bool raiseWanted_ = false;
   std::optional<std::string> wantedView_;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

@@ -63,22 +63,9 @@ void HotKey::surface(const std::string& view) {
   if (visible) {
     if (!key) panel.makeKey();
     panel.sendEvent("surface", payload);
-  } else if (panel.hasSavedFrame()) {
-    panel.show(std::nullopt, {"surface", payload});
   } else {
-    showBesideExcel(payload);
+    parts_.placer.showBesideExcel({"surface", payload});
   }
-}
-
-// Excel is asked where its window is; the panel comes up when it has answered, in any case.
-void HotKey::showBesideExcel(const JSONValue& payload) {
-  parts_.panel.bridgeQueue().post([this, &bridge = parts_.bridge,
-                                   &loop = parts_.platform.mainLoop(),
-                                   alive = std::weak_ptr(alive_), payload] {
-    loop.post([this, alive, payload, excel = BridgeShapes::windowBounds(bridge.probe())] {
-      if (!alive.expired()) parts_.panel.show(excel, {"surface", payload});
-    });
-  });
 }
 
 }  // namespace quorin

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "app/shell/Panel.h"
+#include "app/shell/PanelPlacer.h"
 #include "app/shell/ports/HotKeyService.h"
 #include "kit/support/QXConfig.h"
 
@@ -25,8 +25,8 @@ class HotKey {
   // itself when the object is gone.
   struct Parts {
     AppPlatform& platform;
-    PanelBridge& bridge;
     Panel& panel;
+    PanelPlacer& placer;
     DiagLog& log;
   };
 
@@ -47,8 +47,6 @@ class HotKey {
 
  private:
   using Action = std::function<void()>;
-
-  void showBesideExcel(const JSONValue& payload);
 
   Parts parts_;
   std::map<std::uint32_t, Action> handlers_;

@@ -15,7 +15,7 @@ constexpr int attemptsInARow = 30;
 }  // namespace
 
 void PanelPlacer::showBesideExcel(const Panel::Event& event) {
-  pending_ = event;
+  pending_.push_back(event);
   if (panel_.hasSavedFrame()) return showPending(std::nullopt);
   patience_ = platform_.mainLoop().startTimer(patience, TimerKind::once,
                                               [this] { showPending(std::nullopt); });
@@ -44,7 +44,7 @@ void PanelPlacer::told(const std::optional<WindowBounds>& excel) {
   asking_ = false;
   const bool moved = excel && excel != told_;
   if (excel) told_ = excel;
-  if (pending_) {
+  if (!pending_.empty()) {
     showPending(excel);
   } else if (moved) {
     panel_.positionBeside(*excel);
@@ -57,9 +57,7 @@ void PanelPlacer::told(const std::optional<WindowBounds>& excel) {
 
 void PanelPlacer::showPending(const std::optional<WindowBounds>& excel) {
   patience_.reset();
-  if (const std::optional<Panel::Event> event = std::exchange(pending_, std::nullopt)) {
-    panel_.show(excel, *event);
-  }
+  for (const Panel::Event& event : std::exchange(pending_, {})) panel_.show(excel, event);
 }
 
 }  // namespace quorin

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "app/shell/Panel.h"
 
@@ -19,8 +20,9 @@ class PanelPlacer {
   PanelPlacer(AppPlatform& platform, PanelBridge& bridge, Panel& panel)
       : platform_(platform), bridge_(bridge), panel_(panel) {}
 
-  // Shows the panel with the keyboard beside Excel's window and sends the event. An Excel that
-  // does not tell at once where that is does not hold the panel back: it is moved later.
+  // Shows the panel with the keyboard and sends the event: where the user put it, or else beside
+  // Excel's window. An Excel that does not tell at once where that is does not hold the panel back:
+  // it is moved later.
   void showBesideExcel(const Panel::Event& event);
 
   // Moves the panel beside Excel's window, unless that was done before.
@@ -37,7 +39,7 @@ class PanelPlacer {
   std::optional<BridgeShapes::WindowBounds> told_;  // where Excel's window was last
   bool asking_ = false;
   int attempts_ = 0;
-  std::optional<Panel::Event> pending_;  // the panel is to be shown and then told this
+  std::vector<Panel::Event> pending_;  // the panel is to be shown and then told these
   std::unique_ptr<Timer> patience_, again_;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };

@@ -20,7 +20,8 @@ class HotKeyTest : public ShellFixture {
         {"state", "ok"}, {"excelWindow", Object{{"x1", 40}, {"y1", 60}, {"x2", 900}, {"y2", 800}}}};
     panel = makePanel();
     platform.webView().finishLoading();
-    hotKey = std::make_unique<HotKey>(HotKey::Parts{platform, bridge, *panel, *log});
+    placer = std::make_unique<PanelPlacer>(platform, bridge, *panel);
+    hotKey = std::make_unique<HotKey>(HotKey::Parts{platform, *panel, *placer, *log});
     takeJournal();
   }
 
@@ -36,6 +37,7 @@ class HotKeyTest : public ShellFixture {
   }
 
   std::unique_ptr<Panel> panel;
+  std::unique_ptr<PanelPlacer> placer;
   std::unique_ptr<HotKey> hotKey;
 };
 
@@ -125,6 +127,30 @@ TEST_F(HotKeyTest, SurfacesAHiddenPanelInItsSavedFrameAtOnce) {
   EXPECT_EQ(queue.waiting(), 0u);
 }
 
+TEST_F(HotKeyTest, SendsEveryPressOfAKeyWhileExcelIsAsked) {
+  registerAll();
+  platform.hotKeyService.press(summonKey);
+  platform.hotKeyService.press(mapKey);
+  settle();
+  EXPECT_THAT(platform.webView().takeScripts(),
+              ElementsAre("window.__qxEvent && window.__qxEvent(\"surface\", "
+                          R"({"name":"tree","wasKey":false,"wasVisible":false}))",
+                          "window.__qxEvent && window.__qxEvent(\"surface\", "
+                          R"({"name":"map","wasKey":false,"wasVisible":false}))"));
+}
+
+TEST_F(HotKeyTest, DoesNotWaitForASlowExcel) {
+  registerAll();
+  platform.hotKeyService.press(depsKey);
+  platform.mainLoop().advance(std::chrono::milliseconds(300));
+  EXPECT_THAT(takeJournal(),
+              ElementsAre("makeKeyAndOrderFront",
+                          surfaceEvent(R"({"name":"deps","wasKey":false,"wasVisible":false})")));
+  settle();
+  EXPECT_THAT(takeJournal(), ElementsAre("probe", "setFrame 900 252 460 588"))
+      << "moved when Excel has told where its window is";
+}
+
 TEST_F(HotKeyTest, GivesTheKeyboardToAVisiblePanel) {
   platform.window().visible = true;
   platform.workspace().frontmost = excel();
@@ -160,6 +186,7 @@ TEST_F(HotKeyTest, ForgetsAnAnswerThatComesAfterItIsGone) {
   platform.hotKeyService.press(summonKey);
   queue.runAll();
   hotKey.reset();
+  placer.reset();
   platform.mainLoop().runPosted();
   EXPECT_THAT(takeJournal(), Not(Contains("makeKeyAndOrderFront")));
 }
