@@ -84,7 +84,9 @@ void MacStatusItem::setMenu(const std::vector<MenuItem>& items) {
 }
 
 void MacStatusItem::setItem(std::size_t index, const MenuItem& item) {
-  NSMenuItem* shown = [menu_ itemAtIndex:static_cast<NSInteger>(index)];
+  const auto at = static_cast<NSInteger>(index);
+  if (at >= menu_.numberOfItems) return;
+  NSMenuItem* shown = [menu_ itemAtIndex:at];
   if (shown) describe(shown, item);
 }
 

@@ -10,11 +10,15 @@
 #include <string>
 
 #include "app/shell/ports/AppPlatform.h"
+#include "kit/platform/Folders.h"
 
 namespace quorin::contract {
 
 // The one platform of the program.
 AppPlatform& platform();
+
+// This user's folders, as the program knows them.
+Folders& folders();
 
 // Runs the main loop until something has happened, or for some milliseconds.
 void turn();

@@ -55,6 +55,7 @@ TEST_F(PanelWindowContract, KeepsExactFramesShownAndHidden) {
   window->orderOut();
   EXPECT_EQ(window->frame(), second);
   window->setFrame(third);
+  EXPECT_EQ(window->frame(), third);
   window->orderFront();
   settle();
   EXPECT_EQ(window->frame(), third);

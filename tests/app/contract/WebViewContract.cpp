@@ -7,6 +7,7 @@
 
 #include "kit/value/Marshal.h"
 #include "tests/app/contract/ContractWorld.h"
+#include "tests/app/contract/WebViewRecorder.h"
 
 namespace quorin::contract {
 namespace {
@@ -15,24 +16,6 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-// Everything that the view tells, in order.
-class Recorder : public WebViewDelegate {
- public:
-  void webViewDidReceiveMessage(const JSONValue& body) override { bodies.push_back(body); }
-  void webViewDidStartProvisionalNavigation() override { calls.push_back("start"); }
-  void webViewDidFinishNavigation() override { calls.push_back("finish"); }
-  void webViewDidFailProvisionalNavigation(const std::string& text) override {
-    calls.push_back("provisional failure: " + text);
-  }
-  void webViewDidFailNavigation(const std::string& text) override {
-    calls.push_back("failure: " + text);
-  }
-  void webViewWebProcessDidTerminate() override { calls.push_back("terminated"); }
-
-  std::vector<JSONValue> bodies;
-  std::vector<std::string> calls;
-};
 
 // A port of this machine that nobody listens on, unless the test does.
 class LocalPort {
@@ -96,7 +79,7 @@ class WebViewContract : public PortContract {
   }
 
   std::filesystem::path folder;
-  Recorder recorder;
+  WebViewRecorder recorder;
   const std::unique_ptr<WebView> view =
       platform().makeWebView({"qx", "window.__qxApp = \"Calc\";"});
   const std::unique_ptr<PanelWindow> window =

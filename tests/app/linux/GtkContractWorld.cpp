@@ -2,6 +2,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "kit/platform/XDGFolders.h"
 #include "tests/app/contract/ContractWorld.h"
 #include "tests/app/linux/GtkFixture.h"
 
@@ -59,6 +60,11 @@ std::string keysOf(std::uint32_t keyCode, std::uint32_t modifiers) {
 
 AppPlatform& platform() {
   return *GtkFixture::platform;
+}
+
+Folders& folders() {
+  static XDGFolders all(processEnvironment());
+  return all;
 }
 
 void turn() {

@@ -73,28 +73,6 @@ TEST_F(GtkPanelWindowTest, StartsHiddenAtTheBottomLeftWithItsDecorationAroundThe
   EXPECT_EQ(window->minimumContentSize(), (ScreenSize{320, 320}));
 }
 
-TEST_F(GtkPanelWindowTest, KeepsExactFramesShownAndHidden) {
-  const auto window = makeWindow();
-  const ScreenFrame first{700, 200, 470, 600}, second{100, 120, 810, 500}, third{30, 40, 400, 444};
-  window->setFrame(first);
-  EXPECT_EQ(window->frame(), first);
-  window->orderFront();
-  EXPECT_EQ(window->frame(), first);
-  settle();
-  EXPECT_EQ(window->frame(), first) << "as the X server has it";
-  window->setFrame(second);
-  settle();
-  EXPECT_EQ(window->frame(), second);
-  window->orderOut();
-  EXPECT_EQ(window->frame(), second);
-  window->setFrame(third);
-  EXPECT_EQ(window->frame(), third);
-  window->orderFront();
-  settle();
-  EXPECT_EQ(window->frame(), third);
-  EXPECT_TRUE(defaults.texts.empty()) << "none of it was the user's doing";
-}
-
 TEST_F(GtkPanelWindowTest, ShowsWithoutTakingTheKeyboard) {
   const OtherWindow other;
   ASSERT_TRUE(waitUntil([&] { return other.isActive(); }));

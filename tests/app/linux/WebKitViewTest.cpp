@@ -1,8 +1,11 @@
 #include <fstream>
+#include <sstream>
 
 #include "app/linux/WebKitView.h"
 #include "kit/value/Marshal.h"
+#include "tests/app/contract/WebViewRecorder.h"
 #include "tests/app/linux/GtkFixture.h"
+#include "tests/fakes/Files.h"
 
 namespace quorin {
 namespace {
@@ -12,24 +15,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-// Everything that the view tells, in order.
-class Recorder : public WebViewDelegate {
- public:
-  void webViewDidReceiveMessage(const JSONValue& body) override { bodies.push_back(body); }
-  void webViewDidStartProvisionalNavigation() override { calls.push_back("start"); }
-  void webViewDidFinishNavigation() override { calls.push_back("finish"); }
-  void webViewDidFailProvisionalNavigation(const std::string& text) override {
-    calls.push_back("provisional failure: " + text);
-  }
-  void webViewDidFailNavigation(const std::string& text) override {
-    calls.push_back("failure: " + text);
-  }
-  void webViewWebProcessDidTerminate() override { calls.push_back("terminated"); }
-
-  std::vector<JSONValue> bodies;
-  std::vector<std::string> calls;
-};
 
 class WebKitViewTest : public GtkFixture {
  protected:
@@ -68,7 +53,7 @@ class WebKitViewTest : public GtkFixture {
 
   using Journal = std::vector<std::string>;
   std::filesystem::path folder;
-  Recorder recorder;
+  WebViewRecorder recorder;
   GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
   WebKitView view{{"qx", "window.__qxApp = \"Calc\";"}, false};
 };
@@ -103,6 +88,17 @@ TEST_F(WebKitViewTest, DropsWhatIsTooLarge) {
       post({id: 1, verb: "log", args: ["x".repeat(20 * 1024 * 1024)]}); post("last");)");
   ASSERT_TRUE(receives(2));
   EXPECT_TRUE(recorder.bodies[0].isNull());
+}
+
+TEST_F(WebKitViewTest, SparesMemoryInThePagesProcess) {
+  load("");
+  std::istringstream processes(
+      ui::ChildProcess::run({"pgrep", "-P", std::to_string(getpid()), "WebKitWebProces"}));
+  std::string process;
+  ASSERT_TRUE(processes >> process);
+  const std::string environment = readFile("/proc/" + process + "/environ");
+  EXPECT_THAT(environment, HasSubstr("JSC_useCodeCache=0"));
+  EXPECT_THAT(environment, HasSubstr("JSC_useDFGJIT=0"));
 }
 
 TEST_F(WebKitViewTest, TellsThatTheProcessEndedAndLoadsAgain) {

@@ -2,6 +2,7 @@
 #import <AppKit/AppKit.h>
 #import <Carbon/Carbon.h>
 
+#import "app/macos/MacSystem.h"
 #import "app/macos/Text.h"
 #include "kit/platform/Thread.h"
 #include "tests/app/contract/ContractWorld.h"
@@ -40,6 +41,11 @@ bool pressed(NSString* title) {
 
 AppPlatform& platform() {
   return *thePlatform;
+}
+
+Folders& folders() {
+  static MacFolders all;
+  return all;
 }
 
 void turn() {

@@ -2,7 +2,7 @@
 
 #include "app/linux/updates/SoupTransport.h"
 #include "kit/platform/Thread.h"
-#include "tests/app/linux/updates/EventLoop.h"
+#include "tests/app/linux/EventLoop.h"
 #include "tests/app/linux/updates/ReleaseServer.h"
 
 namespace quorin {

@@ -6,7 +6,7 @@
 #include "app/linux/updates/SoupTransport.h"
 #include "kit/platform/Thread.h"
 #include "kit/support/SerialQueue.h"
-#include "tests/app/linux/updates/EventLoop.h"
+#include "tests/app/linux/EventLoop.h"
 #include "tests/app/linux/updates/Release.h"
 #include "tests/app/linux/updates/ReleaseServer.h"
 #include "tests/fakes/app/FakeAppPlatform.h"
