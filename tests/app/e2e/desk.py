@@ -139,6 +139,13 @@ class Desk(Trial):
         told = self.tool("xprop", "-root", "_NET_CLIENT_LIST").split("#")[-1].split(",")
         return {int(one, 16) for one in told if one.strip().startswith("0x")}
 
+    def window_of(self, quorin):
+        """The panel's."""
+        for window in self.clients():
+            if f"= {quorin.process.pid}\n" in self.tool("xprop", "-id", window, "_NET_WM_PID"):
+                return window
+        return None
+
     def active(self):
         told = self.tool("xprop", "-root", "_NET_ACTIVE_WINDOW").split("#")[-1].strip()
         return int(told, 16) if told.startswith("0x") else 0

@@ -134,6 +134,34 @@ class PanelTest(unittest.TestCase):
         wait_for("a frame on the screen", lambda: quorin.window()["x"] == 1120)
         self.assertEqual(quorin.window()["y"], 360)
 
+    def test_stays_where_the_user_moved_it(self):
+        desk.bring_calc_forward()
+        quorin = self.start("--show")
+        quorin.is_shown()
+        wait_for("a place beside Calc", lambda: quorin.window()["x"] > 1000)
+        before = quorin.window()
+        panel = desk.window_of(quorin)
+        saved = quorin.folder / "state" / "Quorin" / "defaults.json"
+        self.assertFalse(saved.exists())
+
+        def is_saved():
+            """A move counts as the user's once the panel has come to rest."""
+            desk.tool("xdotool", "windowmove", panel, 300 + time.monotonic_ns() % 50, 120)
+            time.sleep(0.5)
+            return saved.exists()
+        wait_for("the frame to be saved", is_saved)
+        moved = quorin.window()
+        self.assertLess(moved["x"], 500)
+        self.assertEqual(moved["width"], before["width"])
+        quorin.end()
+        again = self.start(after=quorin)
+        desk.bring_other_forward()
+        again.is_hidden()
+        desk.tool("xdotool", "key", "alt+shift+a")
+        again.is_shown()
+        wait_for("the same place", lambda: all(
+            again.window()[name] == moved[name] for name in ("x", "y", "width", "height")))
+
     def test_loads_the_page_again_when_its_process_is_killed(self):
         desk.bring_calc_forward()
         quorin = self.start("--show")

@@ -63,6 +63,40 @@ class ShellTest(ShellCase):
         self.assertEqual(quorin.process.wait(60), 0)
         self.assertEqual(quorin.log()[-1], "TERMINATE quit")
 
+    def test_follows_no_cell_while_it_is_paused(self):
+        self.desk.bring_other_forward()
+        quorin = self.start()
+        quorin.logs("RESTORE")
+        menu = self.menu(quorin)
+        self.desk.bring_calc_forward()
+        quorin.is_shown()
+        self.desk.go_to("Down")
+
+        def told():
+            return [event["addr"] for event in self.events(quorin, "selectionChanged")]
+        wait_for("the cell", lambda: told() and told()[-1].replace("$", "") == "A2")
+        menu.click("Pause Follow")
+        wait_for("the pause", lambda: self.events(quorin, "followState") == [{"paused": True}])
+        before = told()
+        for _ in range(3):
+            self.desk.keys("Down")
+            time.sleep(0.5)  # more than a poll takes to come
+        wait_for("Calc", lambda: self.desk.cell()["row"] == 5)
+        self.assertEqual(told(), before)
+        menu.click("Resume Follow")
+        wait_for("the cell", lambda: told() != before)
+        self.assertEqual([cell.replace("$", "") for cell in told()[len(before):]], ["A5"])
+
+    def test_clears_the_highlights_that_are_left(self):
+        quorin = self.start()
+        quorin.logs("RESTORE")
+        self.mark(quorin, "B2", "C5:D6")
+        self.menu(quorin).click("Clear Stuck Highlights")
+        self.assertEqual(self.alert(quorin)["message"], "Removed 2 highlights")
+        self.answer(quorin)
+        self.assertEqual(self.desk.cell()["shapes"], 0)
+        self.assertFalse((quorin.folder / "data" / "Quorin" / "highlights.json").exists())
+
     def test_the_installed_program_starts_with_the_session(self):
         prefix = self.folder / "prefix"
         (prefix / "bin").mkdir(parents=True)
