@@ -72,7 +72,7 @@ class Direct {
  public:
   explicit Direct(const OfficeAddress& office)
       : session_(office, std::chrono::seconds(60)),
-        workbook_(session_.workbook("Bench.fods")),
+        workbook_(session_.workbook("Direct.fods")),
         sheet_(sheetOf(workbook_, "Data")),
         page_(drawPageOf(sheet_)) {}
 
@@ -158,6 +158,9 @@ int main() {
   const TemporaryFolder folder;
   std::ofstream(folder / "Bench.fods") << emptyWorkbook;
   CalcRoad road;
+  // A workbook of its own: the keeper takes off marks that nobody told it of.
+  std::ofstream(folder / "Direct.fods") << emptyWorkbook;
+  road.open(folder / "Direct.fods");
   road.open(folder / "Bench.fods");
   Direct direct(road.office().open());
   const Addresses forty = scattered(0, 40), others = scattered(40, 40), many = scattered(0, 200);
