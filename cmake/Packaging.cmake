@@ -31,6 +31,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS libreoffice-calc)
+# GTK reads its icons, ours among them, with a loader that it only recommends.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libreoffice-calc, librsvg2-common")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS libreoffice-gtk3)
 include(CPack)

@@ -62,7 +62,8 @@ class Package(unittest.TestCase):
 
     def test_names_what_it_needs(self):
         needs = output_of("dpkg-deb", "-f", self.package, "Depends")
-        for name in ("libreoffice-calc", "libwebkit2gtk-4.1-0", "libgtk-3-0", "libc6", "libsodium23"):
+        for name in ("libreoffice-calc", "libwebkit2gtk-4.1-0", "libgtk-3-0", "libc6", "libsodium23",
+                     "librsvg2-common"):
             self.assertIn(name, needs)
 
     def test_brings_its_files_and_takes_them_away(self):

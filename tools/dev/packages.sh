@@ -4,7 +4,7 @@
 packages_build=(g++ cmake ninja-build ccache python3 dpkg-dev file
                 rapidjson-dev libutf8proc-dev libcli11-dev libgtk-3-dev libwebkit2gtk-4.1-dev
                 libpugixml-dev libsodium-dev libayatana-appindicator3-dev libzip-dev
-                libreoffice-dev libreoffice-calc libreoffice-gtk3)
+                libreoffice-dev libreoffice-calc libreoffice-gtk3 librsvg2-common)
 # A display of our own, and what looks at it.
 packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
                   fonts-liberation)
