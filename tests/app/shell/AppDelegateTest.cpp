@@ -1,7 +1,6 @@
 #include <algorithm>
 
-#include "app/shell/AppDelegate.h"
-#include "tests/app/shell/ShellFixture.h"
+#include "tests/app/shell/AppDelegateFixture.h"
 
 namespace quorin {
 namespace {
@@ -15,65 +14,7 @@ using testing::Not;
 using testing::StartsWith;
 using Object = JSONValue::Object;
 
-class AppDelegateTest : public ShellFixture {
- protected:
-  AppDelegateTest() {
-    bridge.probed = Object{
-        {"state", "ok"}, {"excelWindow", Object{{"x1", 40}, {"y1", 60}, {"x2", 900}, {"y2", 800}}}};
-    platform.bundle().resources = folder;
-    writeFile(folder / "web/index.html", "");
-    platform.workspace().running = {excel()};
-  }
-
-  void makeDelegate() {
-    delegate = std::make_unique<AppDelegate>(
-        AppDelegate::Parts{platform, bridge, queue, *log, folder / "config.json", environment,
-                           [this] { return compileError; }, folders});
-  }
-
-  AppDelegate& launch() {
-    makeDelegate();
-    delegate->applicationDidFinishLaunching();
-    return *delegate;
-  }
-
-  // Launched, the page loaded, start-up's own work done.
-  AppDelegate& launched() {
-    AppDelegate& app = launch();
-    platform.webView().finishLoading();
-    settle();
-    takeJournal();
-    platform.webView().takeScripts();
-    return app;
-  }
-
-  FakeFolders folders{folder};
-  std::optional<std::string> compileError;
-  std::unique_ptr<AppDelegate> delegate;
-};
-
-TEST_F(AppDelegateTest, StartsInItsOrder) {
-  launch();
-  EXPECT_THAT(logged(), ElementsAre("LAUNCH 1.2.3"));
-  EXPECT_THAT(takeJournal(), ElementsAre(StartsWith("loadFile ")));
-  EXPECT_EQ(platform.mainLoop().timerCount(), 1u);
-  EXPECT_EQ(queue.waiting(), 1u);
-  settle();
-  EXPECT_THAT(takeJournal(), ElementsAre("restoreStranded"));
-  EXPECT_FALSE(platform.window().visible);
-}
-
-TEST_F(AppDelegateTest, RegistersTheConfiguredHotKeysAfterTheRest) {
-  platform.hasHotKeys = true;
-  writeFile(folder / "config.json", R"({"mapKeyCode": 46, "mapModifiers": 4352})");
-  launch();
-  EXPECT_EQ(queue.waiting(), 1u) << "stranded marks come first";
-  EXPECT_THAT(takeJournal(), Contains("addHotKey 4 46 4352"));
-  platform.window().visible = true;
-  platform.webView().finishLoading();
-  EXPECT_EQ(platform.hotKeyService.press({HotKey::signature, 4}), 0);
-  EXPECT_THAT(logged(), Contains("HOTKEY map key=false visible=true excelFrontmost=false"));
-}
+class AppDelegateTest : public AppDelegateFixture {};
 
 TEST_F(AppDelegateTest, ShowsItsMenuOverPanelAndPoller) {
   platform.hasStatusBar = true;
@@ -101,83 +42,6 @@ TEST_F(AppDelegateTest, DoesWhatTheHotKeysDoWhenItIsAsked) {
   delegate->step(-1);
   EXPECT_THAT(platform.webView().takeScripts(),
               ElementsAre(R"(window.__qxEvent && window.__qxEvent("step", {"dir":-1}))"));
-}
-
-TEST_F(AppDelegateTest, PromptsAfterACrashBeforeItStartsTheRest) {
-  writeFile(folder / "config.json", R"({"lastLaunchedAt": "2026-01-01T00:00:00Z"})");
-  writeFile(folder / "library/Logs/DiagnosticReports/Quorin-1.ips", "stack");
-  launch();
-  EXPECT_THAT(takeJournal(), ElementsAre("activateSelf", "alert Quorin crashed last time"));
-  EXPECT_THAT(logged(),
-              ElementsAre("LAUNCH 1.2.3", "SUPPORT crash report found since last launch"));
-  EXPECT_FALSE(platform.madePanel());
-  EXPECT_EQ(queue.waiting(), 0u);
-  platform.alerts().press(1);
-  EXPECT_TRUE(platform.madePanel());
-  settle();
-  EXPECT_THAT(takeJournal(), Contains("restoreStranded"));
-}
-
-TEST_F(AppDelegateTest, DoesNotPromptForACrashOfBeforeTheLastLaunch) {
-  writeFile(folder / "config.json", R"({"lastLaunchedAt": "2100-01-01T00:00:00Z"})");
-  writeFile(folder / "library/Logs/DiagnosticReports/Quorin-1.ips", "stack");
-  launch();
-  EXPECT_TRUE(platform.madePanel());
-}
-
-TEST_F(AppDelegateTest, TellsThatTheScriptDidNotCompileAndQuits) {
-  compileError = "Expected end of line (-2741) line 12";
-  launch();
-  EXPECT_THAT(takeJournal(), ElementsAre("alert Quorin could not compile its Excel script: "
-                                         "Expected end of line (-2741) line 12"));
-  EXPECT_THAT(platform.alerts().shown[0].buttons, IsEmpty());
-  platform.alerts().press(0);
-  EXPECT_THAT(takeJournal(), ElementsAre("terminate"));
-  EXPECT_FALSE(platform.madePanel());
-  EXPECT_THAT(logged(), IsEmpty());
-  EXPECT_EQ(queue.waiting(), 0u);
-  delegate->raisePanel();
-  EXPECT_FALSE(platform.madePanel());
-}
-
-TEST_F(AppDelegateTest, LogsAnEmptyVersionWhenTheBundleHasNone) {
-  platform.bundle().info.clear();
-  launch();
-  EXPECT_THAT(logged(), ElementsAre("LAUNCH "));
-}
-
-TEST_F(AppDelegateTest, ShowsThePanelAtLaunchForDevelopers) {
-  environment["QX_DEV_AUTOSHOW"] = "1";
-  launch();
-  EXPECT_FALSE(platform.window().visible) << "scheduled, not done at once";
-  platform.mainLoop().runPosted();
-  EXPECT_TRUE(platform.window().key);
-  platform.webView().finishLoading();
-  EXPECT_THAT(platform.webView().takeScripts(),
-              ElementsAre(R"(window.__qxEvent && window.__qxEvent("summon", {}))"));
-}
-
-TEST_F(AppDelegateTest, ShowsNothingAtLaunchForAnyOtherValue) {
-  environment["QX_DEV_AUTOSHOW"] = "true";
-  launch();
-  settle();
-  EXPECT_FALSE(platform.window().visible);
-}
-
-TEST_F(AppDelegateTest, RecordsTheLaunchAndKeepsUnknownKeys) {
-  writeFile(folder / "config.json", R"({"mine": [1], "lastLaunchedAt": "2026-01-01T00:00:00Z"})");
-  launch();
-  const std::string config = readFile(folder / "config.json");
-  EXPECT_THAT(config, HasSubstr(R"("lastLaunchedAt": "2026-09-21T14:13:20Z")"));
-  EXPECT_THAT(config, HasSubstr(R"("mine")"));
-}
-
-TEST_F(AppDelegateTest, StartsWithoutAConfigurationThatCanBeWritten) {
-  writeFile(folder / "config.json", "[1,2");
-  launched();
-  EXPECT_EQ(readFile(folder / "config.json"), "[1,2");
-  EXPECT_THAT(logged(), Contains(StartsWith("ERROR lastLaunchedAt not saved: ")));
-  EXPECT_EQ(platform.mainLoop().timerCount(), 1u);
 }
 
 TEST_F(AppDelegateTest, PollsAtTheConfiguredPeriod) {
@@ -268,6 +132,17 @@ TEST_F(AppDelegateTest, IgnoresAnotherApplicationWhileHidden) {
   EXPECT_THAT(takeJournal(), IsEmpty());
   EXPECT_THAT(logged(), Contains("COMPANION activated= action=ignore enabled=true visible=false "
                                  "key=false"));
+}
+
+TEST_F(AppDelegateTest, TakesOnlyTheExactIdentifierForExcels) {
+  AppDelegate& app = launched();
+  for (const char* other : {"com.microsoft.excel", "com.microsoft.Excel.Helper", "microsoft.Excel"})
+    platform.workspace().bringToFront({other, 815, false});
+  EXPECT_THAT(takeJournal(), IsEmpty());
+  app.panel().showCompanion();
+  platform.workspace().bringToFront({"com.microsoft.excel", 815, false});
+  EXPECT_FALSE(platform.window().visible);
+  EXPECT_TRUE(app.panel().enabled());
 }
 
 TEST_F(AppDelegateTest, IgnoresItself) {
@@ -430,7 +305,10 @@ TEST_F(AppDelegateTest, RaisesThePanelWithoutExcelsWindowAndPlacesItLater) {
 
 TEST_F(AppDelegateTest, TakesTheMarksBackAtTheEndAndWritesTheLog) {
   AppDelegate& app = launched();
+  std::vector<std::string> before;
+  bridge.onClearMarksForTerminate = [&] { before = logged(); };
   app.applicationWillTerminate();
+  EXPECT_THAT(before, ElementsAre("LAUNCH 1.2.3")) << "the marks first";
   EXPECT_THAT(takeJournal(), ElementsAre("clearMarksForTerminate"));
   EXPECT_THAT(readFile(folder / "quorin.log"), HasSubstr(" TERMINATE quit\n"))
       << "on disk before the process ends";

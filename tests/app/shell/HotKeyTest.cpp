@@ -174,11 +174,13 @@ TEST_F(HotKeyTest, MovesNothingWhenThePanelHasTheKeyboard) {
 TEST_F(HotKeyTest, LogsBeforeAnythingChanges) {
   saveFrame();
   registerAll();
-  platform.window().visible = false;
   std::vector<std::string> before;
-  platform.webView().onEvaluate = [&](const std::string&) { before = logged(); };
+  platform.window().onMakeKey = [&] { before = logged(); };
   platform.hotKeyService.press(summonKey);
   EXPECT_THAT(before, ElementsAre("HOTKEY tree key=false visible=false excelFrontmost=false"));
+  platform.window().key = false;
+  platform.hotKeyService.press(mapKey);
+  EXPECT_EQ(before.back(), "HOTKEY map key=false visible=true excelFrontmost=false");
 }
 
 TEST_F(HotKeyTest, ForgetsAnAnswerThatComesAfterItIsGone) {

@@ -78,6 +78,24 @@ TEST_F(MenuBarTest, PausesAndResumesFollowing) {
       ElementsAre(R"(window.__qxEvent && window.__qxEvent("followState", {"paused":false}))"));
 }
 
+TEST_F(MenuBarTest, StopsPollingAtOnceWhilePaused) {
+  make();
+  platform.workspace().frontmost = excel();
+  panel->showCompanion();
+  poller->start();
+  const auto polls = [this] {
+    bridge.polls = 0;
+    platform.mainLoop().advance(std::chrono::milliseconds(300));
+    settle();
+    return bridge.polls;
+  };
+  EXPECT_EQ(polls(), 1);
+  platform.statusItem().choose("Pause Follow");
+  EXPECT_EQ(polls(), 0);
+  platform.statusItem().choose("Resume Follow");
+  EXPECT_EQ(polls(), 1);
+}
+
 TEST_F(MenuBarTest, ClearsHighlightsOnTheBridgeQueueAndTellsHowMany) {
   bridge.replies["clearMarks"] = {true, Object{{"removed", 12}}};
   make();
@@ -221,6 +239,36 @@ TEST_F(MenuBarTest, RefreshesTheLoginItemWhenTheMenuOpens) {
   platform.login.installed = false;
   platform.statusItem().open();
   EXPECT_FALSE(loginItem().enabled);
+}
+
+TEST_F(MenuBarTest, StaysUsableAfterFailures) {
+  make();
+  const PanelReply refused{false, Object{{"kind", "busy"}, {"message", "Excel is busy"}}};
+  bridge.replies["clearMarks"] = refused;
+  platform.login.error = "Operation not permitted";
+  platform.workspace().opens = false;
+  const std::vector<std::string> tried{"Clear Stuck Highlights", "Open Diagnostic Log",
+                                       "Report a Problem…", "Start at Login"};
+  for (const std::string& title : tried) platform.statusItem().choose(title);
+  settle();
+  EXPECT_THAT(logged(), ElementsAre("ERROR no program opens " + log->url().string(),
+                                    StartsWith("ERROR problem report: "),
+                                    "ERROR login: Operation not permitted"));
+  EXPECT_EQ(takeAlerts(),
+            (std::vector<Alert>{{"Could not change the login item", "Operation not permitted", {}},
+                                {"Could not clear highlights", "Excel is busy", {}}}));
+  EXPECT_FALSE(loginItem().checked);
+
+  bridge.replies["clearMarks"] = {true, Object{{"removed", 3}}};
+  platform.login.error.reset();
+  platform.workspace().opens = true;
+  std::filesystem::create_directories(folder / "temporary");
+  takeJournal();
+  for (const std::string& title : tried) platform.statusItem().choose(title);
+  settle();
+  EXPECT_EQ(takeAlerts(), (std::vector<Alert>{{"Removed 3 highlights", "", {}}}));
+  EXPECT_THAT(takeJournal(), Contains(StartsWith("openFile ")));
+  EXPECT_TRUE(loginItem().checked);
 }
 
 TEST_F(MenuBarTest, Quits) {

@@ -105,6 +105,14 @@ TEST_F(SupportTest, LogsThatNothingCanPack) {
   EXPECT_THAT(logged(), ElementsAre("ERROR problem report: nothing here can pack files"));
 }
 
+TEST_F(SupportTest, LogsThatThereIsNoPlaceForTheReportsParts) {
+  fs::remove(folder / "temporary");
+  support.report();
+  EXPECT_THAT(logged(), ElementsAre(StartsWith("ERROR problem report: cannot make ")));
+  EXPECT_THAT(takeJournal(), IsEmpty());
+  EXPECT_EQ(filesIn("desktop"), 0u);
+}
+
 TEST_F(SupportTest, LeavesTheMailOutWithoutAnAddress) {
   platform.bundle().info.erase("QXSupportEmail");
   support.report();

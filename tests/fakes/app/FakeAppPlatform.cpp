@@ -80,6 +80,7 @@ void FakePanelWindow::orderFront() {
 }
 
 void FakePanelWindow::makeKeyAndOrderFront() {
+  if (onMakeKey) onMakeKey();
   visible = key = true;
   journal_.push_back("makeKeyAndOrderFront");
 }

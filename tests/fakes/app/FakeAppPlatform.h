@@ -89,7 +89,8 @@ class FakePanelWindow : public PanelWindow {
   ScreenFrame currentFrame{0, 0, 460, 588};
   std::pair<double, double> widening{0, 0};
   bool visible = false, key = false;
-  bool keepsKey = false;  // the system does not take the keyboard away
+  bool keepsKey = false;            // the system does not take the keyboard away
+  std::function<void()> onMakeKey;  // just before the window has the keyboard
   std::vector<Screen> allScreens;
   std::optional<Screen> ownScreen, keyScreen;
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -45,7 +46,10 @@ class FakeBridge : public PanelBridge {
   void restoreStranded() override { journal_.push_back("restoreStranded"); }
   std::chrono::system_clock::time_point lastProgrammaticNav() const override { return navigated; }
   void setOnActivatedCell(ActivatedCell handler) override { activatedCell = std::move(handler); }
-  void clearMarksForTerminate() override { journal_.push_back("clearMarksForTerminate"); }
+  void clearMarksForTerminate() override {
+    journal_.push_back("clearMarksForTerminate");
+    if (onClearMarksForTerminate) onClearMarksForTerminate();
+  }
 
   std::map<std::string, PanelReply> replies;
   std::deque<std::optional<JSONValue>> answers;
@@ -53,6 +57,7 @@ class FakeBridge : public PanelBridge {
   JSONValue probed;
   std::chrono::system_clock::time_point navigated = std::chrono::system_clock::time_point::min();
   ActivatedCell activatedCell;
+  std::function<void()> onClearMarksForTerminate;
 
  private:
   std::vector<std::string>& journal_;
