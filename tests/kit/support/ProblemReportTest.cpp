@@ -77,6 +77,13 @@ TEST_F(ProblemReportTest, FindsTheCrashReportThatWasChangedLast) {
   EXPECT_EQ(ProblemReport::newestCrash(folder.path(), "Quorin-"), newest);
 }
 
+TEST_F(ProblemReportTest, KeepsTheFirstListedOfThoseChangedAtTheSameTime) {
+  for (const char* name : {"Quorin-1.ips", "Quorin-2.ips", "Quorin-3.ips", "Quorin-4.ips"})
+    writeAt(name, 10s);
+  const fs::path firstListed = fs::directory_iterator(folder.path())->path();
+  EXPECT_EQ(ProblemReport::newestCrash(folder.path(), "Quorin-"), firstListed);
+}
+
 TEST_F(ProblemReportTest, PassesOverFilesOfOtherNames) {
   const fs::path own = writeAt("Quorin-a.ips", 10s);
   writeAt("Quorin-x.crash", 20s);
