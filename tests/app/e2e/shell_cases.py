@@ -38,6 +38,33 @@ class ShellTest(ShellCase):
             {"name": "map", "wasVisible": True, "wasKey": False}])
         self.assertFalse([line for line in quorin.log() if "register failed" in line])
 
+    def test_commands_do_what_the_keys_do(self):
+        self.desk.bring_other_forward()
+        quorin = self.start()
+        quorin.logs("RESTORE")
+
+        def ask(*words):
+            done = quorin.another(*words)
+            self.assertEqual((done.returncode, done.stderr), (0, ""), words)
+        ask("--step", "1")
+        ask("--show", "map")
+        quorin.logs("HOTKEY map key=false visible=false excelFrontmost=false")
+        wait_for("the keyboard", lambda: quorin.window()["key"])
+        for words in (("--step", "1"), ("--step", "-1"), ("--show", "tree"), ("--show", "deps")):
+            ask(*words)
+        wait_for("all events", lambda: len(self.events(quorin, "surface")) == 3)
+        self.assertEqual(self.events(quorin, "surface"), [
+            {"name": "map", "wasVisible": False, "wasKey": False},
+            {"name": "tree", "wasVisible": True, "wasKey": True},
+            {"name": "deps", "wasVisible": True, "wasKey": True}])
+        self.assertEqual(self.events(quorin, "step"), [{"dir": 1}, {"dir": -1}])
+        for words in (("--step", "2"), ("--show", "grid"), ("--show", "--step", "1")):
+            self.assertEqual(quorin.another(*words).returncode, 2, words)
+        self.assertIsNone(quorin.process.poll())
+        quorin.end()
+        gone = quorin.another("--step", "1")
+        self.assertEqual((gone.returncode, gone.stderr), (1, "quorin: it is not running\n"))
+
     def test_the_menu_pauses_clears_and_quits(self):
         self.desk.bring_other_forward()
         quorin = self.start()
