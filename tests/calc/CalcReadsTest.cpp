@@ -184,6 +184,7 @@ TEST_F(CalcReads, ReadsHiddenSheetsWithoutShowingThem) {
   const std::string before = hands->stateOf("Edges.xlsx");
   EXPECT_EQ(ask("readRange", {"Hidden!A1"}), grid(1, 1, R"([["unseen"]])"));
   EXPECT_EQ(evaluate("Hidden!A1&\"!\""), R"({"ok":true,"value":"unseen!"})");
+  EXPECT_FALSE(hands->showsSheet("Edges.xlsx", "Hidden"));
   EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
 }
 
@@ -239,7 +240,9 @@ TEST_F(CalcReads, TakesAChartSheetOfAFileForASheetWithoutCells) {
         .sheets = {{.name = "Chart1", .cells = {}, .chart = true}, {"Data", {{"A1", 5.0}}}}});
   const std::string map = ask("workbookMap"), read = ask("readRange", {"Chart1!A1"}),
                     value = evaluate("Data!A1+1");
+  const std::vector<std::string> drawn = hands->shapes("Chart.xlsx", "Chart1");
   hands->close("Chart.xlsx");
+  EXPECT_THAT(drawn, testing::SizeIs(1));
   EXPECT_THAT(map, HasSubstr(R"([{"name":"Chart1","usedRange":"$A$1"},)"
                              R"({"name":"Data","usedRange":"$A$1"}])"));
   EXPECT_EQ(read, grid(1, 1, R"([[""]])"));

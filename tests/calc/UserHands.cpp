@@ -280,6 +280,10 @@ void UserHands::filter(const std::string& book, const std::string& sheet, const 
   range->filter(descriptor);
 }
 
+bool UserHands::showsSheet(const std::string& book, const std::string& sheet) {
+  return isShown(objects_->sheet(book, sheet));
+}
+
 void UserHands::freeze(const std::string& book, int columns, int rows) {
   const Reference<css::frame::XModel> model(objects_->workbook(book), UNO_QUERY_THROW);
   Reference<css::sheet::XViewFreezable>(model->getCurrentController(), UNO_QUERY_THROW)

@@ -52,6 +52,7 @@ class UserHands {
   // Shows the rows alone whose cell in that column, counted from 0, holds the text.
   void filter(const std::string& book, const std::string& sheet, const std::string& cells,
               int column, const std::string& text);
+  bool showsSheet(const std::string& book, const std::string& sheet);
   void freeze(const std::string& book, int columns, int rows);  // on the sheet on top
   void lockUndo(const std::string& book);  // as a process that died in the middle of a change
 

@@ -19,6 +19,7 @@ constexpr const char* documentRelations =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
 constexpr const char* packageRelations =
     R"(xmlns="http://schemas.openxmlformats.org/package/2006/relationships")";
+constexpr const char* drawings = "http://schemas.openxmlformats.org/drawingml/2006/";
 constexpr const char* sheetTypes = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
 constexpr const char* bookType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
@@ -121,10 +122,39 @@ std::string sheetText(const SheetDescription& sheet) {
   return text + "</sheetData>" + rulesText(sheet) + "</worksheet>";
 }
 
-// A chart sheet on which nothing was drawn.
+// A chart sheet: the sheet holds a drawing, the drawing a chart, the chart one empty series.
+std::string chartSheetText() {
+  return std::string(header) + "<chartsheet " + mainNamespace + " xmlns:r=\"" + documentRelations +
+         "\"><sheetViews><sheetView workbookViewId=\"0\"/></sheetViews><drawing r:id=\"rId1\"/>"
+         "</chartsheet>";
+}
+
+std::string chartDrawingText() {
+  return std::string(header) + "<xdr:wsDr xmlns:xdr=\"" + drawings +
+         "spreadsheetDrawing\" xmlns:a=\"" + drawings +
+         "main\"><xdr:absoluteAnchor><xdr:pos x=\"0\" y=\"0\"/>"
+         "<xdr:ext cx=\"9000000\" cy=\"6000000\"/><xdr:graphicFrame><xdr:nvGraphicFramePr>"
+         "<xdr:cNvPr id=\"2\" name=\"Chart 1\"/><xdr:cNvGraphicFramePr/></xdr:nvGraphicFramePr>"
+         "<xdr:xfrm><a:off x=\"0\" y=\"0\"/><a:ext cx=\"0\" cy=\"0\"/></xdr:xfrm><a:graphic>"
+         "<a:graphicData uri=\"" +
+         drawings + "chart\"><c:chart xmlns:c=\"" + drawings + "chart\" xmlns:r=\"" +
+         documentRelations +
+         "\" r:id=\"rId1\"/></a:graphicData></a:graphic>"
+         "</xdr:graphicFrame><xdr:clientData/></xdr:absoluteAnchor></xdr:wsDr>";
+}
+
 std::string chartText() {
-  return std::string(header) + "<chartsheet " + mainNamespace +
-         "><sheetViews><sheetView workbookViewId=\"0\"/></sheetViews></chartsheet>";
+  return std::string(header) + "<c:chartSpace xmlns:c=\"" + drawings +
+         "chart\"><c:chart><c:plotArea><c:barChart><c:barDir val=\"col\"/><c:ser><c:idx val=\"0\"/>"
+         "<c:order val=\"0\"/></c:ser><c:axId val=\"1\"/><c:axId val=\"2\"/></c:barChart><c:catAx>"
+         "<c:axId val=\"1\"/><c:crossAx val=\"2\"/></c:catAx><c:valAx><c:axId val=\"2\"/>"
+         "<c:crossAx val=\"1\"/></c:valAx></c:plotArea></c:chart></c:chartSpace>";
+}
+
+std::string oneRelation(const std::string& kind, const std::string& target) {
+  return std::string(header) + "<Relationships " + packageRelations +
+         "><Relationship Id=\"rId1\" Type=\"" + documentRelations + "/" + kind + "\" Target=\"" +
+         target + "\"/></Relationships>";
 }
 
 constexpr const char* stylesType =
@@ -170,6 +200,20 @@ class Archive {
   zip_t* zip_;
 };
 
+// The parts behind a chart sheet, and returns their content types.
+std::string addChart(Archive& archive, const std::string& number) {
+  archive.add("xl/chartsheets/_rels/sheet" + number + ".xml.rels",
+              oneRelation("drawing", "../drawings/drawing" + number + ".xml"));
+  archive.add("xl/drawings/drawing" + number + ".xml", chartDrawingText());
+  archive.add("xl/drawings/_rels/drawing" + number + ".xml.rels",
+              oneRelation("chart", "../charts/chart" + number + ".xml"));
+  archive.add("xl/charts/chart" + number + ".xml", chartText());
+  const std::string office = "ContentType=\"application/vnd.openxmlformats-officedocument.";
+  return "<Override PartName=\"/xl/drawings/drawing" + number + ".xml\" " + office +
+         "drawing+xml\"/><Override PartName=\"/xl/charts/chart" + number + ".xml\" " + office +
+         "drawingml.chart+xml\"/>";
+}
+
 }  // namespace
 
 void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path& file) {
@@ -187,7 +231,8 @@ void writeXlsx(const WorkbookDescription& workbook, const std::filesystem::path&
     types +=
         "<Override PartName=\"/xl/" + part + "\" ContentType=\"" + sheetTypes + kind + "+xml\"/>";
     archive.add("xl/" + part,
-                workbook.sheets[i].chart ? chartText() : sheetText(workbook.sheets[i]));
+                workbook.sheets[i].chart ? chartSheetText() : sheetText(workbook.sheets[i]));
+    if (workbook.sheets[i].chart) types += addChart(archive, number);
     for (const NameDescription& name : workbook.names) {
       if (name.sheet != workbook.sheets[i].name) continue;
       names += "<definedName name=\"" + escaped(name.name) + "\" localSheetId=\"" +
