@@ -46,6 +46,7 @@ fakes::WorkbookDescription edges() {
           .names = {{"Rate", "=Data!$B$1"},
                     {"_xlnm.Print_Area", "=Data!$A$1:$B$2", "Data"},
                     {"_xlfn.SINGLE", "=#NAME?"},
+                    {"_xlpm.x", "=#NAME?"},
                     {"Local", "=Blank!$A$1", "Blank"}}};
 }
 
@@ -225,8 +226,14 @@ TEST_F(CalcReads, MapsSheetsOfEveryKindAndLeavesInternalNamesOut) {
 }
 
 TEST_F(CalcReads, MapsFiftyOneSheetsAndNoNames) {
-  fakes::WorkbookDescription book{.name = "Many.xlsx", .sheets = {}};
-  for (int i = 1; i <= 51; ++i) book.sheets.push_back({"S" + std::to_string(i), {{"A1", 1.0}}});
+  fakes::WorkbookDescription book{.name = "Fifty.xlsx", .sheets = {}};
+  for (int i = 1; i <= 50; ++i) book.sheets.push_back({"S" + std::to_string(i), {{"A1", 1.0}}});
+  open(book);
+  const std::string fifty = ask("workbookMap");
+  hands->close("Fifty.xlsx");
+  EXPECT_THAT(fifty, HasSubstr(R"({"name":"S50","usedRange":"$A$1"}],"sheetsTruncated":false})"));
+  book.name = "Many.xlsx";
+  book.sheets.push_back({"S51", {{"A1", 1.0}}});
   open(book);
   const std::string map = ask("workbookMap");
   hands->close("Many.xlsx");
@@ -313,6 +320,24 @@ TEST_F(CalcReads, LeavesNoWorkbookOfItsOwnBehind) {
   EXPECT_EQ(hands->documents(), documents);
   EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
   EXPECT_THAT(ask("workbookMap"), StartsWith(R"({"book":"Edges.xlsx",)"));
+}
+
+TEST_F(CalcReads, HasNothingToReadWithoutAWorkbook) {
+  hands->close("Second.xlsx");
+  hands->close("Edges.xlsx");
+  const std::vector<std::string> replies{ask("readRange", {"A1"}),
+                                         ask("readFormulas", {"A1", "a1", true}),
+                                         ask("readRange", {"Data!A1"}), ask("workbookMap")};
+  const std::string value = evaluate("1+1"), chain = deep({"1+1"});
+  open({.name = "Second.xlsx", .sheets = {{"Data", {{"A1", "second"}}}}});
+  open(edges());
+  const std::string missing = "Microsoft Excel got an error: Can't get ";
+  const std::string noRange = failure(missing + R"(range \"A1\".)");
+  const std::string noBook = failure(missing + "workbook missing value.");
+  EXPECT_THAT(replies, testing::ElementsAre(noRange, noRange, noBook, noBook));
+  EXPECT_EQ(value, R"({"kind":"transport","message":")" + missing +
+                       R"(application \"Microsoft Excel\".","ok":false})");
+  EXPECT_EQ(chain, R"({"ok":true,"value":2})");
 }
 
 TEST_F(CalcReads, GivesAChainUpThatTakesTooLongAndCleansUpAfterIt) {

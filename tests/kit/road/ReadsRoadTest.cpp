@@ -33,9 +33,10 @@ TEST_F(ReadsRoad, RefusesAnErrorInTheFirstOfSeveralColumns) {
   excel_->quirks.writesFormulasAsText = true;
   EXPECT_THAT(ask("readRange", {"C2:D4"}),
               HasSubstr("range has an error in its first column - Excel cannot read it as a grid"));
+  memory_->setCell({"Known.xlsx", "Data"}, {"D4", 12.5});
   EXPECT_EQ(ask("readFormulas", {"C4:E6", "a1"}),
             R"({"cols":3,"formulas":[["=1/0","",""],["","",""],["","",""]],"rows":3,)"
-            R"("values":[["","",""],["","",""],["","",true]]})");
+            R"("values":[["",12.5,""],["","",""],["","",true]]})");
 }
 
 TEST_F(ReadsRoad, RefusesUnionsWithTheirNumbers) {
@@ -93,12 +94,107 @@ TEST_F(ReadsRoad, MapsFiftySheets) {
   EXPECT_THAT(map, HasSubstr(R"({"name":"S50","usedRange":"$A$1"},)"
                              R"({"name":"S51","usedRange":null}],"sheetsTruncated":true})"));
   EXPECT_THAT(map, HasSubstr(R"("names":[])"));
+  book.sheets.pop_back();
+  book.name = "Fifty.xlsx";
+  memory_->open(book);
+  EXPECT_THAT(ask("workbookMap"),
+              HasSubstr(R"({"name":"S50","usedRange":"$A$1"}],"sheetsTruncated":false})"));
+}
+
+TEST_F(ReadsRoad, MapsSheetsWhoseUsedRangeIsNotTold) {
+  memory_->open({.name = "Shy.xlsx", .sheets = {{"One", {}}, {"Two", {{"A1", 1.0}}}}});
+  memory_->script.atEvery("usedRange", {.number = -50, .message = "Parameter error."});
+  EXPECT_EQ(ask("workbookMap"),
+            R"({"book":"Shy.xlsx","names":[],"sheets":[{"name":"One","usedRange":null},)"
+            R"({"name":"Two","usedRange":null}],"sheetsTruncated":false})");
+}
+
+TEST_F(ReadsRoad, LeavesExcelsOwnNamesOut) {
+  memory_->open({.name = "Names.xlsx",
+                 .sheets = {{"Data", {{"A1", 1.0}}}},
+                 .names = {{"_xlfn.LET", "=#NAME?"},
+                           {"Rate", "=Data!$A$1"},
+                           {"_xlnm.Print_Area", "=Data!$A$1"},
+                           {"_xlpm.x", "=#NAME?"},
+                           {"Area", "=Data!$A$1"}}});
+  EXPECT_THAT(ask("workbookMap"), HasSubstr(R"("names":[{"name":"Area","refersTo":"=Data!$A$1"},)"
+                                            R"({"name":"Rate","refersTo":"=Data!$A$1"}],)"));
+}
+
+TEST_F(ReadsRoad, FindsSheetsWhateverTheirNamesAre) {
+  const std::string longest = "Ärger & Übermut (2024) – 31 ch.!";
+  memory_->open({.name = "Sheets.xlsx",
+                 .sheets = {{"Hidden", {{"A1", "unseen"}}, true},
+                            {"a!b (c)", {{"A1", "marked"}}},
+                            {longest, {{"A1", "long"}}}}});
+  EXPECT_EQ(ask("readRange", {"Hidden!A1"}), R"({"cols":1,"rows":1,"values":[["unseen"]]})");
+  EXPECT_EQ(ask("readRange", {"'a!b (c)'!A1"}), R"({"cols":1,"rows":1,"values":[["marked"]]})");
+  EXPECT_EQ(ask("readRange", {"'" + longest + "'!A1"}),
+            R"({"cols":1,"rows":1,"values":[["long"]]})");
+}
+
+TEST_F(ReadsRoad, NoticesThatAWorkbookWasClosed) {
+  memory_->open({.name = "Second.xlsx", .sheets = {{"Only", {{"A1", "second"}}}}});
+  EXPECT_EQ(ask("readRange", {"[Second.xlsx]Only!A1"}),
+            R"({"cols":1,"rows":1,"values":[["second"]]})");
+  memory_->close("Second.xlsx");
+  EXPECT_THAT(ask("readRange", {"[Second.xlsx]Only!A1"}),
+              HasSubstr("workbook not open: Second.xlsx"));
+  EXPECT_THAT(ask("readRange", {"Only!A1"}), HasSubstr("sheet not found: Only"));
+}
+
+TEST_F(ReadsRoad, HasNothingToReadWithoutAWorkbook) {
+  memory_->close("Known.xlsx");
+  const auto missing = [](const std::string& what) {
+    return R"({"kind":"transport","message":"Microsoft Excel got an error: Can't get )" + what +
+           ".\"";
+  };
+  EXPECT_EQ(ask("readRange", {"A1"}), "failed " + missing(R"(range \"A1\")") + "}");
+  EXPECT_EQ(ask("readFormulas", {"A1", "a1"}), "failed " + missing(R"(range \"A1\")") + "}");
+  EXPECT_EQ(ask("readRange", {"Data!A1"}), "failed " + missing("workbook missing value") + "}");
+  EXPECT_EQ(ask("workbookMap"), "failed " + missing("workbook missing value") + "}");
+  EXPECT_EQ(ask("evaluate", {"1+1"}),
+            missing(R"(application \"Microsoft Excel\")") + R"(,"ok":false})");
+  EXPECT_EQ(ask("deepEval", {plan({"1+1"})}), R"({"ok":true,"value":2})");
+}
+
+TEST_F(ReadsRoad, EvaluatesOrSaysWhyNot) {
+  EXPECT_EQ(ask("evaluate", {"NOSUCH(1)"}),
+            R"({"kind":"excelError","message":"#NAME?","ok":false})");
+  EXPECT_THAT(ask("evaluate", {"1+"}), testing::StartsWith(R"({"kind":"excelError",)"));
+  excel_->quirks.losesLongText = true;
+  EXPECT_EQ(ask("evaluate", {"B2" + std::string(251, ' ') + "+1"}), R"({"ok":true,"value":2.5})");
+  EXPECT_EQ(ask("evaluate", {"B2" + std::string(252, ' ') + "+1"}),
+            R"({"kind":"excelError","message":"Excel gave no value","ok":false})");
 }
 
 TEST_F(ReadsRoad, EvaluatesAChain) {
   EXPECT_EQ(ask("deepEval", {plan({"1+2"})}), R"({"ok":true,"value":3})");
   EXPECT_EQ(ask("deepEval", {plan({"1+2", "A1*2", "A2+A1"})}), R"({"ok":true,"value":9})");
   EXPECT_EQ(ask("deepEval", {plan({"1/0"})}), R"({"ok":true,"value":"#DIV/0!"})");
+  EXPECT_EQ(memory_->workbooks(), std::vector<std::string>{"Known.xlsx"});
+  EXPECT_EQ(memory_->activeWorkbook(), "Known.xlsx");
+}
+
+TEST_F(ReadsRoad, RefusesBadPlansWithoutAskingExcel) {
+  const auto refused = [](const std::string& message) {
+    return R"({"kind":"refused","message":")" + message + R"(","ok":false})";
+  };
+  excel_->forget();
+  EXPECT_EQ(ask("deepEval", {plan({})}), refused("deep-eval plan empty"));
+  EXPECT_EQ(ask("deepEval", {plan(std::vector<std::string>(41, "1"))}),
+            refused("deep-eval exceeds 40 entries"));
+  EXPECT_EQ(ask("deepEval", {plan({"1", std::string(255, '1')})}),
+            refused("deep-eval entry exceeds 255 characters"));
+  EXPECT_TRUE(excel_->events().empty());
+  EXPECT_EQ(ask("deepEval", {plan({"1" + std::string(251, ' ') + "+1"})}),
+            R"({"ok":true,"value":2})");
+  EXPECT_EQ(ask("deepEval", {plan(std::vector<std::string>(40, "7"))}), R"({"ok":true,"value":7})");
+}
+
+TEST_F(ReadsRoad, TellsAChainThatTakesTooLongApart) {
+  memory_->script.atEvery("setFormula", {.number = -1712, .message = "AppleEvent timed out."});
+  EXPECT_THAT(ask("deepEval", {plan({"1+2"})}), testing::StartsWith(R"({"kind":"timeout",)"));
   EXPECT_EQ(memory_->workbooks(), std::vector<std::string>{"Known.xlsx"});
   EXPECT_EQ(memory_->activeWorkbook(), "Known.xlsx");
 }
