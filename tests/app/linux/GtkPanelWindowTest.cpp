@@ -73,6 +73,22 @@ TEST_F(GtkPanelWindowTest, StartsHiddenAtTheBottomLeftWithItsDecorationAroundThe
   EXPECT_EQ(window->minimumContentSize(), (ScreenSize{320, 320}));
 }
 
+TEST_F(GtkPanelWindowTest, IsAPanelOnEveryWorkspaceAndInNoTaskBar) {
+  const auto window = makeWindow();
+  window->orderFront();
+  const std::string panel = std::to_string(idOf("^Quorin$"));
+  const auto says = [&](const char* property, const std::string& value) {
+    return waitUntil([&] {
+      return ChildProcess::run({"xprop", "-id", panel, property}).find(value) != std::string::npos;
+    });
+  };
+  for (const char* state : {"SKIP_TASKBAR", "SKIP_PAGER", "ABOVE"}) {
+    EXPECT_TRUE(says("_NET_WM_STATE", std::string("_NET_WM_STATE_") + state)) << state;
+  }
+  EXPECT_TRUE(says("_NET_WM_DESKTOP", "= 4294967295\n")) << "all of them";
+  EXPECT_TRUE(says("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_UTILITY"));
+}
+
 TEST_F(GtkPanelWindowTest, ShowsWithoutTakingTheKeyboard) {
   const OtherWindow other;
   ASSERT_TRUE(waitUntil([&] { return other.isActive(); }));
