@@ -287,6 +287,16 @@ TEST_F(CalcReads, EvaluatesOrSaysWhyNot) {
   EXPECT_THAT(road->log(), Contains("ERROR evaluate failed code=-1708 len=9"));
 }
 
+TEST_F(CalcReads, NamesTheErrorOfCellsThatGoRoundInACircle) {
+  open({.name = "Round.xlsx", .sheets = {{"Data", {{"C1", 1.0}}}}});
+  hands->enter("Round.xlsx", "Data", "A1", "=B1");
+  hands->enter("Round.xlsx", "Data", "B1", "=A1+C1");
+  const std::string read = ask("readRange", {"A1:A2"}), value = evaluate("A1+C1");
+  hands->close("Round.xlsx");
+  EXPECT_EQ(read, grid(2, 1, R"([["#REF!"],[""]])"));
+  EXPECT_EQ(value, R"({"kind":"excelError","message":"#REF!","ok":false})");
+}
+
 TEST_F(CalcReads, EvaluatesWhatIsLongerThanExcelTakes) {
   for (const std::size_t length : {255U, 256U}) {
     const std::string expression = "B1" + std::string(length - 4, ' ') + "+1";
