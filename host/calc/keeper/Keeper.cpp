@@ -22,9 +22,10 @@ using css::uno::UNO_QUERY_THROW;
 using namespace std::chrono_literals;
 
 constexpr auto firstAnswer = 60s;
-constexpr auto longestSave = 10s;    // that the owner is kept waiting for
-constexpr auto leastPause = 20ms;    // between two looks, and
-constexpr int pauseForEachLook = 4;  // so many times what the last one took
+constexpr auto longestSave = 10s;      // that the owner is kept waiting for
+constexpr auto pauseAfterTurn = 50ms;  // the next one may follow at once
+constexpr auto leastPause = 20ms;      // between two looks, and
+constexpr int pauseForEachLook = 4;    // so many times what the last one took
 constexpr auto lastCallsOfTheDead = 2s;
 
 // Every workbook that is open, also one without a window.
@@ -162,11 +163,12 @@ void Keeper::obey(const std::string& request) {
   if (request.starts_with(begin)) {
     ownersTurn_ = true;
     awaitSaves();
-    forEachChanged(&MarkFollower::look);
+    forEachChanged(&MarkFollower::followCells);
     watch(request.substr(begin.size()));
   } else if (request == "end") {
     forEachChanged(&MarkFollower::tieNew);
     ownersTurn_ = false;
+    notBefore_ = std::max(notBefore_, Clock::now() + pauseAfterTurn);
   }
   answer();
 }

@@ -122,11 +122,19 @@ void MarkFollower::tieNew() {
 }
 
 void MarkFollower::look() {
+  look(Extent::all);
+}
+
+void MarkFollower::followCells() {
+  look(Extent::moved);
+}
+
+void MarkFollower::look(Extent extent) {
   try {
     if (untied_) return tieNew();
     std::vector<MarkedSheet> sheets;
     if (!survey(sheets)) return;
-    for (const MarkedSheet& sheet : sheets) lookAt(sheet);
+    for (const MarkedSheet& sheet : sheets) lookAt(sheet, extent);
     std::erase_if(followed_, [](const Followed& mark) { return !mark.seen; });
   } catch (const css::uno::Exception&) {
     news_->isNew = true;
@@ -134,21 +142,28 @@ void MarkFollower::look() {
   }
 }
 
-void MarkFollower::lookAt(const MarkedSheet& sheet) {
+void MarkFollower::lookAt(const MarkedSheet& sheet, Extent extent) {
+  bool moved = false;
   std::vector<std::pair<PlacedMark, Followed*>> kept;
   std::vector<Mark> marks;
   for (const PlacedMark& mark : sheet.marks) {
     Followed* const followed = find(sheet, mark);
     if (followed == nullptr || followed->now.empty()) {
       changes_.remove(workbook_, sheet.page, mark.shape);
+      moved = true;
       continue;
     }
+    moved = moved || followed->now != followed->areas;
     followed->seen = true;
     followed->shape = mark.shape;
     if (followed->now != followed->areas) followed->mark.areas = followed->now;
     followed->areas = followed->now;
     kept.emplace_back(mark, followed);
     marks.push_back(followed->mark);
+  }
+  if (extent == Extent::moved && !moved) {
+    news_->isNew = true;
+    return;
   }
   const std::vector<std::vector<Area>> drawn = drawnAreas(marks);
   for (std::size_t i = 0; i < kept.size(); ++i) {

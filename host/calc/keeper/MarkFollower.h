@@ -33,6 +33,10 @@ class MarkFollower {
   // to be done. Throws UNO's exceptions when it fails, and remains to be done then too.
   void look();
 
+  // The same, but leaves the marks of a sheet alone when none of their cells has moved. Whether
+  // rows or columns have another size then, which takes long to find out, the next look sees.
+  void followCells();
+
   bool isChanged() const;
   bool isOpen() const;  // false once the workbook or the office is gone
   const std::string& uid() const { return uid_; }
@@ -51,8 +55,10 @@ class MarkFollower {
     std::vector<Area> now;
     bool seen = false;
   };
+  enum class Extent { moved, all };
   bool survey(std::vector<MarkedSheet>& sheets);
-  void lookAt(const MarkedSheet& sheet);
+  void look(Extent extent);
+  void lookAt(const MarkedSheet& sheet, Extent extent);
   Followed* find(const MarkedSheet& sheet, const PlacedMark& mark);
   Followed tied(const MarkedSheet& sheet, const PlacedMark& mark) const;
   void draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
