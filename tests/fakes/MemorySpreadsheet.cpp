@@ -34,24 +34,6 @@ void MemorySpreadsheet::setCell(const SheetRef& sheet, const CellDescription& ce
   sheetOf(sheet).set(cell);
 }
 
-void MemorySpreadsheet::userEnters(const SheetRef& sheet, const CellDescription& cell) {
-  setCell(sheet, cell);
-  MemoryBook& book = bookOf(sheet.book);
-  ++book.undoable;
-  book.modified = true;
-}
-
-bool MemorySpreadsheet::userUndoes(const std::string& book) {
-  int& undoable = bookOf(book).undoable;
-  if (undoable == 0) return false;
-  --undoable;
-  return true;
-}
-
-void MemorySpreadsheet::userSaves(const std::string& book) {
-  bookOf(book).modified = false;
-}
-
 bool MemorySpreadsheet::isModified(const std::string& book) const {
   return bookOf(book).modified;
 }

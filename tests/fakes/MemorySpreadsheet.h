@@ -40,7 +40,14 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   // What the user does: it can be undone, and the workbook counts as changed.
   void userEnters(const host::SheetRef& sheet, const CellDescription& cell);
   bool userUndoes(const std::string& book);  // false when there is nothing to undo
+  // Everything on the sheet goes along, but formulas stay as they are written.
+  void userInsertsRows(const host::SheetRef& sheet, int row, int count);
+  void userDeletesRows(const host::SheetRef& sheet, int row, int count);
+  void userRenamesSheet(const host::SheetRef& sheet, const std::string& name);
+  void userCopiesSheet(const host::SheetRef& sheet, const std::string& copy);  // with its marks
   void userSaves(const std::string& book);
+  void userSavesAs(const std::string& book, const std::string& name);
+  void userReopens(const std::string& book);  // closed as it is, and opened as it was last saved
   bool isModified(const std::string& book) const;
   void answer(const std::string& expression, host::Evaluation result);  // the table's first say
   // What dependents() gives for a range, in place of what the formulas tell.
@@ -103,6 +110,7 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   MemorySheet& sheetOf(const host::SheetRef& ref) const;
   MemoryBook& scratchOf(const std::string& book) const;
   void bringForward(const host::SheetRef& ref);
+  void userChanged(const std::string& book);
   bool refersTo(const MemoryCell& cell, const host::RangeRef& range) const;
   std::vector<host::Area> directDependents(const host::RangeRef& range) const;
   template <typename T, typename CellToItem>
@@ -118,6 +126,7 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
                                     const host::Area& area) const override;
 
   std::vector<std::unique_ptr<MemoryBook>> books_;  // in the order of opening
+  std::map<std::string, MemoryBook> files_;         // what was saved, by name
   MemoryBook* active_ = nullptr;
   int made_ = 0;  // workbooks so far
   std::map<std::string, host::Evaluation> answers_;

@@ -125,6 +125,44 @@ void MemorySheet::removeCondition(const std::string& id) {
   numberConditions();
 }
 
+// `now` gives where a row that stays is from now on, and 0 for one that goes.
+template <typename RowNow>
+void MemorySheet::moveRows(RowNow now) {
+  std::map<std::pair<int, int>, MemoryCell> movedCells;
+  for (auto& [place, cell] : cells)
+    if (const int row = now(place.first); row != 0)
+      movedCells.emplace(std::pair(row, place.second), std::move(cell));
+  cells = std::move(movedCells);
+  std::set<int> movedRows;
+  for (const int old : hiddenRows)
+    if (const int row = now(old); row != 0) movedRows.insert(row);
+  hiddenRows = std::move(movedRows);
+}
+
+void MemorySheet::insertRows(int row, int count) {
+  const auto now = [&](int old) { return old < row ? old : old + count; };
+  moveRows(now);
+  for (host::FormatCondition& each : conditions)
+    for (host::Area& area : each.areas) {
+      area.firstRow = now(area.firstRow);
+      area.lastRow = std::min(now(area.lastRow), host::maxRow);
+    }
+}
+
+void MemorySheet::deleteRows(int row, int count) {
+  const int after = row + count;
+  moveRows([&](int old) { return old < row ? old : old < after ? 0 : old - count; });
+  for (host::FormatCondition& each : conditions) {
+    each.areas = host::without(each.areas, {row, 1, after - 1, host::maxColumn});
+    for (host::Area& area : each.areas) {
+      if (area.firstRow >= after) area.firstRow -= count;
+      if (area.lastRow >= after) area.lastRow -= count;
+    }
+  }
+  std::erase_if(conditions, [](const auto& each) { return each.areas.empty(); });
+  numberConditions();
+}
+
 void MemorySheet::numberConditions() {
   int number = 0;
   for (host::FormatCondition& each : conditions) each.priority = ++number;

@@ -41,10 +41,15 @@ struct MemorySheet {
   host::FormatCondition& condition(const std::string& id);  // -1728 when there is none
   void putCondition(const std::string& id, std::size_t place);
   void removeCondition(const std::string& id);
+  // Areas of conditions grow where rows come within them; without any area a condition is gone.
+  void insertRows(int row, int count);
+  void deleteRows(int row, int count);
 
  private:
   bool hasCellIn(const host::Area& area) const;
   void numberConditions();
+  template <typename RowNow>
+  void moveRows(RowNow now);
 };
 
 struct MemoryBook {

@@ -12,7 +12,7 @@ class MemorySpreadsheetTest : public ::testing::Test {
  protected:
   MemorySpreadsheetTest() { spreadsheet.open(knownWorkbook()); }
   host::RangeRef cell(const char* address) const {
-    return {{"Known.xlsx", "Data"}, host::parseA1(address).value()};
+    return {{book, "Data"}, host::parseA1(address).value()};
   }
   int numberOf(const std::function<void()>& call) {
     try {
@@ -23,6 +23,7 @@ class MemorySpreadsheetTest : public ::testing::Test {
     return 0;
   }
   MemorySpreadsheet spreadsheet;
+  std::string book = "Known.xlsx";
 };
 
 TEST_F(MemorySpreadsheetTest, KeepsEachSheetsSelection) {
@@ -155,6 +156,81 @@ INSTANTIATE_TEST_SUITE_P(
         Formula{"(1", host::CellError{"#NAME?"}}, Formula{"\"open", host::CellError{"#NAME?"}},
         Formula{"10^400", host::CellError{"#NUM!"}}, Formula{"ERROR.TYPE(NA())", 7.0},
         Formula{"ISERROR(C4)", true}));
+
+class UserEdits : public MemorySpreadsheetTest {
+ protected:
+  UserEdits() {
+    spreadsheet.addFormatCondition(cell("A2,B5:B8"), "=1=1");
+    spreadsheet.setHidden(cell("6:7"), host::Lines::rows, true);
+  }
+  std::string colouredOn(const std::string& sheet) {
+    std::string text;
+    for (const auto& each : spreadsheet.formatConditions({{book, sheet}, {{1, 1, 99, 9}}}))
+      text += host::addressText(each.areas);
+    return text;
+  }
+  std::string hiddenRows() {
+    std::string text;
+    for (int row = 1; row <= 20; ++row)
+      if (spreadsheet.hidden({{book, "Data"}, {{row, 1, row, 1}}}, host::Lines::rows) == true)
+        text += std::to_string(row) + " ";
+    return text;
+  }
+  host::SheetRef data() const { return {book, "Data"}; }
+};
+
+TEST_F(UserEdits, CarryEverythingAlongWithTheRows) {
+  spreadsheet.userInsertsRows(data(), 3, 2);
+  EXPECT_EQ(colouredOn("Data"), "$A$2,$B$7:$B$10");
+  EXPECT_EQ(hiddenRows(), "8 9 ");
+  EXPECT_EQ(spreadsheet.values(cell("A5")).cells.at(0), host::CellValue("Nut"));
+  spreadsheet.userInsertsRows(data(), 8, 1);
+  EXPECT_EQ(colouredOn("Data"), "$A$2,$B$7:$B$11") << "grown";
+  EXPECT_TRUE(spreadsheet.isModified(book));
+}
+
+TEST_F(UserEdits, TakeAwayWhatIsOnDeletedRows) {
+  spreadsheet.userDeletesRows(data(), 6, 1);
+  EXPECT_EQ(colouredOn("Data"), "$A$2,$B$5,$B$6:$B$7");
+  EXPECT_EQ(hiddenRows(), "6 ");
+  spreadsheet.userDeletesRows(data(), 2, 1);
+  EXPECT_EQ(colouredOn("Data"), "$B$4,$B$5:$B$6");
+  EXPECT_EQ(spreadsheet.values(cell("A2")).cells.at(0), host::CellValue("Nut"));
+  spreadsheet.userDeletesRows(data(), 1, 9);
+  EXPECT_TRUE(spreadsheet.formatConditions(cell("A1:Z99")).empty());
+}
+
+TEST_F(UserEdits, RenameAndCopySheets) {
+  spreadsheet.userRenamesSheet(data(), "Renamed");
+  spreadsheet.userCopiesSheet({book, "Renamed"}, "Copy");
+  EXPECT_EQ(colouredOn("Renamed"), "$A$2,$B$5:$B$8");
+  EXPECT_EQ(colouredOn("Copy"), "$A$2,$B$5:$B$8");
+  EXPECT_EQ(numberOf([&] { colouredOn("Data"); }), -1728);
+}
+
+TEST_F(UserEdits, OpenAWorkbookAsItWasSaved) {
+  spreadsheet.userSaves(book);
+  spreadsheet.userEnters(data(), {"A1", "saved"});
+  spreadsheet.userSaves(book);
+  EXPECT_FALSE(spreadsheet.isModified(book));
+  spreadsheet.userDeletesRows(data(), 1, 9);
+  spreadsheet.userReopens(book);
+  EXPECT_EQ(colouredOn("Data"), "$A$2,$B$5:$B$8");
+  EXPECT_EQ(spreadsheet.values(cell("A1")).cells.at(0), host::CellValue("saved"));
+  EXPECT_FALSE(spreadsheet.isModified(book));
+  EXPECT_FALSE(spreadsheet.userUndoes(book));
+}
+
+TEST_F(UserEdits, SaveUnderAnotherName) {
+  spreadsheet.userEnters(data(), {"A1", "saved"});
+  spreadsheet.userSavesAs(book, "Other.xlsx");
+  EXPECT_EQ(spreadsheet.workbooks(), std::vector<std::string>{"Other.xlsx"});
+  book = "Other.xlsx";
+  EXPECT_EQ(colouredOn("Data"), "$A$2,$B$5:$B$8");
+  EXPECT_FALSE(spreadsheet.isModified(book));
+  spreadsheet.userReopens(book);
+  EXPECT_EQ(spreadsheet.values(cell("A1")).cells.at(0), host::CellValue("saved"));
+}
 
 TEST_F(MemorySpreadsheetTest, DoesNotGoToAHiddenSheet) {
   spreadsheet.open({"Two.xlsx", {{"Shown", {}}, {"Away", {{"A1", 5.0}}, true}}});

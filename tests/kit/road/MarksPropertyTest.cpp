@@ -1,9 +1,22 @@
-// Random sequences of marking, revealing and clearing, with an Excel that fails at random places:
-// at no time is anything marked or unhidden that the records do not know, and in the end everything
-// is as it was. $QUORIN_SEQUENCES sets their number, $QUORIN_SEED where they begin.
+// Random sequences of marking, revealing and clearing, with an Excel that fails at random places,
+// between what the user does there: inserting and deleting rows, renaming and copying sheets,
+// saving, saving under another name, closing and opening again. At no time is anything marked or
+// unhidden that the records do not know, but for what the user's edits have carried away from them,
+// and in the end everything else is as it was. $QUORIN_SEQUENCES sets their number, $QUORIN_SEED
+// where they begin.
+//
+// What the user's edits leave: marks are format conditions and go with their cells, to the copy of
+// a sheet too, and into the file; the records hold the addresses and names as they were. So a mark
+// stays where its cell has moved off every recorded address, where its sheet or workbook has
+// another name now, and on a copy. Taking marks back takes them off the recorded cells, whatever
+// carried them there, and off no other. Lines that are shown when the records lose them stay shown.
+// Rows are inserted and deleted below the hidden ones: Excel knows those by their numbers alone.
 #include <cstdlib>
+#include <map>
 #include <random>
 #include <set>
+#include <tuple>
+#include <utility>
 
 #include "tests/kit/road/RoadFixture.h"
 
@@ -18,10 +31,31 @@ int numberFrom(const char* variable, int otherwise) {
 }
 
 using Cell = std::pair<int, int>;
+using Line = std::pair<int, int>;                     // 0 and a row, 1 and a column
+using Marks = std::map<std::string, std::set<Cell>>;  // by sheet; none without any
+
+// What `marks` has and `others` have not, or have too.
+Marks chosen(const Marks& marks, const Marks& others, bool common) {
+  Marks found;
+  for (const auto& [sheet, cells] : marks)
+    for (const Cell& cell : cells)
+      if ((others.contains(sheet) && others.at(sheet).contains(cell)) == common)
+        found[sheet].insert(cell);
+  return found;
+}
+
+// A row of 0 is none.
+template <typename RowNow>
+void moveRows(Marks& marks, const std::string& sheet, RowNow now) {
+  const std::set<Cell> before = std::exchange(marks[sheet], {});
+  for (const auto& [row, column] : before)
+    if (const int there = now(row); there != 0) marks[sheet].insert({there, column});
+}
 
 class MarksProperty : public RoadFixture {
  protected:
   static constexpr int rows = 24, columns = 8;
+  static constexpr int rowsToHide = 9;  // and rows are inserted and deleted below
 
   static fakes::WorkbookDescription book(const std::string& name) {
     fakes::WorkbookDescription description{.name = name, .sheets = {}};
@@ -31,7 +65,11 @@ class MarksProperty : public RoadFixture {
   }
 
   int pick(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
-  std::string sheet() { return pick(0, 2) == 0 ? "Two" : "One"; }
+  std::string sheet() { return pick(0, 2) == 0 ? "Two" : first_; }
+  std::string anySheet() {  // copies too
+    const std::vector<std::string> all = memory_->worksheets(name_);
+    return all[static_cast<std::size_t>(pick(0, static_cast<int>(all.size()) - 1))];
+  }
   std::string cell() {
     return host::columnLetters(pick(1, columns)) + std::to_string(pick(1, rows));
   }
@@ -43,19 +81,20 @@ class MarksProperty : public RoadFixture {
     excel_->forget();
     if (!name_.empty()) memory_->close(name_);
     name_ = "B" + std::to_string(seed) + ".xlsx";
+    first_ = "One";
+    others_ = 0;
+    strays_.clear();
+    free_.clear();
     hiddenAtFirst_.clear();
     for (int i = pick(0, 3); i > 0; --i) {
       const int kind = pick(0, 1);
-      hiddenAtFirst_.insert({kind, pick(1, kind == 0 ? rows : columns)});
+      hiddenAtFirst_.insert({kind, pick(1, kind == 0 ? rowsToHide : columns)});
     }
-    open();
-  }
-
-  void open() {
     memory_->open(book(name_));
     for (const auto& [kind, line] : hiddenAtFirst_)
       memory_->setHidden(on(name_, "One", lineAddress(kind == 0, line)),
                          kind == 0 ? Lines::rows : Lines::columns, true);
+    save({});
   }
 
   static std::string lineAddress(bool row, int line) {
@@ -77,7 +116,7 @@ class MarksProperty : public RoadFixture {
 
   void step() {
     failSometimes();
-    switch (pick(0, 9)) {
+    switch (pick(0, 10)) {
       case 0:
       case 1:
         ask("clearMarks");
@@ -91,21 +130,71 @@ class MarksProperty : public RoadFixture {
         memory_->goTo(on(name_, sheet(), cell()));
         break;
       case 6:
-        if (pick(0, 3) == 0) {
-          // Closed without saving, and opened again.
-          memory_->close(name_);
-          open();
-        }
+      case 7:
+        userEdit();
         break;
       default: {
         std::vector<std::string> addresses;
         const bool several = pick(0, 4) == 0;
-        const std::string one = sheet();
+        const std::string one = pick(0, 5) == 0 ? anySheet() : sheet();
         for (int i = pick(0, 5) == 0 ? pick(41, 60) : pick(1, 5); i > 0; --i)
           addresses.push_back((several ? sheet() : one) + "!" + cell());
         ask("markCells", {texts(addresses), Array{pick(0, 1) * 255, 0, 0}});
       }
     }
+  }
+
+  // The model of what each edit leaves, and the spreadsheet's own word that it is so.
+  void userEdit() {
+    excel_->forget();
+    Marks expected = marksNow();
+    const std::string sheet = anySheet();
+    const int row = pick(rowsToHide + 1, rows), count = pick(1, 3);
+    switch (pick(0, 6)) {
+      case 0:
+        memory_->userInsertsRows({name_, sheet}, row, count);
+        moveRows(expected, sheet, [&](int old) { return old < row ? old : old + count; });
+        break;
+      case 1:
+        memory_->userDeletesRows({name_, sheet}, row, count);
+        moveRows(expected, sheet, [&](int old) {
+          return old < row ? old : old < row + count ? 0 : old - count;
+        });
+        break;
+      case 2: {
+        const std::string name = first_ == "One" ? "Uno" : "One";
+        memory_->userRenamesSheet({name_, first_}, name);
+        expected[name] = std::exchange(expected[first_], {});
+        first_ = name;
+        break;
+      }
+      case 3: {
+        const std::string copy = "Copy" + std::to_string(++others_);
+        memory_->userCopiesSheet({name_, sheet}, copy);
+        expected[copy] = expected[sheet];
+        break;
+      }
+      case 4: {
+        const std::string name = std::to_string(++others_) + name_;
+        memory_->userSavesAs(name_, name);
+        name_ = name;
+        saved_ = {first_, expected};
+        break;
+      }
+      default:
+        if (pick(0, 1) == 0) save(expected);
+        memory_->userReopens(name_);
+        std::tie(first_, expected) = saved_;
+    }
+    std::erase_if(expected, [](const auto& each) { return each.second.empty(); });
+    EXPECT_EQ(marksNow(), expected);
+    strays_ = chosen(expected, recordedMarks(), false);
+    free_ = lost();
+  }
+
+  void save(const Marks& marks) {
+    memory_->userSaves(name_);
+    saved_ = {first_, marks};
   }
 
   static void add(std::set<Cell>& cells, const host::Area& area) {
@@ -114,67 +203,85 @@ class MarksProperty : public RoadFixture {
         cells.insert({row, column});
   }
 
-  void expectRecorded() {
-    excel_->forget();
-    for (const char* const sheet : {"One", "Two"}) {
-      std::set<Cell> known;
-      for (const HighlightStore::Record& record : store_.load())
-        if (record.book == name_ && record.sheet == sheet)
-          for (const std::string& address : record.addrs)
-            add(known, host::parseA1Area(address).value_or(host::Area{1, 1, 1, 1}));
+  Marks marksNow() {
+    Marks marks;
+    for (const std::string& sheet : memory_->worksheets(name_))
       for (const host::FormatCondition& each : conditions(name_, sheet, true))
-        for (const host::Area& area : each.areas) {
-          std::set<Cell> marked;
-          add(marked, area);
-          for (const Cell& place : marked)
-            EXPECT_TRUE(known.contains(place)) << sheet << " " << host::addressText({area});
-        }
-    }
-    std::set<std::pair<int, int>> unhidden;
+        for (const host::Area& area : each.areas) add(marks[sheet], area);
+    return marks;
+  }
+
+  Marks recordedMarks() {
+    Marks known;
+    for (const HighlightStore::Record& record : store_.load())
+      if (record.book == name_)
+        for (const std::string& address : record.addrs)
+          add(known[record.sheet], host::parseA1Area(address).value());
+    return known;
+  }
+
+  std::set<Line> recordedLines() {
+    std::set<Line> unhidden;
     for (const UnhideStore::Record& record : unhide_.load()) {
-      if (record.book != name_ || record.sheet != "One") continue;
+      if (record.book != name_ || record.sheet != first_) continue;
       for (const auto& run : record.rows)
         for (auto i = run[0]; i <= run[1]; ++i) unhidden.insert({0, static_cast<int>(i)});
       for (const auto& run : record.cols)
         for (auto i = run[0]; i <= run[1]; ++i) unhidden.insert({1, static_cast<int>(i)});
     }
-    for (const auto& line : hiddenAtFirst_)
-      if (!hiddenNow().contains(line)) {
-        EXPECT_TRUE(unhidden.contains(line)) << line.second;
-      }
-    expectNoneHiddenBeside();
+    return unhidden;
   }
 
-  void expectNoneHiddenBeside() {
-    for (const auto& line : hiddenNow())
-      EXPECT_TRUE(hiddenAtFirst_.contains(line))
-          << (line.first == 0 ? "row " : "column ") << line.second << " was not hidden before";
-  }
-
-  std::set<std::pair<int, int>> hiddenNow() {
-    std::set<std::pair<int, int>> lines;
+  std::set<Line> hiddenNow() {
+    std::set<Line> lines;
     for (const bool row : {true, false})
       for (int line = 1; line <= (row ? rows : columns); ++line)
-        if (memory_->hidden(on(name_, "One", lineAddress(row, line)),
+        if (memory_->hidden(on(name_, first_, lineAddress(row, line)),
                             row ? Lines::rows : Lines::columns) == true)
           lines.insert({row ? 0 : 1, line});
     return lines;
   }
 
+  // Those of the lines hidden at first that are shown, and in no record.
+  std::set<Line> lost() {
+    std::set<Line> found = hiddenAtFirst_;
+    for (const Line& line : hiddenNow()) found.erase(line);
+    for (const Line& line : recordedLines()) found.erase(line);
+    return found;
+  }
+
+  void expectRecorded() {
+    excel_->forget();
+    const Marks now = marksNow();
+    EXPECT_EQ(chosen(chosen(now, recordedMarks(), false), strays_, false), Marks());
+    strays_ = chosen(strays_, now, true);
+    for (const Line& line : lost()) EXPECT_TRUE(free_.contains(line)) << line.second;
+    for (const Line& line : hiddenNow())
+      EXPECT_TRUE(hiddenAtFirst_.contains(line))
+          << (line.first == 0 ? "row " : "column ") << line.second << " was not hidden before";
+  }
+
   void expectNothingLeft() {
     excel_->forget();
     memory_->goTo(on(name_, "Two", "A1"));
+    const Marks left = chosen(strays_, recordedMarks(), false);
+    std::set<Line> hidden = hiddenAtFirst_;
+    for (const Line& line : free_) hidden.erase(line);
     bridge_.restoreStranded();
-    EXPECT_EQ(marked(name_, "One") + marked(name_, "Two"), "");
-    EXPECT_EQ(hiddenNow(), hiddenAtFirst_);
+    EXPECT_EQ(marksNow(), left);
+    EXPECT_EQ(hiddenNow(), hidden);
     EXPECT_TRUE(store_.load().empty());
     EXPECT_TRUE(unhide_.load().empty());
-    EXPECT_EQ(conditions(name_, "One", false).size(), 1U);
+    EXPECT_EQ(conditions(name_, first_, false).size(), 1U);
   }
 
   std::mt19937 random_;
-  std::string name_;
-  std::set<std::pair<int, int>> hiddenAtFirst_;  // 0 and a row, 1 and a column
+  std::string name_, first_;             // the workbook and its first sheet, as they are called now
+  int others_ = 0;                       // names so far
+  std::pair<std::string, Marks> saved_;  // the first sheet's name and the marks, in the file
+  Marks strays_;                         // which the records do not know by the user's doing
+  std::set<Line> hiddenAtFirst_;         // on the first sheet
+  std::set<Line> free_;                  // of those, what stays shown
 };
 
 TEST_F(MarksProperty, EveryMarkIsRecordedAndCanBeTakenBack) {
