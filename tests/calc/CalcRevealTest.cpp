@@ -88,6 +88,21 @@ TEST_F(CalcReveal, ScrollsWithAMarginOnAnotherSheet) {
   EXPECT_EQ(road->firstInView(), "$R$597");
 }
 
+TEST_F(CalcReveal, RefusesAddressesOnSeveralSheetsAndNone) {
+  const std::string refusal = R"({"reason":"multi-sheet","revealed":false})";
+  EXPECT_EQ(ask("reveal", {Array{"Two!A1", "Home!A2"}, 0}), refusal);
+  EXPECT_EQ(Marshal::encode(road->bridge().reveal({})), refusal);
+}
+
+TEST_F(CalcReveal, ShowsNoneOfMoreThan200HiddenRowsAndScrollsAllTheSame) {
+  hands->hideRows(book, "Two", "A100:A300");
+  hands->hideColumns(book, "Two", "T1");
+  const std::string content = hands->contentOf(book);
+  EXPECT_EQ(reveal("Two!T100:T300"), R"({"activated":true,"revealed":true})");
+  EXPECT_EQ(hands->contentOf(book), content);
+  EXPECT_FALSE(std::filesystem::exists(road->unhidden().url()));
+}
+
 TEST_F(CalcReveal, ScrollsThePaneBesideFrozenOnes) {
   ask("select", {Array{"Three!A1"}});
   hands->freeze(book, 1, 2);

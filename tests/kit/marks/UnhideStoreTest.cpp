@@ -165,6 +165,43 @@ TEST_F(UnhideStoreTest, HasTheOldOrTheNewRecordsWhereverTheProcessDies) {
   }
 }
 
+TEST_F(UnhideStoreTest, TakesAHugeFileForMalformed) {
+  put("[");
+  fs::resize_file(file, std::uintmax_t{1} << 36);  // a hole: takes no room
+  EXPECT_EQ(store.load(), Records{});
+  EXPECT_EQ(logged(),
+            "ERROR unhidden.json malformed: The JSON text is longer than 16777216 bytes.\n");
+}
+
+TEST_F(UnhideStoreTest, ReplacesAReadOnlyFileButNotInAReadOnlyFolder) {
+  put("[]");
+  fs::permissions(folder.path(), fs::perms(0777));
+  fs::permissions(file.parent_path(), fs::perms(0777));
+  fs::permissions(file, fs::perms(0444));
+  {
+    const OrdinaryUser user;
+    store.record(one);
+  }
+  EXPECT_EQ(store.load(), one);
+  fs::permissions(file, fs::perms(0644));
+  fs::permissions(file.parent_path(), fs::perms(0555));
+  const OrdinaryUser user;
+  EXPECT_THROW(store.record({{"New", "S", {{1, 1}}, {}}}), FileError);
+  store.record({});
+  EXPECT_EQ(store.load(), one);
+}
+
+TEST_F(UnhideStoreTest, WritesThroughASymbolicLink) {
+  fs::create_directories(file.parent_path());
+  writeFile(folder / "shared.json", "[]");
+  fs::create_symlink("../shared.json", file);
+  store.record(one);
+  EXPECT_TRUE(fs::is_symlink(file));
+  EXPECT_EQ(readFile(folder / "shared.json"), oneText);
+  store.clear();
+  EXPECT_EQ(store.load(), Records{});
+}
+
 TEST_F(UnhideStoreTest, ClearsWithoutAWord) {
   put(oneText);
   store.clear();
