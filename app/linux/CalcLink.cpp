@@ -15,9 +15,11 @@ using host::calc::RunningOffice;
 CalcLink::CalcLink() : office_(std::make_shared<RunningOffice>()) {}
 
 ScriptRunnerFactory CalcLink::runnerFactory(DiagLog& log) const {
-  return [office = office_, &log](const CallThreadPost&) -> std::unique_ptr<ScriptRunner> {
+  return [office = office_, &log](const CallThreadPost& post) -> std::unique_ptr<ScriptRunner> {
     auto calc = std::make_unique<CalcSpreadsheet>(office);
     calc->onNotice([&log](const std::string& text) { log.log("UNHIDE", text); });
+    // Work that is posted is done while there is a runner, and so this.
+    calc->onKeeperLost([post, there = calc.get()] { post([there] { there->protectMarks(); }); });
     auto excel = std::make_unique<host::ExcelObjectModel>(std::move(calc));
     return std::make_unique<host::EngineRunner>(std::move(excel));
   };

@@ -26,7 +26,8 @@ using css::uno::Any;
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
-CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience)
+CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
+                         std::function<void()> keeperLost)
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
       workbooks_(desktop_),
@@ -34,7 +35,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       scratch_(connection_.context(), workbooks_),
       changes_(connection_.context()),
       shown_(connection_.context()),
-      keeper_(office) {}
+      keeper_(office, std::move(keeperLost)) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
   if (ScratchWorkbook* const scratch = scratch_.find(book)) return scratch->workbook();
@@ -110,6 +111,20 @@ void CalcSession::removeUnreachableMarks(const std::string& book) {
     });
     if (some) conditions(place).removeUnreachable();
   }
+}
+
+void CalcSession::protectMarks() {
+  try {
+    for (const std::string& book : workbooks_.names()) {
+      for (const std::string& sheet : sheetNames(workbook(book))) {
+        const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+        if (!marks.empty()) conditions({book, sheet});
+      }
+    }
+  } catch (const SpreadsheetError&) {
+  } catch (const css::uno::Exception&) {
+  }
+  releaseConditions();
 }
 
 // But for those that the user is looking at.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <com/sun/star/frame/XDesktop2.hpp>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -22,7 +23,9 @@ namespace quorin::host::calc {
 
 class CalcSession {
  public:
-  CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience);
+  // `keeperLost` is told on another thread when the marks keeper died: protectMarks() is due.
+  CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
+              std::function<void()> keeperLost = {});
 
   OfficeConnection& connection() { return connection_; }
   CalcWorkbooks& workbooks() { return workbooks_; }
@@ -40,6 +43,8 @@ class CalcSession {
   // Somebody looked for a workbook or a sheet that is not there: takes back what was done under
   // such names, marks and shown lines. What fails is left to the next time.
   void takeBackUnreachable();
+  // Has a keeper watch every workbook with marks. What fails is left to the next turn.
+  void protectMarks();
 
   // Makes calls in progress fail. From any thread.
   void interrupt();

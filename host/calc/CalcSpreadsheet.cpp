@@ -67,7 +67,7 @@ CalcSession& CalcSpreadsheet::session() {
   if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
   if (session_ && session_->connection().isAlive()) return *session_;
   dropSession();
-  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_);
+  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_, keeperLost_);
   fresh->keepReadings(inHandler_);
   const std::lock_guard lock(mutex_);
   session_ = std::move(fresh);
@@ -121,6 +121,10 @@ void CalcSpreadsheet::endIfDead() {
 
 void CalcSpreadsheet::openWorkbook(const std::string& path) {
   change([&](CalcSession& office) { office.openWorkbook(path); });
+}
+
+void CalcSpreadsheet::protectMarks() {
+  if (!quitting_ && session_ && session_->connection().isAlive()) session_->protectMarks();
 }
 
 void CalcSpreadsheet::handlerBegins() {

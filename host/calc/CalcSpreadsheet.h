@@ -30,6 +30,11 @@ class CalcSpreadsheet : public Spreadsheet {
   // Who is told, on the call thread, of lines that were to be hidden again and cannot be.
   void onNotice(std::function<void(const std::string&)> notice) { notice_ = std::move(notice); }
 
+  // Who is told, on another thread, that marks are no longer kept out of the files that the user
+  // saves: protectMarks() is to be called on the call thread, not during a handler.
+  void onKeeperLost(std::function<void()> lost) { keeperLost_ = std::move(lost); }
+  void protectMarks();
+
   // Makes a call in progress and all later ones fail at once. From any thread, for quitting.
   void quit();
 
@@ -101,6 +106,7 @@ class CalcSpreadsheet : public Spreadsheet {
   std::mutex mutex_;  // guards session_'s replacement against quit()
   std::unique_ptr<CalcSession> session_;
   std::function<void(const std::string&)> notice_;  // or none
+  std::function<void()> keeperLost_;                // or none
   bool inHandler_ = false;
   Asked asked_ = Asked::nothing;
   RequestMemory memory_;  // after the session: it holds nothing of the office

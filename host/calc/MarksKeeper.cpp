@@ -48,12 +48,16 @@ std::optional<std::filesystem::path> marksKeeperProgram(const std::filesystem::p
   return std::nullopt;
 }
 
-MarksKeeper::MarksKeeper(OfficeAddress office)
-    : office_(std::move(office)), interrupted_(::eventfd(0, EFD_CLOEXEC)) {}
+MarksKeeper::MarksKeeper(OfficeAddress office, std::function<void()> lost)
+    : office_(std::move(office)),
+      lost_(std::move(lost)),
+      interrupted_(::eventfd(0, EFD_CLOEXEC)),
+      watchEnds_(::eventfd(0, EFD_CLOEXEC)) {}
 
 MarksKeeper::~MarksKeeper() {
   forget();
   ::close(interrupted_);
+  ::close(watchEnds_);
 }
 
 void MarksKeeper::interrupt() {
@@ -63,6 +67,7 @@ void MarksKeeper::interrupt() {
 
 // Closing the socket tells the keeper that nobody needs the marks any more.
 void MarksKeeper::forget() {
+  endWatch();
   if (socket_ >= 0) ::close(socket_);
   socket_ = -1;
   pollfd quitting{interrupted_, POLLIN, 0};
@@ -107,6 +112,26 @@ void MarksKeeper::start() {
   }
 }
 
+// The other end of the socket closes with the keeper's death, whatever that was. One that has not
+// got through a turn yet is not watched, so that none is started over and over.
+void MarksKeeper::watch() {
+  if (!lost_ || watcher_.joinable()) return;
+  watcher_ = std::thread([this, socket = socket_] {
+    std::array<pollfd, 2> watched{pollfd{socket, 0, 0}, pollfd{watchEnds_, POLLIN, 0}};
+    while (::poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {
+    }
+    if (watched[1].revents == 0) lost_();
+  });
+}
+
+void MarksKeeper::endWatch() {
+  if (!watcher_.joinable()) return;
+  std::uint64_t count = 1;
+  [[maybe_unused]] const auto written = ::write(watchEnds_, &count, sizeof count);
+  watcher_.join();
+  [[maybe_unused]] const auto got = ::read(watchEnds_, &count, sizeof count);
+}
+
 bool MarksKeeper::send(const std::string& line) const {
   return socket_ >= 0 && ::send(socket_, line.data(), line.size(), MSG_NOSIGNAL) ==
                              static_cast<ssize_t>(line.size());
@@ -135,9 +160,9 @@ MarksKeeper::Turn::Turn(MarksKeeper& keeper, const std::string& document) : keep
 
 MarksKeeper::Turn::~Turn() {
   try {
-    if (keeper_.send("end\n")) keeper_.readAnswer();
-  } catch (const SpreadsheetError&) {
-    // We are quitting.
+    if (keeper_.send("end\n") && keeper_.readAnswer()) keeper_.watch();
+  } catch (const std::exception&) {
+    // We are quitting, or no thread can be had.
   }
 }
 

@@ -12,9 +12,11 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <thread>
 
 #include "host/calc/OfficeSource.h"
 
@@ -22,7 +24,8 @@ namespace quorin::host::calc {
 
 class MarksKeeper {
  public:
-  explicit MarksKeeper(OfficeAddress office);
+  // `lost` is told on another thread when a keeper has ended that was not told to.
+  explicit MarksKeeper(OfficeAddress office, std::function<void()> lost = {});
   // Returns when the keeper has taken every mark back, or after a moment when the office is busy:
   // the keeper then goes on alone.
   ~MarksKeeper();
@@ -50,14 +53,19 @@ class MarksKeeper {
  private:
   void start();
   void forget();
+  void watch();
+  void endWatch();
   void ask(const std::string& request);  // and waits for the answer
   bool send(const std::string& line) const;
   bool readAnswer();  // false when the keeper is gone
 
   const OfficeAddress office_;
+  const std::function<void()> lost_;
   int interrupted_ = -1;  // an eventfd
   int socket_ = -1;
   pid_t process_ = 0;
+  int watchEnds_ = -1;  // an eventfd
+  std::thread watcher_;
 };
 
 // The keeper's program, for the program at `self`: it lies in "libexec/quorin" of one of the

@@ -1,5 +1,9 @@
 // Highlights on a real Calc, all the way from the verbs.
+#include <filesystem>
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <sstream>
+#include <unistd.h>
 
 #include "host/Address.h"
 #include "host/calc/MarkText.h"
@@ -7,6 +11,9 @@
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/Eventually.h"
+#include "tests/fakes/Files.h"
+#include "tests/xlsx/ZipArchive.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -19,6 +26,23 @@ using testing::Not;
 using testing::SizeIs;
 using Array = JSONValue::Array;
 using Colour = std::vector<std::int64_t>;
+
+// The marks keeper of this process that lives; 0 for none.
+pid_t keeper() {
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    const int number = std::atoi(entry.path().filename().c_str());
+    if (number == 0) continue;
+    const std::string status = readFile(entry.path() / "stat");
+    const std::size_t name = status.find("(quorin-marks-ke) ");
+    if (name == std::string::npos) continue;
+    std::istringstream rest(status.substr(status.rfind(") ") + 2));
+    char state = 0;
+    pid_t parent = 0;
+    rest >> state >> parent;
+    if (parent == ::getpid() && state != 'Z') return number;
+  }
+  return 0;
+}
 
 // One office for all tests. What two connections of a process share belongs to the first of them,
 // so the road's has to be that one.
@@ -135,6 +159,11 @@ TEST_F(CalcMarks, TakeTwoHundredAddressesAndNoMore) {
   EXPECT_THAT(marked("Known.xlsx", "Data"), testing::EndsWith("$AR$598"));
   EXPECT_EQ(ask("clearMarks"), R"({"removed":200})");
   EXPECT_THAT(desk->hands.shapes("Known.xlsx", "Data"), IsEmpty());
+}
+
+TEST_F(CalcMarks, AreMagentaWithoutThreeColourParts) {
+  desk->road.bridge().markCells({"A1"}, {1, 2});
+  EXPECT_EQ(conditions("Known.xlsx", "Data", true).at(0).fill, (Color{255, 0, 255}));
 }
 
 TEST_F(CalcMarks, CountTheUsersRulesAndLeaveThemAlone) {
@@ -326,6 +355,25 @@ TEST_F(CalcMarks, LeaveTheUsersDrawingsAlone) {
   EXPECT_THAT(desk->hands.shapes("Known.xlsx", "Blank"), SizeIs(3));
   EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
   EXPECT_THAT(desk->hands.shapes("Known.xlsx", "Blank"), ElementsAre("Quorin mark 3", "Arrow"));
+}
+
+// Nobody asks for anything after its death, but a new one is there for the next save.
+TEST_F(CalcMarks, AreKeptOutOfFilesAfterTheirKeeperWasKilled) {
+  desk->open(fakes::knownWorkbook(), "Kept.xlsx");
+  activate("Kept.xlsx", "Data");
+  mark({"Data!A1", "Blank!B2"});
+  activate("Known.xlsx", "Data");
+  const pid_t first = keeper();
+  ASSERT_GT(first, 0);
+  ::kill(first, SIGKILL);
+  ASSERT_TRUE(eventually([&] { return keeper() > 0 && keeper() != first; }));
+  desk->road.use([](CalcSpreadsheet&) {});  // the new one has found them
+  desk->hands.saveAs("Kept.xlsx", (desk->folder / "Out.xlsx").string());
+  for (const std::string& part : xlsx::ZipArchive(desk->folder / "Out.xlsx").names())
+    EXPECT_THAT(part, Not(HasSubstr("drawing")));
+  EXPECT_EQ(marked("Out.xlsx", "Data") + marked("Out.xlsx", "Blank"), "$A$1$B$2");
+  ask("clearMarks");
+  desk->hands.close("Out.xlsx");
 }
 
 // What the records hold stays as it was asked for, whatever the user does to rows, sheets and

@@ -76,6 +76,7 @@ class CalcRoad {
       auto spreadsheet = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
       spreadsheet_ = spreadsheet.get();
       spreadsheet_->onNotice([this](const std::string& text) { log_.log().log("UNHIDE", text); });
+      spreadsheet_->onKeeperLost([this] { post_([this] { spreadsheet_->protectMarks(); }); });
       return std::make_unique<EngineRunner>(
           std::make_unique<ExcelObjectModel>(std::move(spreadsheet)));
     };

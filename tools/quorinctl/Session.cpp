@@ -33,6 +33,8 @@ Session::Session(Parts parts)
         std::make_unique<host::calc::CalcSpreadsheet>(std::move(*office), officeStart);
     spreadsheet_ = spreadsheet.get();
     spreadsheet_->onNotice([this](const std::string& text) { log_.log("UNHIDE", text); });
+    spreadsheet_->onKeeperLost(
+        [this, post = post_] { post([this] { spreadsheet_->protectMarks(); }); });
     return std::make_unique<host::EngineRunner>(
         std::make_unique<host::ExcelObjectModel>(std::move(spreadsheet)));
   };
