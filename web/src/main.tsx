@@ -151,6 +151,7 @@ const tracker = new SelectionTracker(
 );
 
 let asleep = false;
+const [waiting, setWaiting] = createSignal(false);
 const conveyor = new Conveyor(
   [
     follower,
@@ -161,8 +162,12 @@ const conveyor = new Conveyor(
         asleep || selection().status !== 'ready' ? undefined : explorer.evaluator.next(),
     },
   ],
-  (where, error) => {
-    errors.report(where, error);
+  {
+    clock,
+    slow: (slow) => setWaiting(slow),
+    report(where, error) {
+      errors.report(where, error);
+    },
   },
 );
 selectionErrands.attach(conveyor);
@@ -225,6 +230,7 @@ const page: Page = {
       if (!outcome.ok) say('The colour could not be kept.');
     });
   },
+  waiting,
   wide,
   setWide: (next) => void client.ask('setPanelWidth', next),
   hide() {

@@ -13,7 +13,7 @@ import { FormulaPane } from './FormulaPane';
 import { Notice } from './Notice';
 import type { Page } from './page';
 import { PlaceListView } from './PlaceListView';
-import { ResultLine } from './ResultLine';
+import { doubtOf, ResultLine } from './ResultLine';
 import { StatusBar } from './StatusBar';
 import { TopBar } from './TopBar';
 
@@ -43,6 +43,8 @@ export function App(props: AppProps): JSX.Element {
   const tree = () => here()?.tree;
   const dimmed = () => props.selection.status === 'busy' || props.selection.slow;
   const notice = () => props.page.look((explorer) => explorer.notice);
+  const doubt = () =>
+    props.page.look(({ view, evaluator }) => (view === 'tree' ? doubtOf(evaluator, here()) : ''));
   const content = () => (here()?.text === '' ? props.selection.content : undefined);
   const [drawer, setDrawer] = createSignal(false);
   const place = () => here()?.place.addr ?? '';
@@ -134,9 +136,13 @@ export function App(props: AppProps): JSX.Element {
       <StatusBar
         page={props.page}
         status={props.selection.status}
+        here={here()}
         said={
           sentence()?.title ??
-          (notice() || props.said || statusLine(props.selection, props.application))
+          (notice() ||
+            props.said ||
+            statusLine(props.selection, props.application, props.page.waiting()) ||
+            doubt())
         }
       />
     </div>

@@ -1,4 +1,4 @@
-import { createEffect, createMemo, Index, on, onCleanup, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, Index, on, onCleanup, onMount, Show, type JSX } from 'solid-js';
 
 import { visibleText } from '../core/format/visible';
 import { highlight } from '../core/formula/highlight';
@@ -66,8 +66,14 @@ export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
       if (code && first) code.scrollTop = Math.max(0, first.offsetTop - 24);
     }, restingTime);
   };
-  onCleanup(() => {
-    clearTimeout(resting);
+  // In another width the formula's lines break elsewhere.
+  onMount(() => {
+    const observer = new ResizeObserver(bringIntoView);
+    if (code) observer.observe(code);
+    onCleanup(() => {
+      observer.disconnect();
+      clearTimeout(resting);
+    });
   });
   createEffect(on([span, pieces], ([text]) => mark(text)));
   const choose = (event: MouseEvent): void => {

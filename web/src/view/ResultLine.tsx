@@ -1,10 +1,21 @@
 import { Show, type JSX } from 'solid-js';
 
+import type { Evaluator } from '../core/evaluation/Evaluator';
 import { resultView } from '../core/format/resultView';
 import type { Stop } from '../core/explorer/Trail';
 import { CopyIcon } from './icons';
 import type { Page } from './page';
 import { ValueText } from './ValueText';
+
+/** What the formula gives now where that is not what its cell holds; empty where it is. */
+export function doubtOf(evaluator: Evaluator, stop: Stop | undefined): string {
+  const { verification } = evaluator;
+  if (verification.state !== 'differs') return '';
+  const root = stop?.tree?.outline.root;
+  const format = root && evaluator.formatOf(root);
+  const given = resultView(verification.now, { isCell: false, format });
+  return `Gives ${given.text} now; it may wait for a calculation.`;
+}
 
 /** What the cell holds, and whether the formula gives the same now. */
 export function ResultLine(props: { page: Page; stop: Stop }): JSX.Element {
@@ -23,9 +34,7 @@ export function ResultLine(props: { page: Page; stop: Stop }): JSX.Element {
   const more = () => {
     const now = verification();
     if (now.state === 'skipped') return now.reason;
-    if (now.state !== 'differs') return '';
-    const given = resultView(now.now, { isCell: false });
-    return `The formula gives ${given.text} now; the cell may wait for a calculation.`;
+    return props.page.look(({ evaluator }) => doubtOf(evaluator, props.stop));
   };
   return (
     <section class="result" aria-label="Result">

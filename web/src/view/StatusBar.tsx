@@ -1,5 +1,6 @@
 import { For, Show, type JSX } from 'solid-js';
 
+import type { Stop } from '../core/explorer/Trail';
 import { oneLine } from '../core/format/visible';
 import type { SelectionStatus } from '../core/selection/state';
 import type { Page } from './page';
@@ -7,6 +8,8 @@ import type { Page } from './page';
 export type StatusBarProps = {
   page: Page;
   status: SelectionStatus;
+  /** The cell that is shown, if one is. */
+  here: Stop | undefined;
   /** The sentence of the moment; empty for none. */
   said: string;
 };
@@ -14,8 +17,8 @@ export type StatusBarProps = {
 /** The foot: where one is in the tree, what was said last, and what of ours is in the workbook. */
 export function StatusBar(props: StatusBarProps): JSX.Element {
   const step = () =>
-    props.page.look(({ view, here }) => {
-      const tree = view === 'tree' ? here?.tree : undefined;
+    props.page.look(({ view }) => {
+      const tree = view === 'tree' ? props.here?.tree : undefined;
       if (!tree) return '';
       return `Step ${String(tree.activeIndex + 1)} of ${String(tree.rows.length)}`;
     });

@@ -13,6 +13,8 @@ export type Page = {
   copy(text: string, what: string): void;
   colour(): Colour;
   setColour(colour: Colour): void;
+  /** Whether an answer has been awaited for so long that the user should know. */
+  waiting(): boolean;
   wide(): boolean;
   setWide(wide: boolean): void;
   hide(): void;

@@ -1,7 +1,7 @@
 import { afterAll, afterEach, beforeAll, describe, expect, test } from 'vitest';
 
 import { Browser, type Answer, type FakePanel } from './FakePanel';
-import { cell, failure, longFormula, probe, ready, success } from './samples';
+import { cell, failure, longestFormula, longFormula, probe, ready, success } from './samples';
 
 let browser: Browser;
 let panel: FakePanel | undefined;
@@ -90,11 +90,9 @@ describe('the selected cell', () => {
   });
 
   test('shows 8,192 characters of formula without moving the rest off the page', async () => {
-    const formula =
-      `=${Array.from({ length: 2000 }, (_, i) => `A${String(i + 1)}`).join('+')}`.slice(0, 8192);
-    const page = await open(ready({ formula }));
+    const page = await open(ready({ formula: longestFormula }));
     await page.shows('address', 'F12');
-    expect(await page.page.getByTestId('formula').textContent()).toBe(formula);
+    expect(await page.page.getByTestId('formula').textContent()).toBe(longestFormula);
     const box = await page.page.getByTestId('value').boundingBox();
     expect(box && box.y + box.height).toBeLessThan(560);
   });
@@ -232,6 +230,22 @@ describe('events', () => {
     await page.lay('readCell', undefined);
     await page.send('selectionChanged', { book: 'b', sheet: 's', addr: 'B2' });
     await page.shows('state', 'Waiting for LibreOffice Calc…');
+  });
+});
+
+describe('an answer that never comes', () => {
+  test('to a question for a value does not keep the next cell from being read', async () => {
+    const page = await open({ ...ready({ formula: '=ABS(A1)' }), readRange: undefined as never });
+    await page.asked('readRange');
+    await page.shows('state', 'Waiting for LibreOffice Calc…');
+    await page.lay('readCell', cell({ addr: 'G12', formula: '=1+1', value: 2 }));
+    await page.send('selectionChanged', {
+      book: 'Solar park.xlsx',
+      sheet: 'Cash flow',
+      addr: 'G12',
+    });
+    await page.shows('address', 'G12');
+    await page.page.locator('.row', { hasText: '1+1' }).getByText('2', { exact: true }).waitFor();
   });
 });
 

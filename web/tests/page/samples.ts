@@ -26,6 +26,10 @@ export function cell(more: Record<string, unknown> = {}): Answer {
 
 export const longFormula = `=IFERROR(IF(AND($B$4>0,Inputs!$C$7<>"off"),SUMIFS('Energy yield'!$F$8:$F$371,'Energy yield'!$B$8:$B$371,">="&F$5,'Energy yield'!$B$8:$B$371,"<"&EDATE(F$5,1))*INDEX(Prices[Merchant],MATCH(YEAR(F$5),Prices[Year],0))*(1+Inflation)^(YEAR(F$5)-BaseYear)-MAX(0,F31-F$14)*0.5%,NA()),#N/A)`;
 
+/** As long as a formula may be. */
+export const longestFormula =
+  `=${Array.from({ length: 2_000 }, (_, i) => `A${String(i + 1)}`).join('+')}`.slice(0, 8_192);
+
 export const value = (given: unknown) => success({ ok: true, value: given });
 export const error = (text: string) => success({ ok: false, kind: 'excelError', message: text });
 export const range = (values: unknown[][]) =>

@@ -1,12 +1,26 @@
 // Every state the page can be in, and how it gets there.
 
 import type { Answer, FakePanel } from './FakePanel';
-import { error, failure, longFormula, model, probe, range, ready, success, value } from './samples';
+import {
+  cell,
+  error,
+  failure,
+  longFormula,
+  longestFormula,
+  model,
+  probe,
+  range,
+  ready,
+  success,
+  value,
+} from './samples';
 
 export type Scene = {
   answers: Record<string, Answer>;
   state: string;
   then?: (panel: FakePanel) => Promise<void>;
+  /** More elements than axe gets through in time; they are of the kinds that other scenes show. */
+  crowded?: boolean;
 };
 
 const keys = async (panel: FakePanel, ...pressed: string[]): Promise<void> => {
@@ -65,6 +79,89 @@ export const scenes: Record<string, Scene> = {
   long: {
     answers: ready({ formula: longFormula, value: 182_204.375_512_3 }),
     state: 'ready',
+  },
+  longest: {
+    crowded: true,
+    answers: { ...ready({ formula: longestFormula, value: 4_096 }), evaluate: value(4_096) },
+    state: 'ready',
+    then: (panel) => keys(panel, 'End'),
+  },
+  deep: {
+    answers: {
+      ...ready({ formula: `=${'ABS('.repeat(64)}A1${')'.repeat(64)}`, value: 5 }),
+      evaluate: value(5),
+      "readRange 'Cash flow'!A1": range([[5]]),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await keys(panel, 'End');
+      await panel.shows('step', 'Step 65 of 65');
+    },
+  },
+  huge: {
+    crowded: true,
+    answers: {
+      ...ready({ formula: `=MAX(${Array<string>(5_000).fill('-x').join(',')})`, value: -0.1 }),
+      evaluate: value(-0.1),
+      'readRange x': range([[0.1]]),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('row').first().waitFor();
+      await keys(panel, '*', 'ArrowDown', '*', 'End');
+      await panel.shows('step', 'Step 10001 of 10001');
+    },
+  },
+  manual: {
+    answers: {
+      ...model,
+      readCell: cell({ formula: '=IF(B4>0,SUM(Data!C2:C5)/B4,0)', value: 990 }),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('differs');
+      await panel.shows('state', 'Gives 1,284.50 now; it may wait for a calculation.');
+    },
+  },
+  slow: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await panel.lay('readCell', undefined);
+      await panel.send('selectionChanged', { book: 'b', sheet: 's', addr: 'B2' });
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
+    },
+  },
+  slowValues: {
+    answers: {
+      ...Object.fromEntries(
+        Object.entries(model).filter(([asked]) => !asked.startsWith('evaluate')),
+      ),
+      evaluate: undefined as never,
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.asked('evaluate');
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
+    },
+  },
+  starting: {
+    answers: { ...ready(), probe: undefined as never },
+    state: 'starting',
+    then: (panel) => panel.page.getByRole('heading', { name: 'Looking at' }).waitFor(),
+  },
+  closed: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await keys(panel, 'ArrowDown');
+      await panel.page.getByTestId('marked').waitFor();
+      await panel.lay('probe', probe('noWorkbook'));
+      await panel.send('probeNeeded', {});
+      await panel.reaches('noWorkbook');
+    },
   },
   multiline: {
     answers: {
@@ -131,6 +228,20 @@ export const scenes: Record<string, Scene> = {
       await panel.page.getByTestId('list-empty').waitFor();
     },
   },
+  noAnswer: {
+    answers: {
+      ...model,
+      "dependents 'Cash flow'!F12": failure({
+        kind: 'timeout',
+        message: 'LibreOffice Calc did not respond within 10s',
+      }),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('tab-deps').click();
+      await panel.page.getByTestId('list-failed').waitFor();
+    },
+  },
   map: {
     answers: model,
     state: 'ready',
@@ -187,6 +298,7 @@ export const scenes: Record<string, Scene> = {
       await panel.reaches('busy');
     },
   },
+  busyAtFirst: { answers: { ...ready(), probe: probe('busy') }, state: 'busy' },
   notRunning: { answers: { ...ready(), probe: probe('notRunning') }, state: 'notRunning' },
   noWorkbook: { answers: { ...ready(), probe: probe('noWorkbook') }, state: 'noWorkbook' },
   denied: { answers: { ...ready(), probe: probe('denied') }, state: 'denied' },

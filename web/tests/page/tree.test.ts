@@ -311,15 +311,28 @@ describe('a selection', () => {
   test('whose workbook is closed gives way to the sentence, and the next one is picked up', async () => {
     const page = await open();
     await press('f', 'ArrowDown');
+    await page.page.getByTestId('marked').waitFor();
     await page.lay('probe', success({ state: 'noWorkbook' }));
     await page.send('probeNeeded', {});
     await page.reaches('noWorkbook');
     expect(await page.page.getByTestId('tree').count()).toBe(0);
+    expect(await page.page.getByTestId('marked').count()).toBe(0);
+    expect(await page.text('step')).toBe('');
     await page.lay('readCell', cell({ book: 'Other.xlsx', formula: '=1+1', value: 2 }));
     await page.lay('probe', success({ state: 'ok' }));
     await page.reaches('ready');
     await press('f');
     await page.shows('book', 'Other.xlsx');
+  });
+
+  test('in another workbook takes back what was marked in the one before', async () => {
+    const page = await open();
+    await press('ArrowDown');
+    await page.page.getByTestId('marked').waitFor();
+    await page.lay('readCell', cell({ book: 'Other.xlsx', formula: '=1+1', value: 2 }));
+    await page.send('selectionChanged', { book: 'Other.xlsx', sheet: 'Cash flow', addr: 'F12' });
+    await page.asked('clearMarks');
+    await page.page.getByTestId('marked').waitFor({ state: 'detached' });
   });
 
   test('moves nothing where motion is not wanted', async () => {

@@ -57,9 +57,16 @@ export class Explorer {
 
   /** The selected cell was read, or cannot be. */
   selection(state: SelectionState): void {
-    const { content } = state;
-    if (state.status !== 'ready' || !state.fresh || !content || content === this.latest) return;
+    const { content, status } = state;
+    const { follower } = this.ports;
+    if (status === 'noWorkbook' || status === 'notRunning') follower.lose();
+    if (status !== 'ready' || !state.fresh || !content || content === this.latest) return;
+    const otherBook = this.latest !== undefined && this.latest.book !== content.book;
     this.latest = content;
+    follower.regain();
+    // What was marked belongs to the tree that is left, and its workbook may have been closed.
+    const { marked, changed } = follower.current;
+    if (otherBook && !this.pinned && (marked !== '' || changed)) follower.clear();
     // It was read because something may have happened to the workbook.
     this.cache.enter(content.book);
     this.cache.clear();

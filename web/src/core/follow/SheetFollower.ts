@@ -54,6 +54,8 @@ const nothingShown: FollowState = {
 export class SheetFollower implements Source {
   private wanted: Destination | undefined;
   private clearing = false;
+  /** Marks were in a workbook that is gone; the native side still keeps a record of them. */
+  private orphaned = false;
   private cancel: Cancel | undefined;
   /** The refusal met last, as long as nothing has been marked since. */
   private refusal = '';
@@ -102,6 +104,23 @@ export class SheetFollower implements Source {
     this.wanted = undefined;
     this.clearing = this.state.able || this.state.changed;
     this.wake();
+  }
+
+  /** No workbook is open any more: nothing of ours is in one. */
+  lose(): void {
+    this.cancel?.();
+    this.wanted = undefined;
+    this.clearing = false;
+    const { marked, unhidden, changed } = this.state;
+    if (marked !== '' || unhidden !== '' || changed) this.orphaned = true;
+    if (this.state.able) this.change(nothingShown);
+  }
+
+  /** There is a workbook again: the same one, perhaps, saved with its marks. */
+  regain(): void {
+    if (!this.orphaned) return;
+    this.orphaned = false;
+    this.clear();
   }
 
   next(): Job | undefined {

@@ -1,6 +1,7 @@
 // One question to the spreadsheet at a time, the most urgent first. Whoever has questions is a
 // source; when nothing is asked, the first source that has one is taken at its word.
 
+import type { Clock } from '../time/Clock';
 import type { Outcome } from './Outcome';
 
 export type Job = () => Promise<void>;
@@ -10,33 +11,79 @@ export type Source = {
   next(): Job | undefined;
 };
 
+/** A question open for longer than this is announced. */
+export const slowAfter = 400;
+
+/**
+ * A question open for longer than this lets more urgent ones pass: its reply may have been lost. The
+ * native side answers in turn, so passing costs nothing where it was only late.
+ */
+export const passAfter = 2_000;
+
+type Question = { level: number; slow: boolean; late: boolean };
+
+export type ConveyorPorts = {
+  clock: Clock;
+  /** Whether an answer is awaited for so long that the user should know. */
+  slow(slow: boolean): void;
+  report(where: string, error: unknown): void;
+};
+
 export class Conveyor {
-  private busy = false;
+  private open: Question[] = [];
+  private announced = false;
 
   /** `sources`: the most urgent first. */
   constructor(
     private readonly sources: readonly Source[],
-    private readonly report: (where: string, error: unknown) => void,
+    private readonly ports: ConveyorPorts,
   ) {}
 
   /** A source may have something new to ask. */
   wake(): void {
-    if (this.busy) return;
-    let job: Job | undefined;
-    for (const source of this.sources) {
-      job = source.next();
-      if (job) break;
+    if (this.open.some(({ late }) => !late)) return;
+    const below = Math.min(this.sources.length, ...this.open.map(({ level }) => level));
+    for (let level = 0; level < below; level++) {
+      const job = this.sources[level]?.next();
+      if (!job) continue;
+      this.put(job, level);
+      return;
     }
-    if (!job) return;
-    this.busy = true;
+  }
+
+  private put(job: Job, level: number): void {
+    const { clock, report } = this.ports;
+    const question: Question = { level, slow: false, late: false };
+    this.open.push(question);
+    const cancels = [
+      clock.after(slowAfter, () => {
+        question.slow = true;
+        this.announce(true);
+      }),
+      clock.after(passAfter, () => {
+        question.late = true;
+        this.wake();
+      }),
+    ];
     job()
       .catch((error: unknown) => {
-        this.report('question', error);
+        report('question', error);
       })
       .finally(() => {
-        this.busy = false;
+        for (const cancel of cancels) cancel();
+        this.open = this.open.filter((other) => other !== question);
         this.wake();
+        // Between two slow answers the words stay, so that they do not flicker.
+        if (this.open.length === 0 || !question.slow) {
+          this.announce(this.open.some(({ slow }) => slow));
+        }
       });
+  }
+
+  private announce(slow: boolean): void {
+    if (slow === this.announced) return;
+    this.announced = slow;
+    this.ports.slow(slow);
   }
 }
 

@@ -28,6 +28,20 @@ export type ProtocolPorts = {
  */
 export const replyDeadline = 120_000;
 
+/** The same for questions that the native side gives up after ten seconds at most. */
+export const quickDeadline = 30_000;
+
+const quickVerbs: ReadonlySet<Verb> = new Set<Verb>([
+  'probe',
+  'readCell',
+  'readRange',
+  'readFormulas',
+  'evaluate',
+  'dependents',
+  'workbookMap',
+  'select',
+]);
+
 /** Events that arrive before anyone listens, held in order; more than this many are dropped. */
 const heldEventsLimit = 100;
 
@@ -51,7 +65,8 @@ export class ProtocolClient {
   ask<V extends Verb>(verb: V, ...args: Verbs[V]['args']): Promise<Outcome<Verbs[V]['result']>> {
     const id = this.nextId++;
     return new Promise((resolve) => {
-      const cancelDeadline: Cancel = this.ports.clock.after(replyDeadline, () => {
+      const deadline = quickVerbs.has(verb) ? quickDeadline : replyDeadline;
+      const cancelDeadline: Cancel = this.ports.clock.after(deadline, () => {
         this.pending.delete(id);
         resolve(failed('unanswered', `"${verb}" was not answered.`));
       });

@@ -79,8 +79,8 @@ export function sentenceFor(
 }
 
 /** The one line at the foot of the page while a cell is shown; empty when there is nothing to say. */
-export function statusLine(state: SelectionState, application: string): string {
+export function statusLine(state: SelectionState, application: string, waiting = false): string {
   if (state.status === 'busy') return `${capital(application)} is busy; this was read before.`;
-  if (state.slow) return `Waiting for ${application}…`;
+  if (waiting || state.slow) return `Waiting for ${application}…`;
   return '';
 }

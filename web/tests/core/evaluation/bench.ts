@@ -6,6 +6,7 @@ import type { Result } from '../../../src/core/evaluation/Result';
 import { parse } from '../../../src/core/formula/Parser';
 import { outlineOf, type Item } from '../../../src/core/outline/Item';
 import { Conveyor } from '../../../src/core/protocol/Conveyor';
+import { FakeClock } from '../../fakes/FakeClock';
 import { FakeWorkbook } from '../../fakes/FakeWorkbook';
 
 export const home = { book: 'Model.xlsx', sheet: 'Summary', row: 12, col: 6 };
@@ -24,8 +25,12 @@ export class Bench {
   readonly evaluator = new Evaluator(this.workbook, this.cache, () => {
     this.changes += 1;
   });
-  readonly conveyor = new Conveyor([this.evaluator], (where, error) => {
-    throw new Error(`${where}: ${String(error)}`);
+  readonly conveyor = new Conveyor([this.evaluator], {
+    clock: new FakeClock(),
+    slow: () => undefined,
+    report: (where, error) => {
+      throw new Error(`${where}: ${String(error)}`);
+    },
   });
 
   show(text: string, result: Result = { kind: 'value', value: 0 }): void {

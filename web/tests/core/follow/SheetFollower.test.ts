@@ -243,3 +243,19 @@ test('a native side that cannot mark is asked once', async () => {
   expect(asked).toHaveLength(1);
   expect(state.able).toBe(false);
 });
+
+describe('a workbook that is gone', () => {
+  test('takes what was marked with it, and the record of it once there is one again', async () => {
+    follower.go(b4);
+    await run();
+    follower.lose();
+    expect(state.marked).toBe('');
+    await run();
+    expect(asked).not.toContain('clear');
+    follower.regain();
+    await run();
+    follower.regain();
+    await run();
+    expect(asked.filter((one) => one === 'clear')).toHaveLength(1);
+  });
+});

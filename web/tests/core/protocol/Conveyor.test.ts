@@ -1,9 +1,21 @@
-import { expect, test } from 'vitest';
+import { describe, expect, test } from 'vitest';
 
-import { Conveyor, Errands, type Job } from '../../../src/core/protocol/Conveyor';
+import {
+  Conveyor,
+  Errands,
+  type ConveyorPorts,
+  type Job,
+} from '../../../src/core/protocol/Conveyor';
 import { succeeded } from '../../../src/core/protocol/Outcome';
+import { FakeClock } from '../../fakes/FakeClock';
 
 const turn = () => new Promise((resolve) => setImmediate(resolve));
+
+const ports = (clock = new FakeClock()): ConveyorPorts => ({
+  clock,
+  slow: () => undefined,
+  report: () => undefined,
+});
 
 class Queue {
   readonly jobs: Job[] = [];
@@ -25,7 +37,7 @@ test('the most urgent source is heard first, one question at a time', async () =
       }),
     () => Promise.resolve(void order.push('last')),
   );
-  const conveyor = new Conveyor([urgent, idle], () => undefined);
+  const conveyor = new Conveyor([urgent, idle], ports());
   conveyor.wake();
   urgent.jobs.push(() => Promise.resolve(void order.push('urgent')));
   conveyor.wake();
@@ -47,7 +59,10 @@ test('a question that throws is reported and stops nothing', async () => {
       return Promise.resolve();
     },
   );
-  new Conveyor([queue], (_, error) => reports.push(String(error))).wake();
+  new Conveyor([queue], {
+    ...ports(),
+    report: (_, error) => void reports.push(String(error)),
+  }).wake();
   await turn();
   expect(reports).toEqual(['Error: broken']);
   expect(done).toBe(true);
@@ -55,10 +70,50 @@ test('a question that throws is reported and stops nothing', async () => {
 
 test('errands are answered in order', async () => {
   const errands = new Errands();
-  errands.attach(new Conveyor([errands], () => undefined));
+  errands.attach(new Conveyor([errands], ports()));
   const answers = [
     errands.ask(() => Promise.resolve(succeeded(1))),
     errands.ask(() => Promise.resolve(succeeded(2))),
   ];
   expect(await Promise.all(answers)).toEqual([succeeded(1), succeeded(2)]);
+});
+
+describe('a question without an answer', () => {
+  test('lets only more urgent ones pass, and only after a while', async () => {
+    const clock = new FakeClock();
+    const [urgent, idle] = [new Queue(), new Queue()];
+    const order: string[] = [];
+    const add = (word: string) => () => Promise.resolve(void order.push(word));
+    idle.jobs.push(() => new Promise(() => undefined), add('idle'));
+    const conveyor = new Conveyor([urgent, idle], ports(clock));
+    conveyor.wake();
+    urgent.jobs.push(add('one'), add('two'));
+    conveyor.wake();
+    clock.advance(1_999);
+    await turn();
+    expect(order).toEqual([]);
+    clock.advance(1);
+    await turn();
+    expect(order).toEqual(['one', 'two']);
+  });
+
+  test('is announced until an answer comes soon, or none is awaited', async () => {
+    const clock = new FakeClock();
+    const queue = new Queue();
+    const said: boolean[] = [];
+    const finish: (() => void)[] = [];
+    const open: Job = () => new Promise((resolve) => finish.push(resolve));
+    queue.jobs.push(open, open, open);
+    new Conveyor([queue], { ...ports(clock), slow: (slow) => void said.push(slow) }).wake();
+    clock.advance(399);
+    expect(said).toEqual([]);
+    clock.advance(1);
+    expect(said).toEqual([true]);
+    finish[0]?.();
+    await turn();
+    expect(said).toEqual([true]);
+    finish[1]?.();
+    await turn();
+    expect(said).toEqual([true, false]);
+  });
 });
