@@ -30,23 +30,6 @@ function(quorin_library name)
   target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
 endfunction()
 
-# Tests are most of what there is to compile, and run too little code of their own to gain by being
-# optimised. GoogleTest's headers, which all of them include, are read once for all.
-function(quorin_compile_quickly test)
-  target_compile_options(${test} PRIVATE -O0)
-  if(APPLE)  # some tests there are of another language
-    return()
-  endif()
-  if(NOT TARGET quorin_test_headers)
-    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "int main() {}\n")
-    add_executable(quorin_test_headers ${CMAKE_BINARY_DIR}/test_headers.cpp)
-    target_compile_options(quorin_test_headers PRIVATE -O0)
-    target_link_libraries(quorin_test_headers PRIVATE GTest::gmock quorin_options)
-    target_precompile_headers(quorin_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-  endif()
-  target_precompile_headers(${test} REUSE_FROM quorin_test_headers)
-endfunction()
-
 # quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [TIMEOUT seconds] SOURCES file... LIBS library...):
 # one GoogleTest program. Unit tests are found one by one, and so are SEPARATE ones; other programs
 # that share an expensive peer (an office, a display) run as a whole, one at a time, and leave their
@@ -58,7 +41,6 @@ function(quorin_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main quorin_options)
-  quorin_compile_quickly(${name})
   if(ARG_LABEL STREQUAL "unit")
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS unit TIMEOUT ${ARG_TIMEOUT})
