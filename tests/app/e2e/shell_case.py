@@ -173,7 +173,12 @@ class ShellCase(unittest.TestCase):
             return {pathlib.PurePath(name).name: archive.read(name).decode()
                     for name in archive.namelist() if not name.endswith("/")}
 
+    def page_is_loaded(self, quorin):
+        """What is asked of the page before that is lost with the empty one that it replaces."""
+        wait_for("the page", lambda: quorin.panel.eval("typeof events") == "object")
+
     def mark(self, quorin, *cells):
+        self.page_is_loaded(quorin)
         sheet = self.desk.cell()["sheet"]
         words = json.dumps([[f"{sheet}!{cell}" for cell in cells], [255, 0, 0]])
         quorin.panel.eval("webkit.messageHandlers.qx.postMessage("

@@ -95,6 +95,7 @@ class ShellTest(ShellCase):
         quorin = self.start()
         quorin.logs("RESTORE")
         menu = self.menu(quorin)
+        self.page_is_loaded(quorin)
         self.desk.bring_calc_forward()
         quorin.is_shown()
         self.desk.go_to("Down")
