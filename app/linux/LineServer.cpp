@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <gio/gunixsocketaddress.h>
@@ -108,13 +109,16 @@ LineServer::LineServer(std::filesystem::path path, std::size_t longestLine, Hand
       service_(g_socket_service_new()) {
   const Descriptor folder = openFolder(path_);
   Descriptor listening(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-  unlink(path_.c_str());
-  const sockaddr_un address = addressOf(folder, path_);
+  // Under its own name only once it listens: who finds it there is never refused.
+  const std::filesystem::path made = path_.string() + ".new";
+  unlink(made.c_str());
+  const sockaddr_un address = addressOf(folder, made);
   const mode_t mask = umask(S_IRWXG | S_IRWXO);
   const bool bound =
       bind(listening.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
   umask(mask);
-  if (!bound || listen(listening.number(), backlog) != 0) {
+  if (!bound || listen(listening.number(), backlog) != 0 ||
+      rename(made.c_str(), path_.c_str()) != 0) {
     throw std::runtime_error("cannot listen on " + path_.string() + ": " + std::strerror(errno));
   }
   GError* error = nullptr;

@@ -5,8 +5,10 @@
 //   quorin --step 1   steps through the page of the Quorin that is running; -1 steps back
 //   quorin --version
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <cstdio>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <unistd.h>
 
@@ -30,7 +32,7 @@ namespace {
 
 constexpr const char* done = "ok";
 constexpr std::size_t longestRequest = 64;
-constexpr int attempts = 20;
+constexpr std::chrono::seconds patience{5};
 constexpr useconds_t betweenAttempts = 50'000;
 
 struct Invocation {
@@ -38,17 +40,21 @@ struct Invocation {
   ControlRequest request;
 };
 
-// Asks the Quorin that holds the folder. It may just be starting.
-int askTheOther(const std::filesystem::path& socket, const ControlRequest& request) {
-  for (int attempt = 0; attempt < attempts; ++attempt) {
-    if (LineServer::ask(socket, request.line()) == done) {
-      if (!request.direction) std::printf("quorin: it is running already; its panel is up\n");
-      return 0;
+// The folder's lock; none when the Quorin that holds it has done what is asked. One that is just
+// starting is waited for, and so is one that is ending. Throws std::runtime_error when it goes on
+// holding the folder without an answer.
+std::optional<FolderLock> lockOrAsk(const std::filesystem::path& folder,
+                                    const std::filesystem::path& socket,
+                                    const ControlRequest& request) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  for (;;) {
+    if (auto lock = FolderLock::acquire(folder)) return lock;
+    if (LineServer::ask(socket, request.line()) == done) return std::nullopt;
+    if (std::chrono::steady_clock::now() > end) {
+      throw std::runtime_error("it is running already, but does not answer");
     }
     usleep(betweenAttempts);
   }
-  std::fprintf(stderr, "quorin: it is running already, but does not answer\n");
-  return 1;
 }
 
 void noteWayland(const Environment& environment, DiagLog& log) {
@@ -78,9 +84,14 @@ int run(const Invocation& invocation) {
 
   const std::filesystem::path config = QXConfig::defaultURL();
   const std::filesystem::path folder = config.parent_path();
-  const std::optional<FolderLock> lock = FolderLock::acquire(folder);
   const std::filesystem::path socket = folder / "control";
-  if (!lock) return askTheOther(socket, invocation.request);
+  const std::optional<FolderLock> lock = lockOrAsk(folder, socket, invocation.request);
+  if (!lock) {
+    if (!invocation.request.direction) {
+      std::printf("quorin: it is running already; its panel is up\n");
+    }
+    return 0;
+  }
   if (invocation.request.direction) {
     std::fprintf(stderr, "quorin: it is not running\n");
     return 1;

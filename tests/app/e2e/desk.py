@@ -43,10 +43,16 @@ class Quorin:
                                         env=self.environment, stdin=subprocess.DEVNULL,
                                         stdout=self.output, stderr=self.output)
         self.panel = Panel(self.folder / "panel")
-        wait_for("Quorin", (self.folder / "panel").exists)
+        wait_for("Quorin", self.is_up)
         if wait:
             wait_for("the page", lambda: self.panel.eval(
                 "document.readyState == 'complete' && document.body.childElementCount > 0"))
+
+    def is_up(self):
+        if self.process.poll() is not None:
+            raise try_panel.Trouble(f"Quorin ended with status {self.process.returncode}: "
+                                    + (self.folder / "output").read_text(errors="replace"))
+        return (self.folder / "panel").exists()
 
     def another(self, *arguments):
         """A second start in the same folders."""

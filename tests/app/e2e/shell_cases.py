@@ -1,9 +1,12 @@
 """What is around the panel, as the desktop and the user's hands reach it: global keys, the menu over
 the session bus, alerts, crash reports, the end. Part of panel_test.py."""
+import fcntl
 import os
 import pathlib
 import shutil
 import signal
+import socket
+import threading
 import time
 
 from desk import Quorin
@@ -244,3 +247,40 @@ class ShellTest(ShellCase):
         again = self.start(after=quorin)
         wait_for("the restore", lambda: sum("RESTORE" in line for line in again.log()) == 2)
         self.assertFalse((quorin.folder / "data" / "Quorin" / "highlights.json").exists())
+
+    def test_starts_once_the_one_before_it_has_ended(self):
+        before = self.start()
+        before.end()
+        asked = self.hold(before)
+        quorin = self.start(after=before)
+        self.assertTrue(asked.is_set())
+        quorin.logs("RESTORE")
+
+    def test_says_that_the_one_that_runs_does_not_answer(self):
+        before = self.start()
+        before.end()
+        lock = self.lock(before)
+        again = before.another()
+        lock.close()
+        self.assertEqual(again.returncode, 1)
+        self.assertIn("does not answer", again.stderr)
+
+    def lock(self, quorin):
+        """The folder, held as by a Quorin that works in it."""
+        lock = open(quorin.folder / "data" / "Quorin" / "lock", "w", encoding="ascii")
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        return lock
+
+    def hold(self, quorin):
+        """The same until somebody asks: that one is hung up on, as by one that is ending."""
+        lock, asked, listening = self.lock(quorin), threading.Event(), socket.socket(
+            socket.AF_UNIX)
+        listening.bind(str(quorin.folder / "data" / "Quorin" / "control"))
+        listening.listen()
+
+        def hang_up():
+            with lock, listening:
+                listening.accept()[0].close()
+                asked.set()
+        threading.Thread(target=hang_up, daemon=True).start()
+        return asked
