@@ -27,7 +27,7 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
-                         std::function<void()> keeperLost)
+                         std::function<void()> keeperLost, LineTraces* traces)
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
       workbooks_(desktop_),
@@ -35,6 +35,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       scratch_(connection_.context(), workbooks_),
       changes_(connection_.context()),
       shown_(connection_.context()),
+      traces_(traces),
       keeper_(office, std::move(keeperLost)) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
@@ -136,26 +137,53 @@ void CalcSession::hideUnreachableLines(const std::string& book) {
     setLinesHidden(changes_, workbook(book), each.now, each.kind, true);
     linesChanged(each.now.sheet);
     shown_.forget(each.key);
+    if (traces_) traces_->forget(each.asked.sheet, each.asked.areas.front(), each.kind);
   }
 }
 
 std::vector<Area> CalcSession::setHidden(const RangeRef& lines, Lines kind, bool hide) {
+  if (!hide) {
+    for (const Area& area : lines.areas)
+      if (traces_)
+        traces_->remember(lines.sheet, area, kind, linesOf(lines.sheet, kind).traceOf(area));
+    shown_.remember(workbook(lines.sheet.book), lines, kind);
+  }
   std::vector<Area> lost;
-  if (!hide) shown_.remember(workbook(lines.sheet.book), lines, kind);
   for (const Area& area : lines.areas) {
     const RangeRef asked{lines.sheet, {area}};
-    const Workbook& book = workbook(lines.sheet.book);
-    const auto known = hide ? shown_.find(book, asked, kind) : std::nullopt;
-    const RangeRef place = known.value_or(asked);
-    if (place.areas.empty()) {
-      lost.push_back(area);
-    } else {
-      setLinesHidden(changes_, book, place, kind, hide);
-      linesChanged(place.sheet);
+    for (const RangeRef& place : hide ? placesOf(asked, kind) : std::vector{asked}) {
+      if (place.areas.empty()) {
+        lost.push_back(area);
+      } else {
+        setLinesHidden(changes_, workbook(place.sheet.book), place, kind, hide);
+        linesChanged(place.sheet);
+      }
     }
-    if (known) shown_.forget(book, asked, kind);
+    if (!hide) continue;
+    shown_.forget(workbook(lines.sheet.book), asked, kind);
+    if (traces_) traces_->forget(lines.sheet, area, kind);
   }
+  if (!keeping_) lines_.clear();
   return lost;
+}
+
+// Where the lines of one area are now that were shown. In a workbook that was opened again since
+// then they are told by what they hold.
+std::vector<RangeRef> CalcSession::placesOf(const RangeRef& lines, Lines kind) {
+  const Area& area = lines.areas.front();
+  std::vector<RangeRef> places = shown_.find(workbook(lines.sheet.book), lines, kind);
+  if (!places.empty()) return places;
+  const AreaTrace* const trace = traces_ ? traces_->find(lines.sheet, area, kind) : nullptr;
+  if (!trace) return {lines};
+  const std::optional<Area> found = linesOf(lines.sheet, kind).find(*trace, area);
+  return {{lines.sheet, found ? std::vector{*found} : std::vector<Area>()}};
+}
+
+SheetLines& CalcSession::linesOf(const SheetRef& sheet, Lines kind) {
+  const std::tuple key{sheet.book, sheet.sheet, kind};
+  const auto known = lines_.find(key);
+  if (known != lines_.end()) return known->second;
+  return lines_.try_emplace(key, workbook(sheet.book), sheet.sheet, kind).first->second;
 }
 
 void CalcSession::interrupt() {
@@ -184,6 +212,7 @@ void CalcSession::keepReadings(bool keep) {
   for (const SheetRef& sheet : std::exchange(changedLines_, {})) redrawMarks(sheet);
   keeping_ = keep;
   worksheets_.clear();
+  lines_.clear();
   endTurn();
   workbooks_.keepReading(keep);
 }

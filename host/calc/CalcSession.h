@@ -8,15 +8,18 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "host/calc/CalcEvaluator.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/LineTraces.h"
 #include "host/calc/MarksKeeper.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/QuietChanges.h"
 #include "host/calc/ScratchWorkbooks.h"
 #include "host/calc/SheetConditions.h"
+#include "host/calc/SheetLines.h"
 #include "host/calc/ShownLines.h"
 
 namespace quorin::host::calc {
@@ -24,8 +27,9 @@ namespace quorin::host::calc {
 class CalcSession {
  public:
   // `keeperLost` is told on another thread when the marks keeper died: protectMarks() is due.
+  // `traces` outlive the session, or there are none.
   CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
-              std::function<void()> keeperLost = {});
+              std::function<void()> keeperLost = {}, LineTraces* traces = nullptr);
 
   OfficeConnection& connection() { return connection_; }
   CalcWorkbooks& workbooks() { return workbooks_; }
@@ -38,7 +42,8 @@ class CalcSession {
   SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
   void releaseConditions();
   // Shows lines and remembers them, or hides those that were shown, wherever they are now. Gives
-  // the areas that cannot be told any more, which stay as they are.
+  // the areas that cannot be told any more, which stay as they are. What is known of them by no
+  // means is told by its numbers.
   std::vector<Area> setHidden(const RangeRef& lines, Lines kind, bool hide);
   // Somebody looked for a workbook or a sheet that is not there: takes back what was done under
   // such names, marks and shown lines. What fails is left to the next time.
@@ -64,6 +69,8 @@ class CalcSession {
   void endTurn();
   void removeUnreachableMarks(const std::string& book);
   void hideUnreachableLines(const std::string& book);
+  SheetLines& linesOf(const SheetRef& sheet, Lines kind);
+  std::vector<RangeRef> placesOf(const RangeRef& lines, Lines kind);
   // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
   // readings are no longer kept.
   void linesChanged(const SheetRef& sheet);
@@ -76,6 +83,8 @@ class CalcSession {
   ScratchWorkbooks scratch_;
   QuietChanges changes_;
   ShownLines shown_;
+  LineTraces* const traces_;
+  std::map<std::tuple<std::string, std::string, Lines>, SheetLines> lines_;  // while kept
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   std::map<std::string, std::vector<std::string>> worksheets_;  // by workbook, while kept
   MarksKeeper keeper_;

@@ -67,7 +67,7 @@ CalcSession& CalcSpreadsheet::session() {
   if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
   if (session_ && session_->connection().isAlive()) return *session_;
   dropSession();
-  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_, keeperLost_);
+  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_, keeperLost_, &traces_);
   fresh->keepReadings(inHandler_);
   const std::lock_guard lock(mutex_);
   session_ = std::move(fresh);
@@ -140,6 +140,11 @@ void CalcSpreadsheet::handlerEnds() {
   inHandler_ = false;
   memory_.end();
   if (session_) session_->keepReadings(false);
+  flushTraces();
+}
+
+void CalcSpreadsheet::flushTraces() {
+  if (const std::string failure = traces_.flush(); !failure.empty() && notice_) notice_(failure);
 }
 
 bool CalcSpreadsheet::isRunning() {
@@ -372,6 +377,7 @@ void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
       if (notice_) notice_("no longer told apart, stays visible: " + lostText(range, lost, lines));
     }
   });
+  if (!inHandler_) flushTraces();
 }
 
 std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {

@@ -13,6 +13,7 @@
 #include <mutex>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/LineTraces.h"
 #include "host/calc/OfficeSource.h"
 #include "host/calc/RequestMemory.h"
 
@@ -29,6 +30,10 @@ class CalcSpreadsheet : public Spreadsheet {
 
   // Who is told, on the call thread, of lines that were to be hidden again and cannot be.
   void onNotice(std::function<void(const std::string&)> notice) { notice_ = std::move(notice); }
+
+  // Where it is kept what shown lines are told by when their workbook was closed and opened again.
+  // Without it they are then told by their numbers.
+  void keepTracesIn(TraceKeeping keeping) { traces_ = LineTraces(std::move(keeping)); }
 
   // Who is told, on another thread, that marks are no longer kept out of the files that the user
   // saves: protectMarks() is to be called on the call thread, not during a handler.
@@ -93,6 +98,7 @@ class CalcSpreadsheet : public Spreadsheet {
   CalcSession& session();
   void dropSession();
   void endIfDead();
+  void flushTraces();
   template <typename Work>
   auto call(Work work);
   template <typename Work>
@@ -102,6 +108,7 @@ class CalcSpreadsheet : public Spreadsheet {
 
   const std::shared_ptr<OfficeSource> source_;
   const std::chrono::milliseconds patience_;
+  LineTraces traces_;
   std::atomic<bool> quitting_ = false;
   std::mutex mutex_;  // guards session_'s replacement against quit()
   std::unique_ptr<CalcSession> session_;

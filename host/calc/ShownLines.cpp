@@ -4,6 +4,7 @@
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
+#include <regex>
 
 #include "host/Address.h"
 #include "host/calc/CalcRanges.h"
@@ -32,11 +33,39 @@ std::string nameOf(const SheetRef& sheet) {
   return "\n" + sheet.book + "\n" + sheet.sheet;
 }
 
-std::string keyOf(const Workbook& workbook, const SheetRef& sheet, const Area& area, Lines kind) {
-  const bool rows = kind == Lines::rows;
-  return prefixOf(workbook) + (rows ? rowsMark : columnsMark) +
-         std::to_string(rows ? area.firstRow : area.firstColumn) + "-" +
-         std::to_string(rows ? area.lastRow : area.lastColumn) + nameOf(sheet);
+// The lines that had these numbers, then those that had them later, and so on.
+class Keys {
+ public:
+  Keys(const Workbook& workbook, const SheetRef& sheet, const Area& area, Lines kind)
+      : name_(nameOf(sheet)) {
+    const bool rows = kind == Lines::rows;
+    start_ = prefixOf(workbook) + (rows ? rowsMark : columnsMark) +
+             std::to_string(rows ? area.firstRow : area.firstColumn) + "-" +
+             std::to_string(rows ? area.lastRow : area.lastColumn);
+  }
+  std::string next() { return start_ + std::string(count_++, '+') + name_; }
+
+ private:
+  std::string start_;
+  const std::string name_;
+  std::size_t count_ = 0;
+};
+
+struct Asked {
+  Lines kind;
+  RangeRef lines;
+};
+
+// What stands in a key behind the prefix; nothing for a text of others.
+std::optional<Asked> askedIn(const std::string& text) {
+  static const std::regex form("(rows|columns) ([0-9]{1,7})-([0-9]{1,7})\\+*\n([^\n]*)\n([^\n]*)");
+  std::smatch parts;
+  if (!std::regex_match(text, parts, form)) return std::nullopt;
+  const int first = std::stoi(parts[2]), last = std::stoi(parts[3]);
+  const bool rows = parts[1] == "rows";
+  return Asked{rows ? Lines::rows : Lines::columns,
+               {{parts[4], parts[5]},
+                {rows ? Area{first, 1, last, maxColumn} : Area{1, first, maxRow, last}}}};
 }
 
 int sizeOf(const Area& area, Lines kind) {
@@ -59,28 +88,53 @@ void ShownLines::remember(const Workbook& workbook, const RangeRef& lines, Lines
                                cellsOf(workbook, lines.sheet.sheet, area), UNO_QUERY_THROW)
                                ->getRangeAddress(),
                            false);
-    const std::string key = keyOf(workbook, lines.sheet, area, kind);
+    Keys keys(workbook, lines.sheet, area, kind);
+    std::string key = keys.next();
+    while (memory_->hasByName(toUno(key)) && !isAt(workbook, key, lines.sheet, area, kind))
+      key = keys.next();
     forget(key);
     memory_->insertByName(toUno(key), Any(cells));
   }
 }
 
 void ShownLines::forget(const Workbook& workbook, const RangeRef& lines, Lines kind) {
-  for (const Area& area : lines.areas) forget(keyOf(workbook, lines.sheet, area, kind));
+  for (const Area& area : lines.areas) {
+    Keys keys(workbook, lines.sheet, area, kind);
+    while (forget(keys.next())) continue;
+  }
 }
 
-void ShownLines::forget(const std::string& key) {
-  if (memory_.is() && memory_->hasByName(toUno(key))) memory_->removeByName(toUno(key));
+bool ShownLines::forget(const std::string& key) {
+  if (!memory_.is() || !memory_->hasByName(toUno(key))) return false;
+  memory_->removeByName(toUno(key));
+  return true;
 }
 
-std::optional<RangeRef> ShownLines::find(const Workbook& workbook, const RangeRef& lines,
-                                         Lines kind) const {
-  if (!memory_.is()) return std::nullopt;
+// Whether what the key stands for has not moved.
+bool ShownLines::isAt(const Workbook& workbook, const std::string& key, const SheetRef& sheet,
+                      const Area& area, Lines kind) const {
+  const auto place = now(workbook, key, kind);
+  if (!place || place->areas.empty()) return true;
+  const Area& there = place->areas.front();
+  const bool same =
+      kind == Lines::rows
+          ? there.firstRow == area.firstRow && there.lastRow == area.lastRow
+          : there.firstColumn == area.firstColumn && there.lastColumn == area.lastColumn;
+  return same && place->sheet.sheet == sheet.sheet;
+}
+
+std::vector<RangeRef> ShownLines::find(const Workbook& workbook, const RangeRef& lines,
+                                       Lines kind) const {
+  std::vector<RangeRef> places;
+  if (!memory_.is()) return places;
   const Area& area = firstArea(lines);
-  std::optional<RangeRef> found = now(workbook, keyOf(workbook, lines.sheet, area, kind), kind);
-  if (found && !found->areas.empty() && sizeOf(found->areas[0], kind) != sizeOf(area, kind))
-    found->areas.clear();
-  return found;
+  Keys keys(workbook, lines.sheet, area, kind);
+  while (auto place = now(workbook, keys.next(), kind)) {
+    if (!place->areas.empty() && sizeOf(place->areas[0], kind) != sizeOf(area, kind))
+      place->areas.clear();
+    places.push_back(*std::move(place));
+  }
+  return places;
 }
 
 std::optional<RangeRef> ShownLines::now(const Workbook& workbook, const std::string& key,
@@ -106,12 +160,11 @@ std::vector<ShownLines::Unreachable> ShownLines::unreachable(const Workbook& wor
   for (const rtl::OUString& name : memory_->getElementNames()) {
     const std::string key = toText(name);
     if (!key.starts_with(prefix)) continue;
-    const Lines kind = key.compare(prefix.size(), std::string(rowsMark).size(), rowsMark) == 0
-                           ? Lines::rows
-                           : Lines::columns;
-    auto place = now(workbook, key, kind);
-    if (place && !place->areas.empty() && !key.ends_with(nameOf(place->sheet)))
-      found.push_back({key, kind, *std::move(place)});
+    auto asked = askedIn(key.substr(prefix.size()));
+    if (!asked) continue;
+    auto place = now(workbook, key, asked->kind);
+    if (place && !place->areas.empty() && place->sheet != asked->lines.sheet)
+      found.push_back({key, asked->kind, std::move(asked->lines), *std::move(place)});
   }
   return found;
 }

@@ -43,6 +43,13 @@ bool RecordFile::load(const std::function<void(const JSONValue&)>& decode,
   }
 }
 
+JSONValue::Array RecordFile::records() const {
+  JSONValue::Array records;
+  load([&records](const JSONValue& document) { records = arrayOf(document, "the top level"); },
+       Unreadable::isNone);
+  return records;
+}
+
 void RecordFile::replace(const JSONValue::Array& records) const {
   if (records.empty()) {
     clear();

@@ -36,6 +36,9 @@ class RecordFile {
   // is false without a word. The file stays as it is.
   bool load(const std::function<void(const JSONValue&)>& decode, Unreadable unreadable) const;
 
+  // The records as they stand there; none where load() would be false.
+  JSONValue::Array records() const;
+
   // Replaces the file; of an empty array removes it. Throws FileError, and RecordError for text
   // that is not valid UTF-8.
   void replace(const JSONValue::Array& records) const;

@@ -189,6 +189,7 @@ class CalcCrash : public testing::Test {
     EXPECT_EQ(calc_->hidden(on("One", "5:8"), Lines::rows), std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(store_.url()));
     EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "shown-lines.json"));
     EXPECT_EQ(calc_->formatConditions(on("One", "B2")).size(), 1U);
   }
 

@@ -10,6 +10,7 @@
 
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/dictionary/ExcelTerminology.h"
+#include "kit/marks/RecordFile.h"
 #include "tests/kit/crash/Nursery.h"
 #include "tests/kit/crash/VictimWork.h"
 
@@ -107,8 +108,14 @@ int main(int count, char** arguments) {
   return nurse(Link(std::atoi(arguments[1])), [&](Link link, const std::string& folder) {
     Victim victim(std::move(link));
     host::calc::listening = &victim;
-    serve(victim, folder,
-          [&] { return std::make_unique<host::calc::ToldSpreadsheet>(victim, office); });
+    serve(victim, folder, [&](FileSystem& files) {
+      auto spreadsheet = std::make_unique<host::calc::ToldSpreadsheet>(victim, office);
+      const RecordFile traces(std::filesystem::path(folder) / "shown-lines.json",
+                              "shown-lines.json", files, nullptr);
+      spreadsheet->keepTracesIn({[traces] { return traces.records(); },
+                                 [traces](const JSONValue::Array& all) { traces.replace(all); }});
+      return spreadsheet;
+    });
     host::calc::listening = nullptr;
   });
 }

@@ -13,6 +13,7 @@
 #include "host/calc/PrivateOffice.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/Semaphore.h"
+#include "kit/marks/RecordFile.h"
 #include "tests/fakes/LogLines.h"
 
 namespace quorin::host::calc {
@@ -46,6 +47,12 @@ class CalcRoad {
   ExcelThread& thread() { return thread_; }
   HighlightStore& store() { return store_; }
   UnhideStore& unhidden() { return unhide_; }
+  RecordFile& traces() { return traces_; }
+  // As for a process that starts without the file.
+  void forgetTraces() {
+    traces_.clear();
+    onCallThread([&] { keepTraces(); });
+  }
   PrivateOffice& office() { return *office_; }
   std::shared_ptr<PrivateOffice> sharedOffice() { return office_; }
   std::vector<std::string> log() { return log_.lines(); }
@@ -66,6 +73,11 @@ class CalcRoad {
     if (!failure.empty()) throw std::runtime_error(failure);
   }
 
+  void keepTraces() {
+    spreadsheet_->keepTracesIn({[this] { return traces_.records(); },
+                                [this](const JSONValue::Array& all) { traces_.replace(all); }});
+  }
+
   class Running : public TargetApplication {
     bool isRunning() override { return true; }
   };
@@ -75,6 +87,8 @@ class CalcRoad {
       post_ = std::move(post);
       auto spreadsheet = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
       spreadsheet_ = spreadsheet.get();
+      spreadsheet_->keepTracesIn({[this] { return traces_.records(); },
+                                  [this](const JSONValue::Array& all) { traces_.replace(all); }});
       spreadsheet_->onNotice([this](const std::string& text) { log_.log().log("UNHIDE", text); });
       spreadsheet_->onKeeperLost([this] { post_([this] { spreadsheet_->protectMarks(); }); });
       return std::make_unique<EngineRunner>(
@@ -88,6 +102,8 @@ class CalcRoad {
   Running target_;
   HighlightStore store_{folder_ / "highlights.json", FileSystem::real(), &log_.log()};
   UnhideStore unhide_{folder_ / "unhidden.json", FileSystem::real(), &log_.log()};
+  RecordFile traces_{folder_ / "shown-lines.json", "shown-lines.json", FileSystem::real(),
+                     &log_.log()};
   CallThreadPost post_;
   CalcSpreadsheet* spreadsheet_ = nullptr;
   ExcelThread thread_;

@@ -14,6 +14,7 @@ int main(int count, char** arguments) {
   quorin::host::excelTerminology();  // reading Excel's words once is enough for all
   return nurse(Link(std::atoi(arguments[1])), [](Link link, const std::string& folder) {
     Victim victim(std::move(link));
-    serve(victim, folder, [&victim] { return std::make_unique<RemoteSpreadsheet>(victim); });
+    serve(victim, folder,
+          [&victim](quorin::FileSystem&) { return std::make_unique<RemoteSpreadsheet>(victim); });
   });
 }

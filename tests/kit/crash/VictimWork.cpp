@@ -28,8 +28,9 @@ JSONValue answered(Bridge& bridge, const std::string& verb, const JSONValue::Arr
 
 }  // namespace
 
-void serve(Victim& victim, const std::filesystem::path& folder,
-           const std::function<std::unique_ptr<host::Spreadsheet>()>& spreadsheet) {
+void serve(
+    Victim& victim, const std::filesystem::path& folder,
+    const std::function<std::unique_ptr<host::Spreadsheet>(FileSystem& files)>& spreadsheet) {
   FaultyFileSystem files;
   files.tellAll([&](const std::string& step, const std::filesystem::path& path) {
     const std::string name = path == folder ? "folder" : path.filename().string();
@@ -42,9 +43,9 @@ void serve(Victim& victim, const std::filesystem::path& folder,
   UnhideStore unhide(folder / "unhidden.json", files, &log);
   Running target;
   ExcelThread thread(
-      [&spreadsheet](CallThreadPost) {
+      [&](CallThreadPost) {
         return std::make_unique<host::EngineRunner>(
-            std::make_unique<host::ExcelObjectModel>(spreadsheet()));
+            std::make_unique<host::ExcelObjectModel>(spreadsheet(files)));
       },
       log);
   Bridge bridge(thread, log, store, unhide, target);

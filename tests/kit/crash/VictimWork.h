@@ -7,14 +7,15 @@
 #include <memory>
 
 #include "host/Spreadsheet.h"
+#include "kit/support/FileSystem.h"
 #include "tests/kit/crash/Victim.h"
 
 namespace quorin::crash {
 
-// The stores and the log are in `folder`. Every step of the stores is a point; those of the
-// spreadsheet are its own affair. Besides the verbs of the page there are "restoreStranded" and
-// "terminate".
+// The stores and the log are in `folder`. Every step of the stores is a point, and of what else
+// goes by these `files`; those of the spreadsheet are its own affair. Besides the verbs of the page
+// there are "restoreStranded" and "terminate".
 void serve(Victim& victim, const std::filesystem::path& folder,
-           const std::function<std::unique_ptr<host::Spreadsheet>()>& spreadsheet);
+           const std::function<std::unique_ptr<host::Spreadsheet>(FileSystem& files)>& spreadsheet);
 
 }  // namespace quorin::crash
