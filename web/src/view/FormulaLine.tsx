@@ -56,19 +56,21 @@ export function FormulaLine(props: { page: Page; text: string }): JSX.Element {
     }
     bringIntoView();
   };
+  const showMarked = (): void => {
+    const first = marked[0] as HTMLElement | undefined;
+    // Nothing but the formula itself may scroll.
+    if (code && first) code.scrollTop = Math.max(0, first.offsetTop - 24);
+  };
   // Where a piece stands in a formula of thousands is slow to tell: only once the row rests.
   let resting: number | undefined;
   const bringIntoView = (): void => {
     clearTimeout(resting);
-    resting = setTimeout(() => {
-      const first = marked[0] as HTMLElement | undefined;
-      // Nothing but the formula itself may scroll.
-      if (code && first) code.scrollTop = Math.max(0, first.offsetTop - 24);
-    }, restingTime);
+    resting = setTimeout(showMarked, restingTime);
   };
-  // In another width the formula's lines break elsewhere.
+  // In another width the formula's lines break elsewhere; they were just laid out, and what is
+  // shown in the new width is shown rightly from the first frame.
   onMount(() => {
-    const observer = new ResizeObserver(bringIntoView);
+    const observer = new ResizeObserver(showMarked);
     if (code) observer.observe(code);
     onCleanup(() => {
       observer.disconnect();

@@ -10,6 +10,9 @@ import { chromium, type BrowserContext, type Page } from 'playwright-core';
 
 const bundle = pathToFileURL(fileURLToPath(new URL('../../dist/index.html', import.meta.url))).href;
 
+/** Tests are to pass on a slow machine as well: QUORIN_SLOWDOWN=10 plays one in the browser. */
+const slowdown = Number(process.env.QUORIN_SLOWDOWN ?? '1');
+
 export type Answer = { ok: boolean; payload: unknown };
 export type Posted = { id: number; verb: string; args: unknown[] };
 export type Look = { width: number; height: number; colours: 'light' | 'dark' };
@@ -20,7 +23,35 @@ function installFakeNativeSide(application: string | undefined): void {
     posted: [] as Posted[],
     answers: {} as Record<string, Answer | undefined>,
     violations: [] as string[],
+    soon: new Set<number>(),
+    frame: () =>
+      new Promise<void>((done) => {
+        later(() => {
+          requestAnimationFrame(() => {
+            done();
+          });
+        }, 0);
+      }),
   };
+  // What the page does a moment later, such as bringing into sight where it rests, belongs to what
+  // it does now; only what takes longer is waited for by name.
+  const moment = 100;
+  const later = window.setTimeout.bind(window);
+  const never = window.clearTimeout.bind(window);
+  Object.assign(window, {
+    setTimeout(action: (...given: unknown[]) => void, delay = 0, ...given: unknown[]): number {
+      const id = later(() => {
+        side.soon.delete(id);
+        action(...given);
+      }, delay);
+      if (delay <= moment) side.soon.add(id);
+      return id;
+    },
+    clearTimeout(id: number): void {
+      side.soon.delete(id);
+      never(id);
+    },
+  });
   Object.assign(window, { side, __qxApp: application });
   document.addEventListener('securitypolicyviolation', (event) => {
     side.violations.push(event.violatedDirective);
@@ -50,7 +81,15 @@ function installFakeNativeSide(application: string | undefined): void {
   });
 }
 
-type Side = { posted: Posted[]; answers: Record<string, Answer | undefined>; violations: string[] };
+type Side = {
+  posted: Posted[];
+  answers: Record<string, Answer | undefined>;
+  violations: string[];
+  /** The timers of the page that end in a moment. */
+  soon: Set<number>;
+  /** Another frame of the page. */
+  frame: () => Promise<void>;
+};
 type PageWindow = {
   side: Side;
   __qxResolve: (id: unknown, envelope: unknown) => void;
@@ -99,6 +138,10 @@ export class Browser {
     const page = await this.context.newPage();
     page.setDefaultTimeout(8_000);
     const panel = new FakePanel(page);
+    if (slowdown > 1) {
+      const session = await this.context.newCDPSession(page);
+      await session.send('Emulation.setCPUThrottlingRate', { rate: slowdown });
+    }
     await page.setViewportSize({ width: look.width, height: look.height });
     await page.emulateMedia({ colorScheme: look.colours });
     await page.addInitScript(installFakeNativeSide, application);
@@ -145,17 +188,26 @@ export class FakePanel {
       .waitFor({ state: 'attached' });
   }
 
-  /** Waits until no question has been open for some frames. */
+  /**
+   * Waits until the page has nothing more to do at once: for some frames no new question, none
+   * with an answer on its way, and nothing that it wants to do in a moment.
+   */
   async settled(): Promise<void> {
     await this.page.evaluate(async () => {
       const { side } = window as unknown as PageWindow;
       for (let quiet = 0, seen = -1; quiet < 5; quiet++) {
-        if (seen !== side.posted.length) quiet = 0;
+        if (seen !== side.posted.length || side.soon.size > 0) quiet = 0;
         seen = side.posted.length;
-        await new Promise((resolve) => setTimeout(resolve, 0));
-        await new Promise((resolve) => requestAnimationFrame(resolve));
+        await side.frame();
       }
     });
+  }
+
+  /** The panel in another size, once the page has taken it. */
+  async resize(width: number, height: number): Promise<void> {
+    await this.page.setViewportSize({ width, height });
+    await this.page.waitForFunction((wanted) => window.innerWidth === wanted, width);
+    await this.settled();
   }
 
   async lay(verb: string, answer: Answer | undefined): Promise<void> {

@@ -29,8 +29,7 @@ describe('looks', () => {
     for (const colours of ['light', 'dark'] as const) {
       await panel.page.emulateMedia({ colorScheme: colours });
       for (const width of [800, 460]) {
-        await panel.page.setViewportSize({ width, height: 560 });
-        await panel.settled();
+        await panel.resize(width, 560);
         const difference = await pictures.compare(panel, `${name}-${String(width)}-${colours}`);
         if (difference !== '') found.push(difference);
         found.push(...(await overflow(panel.page)));
@@ -39,7 +38,7 @@ describe('looks', () => {
         found.push(...(await complaints(panel, colours === 'dark' ? ['color-contrast'] : [])));
       }
     }
-    await panel.page.setViewportSize({ width: 320, height: 320 });
+    await panel.resize(320, 320);
     found.push(...(await overflow(panel.page)));
     expect(found).toEqual([]);
     expect(panel.errors).toEqual([]);

@@ -149,6 +149,25 @@ describe('a long tree', () => {
     });
   });
 
+  test('keeps the part of the active row in view when its formula breaks elsewhere', async () => {
+    const page = await open(ready({ formula: `=${'ABS('.repeat(64)}A1${')'.repeat(64)}` }));
+    await press('End');
+    await page.settled();
+    // In the very frame that shows the new width, not a moment later.
+    const within = await page.page.evaluate(async () => {
+      const frame = document.querySelector<HTMLElement>('.formula');
+      if (!frame) throw new Error('no formula');
+      frame.style.maxWidth = '180px';
+      frame.style.maxHeight = '80px';
+      await new Promise((resolve) => requestAnimationFrame(resolve));
+      await new Promise((resolve) => requestAnimationFrame(resolve));
+      const part = document.querySelector('.formula .current')?.getBoundingClientRect();
+      const { top, bottom } = frame.getBoundingClientRect();
+      return part && part.top >= top && part.bottom <= bottom;
+    });
+    expect(within).toBe(true);
+  });
+
   test('is followed by another formula from its beginning, with the keyboard', async () => {
     const page = await open(long);
     const tree = await page.page.getByTestId('tree').elementHandle();
