@@ -1,5 +1,6 @@
 #include "host/calc/CalcSpreadsheet.h"
 
+#include <algorithm>
 #include <com/sun/star/lang/DisposedException.hpp>
 #include <iterator>
 
@@ -130,13 +131,16 @@ void CalcSpreadsheet::protectMarks() {
 void CalcSpreadsheet::handlerBegins() {
   inHandler_ = true;
   asked_ = Asked::nothing;
+  marks_ = Marks::unasked;
   memory_.begin();
   if (session_) session_->keepReadings(true);
 }
 
 void CalcSpreadsheet::handlerEnds() {
-  // A handler that asked for names and for nothing else has missed what it was looking for.
-  if (session_ && asked_ == Asked::names) session_->takeBackUnreachable();
+  // A handler that asked for names and for nothing else has missed what it was looking for. So has
+  // one that found no mark where it looked: another sheet may have the name now.
+  const bool missed = asked_ == Asked::names || marks_ == Marks::missed;
+  if (session_ && missed) session_->takeBackUnreachable();
   inHandler_ = false;
   memory_.end();
   if (session_) session_->keepReadings(false);
@@ -399,11 +403,17 @@ auto CalcSpreadsheet::withConditions(const SheetRef& sheet, bool adding, Work wo
 }
 
 std::vector<FormatCondition> CalcSpreadsheet::formatConditions(const RangeRef& range) {
-  return withConditions(range.sheet, false,
-                        [&](SheetConditions& sheet) { return sheet.touching(range.areas); });
+  const std::vector<FormatCondition> found = withConditions(
+      range.sheet, false, [&](SheetConditions& sheet) { return sheet.touching(range.areas); });
+  const bool met = std::any_of(found.begin(), found.end(), [](const FormatCondition& each) {
+    return each.formula == markFormula;
+  });
+  if (met || marks_ == Marks::unasked) marks_ = met ? Marks::metOrMade : Marks::missed;
+  return found;
 }
 
 std::string CalcSpreadsheet::addFormatCondition(const RangeRef& range, const std::string& formula) {
+  marks_ = Marks::metOrMade;
   return withConditions(range.sheet, true,
                         [&](SheetConditions& sheet) { return sheet.add(range.areas, formula); });
 }

@@ -92,7 +92,8 @@ class CalcSpreadsheet : public Spreadsheet {
   void closeWorkbook(const std::string& book) override;
 
  private:
-  enum class Asked { nothing, names, more };  // by a handler
+  enum class Asked { nothing, names, more };        // by a handler
+  enum class Marks { unasked, missed, metOrMade };  // by a handler
   class NamesAsked;
 
   CalcSession& session();
@@ -116,6 +117,7 @@ class CalcSpreadsheet : public Spreadsheet {
   std::function<void()> keeperLost_;                // or none
   bool inHandler_ = false;
   Asked asked_ = Asked::nothing;
+  Marks marks_ = Marks::unasked;
   RequestMemory memory_;  // after the session: it holds nothing of the office
 };
 

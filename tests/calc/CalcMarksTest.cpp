@@ -431,6 +431,14 @@ TEST_F(MovedMarks, GoWithTheRequestForASheetThatHasAnotherName) {
   EXPECT_THAT(desk->hands.shapes(book, "Renamed"), IsEmpty());
 }
 
+TEST_F(MovedMarks, GoWithTheRequestForASheetWhoseNameAnotherHas) {
+  desk->hands.renameSheet(book, "Data", "Renamed");
+  desk->hands.copySheet(book, "Blank", "Data");
+  ASSERT_EQ(here("Renamed"), "$A$1,$B$2,$B$3");
+  ask("clearMarks");
+  EXPECT_THAT(desk->hands.shapes(book, "Renamed"), IsEmpty());
+}
+
 TEST_F(MovedMarks, GoWithTheRequestForAWorkbookThatHasAnotherName) {
   desk->hands.saveAs(book, (desk->folder / "Saved.xlsx").string());
   book = "Saved.xlsx";
