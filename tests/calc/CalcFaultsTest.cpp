@@ -216,6 +216,34 @@ TEST_F(CalcFaults, ConnectsAgainToAnOfficeStartedAnew) {
   EXPECT_EQ(calc.values(cell("A7")).cells, std::vector<CellValue>{42.0});
 }
 
+// Ends every connection of this process to the office, whose end of them goes on.
+int hangUp(const std::string& pipe) {
+  int count = 0;
+  std::vector<int> open;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+    open.push_back(std::atoi(entry.path().filename().c_str()));
+  for (const int socket : open) {
+    sockaddr_un peer{};
+    socklen_t length = sizeof peer - 1;
+    if (::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length) != 0) continue;
+    if (peer.sun_family != AF_UNIX || !std::string(peer.sun_path).ends_with("_" + pipe)) continue;
+    if (::shutdown(socket, SHUT_RDWR) == 0) ++count;
+  }
+  return count;
+}
+
+TEST_F(CalcFaults, ConnectsAgainToTheSameOffice) {
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(calc.evaluate("B2*2+A7", {"Known.xlsx", "Data"}), Evaluation(CellValue(45.0)));
+    calc.setHidden(cell("A9"), Lines::rows, i % 2 == 0);
+    ASSERT_GT(hangUp(office->open().pipe), 0);
+    // Some calls may fail until the end of the connection is noticed.
+    ASSERT_TRUE(eventually([&] { return numberOf([&] { calc.values(cell("A7")); }) == 0; }, 60s));
+    EXPECT_EQ(calc.values(cell("A7")).cells, std::vector<CellValue>{42.0});
+    EXPECT_EQ(calc.hidden(cell("A9"), Lines::rows), i % 2 == 0);
+  }
+}
+
 TEST_F(CalcFaults, RefusesWhatIsNoWorkbook) {
   EXPECT_NE(numberOf([&] { calc.openWorkbook((folder / "Gone.xlsx").string()); }), 0);
   EXPECT_EQ(calc.workbooks(), std::vector<std::string>{"Known.xlsx"});

@@ -291,6 +291,23 @@ TEST_F(MovedLines, AreToldByTheirNumbersWhereNothingElseIsKnown) {
   expectNoRecord();
 }
 
+TEST_F(MovedLines, AreNotEvenShownWhereTheirTracesCannotBeWritten) {
+  ask("clearMarks");
+  std::filesystem::create_directory(road.traces().url());
+  const std::string reply = ask("reveal", {Array{"One!C6"}, 0});
+  std::filesystem::remove(road.traces().url());
+  EXPECT_NE(reply.find("The shown lines cannot be recorded: "), std::string::npos) << reply;
+  EXPECT_EQ(hiddenLines("One"), "5 6 7 C D ");
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("One"), "5 6 7 C D ");
+  ask("reveal", {Array{"One!C6"}, 0});
+  EXPECT_EQ(hiddenLines("One"), "5 7 D ");
+  ask("select", {Array{"Home!A1"}});
+  ask("clearMarks");
+  EXPECT_EQ(hiddenLines("One"), "5 6 7 C D ");
+  expectNoRecord();
+}
+
 TEST_F(MovedLines, AreHiddenAgainWithOthersThatHaveTheirNumbersNow) {
   hands->insertRows(name, "One", 2, 3);
   hands->hideRows(name, "One", "A5:A6");
