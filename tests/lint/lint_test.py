@@ -110,6 +110,25 @@ class Tidy(unittest.TestCase):
         status, text = self.check(private % "b", private % "c")
         self.assertEqual((status, text), (0, "2 files checked\n"))
 
+    def test_a_clash_that_no_private_name_foretells_is_none_either(self):
+        private = "static int a() { return 1; }\nint %s() { return a(); }\n"
+        status, text = self.check(private % "b", private % "c")
+        self.assertEqual((status, text), (0, "2 files checked\n"))
+
+    def test_a_mistake_beside_such_a_clash_is_found(self):
+        private = "static int a() { return 1; }\nint b() { return a(); }\n"
+        for sources in ((private, private + self.USES_MOVED), (private + self.USES_MOVED, private)):
+            status, text = self.check(*sources)
+            self.assertEqual(status, 1)
+            self.assertIn("bugprone-use-after-move", text)
+
+    def test_only_what_changed_is_checked_again(self):
+        self.check("int a;\n", "int b;\n")
+        stamps = set((self.root / "build/tidy").iterdir())
+        self.assertEqual(len(stamps), 2)
+        self.check("int a;\n", "int c;\n")
+        self.assertEqual(len(set((self.root / "build/tidy").iterdir()) - stamps), 1)
+
     def test_a_mistake_in_the_second_file_of_a_unit_is_found(self):
         status, text = self.check("int a;\n", self.USES_MOVED)
         self.assertEqual(status, 1)

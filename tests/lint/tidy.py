@@ -3,14 +3,14 @@
 
 usage: tidy.py PROJECT_FOLDER BUILD_FOLDER CLANG_TIDY
 
-The headers that sources share are most of the work, so files of one target are checked as one
-unit. Where that finds something, or their private names clash, each half is checked by itself.
-Files are checked again only when one of them, a project header that they depend on, or the list
-of checks has changed: what passed is remembered in BUILD_FOLDER/tidy.
+The headers that sources share are most of the work, so files built with the same options are
+checked as one unit, unless their private names meet. Where that finds something, or a clash that
+was not foreseen, the files it is about are checked by themselves. A file is checked again only when
+it, a project header that it depends on, or the list of checks has changed: what passed is remembered
+in BUILD_FOLDER/tidy.
 """
 import concurrent.futures
 import hashlib
-import itertools
 import json
 import os
 import pathlib
@@ -20,7 +20,12 @@ import sys
 import tempfile
 
 FOLDERS = ("kit", "script", "host", "app", "tools")
-TOGETHER = 8
+TOGETHER = 16
+PRIVATE = re.compile(r"^namespace \{\n(.*?)^\}  // namespace$", re.MULTILINE | re.DOTALL)
+ALIAS = re.compile(r"^using (\w+) = (.*?);", re.MULTILINE | re.DOTALL)
+DECLARED = re.compile(r"^(?:(?:struct|class|enum(?: class)?) (\w+)"
+                      r"|(?!using )[\w:][^\n({=;]*?[ *&](\w+)(?:\(|\{| =|;|\[))", re.MULTILINE)
+BLAMED = re.compile(r"^(\S+?):\d+:\d+: error:", re.MULTILINE)
 
 
 def object_of(entry):
@@ -28,8 +33,50 @@ def object_of(entry):
     return re.search(r" -o (\S+)", entry["command"])[1]
 
 
-def target_of(entry):
-    return object_of(entry).split("CMakeFiles/")[1].split("/")[0]
+def options_of(entry):
+    """Of the compile command: everything but the files."""
+    return entry["command"].replace(object_of(entry), "").replace(entry["file"], "")
+
+
+def private_names(text):
+    """What a source declares for itself alone, as clang-format lays it out: names, and for an alias
+    what it stands for."""
+    result = dict.fromkeys(re.findall(r"^int (main)\(", text, re.MULTILINE))
+    for part in PRIVATE.findall(text):
+        result.update((name, None) for names in DECLARED.findall(part) for name in names if name)
+        result.update(ALIAS.findall(part))
+    return result
+
+
+def meet(one, other):
+    """Whether a name of both is more than the same alias twice."""
+    return any(one[name] != other[name] or one[name] is None for name in one.keys() & other.keys())
+
+
+def reads_x11(text):
+    """X11's macros have common words for names and spoil what is read after them."""
+    return re.search(r"#include <(X11/|gdk/gdkx)", text) is not None
+
+
+def units_of(entries):
+    """Lists of files to check as one, with those first that take the longest."""
+    groups = {}
+    for entry in entries:
+        groups.setdefault(options_of(entry), []).append(entry)
+    result = []
+    for group in groups.values():
+        texts = {entry["file"]: pathlib.Path(entry["file"]).read_text() for entry in group}
+        units = []
+        for entry in sorted(group, key=lambda e: (reads_x11(texts[e["file"]]), e["file"])):
+            names = private_names(texts[entry["file"]])
+            files, taken = next(((files, taken) for files, taken in units
+                                 if len(files) < TOGETHER and not meet(taken, names)), ([], {}))
+            if not files:
+                units.append((files, taken))
+            files.append(entry)
+            taken.update(names)
+        result += [files for files, _ in units]
+    return sorted(result, key=lambda files: len(files) * len(files[0]["command"]), reverse=True)
 
 
 def dependencies(build):
@@ -48,6 +95,8 @@ def dependencies(build):
 def tidy_unit(tidy, config, entries):
     """Checks the files as one translation unit, built as the first of them is."""
     first = entries[0]
+    # What one file calls a variable may be a private name of another; of its own the build tells.
+    shadowing = ["--extra-arg=-Wno-shadow"] if len(entries) > 1 else []
     with tempfile.TemporaryDirectory() as folder:
         unit = pathlib.Path(folder, "unit.cpp")
         unit.write_text("".join(f'#include "{entry["file"]}"\n' for entry in entries))
@@ -55,7 +104,7 @@ def tidy_unit(tidy, config, entries):
             "directory": first["directory"], "file": str(unit),
             "command": first["command"].replace(first["file"], str(unit))}]))
         run = subprocess.run([tidy, "--quiet", f"--config-file={config}", "-p", folder,
-                              "--extra-arg=-Wno-unknown-warning-option", str(unit)],
+                              "--extra-arg=-Wno-unknown-warning-option", *shadowing, str(unit)],
                              capture_output=True, text=True, check=False)
     return run.returncode, run.stdout + run.stderr
 
@@ -68,30 +117,30 @@ def main():
     config = root / ".clang-tidy"
     checks = config.read_bytes()
 
-    def key_of(entries):
-        digest = hashlib.sha256(checks + entries[0]["command"].encode())
-        names = {name for entry in entries
-                 for name in (entry["file"], *depends.get(object_of(entry), []))}
-        for name in sorted(names):
+    def stamp_of(entry):
+        digest = hashlib.sha256(checks + entry["command"].encode())
+        for name in sorted({entry["file"], *depends.get(object_of(entry), [])}):
             path = (build / name).resolve()
             if path.is_relative_to(root) and path.exists():
                 digest.update(name.encode() + b"\n" + path.read_bytes())
-        return digest.hexdigest()
+        return stamps / digest.hexdigest()
 
     def check(entries):
         """What is wrong, or nothing."""
-        stamp = stamps / key_of(entries)
-        if stamp.exists():
-            return ""
         code, text = tidy_unit(tidy, config, entries)
-        if code != 0 and len(entries) > 1:
+        if code == 0:
+            for entry in entries:
+                stamp[entry["file"]].touch()
+            return ""
+        if len(entries) == 1:
+            return text
+        named = set(BLAMED.findall(text))
+        parts = ([entry for entry in entries if entry["file"] in named],
+                 [entry for entry in entries if entry["file"] not in named])
+        if not all(parts):
             half = len(entries) // 2
-            text = check(entries[:half]) + check(entries[half:])
-        elif code == 0:
-            text = ""
-        if not text:
-            stamp.touch()
-        return text
+            parts = entries[:half], entries[half:]
+        return check(parts[0]) + check(parts[1])
 
     entries = [entry for entry in json.loads((build / "compile_commands.json").read_text())
                if pathlib.Path(entry["file"]).resolve().is_relative_to(root)
@@ -99,12 +148,12 @@ def main():
     if not entries:
         print("found nothing to check")
         return 1
-    units = []
-    for _, files in itertools.groupby(sorted(entries, key=target_of), key=target_of):
-        files = list(files)
-        units += [files[at:at + TOGETHER] for at in range(0, len(files), TOGETHER)]
+    # Some are part of two programs.
+    entries = list({entry["file"]: entry for entry in entries}.values())
+    stamp = {entry["file"]: stamp_of(entry) for entry in entries}
+    changed = [entry for entry in entries if not stamp[entry["file"]].exists()]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        found = "".join(pool.map(check, units))
+        found = "".join(pool.map(check, units_of(changed)))
     print(f"{found}{len(entries)} files checked")
     return 1 if found else 0
 
