@@ -1,11 +1,10 @@
-import { createMemo, For, onMount, Show, type JSX } from 'solid-js';
+import { createMemo, Show, type JSX } from 'solid-js';
 
 import { oneLine, visibleText } from '../core/format/visible';
-import type { PlaceRow } from '../core/workbook/PlaceList';
-import type { PlaceView } from '../core/workbook/PlaceView';
-import { createRows, rowHeight } from './createRows';
-import { ChevronIcon, WarningIcon } from './icons';
+import type { PlaceView, ShownRow } from '../core/workbook/PlaceView';
+import { WarningIcon } from './icons';
 import type { Page } from './page';
+import { RowTree, type Slot } from './RowTree';
 
 export type PlaceListViewProps = {
   page: Page;
@@ -22,16 +21,8 @@ export type PlaceListViewProps = {
 /** A list of places in the workbook, in groups; Enter goes to one. */
 export function PlaceListView(props: PlaceListViewProps): JSX.Element {
   const state = () => props.page.look(() => props.list.state);
-  const items = () => props.page.look(() => props.list.rows);
-  const active = () => props.page.look(() => props.list.activeIndex);
-  const rows = createRows(
-    () => items().length,
-    active,
-    () => props.list,
-  );
-  const shown = createMemo(() =>
-    Array.from({ length: Math.max(0, rows.last() - rows.first()) }, (_, i) => rows.first() + i),
-  );
+  const items = createMemo(() => props.page.look(() => props.list.rows));
+  const active = createMemo(() => props.page.look(() => props.list.activeIndex));
   const failed = () => {
     const now = state();
     return now.status === 'failed' ? now.reason || 'The spreadsheet refused.' : '';
@@ -41,8 +32,6 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
     return now.status === 'known' ? now.note : '';
   };
   const isEmpty = () => state().status === 'known' && items().length === 0;
-  let element: HTMLDivElement | undefined;
-  onMount(() => element?.focus({ preventScroll: true }));
   return (
     <section class="places" aria-label={props.name}>
       <h2 class="listHead" data-testid="list-heading">
@@ -63,89 +52,83 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
           </p>
         )}
       </Show>
-      <div
-        class="tree"
-        role="tree"
-        tabindex="0"
-        data-keys="all"
-        data-testid="list"
-        aria-label={props.name}
-        aria-activedescendant={items().length > 0 ? `place-${String(active())}` : undefined}
-        ref={(one) => {
-          element = one;
-          rows.attach(one);
-        }}
+      <RowTree
+        items={items()}
+        activeIndex={active()}
+        of={props.list}
+        label={props.name}
+        testid="list"
+        activeId={items().length > 0 ? `place-${String(active())}` : undefined}
       >
-        <div
-          role="presentation"
-          class="rows"
-          style={{ height: `${String(items().length * rowHeight)}px` }}
-        >
-          <For each={shown()}>
-            {(index) => {
-              const row = () => items()[index]?.row;
-              const level = () => items()[index]?.level ?? 1;
-              const isOpen = (one: PlaceRow) => props.page.look(() => props.list.isOpen(one));
-              return (
-                <Show when={row()}>
-                  {(one) => (
-                    <div
-                      role="treeitem"
-                      id={`place-${String(index)}`}
-                      class="row"
-                      classList={{ active: active() === index, group: level() === 1 }}
-                      data-testid="place"
-                      aria-level={level()}
-                      aria-expanded={one().inner ? isOpen(one()) : undefined}
-                      aria-selected={active() === index}
-                      style={{
-                        transform: `translateY(${String(index * rowHeight)}px)`,
-                        '--level': String(level() - 1),
-                      }}
-                      onClick={() => props.page.explorer.choose(index)}
-                      onDblClick={() => {
-                        const { place } = one();
-                        if (place) void props.page.explorer.visitPlace(place);
-                      }}
-                    >
-                      <span
-                        class="twisty"
-                        classList={{ open: isOpen(one()), none: !one().inner }}
-                        aria-hidden="true"
-                        onClick={(event) => {
-                          event.stopPropagation();
-                          props.page.explorer.toggleRow(index);
-                        }}
-                      >
-                        <Show when={one().inner}>
-                          <ChevronIcon />
-                        </Show>
-                      </span>
-                      <bdi class="rowText" classList={{ lead: one().place !== undefined }}>
-                        {oneLine(one().text)}
-                      </bdi>
-                      <span class="rowValue">
-                        <Show when={one().tag}>
-                          <span class="tag">
-                            <WarningIcon />
-                            {one().tag}
-                          </span>
-                        </Show>
-                        <bdi class="valueText quiet" title={oneLine(one().detail)}>
-                          {oneLine(one().detail)}
-                        </bdi>
-                      </span>
-                    </div>
-                  )}
-                </Show>
-              );
-            }}
-          </For>
-        </div>
-      </div>
+        {(slot) => (
+          <PlaceItem
+            page={props.page}
+            list={props.list}
+            slot={slot()}
+            active={active() === slot().index}
+          />
+        )}
+      </RowTree>
       <p class="note padded" data-testid="list-note">
         {[note(), props.missing].filter(Boolean).join(' ')}
       </p>
     </section>
+  );
+}
+
+type PlaceItemProps = { page: Page; list: PlaceView; slot: Slot<ShownRow>; active: boolean };
+
+function PlaceItem(props: PlaceItemProps): JSX.Element {
+  const row = () => props.slot.item.row;
+  const level = () => props.slot.item.level;
+  const isOpen = createMemo(() => props.page.look(() => props.list.isOpen(row())));
+  return (
+    <div
+      role="treeitem"
+      id={`place-${String(props.slot.index)}`}
+      class="row"
+      classList={{ active: props.active, group: level() === 1 }}
+      data-testid="place"
+      aria-level={level()}
+      aria-expanded={row().inner ? isOpen() : undefined}
+      aria-selected={props.active}
+      style={{
+        transform: `translateY(${String(props.slot.top)}px)`,
+        'padding-left': `${String(16 + (level() - 1) * 14)}px`,
+      }}
+      onClick={() => props.page.explorer.choose(props.slot.index)}
+      onDblClick={() => {
+        const { place } = row();
+        if (place) void props.page.explorer.visitPlace(place);
+      }}
+    >
+      <span
+        class="twisty"
+        classList={{ open: isOpen(), none: !row().inner }}
+        aria-hidden="true"
+        onClick={(event) => {
+          event.stopPropagation();
+          props.page.explorer.toggleRow(props.slot.index);
+        }}
+      />
+      <bdi
+        class="rowText"
+        classList={{ lead: row().place !== undefined }}
+        textContent={oneLine(row().text)}
+      />
+      <span class="rowValue">
+        <Show when={row().tag}>
+          <span class="tag">
+            <WarningIcon />
+            {row().tag}
+          </span>
+        </Show>
+        <bdi
+          class="valueText quiet"
+          title={oneLine(row().detail)}
+          textContent={oneLine(row().detail)}
+        />
+      </span>
+    </div>
   );
 }

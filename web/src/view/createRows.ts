@@ -12,7 +12,8 @@ import {
 } from 'solid-js';
 
 export const rowHeight = 24;
-const overscan = 6;
+/** Rows drawn beyond either edge: what a turn of the wheel brings into sight before the next frame. */
+const overscan = 3;
 
 export type Rows = {
   /** The scrolling element. */
@@ -57,6 +58,11 @@ export function createRows(
       setTop(scroller.scrollTop);
     }),
   );
+  // Wherever the list is scrolled to, as many rows are drawn: none is made or thrown away for that.
+  const room = createMemo(() => Math.ceil(height() / rowHeight) + 1 + 2 * overscan);
+  const first = createMemo(() =>
+    Math.max(0, Math.min(Math.floor(top() / rowHeight) - overscan, total() - room())),
+  );
   return {
     attach(element) {
       scroller = element;
@@ -68,7 +74,7 @@ export function createRows(
         { passive: true },
       );
     },
-    first: () => Math.max(0, Math.floor(top() / rowHeight) - overscan),
-    last: () => Math.min(total(), Math.ceil((top() + height()) / rowHeight) + overscan),
+    first,
+    last: () => Math.min(total(), first() + room()),
   };
 }

@@ -12,6 +12,8 @@ export type Item = {
   /** What the part is to the one above it: "test", "then", "+", "rate =". */
   role: string;
   level: number;
+  /** Which of the parts of the one above it, from 1 on. */
+  position: number;
   /** Which argument of the call above it; -1 where it is none. */
   argument: number;
   parent: Item | undefined;
@@ -158,7 +160,8 @@ export function outlineOf(root: Node): Outline {
     const level = (parent?.level ?? 0) + 1;
     const argument = part.argument ?? -1;
     const id = items.length;
-    const item: Item = { id, node, role, level, argument, parent, children: [], scope };
+    const position = (parent?.children.length ?? 0) + 1;
+    const item: Item = { id, node, role, level, position, argument, parent, children: [], scope };
     items.push(item);
     const runs =
       (node.kind === 'call' || node.kind === 'apply') && lambdaCalled(node, scope) ? 1 : 0;
