@@ -34,10 +34,10 @@ describe('looks', () => {
         if (difference !== '') found.push(difference);
         found.push(...(await overflow(panel.page)));
       }
-      if (scene.crowded !== true) {
-        found.push(...(await complaints(panel, colours === 'dark' ? ['color-contrast'] : [])));
-      }
     }
+    found.push(...(await complaints(panel)));
+    await panel.page.emulateMedia({ colorScheme: 'light' });
+    found.push(...(await complaints(panel, ['color-contrast'])));
     await panel.resize(320, 320);
     found.push(...(await overflow(panel.page)));
     expect(found).toEqual([]);

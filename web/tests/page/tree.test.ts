@@ -139,6 +139,37 @@ describe('a long tree', () => {
     expect(await top()).toBe(24);
   });
 
+  test('touches no row that stays in sight while it is scrolled', async () => {
+    await open(long);
+    await panel.page.getByTestId('tree').press('*');
+    await panel.settled();
+    const tree = panel.page.getByTestId('tree');
+    await tree.evaluate((element) => (element.scrollTop = 1_000));
+    await panel.settled();
+    await tree.evaluate((element) => {
+      const touched = new Set<Node>();
+      Object.assign(window, { touched });
+      new MutationObserver((changes) => {
+        for (const { target } of changes) {
+          const near = target instanceof Element ? target : target.parentElement;
+          touched.add(near?.closest('[data-testid=row]') ?? target);
+        }
+      }).observe(element, {
+        attributes: true,
+        characterData: true,
+        childList: true,
+        subtree: true,
+      });
+      // Less than a row, across the edge of one.
+      element.scrollTop = 1_012;
+    });
+    await panel.settled();
+    const touched = await panel.page.evaluate(
+      () => (window as unknown as { touched: Set<Node> }).touched.size,
+    );
+    expect(touched).toBe(1);
+  });
+
   test('brings the part of the active row into view in its formula', async () => {
     await open(long);
     await press('End');
