@@ -204,6 +204,18 @@ bool isBooleanConstant(std::string_view formula) {
   return formula == "=TRUE()" || formula == "=FALSE()";
 }
 
+// Into a string that has room already. Most formulas are ASCII, and there are many of them.
+void setText(std::string& text, const rtl::OUString& formula) {
+  const sal_Unicode* const units = formula.getStr();
+  text.resize(static_cast<std::size_t>(formula.getLength()));
+  unsigned all = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    all |= units[i];
+    text[i] = static_cast<char>(units[i]);
+  }
+  if (all >= 0x80) text = toText(formula);
+}
+
 bool mayBeFormula(const rtl::OUString& text) {
   return text.startsWith("=") || text.startsWith("{=");
 }
@@ -307,18 +319,22 @@ Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, Re
   const Reference<css::sheet::XCellRangeFormula> source(cellsOf(workbook, range.sheet.sheet, area),
                                                         UNO_QUERY_THROW);
   const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
-  const IsSheet isSheet = sheetTest(workbook);
+  FormulaTranslator translator(style, sheetTest(workbook));
   std::string formula;
   for (int row = 0; row < grid.rows; ++row) {
     const Sequence<rtl::OUString>& texts = rows[row];
     for (int column = 0; column < grid.columns; ++column) {
       const CellValue& value = values.at(row, column);
       CellValue& cell = cellAt(grid, row, column);
-      if (!mayBeFormula(texts[column]) || isConstant(formula = toText(texts[column]), value)) {
+      if (!mayBeFormula(texts[column])) {
+        cell = value;
+        continue;
+      }
+      setText(formula, texts[column]);
+      if (isConstant(formula, value)) {
         cell = value;
       } else {
-        cell =
-            excelFormula(formula, style, {area.firstRow + row, area.firstColumn + column}, isSheet);
+        cell = translator.excelFormula(formula, {area.firstRow + row, area.firstColumn + column});
       }
     }
   }

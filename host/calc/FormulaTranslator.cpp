@@ -1,5 +1,6 @@
 #include "host/calc/FormulaTranslator.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 #include <vector>
@@ -14,12 +15,66 @@ namespace {
 constexpr std::array<std::string_view, 5> tableItems{"#All", "#Data", "#Headers", "#Totals",
                                                      "#This Row"};
 
-class Translation {
- public:
-  Translation(std::string_view text, ReferenceStyle style, FormulaCell cell, const IsSheet& isSheet)
-      : text_(text), style_(style), cell_(cell), isSheet_(isSheet) {}
+// Behind these, and at the end, a reference or a number is over.
+bool isOperator(char c) {
+  static constexpr auto operators = [] {
+    std::array<bool, 256> are{};
+    for (const char each : std::string_view(");+-*/^&=<>%|}~! "))
+      are[static_cast<unsigned char>(each)] = true;
+    return are;
+  }();
+  return operators[static_cast<unsigned char>(c)];
+}
 
-  std::string run() {
+bool endsAt(std::string_view text, std::size_t position) {
+  return position == text.size() || isOperator(text[position]);
+}
+
+// Behind a cell that both grammars write alike, and that is on no sheet's last row or column:
+// $AB$12. The position itself for anything else.
+std::size_t behindPlainCell(std::string_view text, std::size_t position) {
+  constexpr std::size_t mostLetters = 2, mostDigits = 6;
+  const auto skip = [&](std::size_t start, std::size_t most, char first, char last) {
+    std::size_t at = start;
+    while (at < text.size() && at - start < most && text[at] >= first && text[at] <= last) ++at;
+    return at;
+  };
+  const auto skipDollar = [&](std::size_t at) {
+    return at < text.size() && text[at] == '$' ? at + 1 : at;
+  };
+  const std::size_t column = skipDollar(position);
+  const std::size_t behindColumn = skip(column, mostLetters, 'A', 'Z');
+  if (behindColumn == column) return position;
+  const std::size_t row = skipDollar(behindColumn);
+  const std::size_t end = skip(row, mostDigits, '0', '9');
+  return end == row || text[row] == '0' ? position : end;
+}
+
+// The same for one cell or a range of cells behind which an operator follows.
+std::size_t behindPlainReference(std::string_view text, std::size_t position) {
+  std::size_t end = behindPlainCell(text, position);
+  if (end == position) return position;
+  if (end < text.size() && text[end] == ':') {
+    const std::size_t second = end + 1;
+    end = behindPlainCell(text, second);
+    if (end == second) return position;
+  }
+  return endsAt(text, end) ? end : position;
+}
+
+}  // namespace
+
+// One formula after the other: what stands here holds for the present one.
+class FormulaTranslator::Translation {
+ public:
+  Translation(ReferenceStyle style, IsSheet isSheet) : style_(style), sheets_(std::move(isSheet)) {}
+
+  std::string run(std::string_view text, FormulaCell cell) {
+    text_ = text;
+    cell_ = cell;
+    at_ = 0;
+    out_.clear();
+    frames_.clear();
     out_.reserve(text_.size() + 16);
     if (!text_.empty() && text_[at_] == '=') out_ += text_[at_++];
     frames_.push_back({false, false, false, out_.size()});
@@ -36,20 +91,27 @@ class Translation {
 
   void step() {
     const char c = text_[at_];
-    if (c == '"') {
+    if (isWordCharacter(c)) {
+      if (!plainReference(at_) && !plainWord() && !reference()) word();
+    } else if (c == '"') {
       copyString();
-    } else if (const std::string_view error = errorLiteral(text_, at_);
-               !error.empty() && !lostReferenceFollows()) {
-      out_ += error;
-      at_ += error.size();
+    } else if (c == '#' && errorConstant()) {
     } else if (c == '\'' && external()) {
-    } else if (c == '$' || c == '\'' || c == '#' || isWordCharacter(c)) {
-      if (!reference()) word();
+    } else if (c == '$' || c == '\'' || c == '#') {
+      if (!plainReference(at_) && !reference()) word();
     } else if (c == '[') {
       copyTableItems();
     } else {
       punctuation(c);
     }
+  }
+
+  bool errorConstant() {
+    const std::string_view error = errorLiteral(text_, at_);
+    if (error.empty() || lostReferenceFollows()) return false;
+    out_ += error;
+    at_ += error.size();
+    return true;
   }
 
   // "#REF!5" and "#REF!#REF!" are references whose column went, not the literal.
@@ -69,17 +131,49 @@ class Translation {
     out_ += text_.substr(start, at_ - start);
   }
 
+  // What needs no second look: a function, or a number before an operator or the end.
+  bool plainWord() {
+    std::size_t end = at_ + 1;
+    while (end < text_.size() && isWordCharacter(text_[end])) ++end;
+    const std::string_view word = text_.substr(at_, end - at_);
+    if (end < text_.size() && text_[end] == '(') {
+      at_ = end;
+      function(word);
+      return true;
+    }
+    const auto isNumeric = [](char c) { return (c >= '0' && c <= '9') || c == '.'; };
+    if (!endsAt(text_, end) || text_.substr(end).starts_with('!') ||
+        !std::all_of(word.begin(), word.end(), isNumeric)) {
+      return false;
+    }
+    out_ += word;
+    at_ = end;
+    return true;
+  }
+
+  // Most references are written alike in both grammars, but for the sheet.
+  bool plainReference(std::size_t start) {
+    if (style_ != ReferenceStyle::a1) return false;
+    const std::size_t end = behindPlainReference(text_, start);
+    if (end == start) return false;
+    out_ += text_.substr(start, end - start);
+    at_ = end;
+    return true;
+  }
+
   bool reference() {
     std::size_t position = at_;
-    const auto sheet = readCalcSheet(text_, position);
+    auto* const sheet = sheets_.read(text_, position);
+    const auto surely = [&] { return !isWordCharacter(text_[at_]) || sheets_.exists(*sheet); };
+    if (sheet && plainReferenceOn(*sheet, position, surely)) return true;
     const auto from = readCalcEnd(text_, position, false);
-    if (!from) return sheet ? sheetName(*sheet, position) : false;
-    if (sheet && isWordCharacter(text_[at_]) && isSheet_ && !isSheet_(*sheet)) return false;
+    if (!from) return sheet != nullptr && sheetName(*sheet, position);
+    if (sheet && !surely()) return false;
     RangeText range{*from, std::nullopt};
-    auto lastSheet = sheet;
+    const auto* lastSheet = sheet;
     if (position < text_.size() && text_[position] == ':') {
       std::size_t behind = position + 1;
-      const auto second = readCalcSheet(text_, behind);
+      const auto* const second = sheets_.read(text_, behind);
       const auto to = readCalcEnd(text_, behind, true);
       const bool sameKind =
           to && (from->lost || to->lost ||
@@ -97,25 +191,40 @@ class Translation {
     return true;
   }
 
-  void writeReference(const std::optional<std::string>& first,
-                      const std::optional<std::string>& last, RangeText range) {
-    if (first == "#REF!" || last == "#REF!") {
+  template <typename Surely>
+  bool plainReferenceOn(const SheetPrefixes::Sheet& sheet, std::size_t start, Surely surely) {
+    if (style_ != ReferenceStyle::a1 || sheet.name == "#REF!") return false;
+    const std::size_t end = behindPlainReference(text_, start);
+    if (end == start || !surely()) return false;
+    out_ += sheet.written;
+    out_ += '!';
+    out_ += text_.substr(start, end - start);
+    at_ = end;
+    return true;
+  }
+
+  void writeReference(const SheetPrefixes::Sheet* first, const SheetPrefixes::Sheet* last,
+                      RangeText range) {
+    if ((first && first->name == "#REF!") || (last && last->name == "#REF!")) {
       out_ += "#REF!";
       return;
     }
-    if (first) {
-      const bool several = last && *last != *first;
-      if (several && range.to == range.from) range.to.reset();
-      out_ += excelSheet(several ? *first + ":" + *last : *first) + "!";
+    if (first && last->name != first->name) {
+      if (range.to == range.from) range.to.reset();
+      out_ += excelSheet(first->name + ":" + last->name);
+      out_ += '!';
+    } else if (first) {
+      out_ += first->written;
+      out_ += '!';
     }
-    out_ += write(range, style_, cell_);
+    append(out_, range, style_, cell_);
   }
 
   // A name that belongs to a sheet: $Sheet1.rate. Without the dollar sign or quotes it is one word.
-  bool sheetName(const std::string& sheet, std::size_t position) {
+  bool sheetName(const SheetPrefixes::Sheet& sheet, std::size_t position) {
     if (text_[at_] != '$' && text_[at_] != '\'') return false;
     if (position >= text_.size() || !isWordCharacter(text_[position])) return false;
-    if (sheet != "#REF!") out_ += excelSheet(sheet) + "!";
+    if (sheet.name != "#REF!") out_ += sheet.written + "!";
     at_ = position;
     word();
     return true;
@@ -149,7 +258,7 @@ class Translation {
       range.to = readCalcEnd(text_, at_, true);
       if (!range.to) at_ = before;
     }
-    out_ += write(range, style_, cell_);
+    append(out_, range, style_, cell_);
     return true;
   }
 
@@ -169,19 +278,26 @@ class Translation {
     while (at_ < text_.size() && (isWordCharacter(text_[at_]) || (number && isExponentSign()))) {
       ++at_;
     }
-    std::string word(text_.substr(start, at_ - start));
+    const std::string_view word = text_.substr(start, at_ - start);
     const bool isFunction = at_ < text_.size() && text_[at_] == '(';
-    if (isFunction && isBooleanCall(word)) {
-      out_ += upperCase(word);  // Calc writes the constant as a call
-      at_ += 2;
-    } else if (isFunction) {
-      out_ += excelFunctionName(word);
+    if (isFunction) {
+      function(word);
     } else if (equalIgnoringCase(word.substr(0, 6), "_xlpm.")) {
       out_ += word.substr(6);
     } else {
       out_ += word;
     }
     if (!isFunction) copyLostReference();
+  }
+
+  // A call: its brackets are next.
+  void function(std::string_view word) {
+    if (isBooleanCall(word)) {
+      out_ += upperCase(word);  // Calc writes the constant as a call
+      at_ += 2;
+    } else {
+      appendExcelFunctionName(out_, word);
+    }
   }
 
   // What the office could not resolve keeps its "!": values!#ref!
@@ -284,23 +400,29 @@ class Translation {
     frame.hasUnion = false;
   }
 
-  const std::string_view text_;
   const ReferenceStyle style_;
-  const FormulaCell cell_;
-  const IsSheet& isSheet_;
+  SheetPrefixes sheets_;
+  std::string_view text_;
+  FormulaCell cell_;
   std::size_t at_ = 0;
   std::string out_;
   std::vector<Frame> frames_;
 };
 
-}  // namespace
+FormulaTranslator::FormulaTranslator(ReferenceStyle style, IsSheet isSheet)
+    : translation_(std::make_unique<Translation>(style, std::move(isSheet))) {}
+FormulaTranslator::~FormulaTranslator() = default;
 
-std::string excelFormula(std::string_view formula, ReferenceStyle style, FormulaCell cell,
-                         const IsSheet& isSheet) {
+std::string FormulaTranslator::excelFormula(std::string_view formula, FormulaCell cell) {
   if (formula.starts_with("{=") && formula.ends_with('}')) {
     formula = formula.substr(1, formula.size() - 2);
   }
-  return Translation(formula, style, cell, isSheet).run();
+  return translation_->run(formula, cell);
+}
+
+std::string excelFormula(std::string_view formula, ReferenceStyle style, FormulaCell cell,
+                         const IsSheet& isSheet) {
+  return FormulaTranslator(style, isSheet).excelFormula(formula, cell);
 }
 
 }  // namespace quorin::host::calc

@@ -1,10 +1,7 @@
 #include "host/calc/FunctionNames.h"
 
 #include <array>
-#include <string_view>
 #include <utility>
-
-#include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -26,17 +23,31 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 5> renamed{{
     {"SKEWP", "SKEW.P"},
 }};
 
+char upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 }  // namespace
 
-std::string excelFunctionName(const std::string& word) {
-  const std::string upper = upperCase(word);
+void appendExcelFunctionName(std::string& text, std::string_view word) {
+  const std::size_t start = text.size();
+  text += word;
+  bool mayHaveOrigin = false;
+  for (std::size_t i = start; i < text.size(); ++i) {
+    text[i] = upper(text[i]);
+    mayHaveOrigin = mayHaveOrigin || text[i] == '.' || text[i] == '_';
+  }
+  const std::string_view name = std::string_view(text).substr(start);
   for (const std::string_view origin : origins) {
-    if (upper.starts_with(origin)) return upper.substr(origin.size());
+    if (!mayHaveOrigin || !name.starts_with(origin)) continue;
+    text.erase(start, origin.size());
+    return;
   }
   for (const auto& [calc, excel] : renamed) {
-    if (upper == calc) return std::string(excel);
+    if (name != calc) continue;
+    text.replace(start, text.npos, excel);
+    return;
   }
-  return upper;
 }
 
 }  // namespace quorin::host::calc

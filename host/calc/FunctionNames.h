@@ -2,10 +2,11 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace quorin::host::calc {
 
-// "SUM" for "sum", "NETWORKDAYS" for the name of the add-in's function that does it.
-std::string excelFunctionName(const std::string& word);
+// Adds "SUM" for "sum", "NETWORKDAYS" for the name of the add-in's function that does it.
+void appendExcelFunctionName(std::string& text, std::string_view word);
 
 }  // namespace quorin::host::calc

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 namespace quorin::host::calc {
 namespace {
@@ -59,30 +60,52 @@ bool skipLost(std::string_view text, std::size_t& position) {
   return true;
 }
 
-std::string a1(const CellText& cell) {
-  std::string text;
+// Short pieces of text, put together before they are added in one go.
+class Piece {
+ public:
+  void add(char c) { *end_++ = c; }
+  void addNumber(int value) { end_ = std::to_chars(end_, text_.data() + text_.size(), value).ptr; }
+  void addColumn(int column) {
+    std::array<char, 8> letters{};
+    std::size_t count = 0;
+    for (; column > 0; column = (column - 1) / 26)
+      letters[count++] = static_cast<char>('A' + (column - 1) % 26);
+    while (count > 0) add(letters[--count]);
+  }
+  std::string_view text() const {
+    return {text_.data(), static_cast<std::size_t>(end_ - text_.data())};
+  }
+
+ private:
+  std::array<char, 64> text_;  // a reference takes 37 at most: R[-1048575]C[-16383], twice
+  char* end_ = text_.data();
+};
+
+void addA1(Piece& piece, const CellText& cell) {
   if (cell.column > 0) {
-    if (cell.absoluteColumn) text += '$';
-    text += columnLetters(cell.column);
+    if (cell.absoluteColumn) piece.add('$');
+    piece.addColumn(cell.column);
   }
   if (cell.row > 0) {
-    if (cell.absoluteRow) text += '$';
-    text += std::to_string(cell.row);
+    if (cell.absoluteRow) piece.add('$');
+    piece.addNumber(cell.row);
   }
-  return text;
 }
 
-std::string relative(char axis, int value, bool absolute, int origin) {
-  if (absolute) return axis + std::to_string(value);
-  if (value == origin) return std::string(1, axis);
-  return std::string(1, axis) + "[" + std::to_string(value - origin) + "]";
+void addRelative(Piece& piece, char axis, int value, bool absolute, int origin) {
+  piece.add(axis);
+  if (absolute) {
+    piece.addNumber(value);
+  } else if (value != origin) {
+    piece.add('[');
+    piece.addNumber(value - origin);
+    piece.add(']');
+  }
 }
 
-std::string r1c1(const CellText& cell, FormulaCell origin) {
-  std::string text;
-  if (cell.row > 0) text += relative('R', cell.row, cell.absoluteRow, origin.row);
-  if (cell.column > 0) text += relative('C', cell.column, cell.absoluteColumn, origin.column);
-  return text;
+void addR1C1(Piece& piece, const CellText& cell, FormulaCell origin) {
+  if (cell.row > 0) addRelative(piece, 'R', cell.row, cell.absoluteRow, origin.row);
+  if (cell.column > 0) addRelative(piece, 'C', cell.column, cell.absoluteColumn, origin.column);
 }
 
 // Excel writes a range over all rows or all columns without them.
@@ -138,31 +161,33 @@ std::optional<CellText> readCell(std::string_view text, std::size_t& position) {
   return cell;
 }
 
-bool isWordCharacter(char c) {
-  static constexpr auto kinds = [] {
-    std::array<bool, 256> are{};
-    for (std::size_t i = 0; i < are.size(); ++i) {
-      const char one = static_cast<char>(i);
-      are[i] = isLetter(one) || isDigit(one) || one == '_' || one == '.' || one == '\\' ||
-               one == '?' || i >= 0x80;
-    }
-    return are;
-  }();
-  return kinds[static_cast<unsigned char>(c)];
-}
-
-std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell) {
-  if (range.from.lost || (range.to && range.to->lost)) return std::string(lostText);
+void append(std::string& text, const RangeText& range, ReferenceStyle style, FormulaCell cell) {
+  if (range.from.lost || (range.to && range.to->lost)) {
+    text += lostText;
+    return;
+  }
   const RangeText written = normalised(range);
-  const auto end = [&](const CellText& one) {
-    return style == ReferenceStyle::a1 ? a1(one) : r1c1(one, cell);
+  Piece piece;
+  const auto add = [&](const CellText& end) {
+    if (style == ReferenceStyle::a1) {
+      addA1(piece, end);
+    } else {
+      addR1C1(piece, end, cell);
+    }
   };
-  std::string text = end(written.from);
+  add(written.from);
   // "C3" says a whole column in one word, while A1 always needs both ends of it.
   const bool whole = written.from.row == 0 || written.from.column == 0;
   if (written.to && !(whole && style == ReferenceStyle::r1c1 && *written.to == written.from)) {
-    text += ":" + end(*written.to);
+    piece.add(':');
+    add(*written.to);
   }
+  text += piece.text();
+}
+
+std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell) {
+  std::string text;
+  append(text, range, style, cell);
   return text;
 }
 

@@ -2,6 +2,7 @@
 // quoting of sheet names. Pure functions; positions are 1-based.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,9 +36,20 @@ struct RangeText {
 std::optional<CellText> readCell(std::string_view text, std::size_t& position);
 
 // True for characters that may stand in an unquoted name.
-bool isWordCharacter(char character);
+inline bool isWordCharacter(char character) {
+  static constexpr auto kinds = [] {
+    std::array<bool, 256> are{};
+    for (std::size_t c = 0; c < are.size(); ++c) {
+      are[c] = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+               c == '_' || c == '.' || c == '\\' || c == '?' || c >= 0x80;
+    }
+    return are;
+  }();
+  return kinds[static_cast<unsigned char>(character)];
+}
 
 std::string write(const RangeText& range, ReferenceStyle style, FormulaCell cell);
+void append(std::string& text, const RangeText& range, ReferenceStyle style, FormulaCell cell);
 Area areaOf(const RangeText& range);
 
 // A sheet's name, or "First:Last", as Excel writes it before "!": quoted where it must be.
