@@ -1,4 +1,7 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include "host/calc/FormulaTranslator.h"
 
@@ -97,6 +100,42 @@ TEST(ToExcel, TellsNamesFromReferencesByTheSheetsThereAre) {
   EXPECT_EQ(at("=Unit.M2"), "=Unit!M2");
   EXPECT_EQ(at("=$GWP.CH4"), "=GWP!CH4");
   EXPECT_EQ(at("=$'GWP'.CH4"), "=GWP!CH4");
+}
+
+// What one formula leaves behind must not show in the next.
+TEST(FormulaTranslator, TranslatesEachFormulaAsIfItWereTheOnlyOne) {
+  FormulaTranslator translator(ReferenceStyle::a1);
+  const auto at = [&](const char* text) { return translator.excelFormula(text, {1, 1}); };
+  EXPECT_EQ(at("=SUM(($'it''s'.A1~B2"), "=SUM(('it''s'!A1,B2");
+  EXPECT_EQ(at("=$'it''s'.C3+A1~B2"), "=('it''s'!C3+A1,B2)");
+  EXPECT_EQ(at("=$Data.A1048576+Data.$XFD$1"), "=Data!A1048576+Data!$XFD$1");
+  EXPECT_EQ(at("=SUM($Data.A1:A1048576;$Data.$A2:$XFD3)"), "=SUM(Data!A:A,Data!2:3)");
+  EXPECT_EQ(at("=$Data.AA100:$AB$200*0.25"), "=Data!AA100:$AB$200*0.25");
+  EXPECT_EQ(at("=Data.rate+$Data.rate"), "=Data.rate+Data!rate");
+  EXPECT_EQ(at("=$'Data'.B2&$#REF!.B2"), "=Data!B2&#REF!");
+}
+
+TEST(FormulaTranslator, KeepsManySheetsApart) {
+  FormulaTranslator translator(ReferenceStyle::a1);
+  for (int round = 0; round < 2; ++round) {
+    for (int sheet = 1; sheet <= 40; ++sheet) {
+      const std::string first = "P" + std::to_string(sheet) + "_", last = "Q" + first;
+      EXPECT_EQ(translator.excelFormula("=SUM($" + first + ".A1:$" + last + ".B2)", {1, 1}),
+                "=SUM(" + first + ":" + last + "!A1:B2)");
+    }
+  }
+}
+
+TEST(FormulaTranslator, AsksAboutEachSheetOnce) {
+  std::vector<std::string> asked;
+  FormulaTranslator translator(ReferenceStyle::a1, [&](const std::string& name) {
+    asked.push_back(name);
+    return name == "Unit";
+  });
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(translator.excelFormula("=Unit.M2+GWP.CH4*1.5", {1, 1}), "=Unit!M2+GWP.CH4*1.5");
+  }
+  EXPECT_THAT(asked, testing::ElementsAre("Unit", "GWP"));
 }
 
 TEST(ToR1C1, CountsRelativePartsFromTheCell) {
