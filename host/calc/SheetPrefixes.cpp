@@ -1,5 +1,6 @@
 #include "host/calc/SheetPrefixes.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/calc/CalcReference.h"
@@ -17,12 +18,15 @@ SheetPrefixes::SheetPrefixes(IsSheet isSheet) : isSheet_(std::move(isSheet)) {
 
 SheetPrefixes::Sheet* SheetPrefixes::read(std::string_view text, std::size_t& position) {
   const std::string_view rest = text.substr(position);
-  for (std::size_t i = 0; i < known_.size(); ++i) {
-    const std::size_t place = (latest_ + i) % known_.size();
-    if (!rest.starts_with(known_[place].prefix)) continue;
-    position += known_[place].prefix.size();
-    latest_ = place;
-    return &known_[place];
+  const auto stands = [&](const Sheet& sheet) { return rest.starts_with(sheet.prefix); };
+  auto found = known_.begin() + static_cast<std::ptrdiff_t>(latest_);
+  if (found == known_.end() || !stands(*found)) {
+    found = std::find_if(known_.begin(), known_.end(), stands);
+  }
+  if (found != known_.end()) {
+    position += found->prefix.size();
+    latest_ = static_cast<std::size_t>(found - known_.begin());
+    return &*found;
   }
   const std::size_t start = position;
   auto name = readCalcSheet(text, position);

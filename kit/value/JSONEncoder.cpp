@@ -4,7 +4,10 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -51,12 +54,14 @@ char escapeLetter(char c) {
 // Text that grows at its end: room is asked for once for several writes.
 class Output {
  public:
+  Output() { grow(512); }
+
   // Where at least `count` more bytes may be written; `wrote` says up to where they were.
   char* room(std::size_t count) {
-    if (text_.size() - size_ < count) text_.resize(2 * text_.size() + count);
-    return text_.data() + size_;
+    if (capacity_ - size_ < count) grow(2 * capacity_ + count);
+    return text_.get() + size_;
   }
-  void wrote(const char* end) { size_ = static_cast<std::size_t>(end - text_.data()); }
+  void wrote(const char* end) { size_ = static_cast<std::size_t>(end - text_.get()); }
 
   void add(char c) {
     *room(1) = c;
@@ -67,14 +72,24 @@ class Output {
     size_ += text.size();
   }
 
-  std::string take() {
-    text_.resize(size_);
-    return std::move(text_);
-  }
+  std::string take() const { return {text_.get(), size_}; }
 
  private:
-  std::string text_ = std::string(512, '\0');
-  std::size_t size_ = 0;
+  struct Free {
+    void operator()(char* text) const { std::free(text); }
+  };
+
+  // A string would clear what is written next, and the system moves large blocks without copying.
+  void grow(std::size_t capacity) {
+    auto* const grown = static_cast<char*>(std::realloc(text_.get(), capacity));
+    if (grown == nullptr) throw std::bad_alloc();
+    static_cast<void>(text_.release());
+    text_.reset(grown);
+    capacity_ = capacity;
+  }
+
+  std::unique_ptr<char, Free> text_;
+  std::size_t size_ = 0, capacity_ = 0;
 };
 
 // Whether eight characters at once can stand in JSON text as they are. The arithmetic marks the

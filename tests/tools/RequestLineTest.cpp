@@ -1,5 +1,9 @@
 #include <gmock/gmock.h>
+#include <optional>
+#include <string>
+#include <utility>
 
+#include "kit/value/Marshal.h"
 #include "tools/quorinctl/RequestLine.h"
 
 namespace quorin::ctl {
@@ -7,6 +11,11 @@ namespace {
 
 using Array = JSONValue::Array;
 using Object = JSONValue::Object;
+
+std::string replyLine(const JSONValue& id, Bridge::Reply reply,
+                      std::optional<double> milliseconds) {
+  return Marshal::encode(replyObject(id, std::move(reply), milliseconds));
+}
 
 Request request(const std::string& line) {
   const auto parsed = parseRequest(line);

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "kit/value/JSONText.h"
-#include "kit/value/Marshal.h"
 
 namespace quorin::ctl {
 
@@ -36,12 +35,12 @@ Refused tooLong(std::size_t limit) {
   return refused(nullptr, "malformed request: longer than " + std::to_string(limit) + " bytes");
 }
 
-std::string replyLine(const JSONValue& id, Bridge::Reply reply,
+JSONValue replyObject(const JSONValue& id, Bridge::Reply reply,
                       std::optional<double> milliseconds) {
   JSONValue::Object line{{"id", id}, {"ok", reply.ok}};
   line["payload"] = std::move(reply.payload);  // it may be large, and braces would copy it
   if (milliseconds) line["ms"] = *milliseconds;
-  return Marshal::encode(JSONValue(std::move(line)));
+  return line;
 }
 
 }  // namespace quorin::ctl

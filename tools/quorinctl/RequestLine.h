@@ -33,7 +33,7 @@ std::variant<Request, Refused> parseRequest(std::string_view line);
 // What is answered to a line that is too long to be read.
 Refused tooLong(std::size_t limit);
 
-// {"id", "ok", "payload"}, and "ms" where it was measured. Without line feed.
-std::string replyLine(const JSONValue& id, Bridge::Reply reply, std::optional<double> milliseconds);
+// {"id", "ok", "payload"}, and "ms" where it was measured.
+JSONValue replyObject(const JSONValue& id, Bridge::Reply reply, std::optional<double> milliseconds);
 
 }  // namespace quorin::ctl

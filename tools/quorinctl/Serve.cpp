@@ -15,6 +15,7 @@
 #include "kit/platform/Thread.h"
 #include "kit/platform/XDGFolders.h"
 #include "kit/support/FolderLock.h"
+#include "kit/value/Marshal.h"
 #include "tools/quorinctl/LineBuffer.h"
 #include "tools/quorinctl/RequestLine.h"
 #include "tools/quorinctl/Session.h"
@@ -181,7 +182,9 @@ bool Server::answer(const std::string& line) {
 }
 
 bool Server::write(const JSONValue& id, Bridge::Reply reply, std::optional<double> milliseconds) {
-  const std::string line = replyLine(id, std::move(reply), milliseconds) + "\n";
+  // Taking a large reply apart takes a while: that waits until the line is written.
+  const JSONValue object = replyObject(id, std::move(reply), milliseconds);
+  const std::string line = Marshal::encode(object) + "\n";
   return std::fwrite(line.data(), 1, line.size(), stdout) == line.size() &&
          std::fflush(stdout) == 0;
 }
