@@ -14,9 +14,8 @@ namespace quorin::host::calc {
 
 // Of an expression with a call that depends on what no call of this kind can know.
 constexpr const char* untoldText =
-    "What CELL or FORMULATEXT tells here depends on the cell that was changed last, or on cells "
-    "that "
-    "are calculated";
+    "What CELL or FORMULATEXT tells here depends on the cell that was changed last, "
+    "or on cells that are calculated";
 
 class CalcEvaluator {
  public:
