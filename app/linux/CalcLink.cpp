@@ -21,8 +21,9 @@ ScriptRunnerFactory CalcLink::runnerFactory(DiagLog& log) const {
     auto calc = std::make_unique<CalcSpreadsheet>(office);
     const RecordFile traces(QXConfig::defaultURL().parent_path() / "shown-lines.json",
                             "shown-lines.json", FileSystem::real(), &log);
-    calc->keepTracesIn({[traces] { return traces.records(); },
-                        [traces](const JSONValue::Array& all) { traces.replace(all); }});
+    calc->keepTracesIn(
+        {[traces] { return traces.records(); },
+         [traces](const JSONValue::Array& all) { traces.replace(all, AtomicFile::Sync::none); }});
     calc->onNotice([&log](const std::string& text) { log.log("UNHIDE", text); });
     // Work that is posted is done while there is a runner, and so this.
     calc->onKeeperLost([post, there = calc.get()] { post([there] { there->protectMarks(); }); });

@@ -25,7 +25,7 @@ struct LineTrace {
   static constexpr int reach = 2;  // lines on each side
 
   std::array<LineDigest, 2 * reach + 1> around{};  // the line's own in the middle
-  int last = 0;  // the last line of the sheet that holds anything, 0 when none does
+  int last = 0;  // the last line of the sheet that holds anything, or the first
 
   bool operator==(const LineTrace&) const = default;
 };

@@ -31,12 +31,6 @@ std::string steady(const rtl::OUString& content) {
   return content.startsWith("=") || content.startsWith("{") ? "=" : toText(content);
 }
 
-bool isBlank(const Reference<css::sheet::XSpreadsheet>& sheet) {
-  const Reference<css::sheet::XCellRangeFormula> first(cellsOf(sheet, {1, 1, 1, 1}),
-                                                       UNO_QUERY_THROW);
-  return first->getFormulaArray()[0][0].isEmpty();
-}
-
 }  // namespace
 
 SheetLines::SheetLines(const Workbook& workbook, const std::string& sheet, Lines kind)
@@ -47,7 +41,6 @@ SheetLines::SheetLines(const Workbook& workbook, const std::string& sheet, Lines
       Reference<css::sheet::XCellRangeAddressable>(cursor, UNO_QUERY_THROW)->getRangeAddress());
   used_.firstRow = used_.firstColumn = 1;
   last_ = lastLine(used_, kind);
-  if (used_.lastRow == 1 && used_.lastColumn == 1 && isBlank(sheet_)) last_ = 0;
   int& across = kind == Lines::rows ? used_.lastColumn : used_.lastRow;
   across = std::min(across, kind == Lines::rows ? cellsOfRow : cellsOfColumn);
 }

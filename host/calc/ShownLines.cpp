@@ -90,9 +90,11 @@ void ShownLines::remember(const Workbook& workbook, const RangeRef& lines, Lines
                            false);
     Keys keys(workbook, lines.sheet, area, kind);
     std::string key = keys.next();
-    while (memory_->hasByName(toUno(key)) && !isAt(workbook, key, lines.sheet, area, kind))
+    bool known = false;
+    while ((known = memory_->hasByName(toUno(key))) &&
+           !isAt(workbook, key, lines.sheet, area, kind))
       key = keys.next();
-    forget(key);
+    if (known) memory_->removeByName(toUno(key));
     memory_->insertByName(toUno(key), Any(cells));
   }
 }

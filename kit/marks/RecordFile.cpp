@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cmath>
 
-#include "kit/support/AtomicFile.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
 
@@ -50,7 +49,7 @@ JSONValue::Array RecordFile::records() const {
   return records;
 }
 
-void RecordFile::replace(const JSONValue::Array& records) const {
+void RecordFile::replace(const JSONValue::Array& records, AtomicFile::Sync sync) const {
   if (records.empty()) {
     clear();
     return;
@@ -59,7 +58,7 @@ void RecordFile::replace(const JSONValue::Array& records) const {
   const std::string text = Marshal::encode(records);
   if (text == "null") throw RecordError("a record holds text that is not valid UTF-8");
   if (text.size() > limits.bytes) throw FileError(EFBIG, "write", url_);
-  AtomicFile::write(*files_, url_, text);
+  AtomicFile::write(*files_, url_, text, AtomicFile::ReadOnly::replace, sync);
 }
 
 void RecordFile::clear() const {

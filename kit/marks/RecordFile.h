@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "kit/support/AtomicFile.h"
 #include "kit/support/DiagLog.h"
 #include "kit/support/FileSystem.h"
 #include "kit/value/JSONValue.h"
@@ -41,7 +42,8 @@ class RecordFile {
 
   // Replaces the file; of an empty array removes it. Throws FileError, and RecordError for text
   // that is not valid UTF-8.
-  void replace(const JSONValue::Array& records) const;
+  void replace(const JSONValue::Array& records,
+               AtomicFile::Sync sync = AtomicFile::Sync::full) const;
 
   // Removes the file if it can.
   void clear() const;

@@ -70,7 +70,8 @@ unsigned modeForReplacing(FileSystem& files, const fs::path& path, ReadOnly read
 
 }  // namespace
 
-void write(FileSystem& files, const fs::path& link, std::string_view data, ReadOnly readOnly) {
+void write(FileSystem& files, const fs::path& link, std::string_view data, ReadOnly readOnly,
+           Sync sync) {
   const fs::path path = followLinks(fs::absolute(link));
   const unsigned mode = modeForReplacing(files, path, readOnly);
   removeAbandoned(files, path);
@@ -78,7 +79,7 @@ void write(FileSystem& files, const fs::path& link, std::string_view data, ReadO
   const auto file = files.create(temporary, mode);
   try {
     file->append(data);
-    file->sync();
+    if (sync == Sync::full) file->sync();
     file->close();
     files.rename(temporary, path);
   } catch (...) {
@@ -89,7 +90,7 @@ void write(FileSystem& files, const fs::path& link, std::string_view data, ReadO
     }
     throw;
   }
-  files.syncFolder(path.parent_path());
+  if (sync == Sync::full) files.syncFolder(path.parent_path());
 }
 
 }  // namespace quorin::AtomicFile

@@ -12,6 +12,10 @@ namespace quorin::AtomicFile {
 // What a file that may not be written means: replacing it in its folder would still work.
 enum class ReadOnly { replace, refuse };
 
+// Without syncing, a power failure soon after may leave the file old, blank or cut: for what costs
+// little when it is lost. The death of the process does no harm.
+enum class Sync { full, none };
+
 // Writes a temporary file in the same folder, syncs it, renames it over the old one and syncs the
 // folder. A symbolic link stays one: the file it leads to is replaced. Keeps the permissions of
 // the old file, but that its owner can read it; a new one is the user's alone (0600). What is not a
@@ -20,6 +24,6 @@ enum class ReadOnly { replace, refuse };
 // is there then, but may not outlast a power failure. Temporary files of processes that died are
 // removed as well.
 void write(FileSystem& files, const std::filesystem::path& path, std::string_view data,
-           ReadOnly readOnly = ReadOnly::replace);
+           ReadOnly readOnly = ReadOnly::replace, Sync sync = Sync::full);
 
 }  // namespace quorin::AtomicFile

@@ -112,8 +112,9 @@ int main(int count, char** arguments) {
       auto spreadsheet = std::make_unique<host::calc::ToldSpreadsheet>(victim, office);
       const RecordFile traces(std::filesystem::path(folder) / "shown-lines.json",
                               "shown-lines.json", files, nullptr);
-      spreadsheet->keepTracesIn({[traces] { return traces.records(); },
-                                 [traces](const JSONValue::Array& all) { traces.replace(all); }});
+      spreadsheet->keepTracesIn(
+          {[traces] { return traces.records(); },
+           [traces](const JSONValue::Array& all) { traces.replace(all, AtomicFile::Sync::none); }});
       return spreadsheet;
     });
     host::calc::listening = nullptr;

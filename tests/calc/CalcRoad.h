@@ -74,8 +74,9 @@ class CalcRoad {
   }
 
   void keepTraces() {
-    spreadsheet_->keepTracesIn({[this] { return traces_.records(); },
-                                [this](const JSONValue::Array& all) { traces_.replace(all); }});
+    spreadsheet_->keepTracesIn(
+        {[this] { return traces_.records(); },
+         [this](const JSONValue::Array& all) { traces_.replace(all, AtomicFile::Sync::none); }});
   }
 
   class Running : public TargetApplication {

@@ -35,8 +35,9 @@ Session::Session(Parts parts)
     auto spreadsheet =
         std::make_unique<host::calc::CalcSpreadsheet>(std::move(*office), officeStart);
     spreadsheet_ = spreadsheet.get();
-    spreadsheet_->keepTracesIn({[traces] { return traces.records(); },
-                                [traces](const JSONValue::Array& all) { traces.replace(all); }});
+    spreadsheet_->keepTracesIn(
+        {[traces] { return traces.records(); },
+         [traces](const JSONValue::Array& all) { traces.replace(all, AtomicFile::Sync::none); }});
     spreadsheet_->onNotice([this](const std::string& text) { log_.log("UNHIDE", text); });
     spreadsheet_->onKeeperLost(
         [this, post = post_] { post([this] { spreadsheet_->protectMarks(); }); });

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "kit/marks/RecordFile.h"
+#include "tests/fakes/FaultyFileSystem.h"
 #include "tests/fakes/Files.h"
 #include "tests/fakes/LogLines.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -21,6 +22,20 @@ TEST_F(RecordFileTest, GivesItsRecordsAsTheyStand) {
   file.replace(records);
   EXPECT_EQ(file.records(), records);
   EXPECT_EQ(log.lines(), std::vector<std::string>());
+}
+
+TEST_F(RecordFileTest, IsSyncedUnlessThatIsNotAskedFor) {
+  FaultyFileSystem files;
+  std::string steps;
+  files.tellAll(
+      [&](const std::string& step, const std::filesystem::path&) { steps += step + " "; });
+  const RecordFile told(folder / "told.json", "told.json", files, &log.log());
+  told.replace({1.0});
+  EXPECT_NE(steps.find("sync"), std::string::npos) << steps;
+  steps.clear();
+  told.replace({2.0}, AtomicFile::Sync::none);
+  EXPECT_EQ(steps.find("sync"), std::string::npos) << steps;
+  EXPECT_EQ(told.records(), JSONValue::Array{2.0});
 }
 
 TEST_F(RecordFileTest, GivesNoneOfAFileThatHoldsAnythingElse) {
