@@ -19,6 +19,7 @@ KEY_BUDGET = 16.0     # ms
 GROWTH_BUDGET = 5.0   # MB
 ROUNDS, PER_ROUND = 8, 50
 SELECTIONS = 1000
+JUMP_EVERY = 25       # keys; the others go to the next row
 
 NATIVE_SIDE = """(() => {
   const large = "=MAX(" + Array(5000).fill("-x").join(",") + ")";
@@ -48,10 +49,12 @@ NATIVE_SIDE = """(() => {
   };
   window.trial.frames = async (count, act) => {
     const tree = document.querySelector("[data-testid=tree]"), times = [];
+    window.trial.parts = [];
     for (let i = 0; i < count; ++i) {
       const begun = performance.now();
       act(tree, i);
       await Promise.resolve();
+      const run = performance.now();
       void document.body.offsetHeight;
       const laid = performance.now();
       // The rest of the frame: it is painted after this and before the next task.
@@ -60,6 +63,7 @@ NATIVE_SIDE = """(() => {
         setTimeout(() => done(performance.now() - before), 0);
       }));
       times.push(laid - begun + frame);
+      window.trial.parts.push([run - begun, laid - run, frame]);
     }
     window.trial.done = times;
   };
@@ -93,6 +97,11 @@ def frames(trial, script):
     """The 95th percentile of the best round: other work of the machine comes in bursts."""
     trial.panel.eval(script % (ROUNDS * PER_ROUND))
     times = wait_for("the frames", lambda: trial.panel.eval("trial.done"), 300)
+    parts = trial.panel.eval("trial.parts")
+    jumps = [part for i, part in enumerate(parts) if i % JUMP_EVERY == JUMP_EVERY - 1]
+    for what, some in (("frames", parts), (f"every {JUMP_EVERY}th", jumps)):
+        means = [sum(part[i] for part in some) / len(some) for i in range(3)]
+        print("mean of %s: script %.1f, layout %.1f, painting %.1f ms" % (what, *means))
     rounds = [times[i:i + PER_ROUND] for i in range(0, len(times), PER_ROUND)]
     return min(at(one, .95) for one in rounds), at(times, .5)
 
