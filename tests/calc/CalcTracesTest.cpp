@@ -161,31 +161,33 @@ TEST_F(CalcTraces, HidesAndShowsLinesWithoutATrace) {
 TEST_F(CalcTraces, TakesNoEditOfTheUsersForItsOwn) {
   const RangeRef cells{{"Known.xlsx", "Data"}, parseA1("B8:C9").value()};
   std::atomic<bool> over = false;
+  std::atomic<int> rounds = 0;
   auto ours = std::async(std::launch::async, [&] {
-    int rounds = 0;
     for (; !over; ++rounds) {
       const std::string id = calc.addFormatCondition(cells, "=\"QXZ\"=\"QXZ\"");
       calc.setConditionFill(cells.sheet, id, Color{255, 0, 0});
       calc.setHidden(cells, Lines::rows, rounds % 2 == 0);
       calc.deleteCondition(cells, id);
     }
-    return rounds;
   });
   const auto steps = [&] {
     const std::string state = hands.stateOf("Known.xlsx");
     return std::count(state.begin(), state.begin() + static_cast<long>(state.find("redo:")), '[');
   };
   const auto before = steps();
-  constexpr int edits = 60;
+  constexpr int edits = 60, editsInARound = 15;
   int unasked = 0;
   for (int i = 1; i <= edits; ++i) {
     hands.setModified("Known.xlsx", false);
     hands.enter("Known.xlsx", "Data", "H1", std::to_string(i));
     std::this_thread::sleep_for(3ms);  // somewhere in one of our rounds
     if (hands.stateOf("Known.xlsx").find("modified: 1") == std::string::npos) ++unasked;
+    // Not all of them within the first of our rounds, on a machine with much to do.
+    if (!eventually([&] { return rounds >= i / editsInARound; })) break;
   }
   over = true;
-  EXPECT_GT(ours.get(), 3);
+  ours.get();
+  EXPECT_GE(rounds.load(), edits / editsInARound);
   EXPECT_EQ(unasked, 0);
   EXPECT_EQ(steps(), before + edits);
 }
