@@ -88,8 +88,7 @@ class CalcRoad {
       post_ = std::move(post);
       auto spreadsheet = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
       spreadsheet_ = spreadsheet.get();
-      spreadsheet_->keepTracesIn({[this] { return traces_.records(); },
-                                  [this](const JSONValue::Array& all) { traces_.replace(all); }});
+      keepTraces();
       spreadsheet_->onNotice([this](const std::string& text) { log_.log().log("UNHIDE", text); });
       spreadsheet_->onKeeperLost([this] { post_([this] { spreadsheet_->protectMarks(); }); });
       return std::make_unique<EngineRunner>(
