@@ -1,7 +1,6 @@
 // Highlights and unhiding on a private Calc: the verbs, from the bridge to the office and with
 // their record on disk, beside the same work done directly over UNO. One line for each step, in
 // milliseconds, the median of several rounds taken in turn.
-#include <algorithm>
 #include <chrono>
 #include <com/sun/star/beans/XMultiPropertySet.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
@@ -9,10 +8,9 @@
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
-#include <cstdio>
 #include <fstream>
-#include <map>
 
+#include "bench/Rounds.h"
 #include "host/Address.h"
 #include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
@@ -128,22 +126,6 @@ class Direct {
   const Reference<css::drawing::XDrawPage> page_;
 };
 
-std::map<std::string, std::vector<double>> taken;
-
-template <typename Work>
-void timed(const std::string& what, Work work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-  taken[what].push_back(time.count());
-}
-
-double median(const std::string& what) {
-  std::vector<double>& times = taken.at(what);
-  std::nth_element(times.begin(), times.begin() + std::ssize(times) / 2, times.end());
-  return times[times.size() / 2];
-}
-
 JSONValue list(const Addresses& texts) {
   return JSONValue::Array(texts.begin(), texts.end());
 }
@@ -176,44 +158,38 @@ int main() {
       calc.setHidden({{"Bench.fods", "Data"}, rows}, Lines::rows, hidden);
     });
   };
-  constexpr int rounds = 15;
-  for (int round = 0; round < rounds; ++round) {
-    timed("direct paint 40", [&] { direct.paint(forty); });
-    timed("direct move 40", [&] { direct.move(others); });
+  Rounds rounds;
+  constexpr int times = 15;
+  for (int round = 0; round < times; ++round) {
+    rounds.time("direct paint 40", [&] { direct.paint(forty); });
+    rounds.time("direct move 40", [&] { direct.move(others); });
     direct.clear(others);
-    timed("direct paint 200", [&] { direct.paint(many); });
-    timed("direct clear 200", [&] { direct.clear(many); });
+    rounds.time("direct paint 200", [&] { direct.paint(many); });
+    rounds.time("direct clear 200", [&] { direct.clear(many); });
     mark(others);
     clear();
-    timed("verb paint 40", [&] { mark(forty); });
+    rounds.time("verb paint 40", [&] { mark(forty); });
     clear();
     mark(forty);
-    timed("verb move 40", [&] { mark(others); });
+    rounds.time("verb move 40", [&] { mark(others); });
     clear();
-    timed("verb paint 200", [&] { mark(many); });
-    timed("verb clear 200", [&] { clear(); });
+    rounds.time("verb paint 200", [&] { mark(many); });
+    rounds.time("verb clear 200", [&] { clear(); });
     direct.setHidden(block, true);
-    timed("direct unhide 200 together", [&] { direct.setHidden(block, false); });
+    rounds.time("direct unhide 200 together", [&] { direct.setHidden(block, false); });
     hide(block, true);
-    timed("port unhide 200 together", [&] { hide(block, false); });
+    rounds.time("port unhide 200 together", [&] { hide(block, false); });
   }
   // By themselves: their traces stay on disk and would be written again with each of the others.
-  for (int round = 0; round < rounds; round += 5) {
+  for (int round = 0; round < times; round += 5) {
     direct.setHidden(single, true);
-    timed("direct unhide 200 scattered", [&] { direct.setHidden(single, false); });
+    rounds.time("direct unhide 200 scattered", [&] { direct.setHidden(single, false); });
     hide(single, true);
-    timed("port unhide 200 scattered", [&] { hide(single, false); });
+    rounds.time("port unhide 200 scattered", [&] { hide(single, false); });
   }
-  for (const auto& [ours, step] :
-       std::vector<std::pair<std::string, std::string>>{{"verb", "paint 40"},
-                                                        {"verb", "paint 200"},
-                                                        {"verb", "move 40"},
-                                                        {"verb", "clear 200"},
-                                                        {"port", "unhide 200 together"},
-                                                        {"port", "unhide 200 scattered"}}) {
-    const double plain = median("direct " + step), time = median(ours + " " + step);
-    std::printf("%-22s direct %8.1f ms   %s %8.1f ms   %.2f times\n", step.c_str(), plain,
-                ours.c_str(), time, time / plain);
-  }
+  for (const char* step : {"paint 40", "paint 200", "move 40", "clear 200"})
+    rounds.compare("verb", step);
+  for (const char* step : {"unhide 200 together", "unhide 200 scattered"})
+    rounds.compare("port", step);
   return 0;
 }
