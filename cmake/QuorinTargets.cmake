@@ -30,6 +30,28 @@ function(quorin_library name)
   target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
 endfunction()
 
+# Tests are most of what there is to compile, and most of that is the headers of GoogleTest and of
+# the standard library, which are read once for all of them.
+function(quorin_read_headers_once test)
+  if(APPLE)  # some tests there are of another language
+    return()
+  endif()
+  if(NOT TARGET quorin_test_headers)
+    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "int main() {}\n")
+    add_executable(quorin_test_headers ${CMAKE_BINARY_DIR}/test_headers.cpp)
+    target_link_libraries(quorin_test_headers PRIVATE GTest::gmock quorin_options)
+    target_precompile_headers(quorin_test_headers PRIVATE
+      <gmock/gmock.h> <gtest/gtest.h>
+      <algorithm> <atomic> <chrono> <condition_variable> <filesystem> <fstream> <functional> <map>
+      <memory> <mutex> <optional> <set> <sstream> <string> <string_view> <thread> <utility>
+      <variant> <vector>)
+  endif()
+  target_precompile_headers(${test} REUSE_FROM quorin_test_headers)
+  # What is read so is no system header to g++ any more, and these are wrong about std::string.
+  target_compile_options(${test} PRIVATE -Wno-array-bounds -Wno-stringop-overflow
+                                         -Wno-stringop-overread)
+endfunction()
+
 # quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [TIMEOUT seconds] SOURCES file... LIBS library...):
 # one GoogleTest program. Unit tests are found one by one, and so are SEPARATE ones; other programs
 # that share an expensive peer (an office, a display) run as a whole, one at a time, and leave their
@@ -42,6 +64,7 @@ function(quorin_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main quorin_options)
+  quorin_read_headers_once(${name})
   if(ARG_LABEL STREQUAL "unit")
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS unit TIMEOUT ${ARG_TIMEOUT})
