@@ -52,6 +52,21 @@ describe('the tree', () => {
     ]);
   });
 
+  test('asks for the values of its parts again when its cell is read again', async () => {
+    const page = await open({
+      ...ready({ formula: '=ABS(Data!A1)+1', value: 3 }),
+      'evaluate ABS(Data!A1)': value(2),
+      evaluate: value(3),
+      readRange: range([[-2]]),
+    });
+    expect(await page.page.getByTestId('row').nth(1).innerText()).toContain('2');
+    await page.lay('readCell', cell({ formula: '=ABS(Data!A1)+1', value: 8 }));
+    await page.lay('evaluate ABS(Data!A1)', value(7));
+    await page.page.evaluate(() => window.dispatchEvent(new Event('focus')));
+    await page.page.getByTestId('row').nth(1).getByText('7', { exact: true }).waitFor();
+    expect(await page.page.getByTestId('row').nth(0).innerText()).toContain('8');
+  });
+
   test('tells assistive technology where one is', async () => {
     const page = await open();
     await press('ArrowDown', 'ArrowDown', 'ArrowDown');

@@ -70,10 +70,11 @@ export class Evaluator implements Source {
   /** From now on this formula; nothing at all without one. */
   show(subject: Subject | undefined): void {
     this.generation += 1;
+    // A formula that is read again stays in sight as it is, and nobody looks at it anew.
+    if (subject?.outline !== this.subject?.outline) this.looked = [];
     this.subject = subject;
     this.states = [];
     this.routes = [];
-    this.looked = [];
     this.wanted.clear();
     this.alone.clear();
     this.verified = { state: 'open' };
