@@ -204,18 +204,6 @@ bool isBooleanConstant(std::string_view formula) {
   return formula == "=TRUE()" || formula == "=FALSE()";
 }
 
-// Into a string that has room already. Most formulas are ASCII, and there are many of them.
-void setText(std::string& text, const rtl::OUString& formula) {
-  const sal_Unicode* const units = formula.getStr();
-  text.resize(static_cast<std::size_t>(formula.getLength()));
-  unsigned all = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    all |= units[i];
-    text[i] = static_cast<char>(units[i]);
-  }
-  if (all >= 0x80) text = toText(formula);
-}
-
 bool mayBeFormula(const rtl::OUString& text) {
   return text.startsWith("=") || text.startsWith("{=");
 }

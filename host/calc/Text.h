@@ -1,7 +1,6 @@
 // Text between UNO's UTF-16 strings and the UTF-8 of everything else.
 #pragma once
 
-#include <algorithm>
 #include <rtl/string.hxx>
 #include <rtl/ustring.hxx>
 #include <string>
@@ -9,18 +8,24 @@
 
 namespace quorin::host::calc {
 
-inline std::string toText(const rtl::OUString& text) {
-  // Most text is ASCII, and there is much of it.
-  const sal_Unicode* const begin = text.getStr();
-  const sal_Unicode* const end = begin + text.getLength();
-  if (std::none_of(begin, end, [](sal_Unicode unit) { return unit >= 0x80; })) {
-    std::string ascii(static_cast<std::size_t>(end - begin), '\0');
-    std::transform(begin, end, ascii.begin(),
-                   [](sal_Unicode unit) { return static_cast<char>(unit); });
-    return ascii;
+// Into a string that may have room already. Most text is ASCII, and there is much of it.
+inline void setText(std::string& text, const rtl::OUString& units) {
+  text.resize(static_cast<std::size_t>(units.getLength()));
+  unsigned all = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const sal_Unicode unit = units.getStr()[i];
+    all |= unit;
+    text[i] = static_cast<char>(unit);
   }
-  const rtl::OString bytes = rtl::OUStringToOString(text, RTL_TEXTENCODING_UTF8);
-  return {bytes.getStr(), static_cast<std::size_t>(bytes.getLength())};
+  if (all < 0x80) return;
+  const rtl::OString bytes = rtl::OUStringToOString(units, RTL_TEXTENCODING_UTF8);
+  text.assign(bytes.getStr(), static_cast<std::size_t>(bytes.getLength()));
+}
+
+inline std::string toText(const rtl::OUString& units) {
+  std::string text;
+  setText(text, units);
+  return text;
 }
 
 inline rtl::OUString toUno(std::string_view text) {
