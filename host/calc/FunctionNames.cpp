@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include "host/calc/ReferenceText.h"
+
 namespace quorin::host::calc {
 namespace {
 
@@ -23,10 +25,6 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 5> renamed{{
     {"SKEWP", "SKEW.P"},
 }};
 
-char upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 }  // namespace
 
 void appendExcelFunctionName(std::string& text, std::string_view word) {
@@ -34,7 +32,7 @@ void appendExcelFunctionName(std::string& text, std::string_view word) {
   text += word;
   bool mayHaveOrigin = false;
   for (std::size_t i = start; i < text.size(); ++i) {
-    text[i] = upper(text[i]);
+    text[i] = upperCase(text[i]);
     mayHaveOrigin = mayHaveOrigin || text[i] == '.' || text[i] == '_';
   }
   const std::string_view name = std::string_view(text).substr(start);

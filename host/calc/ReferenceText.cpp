@@ -15,9 +15,6 @@ constexpr bool isLetter(char c) {
 constexpr bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
-char upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 bool startsWithLost(std::string_view text, std::size_t position) {
   if (position >= text.size() || text[position] != lostText.front()) return false;
@@ -44,7 +41,7 @@ int readPart(std::string_view text, std::size_t& position, bool& absolute, std::
 int readColumn(std::string_view text, std::size_t& position, bool& absolute) {
   constexpr std::size_t longest = 3;
   return readPart(text, position, absolute, longest, maxColumn, isLetter,
-                  [](int value, char c) { return value * 26 + (upper(c) - 'A' + 1); });
+                  [](int value, char c) { return value * 26 + (upperCase(c) - 'A' + 1); });
 }
 
 int readRow(std::string_view text, std::size_t& position, bool& absolute) {
@@ -66,11 +63,7 @@ class Piece {
   void add(char c) { *end_++ = c; }
   void addNumber(int value) { end_ = std::to_chars(end_, text_.data() + text_.size(), value).ptr; }
   void addColumn(int column) {
-    std::array<char, 8> letters{};
-    std::size_t count = 0;
-    for (; column > 0; column = (column - 1) / 26)
-      letters[count++] = static_cast<char>('A' + (column - 1) % 26);
-    while (count > 0) add(letters[--count]);
+    for (const char letter : columnLetters(column)) add(letter);
   }
   std::string_view text() const {
     return {text_.data(), static_cast<std::size_t>(end_ - text_.data())};
@@ -128,7 +121,7 @@ bool looksLikeCell(std::string_view name) {
   // R1C1 forms: R, C, R5, C3, R5C3.
   position = 0;
   for (const char axis : {'R', 'C'}) {
-    if (position < name.size() && upper(name[position]) == axis) {
+    if (position < name.size() && upperCase(name[position]) == axis) {
       ++position;
       while (position < name.size() && isDigit(name[position])) ++position;
     }
@@ -255,13 +248,13 @@ std::string_view errorLiteral(std::string_view text, std::size_t position) {
 
 std::string upperCase(std::string_view ascii) {
   std::string text(ascii);
-  std::transform(text.begin(), text.end(), text.begin(), upper);
+  for (char& c : text) c = upperCase(c);
   return text;
 }
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return upper(x) == upper(y); });
+                    [](char x, char y) { return upperCase(x) == upperCase(y); });
 }
 
 }  // namespace quorin::host::calc

@@ -63,7 +63,11 @@ std::optional<std::string> readQuoted(std::string_view text, std::size_t& positi
 // The error literal at `position` in its usual spelling ("#REF!"), in any case; empty for none.
 std::string_view errorLiteral(std::string_view text, std::size_t position);
 
+// Of ASCII letters alone.
+constexpr char upperCase(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 std::string upperCase(std::string_view ascii);
-bool equalIgnoringCase(std::string_view a, std::string_view b);  // of ASCII letters
+bool equalIgnoringCase(std::string_view a, std::string_view b);
 
 }  // namespace quorin::host::calc
