@@ -173,6 +173,29 @@ int columnCount(const Area& area) {
   return area.lastColumn - area.firstColumn + 1;
 }
 
+int& firstLine(Area& area, Lines lines) {
+  return lines == Lines::rows ? area.firstRow : area.firstColumn;
+}
+int& lastLine(Area& area, Lines lines) {
+  return lines == Lines::rows ? area.lastRow : area.lastColumn;
+}
+int firstLine(const Area& area, Lines lines) {
+  return lines == Lines::rows ? area.firstRow : area.firstColumn;
+}
+int lastLine(const Area& area, Lines lines) {
+  return lines == Lines::rows ? area.lastRow : area.lastColumn;
+}
+int lineCount(const Area& area, Lines lines) {
+  return lastLine(area, lines) - firstLine(area, lines) + 1;
+}
+
+Area wholeLines(Area area, Lines lines) {
+  const bool rows = lines == Lines::rows;
+  (rows ? area.firstColumn : area.firstRow) = 1;
+  (rows ? area.lastColumn : area.lastRow) = rows ? maxColumn : maxRow;
+  return area;
+}
+
 long long cellCount(const std::vector<Area>& areas) {
   long long cells = 0;
   for (const Area& area : areas)

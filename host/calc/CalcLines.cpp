@@ -53,24 +53,13 @@ Shown shownLines(const Workbook& workbook, const std::string& sheet, const Area&
   return {joined(std::move(shown.rows)), joined(std::move(shown.columns))};
 }
 
-// The whole lines that the area touches: in a part of one, hidden lines the other way would count.
-Area wholeLines(Area area, Lines lines) {
-  if (lines == Lines::rows) {
-    area.firstColumn = 1;
-    area.lastColumn = maxColumn;
-  } else {
-    area.firstRow = 1;
-    area.lastRow = maxRow;
-  }
-  return area;
-}
-
 }  // namespace
 
 std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines) {
   long long total = 0, visible = 0;
   for (const Area& area : range.areas) {
-    total += lines == Lines::rows ? rowCount(area) : columnCount(area);
+    total += lineCount(area, lines);
+    // In a part of a line, hidden lines the other way would count.
     const Shown shown = shownLines(workbook, range.sheet.sheet, wholeLines(area, lines));
     for (const Run& run : lines == Lines::rows ? shown.rows : shown.columns) {
       visible += run.last - run.first + 1;

@@ -15,13 +15,6 @@ namespace {
 // Those of workbooks that never came back go by and by.
 constexpr std::size_t most = 1000;
 
-int firstOf(const Area& area, Lines kind) {
-  return kind == Lines::rows ? area.firstRow : area.firstColumn;
-}
-int lastOf(const Area& area, Lines kind) {
-  return kind == Lines::rows ? area.lastRow : area.lastColumn;
-}
-
 constexpr const char* rowsWord = "rows";
 constexpr const char* columnsWord = "columns";
 
@@ -96,7 +89,7 @@ std::vector<LineTraces::Entry>::iterator LineTraces::place(const SheetRef& sheet
                                                            Lines kind) {
   load();
   return std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) {
-    return each.first == firstOf(area, kind) && each.last == lastOf(area, kind) &&
+    return each.first == firstLine(area, kind) && each.last == lastLine(area, kind) &&
            each.kind == kind && each.sheet == sheet;
   });
 }
@@ -106,7 +99,7 @@ void LineTraces::remember(const SheetRef& sheet, const Area& area, Lines kind,
   if (!keeping_.save) return;
   if (const auto old = place(sheet, area, kind); old != entries_.end()) entries_.erase(old);
   if (entries_.size() >= most) entries_.erase(entries_.begin());
-  entries_.push_back({sheet, kind, firstOf(area, kind), lastOf(area, kind), trace});
+  entries_.push_back({sheet, kind, firstLine(area, kind), lastLine(area, kind), trace});
   changed_ = true;
   if (begun_) return;
   if (const std::string failure = flush(); !failure.empty()) {

@@ -19,13 +19,6 @@ constexpr int blockSize = 64;
 // How far a line is looked at: the labels at its beginning tell it from others.
 constexpr int cellsOfRow = 64, cellsOfColumn = 200;
 
-int& firstLine(Area& area, Lines kind) {
-  return kind == Lines::rows ? area.firstRow : area.firstColumn;
-}
-int& lastLine(Area& area, Lines kind) {
-  return kind == Lines::rows ? area.lastRow : area.lastColumn;
-}
-
 // Formulas change when lines move, and what they give may change at any time.
 std::string steady(const rtl::OUString& content) {
   return content.startsWith("=") || content.startsWith("{") ? "=" : toText(content);
@@ -79,8 +72,7 @@ std::vector<LineDigest> SheetLines::block(int index) const {
   lastLine(area, kind_) = std::min((index + 1) * blockSize, last_);
   const auto rows = Reference<css::sheet::XCellRangeFormula>(cellsOf(sheet_, area), UNO_QUERY_THROW)
                         ->getFormulaArray();
-  std::vector<std::vector<std::string>> lines(
-      static_cast<std::size_t>(kind_ == Lines::rows ? rowCount(area) : columnCount(area)));
+  std::vector<std::vector<std::string>> lines(static_cast<std::size_t>(lineCount(area, kind_)));
   for (std::size_t row = 0; row < static_cast<std::size_t>(rowCount(area)); ++row) {
     const auto& cells = rows[static_cast<sal_Int32>(row)];
     for (std::size_t column = 0; column < static_cast<std::size_t>(columnCount(area)); ++column)

@@ -36,18 +36,15 @@ std::string nameOf(const SheetRef& sheet) {
 // The lines that had these numbers, then those that had them later, and so on.
 class Keys {
  public:
-  Keys(const Workbook& workbook, const SheetRef& sheet, const Area& area, Lines kind)
-      : name_(nameOf(sheet)) {
-    const bool rows = kind == Lines::rows;
-    start_ = prefixOf(workbook) + (rows ? rowsMark : columnsMark) +
-             std::to_string(rows ? area.firstRow : area.firstColumn) + "-" +
-             std::to_string(rows ? area.lastRow : area.lastColumn);
-  }
+  // `prefix`: that of the workbook.
+  Keys(const std::string& prefix, const SheetRef& sheet, const Area& area, Lines kind)
+      : start_(prefix + (kind == Lines::rows ? rowsMark : columnsMark) +
+               std::to_string(firstLine(area, kind)) + "-" + std::to_string(lastLine(area, kind))),
+        name_(nameOf(sheet)) {}
   std::string next() { return start_ + std::string(count_++, '+') + name_; }
 
  private:
-  std::string start_;
-  const std::string name_;
+  const std::string start_, name_;
   std::size_t count_ = 0;
 };
 
@@ -68,10 +65,6 @@ std::optional<Asked> askedIn(const std::string& text) {
                 {rows ? Area{first, 1, last, maxColumn} : Area{1, first, maxRow, last}}}};
 }
 
-int sizeOf(const Area& area, Lines kind) {
-  return kind == Lines::rows ? rowCount(area) : columnCount(area);
-}
-
 }  // namespace
 
 ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
@@ -79,6 +72,7 @@ ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
 
 void ShownLines::remember(const Workbook& workbook, const RangeRef& lines, Lines kind) {
   if (!memory_.is()) return;
+  const std::string prefix = prefixOf(workbook);
   for (const Area& area : lines.areas) {
     const Reference<css::sheet::XSheetCellRangeContainer> cells(
         Reference<css::lang::XMultiServiceFactory>(workbook.model, UNO_QUERY_THROW)
@@ -88,7 +82,7 @@ void ShownLines::remember(const Workbook& workbook, const RangeRef& lines, Lines
                                cellsOf(workbook, lines.sheet.sheet, area), UNO_QUERY_THROW)
                                ->getRangeAddress(),
                            false);
-    Keys keys(workbook, lines.sheet, area, kind);
+    Keys keys(prefix, lines.sheet, area, kind);
     std::string key = keys.next();
     bool known = false;
     while ((known = memory_->hasByName(toUno(key))) &&
@@ -100,8 +94,9 @@ void ShownLines::remember(const Workbook& workbook, const RangeRef& lines, Lines
 }
 
 void ShownLines::forget(const Workbook& workbook, const RangeRef& lines, Lines kind) {
+  const std::string prefix = prefixOf(workbook);
   for (const Area& area : lines.areas) {
-    Keys keys(workbook, lines.sheet, area, kind);
+    Keys keys(prefix, lines.sheet, area, kind);
     while (forget(keys.next())) continue;
   }
 }
@@ -118,10 +113,8 @@ bool ShownLines::isAt(const Workbook& workbook, const std::string& key, const Sh
   const auto place = now(workbook, key, kind);
   if (!place || place->areas.empty()) return true;
   const Area& there = place->areas.front();
-  const bool same =
-      kind == Lines::rows
-          ? there.firstRow == area.firstRow && there.lastRow == area.lastRow
-          : there.firstColumn == area.firstColumn && there.lastColumn == area.lastColumn;
+  const bool same = firstLine(there, kind) == firstLine(area, kind) &&
+                    lastLine(there, kind) == lastLine(area, kind);
   return same && place->sheet.sheet == sheet.sheet;
 }
 
@@ -130,9 +123,9 @@ std::vector<RangeRef> ShownLines::find(const Workbook& workbook, const RangeRef&
   std::vector<RangeRef> places;
   if (!memory_.is()) return places;
   const Area& area = firstArea(lines);
-  Keys keys(workbook, lines.sheet, area, kind);
+  Keys keys(prefixOf(workbook), lines.sheet, area, kind);
   while (auto place = now(workbook, keys.next(), kind)) {
-    if (!place->areas.empty() && sizeOf(place->areas[0], kind) != sizeOf(area, kind))
+    if (!place->areas.empty() && lineCount(place->areas[0], kind) != lineCount(area, kind))
       place->areas.clear();
     places.push_back(*std::move(place));
   }
@@ -148,10 +141,7 @@ std::optional<RangeRef> ShownLines::now(const Workbook& workbook, const std::str
   RangeRef place{{workbook.name, {}}, {}};
   if (addresses.getLength() != 1) return place;
   place.sheet.sheet = sheetNames(workbook).at(static_cast<std::size_t>(addresses[0].Sheet));
-  Area area = areaOf(addresses[0]);
-  (kind == Lines::rows ? area.firstColumn : area.firstRow) = 1;
-  (kind == Lines::rows ? area.lastColumn : area.lastRow) = kind == Lines::rows ? maxColumn : maxRow;
-  place.areas = {area};
+  place.areas = {wholeLines(areaOf(addresses[0]), kind)};
   return place;
 }
 

@@ -58,8 +58,7 @@ std::optional<bool> MemorySpreadsheet::hidden(const RangeRef& range, Lines lines
   const std::set<int>& hidden = lines == Lines::rows ? sheet.hiddenRows : sheet.hiddenColumns;
   long long total = 0, found = 0;
   for (const Area& area : range.areas) {
-    const int first = lines == Lines::rows ? area.firstRow : area.firstColumn;
-    const int last = lines == Lines::rows ? area.lastRow : area.lastColumn;
+    const int first = host::firstLine(area, lines), last = host::lastLine(area, lines);
     total += last - first + 1;
     found += std::distance(hidden.lower_bound(first), hidden.upper_bound(last));
   }
@@ -72,8 +71,7 @@ void MemorySpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide)
   MemorySheet& sheet = sheetOf(range.sheet);
   std::set<int>& hidden = lines == Lines::rows ? sheet.hiddenRows : sheet.hiddenColumns;
   for (const Area& area : range.areas) {
-    const int first = lines == Lines::rows ? area.firstRow : area.firstColumn;
-    const int last = lines == Lines::rows ? area.lastRow : area.lastColumn;
+    const int first = host::firstLine(area, lines), last = host::lastLine(area, lines);
     hidden.erase(hidden.lower_bound(first), hidden.upper_bound(last));
     for (int line = first; hide && line <= last; ++line) hidden.insert(line);
   }
