@@ -5,7 +5,7 @@
 #include "host/calc/CalcApplication.h"
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/calc/RunningOffice.h"
-#include "kit/marks/RecordFile.h"
+#include "kit/marks/ShownLinesFile.h"
 #include "kit/support/QXConfig.h"
 
 namespace quorin {
@@ -13,17 +13,15 @@ namespace quorin {
 using host::calc::CalcApplication;
 using host::calc::CalcSpreadsheet;
 using host::calc::RunningOffice;
+using host::calc::TraceKeeping;
 
 CalcLink::CalcLink() : office_(std::make_shared<RunningOffice>()) {}
 
 ScriptRunnerFactory CalcLink::runnerFactory(DiagLog& log) const {
   return [office = office_, &log](const CallThreadPost& post) -> std::unique_ptr<ScriptRunner> {
     auto calc = std::make_unique<CalcSpreadsheet>(office);
-    const RecordFile traces(QXConfig::defaultURL().parent_path() / "shown-lines.json",
-                            "shown-lines.json", FileSystem::real(), &log);
-    calc->keepTracesIn(
-        {[traces] { return traces.records(); },
-         [traces](const JSONValue::Array& all) { traces.replace(all, AtomicFile::Sync::none); }});
+    calc->keepTracesIn(TraceKeeping::in(
+        ShownLinesFile(QXConfig::defaultURL().parent_path(), FileSystem::real(), &log)));
     calc->onNotice([&log](const std::string& text) { log.log("UNHIDE", text); });
     // Work that is posted is done while there is a runner, and so this.
     calc->onKeeperLost([post, there = calc.get()] { post([there] { there->protectMarks(); }); });

@@ -17,6 +17,13 @@ namespace quorin::host::calc {
 struct TraceKeeping {
   std::function<JSONValue::Array()> load;
   std::function<void(const JSONValue::Array&)> save;
+
+  // In a file with these two.
+  template <typename File>
+  static TraceKeeping in(File file) {
+    return {[file] { return file.load(); },
+            [file](const JSONValue::Array& all) { file.save(all); }};
+  }
 };
 
 // Of an area of whole lines: its first and its last.

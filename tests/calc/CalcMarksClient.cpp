@@ -10,7 +10,7 @@
 
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/dictionary/ExcelTerminology.h"
-#include "kit/marks/RecordFile.h"
+#include "kit/marks/ShownLinesFile.h"
 #include "tests/kit/crash/Nursery.h"
 #include "tests/kit/crash/VictimWork.h"
 
@@ -110,11 +110,8 @@ int main(int count, char** arguments) {
     host::calc::listening = &victim;
     serve(victim, folder, [&](FileSystem& files) {
       auto spreadsheet = std::make_unique<host::calc::ToldSpreadsheet>(victim, office);
-      const RecordFile traces(std::filesystem::path(folder) / "shown-lines.json",
-                              "shown-lines.json", files, nullptr);
       spreadsheet->keepTracesIn(
-          {[traces] { return traces.records(); },
-           [traces](const JSONValue::Array& all) { traces.replace(all, AtomicFile::Sync::none); }});
+          host::calc::TraceKeeping::in(ShownLinesFile(folder, files, nullptr)));
       return spreadsheet;
     });
     host::calc::listening = nullptr;

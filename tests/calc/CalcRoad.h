@@ -13,7 +13,7 @@
 #include "host/calc/PrivateOffice.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/Semaphore.h"
-#include "kit/marks/RecordFile.h"
+#include "kit/marks/ShownLinesFile.h"
 #include "tests/fakes/LogLines.h"
 
 namespace quorin::host::calc {
@@ -47,7 +47,7 @@ class CalcRoad {
   ExcelThread& thread() { return thread_; }
   HighlightStore& store() { return store_; }
   UnhideStore& unhidden() { return unhide_; }
-  RecordFile& traces() { return traces_; }
+  ShownLinesFile& traces() { return traces_; }
   // As for a process that starts without the file.
   void forgetTraces() {
     traces_.clear();
@@ -73,11 +73,7 @@ class CalcRoad {
     if (!failure.empty()) throw std::runtime_error(failure);
   }
 
-  void keepTraces() {
-    spreadsheet_->keepTracesIn(
-        {[this] { return traces_.records(); },
-         [this](const JSONValue::Array& all) { traces_.replace(all, AtomicFile::Sync::none); }});
-  }
+  void keepTraces() { spreadsheet_->keepTracesIn(TraceKeeping::in(traces_)); }
 
   class Running : public TargetApplication {
     bool isRunning() override { return true; }
@@ -102,8 +98,7 @@ class CalcRoad {
   Running target_;
   HighlightStore store_{folder_ / "highlights.json", FileSystem::real(), &log_.log()};
   UnhideStore unhide_{folder_ / "unhidden.json", FileSystem::real(), &log_.log()};
-  RecordFile traces_{folder_ / "shown-lines.json", "shown-lines.json", FileSystem::real(),
-                     &log_.log()};
+  ShownLinesFile traces_{folder_.path(), FileSystem::real(), &log_.log()};
   CallThreadPost post_;
   CalcSpreadsheet* spreadsheet_ = nullptr;
   ExcelThread thread_;

@@ -8,7 +8,7 @@
 #include "host/EngineRunner.h"
 #include "host/ExcelObjectModel.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "kit/marks/RecordFile.h"
+#include "kit/marks/ShownLinesFile.h"
 
 namespace quorin::ctl {
 
@@ -28,16 +28,13 @@ Session::Session(Parts parts)
       unhide_(parts.records / "unhidden.json", FileSystem::real(), &log_) {
   // The office is handed to the call thread, where everything that is done with it happens.
   const auto office = std::make_shared<decltype(parts.office)>(std::move(parts.office));
-  const RecordFile traces(parts.records / "shown-lines.json", "shown-lines.json",
-                          FileSystem::real(), &log_);
+  const ShownLinesFile traces(parts.records, FileSystem::real(), &log_);
   const ScriptRunnerFactory factory = [this, office, traces](CallThreadPost post) {
     post_ = std::move(post);
     auto spreadsheet =
         std::make_unique<host::calc::CalcSpreadsheet>(std::move(*office), officeStart);
     spreadsheet_ = spreadsheet.get();
-    spreadsheet_->keepTracesIn(
-        {[traces] { return traces.records(); },
-         [traces](const JSONValue::Array& all) { traces.replace(all, AtomicFile::Sync::none); }});
+    spreadsheet_->keepTracesIn(host::calc::TraceKeeping::in(traces));
     spreadsheet_->onNotice([this](const std::string& text) { log_.log("UNHIDE", text); });
     spreadsheet_->onKeeperLost(
         [this, post = post_] { post([this] { spreadsheet_->protectMarks(); }); });
