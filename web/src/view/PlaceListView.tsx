@@ -5,6 +5,7 @@ import type { PlaceView, ShownRow } from '../core/workbook/PlaceView';
 import { WarningIcon } from './icons';
 import type { Page } from './page';
 import { RowTree, type Slot } from './RowTree';
+import { Twisty } from './Twisty';
 
 export type PlaceListViewProps = {
   page: Page;
@@ -102,14 +103,10 @@ function PlaceItem(props: PlaceItemProps): JSX.Element {
         if (place) void props.page.explorer.visitPlace(place);
       }}
     >
-      <span
-        class="twisty"
-        classList={{ open: isOpen(), none: !row().inner }}
-        aria-hidden="true"
-        onClick={(event) => {
-          event.stopPropagation();
-          props.page.explorer.toggleRow(props.slot.index);
-        }}
+      <Twisty
+        open={isOpen()}
+        none={!row().inner}
+        onToggle={() => props.page.explorer.toggleRow(props.slot.index)}
       />
       <bdi
         class="rowText"

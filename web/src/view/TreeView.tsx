@@ -10,6 +10,7 @@ import type { Page } from './page';
 import { faceOf, sameFace } from './rowFace';
 import { RowTree } from './RowTree';
 import { RowValue } from './RowValue';
+import { Twisty } from './Twisty';
 
 /** Deeper rows are indented no further; their level is told to assistive technology all the same. */
 const deepestIndent = 12;
@@ -99,14 +100,10 @@ function TreeRow(props: TreeRowProps): JSX.Element {
       onClick={() => props.page.explorer.activate(props.item)}
       onDblClick={() => void props.page.explorer.drill(props.item)}
     >
-      <span
-        class="twisty"
-        classList={{ open: face().open, none: !hasChildren() }}
-        aria-hidden="true"
-        onClick={(event) => {
-          event.stopPropagation();
-          props.page.explorer.toggle(props.item);
-        }}
+      <Twisty
+        open={face().open}
+        none={!hasChildren()}
+        onToggle={() => props.page.explorer.toggle(props.item)}
       />
       <bdi class="role" textContent={props.item.role} />
       <bdi

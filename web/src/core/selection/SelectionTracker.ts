@@ -3,6 +3,7 @@
 // and an answer of an older generation is let go, so that what is shown never goes back in time.
 
 import { qualified } from '../address/area';
+import { slowAfter } from '../protocol/Conveyor';
 import type { NativeEvent } from '../protocol/events';
 import { notRunningCode, type Failure, type Outcome } from '../protocol/Outcome';
 import type { Cell, CellPlace, Probe, RangeTooBig, RangeValues } from '../protocol/verbs';
@@ -16,9 +17,6 @@ export type SpreadsheetQuestions = {
 };
 
 type Step = 'probe' | 'read';
-
-/** An answer awaited for longer than this is announced. */
-export const slowAfter = 400;
 
 /** The first wait before asking again; each further one is twice as long, up to the limit. */
 export const firstRetry = 500;
