@@ -110,7 +110,7 @@ function PlaceItem(props: PlaceItemProps): JSX.Element {
       />
       <bdi
         class="rowText"
-        classList={{ lead: row().place !== undefined }}
+        classList={{ code: level() > 1, lead: row().place !== undefined }}
         textContent={oneLine(row().text)}
       />
       <span class="rowValue">
@@ -120,11 +120,7 @@ function PlaceItem(props: PlaceItemProps): JSX.Element {
             {row().tag}
           </span>
         </Show>
-        <bdi
-          class="valueText quiet"
-          title={oneLine(row().detail)}
-          textContent={oneLine(row().detail)}
-        />
+        <bdi class="quiet" title={oneLine(row().detail)} textContent={oneLine(row().detail)} />
       </span>
     </div>
   );

@@ -1,4 +1,4 @@
-import { createEffect, createMemo, Index, onMount, type Accessor, type JSX } from 'solid-js';
+import { createComputed, createMemo, Index, onMount, type Accessor, type JSX } from 'solid-js';
 
 import { createRows, rowHeight } from './createRows';
 
@@ -20,7 +20,7 @@ export type RowTreeProps<T> = {
   testid: string;
   /** The id of the active row's element. */
   activeId: string | undefined;
-  /** Hears which rows are drawn, and again when something that it reads changes. */
+  /** Hears which rows will be drawn before they are, and again when something that it reads changes. */
   onShown?: (first: number, items: readonly T[]) => void;
   children: (slot: Accessor<Slot<T>>) => JSX.Element;
 };
@@ -33,6 +33,9 @@ export function RowTree<T>(props: RowTreeProps<T>): JSX.Element {
     () => props.of,
   );
   const shown = createMemo(() => props.items.slice(rows.first(), rows.last()));
+  createComputed(() => {
+    props.onShown?.(rows.first(), shown());
+  });
   // A row that leaves at one end is used again at the other: the item at `i` is in slot `i` modulo
   // their number, so that rows that stay in sight are not touched.
   const slots = createMemo<Slot<T>[]>((before) => {
@@ -48,9 +51,6 @@ export function RowTree<T>(props: RowTreeProps<T>): JSX.Element {
     });
     return places;
   }, []);
-  createEffect(() => {
-    props.onShown?.(rows.first(), shown());
-  });
   let element: HTMLDivElement | undefined;
   onMount(() => element?.focus({ preventScroll: true }));
   return (

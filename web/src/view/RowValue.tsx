@@ -1,7 +1,7 @@
 import { Show, type JSX } from 'solid-js';
 
 import type { Item } from '../core/outline/Item';
-import { GridIcon, WarningIcon } from './icons';
+import { WarningIcon } from './icons';
 import type { Page } from './page';
 import type { RowFace } from './rowFace';
 
@@ -10,7 +10,6 @@ const exactLimit = 1_000;
 
 /** The value at the end of a row, or why there is none. Its room is kept while it is awaited. */
 export function RowValue(props: { page: Page; item: Item; face: RowFace }): JSX.Element {
-  const known = () => props.face.type;
   const exact = () => {
     const { type, copy } = props.face;
     return type !== undefined && copy.length <= exactLimit ? copy : undefined;
@@ -21,41 +20,43 @@ export function RowValue(props: { page: Page; item: Item; face: RowFace }): JSX.
     if (status === 'asking') return '…';
     return status === 'refused' ? reason : '';
   };
-  // The elements stay while values come and go, as the row itself does.
+  // The elements stay while values come and go, as the row itself does, and the usual value needs
+  // no others: with each a row takes longer to lay out.
   return (
     <span class="rowValue" data-testid="row-value" data-state={props.face.status}>
-      <Show when={props.face.status === 'offered'}>
-        <button
-          type="button"
-          class="textButton"
-          tabindex="-1"
-          title={props.face.reason}
-          onClick={(event) => {
-            event.stopPropagation();
-            props.page.explorer.want(props.item);
-          }}
-        >
-          Ask
-        </button>
+      <Show when={props.face.status === 'offered' || props.face.type === 'Error'}>
+        <Sign {...props} />
       </Show>
-      <span
-        class={known() ? `is-${String(known()).toLowerCase()}` : 'quiet'}
-        title={known() ?? props.face.reason}
-        data-type={known()}
+      <bdi
+        class={props.face.type ? `is-${props.face.type.toLowerCase()}` : 'quiet'}
+        title={props.face.type ?? props.face.reason}
+        data-type={props.face.type}
         data-exact={exact()}
-      >
-        {/* Errors and arrays carry a sign, so that colour says nothing alone. */}
-        <Show when={known() === 'Error'}>
-          <WarningIcon />
-        </Show>
-        <Show when={known() === 'Array'}>
-          <GridIcon />
-        </Show>
-        <bdi class="valueText" textContent={text()} />
-      </span>
+        textContent={text()}
+      />
       <Show when={props.face.unused && props.face.status !== 'known'}>
         <span class="quiet">not used</span>
       </Show>
     </span>
+  );
+}
+
+/** What stands before a value that is an error, or in the place of one that is only asked on demand. */
+function Sign(props: { page: Page; item: Item; face: RowFace }): JSX.Element {
+  return (
+    <Show when={props.face.status === 'offered'} fallback={<WarningIcon />}>
+      <button
+        type="button"
+        class="textButton"
+        tabindex="-1"
+        title={props.face.reason}
+        onClick={(event) => {
+          event.stopPropagation();
+          props.page.explorer.want(props.item);
+        }}
+      >
+        Ask
+      </button>
+    </Show>
   );
 }

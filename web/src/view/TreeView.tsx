@@ -17,6 +17,8 @@ const deepestIndent = 12;
 const indent = 14;
 /** More text than fits a row on any panel. */
 const rowTextLimit = 240;
+/** Of a long name so much is told that the part itself keeps most of the row. */
+const roleLimit = 24;
 
 /** The formula's parts with their values. */
 export function TreeView(props: { page: Page; stop: Stop }): JSX.Element {
@@ -74,6 +76,10 @@ function TreeRow(props: TreeRowProps): JSX.Element {
     const { start, end } = props.item.node;
     return oneLine(props.stop.text.slice(start, Math.min(end, start + rowTextLimit)));
   };
+  const role = () => {
+    const { role } = props.item;
+    return role.length > roleLimit ? `${role.slice(0, roleLimit - 1)}…` : role;
+  };
   const isOpen = () => props.stop.tree?.isOpen(props.item) ?? false;
   const face = createMemo(
     () => props.page.look(({ evaluator }) => faceOf(props.item, evaluator, isOpen())),
@@ -105,13 +111,15 @@ function TreeRow(props: TreeRowProps): JSX.Element {
         none={!hasChildren()}
         onToggle={() => props.page.explorer.toggle(props.item)}
       />
-      <bdi class="role" textContent={props.item.role} />
-      <bdi
-        class="rowText"
-        dir="ltr"
-        classList={{ lead: leads(props.item, props.home) }}
-        textContent={text()}
-      />
+      <span class="rowText">
+        <bdi class="role" textContent={role()} />{' '}
+        <bdi
+          class="code"
+          dir="ltr"
+          classList={{ lead: leads(props.item, props.home) }}
+          textContent={text()}
+        />
+      </span>
       <RowValue page={props.page} item={props.item} face={face()} />
     </div>
   );

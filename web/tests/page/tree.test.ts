@@ -42,13 +42,13 @@ describe('the tree', () => {
     const rows = await page.page.getByTestId('row').allInnerTexts();
     expect(rows.map((row) => row.replaceAll('\n', ' | '))).toEqual([
       'IF(B4>0,SUM(Data!C2:C5)/B4,0) | 1,284.50',
-      'test | B4>0 | TRUE',
+      'test B4>0 | TRUE',
       'B4 | 12',
-      'then | SUM(Data!C2:C5)/B4 | 1,284.5',
+      'then SUM(Data!C2:C5)/B4 | 1,284.5',
       'SUM(Data!C2:C5) | 15,414',
       'Data!C2:C5 | 4 × 1',
-      '÷ | B4 | 12',
-      'else | 0 | not used',
+      '÷ B4 | 12',
+      'else 0 | not used',
     ]);
   });
 
@@ -449,7 +449,7 @@ describe('answers that are not what they should be', () => {
     const rows = await page.page.getByTestId('row').allInnerTexts();
     expect(rows.slice(1).map((row) => row.replaceAll('\n', ' | '))).toEqual([
       'A1 | The answer has an unexpected shape.',
-      '+ | A2 | The answer has an unexpected shape.',
+      '+ A2 | The answer has an unexpected shape.',
     ]);
   });
 });

@@ -85,9 +85,13 @@ export class Evaluator implements Source {
     if (subject) this.states[0] = { status: 'known', result: subject.result };
   }
 
-  /** The items that are or soon will be visible, the one with the focus first. */
+  /**
+   * The items that are or soon will be visible, the one with the focus first. What is known of them
+   * without asking is known from here on: whoever draws them next need not hear of it.
+   */
   look(items: readonly Item[]): void {
     this.looked = items;
+    if (this.subject && this.settleAll(items).settled > 0 && this.failure) this.changed();
   }
 
   /** The user wants this one's value, whatever it costs. */
@@ -145,25 +149,27 @@ export class Evaluator implements Source {
 
   /** The most urgent question among `items`; what needs none is settled on the way. */
   private firstOf(items: readonly Item[]): Job | undefined {
-    const open = new Set<Item>();
-    let settled = 0;
-    for (const item of items) {
-      if (this.stateOf(item).status !== 'waiting') continue;
-      for (const one of this.opened(item)) open.add(one);
-    }
-    const needed = [...open].filter((item) => {
-      if (!this.settle(item)) return this.stateOf(item).status === 'waiting';
-      settled += 1;
-      return false;
-    });
-    if (settled > 0) {
-      this.changed();
-      return this.firstOf(items);
-    }
+    const { settled, needed } = this.settleAll(items);
+    if (settled > 0) this.changed();
     const cells = this.readJob(needed);
     // What takes one of its arguments is known without asking once that argument is.
     const other = needed.find((item) => !takesArgument(item)) ?? needed[0];
     return cells ?? (other && this.job([other], this.routeOf(other).route));
+  }
+
+  /** Settles what needs no question, and what then needs none; what still needs one is left. */
+  private settleAll(items: readonly Item[]): { settled: number; needed: Item[] } {
+    for (let all = 0; ;) {
+      const open = new Set<Item>();
+      for (const item of items) {
+        if (this.stateOf(item).status !== 'waiting') continue;
+        for (const one of this.opened(item)) open.add(one);
+      }
+      const needed = [...open].filter((item) => !this.settle(item));
+      const settled = open.size - needed.length;
+      all += settled;
+      if (settled === 0) return { settled: all, needed };
+    }
   }
 
   /** The item itself, or what must be known before it is clear whether it counts. */

@@ -45,6 +45,25 @@ describe('the parts of a formula are asked for', () => {
     expect(bench.workbook.asked.length).toBeGreaterThan(3);
   });
 
+  test('but not where looking is enough, of which nobody need hear', () => {
+    bench.show('=IF(TRUE,SUM(1,ABS(2)),3)', { kind: 'value', value: 1 });
+    bench.cache.keep('ABS(2)', { kind: 'value', value: 2 });
+    bench.evaluator.look(bench.items);
+    expect(bench.of('ABS(2)')).toBe(2);
+    expect(bench.of('1')).toBe(1);
+    expect(bench.of('SUM(1,ABS(2))')).toBe('waiting');
+    expect(bench.of('3')).toBe('waiting');
+    expect(bench.changes).toBe(0);
+  });
+
+  test('and what looking finds out about an error is told', () => {
+    bench.show('=1/ABS(0)', { kind: 'error', text: '#DIV/0!' });
+    bench.cache.keep('ABS(0)', { kind: 'error', text: '#DIV/0!' });
+    bench.evaluator.look(bench.items);
+    expect(bench.evaluator.failure?.item).toBe(bench.item('ABS(0)'));
+    expect(bench.changes).toBe(1);
+  });
+
   test('only as far as someone looks', async () => {
     bench.workbook.otherwise = () => 1;
     bench.show('=SUM(1,ABS(2))+SUM(3,ABS(4))', { kind: 'value', value: 1 });
