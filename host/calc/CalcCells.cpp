@@ -4,7 +4,6 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/chart2/data/XDataProvider.hpp>
 #include <com/sun/star/chart2/data/XTextualDataSequence.hpp>
-#include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/CellFlags.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
@@ -110,13 +109,8 @@ Sequence<rtl::OUString> shownTexts(const Workbook& workbook, const std::string& 
     Reference<css::beans::XPropertySet>(provider, UNO_QUERY_THROW)
         ->setPropertyValue("IncludeHiddenCells", Any(true));
   }
-  const auto end = [](int row, int column) {
-    return "$" + columnLetters(column) + "$" + std::to_string(row);
-  };
   const Reference<css::chart2::data::XTextualDataSequence> sequence(
-      provider->createDataSequenceByRangeRepresentation(
-          toUno(calcSheet(sheet) + "." + end(area.firstRow, area.firstColumn) + ":" +
-                end(area.lastRow, area.lastColumn))),
+      provider->createDataSequenceByRangeRepresentation(toUno(calcAddress(sheet, area))),
       UNO_QUERY);
   return sequence.is() ? sequence->getTextualData() : Sequence<rtl::OUString>();
 }
@@ -150,45 +144,58 @@ struct Place {
 // displayed texts come in one call, whatever language they are in.
 class Inquiry {
  public:
-  Inquiry(const Workbook& workbook, const Reference<XCellRange>& cells, const Area& area)
-      : workbook_(workbook), cells_(cells), area_(area) {}
+  Inquiry(const Workbook& workbook, const std::string& sheet, const Reference<XCellRange>& cells,
+          const Area& area)
+      : workbook_(workbook), sheet_(sheet), cells_(cells), area_(area) {}
 
-  // Calls `ask` with a cell and its text, and `apply` with every place and the answer that fits it.
+  // Calls `ask` with a place and its text, and `apply` with every place and the answer that fits
+  // it.
   template <typename Ask, typename Apply>
   void about(const std::vector<Place>& places, Ask ask, Apply apply) {
-    std::map<std::string, decltype(ask({}, {}))> answers;
+    if (places.empty()) return;
+    std::map<std::string, decltype(ask(Place(), {}))> answers;
+    const Area around = enclosing(places);
+    const bool scattered = static_cast<long long>(places.size()) <= fewEnoughToAskEach &&
+                           cellCount({around}) > fewEnoughToReadAll;
+    const auto texts = scattered || cellCount({around}) == 1
+                           ? std::nullopt
+                           : std::optional(bulkTexts(workbook_, sheet_, around));
     for (const Place& place : places) {
-      const std::string text = textAt(place, places.size());
+      const std::string text =
+          texts ? texts->at(area_.firstRow + place.row - around.firstRow,
+                            area_.firstColumn + place.column - around.firstColumn)
+                : textAt(place);
       auto answer = answers.find(text);
-      if (answer == answers.end()) {
-        answer =
-            answers.emplace(text, ask(cells_->getCellByPosition(place.column, place.row), text))
-                .first;
-      }
+      if (answer == answers.end()) answer = answers.emplace(text, ask(place, text)).first;
       apply(place, answer->second);
     }
   }
 
+  Reference<css::table::XCell> cellAt(const Place& place) const {
+    return cells_->getCellByPosition(place.column, place.row);
+  }
+
  private:
-  std::string textAt(const Place& place, std::size_t count) {
-    constexpr std::size_t fewEnoughToAskEach = 3;
-    if (count <= fewEnoughToAskEach && !texts_) {
-      return toText(Reference<css::text::XTextRange>(
-                        cells_->getCellByPosition(place.column, place.row), UNO_QUERY_THROW)
-                        ->getString());
-    }
-    if (!texts_) {
-      const Reference<css::sheet::XSheetCellRange> range(cells_, UNO_QUERY_THROW);
-      const Reference<css::container::XNamed> sheet(range->getSpreadsheet(), UNO_QUERY_THROW);
-      texts_ = bulkTexts(workbook_, toText(sheet->getName()), area_);
-    }
-    return texts_->at(place.row, place.column);
+  static constexpr long long fewEnoughToAskEach = 3, fewEnoughToReadAll = 1000;
+
+  Area enclosing(const std::vector<Place>& places) const {
+    const auto [top, bottom] = std::minmax_element(
+        places.begin(), places.end(), [](const Place& a, const Place& b) { return a.row < b.row; });
+    const auto [left, right] =
+        std::minmax_element(places.begin(), places.end(),
+                            [](const Place& a, const Place& b) { return a.column < b.column; });
+    return {area_.firstRow + top->row, area_.firstColumn + left->column,
+            area_.firstRow + bottom->row, area_.firstColumn + right->column};
+  }
+
+  std::string textAt(const Place& place) const {
+    return toText(Reference<css::text::XTextRange>(cellAt(place), UNO_QUERY_THROW)->getString());
   }
 
   const Workbook& workbook_;
+  const std::string& sheet_;
   const Reference<XCellRange> cells_;
   const Area area_;
-  std::optional<Grid<std::string>> texts_;
 };
 
 // Whether a number may be shown as truth. The cell's format tells for certain, but asking for it
@@ -241,11 +248,10 @@ std::optional<Area> filledPart(const Workbook& workbook, const RangeRef& range) 
   return filledPart(cellsOf(workbook, range.sheet.sheet, firstArea(range)));
 }
 
-Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cells,
-                           const Area& area) {
+Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbook,
+                           const std::string& sheet, const Area& area,
+                           const Reference<XCellRange>& cells) {
   Grid<CellValue> grid = gridFor<CellValue>(area);
-  const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
-  const Sequence<Sequence<Any>> rows = source->getDataArray();
   std::vector<Place> errors, possibleBooleans;
   bool emptyTexts = false;
   for (int row = 0; row < rows.getLength() && row < grid.rows; ++row) {
@@ -273,31 +279,45 @@ Grid<CellValue> readValues(Workbook& workbook, const Reference<XCellRange>& cell
       if (text != nullptr && text->empty()) cellAt(grid, row, column) = Blank{};
     });
   }
-  Inquiry inquiry(workbook, cells, area);
+  Inquiry inquiry(workbook, sheet, cells, area);
   inquiry.about(
       possibleBooleans,
-      [&](const Reference<css::table::XCell>& cell, const std::string& text) {
-        return mayBeBoolean(text) && isBoolean(workbook, cell);
+      [&](const Place& place, const std::string& text) {
+        return mayBeBoolean(text) && isBoolean(workbook, inquiry.cellAt(place));
       },
       [&](const Place& place, bool boolean) {
         CellValue& cell = cellAt(grid, place.row, place.column);
         if (boolean) cell = std::get<double>(cell) == 1;
       });
+  const auto errorAt = [&](const Place& place) {
+    return CellError{errorText(inquiry.cellAt(place)->getError())};
+  };
+  if (errors.size() == 1) {
+    cellAt(grid, errors.front().row, errors.front().column) = errorAt(errors.front());
+    return grid;
+  }
   inquiry.about(
-      errors,
-      [](const Reference<css::table::XCell>& cell, const std::string&) {
-        return CellError{errorText(cell->getError())};
-      },
+      errors, [&](const Place& place, const std::string&) { return errorAt(place); },
       [&](const Place& place, const CellError& error) {
         cellAt(grid, place.row, place.column) = error;
       });
   return grid;
 }
 
+namespace {
+
+Grid<CellValue> readValues(Workbook& workbook, const std::string& sheet, const Area& area,
+                           const Reference<XCellRange>& cells) {
+  gridFor<Blank>(area);
+  const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
+  return valuesFrom(source->getDataArray(), workbook, sheet, area, cells);
+}
+
+}  // namespace
+
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range) {
   const Area& area = firstArea(range);
-  gridFor<Blank>(area);
-  return readValues(workbook, cellsOf(workbook, range.sheet.sheet, area), area);
+  return readValues(workbook, range.sheet.sheet, area, cellsOf(workbook, range.sheet.sheet, area));
 }
 
 Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
@@ -333,7 +353,7 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
   const Area& area = firstArea(range);
   gridFor<Blank>(area);
   const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
-  Grid<CellValue> grid = readValues(workbook, cells, area);
+  Grid<CellValue> grid = readValues(workbook, range.sheet.sheet, area, cells);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
   forEachCell(query->queryFormulaCells(anyResult), area, [&](int row, int column) {
     const Reference<css::beans::XPropertySet> cell(cells->getCellByPosition(column, row),

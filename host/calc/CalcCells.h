@@ -2,6 +2,8 @@
 // thread.
 #pragma once
 
+#include <string>
+
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
 
@@ -24,9 +26,9 @@ enum class Errors { possible, none };
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range,
                             Errors errors = Errors::possible);
 
-// The values of cells already found.
-Grid<CellValue> readValues(Workbook& workbook,
-                           const css::uno::Reference<css::table::XCellRange>& cells,
-                           const Area& area);
+// The values of cells whose data were read already: what data alone do not say is asked for.
+Grid<CellValue> valuesFrom(const css::uno::Sequence<css::uno::Sequence<css::uno::Any>>& data,
+                           Workbook& workbook, const std::string& sheet, const Area& area,
+                           const css::uno::Reference<css::table::XCellRange>& cells);
 
 }  // namespace quorin::host::calc

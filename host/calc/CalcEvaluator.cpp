@@ -1,5 +1,6 @@
 #include "host/calc/CalcEvaluator.h"
 
+#include <algorithm>
 #include <com/sun/star/sheet/CellFlags.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
@@ -62,9 +63,12 @@ std::optional<std::string> oneText(CalcWorkbooks& workbooks, const Evaluation& v
 Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& expression,
                                    const SheetRef& from) {
   const std::shared_ptr<Workbook> original = workbooks.named(from.book);
-  sheetOf(*original, from.sheet);
+  const std::vector<std::string> sheets = workbooks.sheets(*original);
+  if (std::find(sheets.begin(), sheets.end(), from.sheet) == sheets.end()) {
+    throw noSuchSheet(from.sheet);
+  }
   if (const auto reference = asReference(workbooks, expression, from)) return *reference;
-  ExpressionContext context = expressionScope(workbooks, from, sheetNames(*original));
+  ExpressionContext context = expressionScope(workbooks, from, sheets);
   context.elsewhere = [](const std::string& book, const std::string& sheet) {
     return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
   };
@@ -118,11 +122,11 @@ Evaluation CalcEvaluator::inMirror(CalcWorkbooks& workbooks, const std::string& 
   const CalcExpression calc = calcExpression(expression, context).value();
   mirror.bring(workbooks, calc.reach);
   if (!calc.reach.anywhere) {
-    return calculate(mirror.workbook(), mirror.formulaSheet(), 1, 1, calc.text);
+    return mirror.formulaCells().valueOf(calc);
   }
   mirror.bringNames(*original);
   const auto [row, column] = mirror.freePlace();
-  return calculate(mirror.workbook(), context.from.sheet, row, column, calc.text);
+  return FormulaCells(mirror.workbook(), context.from.sheet, row, column).valueOf(calc);
 }
 
 // Only for what values do not tell. The office does nothing else while the copy is made.
@@ -145,8 +149,8 @@ Evaluation CalcEvaluator::inCopy(CalcWorkbooks& workbooks, const std::string& ex
   const std::string formulaSheet = "quorin";
   Reference<css::sheet::XSpreadsheets>(copy.workbook().sheets, UNO_QUERY_THROW)
       ->insertNewByName(toUno(formulaSheet), std::numeric_limits<sal_Int16>::max());
-  return calculate(copy.workbook(), formulaSheet, 1, 1,
-                   calcExpression(expression, context).value().text);
+  return FormulaCells(copy.workbook(), formulaSheet, 1, 1)
+      .valueOf(calcExpression(expression, context).value());
 }
 
 }  // namespace quorin::host::calc

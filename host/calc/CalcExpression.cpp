@@ -14,7 +14,9 @@ std::optional<CalcExpression> calcExpression(std::string_view excel,
   if (excel.starts_with('=')) excel.remove_prefix(1);
   CalcExpression result;
   try {
-    result.text = ExpressionWriter(excel, context, result.reach).run();
+    ExpressionWriter writer(excel, context, result.reach);
+    result.text = writer.run();
+    result.single = writer.isSingle();
   } catch (const Malformed&) {
     return std::nullopt;
   }

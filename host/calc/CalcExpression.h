@@ -60,6 +60,7 @@ struct Reach {
 struct CalcExpression {
   std::string text;  // without "="
   Reach reach;
+  bool single = false;  // it gives one value whatever the cells hold; else perhaps several
 };
 
 // Excel text, with or without "=". Commas and semicolons both separate arguments. Nothing when the

@@ -109,8 +109,8 @@ std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRe
   return visible.areas.empty() ? std::nullopt : std::optional(visible);
 }
 
-RangeRef visibleRangeOf(const Window& window) {
-  return {activeSheetOf(window), {areaOf(scrollingPane(window)->getVisibleRange())}};
+RangeRef visibleRangeOf(CalcWorkbooks& workbooks, const Window& window) {
+  return {activeSheetOf(workbooks, window), {areaOf(scrollingPane(window)->getVisibleRange())}};
 }
 
 }  // namespace quorin::host::calc

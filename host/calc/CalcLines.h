@@ -13,6 +13,6 @@ std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, L
 void setLinesHidden(QuietChanges& changes, const Workbook& workbook, const RangeRef& range,
                     Lines lines, bool hidden);
 std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range);
-RangeRef visibleRangeOf(const Window& window);
+RangeRef visibleRangeOf(CalcWorkbooks& workbooks, const Window& window);
 
 }  // namespace quorin::host::calc

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <com/sun/star/container/NoSuchElementException.hpp>
+#include <com/sun/star/lang/IllegalArgumentException.hpp>
 #include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 
+#include "host/Address.h"
+#include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -18,8 +21,12 @@ Reference<css::sheet::XSpreadsheet> sheetOf(const Workbook& workbook, const std:
   try {
     return {workbook.sheets->getByName(toUno(name)), UNO_QUERY_THROW};
   } catch (const css::container::NoSuchElementException&) {
-    throw SpreadsheetError(-1728, "There is no worksheet named \"" + name + "\"");
+    throw noSuchSheet(name);
   }
+}
+
+SpreadsheetError noSuchSheet(const std::string& name) {
+  return {-1728, "There is no worksheet named \"" + name + "\""};
 }
 
 std::vector<std::string> sheetNames(const Workbook& workbook) {
@@ -54,7 +61,23 @@ Reference<css::table::XCellRange> cellsOf(const Reference<css::sheet::XSpreadshe
 
 Reference<css::table::XCellRange> cellsOf(const Workbook& workbook, const std::string& sheet,
                                           const Area& area) {
+  Reference<css::sheet::XCellRangesAccess>& addresses = workbook.addresses;
+  if (!addresses.is()) addresses.set(workbook.sheets, UNO_QUERY_THROW);
+  try {
+    const auto found = addresses->getCellRangesByName(toUno(calcAddress(sheet, area)));
+    if (found.getLength() == 1) return found[0];
+  } catch (const css::lang::IllegalArgumentException&) {
+    // Which of the two is missing is told below.
+  }
   return cellsOf(sheetOf(workbook, sheet), area);
+}
+
+std::string calcAddress(const std::string& sheet, const Area& area) {
+  const auto end = [](int row, int column) {
+    return "$" + columnLetters(column) + "$" + std::to_string(row);
+  };
+  return calcSheet(sheet) + "." + end(area.firstRow, area.firstColumn) + ":" +
+         end(area.lastRow, area.lastColumn);
 }
 
 std::optional<RangeRef> rangeOf(const Workbook& workbook,

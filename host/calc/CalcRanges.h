@@ -17,6 +17,7 @@ namespace quorin::host::calc {
 // SpreadsheetError -1728 when the workbook has no such sheet.
 css::uno::Reference<css::sheet::XSpreadsheet> sheetOf(const Workbook& workbook,
                                                       const std::string& name);
+SpreadsheetError noSuchSheet(const std::string& name);
 
 // The names of the sheets in their order, hidden ones included.
 std::vector<std::string> sheetNames(const Workbook& workbook);
@@ -29,6 +30,9 @@ css::uno::Reference<css::table::XCellRange> cellsOf(
     const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, const Area& area);
 css::uno::Reference<css::table::XCellRange> cellsOf(const Workbook& workbook,
                                                     const std::string& sheet, const Area& area);
+
+// "$'My Sheet'.$A$1:$B$2"
+std::string calcAddress(const std::string& sheet, const Area& area);
 
 // What a selection, a query or a name gave: a cell, a range, or several. Nothing for anything else
 // and for no cells at all.

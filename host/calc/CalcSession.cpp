@@ -45,10 +45,7 @@ Workbook& CalcSession::workbook(const std::string& book) {
 }
 
 std::vector<std::string> CalcSession::worksheets(const std::string& book) {
-  if (const auto kept = worksheets_.find(book); kept != worksheets_.end()) return kept->second;
-  std::vector<std::string> names = sheetNames(workbook(book));
-  if (keeping_) worksheets_[book] = names;
-  return names;
+  return workbooks_.sheets(workbook(book));
 }
 
 SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
@@ -211,7 +208,6 @@ void CalcSession::redrawMarks(const SheetRef& sheet) {
 void CalcSession::keepReadings(bool keep) {
   for (const SheetRef& sheet : std::exchange(changedLines_, {})) redrawMarks(sheet);
   keeping_ = keep;
-  worksheets_.clear();
   lines_.clear();
   endTurn();
   workbooks_.keepReading(keep);

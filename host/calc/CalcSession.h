@@ -86,7 +86,6 @@ class CalcSession {
   LineTraces* const traces_;
   std::map<std::tuple<std::string, std::string, Lines>, SheetLines> lines_;  // while kept
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
-  std::map<std::string, std::vector<std::string>> worksheets_;  // by workbook, while kept
   MarksKeeper keeper_;
   std::vector<std::unique_ptr<SheetConditions>> earlier_;  // holds their shapes to the turn's end
   std::unique_ptr<SheetConditions> conditions_;            // of the sheet that was last asked for

@@ -110,7 +110,10 @@ auto CalcSpreadsheet::call(Work work) {
 template <typename Work>
 auto CalcSpreadsheet::change(Work work) {
   memory_.forget();
-  return call(work);
+  return call([&](CalcSession& office) {
+    office.workbooks().forgetActive();
+    return work(office);
+  });
 }
 
 void CalcSpreadsheet::endIfDead() {
@@ -237,7 +240,8 @@ std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
       if (const auto* scratch = office.scratch().active())
         return SheetRef{scratch->name(), ScratchWorkbook::onlySheet};
       const auto window = office.workbooks().active();
-      return !window ? std::nullopt : std::optional(calc::activeSheetOf(*window));
+      return !window ? std::nullopt
+                     : std::optional(calc::activeSheetOf(office.workbooks(), *window));
     });
   });
 }
@@ -261,7 +265,7 @@ std::optional<RangeRef> CalcSpreadsheet::selection() {
 SheetRef CalcSpreadsheet::activeSheetOf(const std::string& book) {
   return call([&](CalcSession& office) {
     if (office.scratch().find(book) != nullptr) return SheetRef{book, ScratchWorkbook::onlySheet};
-    return calc::activeSheetOf(office.workbooks().windowOf(book));
+    return calc::activeSheetOf(office.workbooks(), office.workbooks().windowOf(book));
   });
 }
 
@@ -359,7 +363,7 @@ Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetR
 std::optional<RangeRef> CalcSpreadsheet::visibleRange() {
   return call([](CalcSession& office) -> std::optional<RangeRef> {
     const auto window = office.workbooks().active();
-    return !window ? std::nullopt : std::optional(visibleRangeOf(*window));
+    return !window ? std::nullopt : std::optional(visibleRangeOf(office.workbooks(), *window));
   });
 }
 

@@ -32,10 +32,10 @@ ViewPosition positionIn(const Window& window) {
   return *position;
 }
 
-std::string sheetAt(const Workbook& workbook, int tab) {
-  const auto names = workbook.sheets->getElementNames();
-  if (tab >= names.getLength()) throw SpreadsheetError(-1728, "There is no active sheet");
-  return toText(names[tab]);
+std::string sheetAt(const std::vector<std::string>& names, int tab) {
+  const auto position = static_cast<std::size_t>(tab);
+  if (position >= names.size()) throw SpreadsheetError(-1728, "There is no active sheet");
+  return names[position];
 }
 
 css::table::CellRangeAddress addressOf(int sheet, const Area& area) {
@@ -68,13 +68,14 @@ bool isVisible(const Reference<css::sheet::XSpreadsheet>& sheet) {
 
 }  // namespace
 
-SheetRef activeSheetOf(const Window& window) {
-  return {window.workbook->name, sheetAt(*window.workbook, positionIn(window).tab)};
+SheetRef activeSheetOf(CalcWorkbooks& workbooks, const Window& window) {
+  const int tab = positionIn(window).tab;
+  return {window.workbook->name, sheetAt(workbooks.readSheets(*window.workbook), tab)};
 }
 
 RangeRef activeCellOf(const Window& window) {
   const ViewPosition position = positionIn(window);
-  return {{window.workbook->name, sheetAt(*window.workbook, position.tab)},
+  return {{window.workbook->name, sheetAt(sheetNames(*window.workbook), position.tab)},
           {{position.row, position.column, position.row, position.column}}};
 }
 
@@ -126,6 +127,7 @@ Window CalcNavigation::enter(const std::string& book) {
   if (!front || front->frame != target.frame) {
     target.frame->activate();
     if (inFront) bringToFront(target);  // another application keeps its place in front
+    workbooks_.forgetActive();
   }
   return target;
 }
@@ -136,7 +138,7 @@ Window CalcNavigation::enter(const SheetRef& sheet) {
   if (!isVisible(page)) throw SpreadsheetError(-50, "The sheet is hidden");
   const Window window = enter(sheet.book);
   if (!window.view.is()) throw SpreadsheetError(-10000, "The workbook shows a print preview");
-  if (activeSheetOf(window).sheet != sheet.sheet) window.view->setActiveSheet(page);
+  if (activeSheetOf(workbooks_, window).sheet != sheet.sheet) window.view->setActiveSheet(page);
   return window;
 }
 

@@ -10,7 +10,7 @@
 
 namespace quorin::host::calc {
 
-SheetRef activeSheetOf(const Window& window);
+SheetRef activeSheetOf(CalcWorkbooks& workbooks, const Window& window);
 RangeRef activeCellOf(const Window& window);
 RangeRef selectionOf(const Window& window);  // the active cell while a shape is selected
 

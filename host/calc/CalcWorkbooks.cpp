@@ -5,6 +5,7 @@
 #include <com/sun/star/frame/XFrames.hpp>
 #include <com/sun/star/frame/XTitle.hpp>
 
+#include "host/calc/CalcRanges.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/QuietChanges.h"
 #include "host/calc/Text.h"
@@ -27,11 +28,19 @@ void CalcWorkbooks::forget() {
   workbooks_.clear();
   readAt_.reset();
   kept_ = false;
+  active_.reset();
+  sheets_.clear();
 }
 
 void CalcWorkbooks::keepReading(bool keep) {
   keeping_ = keep;
   kept_ = false;
+  active_.reset();
+  sheets_.clear();
+}
+
+void CalcWorkbooks::forgetActive() {
+  active_.reset();
 }
 
 void CalcWorkbooks::read() {
@@ -45,6 +54,10 @@ void CalcWorkbooks::read() {
     if (frame.is()) addWindow(frame, known);
   }
   nameWorkbooks();
+  if (active_ && *active_) {
+    const auto same = [&](const Window& window) { return window.frame == (*active_)->frame; };
+    if (std::none_of(windows_.begin(), windows_.end(), same)) active_.reset();
+  }
   readAt_ = std::chrono::steady_clock::now();
   kept_ = keeping_;
 }
@@ -124,7 +137,25 @@ std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
   return windowOf(name).workbook;
 }
 
+std::vector<std::string> CalcWorkbooks::sheets(const Workbook& workbook) {
+  if (const auto known = sheets_.find(workbook.name); known != sheets_.end()) return known->second;
+  return readSheets(workbook);
+}
+
+std::vector<std::string> CalcWorkbooks::readSheets(const Workbook& workbook) {
+  std::vector<std::string> names = sheetNames(workbook);
+  if (keeping_) sheets_[workbook.name] = names;
+  return names;
+}
+
 std::optional<Window> CalcWorkbooks::active() {
+  if (active_) return *active_;
+  std::optional<Window> window = findActive();
+  if (keeping_) active_ = window;
+  return window;
+}
+
+std::optional<Window> CalcWorkbooks::findActive() {
   const Reference<css::frame::XFrame> current = desktop_->getCurrentFrame();
   const auto showing = [&] {
     return std::find_if(windows_.begin(), windows_.end(),

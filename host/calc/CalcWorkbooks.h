@@ -14,6 +14,7 @@
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <com/sun/star/frame/XFrame.hpp>
 #include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/sheet/XCellRangesAccess.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <map>
@@ -32,6 +33,8 @@ struct Workbook {
   css::uno::Reference<css::frame::XModel> model;
   css::uno::Reference<css::sheet::XSpreadsheetDocument> document;
   css::uno::Reference<css::container::XNameAccess> sheets;
+  // Finds cells by their address in one call; asked for when it is first needed.
+  mutable css::uno::Reference<css::sheet::XCellRangesAccess> addresses;
   std::map<sal_Int32, bool> booleanFormats;  // number format key: is it a format of booleans?
   // Tells displayed texts; made when they are first asked for.
   mutable css::uno::Reference<css::chart2::data::XDataProvider> shownTexts;
@@ -50,17 +53,22 @@ class CalcWorkbooks {
   explicit CalcWorkbooks(css::uno::Reference<css::frame::XDesktop2> desktop);
 
   void forget();
-  // While it is kept, one reading serves names() and named(), but for what forget() takes away.
+  // While it is kept, one reading serves names(), named(), sheets() and active(), but for what
+  // forget() takes away.
   void keepReading(bool keep);
-  std::vector<std::string> names();                          // in the order of opening
-  std::shared_ptr<Workbook> named(const std::string& name);  // SpreadsheetError -1728
-  std::optional<Window> active();                            // none when no workbook is open
-  Window windowOf(const std::string& name);                  // the active one where it has several
+  void forgetActive();               // another window may have come to the front
+  std::vector<std::string> names();  // in the order of opening
+  std::shared_ptr<Workbook> named(const std::string& name);       // SpreadsheetError -1728
+  std::vector<std::string> sheets(const Workbook& workbook);      // of one of these, in their order
+  std::vector<std::string> readSheets(const Workbook& workbook);  // as they are at this moment
+  std::optional<Window> active();                                 // none when no workbook is open
+  Window windowOf(const std::string& name);  // the active one where it has several
   std::vector<Window> windows();
 
  private:
   bool isStale() const;
   void read();
+  std::optional<Window> findActive();
   void addWindow(const css::uno::Reference<css::frame::XFrame>& frame,
                  const std::vector<Window>& known);
   std::shared_ptr<Workbook> workbookOf(const css::uno::Reference<css::frame::XModel>& model,
@@ -72,7 +80,9 @@ class CalcWorkbooks {
   std::vector<Window> windows_;
   std::weak_ptr<Workbook> lastActive_;
   std::optional<std::chrono::steady_clock::time_point> readAt_;
-  bool keeping_ = false, kept_ = false;  // kept: read since it is to be kept
+  bool keeping_ = false, kept_ = false;                     // kept: read since it is to be kept
+  std::optional<std::optional<Window>> active_;             // while kept
+  std::map<std::string, std::vector<std::string>> sheets_;  // by workbook, while kept
 };
 
 // The name as Excel would give it: file names with suffix, titles of unsaved ones; equal ones carry

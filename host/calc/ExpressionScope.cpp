@@ -36,7 +36,7 @@ std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& b
                                   const std::string& sheet) {
   const std::vector<std::string> books = workbooks.names();
   if (std::count(books.begin(), books.end(), book) != 1) return std::nullopt;
-  for (const std::string& name : sheetNames(*workbooks.named(book))) {
+  for (const std::string& name : workbooks.sheets(*workbooks.named(book))) {
     if (equalIgnoringCase(name, sheet)) return SheetRef{book, name};
   }
   return std::nullopt;

@@ -95,6 +95,7 @@ void ExpressionWriter::blanks() {
       (at("('$[") || (isWordCharacter(text_[at_]) && !isDigit(text_[at_])))) {
     out_ += '!';
     operandExpected_ = true;
+    mayBeSeveral();
   } else {
     out_ += text_.substr(start, at_ - start);
   }
@@ -116,6 +117,7 @@ void ExpressionWriter::copyString() {
 }
 
 void ExpressionWriter::copyArray() {
+  mayBeSeveral();
   out_ += text_[at_++];
   while (at_ < text_.size()) {
     const char c = text_[at_];
@@ -152,6 +154,9 @@ void ExpressionWriter::close() {
   }
   frames_.pop_back();
   ++at_;
+  const bool one =
+      frame.function.empty() ? !frame.several : givesOne(frame.function, frame.several);
+  if (!one) mayBeSeveral();
   if (frame.function.empty() ? frame.compares : givesTruth(frame.function)) {
     if (isJoined(begin)) out_ = out_.substr(0, begin) + namedTruth(out_.substr(begin));
   }
@@ -173,6 +178,7 @@ void ExpressionWriter::separator(char c) {
   } else {
     if (c == ';' || operandExpected_ || !reference_) throw Malformed();
     out_ += '~';
+    mayBeSeveral();
   }
   ++at_;
   operandExpected_ = true;
@@ -195,7 +201,10 @@ void ExpressionWriter::sign(char c) {
     if (at("=") || (c == '<' && at(">"))) out_ += text_[at_++];
     if (!frames_.empty()) frames_.back().compares = true;
   } else if (infix.find(c) != std::string_view::npos && !operandExpected_) {
-    if (c == ':') reach_.spans = true;
+    if (c == ':') {
+      reach_.spans = true;
+      mayBeSeveral();
+    }
     if (c == '=' && !frames_.empty()) frames_.back().compares = true;
     out_ += c;
   } else {
@@ -272,6 +281,7 @@ void ExpressionWriter::reference(const std::optional<SheetSpan>& span, const Ran
   const std::size_t begin = out_.size();
   out_ += first + end(range.from);
   const bool several = range.to || !last.empty();
+  if (several) mayBeSeveral();
   if (several) out_ += ":" + last + end(range.to.value_or(range.from));
   if (!several && isJoined(begin)) {
     out_ = out_.substr(0, begin) + namedIfTruth(out_.substr(begin));
@@ -393,6 +403,7 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
     expansion(*meaning);
   } else {
     out_ += text + word;
+    mayBeSeveral();
   }
 }
 
@@ -401,6 +412,7 @@ void ExpressionWriter::expansion(const std::string& excel) {
   if (depth_ >= deepestName) throw Malformed();
   ExpressionWriter inner(excel, context_, reach_, depth_ + 1);
   const std::string text = inner.run();
+  if (!inner.isSingle()) mayBeSeveral();
   out_ += inner.isOnePiece() ? text : "(" + text + ")";
 }
 

@@ -24,6 +24,8 @@ class ExpressionWriter {
 
   std::string run();
   bool isOnePiece() const { return pieces_ == 1; }
+  // Whether it gives one value whatever the cells hold.
+  bool isSingle() const { return !several_; }
 
  private:
   struct Frame {
@@ -31,6 +33,7 @@ class ExpressionWriter {
     std::size_t content;   // where the content begins in the output
     std::size_t reached;   // so many cells were reached before it
     bool compares = false;
+    bool several = false;  // what stands in it may be more than one value
   };
 
   bool at(std::string_view any) const {
@@ -58,6 +61,7 @@ class ExpressionWriter {
   bool isExponentSign() const;
   bool isCells(std::size_t from) const;
   bool isJoined(std::size_t begin) const;
+  void mayBeSeveral() { (frames_.empty() ? several_ : frames_.back().several) = true; }
   std::optional<SheetPlace> placeOf(const std::string& book, const std::string& sheet) const;
   void reachSpan(const SheetPlace& first, const SheetPlace& last, const RangeText& range);
 
@@ -69,6 +73,7 @@ class ExpressionWriter {
   int pieces_ = 0;
   std::string out_;
   std::vector<Frame> frames_;
+  bool several_ = false;
   bool operandExpected_ = true;
   bool reference_ = false;                     // the operand just written may be a reference
   std::pair<std::size_t, std::size_t> cells_;  // where the cells stand that were written last

@@ -1,8 +1,6 @@
 #include "host/calc/FormulaCells.h"
 
-#include <algorithm>
-#include <com/sun/star/sheet/XArrayFormulaRange.hpp>
-#include <com/sun/star/sheet/XSheetOperation.hpp>
+#include <utility>
 
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
@@ -16,67 +14,84 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 constexpr int mostResultCells = 200'000;
-
-// Cells that hold one array formula, and are blank again afterwards.
-class FormulaCells {
- public:
-  FormulaCells(const Reference<css::sheet::XSpreadsheet>& sheet, const Area& area)
-      : area_(area), cells_(cellsOf(sheet, area)) {}
-  ~FormulaCells() {
-    try {  // formats too: a boolean result leaves one behind
-      constexpr sal_Int32 everything = 1023;
-      Reference<css::sheet::XSheetOperation>(cells_, UNO_QUERY_THROW)->clearContents(everything);
-    } catch (const css::uno::Exception&) {
-      // The workbook is gone, and with it what stood there.
-    }
-  }
-  FormulaCells(const FormulaCells&) = delete;
-  FormulaCells& operator=(const FormulaCells&) = delete;
-
-  Grid<CellValue> values(Workbook& workbook, const std::string& formula) const {
-    Reference<css::sheet::XArrayFormulaRange>(cells_, UNO_QUERY_THROW)
-        ->setArrayFormula(toUno(formula));
-    return readValues(workbook, cells_, area_);
-  }
-
- private:
-  const Area area_;
-  const Reference<XCellRange> cells_;
-};
-
 constexpr int columnsLimit = 65536;
 
 // From rows * columnsLimit + columns; one cell where the expression is no array.
-ResultSize sizeFrom(const Grid<CellValue>& result) {
-  const auto* number = std::get_if<double>(&result.cells.front());
-  if (number == nullptr || *number < columnsLimit) return {};
-  const auto both = static_cast<long long>(*number);
+ResultSize sizeFrom(const css::uno::Any& told) {
+  double number = 0;
+  if (!(told >>= number) || number < columnsLimit) return {};
+  const auto both = static_cast<long long>(number);
   return {static_cast<int>(both / columnsLimit),
           std::max(1, static_cast<int>(both % columnsLimit))};
 }
 
 }  // namespace
 
-ResultSize resultSize(Workbook& workbook, const std::string& sheet, int row, int column,
-                      const std::string& expression) {
-  const ResultSize size =
-      sizeFrom(FormulaCells(sheetOf(workbook, sheet), {row, column, row, column})
-                   .values(workbook, "=ROWS(" + expression + ")*" + std::to_string(columnsLimit) +
-                                         "+COLUMNS(" + expression + ")"));
+class FormulaCells::Formula {
+ public:
+  Formula(const Reference<css::sheet::XArrayFormulaRange>& cells,
+          Reference<css::sheet::XSheetOperation> contents, const std::string& text)
+      : contents_(std::move(contents)) {
+    try {
+      cells->setArrayFormula(toUno(text));
+    } catch (...) {
+      clear();
+      throw;
+    }
+  }
+  ~Formula() { clear(); }
+  Formula(const Formula&) = delete;
+  Formula& operator=(const Formula&) = delete;
+
+ private:
+  void clear() {
+    try {  // formats too: a boolean result leaves one behind
+      constexpr sal_Int32 everything = 1023;
+      contents_->clearContents(everything);
+    } catch (const css::uno::Exception&) {
+      // The workbook is gone, and with it what stood there.
+    }
+  }
+
+  const Reference<css::sheet::XSheetOperation> contents_;
+};
+
+FormulaCells::FormulaCells(Workbook& workbook, std::string sheet, int row, int column)
+    : workbook_(workbook),
+      sheet_(std::move(sheet)),
+      first_{row, column, row, column},
+      cell_(cellsOf(workbook, sheet_, first_)),
+      formula_(cell_, UNO_QUERY_THROW),
+      data_(cell_, UNO_QUERY_THROW),
+      contents_(cell_, UNO_QUERY_THROW) {}
+
+ResultSize FormulaCells::sizeOf(const CalcExpression& expression) {
+  if (expression.single) return {};
+  const std::string& text = expression.text;
+  const Formula asking(
+      formula_, contents_,
+      "=ROWS(" + text + ")*" + std::to_string(columnsLimit) + "+COLUMNS(" + text + ")");
+  const ResultSize size = sizeFrom(data_->getDataArray()[0][0]);
   if (static_cast<long long>(size.rows) * size.columns > mostResultCells) {
     throw SpreadsheetError(-50, "The result has too many cells");
   }
   return size;
 }
 
-Evaluation calculate(Workbook& workbook, const std::string& sheet, int row, int column,
-                     const std::string& expression) {
-  const ResultSize size = resultSize(workbook, sheet, row, column, expression);
-  const Area area{row, column, row + size.rows - 1, column + size.columns - 1};
-  Grid<CellValue> result =
-      FormulaCells(sheetOf(workbook, sheet), area).values(workbook, "=" + expression);
-  if (result.cells.size() == 1) return std::move(result.cells.front());
-  return result;
+Evaluation FormulaCells::valueOf(const CalcExpression& expression) {
+  const ResultSize size = sizeOf(expression);
+  const std::string text = "=" + expression.text;
+  if (size.rows == 1 && size.columns == 1) {
+    const Formula formula(formula_, contents_, text);
+    auto one = valuesFrom(data_->getDataArray(), workbook_, sheet_, first_, cell_);
+    return std::move(one.cells.front());
+  }
+  const Area area{first_.firstRow, first_.firstColumn, first_.firstRow + size.rows - 1,
+                  first_.firstColumn + size.columns - 1};
+  const Reference<XCellRange> cells = cellsOf(workbook_, sheet_, area);
+  const Formula formula({cells, UNO_QUERY_THROW}, {cells, UNO_QUERY_THROW}, text);
+  const Reference<css::sheet::XCellRangeData> data(cells, UNO_QUERY_THROW);
+  return valuesFrom(data->getDataArray(), workbook_, sheet_, area, cells);
 }
 
 }  // namespace quorin::host::calc

@@ -1,9 +1,15 @@
-// Cells of a hidden workbook in which one expression is calculated. Call thread.
+// FormulaCells: cells of a hidden workbook in which one expression after the other is calculated.
+// They are held on to, because finding them costs as much as a calculation. Blank in between. Call
+// thread.
 #pragma once
 
+#include <com/sun/star/sheet/XArrayFormulaRange.hpp>
+#include <com/sun/star/sheet/XCellRangeData.hpp>
+#include <com/sun/star/sheet/XSheetOperation.hpp>
 #include <string>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/CalcExpression.h"
 #include "host/calc/CalcWorkbooks.h"
 
 namespace quorin::host::calc {
@@ -12,14 +18,28 @@ struct ResultSize {
   int rows = 1, columns = 1;
 };
 
-// How many cells the expression fills, worked out in that cell. SpreadsheetError -50 when they are
-// too many.
-ResultSize resultSize(Workbook& workbook, const std::string& sheet, int row, int column,
-                      const std::string& expression);
+class FormulaCells {
+ public:
+  // From that cell on. The workbook outlives them, and its sheet keeps its name.
+  FormulaCells(Workbook& workbook, std::string sheet, int row, int column);
 
-// What the expression, in Calc's grammar without "=", gives as an array formula whose first cell
-// is that one. Its cells are blank again afterwards. SpreadsheetError -50 when they are too many.
-Evaluation calculate(Workbook& workbook, const std::string& sheet, int row, int column,
-                     const std::string& expression);
+  // How many cells the expression, in Calc's grammar without "=", fills. SpreadsheetError -50 when
+  // they are too many.
+  ResultSize sizeOf(const CalcExpression& expression);
+  // What it gives as an array formula. SpreadsheetError -50 when that is too many cells.
+  Evaluation valueOf(const CalcExpression& expression);
+
+ private:
+  // One array formula in some of the cells, which are blank again afterwards.
+  class Formula;
+
+  Workbook& workbook_;
+  const std::string sheet_;
+  const Area first_;
+  const css::uno::Reference<css::table::XCellRange> cell_;
+  const css::uno::Reference<css::sheet::XArrayFormulaRange> formula_;
+  const css::uno::Reference<css::sheet::XCellRangeData> data_;
+  const css::uno::Reference<css::sheet::XSheetOperation> contents_;
+};
 
 }  // namespace quorin::host::calc

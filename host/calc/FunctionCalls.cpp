@@ -136,6 +136,22 @@ bool givesTruth(std::string_view function) {
   return contains(names, function) || function == "TRUE" || function == "XOR";
 }
 
+bool givesOne(std::string_view function, bool ofSeveral) {
+  // These make one value of all that they are given.
+  static constexpr std::array<std::string_view, 20> ofAny{
+      "AND",   "AVERAGE", "AVERAGEA",   "COLUMNS", "COUNT", "COUNTA",  "MAX",
+      "MAXA",  "MEDIAN",  "MIN",        "MINA",    "OR",    "PRODUCT", "ROWS",
+      "STDEV", "SUM",     "SUMPRODUCT", "SUMSQ",   "VAR",   "XOR"};
+  // These give one value for one.
+  static constexpr std::array<std::string_view, 39> ofOne{
+      "ABS",     "CEILING", "CONCATENATE", "DATE",    "DAY",   "EXACT", "EXP",     "FIND",
+      "FLOOR",   "HOUR",    "IF",          "IFERROR", "IFNA",  "INT",   "ISBLANK", "ISERR",
+      "ISERROR", "ISNA",    "ISNUMBER",    "ISTEXT",  "LEFT",  "LEN",   "LN",      "LOWER",
+      "MID",     "MOD",     "MONTH",       "NOT",     "POWER", "RIGHT", "ROUND",   "ROUNDDOWN",
+      "ROUNDUP", "SIGN",    "SQRT",        "TEXT",    "TRIM",  "UPPER", "YEAR"};
+  return contains(ofAny, function) || (!ofSeveral && contains(ofOne, function));
+}
+
 std::string namedTruth(const std::string& truth) {
   return "IF(" + truth + ";\"TRUE\";\"FALSE\")";
 }

@@ -28,6 +28,9 @@ std::optional<std::string> writtenAnew(const FunctionCall& call, const Expressio
 // Whether the function gives a truth value or an error, and nothing else.
 bool givesTruth(std::string_view function);
 
+// Whether a call gives one value: of arguments of which some may be several values, or of none.
+bool givesOne(std::string_view function, bool ofSeveral);
+
 // Calc writes a truth value as a number where it is joined to text: these give its name.
 std::string namedTruth(const std::string& truth);
 std::string namedIfTruth(const std::string& cell);

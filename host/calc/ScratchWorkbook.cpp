@@ -87,8 +87,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   add(reach_, calc->reach);
   mirror_.bring(workbooks, reach_);
   context.qualify = true;
-  const ResultSize size = resultSize(workbook(), mirror_.formulaSheet(), 1, 1,
-                                     calcExpression(formula, context).value().text);
+  const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
   const Area target{cell.first, cell.second, cell.first + size.rows - 1,
                     cell.second + size.columns - 1};
   if (!isBlank(target)) {

@@ -110,6 +110,11 @@ bool ValueMirror::isOf(const Workbook& original, const std::vector<std::string>&
   return original_ == original.model && book_ == original.name && sheets_ == sheets;
 }
 
+FormulaCells& ValueMirror::formulaCells() {
+  if (!formulaCells_) formulaCells_.emplace(workbook(), formulaSheet_, 1, 1);
+  return *formulaCells_;
+}
+
 SheetPlace ValueMirror::foreignSheet(const SheetRef& sheet) {
   const auto [entry, isNew] = foreign_.try_emplace({sheet.book, sheet.sheet});
   if (isNew) {

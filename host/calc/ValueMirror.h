@@ -6,6 +6,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CellTraits.h"
+#include "host/calc/FormulaCells.h"
 #include "host/calc/HiddenWorkbook.h"
 
 namespace quorin::host::calc {
@@ -31,7 +33,7 @@ class ValueMirror {
   Workbook& workbook() { return hidden_.workbook(); }
 
   // A sheet of its own for formulas, where no reference leads.
-  const std::string& formulaSheet() const { return formulaSheet_; }
+  FormulaCells& formulaCells();
   // The sheet that stands for one of another workbook.
   SheetPlace foreignSheet(const SheetRef& sheet);
 
@@ -61,6 +63,7 @@ class ValueMirror {
   const std::string book_;
   const std::vector<std::string> sheets_;
   std::string formulaSheet_;
+  std::optional<FormulaCells> formulaCells_;                            // once asked for
   std::map<std::pair<std::string, std::string>, std::string> foreign_;  // by book and sheet
   std::vector<Block> blocks_;
 };

@@ -246,5 +246,44 @@ TEST(CalcExpression, GivesExcelsErrorNumbersForCalcsOwnErrors) {
   EXPECT_TRUE(text->ends_with("))")) << *text;
 }
 
+TEST(CalcExpression, TellsWhatGivesOneValueWhateverTheCellsHold) {
+  for (const char* one :
+       {"1+2", "\"a\"&TRUE", "#N/A", "A1*Jan!B2", "-(A1+1)%", "SUM(A1:A3)*2", "sum(A:A,{1,2})+B1",
+        "IF(MAX(A1:B2)>2,LEFT(A1,2),\"none\")", "ROUND(SUM(A1:A3*B1:B3),2)", "Data!#REF!+1",
+        "rate*2", "SUM(Table1[Net, Sum])", "AND(A1:A3>1)"}) {
+    const auto result = calcExpression(one, context);
+    ASSERT_TRUE(result) << one;
+    EXPECT_TRUE(result->single) << one;
+  }
+  for (const char* several : {"A1:A3",
+                              "A1:A3*2",
+                              "(A1:A3)",
+                              "2*(1+A1:A3)",
+                              "{1,2}+1",
+                              "A1,B1",
+                              "A1:C3 B2",
+                              "A:A",
+                              "1:1",
+                              "Jan:Mar!B2",
+                              "A1:INDEX(A:A,3)",
+                              "IF(A1:A3>1,1,2)",
+                              "IF(1,{1,2},3)",
+                              "ROUND(A1:A3,0)",
+                              "OFFSET(A1,0,0,2,2)",
+                              "TRANSPOSE(A1)",
+                              "ROW(A1)",
+                              "FREQUENCY(1,2)",
+                              "SEQUENCE(3)",
+                              "IF(1,SEQUENCE(3),1)",
+                              "SUM(1)+MUNIT(2)",
+                              "Table1[Net, Sum]",
+                              "other",
+                              "Data!other"}) {
+    const auto result = calcExpression(several, context);
+    ASSERT_TRUE(result) << several;
+    EXPECT_FALSE(result->single) << several;
+  }
+}
+
 }  // namespace
 }  // namespace quorin::host::calc

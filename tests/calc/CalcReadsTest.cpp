@@ -181,6 +181,58 @@ TEST_F(CalcReads, FindsSheetsWhateverTheirNamesAre) {
   EXPECT_EQ(ask("readRange", {"Nowhere!A1"}), failure("sheet not found: Nowhere"));
 }
 
+TEST_F(CalcReads, TakesNoPartOfASheetsNameForAnythingElse) {
+  const std::vector<std::string> names{"a;b", "x#$y", "1.5", "$A$1", "a'b", "A1", "R1C1"};
+  fakes::WorkbookDescription book{.name = "Signs.xlsx", .sheets = {}};
+  for (const std::string& name : names) book.sheets.push_back({name, {{"B2", "in " + name}}});
+  open(book);
+  std::vector<std::string> read, expected;
+  for (const std::string& name : names) {
+    std::string quoted = "'" + name + "'!B2:B3";
+    if (name == "a'b") quoted = "'a''b'!B2:B3";
+    read.push_back(ask("readRange", {quoted}));
+    expected.push_back(grid(2, 1, "[[\"in " + name + "\"],[\"\"]]"));
+  }
+  hands->close("Signs.xlsx");
+  EXPECT_EQ(read, expected);
+}
+
+TEST_F(CalcReads, NoticesThatSheetsExchangedTheirNames) {
+  open({.name = "Exchange.xlsx", .sheets = {{"One", {{"A1", 10.0}}}, {"Two", {{"A1", 20.0}}}}});
+  std::vector<std::string> told{evaluate("One!A1*2"), ask("readRange", {"One!A1"})};
+  hands->renameSheet("Exchange.xlsx", "One", "Three");
+  hands->renameSheet("Exchange.xlsx", "Two", "One");
+  told.push_back(ask("readRange", {"Two!A1"}));
+  told.push_back(ask("readRange", {"One!A1"}));
+  told.push_back(evaluate("One!A1*2"));
+  told.push_back(evaluate("Two!A1*2"));
+  hands->close("Exchange.xlsx");
+  EXPECT_EQ(told,
+            (std::vector<std::string>{R"({"ok":true,"value":20})", grid(1, 1, "[[10]]"),
+                                      failure("sheet not found: Two"), grid(1, 1, "[[20]]"),
+                                      R"({"ok":true,"value":40})",
+                                      R"({"kind":"excelError","message":"#REF!","ok":false})"}));
+}
+
+TEST_F(CalcReads, TellsTruthFromNumbersNearAndFar) {
+  open({.name = "Truth.xlsx",
+        .sheets = {{"Data",
+                    {{"A1", "head"},
+                     {"B2", true},
+                     {"C2", 1.0},
+                     {"B3", 0.0},
+                     {"C3", false},
+                     {"B2000", 1.0},
+                     {"C2000", CellError{"#N/A"}, "=NA()"}}}}});
+  const std::string near = ask("readRange", {"A1:C3"}), one = ask("readRange", {"B2"}),
+                    far = ask("readFormulas", {"B3:C2000", "a1", false});
+  hands->close("Truth.xlsx");
+  EXPECT_EQ(near, grid(3, 3, R"([["head","",""],["",true,1],["",0,false]])"));
+  EXPECT_EQ(one, grid(1, 1, "[[true]]"));
+  EXPECT_THAT(far, HasSubstr(R"("values":[[0,false],["",""])"));
+  EXPECT_THAT(far, testing::EndsWith(R"(["",""],[1,"#N/A"]]})"));
+}
+
 TEST_F(CalcReads, ReadsHiddenSheetsWithoutShowingThem) {
   const std::string before = hands->stateOf("Edges.xlsx");
   EXPECT_EQ(ask("readRange", {"Hidden!A1"}), grid(1, 1, R"([["unseen"]])"));
