@@ -2,67 +2,14 @@
 // Never fails: what it cannot read is a token of kind "unknown". Between tokens lies white space and
 // nothing else.
 
-import { maxRows } from '../address/area';
-
-export type ReferenceStyle = 'a1' | 'r1c1';
-
-export type TokenKind =
-  | 'end'
-  | 'number'
-  | 'text'
-  | 'error'
-  /** Cells, columns or rows, also as an area: A1, $A$1:B2, A:C, 1:3. */
-  | 'reference'
-  /** What stands before a reference or a name: Sheet!, 'My sheet'!, [Book]Sheet!, First:Last!. */
-  | 'prefix'
-  | 'name'
-  /** A name directly before the parenthesis that opens its arguments. */
-  | 'function'
-  /** Columns of a table, from "[" to the bracket that closes it. */
-  | 'columns'
-  | 'operator'
-  | 'open'
-  | 'close'
-  | 'openArray'
-  | 'closeArray'
-  | 'separator'
-  | 'unknown';
+import { signs, type ReferenceStyle, type TokenKind } from './tokens';
+import { isCellWord, isColumnWord, isRowWord, longestCell } from './words';
 
 const errorText =
   /#(?:NULL!|DIV\/0!|VALUE!|REF!|NAME\?|NUM!|N\/A|GETTING_DATA|SPILL!|CALC!|FIELD!|CONNECT!|BLOCKED!|UNKNOWN!|EXTERNAL!|PYTHON!|BUSY!)/iy;
 const exponent = /[eE][+-]?\d+/y;
-const a1Cell = /^\$?([A-Za-z]{1,3})\$?([1-9]\d{0,6})$/;
-const a1Column = /^\$?([A-Za-z]{1,3})$/;
-const a1Row = /^\$?([1-9]\d{0,6})$/;
 const r1c1Corner =
   /(?:R(?:\[-?\d+\]|\d+)?C(?:\[-?\d+\]|\d+)?|[RC](?:\[-?\d+\]|\d+)?)(?![[\]\p{L}\p{N}_.\\?!(])/iuy;
-
-/** $XFD$1048576 */
-const longestCell = 12;
-
-function isCellWord(word: string): boolean {
-  const [, letters = '', digits = ''] = a1Cell.exec(word) ?? [];
-  return letters !== '' && isColumn(letters) && isRow(digits);
-}
-
-function isColumnWord(word: string): boolean {
-  const [, letters = ''] = a1Column.exec(word) ?? [];
-  return letters !== '' && isColumn(letters);
-}
-
-function isRowWord(word: string): boolean {
-  const [, digits = ''] = a1Row.exec(word) ?? [];
-  return digits !== '' && isRow(digits);
-}
-
-/** Beyond the sheet's edge such a word is a name: XYZ1, say. */
-function isColumn(letters: string): boolean {
-  return letters.length < 3 || letters.toUpperCase() <= 'XFD';
-}
-
-function isRow(digits: string): boolean {
-  return digits.length < 7 || Number(digits) <= maxRows;
-}
 
 const enum Char {
   Tab = 9,
@@ -350,22 +297,3 @@ export class Lexer {
     else this.take(startsWord(this.text.charCodeAt(end)) ? 'prefix' : 'error', end);
   }
 }
-
-const signs: Record<string, TokenKind | undefined> = {
-  '+': 'operator',
-  '-': 'operator',
-  '*': 'operator',
-  '/': 'operator',
-  '^': 'operator',
-  '&': 'operator',
-  '=': 'operator',
-  '%': 'operator',
-  ':': 'operator',
-  '@': 'operator',
-  '(': 'open',
-  ')': 'close',
-  '{': 'openArray',
-  '}': 'closeArray',
-  ',': 'separator',
-  ';': 'separator',
-};

@@ -2,51 +2,19 @@
 // problem, and reading goes on behind it. Arguments may be separated by "," or ";", rows of an
 // array constant by ";" and its columns by "," or "\".
 
-import { Lexer, type ReferenceStyle } from './Lexer';
-import {
-  plainName,
-  type BinaryOperator,
-  type Formula,
-  type Node,
-  type SyntaxProblem,
-} from './syntax';
+import { Lexer } from './Lexer';
+import { binaryBindings, Binding, mayBeCalled, mayRefer } from './operators';
+import { bindParameters } from './parameters';
+import { plainName } from './syntax';
+import type { BinaryOperator, Formula, Node, SyntaxProblem } from './syntax';
+import { endsItem, startsOperand, startsReference } from './tokens';
+import type { ReferenceStyle, TokenKind } from './tokens';
+import { isLogicalWord } from './words';
 
 /** Longer than any spreadsheet takes; such text is one invalid node. */
 export const formulaLengthLimit = 16_384;
 /** Deeper than any spreadsheet takes. */
 export const nestingLimit = 256;
-
-/** How strongly operators bind, weakest first. */
-const enum Binding {
-  None,
-  Comparison,
-  Join,
-  Sum,
-  Product,
-  Power,
-  Percent,
-  Sign,
-  Union,
-  Intersection,
-  Range,
-  Spill,
-}
-
-const binaryBindings: Record<string, Binding | undefined> = {
-  '=': Binding.Comparison,
-  '<>': Binding.Comparison,
-  '<': Binding.Comparison,
-  '<=': Binding.Comparison,
-  '>': Binding.Comparison,
-  '>=': Binding.Comparison,
-  '&': Binding.Join,
-  '+': Binding.Sum,
-  '-': Binding.Sum,
-  '*': Binding.Product,
-  '/': Binding.Product,
-  '^': Binding.Power,
-  ':': Binding.Range,
-};
 
 /** Whether a separator parts what is read (arguments) or joins references (a union). */
 type Separators = 'part' | 'join';
@@ -64,16 +32,17 @@ class Parser {
     this.lexer = new Lexer(text, style, at);
   }
 
-  /** Everything up to the end of the text. */
-  whole(): Node {
-    const first = this.expression(Binding.None, 'join');
-    if (this.ended()) return first;
+  /** An expression with what stands behind it and has no place there, up to where `ends` tells. */
+  item(separators: Separators, ends: (kind: TokenKind) => boolean): Node {
+    const { lexer } = this;
+    const first = this.expression(Binding.None, separators);
+    if (ends(lexer.kind)) return first;
     const parts = [first];
-    while (!this.ended()) {
+    while (!ends(lexer.kind)) {
       parts.push(this.stray());
-      if (this.startsOperand()) parts.push(this.expression(Binding.None, 'join'));
+      if (startsOperand(lexer.kind)) parts.push(this.expression(Binding.None, separators));
     }
-    return this.invalid(first.start, this.text.trimEnd().length, parts);
+    return this.invalid(first.start, parts.at(-1)?.end ?? first.end, parts);
   }
 
   /** What binds at least as strongly as `least`. */
@@ -104,7 +73,7 @@ class Parser {
         break;
       default:
     }
-    const crosses = lexer.spaced && Binding.Intersection >= least && this.startsReference();
+    const crosses = lexer.spaced && Binding.Intersection >= least && startsReference(lexer.kind);
     if (!crosses || !mayRefer(left)) return undefined;
     return this.binary(left, ' ', Binding.Intersection, separators, false);
   }
@@ -201,16 +170,12 @@ class Parser {
     const { end } = lexer;
     lexer.advance();
     if (lexer.kind === 'columns' && !lexer.spaced) {
-      const columns = lexer.token;
-      const columnsEnd = lexer.end;
+      const { token: text, end } = lexer;
       lexer.advance();
-      return { kind: 'columns', prefix, table: name, text: columns, start, end: columnsEnd };
+      return { kind: 'columns', prefix, table: name, text, start, end };
     }
-    if (prefix === '' && (name.length === 4 || name.length === 5)) {
-      const upper = name.toUpperCase();
-      if (upper === 'TRUE' || upper === 'FALSE') {
-        return { kind: 'logical', value: upper === 'TRUE', start, end };
-      }
+    if (prefix === '' && isLogicalWord(name)) {
+      return { kind: 'logical', value: name.length === 4, start, end };
     }
     return { kind: 'name', prefix, name, start, end };
   }
@@ -248,14 +213,7 @@ class Parser {
     if (lexer.kind === 'separator' || lexer.kind === 'close') {
       return { kind: 'missing', start: lexer.start, end: lexer.start };
     }
-    const first = this.expression(Binding.None, 'part');
-    if (this.endsItem()) return first;
-    const parts = [first];
-    while (!this.endsItem()) {
-      parts.push(this.stray());
-      if (this.startsOperand()) parts.push(this.expression(Binding.None, 'part'));
-    }
-    return this.invalid(first.start, parts.at(-1)?.end ?? first.end, parts);
+    return this.item('part', endsItem);
   }
 
   private group(): Node {
@@ -299,35 +257,6 @@ class Parser {
     return end;
   }
 
-  private ended(): boolean {
-    return this.lexer.kind === 'end';
-  }
-
-  private endsItem(): boolean {
-    const { kind } = this.lexer;
-    return kind === 'separator' || kind === 'close' || kind === 'closeArray' || kind === 'end';
-  }
-
-  private startsReference(): boolean {
-    switch (this.lexer.kind) {
-      case 'reference':
-      case 'prefix':
-      case 'name':
-      case 'function':
-      case 'columns':
-      case 'error':
-      case 'open':
-        return true;
-      default:
-        return false;
-    }
-  }
-
-  private startsOperand(): boolean {
-    const { kind } = this.lexer;
-    return this.startsReference() || kind === 'number' || kind === 'text' || kind === 'openArray';
-  }
-
   /** A token that has no place here. */
   private stray(): Node {
     const { start, end, token } = this.lexer;
@@ -357,57 +286,6 @@ class Parser {
   }
 }
 
-/** Whether the value may be cells, so that what follows it after a space crosses them. */
-function mayRefer(node: Node): boolean {
-  switch (node.kind) {
-    case 'reference':
-    case 'name':
-    case 'columns':
-    case 'call':
-    case 'apply':
-    case 'group':
-    case 'error':
-      return true;
-    case 'binary':
-      return node.operator === ',' || node.operator === ' ' || node.operator === ':';
-    case 'unary':
-      return node.operator === '@';
-    case 'postfix':
-      return node.operator === '#';
-    default:
-      return false;
-  }
-}
-
-function mayBeCalled(node: Node): boolean {
-  return node.kind === 'call' || node.kind === 'apply' || node.kind === 'group';
-}
-
-const bracketed = /^\[([^[\]@#,:]+)\]$/;
-const optionalInFiles = /^_xlop\./i;
-
-/** Makes parameters of the names that LET gives values to, or LAMBDA takes. */
-function bindParameters(which: 'LET' | 'LAMBDA', args: Node[]): void {
-  const step = which === 'LET' ? 2 : 1;
-  for (let i = 0; i < args.length - 1; i += step) {
-    const parameter = args[i] && parameterOf(args[i] as Node);
-    if (parameter) args[i] = parameter;
-  }
-}
-
-function parameterOf(arg: Node): Node | undefined {
-  const { start, end } = arg;
-  if (arg.kind === 'name' && arg.prefix === '') {
-    const { name } = arg;
-    const optional = optionalInFiles.test(name);
-    return { kind: 'parameter', name, optional, text: name, start, end };
-  }
-  if (arg.kind !== 'columns' || arg.table !== '') return undefined;
-  const name = bracketed.exec(arg.text)?.[1];
-  if (name === undefined) return undefined;
-  return { kind: 'parameter', name, optional: true, text: arg.text, start, end };
-}
-
 /** Reads a formula, with or without the "=" before it. */
 export function parse(text: string, style: ReferenceStyle = 'a1'): Formula {
   if (text.length > formulaLengthLimit) {
@@ -417,6 +295,6 @@ export function parse(text: string, style: ReferenceStyle = 'a1'): Formula {
   }
   const lead = /^\s*=/.exec(text)?.[0].length ?? 0;
   const parser = new Parser(text, style, lead);
-  const root = parser.whole();
+  const root = parser.item('join', (kind) => kind === 'end');
   return { text, style, root, problems: parser.problems };
 }

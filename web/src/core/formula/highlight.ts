@@ -1,6 +1,7 @@
 // A formula's text in pieces, each with the class that colours it.
 
-import { Lexer, type ReferenceStyle, type TokenKind } from './Lexer';
+import { Lexer } from './Lexer';
+import type { ReferenceStyle, TokenKind } from './tokens';
 
 export type TextClass =
   'plain' | 'number' | 'text' | 'logical' | 'error' | 'reference' | 'name' | 'function';

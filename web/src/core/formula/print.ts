@@ -1,7 +1,7 @@
 // A tree back into formula text, without the "=" before it. What is printed reads back as a tree of
 // the same shape; white space that means nothing is not kept.
 
-import type { ReferenceStyle } from './Lexer';
+import type { ReferenceStyle } from './tokens';
 import { readReference, translateReference, writeReference, type CellPosition } from './reference';
 import type { Formula, Node, NodeOf } from './syntax';
 

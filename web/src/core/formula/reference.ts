@@ -1,7 +1,7 @@
 // References as numbers: reading and writing both styles, and going from one to the other.
 
 import { columnLetters, columnNumber, maxColumns, maxRows } from '../address/area';
-import type { ReferenceStyle } from './Lexer';
+import type { ReferenceStyle } from './tokens';
 
 /**
  * One row or column number. Fixed ones are numbers of the sheet in either style; relative ones are

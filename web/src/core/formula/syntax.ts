@@ -1,7 +1,7 @@
 // The parts of a formula as a tree. Every node keeps where it stands in the text it was read from;
 // spans are exact: parsed alone, the text of a span gives the same node again.
 
-import type { ReferenceStyle } from './Lexer';
+import type { ReferenceStyle } from './tokens';
 
 export type Span = { start: number; end: number };
 

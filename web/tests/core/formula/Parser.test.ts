@@ -209,6 +209,7 @@ describe('what cannot be read', () => {
     ['=SUM(1 2,B1)', '(SUM ?"1 2" 1 ?"2"?? B1)', '“2” is not expected here.'],
     ["=A1'S'!B2", undefined, "“'S'!” is not expected here."],
     ['=€', undefined, undefined],
+    ['="x"\u2003', '?"\\"x\\"\u2003" "x" ?"\u2003"??', '“\u2003” is not expected here.'],
     ['=~', '?"~"?', '“~” is not expected here.'],
   ])('%s', (text, tree, message) => {
     const formula = parse(text);
