@@ -64,8 +64,8 @@ QXConfig AppDelegate::loadConfiguration() {
   QXConfig config = QXConfig::load(parts_.config, FileSystem::real(), parts_.log);
   previousLaunch_ = ISO::date(config.lastLaunchedAt);
   try {
-    QXConfig::merge({{"lastLaunchedAt", JSONValue(ISO::string(parts_.platform.clock().now()))}},
-                    parts_.config);
+    const ISO::Date launch = support_.launchDate(parts_.platform.clock().now());
+    QXConfig::merge({{"lastLaunchedAt", JSONValue(ISO::string(launch))}}, parts_.config);
   } catch (const std::exception& error) {
     parts_.log.log("ERROR", std::string("lastLaunchedAt not saved: ") + error.what());
   }

@@ -1,5 +1,6 @@
 #include "app/shell/Support.h"
 
+#include <chrono>
 #include <stdexcept>
 #include <stdlib.h>
 #include <system_error>
@@ -40,6 +41,12 @@ Support::Support(Parts parts) : parts_(parts) {}
 
 std::filesystem::path Support::diagnosticsDir() const {
   return parts_.folders.library() / "Logs" / "DiagnosticReports";
+}
+
+ISO::Date Support::launchDate(ISO::Date now) const {
+  const auto second = std::chrono::floor<std::chrono::seconds>(now);
+  const bool crashedNow = ProblemReport::crash(second, diagnosticsDir(), crashPrefix).has_value();
+  return crashedNow ? second + std::chrono::seconds(1) : second;
 }
 
 void Support::report() {

@@ -31,6 +31,11 @@ class Support {
   // Where the system keeps crash reports.
   std::filesystem::path diagnosticsDir() const;
 
+  // What to keep as the time of a launch at `now`, in the whole seconds that dates are kept in:
+  // this second, or the next one where a crash report is of this second already. That one is asked
+  // about now, and must not be later than this launch when the next one asks.
+  ISO::Date launchDate(ISO::Date now) const;
+
   // Saves the zip on the desktop and opens a mail that asks for it. A failure is logged, and then
   // no mail is opened.
   void report();

@@ -14,7 +14,7 @@ using testing::StartsWith;
 class StartUpTest : public AppDelegateFixture {
  protected:
   // A crash so long before this launch.
-  void crashed(std::chrono::hours before) {
+  void crashed(std::chrono::milliseconds before) {
     const auto crash = folder / "library/Logs/DiagnosticReports/Quorin-1.ips";
     writeFile(crash, "stack");
     std::filesystem::last_write_time(
@@ -76,6 +76,30 @@ TEST_F(StartUpTest, DoesNotPromptForACrashOfBeforeTheLastLaunch) {
 
 TEST_F(StartUpTest, PromptsForAnyCrashAtTheFirstLaunch) {
   crashed(24h * 365 * 30);
+  launch();
+  EXPECT_THAT(takeJournal(), Contains("alert Quorin crashed last time"));
+}
+
+TEST_F(StartUpTest, PromptsOnceForACrashInTheSecondOfTheLaunch) {
+  launchedBefore(2h);
+  platform.mainLoop().advance(800ms);
+  crashed(500ms);
+  launch();
+  EXPECT_THAT(takeJournal(), Contains("alert Quorin crashed last time"));
+  platform.alerts().press(1);
+  delegate.reset();
+  platform.mainLoop().advance(10s);
+  launch();
+  EXPECT_THAT(takeJournal(), Not(Contains("alert Quorin crashed last time")));
+}
+
+TEST_F(StartUpTest, PromptsForACrashInTheSecondOfItsOwnLaunch) {
+  platform.mainLoop().advance(200ms);
+  launch();
+  delegate.reset();
+  takeJournal();
+  platform.mainLoop().advance(500ms);
+  crashed(0ms);
   launch();
   EXPECT_THAT(takeJournal(), Contains("alert Quorin crashed last time"));
 }
