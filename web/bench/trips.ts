@@ -17,7 +17,7 @@ const kinds = ['readRange', 'evaluate', 'CELL', 'deepEval'] as const;
 
 async function tripsOf(text: string): Promise<Record<(typeof kinds)[number], number>> {
   const workbook = new FakeWorkbook();
-  workbook.otherwise = (question) => (question.startsWith('CELL(') ? 'G' : 1);
+  workbook.otherwise = (question) => (question.includes('CELL("format"') ? 'G' : 1);
   const evaluator = new Evaluator(workbook, new ResultCache(), () => undefined);
   const outline = outlineOf(parse(text).root);
   evaluator.show({ home, outline, result: { kind: 'value', value: 1 } });
@@ -26,7 +26,7 @@ async function tripsOf(text: string): Promise<Record<(typeof kinds)[number], num
   const count = { readRange: 0, evaluate: 0, CELL: 0, deepEval: 0 };
   for (const asked of workbook.asked) {
     const [verb = '', rest = ''] = asked.split(' ', 2);
-    count[rest.startsWith('CELL(') ? 'CELL' : (verb as 'evaluate')] += 1;
+    count[rest.includes('CELL("format"') ? 'CELL' : (verb as 'evaluate')] += 1;
   }
   return count;
 }

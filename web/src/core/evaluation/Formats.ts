@@ -13,14 +13,18 @@ import { expressionLimit, type Route } from './routes';
 
 const mark = '|';
 
-/** The cell whose format is the item's: the one it names, or for the whole formula its own. */
-function cellOf(item: Item, route: Route, home: Home): string | undefined {
-  if (item.parent === undefined) return qualified(home.sheet, addressOf(home.row, home.col));
-  if (route.by !== 'cells' || cellCount(route.area) !== 1) return undefined;
-  return qualified(route.sheet, areaAddress(route.area));
-}
-
 const questionOf = (cell: string) => `CELL("format",${cell})`;
+
+/** Asks for the item's format: for the whole formula its own cell's, else that of the cell it names. */
+function questionFor(item: Item, route: Route, home: Home): string | undefined {
+  if (item.parent === undefined) {
+    return questionOf(qualified(home.sheet, addressOf(home.row, home.col)));
+  }
+  // A name need not be one of cells, and no question of others may fail for that.
+  if (route.by === 'range') return `IFERROR(${questionOf(route.text)},"")`;
+  if (route.by !== 'cells' || cellCount(route.area) !== 1) return undefined;
+  return questionOf(qualified(route.sheet, areaAddress(route.area)));
+}
 
 export class Formats {
   private readonly tried = new Set<string>();
@@ -35,8 +39,8 @@ export class Formats {
   }
 
   of(item: Item, route: Route, home: Home): CellFormat | undefined {
-    const cell = cellOf(item, route, home);
-    const known = cell === undefined ? undefined : this.cache.find(questionOf(cell));
+    const question = questionFor(item, route, home);
+    const known = question === undefined ? undefined : this.cache.find(question);
     if (known?.kind !== 'value' || typeof known.value !== 'string') return undefined;
     return parseCellFormat(known.value);
   }
@@ -45,14 +49,13 @@ export class Formats {
     const asked: string[] = [];
     let text = '';
     for (const { item, route } of shown) {
-      const cell = cellOf(item, route, home);
-      if (cell === undefined || this.tried.has(cell)) continue;
-      const question = questionOf(cell);
+      const question = questionFor(item, route, home);
+      if (question === undefined || this.tried.has(question)) continue;
       if (this.cache.find(question)) continue;
       const longer = text === '' ? question : `${text}&"${mark}"&${question}`;
-      if (longer.length > expressionLimit) break;
+      if (longer.length > expressionLimit) continue;
       text = longer;
-      this.tried.add(cell);
+      this.tried.add(question);
       asked.push(question);
     }
     if (asked.length === 0) return undefined;

@@ -404,4 +404,22 @@ describe('formats of cells', () => {
     expect(bench.evaluator.formatOf(bench.item('B4'))).toEqual({ kind: 'percent', decimals: 0 });
     expect(bench.evaluator.formatOf(bench.item('C4'))).toMatchObject({ kind: 'date' });
   });
+
+  test('are those of the cells that names stand for', async () => {
+    bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'G|D1|' : 1);
+    await bench.run('=Start*Factor', { kind: 'value', value: 1 });
+    expect(bench.workbook.asked.at(-1)).toBe(
+      `evaluate CELL("format",'Summary'!F12)&"|"&IFERROR(CELL("format",Start),"")&"|"&IFERROR(CELL("format",Factor),"")`,
+    );
+    expect(bench.evaluator.formatOf(bench.item('Start'))).toMatchObject({ kind: 'date' });
+    expect(bench.evaluator.formatOf(bench.item('Factor'))).toEqual({ kind: 'general' });
+  });
+
+  test('of names too long to be asked about do not keep others from being asked', async () => {
+    const name = 'n'.repeat(240);
+    bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'P0' : 0.5);
+    bench.workbook.cells = { 'Summary!B4': 0.5 };
+    await bench.run(`=${name}*B4`, { kind: 'value', value: 'a text' });
+    expect(bench.evaluator.formatOf(bench.item('B4'))).toMatchObject({ kind: 'percent' });
+  });
 });
