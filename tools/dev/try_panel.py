@@ -23,7 +23,7 @@ import sys
 import tempfile
 import time
 
-PATIENCE = 60  # seconds for anything to happen at all
+PATIENCE = 120  # seconds for anything to happen at all, on a machine with much else to do
 
 # The trial's own: no key of the window manager's may stand in the way of the spreadsheet's.
 WINDOW_MANAGER = """<?xml version="1.0"?>
@@ -108,7 +108,7 @@ class Panel:
 
     def ask(self, line):
         with socket.socket(socket.AF_UNIX) as connection:
-            connection.settimeout(10)
+            connection.settimeout(PATIENCE)
             connection.connect(str(self.path))
             connection.sendall(line.encode() + b"\n")
             answer = b""

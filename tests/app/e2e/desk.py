@@ -12,8 +12,6 @@ sys.path.insert(0, str(ROOT / "tools" / "dev"))
 import try_panel  # noqa: E402
 from try_panel import Panel, Trial, wait_for  # noqa: E402
 
-try_panel.PATIENCE = 60
-
 # What GLib and all that is built on it write when they are used wrongly; and what they write
 # where there is no session bus, which most of the tests do without.
 COMPLAINT = re.compile(r"-(WARNING|CRITICAL|ERROR) \*\*(?!.*Unable to get (the )?session bus: )")
@@ -43,10 +41,17 @@ class Quorin:
                                         env=self.environment, stdin=subprocess.DEVNULL,
                                         stdout=self.output, stderr=self.output)
         self.panel = Panel(self.folder / "panel")
-        wait_for("Quorin", self.is_up)
-        if wait:
-            wait_for("the page", lambda: self.panel.eval(
-                "document.readyState == 'complete' && document.body.childElementCount > 0"))
+        try:
+            wait_for("Quorin", self.is_up)
+            if wait:
+                wait_for("the page", lambda: self.panel.eval(
+                    "document.readyState == 'complete' && document.body.childElementCount > 0"))
+        except Exception:
+            # Left running it would hold the keys of the tests that follow.
+            self.process.kill()
+            self.process.wait()
+            self.end()
+            raise
 
     def is_up(self):
         if self.process.poll() is not None:

@@ -25,12 +25,10 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 sys.path.insert(0, str(ROOT / "tools" / "dev"))
-import try_panel  # noqa: E402
 from calc_text import OF_THE_PLACE, Home, Unknown, scope_at, translated  # noqa: E402
 from try_panel import Trial, Trouble, letters, wait_for  # noqa: E402
 from workbook_copy import copy_with_sheet  # noqa: E402
 
-try_panel.PATIENCE = 60
 LARGEST_ARRAY = 2_000
 CALL = re.compile(r"([A-Z][A-Z0-9.]*)\(")
 # Another value each time, or one that depends on when it is asked for.
