@@ -20,7 +20,6 @@ namespace quorin {
 namespace {
 
 constexpr int backlog = 8;
-constexpr std::chrono::seconds patience{2};
 
 // A descriptor that is closed with its owner.
 class Descriptor {
@@ -145,7 +144,8 @@ gboolean LineServer::incoming(GSocketService*, GSocketConnection* connection, GO
   return TRUE;
 }
 
-std::string LineServer::ask(const std::filesystem::path& path, const std::string& line) {
+std::string LineServer::ask(const std::filesystem::path& path, const std::string& line,
+                            std::chrono::milliseconds patience) {
   const Descriptor folder = openFolder(path);
   const Descriptor connection(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   const sockaddr_un address = addressOf(folder, path);

@@ -2,6 +2,7 @@
 // listens from its construction on; clients are served by the main loop. Main thread only.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <gio/gio.h>
@@ -24,9 +25,11 @@ class LineServer {
   LineServer(const LineServer&) = delete;
   LineServer& operator=(const LineServer&) = delete;
 
-  // As a client of another process: sends a line and gives the answer; empty when there is none
-  // within two seconds.
-  static std::string ask(const std::filesystem::path& path, const std::string& line);
+  // As a client of another process: sends a line and gives the answer; empty when nobody listens,
+  // when the other one hangs up, and when it has not answered in that time. Only then may it still
+  // carry the line out.
+  static std::string ask(const std::filesystem::path& path, const std::string& line,
+                         std::chrono::milliseconds patience);
 
  private:
   struct Client;

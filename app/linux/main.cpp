@@ -32,7 +32,7 @@ namespace {
 
 constexpr const char* done = "ok";
 constexpr std::size_t longestRequest = 64;
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds patience{10};
 constexpr useconds_t betweenAttempts = 50'000;
 
 struct Invocation {
@@ -41,7 +41,8 @@ struct Invocation {
 };
 
 // The folder's lock; none when the Quorin that holds it has done what is asked. One that is just
-// starting is waited for, and so is one that is ending. Throws std::runtime_error when it goes on
+// starting is waited for, and so is one that is ending. One that has been asked is given all the
+// time that is left: asked again, it would step twice. Throws std::runtime_error when it goes on
 // holding the folder without an answer.
 std::optional<FolderLock> lockOrAsk(const std::filesystem::path& folder,
                                     const std::filesystem::path& socket,
@@ -49,10 +50,12 @@ std::optional<FolderLock> lockOrAsk(const std::filesystem::path& folder,
   const auto end = std::chrono::steady_clock::now() + patience;
   for (;;) {
     if (auto lock = FolderLock::acquire(folder)) return lock;
-    if (LineServer::ask(socket, request.line()) == done) return std::nullopt;
-    if (std::chrono::steady_clock::now() > end) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        end - std::chrono::steady_clock::now());
+    if (left.count() <= 0) {
       throw std::runtime_error("it is running already, but does not answer");
     }
+    if (LineServer::ask(socket, request.line(), left) == done) return std::nullopt;
     usleep(betweenAttempts);
   }
 }

@@ -164,8 +164,6 @@ class ShellTest(ShellCase):
         self.assertIn(" qx.excel\n", report)
         self.assertRegex(report, r"\n  \d+ libglib-2\.0\.so[.0-9]*\+0x[0-9a-f]+\n")
 
-        # Launches are remembered in whole seconds.
-        wait_for("the next second", lambda: int(time.time()) > int(crash.stat().st_mtime))
         again = self.start(after=quorin, wait=False)
         self.assertEqual(self.alert(again), {
             "message": "Quorin crashed last time",
@@ -266,11 +264,15 @@ class ShellTest(ShellCase):
     def test_says_that_the_one_that_runs_does_not_answer(self):
         before = self.start()
         before.end()
-        lock = self.lock(before)
-        again = before.another()
-        lock.close()
-        self.assertEqual(again.returncode, 1)
-        self.assertIn("does not answer", again.stderr)
+        with self.lock(before), self.listen(before) as listening:
+            again = before.another("--step", "1")
+            self.assertEqual(again.returncode, 1)
+            self.assertIn("does not answer", again.stderr)
+            listening.setblocking(False)
+            with listening.accept()[0] as asked:
+                self.assertEqual(asked.recv(100), b"step 1\n")
+            with self.assertRaises(BlockingIOError, msg="it is asked once"):
+                listening.accept()
 
     def lock(self, quorin):
         """The folder, held as by a Quorin that works in it."""
@@ -278,12 +280,16 @@ class ShellTest(ShellCase):
         fcntl.flock(lock, fcntl.LOCK_EX)
         return lock
 
-    def hold(self, quorin):
-        """The same until somebody asks: that one is hung up on, as by one that is ending."""
-        lock, asked, listening = self.lock(quorin), threading.Event(), socket.socket(
-            socket.AF_UNIX)
+    def listen(self, quorin):
+        """Where it would be asked."""
+        listening = socket.socket(socket.AF_UNIX)
         listening.bind(str(quorin.folder / "data" / "Quorin" / "control"))
         listening.listen()
+        return listening
+
+    def hold(self, quorin):
+        """The same until somebody asks: that one is hung up on, as by one that is ending."""
+        lock, asked, listening = self.lock(quorin), threading.Event(), self.listen(quorin)
 
         def hang_up():
             with lock, listening:

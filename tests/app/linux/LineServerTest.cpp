@@ -27,7 +27,7 @@ class LineServerTest : public GtkFixture {
   std::string ask(const std::filesystem::path& path, const std::string& line) {
     std::optional<std::string> told;
     std::thread client([&] {
-      std::string answer = LineServer::ask(path, line);
+      std::string answer = LineServer::ask(path, line, patience);
       platform->mainLoop().post([&told, answer = std::move(answer)] { told = answer; });
     });
     waitUntil([&] { return told.has_value(); });
@@ -36,6 +36,7 @@ class LineServerTest : public GtkFixture {
   }
 
   std::filesystem::path folder;
+  std::chrono::milliseconds patience = 60s;
 };
 
 TEST_F(LineServerTest, AnswersALineWithALine) {
@@ -75,7 +76,8 @@ TEST_F(LineServerTest, SaysWhenItCannotListen) {
 }
 
 TEST_F(LineServerTest, GivesNothingWhenNobodyAnswers) {
-  EXPECT_EQ(LineServer::ask(folder / "control", "show"), "");
+  EXPECT_EQ(LineServer::ask(folder / "control", "show", 60s), "") << "nobody listens";
+  patience = 100ms;
   const LineServer server(folder / "control", 64,
                           [](const std::string&, const LineServer::Answer&) {});
   EXPECT_EQ(ask(folder / "control", "show"), "");
