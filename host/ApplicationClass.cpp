@@ -61,6 +61,7 @@ const std::array properties = {
              [](Session& session, const ApplicationObject&) -> Resolved {
                auto book = session.spreadsheet.activeWorkbook();
                if (!book) return Descriptor::missingValue();
+               if (session.inHandler) session.toldBook = *book;
                return Object(WorkbookObject{std::move(*book)});
              },
              nullptr, Property::Kind::dynamic},

@@ -21,6 +21,18 @@ bool ExcelObjectModel::isRunning() {
   return session_.spreadsheet.isRunning();
 }
 
+void ExcelObjectModel::handlerBegins() {
+  session_.inHandler = true;
+  session_.toldBook.clear();
+  session_.spreadsheet.handlerBegins();
+}
+
+void ExcelObjectModel::handlerEnds() {
+  session_.inHandler = false;
+  session_.toldBook.clear();
+  session_.spreadsheet.handlerEnds();
+}
+
 AppleEventReply ExcelObjectModel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {
   const auto started = clock_();
   AppleEventReply reply = answerEvent(session_, event);

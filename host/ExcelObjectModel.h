@@ -23,8 +23,8 @@ class ExcelObjectModel : public script::Application {
   std::string_view name() const override { return "Microsoft Excel"; }
   const script::Terminology& terminology() const override;
   bool isRunning() override;
-  void handlerBegins() override { session_.spreadsheet.handlerBegins(); }
-  void handlerEnds() override { session_.spreadsheet.handlerEnds(); }
+  void handlerBegins() override;
+  void handlerEnds() override;
 
   // The spreadsheet is not interrupted: an answer that took longer than the time-out is thrown
   // away for -1712. What it did stays done, as with an Excel that answers too late.

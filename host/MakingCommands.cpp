@@ -84,6 +84,7 @@ CommandResult closeCommand(Session& session, const AppleEvent& event) {
   const Descriptor* const saving = event.parameter(codes::closeSaving);
   if (saving == nullptr || saving->codeValue() != codes::no)
     throw EventError(EventError::parameterError, given);
+  session.toldBook.clear();
   session.spreadsheet.closeWorkbook(book->name);
   return std::nullopt;
 }

@@ -81,7 +81,10 @@ bool sameIgnoringCase(std::string_view a, std::string_view b) {
                     [](char x, char y) { return lower(x) == lower(y); });
 }
 
+// The active workbook is often asked for by the name that was told just before: looking at all of
+// them takes long.
 std::optional<std::string> findWorkbook(Session& session, const std::string& name) {
+  if (!name.empty() && name == session.toldBook) return name;
   return inAnyCase(session.spreadsheet.workbooks(), name);
 }
 

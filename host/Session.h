@@ -17,6 +17,8 @@ struct Session {
   bool displayAlerts = true;
   bool screenUpdating = true;
   std::vector<std::string> windows = {};  // the workbooks whose windows were given an id, in order
+  bool inHandler = false;
+  std::string toldBook = {};  // the active workbook as the handler was told it; empty for none
 };
 
 // The failure of one event. Without a message the scripting system writes its own for the number,

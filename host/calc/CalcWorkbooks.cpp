@@ -47,10 +47,10 @@ void CalcWorkbooks::read() {
   const std::vector<Window> known = std::move(windows_);  // also keeps their proxies alive
   workbooks_.clear();
   windows_.clear();
-  const Reference<css::container::XIndexAccess> frames(desktop_->getFrames(), UNO_QUERY_THROW);
-  const sal_Int32 count = frames->getCount();
+  if (!frames_.is()) frames_.set(desktop_->getFrames(), UNO_QUERY_THROW);
+  const sal_Int32 count = frames_->getCount();
   for (sal_Int32 i = 0; i < count; ++i) {
-    const Reference<css::frame::XFrame> frame(frames->getByIndex(i), UNO_QUERY);
+    const Reference<css::frame::XFrame> frame(frames_->getByIndex(i), UNO_QUERY);
     if (frame.is()) addWindow(frame, known);
   }
   nameWorkbooks();

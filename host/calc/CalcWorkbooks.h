@@ -9,6 +9,7 @@
 #include <chrono>
 #include <com/sun/star/awt/XWindow2.hpp>
 #include <com/sun/star/chart2/data/XDataProvider.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XDesktop2.hpp>
@@ -76,6 +77,7 @@ class CalcWorkbooks {
   void nameWorkbooks();
 
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
+  css::uno::Reference<css::container::XIndexAccess> frames_;  // the desktop's, once asked for
   std::vector<std::shared_ptr<Workbook>> workbooks_;
   std::vector<Window> windows_;
   std::weak_ptr<Workbook> lastActive_;

@@ -46,6 +46,22 @@ TEST_F(References, NameTheWorkbookAndSheetAroundTheActiveCell) {
             Descriptor::text("It's a test"));
 }
 
+TEST_F(References, FindTheWorkbookWhoseNameWasToldInTheSameHandler) {
+  const Descriptor active = property(codes::name, property(codes::activeWorkbook));
+  model_->handlerBegins();
+  EXPECT_EQ(get(active), Descriptor::text("Known.xlsx"));
+  memory().script.clear();
+  EXPECT_EQ(get(property(codes::name, workbook("Known.xlsx"))), Descriptor::text("Known.xlsx"));
+  EXPECT_EQ(memory().script.count(), 0U);
+  EXPECT_EQ(errorOf(property(codes::name, workbook("Other.xlsx"))), -1728);
+  model_->handlerEnds();
+  memory().close("Known.xlsx");
+  EXPECT_EQ(errorOf(property(codes::name, workbook("Known.xlsx"))), -1728);
+  model_->handlerBegins();
+  EXPECT_EQ(errorOf(property(codes::name, workbook("Known.xlsx"))), -1728);
+  model_->handlerEnds();
+}
+
 TEST_F(References, AnswerMissingValueWhereNothingIsOpen) {
   memory().close("Known.xlsx");
   EXPECT_EQ(get(property(codes::activeCell)), Descriptor::missingValue());
