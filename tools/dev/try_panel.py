@@ -142,6 +142,7 @@ class Trial:
         self.workbook = self.folder / pathlib.Path(workbook).name
         shutil.copy(workbook, self.workbook)
         self.started = []
+        self.office, self.pipe, self.office_pipes = None, self.folder.name, []
         self.environment = dict(os.environ)
         for name in ("DATA", "STATE", "CONFIG", "CACHE", "RUNTIME"):
             home = self.folder / name.lower()
@@ -199,10 +200,14 @@ class Trial:
         # Left and wide, so that the panel finds room beside it.
         (profile / "user" / "registrymodifications.xcu").write_text(
             PROFILE % "10,30,1090,880;1;,,,;")
-        self.pipe = f"quorin-trial-{os.getpid()}"
-        self.office = self.start("soffice", f"-env:UserInstallation=file://{profile}", "--norestore", "--nologo",
-                   f"--accept=pipe,name={self.pipe};urp;", "--calc", self.workbook)
+        self.office = self.open_office(profile, self.pipe, "--calc", self.workbook)
         self.window = wait_for("Calc's window", self.calc_window)
+
+    def open_office(self, profile, pipe, *options):
+        """One that can be reached by the pipe."""
+        self.office_pipes += [pipe, single_instance_pipe(f"file://{profile}")]
+        return self.start("soffice", f"-env:UserInstallation=file://{profile}", "--norestore",
+                          "--nologo", f"--accept=pipe,name={pipe};urp;", *options)
 
     def stop_office(self):
         """As if it had been killed; its lock of the workbook goes with it."""
@@ -416,13 +421,12 @@ class Trial:
                            env=self.environment, check=False)
 
     def pipes(self):
-        """The files by which the office is reached: by the trial, a second start and Quorin."""
-        if not hasattr(self, "pipe"):
-            return []
-        names = [self.pipe, single_instance_pipe(f"file://{self.folder / 'office'}")]
+        """The files by which the offices are reached: by the trial, a second start and Quorin."""
+        names = list(self.office_pipes)
         for entry in pathlib.Path("/proc").iterdir():
             try:
-                if entry.name.isdigit() and os.getpgid(int(entry.name)) == self.office.pid:
+                if (self.office and entry.name.isdigit() and
+                        os.getpgid(int(entry.name)) == self.office.pid):
                     names.append(f"quorin-{entry.name}")
             except ProcessLookupError:
                 pass  # it has just ended
@@ -449,6 +453,9 @@ class Trial:
         for pipe in pipes:
             pipe.unlink(missing_ok=True)
         shutil.rmtree(self.folder, ignore_errors=True)
+        left = [str(each) for each in pathlib.Path("/tmp").glob(f"OSL_PIPE_*_{self.pipe}*")]
+        if left:
+            raise Trouble(f"left behind: {' '.join(left)}")
 
 
 def main():

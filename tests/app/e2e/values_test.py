@@ -172,8 +172,7 @@ class Values(Trial):
     def start_client(self):
         other = self.folder / "other"
         self.other_pipe = f"{self.pipe}-copy"
-        self.start("soffice", f"-env:UserInstallation=file://{other}", "--headless", "--norestore",
-                   "--nologo", "--nodefault", f"--accept=pipe,name={self.other_pipe};urp;")
+        self.open_office(other, self.other_pipe, "--headless", "--nodefault")
         script = pathlib.Path(__file__).with_name("value_client.py")
 
         def connected():
