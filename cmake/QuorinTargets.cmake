@@ -54,9 +54,9 @@ endfunction()
 
 # quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [TIMEOUT seconds] SOURCES file... LIBS library...):
 # one GoogleTest program. Unit tests are found one by one, and so are SEPARATE ones; other programs
-# that share an expensive peer (an office, a display) run as a whole, one at a time, and leave their
-# counts in an XML file beside the build. COST orders the tests: one after another those with a peer
-# take the longest, so they come first, and the long checks beside them.
+# that share an expensive peer (an office, a display) run as a whole and leave their counts in an XML
+# file beside the build. Of those with a peer one of each label runs at a time. COST orders the
+# tests: these take the longest together, so they come first, and the long checks beside them.
 function(quorin_test name)
   cmake_parse_arguments(ARG "SEPARATE" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT ARG_TIMEOUT)
@@ -70,12 +70,12 @@ function(quorin_test name)
                          PROPERTIES LABELS unit TIMEOUT ${ARG_TIMEOUT})
   elseif(ARG_SEPARATE)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                         PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} RESOURCE_LOCK peer
-                                    COST 400)
+                         PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
+                                    RESOURCE_LOCK ${ARG_LABEL} COST 400)
   else()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
-      RESOURCE_LOCK peer COST 500 ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
+      RESOURCE_LOCK ${ARG_LABEL} COST 500 ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
       SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
   endif()
 endfunction()
