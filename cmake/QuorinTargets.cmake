@@ -30,8 +30,16 @@ function(quorin_library name)
   target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
 endfunction()
 
-# Tests are most of what there is to compile, and most of that is the headers of GoogleTest and of
-# the standard library, which are read once for all of them.
+# Tests are most of what there is to compile, and each is run once or twice: code that takes less
+# time to make is better there than code that takes less time to run.
+function(quorin_compile_quickly target)
+  if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_SANITIZE)
+    target_compile_options(${target} PRIVATE -O0 -g0)
+  endif()
+endfunction()
+
+# Most of a test is the headers of GoogleTest and of the standard library, which are read once for
+# all of them.
 function(quorin_read_headers_once test)
   if(APPLE)  # some tests there are of another language
     return()
@@ -40,6 +48,7 @@ function(quorin_read_headers_once test)
     file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "int main() {}\n")
     add_executable(quorin_test_headers ${CMAKE_BINARY_DIR}/test_headers.cpp)
     target_link_libraries(quorin_test_headers PRIVATE GTest::gmock quorin_options)
+    quorin_compile_quickly(quorin_test_headers)
     target_precompile_headers(quorin_test_headers PRIVATE
       <gmock/gmock.h> <gtest/gtest.h>
       <algorithm> <atomic> <chrono> <condition_variable> <filesystem> <fstream> <functional> <map>
@@ -52,19 +61,24 @@ function(quorin_read_headers_once test)
                                          -Wno-stringop-overread)
 endfunction()
 
-# quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [TIMEOUT seconds] SOURCES file... LIBS library...):
-# one GoogleTest program. Unit tests are found one by one, and so are SEPARATE ones; other programs
-# that share an expensive peer (an office, a display) run as a whole and leave their counts in an XML
-# file beside the build. Of those with a peer one of each label runs at a time. COST orders the
-# tests: these take the longest together, so they come first, and the long checks beside them.
+# quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] SOURCES file...
+#             LIBS library...):
+# one GoogleTest program, an OPTIMIZED one compiled as the product is. Unit tests are found one by
+# one, and so are SEPARATE ones; other programs that share an expensive peer (an office, a display)
+# run as a whole and leave their counts in an XML file beside the build. Of those with a peer one of
+# each label runs at a time. COST orders the tests: these take the longest together, so they come
+# first, and the long checks beside them.
 function(quorin_test name)
-  cmake_parse_arguments(ARG "SEPARATE" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock GTest::gtest_main quorin_options)
-  quorin_read_headers_once(${name})
+  if(NOT ARG_OPTIMIZED)
+    quorin_compile_quickly(${name})
+    quorin_read_headers_once(${name})
+  endif()
   if(ARG_LABEL STREQUAL "unit")
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS unit TIMEOUT ${ARG_TIMEOUT})
