@@ -80,10 +80,13 @@ class Session:
 
 
 def compile_step(session):
+    """The other processor differs in the system's declarations alone, which portable code does not
+    read."""
     compiler = session.compiler
-    sources = session.portable + session.adapters
-    return session.run_jobs([compiler.compile(source, "arm64") for source in sources] +
-                            [compiler.check_syntax(source, "x86_64") for source in sources])
+    return session.run_jobs([compiler.compile(source, "arm64")
+                             for source in session.portable + session.adapters] +
+                            [compiler.check_syntax(source, "x86_64")
+                             for source in session.adapters])
 
 
 def link_step(session):
