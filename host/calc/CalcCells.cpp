@@ -36,14 +36,16 @@ using css::uno::Sequence;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
+void refuseTooMany(const Area& area) {
+  if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
+}
+
 template <typename T>
 Grid<T> gridFor(const Area& area) {
+  refuseTooMany(area);
   Grid<T> grid;
-  grid.rows = area.lastRow - area.firstRow + 1;
-  grid.columns = area.lastColumn - area.firstColumn + 1;
-  if (static_cast<long long>(grid.rows) * grid.columns > mostCells) {
-    throw SpreadsheetError(-50, "The range has too many cells");
-  }
+  grid.rows = rowCount(area);
+  grid.columns = columnCount(area);
   grid.cells.resize(static_cast<std::size_t>(grid.rows) * static_cast<std::size_t>(grid.columns));
   return grid;
 }
@@ -308,7 +310,6 @@ namespace {
 
 Grid<CellValue> readValues(Workbook& workbook, const std::string& sheet, const Area& area,
                            const Reference<XCellRange>& cells) {
-  gridFor<Blank>(area);
   const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
   return valuesFrom(source->getDataArray(), workbook, sheet, area, cells);
 }
@@ -317,6 +318,7 @@ Grid<CellValue> readValues(Workbook& workbook, const std::string& sheet, const A
 
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range) {
   const Area& area = firstArea(range);
+  refuseTooMany(area);
   return readValues(workbook, range.sheet.sheet, area, cellsOf(workbook, range.sheet.sheet, area));
 }
 
@@ -351,7 +353,7 @@ Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, Re
 
 Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
   const Area& area = firstArea(range);
-  gridFor<Blank>(area);
+  refuseTooMany(area);
   const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
   Grid<CellValue> grid = readValues(workbook, range.sheet.sheet, area, cells);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
