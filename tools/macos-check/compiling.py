@@ -26,6 +26,12 @@ ANALYZER = ["--analyze", "--analyzer-output", "text",
 OBJECTIVE = {".mm": ["-x", "objective-c++", "-fobjc-arc", "-fblocks"]}
 
 
+def targets_of(source):
+    """The processors that a source is checked for. They differ in the system's declarations alone,
+    which portable code does not read."""
+    return TARGETS if source.suffix in OBJECTIVE else TARGETS[:1]
+
+
 class Compiler:
     """Makes the jobs for one project folder; `tool` is the folder of the check itself."""
 

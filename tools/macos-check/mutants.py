@@ -13,7 +13,7 @@ import bundle
 import declared
 import linking
 import rules
-from compiling import OBJECTIVE
+from compiling import OBJECTIVE, targets_of
 from session import LONGEST_REPORT, compile_step
 
 NEEDED = 0.8       # of the mistakes must be noticed
@@ -124,8 +124,8 @@ def objections(session, copy):
     compiler = session.compiler.of(copy.root)
     sources = copy.sources({".mm", ".cpp"})
     yield "types", failures(session, compiler, [compiler.check_syntax(source, target)
-                                                for target in ("arm64", "x86_64")
-                                                for source in sources])
+                                                for source in sources
+                                                for target in targets_of(source)])
     adapted = [source for source in sources if source.suffix in OBJECTIVE]
     yield "methods", method_findings(session, compiler, adapted)
     yield "link", link_findings(session, compiler, copy, sources)

@@ -10,7 +10,7 @@ import rules
 import sentmessages
 import stubs
 import surface_index
-from compiling import Compiler
+from compiling import Compiler, targets_of
 from jobs import Runner
 from toolchain import Toolchain
 
@@ -80,13 +80,11 @@ class Session:
 
 
 def compile_step(session):
-    """The other processor differs in the system's declarations alone, which portable code does not
-    read."""
     compiler = session.compiler
-    return session.run_jobs([compiler.compile(source, "arm64")
-                             for source in session.portable + session.adapters] +
-                            [compiler.check_syntax(source, "x86_64")
-                             for source in session.adapters])
+    sources = session.portable + session.adapters
+    return session.run_jobs([compiler.compile(source, "arm64") for source in sources] +
+                            [compiler.check_syntax(source, target) for source in sources
+                             for target in targets_of(source) if target != "arm64"])
 
 
 def link_step(session):
