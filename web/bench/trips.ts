@@ -15,9 +15,11 @@ const formulas = corpus();
 const home = { book: 'Model.xlsx', sheet: 'Summary', row: 12, col: 6 };
 const kinds = ['readRange', 'evaluate', 'CELL', 'deepEval'] as const;
 
+const isOfFormats = (question: string) => question.includes('CELL("format"');
+
 async function tripsOf(text: string): Promise<Record<(typeof kinds)[number], number>> {
   const workbook = new FakeWorkbook();
-  workbook.otherwise = (question) => (question.includes('CELL("format"') ? 'G' : 1);
+  workbook.otherwise = (question) => (isOfFormats(question) ? 'G' : 1);
   const evaluator = new Evaluator(workbook, new ResultCache(), () => undefined);
   const outline = outlineOf(parse(text).root);
   evaluator.show({ home, outline, result: { kind: 'value', value: 1 } });
@@ -26,7 +28,7 @@ async function tripsOf(text: string): Promise<Record<(typeof kinds)[number], num
   const count = { readRange: 0, evaluate: 0, CELL: 0, deepEval: 0 };
   for (const asked of workbook.asked) {
     const [verb = '', rest = ''] = asked.split(' ', 2);
-    count[rest.includes('CELL("format"') ? 'CELL' : (verb as 'evaluate')] += 1;
+    count[isOfFormats(rest) ? 'CELL' : (verb as 'evaluate')] += 1;
   }
   return count;
 }

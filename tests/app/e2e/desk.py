@@ -9,8 +9,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 sys.path.insert(0, str(ROOT / "tools" / "dev"))
-import try_panel  # noqa: E402
-from try_panel import Panel, Trial, wait_for  # noqa: E402
+from try_panel import Panel, Trial, Trouble, wait_for  # noqa: E402
 
 # What GLib and all that is built on it write when they are used wrongly; and what they write
 # where there is no session bus, which most of the tests do without.
@@ -55,7 +54,7 @@ class Quorin:
 
     def is_up(self):
         if self.process.poll() is not None:
-            raise try_panel.Trouble(f"Quorin ended with status {self.process.returncode}: "
+            raise Trouble(f"Quorin ended with status {self.process.returncode}: "
                                     + (self.folder / "output").read_text(errors="replace"))
         return (self.folder / "panel").exists()
 
@@ -97,7 +96,7 @@ class Quorin:
             try:
                 self.panel.ask("quit")
                 self.process.wait(30)
-            except (OSError, try_panel.Trouble, subprocess.TimeoutExpired):
+            except (OSError, Trouble, subprocess.TimeoutExpired):
                 self.process.kill()
         self.process.wait()
         self.output.close()
