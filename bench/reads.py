@@ -10,6 +10,7 @@ json.dumps reading the same cells of the same file, by turns in one run.
 directly from Python. --large reads 450,000 formula cells in pieces of 20,000 instead and tells what memory that takes.
 Needs python3-uno. The first rounds are not counted. Processor time is that of the asking process
 (for quorinctl with all its threads) and of its office."""
+import contextlib
 import json
 import os
 import pathlib
@@ -208,31 +209,39 @@ def side_by_side(title, rounds, ours, theirs):
           f"of processor time {summary[0][1] / summary[1][1]:.2f}")
 
 
+@contextlib.contextmanager
+def both(program, folder, workbook):
+    """Quorin and Python's bridge with the workbook open, both closed whatever happens."""
+    with contextlib.ExitStack() as opened:
+        readers = []
+        for make in (lambda: Quorin(program, workbook), lambda: PythonBridge(folder, workbook)):
+            readers.append(make())
+            opened.callback(readers[-1].close)
+        yield readers
+
+
 def compare(program, rounds, folder):
     workbook = folder / "reads.fods"
     workbook.write_text(HEAD + table("Data", ROWS, COLUMNS, datum) +
                         table("Calc", ROWS, COLUMNS, calculation) + TAIL)
-    ours, theirs = Quorin(program, workbook), PythonBridge(folder, workbook)
-    for formulas in (False, True):
-        side_by_side(f"{'readFormulas' if formulas else 'readRange'} of {ROWS * COLUMNS} cells",
-                     rounds, (ours, lambda: ours.read(formulas)),
-                     (theirs, lambda: theirs.read(formulas)))
-    ours.close()
-    theirs.close()
+    with both(program, folder, workbook) as (ours, theirs):
+        for formulas in (False, True):
+            side_by_side(f"{'readFormulas' if formulas else 'readRange'} of {ROWS * COLUMNS} cells",
+                         rounds, (ours, lambda: ours.read(formulas)),
+                         (theirs, lambda: theirs.read(formulas)))
 
 
 def compare_calls(program, folder):
     workbook = folder / "sheets.fods"
     workbook.write_text(HEAD + "".join(table(f"Sheet {number}", 20, 10, datum)
                                        for number in range(130)) + TAIL)
-    ours, theirs = Quorin(program, workbook), PythonBridge(folder, workbook)
-    side_by_side("workbookMap of 130 sheets", 20, (ours, lambda: ours.ask("workbookMap", [])),
-                 (theirs, theirs.map))
-    for excel, calc in (("1+2", "1+2"), ("SUM('Sheet 3'!A1:B20)*2", "SUM($'Sheet 3'.A1:B20)*2")):
-        side_by_side(f"evaluate {excel}", 40, (ours, lambda: ours.ask("evaluate", [excel])),
-                     (theirs, lambda: theirs.evaluate(calc)))
-    ours.close()
-    theirs.close()
+    with both(program, folder, workbook) as (ours, theirs):
+        side_by_side("workbookMap of 130 sheets", 20, (ours, lambda: ours.ask("workbookMap", [])),
+                     (theirs, theirs.map))
+        for excel, calc in (("1+2", "1+2"),
+                            ("SUM('Sheet 3'!A1:B20)*2", "SUM($'Sheet 3'.A1:B20)*2")):
+            side_by_side(f"evaluate {excel}", 40, (ours, lambda: ours.ask("evaluate", [excel])),
+                         (theirs, lambda: theirs.evaluate(calc)))
 
 
 def large(program, folder):
@@ -241,8 +250,12 @@ def large(program, folder):
     workbook.write_text(HEAD + table("Data", 3, 3, datum) +
                         table("Calc", rows, columns, calculation) + TAIL)
     start = time.perf_counter()
-    quorin = Quorin(program, workbook)
-    print(f"opened in {time.perf_counter() - start:.1f} s")
+    with contextlib.closing(Quorin(program, workbook)) as quorin:
+        print(f"opened in {time.perf_counter() - start:.1f} s")
+        read_large(quorin, rows, columns)
+
+
+def read_large(quorin, rows, columns):
     quorin.ask("readFormulas", [f"Calc!A1:J{ROWS}", "a1", False])
     before, cpu, start = memory(quorin.pid, "VmRSS"), processor(quorin.pid), time.perf_counter()
     size = 0
@@ -254,7 +267,6 @@ def large(program, folder):
           f"{cpu:.1f} s of our processor time")
     print(f"our memory before {before:.0f} MB, after {memory(quorin.pid, 'VmRSS'):.0f} MB, "
           f"at most {memory(quorin.pid, 'VmHWM'):.0f} MB")
-    quorin.close()
 
 
 def main():
