@@ -115,8 +115,10 @@ on qx_errcol(r, nr)
 			set errs to {}
 			set shown to string value of column 1 of r
 			if class of shown is not list then set shown to {shown}
-			-- One search for each literal: going through thousands of items one by one is slow.
 			considering case
+				-- Every literal has this sign, and few columns do.
+				if (shown as text) does not contain "#" then return false
+				-- One search for each literal: going through thousands of items one by one is slow.
 				repeat with i from 1 to count of errs
 					set told to item i of errs
 					if shown contains {{told}} or shown contains {told} then return true
