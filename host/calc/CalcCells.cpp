@@ -21,6 +21,7 @@
 #include "host/Address.h"
 #include "host/calc/BooleanFormats.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CellData.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/FormulaTranslator.h"
 #include "host/calc/ReferenceText.h"
@@ -311,7 +312,7 @@ namespace {
 Grid<CellValue> readValues(Workbook& workbook, const std::string& sheet, const Area& area,
                            const Reference<XCellRange>& cells) {
   const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
-  return valuesFrom(source->getDataArray(), workbook, sheet, area, cells);
+  return valuesFrom(cellData(source), workbook, sheet, area, cells);
 }
 
 }  // namespace
