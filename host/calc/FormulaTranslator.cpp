@@ -1,86 +1,34 @@
 #include "host/calc/FormulaTranslator.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
-#include "host/calc/CalcReference.h"
 #include "host/calc/FunctionNames.h"
-#include "host/calc/OfficeFiles.h"
+#include "host/calc/PlainReference.h"
+#include "host/calc/ReferenceTranslator.h"
+#include "host/calc/TableItems.h"
 
 namespace quorin::host::calc {
-namespace {
-
-constexpr std::array<std::string_view, 5> tableItems{"#All", "#Data", "#Headers", "#Totals",
-                                                     "#This Row"};
-
-// Behind these, and at the end, a reference or a number is over.
-bool isOperator(char c) {
-  static constexpr auto operators = [] {
-    std::array<bool, 256> are{};
-    for (const char each : std::string_view(");+-*/^&=<>%|}~! "))
-      are[static_cast<unsigned char>(each)] = true;
-    return are;
-  }();
-  return operators[static_cast<unsigned char>(c)];
-}
-
-bool endsAt(std::string_view text, std::size_t position) {
-  return position == text.size() || isOperator(text[position]);
-}
-
-// Behind a cell that both grammars write alike, and that is on no sheet's last row or column:
-// $AB$12. The position itself for anything else.
-std::size_t behindPlainCell(std::string_view text, std::size_t position) {
-  constexpr std::size_t mostLetters = 2, mostDigits = 6;
-  const auto skip = [&](std::size_t start, std::size_t most, char first, char last) {
-    std::size_t at = start;
-    while (at < text.size() && at - start < most && text[at] >= first && text[at] <= last) ++at;
-    return at;
-  };
-  const auto skipDollar = [&](std::size_t at) {
-    return at < text.size() && text[at] == '$' ? at + 1 : at;
-  };
-  const std::size_t column = skipDollar(position);
-  const std::size_t behindColumn = skip(column, mostLetters, 'A', 'Z');
-  if (behindColumn == column) return position;
-  const std::size_t row = skipDollar(behindColumn);
-  const std::size_t end = skip(row, mostDigits, '0', '9');
-  return end == row || text[row] == '0' ? position : end;
-}
-
-// The same for one cell or a range of cells behind which an operator follows.
-std::size_t behindPlainReference(std::string_view text, std::size_t position) {
-  std::size_t end = behindPlainCell(text, position);
-  if (end == position) return position;
-  if (end < text.size() && text[end] == ':') {
-    const std::size_t second = end + 1;
-    end = behindPlainCell(text, second);
-    if (end == second) return position;
-  }
-  return endsAt(text, end) ? end : position;
-}
-
-}  // namespace
 
 // One formula after the other: what stands here holds for the present one.
 class FormulaTranslator::Translation {
  public:
-  Translation(ReferenceStyle style, IsSheet isSheet) : style_(style), sheets_(std::move(isSheet)) {}
+  Translation(ReferenceStyle style, IsSheet isSheet)
+      : references_(style, std::move(isSheet), formula_) {}
 
   std::string run(std::string_view text, FormulaCell cell) {
-    text_ = text;
-    cell_ = cell;
-    at_ = 0;
-    out_.clear();
+    formula_.text = text;
+    formula_.cell = cell;
+    formula_.at = 0;
+    formula_.out.clear();
     frames_.clear();
-    out_.reserve(text_.size() + 16);
-    if (!text_.empty() && text_[at_] == '=') out_ += text_[at_++];
-    frames_.push_back({false, false, false, out_.size()});
-    while (at_ < text_.size()) step();
+    formula_.out.reserve(text.size() + 16);
+    if (formula_.isNext('=')) formula_.out += text[formula_.at++];
+    frames_.push_back({false, false, false, formula_.out.size()});
+    while (!formula_.isOver()) step();
     closeArgument();
-    return std::move(out_);
+    return std::move(formula_.out);
   }
 
  private:
@@ -90,202 +38,95 @@ class FormulaTranslator::Translation {
   };
 
   void step() {
-    const char c = text_[at_];
+    const char c = formula_.next();
     if (isWordCharacter(c)) {
-      if (!plainReference(at_) && !plainWord() && !reference()) word();
+      if (!references_.plainReference() && !plainWord() && !references_.reference()) word();
     } else if (c == '"') {
       copyString();
     } else if (c == '#' && errorConstant()) {
-    } else if (c == '\'' && external()) {
+    } else if (c == '\'' && references_.externalSheet()) {
+      if (!references_.externalCells() && !formula_.isOver()) word();
     } else if (c == '$' || c == '\'' || c == '#') {
-      if (!plainReference(at_) && !reference()) word();
+      if (!references_.plainReference() && !references_.reference()) word();
     } else if (c == '[') {
-      copyTableItems();
+      appendExcelTableItems(formula_.out, formula_.text, formula_.at);
     } else {
       punctuation(c);
     }
   }
 
   bool errorConstant() {
-    const std::string_view error = errorLiteral(text_, at_);
+    const std::string_view error = errorLiteral(formula_.text, formula_.at);
     if (error.empty() || lostReferenceFollows()) return false;
-    out_ += error;
-    at_ += error.size();
+    formula_.out += error;
+    formula_.at += error.size();
     return true;
   }
 
   // "#REF!5" and "#REF!#REF!" are references whose column went, not the literal.
   bool lostReferenceFollows() const {
-    std::size_t position = at_;
-    const auto cell = readCell(text_, position);
+    std::size_t position = formula_.at;
+    const auto cell = readCell(formula_.text, position);
     return cell && cell->lost;
   }
 
   void copyString() {
-    const std::size_t start = at_++;
-    while (at_ < text_.size()) {
-      if (text_[at_++] != '"') continue;
-      if (at_ >= text_.size() || text_[at_] != '"') break;
-      ++at_;
+    const std::size_t start = formula_.at++;
+    while (!formula_.isOver()) {
+      if (formula_.text[formula_.at++] != '"') continue;
+      if (!formula_.isNext('"')) break;
+      ++formula_.at;
     }
-    out_ += text_.substr(start, at_ - start);
+    formula_.out += formula_.text.substr(start, formula_.at - start);
   }
 
   // What needs no second look: a function, or a number before an operator or the end.
   bool plainWord() {
-    std::size_t end = at_ + 1;
-    while (end < text_.size() && isWordCharacter(text_[end])) ++end;
-    const std::string_view word = text_.substr(at_, end - at_);
-    if (end < text_.size() && text_[end] == '(') {
-      at_ = end;
+    const std::string_view text = formula_.text;
+    std::size_t end = formula_.at + 1;
+    while (end < text.size() && isWordCharacter(text[end])) ++end;
+    const std::string_view word = text.substr(formula_.at, end - formula_.at);
+    if (end < text.size() && text[end] == '(') {
+      formula_.at = end;
       function(word);
       return true;
     }
     const auto isNumeric = [](char c) { return (c >= '0' && c <= '9') || c == '.'; };
-    if (!endsAt(text_, end) || text_.substr(end).starts_with('!') ||
+    if (!endsOperand(text, end) || text.substr(end).starts_with('!') ||
         !std::all_of(word.begin(), word.end(), isNumeric)) {
       return false;
     }
-    out_ += word;
-    at_ = end;
-    return true;
-  }
-
-  // Most references are written alike in both grammars, but for the sheet.
-  bool plainReference(std::size_t start) {
-    if (style_ != ReferenceStyle::a1) return false;
-    const std::size_t end = behindPlainReference(text_, start);
-    if (end == start) return false;
-    out_ += text_.substr(start, end - start);
-    at_ = end;
-    return true;
-  }
-
-  bool reference() {
-    std::size_t position = at_;
-    auto* const sheet = sheets_.read(text_, position);
-    const auto surely = [&] { return !isWordCharacter(text_[at_]) || sheets_.exists(*sheet); };
-    if (sheet && plainReferenceOn(*sheet, position, surely)) return true;
-    const auto from = readCalcEnd(text_, position, false);
-    if (!from) return sheet != nullptr && sheetName(*sheet, position);
-    if (sheet && !surely()) return false;
-    RangeText range{*from, std::nullopt};
-    const auto* lastSheet = sheet;
-    if (position < text_.size() && text_[position] == ':') {
-      std::size_t behind = position + 1;
-      const auto* const second = sheets_.read(text_, behind);
-      const auto to = readCalcEnd(text_, behind, true);
-      const bool sameKind =
-          to && (from->lost || to->lost ||
-                 ((to->row == 0) == (from->row == 0) && (to->column == 0) == (from->column == 0)));
-      if (sameKind) {
-        range.to = to;
-        position = behind;
-        if (second) lastSheet = second;
-      } else if (from->row == 0 || from->column == 0) {
-        return false;
-      }
-    }
-    writeReference(sheet, lastSheet, range);
-    at_ = position;
-    return true;
-  }
-
-  template <typename Surely>
-  bool plainReferenceOn(const SheetPrefixes::Sheet& sheet, std::size_t start, Surely surely) {
-    if (style_ != ReferenceStyle::a1 || sheet.name == "#REF!") return false;
-    const std::size_t end = behindPlainReference(text_, start);
-    if (end == start || !surely()) return false;
-    out_ += sheet.written;
-    out_ += '!';
-    out_ += text_.substr(start, end - start);
-    at_ = end;
-    return true;
-  }
-
-  void writeReference(const SheetPrefixes::Sheet* first, const SheetPrefixes::Sheet* last,
-                      RangeText range) {
-    if ((first && first->name == "#REF!") || (last && last->name == "#REF!")) {
-      out_ += "#REF!";
-      return;
-    }
-    if (first && last->name != first->name) {
-      if (range.to == range.from) range.to.reset();
-      out_ += excelSheet(first->name + ":" + last->name);
-      out_ += '!';
-    } else if (first) {
-      out_ += first->written;
-      out_ += '!';
-    }
-    append(out_, range, style_, cell_);
-  }
-
-  // A name that belongs to a sheet: $Sheet1.rate. Without the dollar sign or quotes it is one word.
-  bool sheetName(const SheetPrefixes::Sheet& sheet, std::size_t position) {
-    if (text_[at_] != '$' && text_[at_] != '\'') return false;
-    if (position >= text_.size() || !isWordCharacter(text_[position])) return false;
-    if (sheet.name != "#REF!") out_ += sheet.written + "!";
-    at_ = position;
-    word();
-    return true;
-  }
-
-  // 'file:///folder/book.xlsx'#$Sheet.A1, and with a name behind "#".
-  bool external() {
-    std::size_t position = at_;
-    const auto url = readQuoted(text_, position);
-    if (!url || position >= text_.size() || text_[position] != '#') return false;
-    const std::filesystem::path path = pathOfUrl(*url);
-    const std::size_t slash = url->rfind('/') + 1;
-    const std::string folder =
-        path.empty() ? url->substr(0, slash) : (path.parent_path() / "").string();
-    const std::string file = path.empty() ? url->substr(slash) : path.filename().string();
-    ++position;
-    std::size_t behind = position;
-    const auto sheet = readCalcSheet(text_, behind);
-    at_ = sheet ? behind : position;
-    out_ += excelSheet(sheet ? folder + "[" + file + "]" + *sheet : folder + file) + "!";
-    std::size_t before = at_;
-    const auto from = readCalcEnd(text_, at_, false);
-    if (!from) {
-      at_ = before;
-      word();
-      return true;
-    }
-    RangeText range{*from, std::nullopt};
-    if (at_ < text_.size() && text_[at_] == ':') {
-      before = at_++;
-      range.to = readCalcEnd(text_, at_, true);
-      if (!range.to) at_ = before;
-    }
-    append(out_, range, style_, cell_);
+    formula_.out += word;
+    formula_.at = end;
     return true;
   }
 
   // A function's or a defined name, or a number.
   void word() {
-    const std::size_t start = at_;
-    if (text_[at_] == '\'') {  // a label in quotes, which Excel does not know
-      const auto label = readQuoted(text_, at_);
-      if (at_ == start) ++at_;
+    const std::size_t start = formula_.at;
+    if (formula_.next() == '\'') {  // a label in quotes, which Excel does not know
+      const auto label = readQuoted(formula_.text, formula_.at);
+      if (formula_.at == start) ++formula_.at;
       const bool isSheet = label && lostReferenceBehind();
-      out_ += isSheet ? excelSheet(*label) : std::string(text_.substr(start, at_ - start));
+      formula_.out += isSheet ? excelSheet(*label)
+                              : std::string(formula_.text.substr(start, formula_.at - start));
       copyLostReference();
       return;
     }
-    const bool number = text_[at_] >= '0' && text_[at_] <= '9';
-    ++at_;
-    while (at_ < text_.size() && (isWordCharacter(text_[at_]) || (number && isExponentSign()))) {
-      ++at_;
+    const bool number = formula_.next() >= '0' && formula_.next() <= '9';
+    ++formula_.at;
+    while (!formula_.isOver() &&
+           (isWordCharacter(formula_.next()) || (number && isExponentSign()))) {
+      ++formula_.at;
     }
-    const std::string_view word = text_.substr(start, at_ - start);
-    const bool isFunction = at_ < text_.size() && text_[at_] == '(';
+    const std::string_view word = formula_.text.substr(start, formula_.at - start);
+    const bool isFunction = formula_.isNext('(');
     if (isFunction) {
       function(word);
     } else if (equalIgnoringCase(word.substr(0, 6), "_xlpm.")) {
-      out_ += word.substr(6);
+      formula_.out += word.substr(6);
     } else {
-      out_ += word;
+      formula_.out += word;
     }
     if (!isFunction) copyLostReference();
   }
@@ -293,74 +134,46 @@ class FormulaTranslator::Translation {
   // A call: its brackets are next.
   void function(std::string_view word) {
     if (isBooleanCall(word)) {
-      out_ += upperCase(word);  // Calc writes the constant as a call
-      at_ += 2;
+      formula_.out += upperCase(word);  // Calc writes the constant as a call
+      formula_.at += 2;
     } else {
-      appendExcelFunctionName(out_, word);
+      appendExcelFunctionName(formula_.out, word);
     }
   }
 
   // What the office could not resolve keeps its "!": values!#ref!
   bool lostReferenceBehind() const {
-    return at_ < text_.size() && text_[at_] == '!' && errorLiteral(text_, at_ + 1) == "#REF!";
+    return formula_.isNext('!') && errorLiteral(formula_.text, formula_.at + 1) == "#REF!";
   }
 
   void copyLostReference() {
     if (!lostReferenceBehind()) return;
-    out_ += "!#REF!";
-    at_ += std::string_view("!#REF!").size();
+    formula_.out += "!#REF!";
+    formula_.at += std::string_view("!#REF!").size();
   }
 
   bool isBooleanCall(std::string_view word) const {
-    return text_.substr(at_, 2) == "()" &&
+    return formula_.text.substr(formula_.at, 2) == "()" &&
            (equalIgnoringCase(word, "TRUE") || equalIgnoringCase(word, "FALSE"));
   }
 
   bool isExponentSign() const {
-    const char before = text_[at_ - 1];
-    return (text_[at_] == '+' || text_[at_] == '-') && (before == 'E' || before == 'e');
-  }
-
-  // The brackets behind a table's name. Only the separator between two items changes.
-  void copyTableItems() {
-    int depth = 0;
-    do {
-      const char c = text_[at_];
-      if (c == '\'' && at_ + 1 < text_.size()) {  // escapes the next character
-        out_ += text_.substr(at_, 2);
-        at_ += 2;
-        continue;
-      }
-      if (c == '[') ++depth;
-      if (c == ']') --depth;
-      out_ += c == ';' && depth == 1 ? ',' : c;
-      ++at_;
-      if (c == '[') copyTableItem();
-    } while (depth > 0 && at_ < text_.size());
-  }
-
-  void copyTableItem() {
-    for (const std::string_view item : tableItems) {
-      if (equalIgnoringCase(text_.substr(at_, item.size()), item)) {
-        out_ += item;
-        at_ += item.size();
-        return;
-      }
-    }
+    const char before = formula_.text[formula_.at - 1];
+    return (formula_.isNext('+') || formula_.isNext('-')) && (before == 'E' || before == 'e');
   }
 
   void punctuation(char c) {
-    ++at_;
+    ++formula_.at;
     switch (c) {
       case '(': {
-        const bool function = !out_.empty() && isWordCharacter(out_.back());
-        out_ += c;
-        frames_.push_back({false, function, false, out_.size()});
+        const bool function = !formula_.out.empty() && isWordCharacter(formula_.out.back());
+        formula_.out += c;
+        frames_.push_back({false, function, false, formula_.out.size()});
         return;
       }
       case '{':
-        out_ += c;
-        frames_.push_back({true, false, false, out_.size()});
+        formula_.out += c;
+        frames_.push_back({true, false, false, formula_.out.size()});
         return;
       case ')':
       case '}':
@@ -368,25 +181,25 @@ class FormulaTranslator::Translation {
           closeArgument();
           frames_.pop_back();
         }
-        out_ += c;
+        formula_.out += c;
         return;
       case ';':
         closeArgument();
-        out_ += ',';
-        frames_.back().argument = out_.size();
+        formula_.out += ',';
+        frames_.back().argument = formula_.out.size();
         return;
       case '|':
-        out_ += frames_.back().isArray ? ';' : c;
+        formula_.out += frames_.back().isArray ? ';' : c;
         return;
       case '~':
         frames_.back().hasUnion = true;
-        out_ += ',';
+        formula_.out += ',';
         return;
       case '!':
-        out_ += ' ';
+        formula_.out += ' ';
         return;
       default:
-        out_ += c;
+        formula_.out += c;
     }
   }
 
@@ -394,18 +207,14 @@ class FormulaTranslator::Translation {
   void closeArgument() {
     Frame& frame = frames_.back();
     if (frame.hasUnion && (frame.isFunction || frames_.size() == 1)) {
-      out_.insert(frame.argument, "(");
-      out_ += ')';
+      formula_.out.insert(frame.argument, "(");
+      formula_.out += ')';
     }
     frame.hasUnion = false;
   }
 
-  const ReferenceStyle style_;
-  SheetPrefixes sheets_;
-  std::string_view text_;
-  FormulaCell cell_;
-  std::size_t at_ = 0;
-  std::string out_;
+  FormulaInPassing formula_;
+  ReferenceTranslator references_;
   std::vector<Frame> frames_;
 };
 

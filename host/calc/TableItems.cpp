@@ -1,5 +1,7 @@
 #include "host/calc/TableItems.h"
 
+#include <array>
+
 #include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {
@@ -17,17 +19,20 @@ std::optional<std::string> readName(std::string_view text, std::size_t& at) {
   return std::nullopt;
 }
 
+struct Item {
+  std::string_view name;
+  bool TableItems::*flag;
+};
+constexpr std::array<Item, 5> allItems{{{"#All", &TableItems::all},
+                                        {"#Data", &TableItems::data},
+                                        {"#Headers", &TableItems::headers},
+                                        {"#Totals", &TableItems::totals},
+                                        {"#This Row", &TableItems::thisRow}}};
+
 bool addItem(TableItems& items, std::string_view name) {
-  struct Known {
-    std::string_view name;
-    bool TableItems::*flag;
-  };
-  for (const Known& known :
-       {Known{"#All", &TableItems::all}, Known{"#Data", &TableItems::data},
-        Known{"#Headers", &TableItems::headers}, Known{"#Totals", &TableItems::totals},
-        Known{"#This Row", &TableItems::thisRow}}) {
-    if (!equalIgnoringCase(name, known.name)) continue;
-    items.*known.flag = true;
+  for (const Item& item : allItems) {
+    if (!equalIgnoringCase(name, item.name)) continue;
+    items.*item.flag = true;
     return true;
   }
   return false;
@@ -72,6 +77,16 @@ bool readList(std::string_view text, std::size_t& at, TableItems& items) {
   }
 }
 
+void appendItem(std::string& excel, std::string_view calc, std::size_t& at) {
+  for (const Item& item : allItems) {
+    if (equalIgnoringCase(calc.substr(at, item.name.size()), item.name)) {
+      excel += item.name;
+      at += item.name.size();
+      return;
+    }
+  }
+}
+
 }  // namespace
 
 std::optional<TableItems> readTableItems(std::string_view text, std::size_t& position) {
@@ -99,6 +114,24 @@ std::optional<TableItems> readTableItems(std::string_view text, std::size_t& pos
   if (!items.all && !items.headers && !items.totals && !items.thisRow) items.data = true;
   position = at + 1;
   return items;
+}
+
+void appendExcelTableItems(std::string& excel, std::string_view calc, std::size_t& position) {
+  std::size_t& at = position;
+  int depth = 0;
+  do {
+    const char c = calc[at];
+    if (c == '\'' && at + 1 < calc.size()) {  // escapes the next character
+      excel += calc.substr(at, 2);
+      at += 2;
+      continue;
+    }
+    if (c == '[') ++depth;
+    if (c == ']') --depth;
+    excel += c == ';' && depth == 1 ? ',' : c;
+    ++at;
+    if (c == '[') appendItem(excel, calc, at);
+  } while (depth > 0 && at < calc.size());
 }
 
 }  // namespace quorin::host::calc

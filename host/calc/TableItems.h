@@ -19,4 +19,8 @@ struct TableItems {
 // hold something else. No item at all means the data.
 std::optional<TableItems> readTableItems(std::string_view text, std::size_t& position);
 
+// The brackets at `position` in Calc's stored grammar as Excel writes them, which parts two items
+// by a comma, and in its spelling of items; moves behind them, or to the end when they are open.
+void appendExcelTableItems(std::string& excel, std::string_view calc, std::size_t& position);
+
 }  // namespace quorin::host::calc
