@@ -3,10 +3,6 @@
 namespace quorin::host::calc {
 namespace {
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 bool followedBy(std::string_view text, std::size_t position, std::string_view any) {
   return position < text.size() && any.find(text[position]) != std::string_view::npos;
 }
@@ -69,27 +65,6 @@ std::optional<RangeText> readRange(std::string_view text, std::size_t& position)
   if (from->row == 0 || from->column == 0 || followedBy(text, at, "(!#")) return std::nullopt;
   position = at;
   return RangeText{*from, std::nullopt};
-}
-
-bool isNumber(std::string_view word) {
-  std::size_t at = 0;
-  const auto digits = [&] {
-    const std::size_t start = at;
-    while (at < word.size() && isDigit(word[at])) ++at;
-    return at - start;
-  };
-  std::size_t count = digits();
-  if (followedBy(word, at, ".")) {
-    ++at;
-    count += digits();
-  }
-  if (count == 0) return false;
-  if (followedBy(word, at, "Ee")) {
-    ++at;
-    if (followedBy(word, at, "+-")) ++at;
-    if (digits() == 0) return false;
-  }
-  return at == word.size();
 }
 
 }  // namespace quorin::host::calc

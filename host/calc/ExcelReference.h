@@ -1,6 +1,5 @@
-// The pieces of Excel's grammar that both reading and writing expressions need: the sheets before
-// "!", a range, a number. Pure functions over text; positions are bytes and move behind what was
-// read, or stay when nothing was.
+// The pieces of a reference in Excel's grammar: the sheets before "!", a range. Pure functions over
+// text; positions are bytes and move behind what was read, or stay when nothing was.
 #pragma once
 
 #include <optional>
@@ -22,8 +21,5 @@ std::optional<SheetSpan> readSheetSpan(std::string_view text, std::size_t& posit
 // "A1", "$A$1:B2", "A:C", "2:5". A lone column or row is no range, and neither is the beginning of
 // a function's name (LOG10) or of a spill reference (A1#).
 std::optional<RangeText> readRange(std::string_view text, std::size_t& position);
-
-// "12", "1.5", ".5", "1.5E+3".
-bool isNumber(std::string_view word);
 
 }  // namespace quorin::host::calc

@@ -1,10 +1,9 @@
 #include "host/calc/ExpressionWriter.h"
 
-#include <algorithm>
-#include <array>
-
 #include "host/calc/CellErrors.h"
+#include "host/calc/ExcelTokens.h"
 #include "host/calc/FunctionCalls.h"
+#include "host/calc/ReferenceWriter.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -16,29 +15,6 @@ bool isBlank(char c) {
 }
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-// Where the bracket stands that closes a call of one argument, which begins at `from`.
-std::optional<std::size_t> endOfOnlyArgument(std::string_view text, std::size_t from) {
-  int depth = 0;
-  char quote = '\0';
-  for (std::size_t i = from; i < text.size(); ++i) {
-    const char c = text[i];
-    if (quote != '\0') {
-      if (c == quote) quote = '\0';
-    } else if (c == '"' || c == '\'') {
-      quote = c;
-    } else if (c == '(' || c == '[' || c == '{') {
-      ++depth;
-    } else if (depth > 0) {
-      if (c == ')' || c == ']' || c == '}') --depth;
-    } else if (c == ')') {
-      return i;
-    } else if (c == ',' || c == ';') {
-      return std::nullopt;
-    }
-  }
-  return std::nullopt;
 }
 
 }  // namespace
@@ -58,10 +34,11 @@ void ExpressionWriter::step() {
   ++pieces_;
   if (c == '"') {
     operand(false);
-    copyString();
+    copy(readText(text_, at_));
   } else if (c == '{') {
     operand(false);
-    copyArray();
+    mayBeSeveral();
+    copy(readArray(text_, at_));
   } else if (const std::string_view error = errorLiteral(text_, at_); !error.empty()) {
     operand(false);
     out_ += error;
@@ -101,36 +78,9 @@ void ExpressionWriter::blanks() {
   }
 }
 
-void ExpressionWriter::copyString() {
-  const std::size_t start = at_++;
-  for (; at_ < text_.size(); ++at_) {
-    if (text_[at_] != '"') continue;
-    if (at_ + 1 < text_.size() && text_[at_ + 1] == '"') {
-      ++at_;
-      continue;
-    }
-    ++at_;
-    out_ += text_.substr(start, at_ - start);
-    return;
-  }
-  throw Malformed();
-}
-
-void ExpressionWriter::copyArray() {
-  mayBeSeveral();
-  out_ += text_[at_++];
-  while (at_ < text_.size()) {
-    const char c = text_[at_];
-    if (c == '"') {
-      copyString();
-      continue;
-    }
-    if (c == '{' || c == '(') throw Malformed();
-    out_ += c == ',' ? ';' : c == ';' ? '|' : c;
-    ++at_;
-    if (c == '}') return;
-  }
-  throw Malformed();
+void ExpressionWriter::copy(std::optional<std::string_view> constant) {
+  if (!constant) throw Malformed();
+  out_ += *constant;
 }
 
 void ExpressionWriter::open(const std::string& function) {
@@ -157,9 +107,8 @@ void ExpressionWriter::close() {
   const bool one =
       frame.function.empty() ? !frame.several : givesOne(frame.function, frame.several);
   if (!one) mayBeSeveral();
-  if (frame.function.empty() ? frame.compares : givesTruth(frame.function)) {
-    if (isJoined(begin)) out_ = out_.substr(0, begin) + namedTruth(out_.substr(begin));
-  }
+  const bool truth = frame.function.empty() ? frame.compares : givesTruth(frame.function);
+  if (truth && isJoinedFrom(begin)) out_ = out_.substr(0, begin) + namedTruth(out_.substr(begin));
   operandExpected_ = false;
   reference_ = true;
 }
@@ -229,83 +178,29 @@ void ExpressionWriter::nameOrReference() {
   }
 }
 
-// Where a sheet is; nothing when the workbook or the sheet is not there.
-std::optional<SheetPlace> ExpressionWriter::placeOf(const std::string& book,
-                                                    const std::string& sheet) const {
-  if (!book.empty() && book != context_.from.book) {
-    return context_.elsewhere ? context_.elsewhere(book, sheet) : std::nullopt;
-  }
-  if (context_.sheets.empty()) return SheetPlace{{context_.from.book, sheet}, calcSheet(sheet)};
-  for (const std::string& known : context_.sheets) {
-    if (equalIgnoringCase(known, sheet)) {
-      return SheetPlace{{context_.from.book, known}, calcSheet(known)};
-    }
-  }
-  return std::nullopt;
-}
-
-void ExpressionWriter::reachSpan(const SheetPlace& first, const SheetPlace& last,
-                                 const RangeText& range) {
-  const auto& all = context_.sheets;
-  auto from = std::find(all.begin(), all.end(), first.sheet.sheet);
-  auto to = std::find(all.begin(), all.end(), last.sheet.sheet);
-  if (from == all.end() || to == all.end() || from == to) {
-    reach_.cells.push_back({first.sheet, {areaOf(range)}});
+void ExpressionWriter::reference(const std::optional<SheetSpan>& span, const RangeText& range) {
+  const auto cells = writeReference(span, range, context_, reach_);
+  if (!cells) {
+    out_ += "#REF!";
     return;
   }
-  if (to < from) std::swap(from, to);
-  for (; from <= to; ++from) {
-    reach_.cells.push_back({{first.sheet.book, *from}, {areaOf(range)}});
-  }
-}
-
-void ExpressionWriter::reference(const std::optional<SheetSpan>& span, const RangeText& range) {
-  const auto end = [](const CellText& cell) {
-    return write({cell, std::nullopt}, ReferenceStyle::a1, {});
-  };
-  std::string first, last;
-  if (span) {
-    const auto from = placeOf(span->book, span->first);
-    const auto to = span->last.empty() ? from : placeOf(span->book, span->last);
-    if (!from || !to) {
-      out_ += "#REF!";
-      return;
-    }
-    first = from->text + ".";
-    if (!span->last.empty()) last = to->text + ".";
-    reachSpan(*from, *to, range);
-  } else {
-    if (context_.qualify) first = calcSheet(context_.from.sheet) + ".";
-    reach_.cells.push_back({context_.from, {areaOf(range)}});
-  }
+  if (cells->several) mayBeSeveral();
   const std::size_t begin = out_.size();
-  out_ += first + end(range.from);
-  const bool several = range.to || !last.empty();
-  if (several) mayBeSeveral();
-  if (several) out_ += ":" + last + end(range.to.value_or(range.from));
-  if (!several && isJoined(begin)) {
-    out_ = out_.substr(0, begin) + namedIfTruth(out_.substr(begin));
-  }
+  const bool named = !cells->several && isJoinedFrom(begin);
+  out_ += named ? namedIfTruth(cells->text) : cells->text;
   cells_ = {begin, out_.size()};
-}
-
-bool ExpressionWriter::isExponentSign() const {
-  const char before = text_[at_ - 1];
-  return at("+-") && (before == 'E' || before == 'e');
 }
 
 // A number, a function, a defined name or a table.
 void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
-  const std::size_t start = at_;
-  const bool numeric = isDigit(text_[at_]) || text_[at_] == '.';
-  while (at_ < text_.size() && (isWordCharacter(text_[at_]) || (numeric && isExponentSign()))) {
-    ++at_;
-  }
-  const std::string word(text_.substr(start, at_ - start));
+  const std::string word(readWord(text_, at_));
+  const bool numeric = !word.empty() && (isDigit(word.front()) || word.front() == '.');
   if (at("#") && errorLiteral(text_, at_).empty()) throw Malformed();  // a spill reference
   if (word.empty() || (span && (numeric || at("([")))) throw Malformed();
   if (numeric) {
-    number(word);
+    if (!isNumber(word)) throw Malformed();
+    operand(false);
+    out_ += word;
   } else if (at("(")) {
     function(upperCase(word));
   } else if (at("[")) {
@@ -313,25 +208,6 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   } else {
     name(span, word);
   }
-}
-
-// Whether "&" takes the operand just read, which begins there, as it stands: a truth value joined
-// to text is its name, where Calc would write its number.
-bool ExpressionWriter::isJoined(std::size_t begin) const {
-  static constexpr std::string_view tighter = "+-*/^%:!~", behind = "&=<>,;)";
-  const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
-  const char after = next < text_.size() ? text_[next] : '\0';
-  const std::size_t last = begin == 0 ? begin : out_.find_last_not_of(" \n\r\t", begin - 1);
-  const char before = begin > 0 && last < begin ? out_[last] : '\0';
-  if (after != '\0' && behind.find(after) == std::string_view::npos) return false;
-  if (tighter.find(before) != std::string_view::npos) return false;
-  return before == '&' || after == '&';
-}
-
-void ExpressionWriter::number(const std::string& word) {
-  if (!isNumber(word)) throw Malformed();
-  operand(false);
-  out_ += word;
 }
 
 void ExpressionWriter::function(std::string name) {
@@ -348,11 +224,12 @@ void ExpressionWriter::function(std::string name) {
 
 // Writes the cells that INDIRECT finds, if it has one argument and these are known.
 bool ExpressionWriter::indirect() {
-  const auto end = endOfOnlyArgument(text_, at_ + 1);
-  if (!end || !context_.referent) return false;
-  const auto cells = context_.referent(std::string(text_.substr(at_ + 1, *end - at_ - 1)));
+  std::size_t behind = at_;
+  const auto argument = readOnlyArgument(text_, behind);
+  if (!argument || !context_.referent) return false;
+  const auto cells = context_.referent(std::string(*argument));
   if (!cells) return false;
-  at_ = *end + 1;
+  at_ = behind;
   if (cells->empty()) {
     out_ += "INDIRECT(\"\")";  // not #REF!, of which some functions make another error
   } else {
@@ -363,11 +240,12 @@ bool ExpressionWriter::indirect() {
 
 // Writes what ERROR.TYPE gives, where the error of its argument is known.
 bool ExpressionWriter::errorNumber() {
-  const auto end = endOfOnlyArgument(text_, at_ + 1);
-  if (!end || !context_.errorOf) return false;
-  const auto error = context_.errorOf(std::string(text_.substr(at_ + 1, *end - at_ - 1)));
+  std::size_t behind = at_;
+  const auto argument = readOnlyArgument(text_, behind);
+  if (!argument || !context_.errorOf) return false;
+  const auto error = context_.errorOf(std::string(*argument));
   if (!error) return false;
-  at_ = *end + 1;
+  at_ = behind;
   out_ += error->empty() ? "#N/A" : std::to_string(errorType(*error));
   reference_ = false;
   return true;
@@ -384,13 +262,13 @@ void ExpressionWriter::table(const std::string& name) {
 void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::string& word) {
   operand(true);
   if (!span && (equalIgnoringCase(word, "TRUE") || equalIgnoringCase(word, "FALSE"))) {
-    out_ += isJoined(out_.size()) ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
+    out_ += isJoinedFrom(out_.size()) ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
     return;
   }
   SheetRef scope{context_.from.book, {}};
   std::string text;
   if (span) {
-    const auto place = placeOf(span->book, span->first);
+    const auto place = placeOf(context_, span->book, span->first);
     if (!place) {
       out_ += "#REF!";
       return;

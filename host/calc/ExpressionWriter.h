@@ -11,6 +11,7 @@
 
 #include "host/calc/CalcExpression.h"
 #include "host/calc/ExcelReference.h"
+#include "host/calc/JoinedTruth.h"
 
 namespace quorin::host::calc {
 
@@ -42,8 +43,7 @@ class ExpressionWriter {
   void step();
   void operand(bool mayBeReference);
   void blanks();
-  void copyString();
-  void copyArray();
+  void copy(std::optional<std::string_view> constant);
   void open(const std::string& function);
   void close();
   void separator(char c);
@@ -51,19 +51,18 @@ class ExpressionWriter {
   void nameOrReference();
   void reference(const std::optional<SheetSpan>& span, const RangeText& range);
   void word(const std::optional<SheetSpan>& span);
-  void number(const std::string& word);
   void function(std::string name);
   bool indirect();
   bool errorNumber();
   void table(const std::string& name);
   void name(const std::optional<SheetSpan>& span, const std::string& word);
   void expansion(const std::string& excel);
-  bool isExponentSign() const;
   bool isCells(std::size_t from) const;
-  bool isJoined(std::size_t begin) const;
+  // Whether the operand just read is joined to text; it begins there, or is yet to be written.
+  bool isJoinedFrom(std::size_t begin) const {
+    return isJoined(std::string_view(out_).substr(0, begin), text_.substr(at_));
+  }
   void mayBeSeveral() { (frames_.empty() ? several_ : frames_.back().several) = true; }
-  std::optional<SheetPlace> placeOf(const std::string& book, const std::string& sheet) const;
-  void reachSpan(const SheetPlace& first, const SheetPlace& last, const RangeText& range);
 
   const std::string_view text_;
   const ExpressionContext& context_;

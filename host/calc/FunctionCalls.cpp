@@ -101,6 +101,30 @@ std::optional<std::string> cellText(const FunctionCall& call, const ExpressionCo
 
 }  // namespace
 
+std::optional<std::string_view> readOnlyArgument(std::string_view text, std::size_t& position) {
+  const std::size_t from = position + 1;
+  int depth = 0;
+  char quote = '\0';
+  for (std::size_t at = from; at < text.size(); ++at) {
+    const char c = text[at];
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '(' || c == '[' || c == '{') {
+      ++depth;
+    } else if (depth > 0) {
+      if (c == ')' || c == ']' || c == '}') --depth;
+    } else if (c == ')') {
+      position = at + 1;
+      return text.substr(from, at - from);
+    } else if (c == ',' || c == ';') {
+      return std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
 void addFunction(Reach& reach, std::string_view name) {
   static constexpr std::array<std::string_view, 3> traits{"AGGREGATE", "ISFORMULA", "SUBTOTAL"};
   static constexpr std::array<std::string_view, 4> contents{"FORMULA", "GETPIVOTDATA",
@@ -150,14 +174,6 @@ bool givesOne(std::string_view function, bool ofSeveral) {
       "MID",     "MOD",     "MONTH",       "NOT",     "POWER", "RIGHT", "ROUND",   "ROUNDDOWN",
       "ROUNDUP", "SIGN",    "SQRT",        "TEXT",    "TRIM",  "UPPER", "YEAR"};
   return contains(ofAny, function) || (!ofSeveral && contains(ofOne, function));
-}
-
-std::string namedTruth(const std::string& truth) {
-  return "IF(" + truth + ";\"TRUE\";\"FALSE\")";
-}
-
-std::string namedIfTruth(const std::string& cell) {
-  return "IF(ISLOGICAL(" + cell + ");" + namedTruth(cell) + ";" + cell + ")";
 }
 
 }  // namespace quorin::host::calc

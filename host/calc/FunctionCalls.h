@@ -11,6 +11,10 @@
 
 namespace quorin::host::calc {
 
+// The argument of a call that has one alone, Excel text as it stands. The position is the opening
+// bracket's, and moves behind the closing one, or stays when there are more arguments.
+std::optional<std::string_view> readOnlyArgument(std::string_view text, std::size_t& position);
+
 // Adds what a function asks for beside the values of the cells it is given.
 void addFunction(Reach& reach, std::string_view name);
 
@@ -30,9 +34,5 @@ bool givesTruth(std::string_view function);
 
 // Whether a call gives one value: of arguments of which some may be several values, or of none.
 bool givesOne(std::string_view function, bool ofSeveral);
-
-// Calc writes a truth value as a number where it is joined to text: these give its name.
-std::string namedTruth(const std::string& truth);
-std::string namedIfTruth(const std::string& cell);
 
 }  // namespace quorin::host::calc
