@@ -26,10 +26,14 @@ std::unique_ptr<OpenSpreadsheet> openRulesInCalc() {
   return std::make_unique<InCalc>(ruledWorkbook());
 }
 
-INSTANTIATE_TEST_SUITE_P(Calc, SpreadsheetContract, ::testing::Values(&openInCalc));
-INSTANTIATE_TEST_SUITE_P(Calc, LinesContract, ::testing::Values(&openInCalc));
-INSTANTIATE_TEST_SUITE_P(Calc, ConditionsContract, ::testing::Values(&openRulesInCalc));
-INSTANTIATE_TEST_SUITE_P(Calc, ScratchContract, ::testing::Values(&openInCalc));
+INSTANTIATE_TEST_SUITE_P(Calc, SpreadsheetContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"Calc", &openInCalc}));
+INSTANTIATE_TEST_SUITE_P(Calc, LinesContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"Calc", &openInCalc}));
+INSTANTIATE_TEST_SUITE_P(Calc, ConditionsContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"Calc", &openRulesInCalc}));
+INSTANTIATE_TEST_SUITE_P(Calc, ScratchContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"Calc", &openInCalc}));
 
 }  // namespace
 }  // namespace quorin::fakes

@@ -51,6 +51,10 @@ struct Case {
   const char* calc;
 };
 
+void PrintTo(const Case& each, std::ostream* out) {
+  *out << each.excel;
+}
+
 class ToCalc : public testing::TestWithParam<Case> {};
 
 TEST_P(ToCalc, WritesWhatCalcStores) {
@@ -159,6 +163,10 @@ struct Reached {
   std::vector<std::string> cells;  // "Sheet!$A$1"
   bool shifts = false, spans = false, anywhere = false, traits = false, contents = false;
 };
+
+void PrintTo(const Reached& each, std::ostream* out) {
+  *out << each.excel;
+}
 
 class Reaching : public testing::TestWithParam<Reached> {};
 

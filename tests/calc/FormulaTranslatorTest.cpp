@@ -13,6 +13,10 @@ struct Case {
   const char* excel;
 };
 
+void PrintTo(const Case& each, std::ostream* out) {
+  *out << each.calc;
+}
+
 class ToExcel : public testing::TestWithParam<Case> {};
 
 TEST_P(ToExcel, WritesWhatExcelWouldWrite) {

@@ -10,6 +10,10 @@ struct Case {
   TableItems items;
 };
 
+void PrintTo(const Case& each, std::ostream* out) {
+  *out << each.text;
+}
+
 class TableBrackets : public testing::TestWithParam<Case> {};
 
 TEST_P(TableBrackets, SayWhichPartIsMeant) {

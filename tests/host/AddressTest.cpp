@@ -12,6 +12,10 @@ struct Parsed {
   Areas areas;
 };
 
+void PrintTo(const Parsed& parsed, std::ostream* out) {
+  *out << parsed.text;
+}
+
 class AddressText : public ::testing::TestWithParam<Parsed> {};
 
 TEST_P(AddressText, GivesItsAreas) {

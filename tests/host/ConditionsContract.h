@@ -1,7 +1,5 @@
 // The contract of the port Spreadsheet on format conditions. Used as SpreadsheetContract.h is, but
-// over ruledWorkbook():
-//
-//   INSTANTIATE_TEST_SUITE_P(Memory, ConditionsContract, ::testing::Values(&openRulesInMemory));
+// over ruledWorkbook().
 #pragma once
 
 #include "tests/host/SpreadsheetContract.h"

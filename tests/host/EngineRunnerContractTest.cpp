@@ -14,6 +14,7 @@ std::unique_ptr<ScriptRunner> makeEngineRunner() {
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(Engine, ScriptRunnerContract, testing::Values(&makeEngineRunner));
+INSTANTIATE_TEST_SUITE_P(Engine, ScriptRunnerContract,
+                         testing::Values(ScriptRunnerMaker{"engine", &makeEngineRunner}));
 
 }  // namespace quorin

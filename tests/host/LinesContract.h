@@ -1,7 +1,5 @@
 // The contract of the port Spreadsheet on names, hidden rows and columns and what the window shows.
-// Used as SpreadsheetContract.h is, over the same workbook:
-//
-//   INSTANTIATE_TEST_SUITE_P(Memory, LinesContract, ::testing::Values(&openInMemory));
+// Used as SpreadsheetContract.h is, over the same workbook.
 #pragma once
 
 #include "tests/host/SpreadsheetContract.h"

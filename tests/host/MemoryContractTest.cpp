@@ -28,10 +28,14 @@ std::unique_ptr<OpenSpreadsheet> openRulesInMemory() {
   return std::make_unique<InMemory>(ruledWorkbook());
 }
 
-INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract, ::testing::Values(&openInMemory));
-INSTANTIATE_TEST_SUITE_P(Memory, LinesContract, ::testing::Values(&openInMemory));
-INSTANTIATE_TEST_SUITE_P(Memory, ConditionsContract, ::testing::Values(&openRulesInMemory));
-INSTANTIATE_TEST_SUITE_P(Memory, ScratchContract, ::testing::Values(&openInMemory));
+INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"memory", &openInMemory}));
+INSTANTIATE_TEST_SUITE_P(Memory, LinesContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"memory", &openInMemory}));
+INSTANTIATE_TEST_SUITE_P(Memory, ConditionsContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"memory", &openRulesInMemory}));
+INSTANTIATE_TEST_SUITE_P(Memory, ScratchContract,
+                         ::testing::Values(OpenSpreadsheetFactory{"memory", &openInMemory}));
 
 }  // namespace
 }  // namespace quorin::fakes

@@ -131,6 +131,10 @@ struct Formula {
   host::CellValue result;
 };
 
+void PrintTo(const Formula& formula, std::ostream* out) {
+  *out << formula.text;
+}
+
 class MemoryEvaluation : public ::testing::TestWithParam<Formula> {};
 
 TEST_P(MemoryEvaluation, ComputesAsExcelDoes) {

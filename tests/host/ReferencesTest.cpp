@@ -126,6 +126,10 @@ struct Binding {
   const char* address;
 };
 
+void PrintTo(const Binding& binding, std::ostream* out) {
+  *out << binding.text;
+}
+
 class RangeText : public ObjectModelTest, public ::testing::WithParamInterface<Binding> {};
 
 TEST_P(RangeText, BindsOnTheSheetItNames) {

@@ -1,7 +1,5 @@
 // The contract of the port Spreadsheet on workbooks of our own. Used as SpreadsheetContract.h is,
-// over the same workbook:
-//
-//   INSTANTIATE_TEST_SUITE_P(Memory, ScratchContract, ::testing::Values(&openInMemory));
+// over the same workbook.
 #pragma once
 
 #include "tests/host/SpreadsheetContract.h"

@@ -11,6 +11,10 @@ struct Split {
   std::string rest;
 };
 
+void PrintTo(const Split& split, std::ostream* out) {
+  *out << split.text;
+}
+
 class Prefixed : public ::testing::TestWithParam<Split> {};
 
 TEST_P(Prefixed, SplitsIntoBookSheetAndRest) {

@@ -1,7 +1,8 @@
 // The contract of the port Spreadsheet, run against every implementation of it. A test program
 // includes this header once and instantiates the suite:
 //
-//   INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract, ::testing::Values(&openInMemory));
+//   INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract,
+//                            ::testing::Values(OpenSpreadsheetFactory{"memory", &openInMemory}));
 //
 // The factory opens exactly knownWorkbook() and may hand out the same open workbook again: the
 // tests change nothing but the selection, and set it before they rely on it.
@@ -19,6 +20,7 @@
 
 #include "host/Address.h"
 #include "host/Spreadsheet.h"
+#include "tests/fakes/Named.h"
 #include "tests/fakes/WorkbookDescription.h"
 
 namespace quorin::fakes {
@@ -30,12 +32,12 @@ class OpenSpreadsheet {
   virtual std::string book() = 0;  // the name that the known workbook goes by there
 };
 
-using OpenSpreadsheetFactory = std::unique_ptr<OpenSpreadsheet> (*)();
+using OpenSpreadsheetFactory = Named<std::unique_ptr<OpenSpreadsheet> (*)()>;
 
 class SpreadsheetContract : public ::testing::TestWithParam<OpenSpreadsheetFactory> {
  protected:
   void SetUp() override {
-    open_ = GetParam()();
+    open_ = GetParam().value();
     ASSERT_NE(open_, nullptr);
     book_ = open_->book();
   }

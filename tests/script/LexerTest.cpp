@@ -45,6 +45,10 @@ struct Case {
   const char* expected;
 };
 
+void PrintTo(const Case& each, std::ostream* out) {
+  *out << each.source;
+}
+
 class Lexer : public testing::TestWithParam<Case> {};
 
 TEST_P(Lexer, SplitsIntoTokens) {

@@ -58,6 +58,7 @@ TEST(MacArchiver, PacksTheFolderItself) {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(AppleScript, ScriptRunnerContract,
-                         testing::Values(&makeAppleScriptRunner));
+                         testing::Values(ScriptRunnerMaker{"NSAppleScript",
+                                                           &makeAppleScriptRunner}));
 
 }  // namespace quorin

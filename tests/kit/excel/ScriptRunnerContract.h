@@ -1,7 +1,8 @@
 // The contract of the port ScriptRunner, run against every implementation of it. A test program
 // includes this header once and instantiates the suite:
 //
-//   INSTANTIATE_TEST_SUITE_P(Engine, ScriptRunnerContract, testing::Values(&makeEngineRunner));
+//   INSTANTIATE_TEST_SUITE_P(Engine, ScriptRunnerContract,
+//                            testing::Values(ScriptRunnerMaker{"engine", &makeEngineRunner}));
 //
 // The scripts speak to no application.
 #pragma once
@@ -13,10 +14,11 @@
 
 #include "kit/excel/ScriptRunner.h"
 #include "kit/value/Marshal.h"
+#include "tests/fakes/Named.h"
 
 namespace quorin {
 
-using ScriptRunnerMaker = std::unique_ptr<ScriptRunner> (*)();
+using ScriptRunnerMaker = fakes::Named<std::unique_ptr<ScriptRunner> (*)()>;
 
 class ScriptRunnerContract : public testing::TestWithParam<ScriptRunnerMaker> {
  protected:
@@ -76,7 +78,7 @@ end c_record
     return reply.error ? reply.error->number.value_or(0) : 0;
   }
 
-  const std::unique_ptr<ScriptRunner> runner = GetParam()();
+  const std::unique_ptr<ScriptRunner> runner = GetParam().value();
 };
 
 TEST_P(ScriptRunnerContract, HandsEveryValueOverAndBack) {
@@ -127,7 +129,7 @@ TEST_P(ScriptRunnerContract, KeepsTheScriptFromCallToCall) {
 }
 
 TEST_P(ScriptRunnerContract, SaysWhyAScriptDoesNotCompile) {
-  const auto error = GetParam()()->compile("on broken(\nreturn 1\nend broken\n");
+  const auto error = GetParam().value()->compile("on broken(\nreturn 1\nend broken\n");
   ASSERT_TRUE(error);
   EXPECT_NE(error->number.value_or(0), 0);
   EXPECT_NE(error->message.value_or(""), "");

@@ -10,6 +10,10 @@ struct AreaCase {
   int areas;
 };
 
+void PrintTo(const AreaCase& each, std::ostream* out) {
+  *out << each.address;
+}
+
 class SelectionAreaCount : public testing::TestWithParam<AreaCase> {};
 
 TEST_P(SelectionAreaCount, CountsSeparatorsOutsideQuotesAndBrackets) {
