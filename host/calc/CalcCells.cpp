@@ -2,25 +2,21 @@
 
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/chart2/data/XDataProvider.hpp>
-#include <com/sun/star/chart2/data/XTextualDataSequence.hpp>
-#include <com/sun/star/lang/XMultiServiceFactory.hpp>
-#include <com/sun/star/sheet/CellFlags.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
-#include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/table/XCell.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string_view>
 
 #include "host/Address.h"
+#include "host/calc/AreaGrid.h"
 #include "host/calc/BooleanFormats.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CalcTexts.h"
 #include "host/calc/CellData.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/FormulaTranslator.h"
@@ -34,110 +30,7 @@ using css::table::XCellRange;
 using css::uno::Any;
 using css::uno::Reference;
 using css::uno::Sequence;
-using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
-
-void refuseTooMany(const Area& area) {
-  if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
-}
-
-template <typename T>
-Grid<T> gridFor(const Area& area) {
-  refuseTooMany(area);
-  Grid<T> grid;
-  grid.rows = rowCount(area);
-  grid.columns = columnCount(area);
-  grid.cells.resize(static_cast<std::size_t>(grid.rows) * static_cast<std::size_t>(grid.columns));
-  return grid;
-}
-
-template <typename T>
-T& cellAt(Grid<T>& grid, int row, int column) {  // 0-based
-  return grid.cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(grid.columns) +
-                    static_cast<std::size_t>(column)];
-}
-
-// Calls `visit` with the 0-based position of every cell of `found` that lies in the area.
-void forEachCell(const Reference<css::sheet::XSheetCellRanges>& found, const Area& area,
-                 const std::function<void(int row, int column)>& visit) {
-  for (const auto& address : found->getRangeAddresses()) {
-    const Area part = areaOf(address);
-    for (int row = std::max(part.firstRow, area.firstRow);
-         row <= std::min(part.lastRow, area.lastRow); ++row) {
-      for (int column = std::max(part.firstColumn, area.firstColumn);
-           column <= std::min(part.lastColumn, area.lastColumn); ++column) {
-        visit(row - area.firstRow, column - area.firstColumn);
-      }
-    }
-  }
-}
-
-Grid<std::string> textsOneByOne(const Reference<XCellRange>& cells, const Area& area) {
-  Grid<std::string> grid = gridFor<std::string>(area);
-  for (int row = 0; row < grid.rows; ++row) {
-    for (int column = 0; column < grid.columns; ++column) {
-      const Reference<css::text::XTextRange> cell(cells->getCellByPosition(column, row),
-                                                  UNO_QUERY_THROW);
-      cellAt(grid, row, column) = toText(cell->getString());
-    }
-  }
-  return grid;
-}
-
-// The smallest rectangle with all that stands in the cells; nothing when they are blank.
-std::optional<Area> filledPart(const Reference<XCellRange>& cells) {
-  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
-                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
-  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  std::optional<Area> filled;
-  for (const auto& address : query->queryContentCells(contents)->getRangeAddresses()) {
-    const Area part = areaOf(address);
-    if (!filled) filled = part;
-    filled = Area{
-        std::min(filled->firstRow, part.firstRow), std::min(filled->firstColumn, part.firstColumn),
-        std::max(filled->lastRow, part.lastRow), std::max(filled->lastColumn, part.lastColumn)};
-  }
-  return filled;
-}
-
-// The displayed texts of a rectangle in one call, whether its rows are hidden or not, column by
-// column. What lies beyond a sheet's contents is cut off without a word.
-Sequence<rtl::OUString> shownTexts(const Workbook& workbook, const std::string& sheet,
-                                   const Area& area) {
-  Reference<css::chart2::data::XDataProvider>& provider = workbook.shownTexts;
-  if (!provider.is()) {
-    const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
-    provider.set(factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
-    // A workbook may say that charts leave hidden rows and columns out.
-    Reference<css::beans::XPropertySet>(provider, UNO_QUERY_THROW)
-        ->setPropertyValue("IncludeHiddenCells", Any(true));
-  }
-  const Reference<css::chart2::data::XTextualDataSequence> sequence(
-      provider->createDataSequenceByRangeRepresentation(toUno(calcAddress(sheet, area))),
-      UNO_QUERY);
-  return sequence.is() ? sequence->getTextualData() : Sequence<rtl::OUString>();
-}
-
-// All of them in one call, or in two: of exactly the filled part when something was cut off.
-Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area) {
-  Grid<std::string> grid = gridFor<std::string>(area);
-  Area told = area;
-  Sequence<rtl::OUString> texts = shownTexts(workbook, sheet, told);
-  if (texts.getLength() != cellCount({told})) {
-    const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
-    const std::optional<Area> filled = filledPart(cells);
-    if (!filled) return grid;
-    told = *filled;
-    texts = shownTexts(workbook, sheet, told);
-    if (texts.getLength() != cellCount({told})) return textsOneByOne(cells, area);
-  }
-  const int rows = rowCount(told);
-  for (sal_Int32 i = 0; i < texts.getLength(); ++i) {
-    cellAt(grid, told.firstRow - area.firstRow + i % rows,
-           told.firstColumn - area.firstColumn + i / rows) = toText(texts[i]);
-  }
-  return grid;
-}
 
 struct Place {
   int row, column;  // 0-based, in the grid
@@ -229,27 +122,7 @@ constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
                                 css::sheet::FormulaResult::STRING |
                                 css::sheet::FormulaResult::ERROR;
 
-// An error shows as Excel's text for it, whatever Calc calls it in the user's language.
-void nameErrors(const Reference<XCellRange>& cells, const Area& area, Grid<std::string>& texts) {
-  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  std::map<std::string, std::string> names;
-  const auto errors = query->queryFormulaCells(css::sheet::FormulaResult::ERROR);
-  forEachCell(errors, area, [&](int row, int column) {
-    std::string& text = cellAt(texts, row, column);
-    auto name = names.find(text);
-    if (name == names.end() || text.empty()) {
-      const std::string told = errorText(cells->getCellByPosition(column, row)->getError());
-      name = names.insert_or_assign(text, told).first;
-    }
-    text = name->second;
-  });
-}
-
 }  // namespace
-
-std::optional<Area> filledPart(const Workbook& workbook, const RangeRef& range) {
-  return filledPart(cellsOf(workbook, range.sheet.sheet, firstArea(range)));
-}
 
 Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbook,
                            const std::string& sheet, const Area& area,
@@ -368,17 +241,6 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
     cellAt(grid, row, column) = toText(text);
   });
   return grid;
-}
-
-Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors) {
-  const Area& area = firstArea(range);
-  const bool several = area.firstRow != area.lastRow || area.firstColumn != area.lastColumn;
-  if (several && errors == Errors::none) return bulkTexts(workbook, range.sheet.sheet, area);
-  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
-  Grid<std::string> texts =
-      several ? bulkTexts(workbook, range.sheet.sheet, area) : textsOneByOne(cells, area);
-  if (errors == Errors::possible) nameErrors(cells, area, texts);
-  return texts;
 }
 
 }  // namespace quorin::host::calc

@@ -23,14 +23,16 @@ namespace {
 
 using css::container::XNameAccess;
 using css::uno::Reference;
+using css::uno::Sequence;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
-bool isBlank(const Reference<css::sheet::XSheetCellCursor>& cells) {
+// Where anything stands in the cells.
+Sequence<css::table::CellRangeAddress> filledParts(const Reference<css::uno::XInterface>& cells) {
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
   constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
                                  css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
-  return query->queryContentCells(contents)->getRangeAddresses().getLength() == 0;
+  return query->queryContentCells(contents)->getRangeAddresses();
 }
 
 Area enclosing(const Area& a, const Area& b) {
@@ -100,7 +102,7 @@ std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeR
   const Area& start = firstArea(range);
   Area& found = region->areas.front();
   if (host::intersection(found, start) != start) {
-    found = isBlank(cursor) ? start : enclosing(found, start);
+    found = !filledParts(cursor).hasElements() ? start : enclosing(found, start);
   }
   return region;
 }
@@ -111,6 +113,15 @@ std::optional<RangeRef> findUsedRange(const Workbook& workbook, const std::strin
   used->gotoStartOfUsedArea(false);
   used->gotoEndOfUsedArea(true);
   return rangeOf(workbook, cursor);
+}
+
+std::optional<Area> findFilledPart(const Reference<css::table::XCellRange>& cells) {
+  std::optional<Area> filled;
+  for (const auto& address : filledParts(cells)) {
+    const Area part = areaOf(address);
+    filled = filled ? enclosing(*filled, part) : part;
+  }
+  return filled;
 }
 
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,

@@ -10,6 +10,7 @@
 #include "host/calc/CalcNames.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcSession.h"
+#include "host/calc/CalcTexts.h"
 #include "host/calc/CalcView.h"
 #include "host/calc/Text.h"
 

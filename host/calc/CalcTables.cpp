@@ -4,9 +4,9 @@
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 
 #include "host/Address.h"
-#include "host/calc/CalcCells.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CalcTexts.h"
 #include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {

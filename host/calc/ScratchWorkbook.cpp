@@ -7,6 +7,7 @@
 #include "host/Address.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcEvaluator.h"
+#include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellWriter.h"
 #include "host/calc/ExpressionScope.h"
@@ -110,7 +111,7 @@ void ScratchWorkbook::clear(const Area& area) {
 }
 
 bool ScratchWorkbook::isBlank(const Area& area) {
-  return !filledPart(workbook(), {{name_, onlySheet}, {area}});
+  return !findFilledPart(cellsOf(workbook(), onlySheet, area));
 }
 
 Grid<CellValue> ScratchWorkbook::formulas(const RangeRef& range) {

@@ -9,6 +9,7 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcCells.h"
+#include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellWriter.h"
 #include "host/calc/MirrorNames.h"
@@ -164,7 +165,8 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
   long long cells = 0;
   for (RangeRef& range : wanted(reach)) {
     if (cellCount(range.areas) > fewCells) {
-      const auto filled = filledPart(*workbooks.named(range.sheet.book), range);
+      const auto filled = findFilledPart(
+          cellsOf(*workbooks.named(range.sheet.book), range.sheet.sheet, firstArea(range)));
       if (!filled) continue;
       range.areas = {*filled};
     }

@@ -1,0 +1,23 @@
+// CalcTexts: the displayed texts of cells, read a rectangle at a time. Call thread.
+#pragma once
+
+#include <string>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+
+namespace quorin::host::calc {
+
+// Whether any of the cells may hold an error, which is asked for then: it shows as Excel's text for
+// it.
+enum class Errors { possible, none };
+
+// All of the first area.
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range,
+                            Errors errors = Errors::possible);
+
+// Errors in the user's language. A call or two for all of them, which for one cell takes longer
+// than its own text.
+Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area);
+
+}  // namespace quorin::host::calc
