@@ -27,6 +27,10 @@ ResultSize sizeFrom(const css::uno::Any& told) {
 
 }  // namespace
 
+bool ResultSize::isTooLarge() const {
+  return static_cast<long long>(rows) * columns > mostResultCells;
+}
+
 class FormulaCells::Formula {
  public:
   Formula(const Reference<css::sheet::XArrayFormulaRange>& cells,
@@ -71,15 +75,12 @@ ResultSize FormulaCells::sizeOf(const CalcExpression& expression) {
   const Formula asking(
       formula_, contents_,
       "=ROWS(" + text + ")*" + std::to_string(columnsLimit) + "+COLUMNS(" + text + ")");
-  const ResultSize size = sizeFrom(data_->getDataArray()[0][0]);
-  if (static_cast<long long>(size.rows) * size.columns > mostResultCells) {
-    throw SpreadsheetError(-50, "The result has too many cells");
-  }
-  return size;
+  return sizeFrom(data_->getDataArray()[0][0]);
 }
 
 Evaluation FormulaCells::valueOf(const CalcExpression& expression) {
   const ResultSize size = sizeOf(expression);
+  if (size.isTooLarge()) throw SpreadsheetError(-50, "The result has too many cells");
   const std::string text = "=" + expression.text;
   if (size.rows == 1 && size.columns == 1) {
     const Formula formula(formula_, contents_, text);

@@ -16,6 +16,8 @@ namespace quorin::host::calc {
 
 struct ResultSize {
   int rows = 1, columns = 1;
+
+  bool isTooLarge() const;  // to be calculated in passing
 };
 
 class FormulaCells {
@@ -23,8 +25,7 @@ class FormulaCells {
   // From that cell on. The workbook outlives them, and its sheet keeps its name.
   FormulaCells(Workbook& workbook, std::string sheet, int row, int column);
 
-  // How many cells the expression, in Calc's grammar without "=", fills. SpreadsheetError -50 when
-  // they are too many.
+  // How many cells the expression, in Calc's grammar without "=", fills.
   ResultSize sizeOf(const CalcExpression& expression);
   // What it gives as an array formula. SpreadsheetError -50 when that is too many cells.
   Evaluation valueOf(const CalcExpression& expression);

@@ -91,12 +91,17 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
   const Area target{cell.first, cell.second, cell.first + size.rows - 1,
                     cell.second + size.columns - 1};
-  if (!isBlank(target)) {
+  if (target.lastRow > maxRow || target.lastColumn > maxColumn || !isBlank(target)) {
     enter(own, noRoom);
     return;
   }
-  enter(target, "=" + calc->text);
-  if (target != own) spills_[cell] = target;
+  Area entered = target;
+  if (size.isTooLarge()) {  // no more than shows that it spills
+    entered.lastRow = std::min(target.lastRow, target.firstRow + 1);
+    entered.lastColumn = std::min(target.lastColumn, target.firstColumn + 1);
+  }
+  enter(entered, "=" + calc->text);
+  if (entered != own) spills_[cell] = entered;
 }
 
 void ScratchWorkbook::enter(const Area& area, const std::string& formula) {

@@ -24,7 +24,8 @@ class ScratchWorkbook {
   const std::string& name() const { return name_; }
   Workbook& workbook() { return mirror_.workbook(); }
 
-  // Into the range's first cell; anything without "=" is a text.
+  // Into the range's first cell; anything without "=" is a text. Of a result too large to be
+  // calculated in passing only the first cells are there.
   void setFormula(CalcWorkbooks& workbooks, const RangeRef& range, const std::string& formula);
   // As they were written, and the values of cells without one.
   Grid<CellValue> formulas(const RangeRef& range);

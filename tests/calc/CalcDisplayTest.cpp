@@ -11,6 +11,7 @@
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/PrivateOffice.h"
 #include "host/calc/RunningOffice.h"
+#include "tests/calc/Chain.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/StoppedProcess.h"
@@ -142,6 +143,27 @@ TEST_F(CalcDisplay, NeverEntersWhatIsHalfTyped) {
   keys({"key", "Escape"});
   EXPECT_TRUE(eventually([] { return moveAway() == 0; }));
   EXPECT_EQ(calc().values(at("H20")).cells, std::vector<CellValue>{Blank{}});
+}
+
+TEST_F(CalcDisplay, LetsTheUserTypeOnDuringAChain) {
+  keys({"type", "abc"});
+  ASSERT_TRUE(eventually([] { return moveAway() == -10000; }));
+  {
+    Chain chain(calc(), {"[Known.xlsx]Data!B2*2", "A1+42"});
+    EXPECT_EQ(chain.value(), CellValue(45.0));
+  }
+  EXPECT_EQ(calc().activeWorkbook(), "Known.xlsx");
+  EXPECT_EQ(calc().formulas(at("C2:C3"), ReferenceStyle::r1c1).cells,
+            (std::vector<CellValue>{"=RC[-1]*2", "=RC[-1]*2"}));
+  EXPECT_EQ(calc().usedRange(at("A1").sheet), at("A1:E10"));
+  EXPECT_EQ(calc().activeCell(), at("H20"));
+  keys({"type", "def"});
+  keys({"key", "Return"});
+  EXPECT_TRUE(eventually(
+      [] { return calc().values(at("H20")).cells == std::vector<CellValue>{"abcdef"}; }));
+  keys({"key", "ctrl+z"});
+  EXPECT_TRUE(
+      eventually([] { return calc().values(at("H20")).cells == std::vector<CellValue>{Blank{}}; }));
 }
 
 TEST_F(CalcDisplay, NoticesAnEditOfAnExistingEntryAndOfAFormula) {

@@ -17,6 +17,8 @@
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/PrivateOffice.h"
+#include "tests/calc/Chain.h"
+#include "tests/calc/ChangingOffice.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -49,18 +51,6 @@ int numberOf(const std::function<void()>& call) {
   }
   return 0;
 }
-
-// An office that can be exchanged for another, as a user quits and starts one.
-class ChangingOffice : public OfficeSource {
- public:
-  explicit ChangingOffice(std::shared_ptr<PrivateOffice> office) : office_(std::move(office)) {}
-  void replace(std::shared_ptr<PrivateOffice> office) { office_ = std::move(office); }
-  bool isRunning() override { return office_ && office_->isRunning(); }
-  OfficeAddress open() override { return office_->open(); }
-
- private:
-  std::shared_ptr<PrivateOffice> office_;
-};
 
 class CalcFaults : public testing::Test {
  protected:
@@ -207,13 +197,24 @@ TEST_F(CalcFaults, LeavesNothingBehind) {
 }
 
 TEST_F(CalcFaults, ConnectsAgainToAnOfficeStartedAnew) {
+  const auto evaluated = [&] { return calc.evaluate("B2*2+A7", {"Known.xlsx", "Data"}); };
+  EXPECT_EQ(evaluated(), Evaluation(CellValue(45.0)));
+  const std::string scratch = calc.makeWorkbook();
+  ASSERT_TRUE(stopProcess(office->process()));
+  auto call = std::async(std::launch::async, [&] { return numberOf(evaluated); });
+  EXPECT_EQ(call.wait_for(300ms), std::future_status::timeout);
   ASSERT_EQ(::kill(office->process(), SIGKILL), 0);
+  EXPECT_EQ(call.get(), -609);
   EXPECT_TRUE(eventually([&] { return !calc.isRunning(); }));
   EXPECT_NE(numberOf([&] { calc.workbooks(); }), 0);
   office = std::make_shared<PrivateOffice>();
   source->replace(office);
   calc.openWorkbook((folder / "Known.xlsx").string());
   EXPECT_EQ(calc.values(cell("A7")).cells, std::vector<CellValue>{42.0});
+  EXPECT_EQ(evaluated(), Evaluation(CellValue(45.0)));
+  EXPECT_EQ(calc.workbooks(), std::vector<std::string>{"Known.xlsx"});
+  EXPECT_EQ(numberOf([&] { calc.closeWorkbook(scratch); }), -1728);
+  EXPECT_EQ(Chain(calc, {"[Known.xlsx]Data!B2*2", "A1+42"}).value(), CellValue(45.0));
 }
 
 // Ends every connection of this process to the office, whose end of them goes on.

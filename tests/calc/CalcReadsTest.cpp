@@ -1,108 +1,12 @@
-// Ranges, formulas, the map and evaluations on Calc, all the way, where they are at their edges.
-#include <future>
-#include <gmock/gmock.h>
-#include <memory>
-#include <signal.h>
-
-#include "kit/value/Marshal.h"
-#include "tests/calc/CalcRoad.h"
-#include "tests/calc/UserHands.h"
-#include "tests/calc/XlsxFile.h"
-#include "tests/fakes/StoppedProcess.h"
+// Ranges, formulas and the map on Calc, all the way, where they are at their edges.
+#include "tests/calc/CalcReads.h"
 
 namespace quorin::host::calc {
 namespace {
 
-using Array = JSONValue::Array;
-using testing::Contains;
 using testing::HasSubstr;
 using testing::StartsWith;
-using namespace std::chrono_literals;
 
-const std::string longName = "Ärger & Übermut (2024) – 31 ch.!";
-
-// Every kind of trouble that a range can be in.
-fakes::WorkbookDescription edges() {
-  fakes::SheetDescription data{"Data",
-                               {{"A1", "Item"},
-                                {"B1", 12.5},
-                                {"C1", true},
-                                {"A2", CellError{"#N/A"}, "=NA()"},
-                                {"B2", 25.0, "=B1*2"},
-                                {"C2", CellError{"#DIV/0!"}, "=1/0"},
-                                {"A3", "last"},
-                                {"E1", 1.0},
-                                {"E2", CellError{"#DIV/0!"}, "=1/0"},
-                                {"E3", 3.0},
-                                {"G1", "=no formula"},
-                                {"G2", "", "=\"\""}}};
-  return {.name = "Edges.xlsx",
-          .sheets = {data,
-                     {"Blank", {}},
-                     {"Hidden", {{"A1", "unseen"}}, true},
-                     {"It's a \"q\"", {{"A1", "quoted"}}},
-                     {"a!b (c)", {{"A1", "marked"}}},
-                     {longName, {{"A1", "long"}, {"A2", 2.0, "=Data!B1"}}}},
-          .names = {{"Rate", "=Data!$B$1"},
-                    {"_xlnm.Print_Area", "=Data!$A$1:$B$2", "Data"},
-                    {"_xlfn.SINGLE", "=#NAME?"},
-                    {"_xlpm.x", "=#NAME?"},
-                    {"Local", "=Blank!$A$1", "Blank"}}};
-}
-
-class CalcReads : public testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    road = std::make_unique<CalcRoad>();
-    folder = std::make_unique<TemporaryFolder>();
-    open({.name = "Second.xlsx", .sheets = {{"Data", {{"A1", "second"}}}}});
-    open(edges());
-    hands = std::make_unique<UserHands>(road->office().open());
-  }
-  static void TearDownTestSuite() {
-    hands.reset();
-    road.reset();
-    folder.reset();
-  }
-  static void open(const fakes::WorkbookDescription& book) {
-    fakes::writeXlsx(book, *folder / book.name);
-    road->open(*folder / book.name);
-  }
-
-  void SetUp() override {
-    road->use([](CalcSpreadsheet& calc) { calc.activateWorkbook("Edges.xlsx"); });
-  }
-
-  // The reply's payload as JSON text, slashes as they are; of a failure with a word before it.
-  static std::string ask(const std::string& verb, Array args = {}) {
-    const Bridge::Reply reply = road->bridge().dispatch(verb, args);
-    std::string text = Marshal::encode(reply.payload);
-    for (std::size_t at = 0; (at = text.find("\\/", at)) != std::string::npos;) text.erase(at, 1);
-    return (reply.ok ? "" : "failed ") + text;
-  }
-  static std::string deep(std::vector<std::string> entries) {
-    return ask("deepEval", {Array(entries.begin(), entries.end())});
-  }
-  static std::string evaluate(const std::string& expression) {
-    return ask("evaluate", {expression});
-  }
-
-  static std::unique_ptr<CalcRoad> road;
-  static std::unique_ptr<TemporaryFolder> folder;
-  static std::unique_ptr<UserHands> hands;
-};
-
-std::unique_ptr<CalcRoad> CalcReads::road;
-std::unique_ptr<TemporaryFolder> CalcReads::folder;
-std::unique_ptr<UserHands> CalcReads::hands;
-
-std::string grid(int rows, int columns, const std::string& values) {
-  return "{\"cols\":" + std::to_string(columns) + ",\"rows\":" + std::to_string(rows) +
-         ",\"values\":" + values + "}";
-}
-std::string failure(const std::string& message) {
-  return R"(failed {"kind":"transport","message":")" + message + "\"}";
-}
 const std::string firstColumn =
     failure("range has an error in its first column - Excel cannot read it as a grid");
 
@@ -152,6 +56,10 @@ TEST_F(CalcReads, FindsWholeRowsAndColumnsTooBigAtOnce) {
   EXPECT_EQ(ask("readRange", {"2:3"}), R"({"cols":16384,"rows":2,"tooBig":true})");
   EXPECT_EQ(ask("readRange", {"A:XFD"}), R"({"cols":16384,"rows":1048576,"tooBig":true})");
   EXPECT_THAT(ask("readRange", {"5:5"}), StartsWith(R"({"cols":16384,"rows":1,"values":[[)"));
+  for (const char* whole : {"A:A", "Hidden!2:3", "A:XFD"}) {
+    EXPECT_EQ(ask("readFormulas", {whole, "r1c1", false}),
+              failure("readFormulas over 20000 cells - chunk the read"));
+  }
 }
 
 TEST_F(CalcReads, RefusesUnionsWithTheirNumbers) {
@@ -277,6 +185,20 @@ TEST_F(CalcReads, MapsSheetsOfEveryKindAndLeavesInternalNamesOut) {
                 longName + R"(","usedRange":"$A$1:$A$2"}],"sheetsTruncated":false})");
 }
 
+TEST_F(CalcReads, ReadsAWorkbookWithNothingInIt) {
+  open({.name = "Empty.xlsx", .sheets = {{"Sheet1", {}}}});
+  const std::string map = ask("workbookMap"), read = ask("readRange", {"A1:B1"}),
+                    formulas = ask("readFormulas", {"A1:B1", "a1", true}),
+                    value = evaluate("A1&\"!\""), chain = deep({"[Empty.xlsx]Sheet1!A1+1"});
+  hands->close("Empty.xlsx");
+  EXPECT_EQ(map, R"({"book":"Empty.xlsx","names":[],)"
+                 R"("sheets":[{"name":"Sheet1","usedRange":"$A$1"}],"sheetsTruncated":false})");
+  EXPECT_EQ(read, grid(1, 2, R"([["",""]])"));
+  EXPECT_EQ(formulas, R"({"cols":2,"formulas":[["",""]],"rows":1,"values":[]})");
+  EXPECT_EQ(value, R"({"ok":true,"value":"!"})");
+  EXPECT_EQ(chain, R"({"ok":true,"value":1})");
+}
+
 TEST_F(CalcReads, MapsFiftyOneSheetsAndNoNames) {
   fakes::WorkbookDescription book{.name = "Fifty.xlsx", .sheets = {}};
   for (int i = 1; i <= 50; ++i) book.sheets.push_back({"S" + std::to_string(i), {{"A1", 1.0}}});
@@ -320,70 +242,6 @@ TEST_F(CalcReads, NoticesThatAWorkbookWasClosed) {
   EXPECT_EQ(deep({"[Third.xlsx]Only!A1"}), R"({"ok":true,"value":"#REF!"})");
 }
 
-TEST_F(CalcReads, EvaluatesOrSaysWhyNot) {
-  const std::string misunderstood =
-      R"({"kind":"excelError","message":"Microsoft Excel got an error: application \"Microsoft Excel\" )"
-      R"(doesn't understand the evaluate message.","ok":false})";
-  EXPECT_EQ(evaluate("{1,2;3,4}"), R"({"ok":true,"value":[[1,2],[3,4]]})");
-  EXPECT_EQ(evaluate("1+"), misunderstood);
-  EXPECT_EQ(evaluate("\"open"), misunderstood);
-  for (const char* unknown : {"NOSUCH(1)", "NoName"}) {
-    EXPECT_EQ(evaluate(unknown), R"({"kind":"excelError","message":"#NAME?","ok":false})");
-  }
-  for (const char* nowhere : {"Nowhere!A1", "[Gone.xlsx]Data!A1"}) {
-    EXPECT_EQ(evaluate(nowhere), R"({"kind":"excelError","message":"#REF!","ok":false})");
-  }
-  EXPECT_EQ(
-      evaluate("A1:A3"),
-      R"({"kind":"transport","message":"evaluate result could not be marshalled","ok":false})");
-  EXPECT_THAT(road->log(), Contains("ERROR evaluate failed code=-1708 len=9"));
-}
-
-TEST_F(CalcReads, NamesTheErrorOfCellsThatGoRoundInACircle) {
-  open({.name = "Round.xlsx", .sheets = {{"Data", {{"C1", 1.0}}}}});
-  hands->enter("Round.xlsx", "Data", "A1", "=B1");
-  hands->enter("Round.xlsx", "Data", "B1", "=A1+C1");
-  const std::string read = ask("readRange", {"A1:A2"}), value = evaluate("A1+C1");
-  hands->close("Round.xlsx");
-  EXPECT_EQ(read, grid(2, 1, R"([["#REF!"],[""]])"));
-  EXPECT_EQ(value, R"({"kind":"excelError","message":"#REF!","ok":false})");
-}
-
-TEST_F(CalcReads, EvaluatesWhatIsLongerThanExcelTakes) {
-  for (const std::size_t length : {255U, 256U}) {
-    const std::string expression = "B1" + std::string(length - 4, ' ') + "+1";
-    EXPECT_EQ(evaluate(expression), R"({"ok":true,"value":13.5})") << length;
-  }
-}
-
-TEST_F(CalcReads, EvaluatesAChainOrSaysWhyNot) {
-  const auto refused = [](const std::string& message) {
-    return R"({"kind":"refused","message":"deep-eval)" + message + R"(","ok":false})";
-  };
-  EXPECT_EQ(deep({"1" + std::string(251, ' ') + "+1"}), R"({"ok":true,"value":2})");
-  EXPECT_EQ(deep({std::string(255, '1')}), refused(" entry exceeds 255 characters"));
-  EXPECT_EQ(deep({}), refused(" plan empty"));
-  EXPECT_EQ(deep(std::vector<std::string>(41, "1")), refused(" exceeds 40 entries"));
-  EXPECT_EQ(deep({"ROW(A1:A3)"}), refused(": an intermediate result spilled"));
-  EXPECT_EQ(deep({"1", "{1,2}", "A1"}), refused(": an intermediate result spilled"));
-  EXPECT_EQ(deep({"1+"}), R"({"ok":true,"value":"#NAME?"})");
-  EXPECT_EQ(deep({"NOSUCH(1)"}), R"({"ok":true,"value":"#NAME?"})");
-  EXPECT_EQ(deep({"A2", "A1"}), R"({"ok":true,"value":"#REF!"})");  // goes round in a circle
-  EXPECT_EQ(deep({"1", "A1/0"}), R"({"ok":true,"value":"#DIV/0!"})");
-  EXPECT_THAT(road->log(), Contains("ERROR deepEval failed code=-9005 n=3"));
-}
-
-TEST_F(CalcReads, LeavesNoWorkbookOfItsOwnBehind) {
-  deep({"1"});
-  const int documents = hands->documents();
-  const std::string before = hands->stateOf("Edges.xlsx");
-  for (const char* entry : {"A1+1", "ROW(A1:A3)", "1/0", "1+", "[Second.xlsx]Data!A1"})
-    deep({entry});
-  EXPECT_EQ(hands->documents(), documents);
-  EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
-  EXPECT_THAT(ask("workbookMap"), StartsWith(R"({"book":"Edges.xlsx",)"));
-}
-
 TEST_F(CalcReads, HasNothingToReadWithoutAWorkbook) {
   hands->close("Second.xlsx");
   hands->close("Edges.xlsx");
@@ -400,34 +258,6 @@ TEST_F(CalcReads, HasNothingToReadWithoutAWorkbook) {
   EXPECT_EQ(value, R"({"kind":"transport","message":")" + missing +
                        R"(application \"Microsoft Excel\".","ok":false})");
   EXPECT_EQ(chain, R"({"ok":true,"value":2})");
-}
-
-TEST_F(CalcReads, GivesAChainUpThatTakesTooLongAndCleansUpAfterIt) {
-  deep({"1"});
-  const int documents = hands->documents();
-  ASSERT_TRUE(stopProcess(road->office().process()));
-  int code = 0;
-  try {
-    road->thread().call("qx_deepeval", {Array{"1+2"}}, 0.3);
-  } catch (const ExcelError& error) {
-    code = error.code();
-  }
-  ASSERT_EQ(::kill(road->office().process(), SIGCONT), 0);
-  EXPECT_EQ(code, ExcelError::timedOut);
-  EXPECT_EQ(deep({"1+2"}), R"({"ok":true,"value":3})");  // after the one that went on
-  EXPECT_EQ(hands->documents(), documents);
-}
-
-// The last one: its office is gone afterwards.
-TEST_F(CalcReads, SaysThatTheOfficeDiedUnderAChain) {
-  const pid_t office = road->office().process();
-  ASSERT_TRUE(stopProcess(office));
-  auto reply = std::async(std::launch::async, [] { return deep({"1+2", "A1*2"}); });
-  EXPECT_EQ(reply.wait_for(300ms), std::future_status::timeout);
-  ASSERT_EQ(::kill(office, SIGKILL), 0);
-  EXPECT_THAT(reply.get(), StartsWith(R"({"kind":"transport","message":")"));
-  EXPECT_THAT(road->log(), Contains("ERROR deepEval failed code=-609 n=2"));
-  EXPECT_THAT(evaluate("1+2"), StartsWith(R"({"kind":"transport","message":")"));
 }
 
 }  // namespace

@@ -10,10 +10,10 @@
 #include "host/EngineRunner.h"
 #include "host/ExcelObjectModel.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/PrivateOffice.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/Semaphore.h"
 #include "kit/marks/ShownLinesFile.h"
+#include "tests/calc/ChangingOffice.h"
 #include "tests/fakes/LogLines.h"
 
 namespace quorin::host::calc {
@@ -54,6 +54,11 @@ class CalcRoad {
     onCallThread([&] { keepTraces(); });
   }
   PrivateOffice& office() { return *office_; }
+  // As when the user starts Calc again; the first office ends.
+  void startOfficeAnew() {
+    office_ = std::make_shared<PrivateOffice>();
+    source_->replace(office_);
+  }
   std::shared_ptr<PrivateOffice> sharedOffice() { return office_; }
   std::vector<std::string> log() { return log_.lines(); }
 
@@ -82,7 +87,7 @@ class CalcRoad {
   ScriptRunnerFactory runners() {
     return [this](CallThreadPost post) {
       post_ = std::move(post);
-      auto spreadsheet = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
+      auto spreadsheet = std::make_unique<CalcSpreadsheet>(source_, std::chrono::seconds(60));
       spreadsheet_ = spreadsheet.get();
       keepTraces();
       spreadsheet_->onNotice([this](const std::string& text) { log_.log().log("UNHIDE", text); });
@@ -92,7 +97,8 @@ class CalcRoad {
     };
   }
 
-  const std::shared_ptr<PrivateOffice> office_ = std::make_shared<PrivateOffice>();
+  std::shared_ptr<PrivateOffice> office_ = std::make_shared<PrivateOffice>();
+  const std::shared_ptr<ChangingOffice> source_ = std::make_shared<ChangingOffice>(office_);
   TemporaryFolder folder_;
   fakes::LogLines log_;
   Running target_;

@@ -17,6 +17,7 @@
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/calc/PrivateOffice.h"
+#include "tests/calc/Chain.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/Eventually.h"
@@ -54,6 +55,8 @@ class CalcTraces : public testing::Test {
       const auto* const value = std::get_if<CellValue>(&result);
       ASSERT_TRUE(value != nullptr && std::holds_alternative<double>(*value)) << expression;
     }
+    Chain chain(calc, {"[Known.xlsx]Data!B2*2", "A1+42"});
+    EXPECT_EQ(chain.value(), CellValue(45.0));
   }
   // The files and folders that the office has made, its settings left out.
   std::set<std::string> files() const {

@@ -75,6 +75,17 @@ TEST_F(ReadsRoad, BindsSheetsAndNames) {
   EXPECT_THAT(ask("readRange", {"no such place"}), testing::StartsWith("failed"));
 }
 
+TEST_F(ReadsRoad, RefusesWhatIsNoAddressByItsText) {
+  for (const std::string address : {"", " ", "junk", "A0", "XFE1", "A1048577", "#REF!",
+                                    "A1:", "Data!", "R1C1", "=A1", "A1 B1", "A1#", "Factor"}) {
+    const std::string reply =
+        R"(failed {"kind":"transport","message":"Microsoft Excel got an error: Can't get range \")" +
+        address + R"(\"."})";
+    EXPECT_EQ(ask("readRange", {address}), reply);
+    EXPECT_EQ(ask("readFormulas", {address, "a1", true}), reply);
+  }
+}
+
 TEST_F(ReadsRoad, MapsTheWorkbook) {
   EXPECT_EQ(ask("workbookMap"),
             R"({"book":"Known.xlsx","names":[{"name":"Factor","refersTo":"=0.2"},)"
@@ -141,6 +152,18 @@ TEST_F(ReadsRoad, NoticesThatAWorkbookWasClosed) {
   EXPECT_THAT(ask("readRange", {"[Second.xlsx]Only!A1"}),
               HasSubstr("workbook not open: Second.xlsx"));
   EXPECT_THAT(ask("readRange", {"Only!A1"}), HasSubstr("sheet not found: Only"));
+}
+
+TEST_F(ReadsRoad, ReadsAWorkbookWithNothingInIt) {
+  memory_->open({.name = "Empty.xlsx", .sheets = {{"Sheet1", {}}}});
+  EXPECT_EQ(ask("workbookMap"),
+            R"({"book":"Empty.xlsx","names":[],)"
+            R"("sheets":[{"name":"Sheet1","usedRange":"$A$1"}],"sheetsTruncated":false})");
+  EXPECT_EQ(ask("readRange", {"A1:B1"}), R"({"cols":2,"rows":1,"values":[["",""]]})");
+  excel_->quirks.losesBlanks = true;
+  EXPECT_EQ(ask("readRange", {"A1:B2"}),
+            R"({"cols":2,"rows":2,"values":[[null,null],[null,null]]})");
+  EXPECT_EQ(ask("evaluate", {"A1&\"!\""}), R"({"ok":true,"value":"!"})");
 }
 
 TEST_F(ReadsRoad, HasNothingToReadWithoutAWorkbook) {
@@ -213,6 +236,10 @@ TEST_F(ReadsRoad, RefusesWhatExcelCuts) {
   EXPECT_THAT(ask("deepEval", {plan({sum})}), HasSubstr("\"ok\":true"));
   EXPECT_THAT(ask("deepEval", {plan({sum + "+1"})}),
               HasSubstr("deep-eval entry exceeds 255 characters"));
+  excel_->quirks.longestText = 100;
+  EXPECT_EQ(ask("deepEval", {plan({"1", sum})}),
+            R"({"kind":"refused","message":"deep-eval: Excel truncated an entry","ok":false})");
+  EXPECT_THAT(log_.lines(), testing::Contains("ERROR deepEval failed code=-9004 n=2"));
   EXPECT_EQ(memory_->workbooks(), std::vector<std::string>{"Known.xlsx"});
 }
 
