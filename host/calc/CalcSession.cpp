@@ -44,7 +44,14 @@ Workbook& CalcSession::workbook(const std::string& book) {
   return *asked_;
 }
 
+std::vector<std::string> CalcSession::workbookNames() {
+  std::vector<std::string> names = workbooks_.names();
+  for (std::string& name : scratch_.names()) names.push_back(std::move(name));
+  return names;
+}
+
 std::vector<std::string> CalcSession::worksheets(const std::string& book) {
+  if (scratch_.find(book) != nullptr) return {ScratchWorkbook::onlySheet};
   return workbooks_.sheets(workbook(book));
 }
 

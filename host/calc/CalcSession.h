@@ -36,11 +36,19 @@ class CalcSession {
   CalcEvaluator& evaluator() { return evaluator_; }
   ScratchWorkbooks& scratch() { return scratch_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
+  std::vector<std::string> workbookNames();     // the user's, then the scratch ones
   std::vector<std::string> worksheets(const std::string& book);
-  // In the marks keeper's turn, which lasts until releaseConditions(), or to the end of the time in
-  // which readings are kept. Marks are not added where no keeper can be had: -10000.
-  SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
-  void releaseConditions();
+  // Work with the conditions of a sheet in the marks keeper's turn, which lasts until it ends, or
+  // to the end of the time in which readings are kept. Marks are not added where no keeper can be
+  // had: -10000.
+  template <typename Work>
+  auto withConditions(const SheetRef& sheet, bool adding, Work work) {
+    const struct Release {
+      CalcSession& office;
+      ~Release() { office.releaseConditions(); }
+    } release{*this};
+    return work(conditions(sheet, adding));
+  }
   // Shows lines and remembers them, or hides those that were shown, wherever they are now. Gives
   // the areas that cannot be told any more, which stay as they are. What is known of them by no
   // means is told by its numbers.
@@ -65,6 +73,8 @@ class CalcSession {
   void openWorkbook(const std::string& path);
 
  private:
+  SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
+  void releaseConditions();
   void takeTurn(const Workbook& workbook, bool adding);
   void endTurn();
   void removeUnreachableMarks(const std::string& book);

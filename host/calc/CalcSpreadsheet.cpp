@@ -1,18 +1,16 @@
 #include "host/calc/CalcSpreadsheet.h"
 
 #include <algorithm>
-#include <com/sun/star/lang/DisposedException.hpp>
-#include <iterator>
 
+#include "host/calc/CalcActive.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLines.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcNames.h"
 #include "host/calc/CalcRanges.h"
-#include "host/calc/CalcSession.h"
 #include "host/calc/CalcTexts.h"
 #include "host/calc/CalcView.h"
-#include "host/calc/Text.h"
+#include "host/calc/OfficeCalls.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -26,85 +24,32 @@ std::string lostText(const RangeRef& range, const Area& lost, Lines lines) {
          " sheet=" + range.sheet.sheet;
 }
 
-RangeRef firstCellOf(const ScratchWorkbook& scratch) {
-  return {{scratch.name(), ScratchWorkbook::onlySheet}, {Area{}}};
-}
-
 // Going anywhere in the user's workbooks puts those that are ours behind them.
 CalcNavigation navigation(CalcSession& office) {
   office.scratch().deactivate();
   return CalcNavigation(office.workbooks());
 }
 
-Grid<CellValue> withFirstColumn(Grid<CellValue> first, Grid<CellValue> rest) {
-  Grid<CellValue> all{rest.rows, rest.columns + 1, {}};
-  all.cells.reserve(first.cells.size() + rest.cells.size());
-  auto next = rest.cells.begin();
-  for (CellValue& cell : first.cells) {
-    all.cells.push_back(std::move(cell));
-    std::move(next, next + rest.columns, std::back_inserter(all.cells));
-    next += rest.columns;
-  }
-  return all;
-}
-
 }  // namespace
 
 CalcSpreadsheet::CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
                                  std::chrono::milliseconds patience)
-    : source_(std::move(source)), patience_(patience) {}
+    : office_(std::make_unique<OfficeCalls>(std::move(source), patience, traces_, memory_)) {}
 
-CalcSpreadsheet::~CalcSpreadsheet() {
-  dropSession();
+CalcSpreadsheet::~CalcSpreadsheet() = default;
+
+void CalcSpreadsheet::onKeeperLost(std::function<void()> lost) {
+  office_->onKeeperLost(std::move(lost));
 }
 
 void CalcSpreadsheet::quit() {
-  quitting_ = true;
-  source_->interrupt();
-  const std::lock_guard lock(mutex_);
-  if (session_) session_->interrupt();
+  office_->quit();
 }
 
-CalcSession& CalcSpreadsheet::session() {
-  if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
-  if (session_ && session_->connection().isAlive()) return *session_;
-  dropSession();
-  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_, keeperLost_, &traces_);
-  fresh->keepReadings(inHandler_);
-  const std::lock_guard lock(mutex_);
-  session_ = std::move(fresh);
-  return *session_;
-}
-
-void CalcSpreadsheet::dropSession() {
-  std::unique_ptr<CalcSession> old;
-  const std::lock_guard lock(mutex_);
-  old.swap(session_);
-  old.reset();
-}
-
-// Runs the work, once more when it met a document that was closed meanwhile.
 template <typename Work>
 auto CalcSpreadsheet::call(Work work) {
-  asked_ = Asked::more;
-  for (bool again = true;; again = false) {
-    CalcSession& office = session();
-    try {
-      return work(office);
-    } catch (const css::lang::DisposedException&) {
-      endIfDead();
-      office.workbooks().forget();
-      memory_.forget();
-      if (!again) throw SpreadsheetError(-1728, "The workbook was closed");
-    } catch (const css::uno::RuntimeException& failure) {
-      endIfDead();
-      office.workbooks().forget();
-      memory_.forget();
-      throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
-    } catch (const css::uno::Exception& failure) {
-      throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
-    }
-  }
+  findings_.askedForMore();
+  return office_->run(work);
 }
 
 // What changes something makes all that was read old.
@@ -117,37 +62,27 @@ auto CalcSpreadsheet::change(Work work) {
   });
 }
 
-void CalcSpreadsheet::endIfDead() {
-  if (session_->answers()) return;
-  dropSession();
-  if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
-  throw SpreadsheetError(-609, "LibreOffice ended during the call");
-}
-
 void CalcSpreadsheet::openWorkbook(const std::string& path) {
   change([&](CalcSession& office) { office.openWorkbook(path); });
 }
 
 void CalcSpreadsheet::protectMarks() {
-  if (!quitting_ && session_ && session_->connection().isAlive()) session_->protectMarks();
+  if (CalcSession* const office = office_->livingSession()) office->protectMarks();
 }
 
 void CalcSpreadsheet::handlerBegins() {
   inHandler_ = true;
-  asked_ = Asked::nothing;
-  marks_ = Marks::unasked;
+  findings_.begin();
   memory_.begin();
-  if (session_) session_->keepReadings(true);
+  office_->keepReadings(true);
 }
 
 void CalcSpreadsheet::handlerEnds() {
-  // A handler that asked for names and for nothing else has missed what it was looking for. So has
-  // one that found no mark where it looked: another sheet may have the name now.
-  const bool missed = asked_ == Asked::names || marks_ == Marks::missed;
-  if (session_ && missed) session_->takeBackUnreachable();
+  CalcSession* const office = office_->session();
+  if (office && findings_.missed()) office->takeBackUnreachable();
   inHandler_ = false;
   memory_.end();
-  if (session_) session_->keepReadings(false);
+  office_->keepReadings(false);
   flushTraces();
 }
 
@@ -156,7 +91,7 @@ void CalcSpreadsheet::flushTraces() {
 }
 
 bool CalcSpreadsheet::isRunning() {
-  return source_->isRunning();
+  return office_->isRunning();
 }
 
 std::string CalcSpreadsheet::version() {
@@ -164,12 +99,7 @@ std::string CalcSpreadsheet::version() {
 }
 
 bool CalcSpreadsheet::isFrontmost() {
-  return call([](CalcSession& office) {
-    for (const Window& window : office.workbooks().windows()) {
-      if (calc::isFrontmost(window)) return true;
-    }
-    return false;
-  });
+  return call([](CalcSession& office) { return calc::isFrontmost(office); });
 }
 
 void CalcSpreadsheet::activate() {
@@ -178,96 +108,41 @@ void CalcSpreadsheet::activate() {
   });
 }
 
-// Notes that names were asked for, beside what else was.
-class CalcSpreadsheet::NamesAsked {
- public:
-  explicit NamesAsked(Asked& asked) : asked_(asked), before_(asked) {}
-  ~NamesAsked() { asked_ = before_ == Asked::more ? Asked::more : Asked::names; }
-  NamesAsked(const NamesAsked&) = delete;
-  NamesAsked& operator=(const NamesAsked&) = delete;
-
- private:
-  Asked& asked_;
-  const Asked before_;
-};
-
 std::vector<std::string> CalcSpreadsheet::workbooks() {
-  const NamesAsked note(asked_);
-  return memory_.workbooks([this] {
-    return call([](CalcSession& office) {
-      std::vector<std::string> names = office.workbooks().names();
-      for (std::string& name : office.scratch().names()) names.push_back(std::move(name));
-      return names;
-    });
-  });
+  const HandlerFindings::NamesAsked note(findings_);
+  return memory_.workbooks(
+      [this] { return call([](CalcSession& office) { return office.workbookNames(); }); });
 }
 
 std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
-  const NamesAsked note(asked_);
-  return call([&](CalcSession& office) {
-    if (office.scratch().find(book) != nullptr) {
-      return std::vector<std::string>{ScratchWorkbook::onlySheet};
-    }
-    return office.worksheets(book);
-  });
+  const HandlerFindings::NamesAsked note(findings_);
+  return call([&](CalcSession& office) { return office.worksheets(book); });
 }
 
 std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
-  return call([&](CalcSession& office) -> std::optional<Bounds> {
-    const auto active = office.workbooks().active();
-    if (!active || index < 1) return std::nullopt;
-    if (index == 1) return boundsOf(*active);
-    int position = 1;
-    for (const Window& window : office.workbooks().windows()) {
-      if (window.frame != active->frame && ++position == index) return boundsOf(window);
-    }
-    return std::nullopt;
-  });
+  return call([&](CalcSession& office) { return calc::windowBounds(office, index); });
 }
 
 std::optional<std::string> CalcSpreadsheet::activeWorkbook() {
-  return memory_.activeWorkbook([this] {
-    return call([](CalcSession& office) -> std::optional<std::string> {
-      if (const auto* scratch = office.scratch().active()) return scratch->name();
-      const auto window = office.workbooks().active();
-      return !window ? std::nullopt : std::optional(window->workbook->name);
-    });
-  });
+  return memory_.activeWorkbook(
+      [this] { return call([](CalcSession& office) { return calc::activeWorkbook(office); }); });
 }
 
 std::optional<SheetRef> CalcSpreadsheet::activeSheet() {
-  return memory_.activeSheet([this] {
-    return call([](CalcSession& office) -> std::optional<SheetRef> {
-      if (const auto* scratch = office.scratch().active())
-        return SheetRef{scratch->name(), ScratchWorkbook::onlySheet};
-      const auto window = office.workbooks().active();
-      return !window ? std::nullopt
-                     : std::optional(calc::activeSheetOf(office.workbooks(), *window));
-    });
-  });
+  return memory_.activeSheet(
+      [this] { return call([](CalcSession& office) { return calc::activeSheet(office); }); });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::activeCell() {
-  return call([](CalcSession& office) -> std::optional<RangeRef> {
-    if (const auto* scratch = office.scratch().active()) return firstCellOf(*scratch);
-    const auto window = office.workbooks().active();
-    return !window ? std::nullopt : std::optional(activeCellOf(*window));
-  });
+  return call([](CalcSession& office) { return calc::activeCell(office); });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::selection() {
-  return call([](CalcSession& office) -> std::optional<RangeRef> {
-    if (const auto* scratch = office.scratch().active()) return firstCellOf(*scratch);
-    const auto window = office.workbooks().active();
-    return !window ? std::nullopt : std::optional(selectionOf(*window));
-  });
+  return call([](CalcSession& office) { return calc::selection(office); });
 }
 
 SheetRef CalcSpreadsheet::activeSheetOf(const std::string& book) {
-  return call([&](CalcSession& office) {
-    if (office.scratch().find(book) != nullptr) return SheetRef{book, ScratchWorkbook::onlySheet};
-    return calc::activeSheetOf(office.workbooks(), office.workbooks().windowOf(book));
-  });
+  return call([&](CalcSession& office) { return calc::activeSheetOf(office, book); });
 }
 
 void CalcSpreadsheet::goTo(const RangeRef& range) {
@@ -275,8 +150,8 @@ void CalcSpreadsheet::goTo(const RangeRef& range) {
 }
 
 void CalcSpreadsheet::select(const RangeRef& range) {
-  goTo(range);
-}  // Calc scrolls either way
+  goTo(range);  // Calc scrolls either way
+}
 
 void CalcSpreadsheet::activateWorkbook(const std::string& book) {
   change([&](CalcSession& office) { navigation(office).activateWorkbook(book); });
@@ -362,10 +237,7 @@ Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetR
 }
 
 std::optional<RangeRef> CalcSpreadsheet::visibleRange() {
-  return call([](CalcSession& office) -> std::optional<RangeRef> {
-    const auto window = office.workbooks().active();
-    return !window ? std::nullopt : std::optional(visibleRangeOf(office.workbooks(), *window));
-  });
+  return call([](CalcSession& office) { return calc::visibleRange(office); });
 }
 
 std::vector<DefinedName> CalcSpreadsheet::definedNames(const std::string& book) {
@@ -395,30 +267,22 @@ std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {
   });
 }
 
-// The conditions of one sheet, handed back however the work ends.
 template <typename Work>
 auto CalcSpreadsheet::withConditions(const SheetRef& sheet, bool adding, Work work) {
-  return call([&](CalcSession& office) {
-    const struct Release {
-      CalcSession& office;
-      ~Release() { office.releaseConditions(); }
-    } release{office};
-    return work(office.conditions(sheet, adding));
-  });
+  return call([&](CalcSession& office) { return office.withConditions(sheet, adding, work); });
 }
 
 std::vector<FormatCondition> CalcSpreadsheet::formatConditions(const RangeRef& range) {
   const std::vector<FormatCondition> found = withConditions(
       range.sheet, false, [&](SheetConditions& sheet) { return sheet.touching(range.areas); });
-  const bool met = std::any_of(found.begin(), found.end(), [](const FormatCondition& each) {
+  findings_.lookedForMarks(std::any_of(found.begin(), found.end(), [](const FormatCondition& each) {
     return each.formula == markFormula;
-  });
-  if (met || marks_ == Marks::unasked) marks_ = met ? Marks::metOrMade : Marks::missed;
+  }));
   return found;
 }
 
 std::string CalcSpreadsheet::addFormatCondition(const RangeRef& range, const std::string& formula) {
-  marks_ = Marks::metOrMade;
+  findings_.madeMark();
   return withConditions(range.sheet, true,
                         [&](SheetConditions& sheet) { return sheet.add(range.areas, formula); });
 }

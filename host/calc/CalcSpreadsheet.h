@@ -6,20 +6,19 @@
 // with -600 once quit() was called.
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/HandlerFindings.h"
 #include "host/calc/LineTraces.h"
 #include "host/calc/OfficeSource.h"
 #include "host/calc/RequestMemory.h"
 
 namespace quorin::host::calc {
 
-class CalcSession;
+class OfficeCalls;
 
 class CalcSpreadsheet : public Spreadsheet {
  public:
@@ -37,7 +36,7 @@ class CalcSpreadsheet : public Spreadsheet {
 
   // Who is told, on another thread, that marks are no longer kept out of the files that the user
   // saves: protectMarks() is to be called on the call thread, not during a handler.
-  void onKeeperLost(std::function<void()> lost) { keeperLost_ = std::move(lost); }
+  void onKeeperLost(std::function<void()> lost);
   void protectMarks();
 
   // Makes a call in progress and all later ones fail at once. From any thread, for quitting.
@@ -92,13 +91,6 @@ class CalcSpreadsheet : public Spreadsheet {
   void closeWorkbook(const std::string& book) override;
 
  private:
-  enum class Asked { nothing, names, more };        // by a handler
-  enum class Marks { unasked, missed, metOrMade };  // by a handler
-  class NamesAsked;
-
-  CalcSession& session();
-  void dropSession();
-  void endIfDead();
   void flushTraces();
   template <typename Work>
   auto call(Work work);
@@ -107,18 +99,12 @@ class CalcSpreadsheet : public Spreadsheet {
   template <typename Work>
   auto withConditions(const SheetRef& sheet, bool adding, Work work);
 
-  const std::shared_ptr<OfficeSource> source_;
-  const std::chrono::milliseconds patience_;
   LineTraces traces_;
-  std::atomic<bool> quitting_ = false;
-  std::mutex mutex_;  // guards session_'s replacement against quit()
-  std::unique_ptr<CalcSession> session_;
+  RequestMemory memory_;
   std::function<void(const std::string&)> notice_;  // or none
-  std::function<void()> keeperLost_;                // or none
+  HandlerFindings findings_;
   bool inHandler_ = false;
-  Asked asked_ = Asked::nothing;
-  Marks marks_ = Marks::unasked;
-  RequestMemory memory_;  // after the session: it holds nothing of the office
+  const std::unique_ptr<OfficeCalls> office_;  // last: it ends first
 };
 
 }  // namespace quorin::host::calc

@@ -1,6 +1,7 @@
 #include "host/calc/RequestMemory.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "host/Address.h"
@@ -75,6 +76,18 @@ void RequestMemory::noteErrors(const RangeRef& range, const Grid<CellValue>& val
     return std::holds_alternative<CellError>(value);
   };
   if (std::none_of(values.cells.begin(), values.cells.end(), isError)) withoutErrors_ = range;
+}
+
+Grid<CellValue> withFirstColumn(Grid<CellValue> first, Grid<CellValue> rest) {
+  Grid<CellValue> all{rest.rows, rest.columns + 1, {}};
+  all.cells.reserve(first.cells.size() + rest.cells.size());
+  auto next = rest.cells.begin();
+  for (CellValue& cell : first.cells) {
+    all.cells.push_back(std::move(cell));
+    std::move(next, next + rest.columns, std::back_inserter(all.cells));
+    next += rest.columns;
+  }
+  return all;
 }
 
 }  // namespace quorin::host::calc

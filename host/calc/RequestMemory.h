@@ -66,4 +66,7 @@ class RequestMemory {
   std::optional<RangeRef> withoutErrors_;
 };
 
+// The values of a range whose first column was read before.
+Grid<CellValue> withFirstColumn(Grid<CellValue> first, Grid<CellValue> rest);
+
 }  // namespace quorin::host::calc
