@@ -3,17 +3,17 @@
 #include <utility>
 #include <variant>
 
-#include "host/RangeText.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host {
 class EngineRunner::OneApplication : public script::Applications {
  public:
   explicit OneApplication(script::Application& excel) : excel_(excel) {}
   script::Application* named(std::string_view name) override {
-    return sameIgnoringCase(name, excel_.name()) ? &excel_ : nullptr;
+    return caselesslyEqual(name, excel_.name()) ? &excel_ : nullptr;
   }
   script::Application* identified(std::string_view id) override {
-    return sameIgnoringCase(id, "com.microsoft.Excel") ? &excel_ : nullptr;
+    return caselesslyEqual(id, "com.microsoft.Excel") ? &excel_ : nullptr;
   }
 
  private:

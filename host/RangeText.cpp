@@ -4,17 +4,14 @@
 
 #include "host/Address.h"
 #include "host/SheetPrefix.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host {
 namespace {
 
-char lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-}
-
 std::optional<std::string> inAnyCase(const std::vector<std::string>& names,
                                      const std::string& wanted) {
-  const auto same = [&wanted](const std::string& name) { return sameIgnoringCase(name, wanted); };
+  const auto same = [&wanted](const std::string& name) { return caselesslyEqual(name, wanted); };
   const auto exact = std::find(names.begin(), names.end(), wanted);
   const auto it = exact != names.end() ? exact : std::find_if(names.begin(), names.end(), same);
   if (it == names.end()) return std::nullopt;
@@ -74,11 +71,6 @@ std::optional<RangeRef> bindReference(Session& session, const SheetRef& from,
     bound->areas.insert(bound->areas.end(), part->areas.begin(), part->areas.end());
   }
   return bound;
-}
-
-bool sameIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lower(x) == lower(y); });
 }
 
 // The active workbook is often asked for by the name that was told just before: looking at all of

@@ -21,9 +21,7 @@ std::optional<RangeRef> bindRangeText(Session& session, const std::optional<Shee
 std::optional<RangeRef> bindReference(Session& session, const SheetRef& from,
                                       std::string_view text);
 
-bool sameIgnoringCase(std::string_view a, std::string_view b);  // of ASCII letters
-
-// The workbook or sheet of that name in any case of ASCII letters, in its own spelling.
+// The workbook or sheet of that name in any case of its letters, in its own spelling.
 std::optional<std::string> findWorkbook(Session& session, const std::string& name);
 std::optional<SheetRef> findWorksheet(Session& session, const std::string& book,
                                       const std::string& name);

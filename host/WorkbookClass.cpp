@@ -6,6 +6,7 @@
 #include "host/ObjectClass.h"
 #include "host/RangeText.h"
 #include "host/Windows.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host {
 namespace {
@@ -61,8 +62,7 @@ Object nameAt(Session& session, const WorkbookObject& book, long long index) {
 std::optional<Object> nameNamed(Session& session, const WorkbookObject& book,
                                 const std::string& name) {
   for (DefinedName& each : session.spreadsheet.definedNames(book.name))
-    if (sameIgnoringCase(listedName(each), name))
-      return NamedItemObject{book.name, std::move(each)};
+    if (caselesslyEqual(listedName(each), name)) return NamedItemObject{book.name, std::move(each)};
   return std::nullopt;
 }
 

@@ -143,8 +143,11 @@ Evaluation CalcEvaluator::inCopy(CalcWorkbooks& workbooks, const std::string& ex
   context.elsewhere = [&](const std::string& book,
                           const std::string& sheet) -> std::optional<SheetPlace> {
     const auto found = findSheet(workbooks, book, sheet);
-    if (!found || workbooks.named(book)->url.empty()) return std::nullopt;
-    return SheetPlace{*found, "'" + workbooks.named(book)->url + "'#" + calcSheet(found->sheet)};
+    if (!found) return std::nullopt;
+    if (found->book == original->name) return SheetPlace{*found, calcSheet(found->sheet)};
+    const std::string url = workbooks.named(found->book)->url;
+    if (url.empty()) return std::nullopt;
+    return SheetPlace{*found, "'" + url + "'#" + calcSheet(found->sheet)};
   };
   const std::string formulaSheet = "quorin";
   Reference<css::sheet::XSpreadsheets>(copy.workbook().sheets, UNO_QUERY_THROW)

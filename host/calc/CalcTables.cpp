@@ -8,6 +8,7 @@
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTexts.h"
 #include "host/calc/ReferenceText.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -26,7 +27,7 @@ bool flag(const Reference<XPropertySet>& properties, const char* name) {
 int columnNamed(const Workbook& workbook, const RangeRef& headers, const std::string& name) {
   const Grid<std::string> texts = readTexts(workbook, headers);
   for (std::size_t i = 0; i < texts.cells.size(); ++i) {
-    if (equalIgnoringCase(texts.cells[i], name)) {
+    if (caselesslyEqual(texts.cells[i], name)) {
       return headers.areas.front().firstColumn + static_cast<int>(i);
     }
   }

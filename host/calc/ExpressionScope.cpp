@@ -10,6 +10,7 @@
 #include "host/calc/CalcView.h"
 #include "host/calc/FormulaTranslator.h"
 #include "host/calc/OfficeFiles.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -17,6 +18,15 @@ namespace {
 std::string prefixOf(const SheetRef& sheet, const std::string& book) {
   const std::string inside = sheet.book == book ? "" : "[" + sheet.book + "]";
   return excelSheet(inside + sheet.sheet) + "!";
+}
+
+// The one workbook of that name, in any case of its letters where none has it exactly.
+std::optional<std::string> bookNamed(const std::vector<std::string>& open,
+                                     const std::string& name) {
+  if (std::count(open.begin(), open.end(), name) == 1) return name;
+  const auto same = [&name](const std::string& each) { return caselesslyEqual(each, name); };
+  if (std::count_if(open.begin(), open.end(), same) != 1) return std::nullopt;
+  return *std::find_if(open.begin(), open.end(), same);
 }
 
 // The row that "this row" means: the active cell's, as for a formula typed there.
@@ -34,10 +44,10 @@ std::string excelText(const RangeRef& range, const std::string& book) {
 
 std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& book,
                                   const std::string& sheet) {
-  const std::vector<std::string> books = workbooks.names();
-  if (std::count(books.begin(), books.end(), book) != 1) return std::nullopt;
-  for (const std::string& name : workbooks.sheets(*workbooks.named(book))) {
-    if (equalIgnoringCase(name, sheet)) return SheetRef{book, name};
+  const auto open = bookNamed(workbooks.names(), book);
+  if (!open) return std::nullopt;
+  for (const std::string& name : workbooks.sheets(*workbooks.named(*open))) {
+    if (caselesslyEqual(name, sheet)) return SheetRef{*open, name};
   }
   return std::nullopt;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "kit/value/Unicode.h"
+
 namespace quorin::host::calc {
 namespace {
 
@@ -36,7 +38,7 @@ std::optional<SheetPlace> placeOf(const ExpressionContext& context, const std::s
   }
   if (context.sheets.empty()) return SheetPlace{{own, sheet}, calcSheet(sheet)};
   for (const std::string& known : context.sheets) {
-    if (equalIgnoringCase(known, sheet)) return SheetPlace{{own, known}, calcSheet(known)};
+    if (caselesslyEqual(known, sheet)) return SheetPlace{{own, known}, calcSheet(known)};
   }
   return std::nullopt;
 }

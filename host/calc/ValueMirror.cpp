@@ -117,6 +117,7 @@ FormulaCells& ValueMirror::formulaCells() {
 }
 
 SheetPlace ValueMirror::foreignSheet(const SheetRef& sheet) {
+  if (sheet.book == book_) return {sheet, calcSheet(sheet.sheet)};  // named in another case
   const auto [entry, isNew] = foreign_.try_emplace({sheet.book, sheet.sheet});
   if (isNew) {
     entry->second = formulaSheet_ + " " + std::to_string(foreign_.size());

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <utf8proc.h>
+#include <vector>
 
 namespace quorin {
 namespace {
@@ -38,6 +39,25 @@ bool isComposedForSure(std::string_view text) {
                      [](char c) { return static_cast<unsigned char>(c) < 0xCC; });
 }
 
+char lowerASCII(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+
+// Of well-formed text.
+std::vector<utf8proc_int32_t> lowerCodePoints(std::string_view text) {
+  const std::string composed = toNFC(std::string(text));
+  std::vector<utf8proc_int32_t> points;
+  for (std::size_t position = 0; position < composed.size();) {
+    utf8proc_int32_t point = 0;
+    const auto length =
+        utf8proc_iterate(bytes(composed) + position,
+                         static_cast<utf8proc_ssize_t>(composed.size() - position), &point);
+    points.push_back(utf8proc_tolower(point));
+    position += static_cast<std::size_t>(std::max<utf8proc_ssize_t>(length, 1));
+  }
+  return points;
+}
+
 }  // namespace
 
 bool isValidUTF8(std::string_view text) {
@@ -66,6 +86,16 @@ bool canonicallyEqual(std::string_view a, std::string_view b) {
   if (isComposedForSure(a) && isComposedForSure(b)) return false;
   if (!isValidUTF8(a) || !isValidUTF8(b)) return false;
   return toNFC(std::string(a)) == toNFC(std::string(b));
+}
+
+bool caselesslyEqual(std::string_view a, std::string_view b) {
+  if (a == b) return true;
+  if (asciiPrefix(a) == a.size() && asciiPrefix(b) == b.size()) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lowerASCII(x) == lowerASCII(y); });
+  }
+  if (!isValidUTF8(a) || !isValidUTF8(b)) return false;
+  return lowerCodePoints(a) == lowerCodePoints(b);
 }
 
 std::optional<std::size_t> graphemeCount(std::string_view text) {

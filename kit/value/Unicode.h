@@ -40,6 +40,10 @@ std::string toNFC(std::string text);
 // UTF-8 equals only the same bytes.
 bool canonicallyEqual(std::string_view a, std::string_view b);
 
+// Canonical equivalence but for the case of letters, one by one: "Ä" equals "ä", "ß" only itself.
+// Text that is not valid UTF-8 equals only the same bytes.
+bool caselesslyEqual(std::string_view a, std::string_view b);
+
 // User-perceived characters (extended grapheme clusters); none when the text is not valid UTF-8.
 std::optional<std::size_t> graphemeCount(std::string_view text);
 

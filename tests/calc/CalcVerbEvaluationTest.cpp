@@ -43,6 +43,14 @@ TEST_F(CalcReads, EvaluatesOnSheetsWhateverTheirNamesAre) {
     EXPECT_EQ(evaluate("'[Edges.xlsx]" + name + "'!A1&\"!\""), value);
     EXPECT_EQ(deep({"'[Edges.xlsx]" + name + "'!A1", "A1&\"!\""}), value);
   }
+  const std::string other = "'ÄRGER & ÜBERmut (2024) – 31 CH.!'!A2",
+                    two = R"({"ok":true,"value":2})";
+  EXPECT_EQ(ask("readRange", {other}), grid(1, 1, "[[2]]"));
+  EXPECT_EQ(evaluate(other + "+0"), two);
+  EXPECT_EQ(evaluate("'[EDGES.xlsx]" + other.substr(1) + "+0"), two);
+  EXPECT_EQ(evaluate("'[EDGES.xlsx]" + other.substr(1)), two);
+  EXPECT_EQ(evaluate("[EDGES.xlsx]data!B1*2+CELL(\"width\",A1)*0"), R"({"ok":true,"value":25})");
+  EXPECT_EQ(deep({"'[edges.XLSX]" + other.substr(1)}), two);
 }
 
 TEST_F(CalcReads, EvaluatesOrSaysWhyNot) {

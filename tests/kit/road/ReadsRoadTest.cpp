@@ -142,6 +142,8 @@ TEST_F(ReadsRoad, FindsSheetsWhateverTheirNamesAre) {
   EXPECT_EQ(ask("readRange", {"'a!b (c)'!A1"}), R"({"cols":1,"rows":1,"values":[["marked"]]})");
   EXPECT_EQ(ask("readRange", {"'" + longest + "'!A1"}),
             R"({"cols":1,"rows":1,"values":[["long"]]})");
+  EXPECT_EQ(ask("readRange", {"'ärger & übermut (2024) – 31 CH.!'!A1"}),
+            R"({"cols":1,"rows":1,"values":[["long"]]})");
 }
 
 TEST_F(ReadsRoad, NoticesThatAWorkbookWasClosed) {

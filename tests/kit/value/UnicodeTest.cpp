@@ -37,6 +37,19 @@ TEST(Unicode, ComparesCanonically) {
   EXPECT_FALSE(canonicallyEqual("e\u0301\xFF", "\u00E9\xFF"));
 }
 
+TEST(Unicode, ComparesWithoutRegardToCase) {
+  EXPECT_TRUE(caselesslyEqual("", ""));
+  EXPECT_TRUE(caselesslyEqual("Data [2]", "dATA [2]"));
+  EXPECT_TRUE(caselesslyEqual("\u00C4rger", "\u00E4RGER"));
+  EXPECT_TRUE(caselesslyEqual("A\u0308rger", "\u00E4rger"));
+  EXPECT_TRUE(caselesslyEqual("\u0394\u0416", "\u03B4\u0436"));
+  EXPECT_FALSE(caselesslyEqual("Data", "Data2"));
+  EXPECT_FALSE(caselesslyEqual("[", "{"));  // as far apart as the letters of either case
+  EXPECT_FALSE(caselesslyEqual("\u00C4rger", "Arger"));
+  EXPECT_FALSE(caselesslyEqual("\u00DF", "ss"));
+  EXPECT_FALSE(caselesslyEqual("A\xFF", "a\xFF"));
+}
+
 TEST(Unicode, CountsGraphemes) {
   EXPECT_EQ(graphemeCount(""), 0u);
   EXPECT_EQ(graphemeCount("abc"), 3u);
