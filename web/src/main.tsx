@@ -89,7 +89,11 @@ const ask = through(errands);
 const follower: SheetFollower = new SheetFollower(
   {
     markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
-    reveal: (addresses) => client.ask('reveal', addresses),
+    reveal: async (addresses) => {
+      const outcome = await client.ask('reveal', addresses);
+      explorer.moved();
+      return outcome;
+    },
     clearMarks: () => client.ask('clearMarks'),
     locate: (name) => explorer.locate(name),
   },
@@ -102,6 +106,7 @@ const follower: SheetFollower = new SheetFollower(
 const explorer: Explorer = new Explorer({
   questions: {
     evaluate: (expression) => client.ask('evaluate', expression),
+    pollCell: () => client.ask('pollCell'),
     readRange: (address) => client.ask('readRange', address),
     deepEval: (plan) => client.ask('deepEval', plan),
     readFormulas: (address, style, formulasOnly = false) =>

@@ -2,7 +2,7 @@ import { parseArea } from '../../src/core/address/area';
 import type { EvaluationQuestions } from '../../src/core/evaluation/Asker';
 import type { Json, Scalar } from '../../src/core/protocol/json';
 import { failed, succeeded, type Failure, type Outcome } from '../../src/core/protocol/Outcome';
-import type { RangeTooBig, RangeValues } from '../../src/core/protocol/verbs';
+import type { CellPlace, RangeTooBig, RangeValues } from '../../src/core/protocol/verbs';
 
 type Known = Json | Failure;
 
@@ -25,10 +25,16 @@ export class FakeWorkbook implements EvaluationQuestions {
   otherwise: (text: string) => Known = () => ({ kind: 'transport', message: 'not written' });
   /** Addresses that cannot be read, with the reason. */
   unreadable: Record<string, string> = {};
+  /** Where the user is. Not noted among the questions. */
+  front = { book: 'Model.xlsx', sheet: 'Summary', addr: 'A1' };
 
   evaluate(expression: string): Promise<Outcome<Json>> {
     this.asked.push(`evaluate ${expression}`);
     return Promise.resolve(this.answer(expression));
+  }
+
+  pollCell(): Promise<Outcome<CellPlace>> {
+    return Promise.resolve(succeeded(this.front));
   }
 
   deepEval(plan: readonly string[]): Promise<Outcome<Json>> {

@@ -38,9 +38,12 @@ export const range = (values: unknown[][]) =>
 export const formulas = (given: string[][]) =>
   success({ rows: given.length, cols: given[0]?.length ?? 0, formulas: given, values: [] });
 
+export const inFront = (sheet: string) => success({ book: 'Solar park.xlsx', sheet, addr: 'A1' });
+
 export const ready = (more: Record<string, unknown> = {}): Record<string, Answer> => ({
   probe: probe('ok'),
   readCell: cell(more),
+  pollCell: inFront('Cash flow'),
   readRange: failure({ kind: 'transport', message: 'not laid ready' }),
   evaluate: success({ ok: false, kind: 'transport', message: 'not laid ready' }),
   markCells: success({ applied: 1, shadowed: false, moved: true }),

@@ -3,7 +3,7 @@
 import { afterAll, afterEach, beforeAll, describe, expect, test } from 'vitest';
 
 import { Browser, type Answer, type FakePanel } from './FakePanel';
-import { cell, failure, model, range, ready, success, value } from './samples';
+import { cell, failure, inFront, model, range, ready, success, value } from './samples';
 
 let browser: Browser;
 let panel: FakePanel;
@@ -50,6 +50,22 @@ describe('the tree', () => {
       '÷ B4 | 12',
       'else 0 | not used',
     ]);
+  });
+
+  test('takes nothing from another sheet that is in front', async () => {
+    const page = await open({
+      ...ready({ formula: '=ABS(INDIRECT("A2"))+Data!A1', value: 3 }),
+      'evaluate INDIRECT("A2")': value(0),
+      'evaluate ABS(INDIRECT("A2"))': value(0),
+      pollCell: inFront('Data'),
+    });
+    const rows = async () => (await page.page.getByTestId('row').allInnerTexts()).join();
+    await expect.poll(rows, { timeout: 20_000 }).toContain('Only while “Cash flow” is in front.');
+    await page.lay('evaluate INDIRECT("A2")', value(1));
+    await page.lay('pollCell', inFront('Cash flow'));
+    // The cells of a row that are shown may bring the sheet to the front.
+    await press('End');
+    await expect.poll(rows, { timeout: 20_000 }).toContain('INDIRECT("A2")\n1');
   });
 
   test('asks for the values of its parts again when its cell is read again', async () => {

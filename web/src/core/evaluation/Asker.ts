@@ -1,14 +1,16 @@
 // Asks for one part of a formula by its route, and makes of the answer what the page can show.
 
+import type { Area } from '../address/area';
 import type { Json } from '../protocol/json';
 import { notRunningCode, type Failure, type Outcome } from '../protocol/Outcome';
 import type { RangeTooBig, RangeValues } from '../protocol/verbs';
 import { readArea } from './rangeReader';
+import { keyOf, onlyInFront, toldOf, type Bound, type FrontQuestions } from './front';
 import { isErrorText, resultOfCells, resultOfJson, type Result } from './Result';
 import type { ResultCache } from './ResultCache';
 import { expressionLimit, type Route } from './routes';
 
-export type EvaluationQuestions = {
+export type EvaluationQuestions = FrontQuestions & {
   evaluate(expression: string): Promise<Outcome<Json>>;
   readRange(address: string): Promise<Outcome<RangeValues | RangeTooBig>>;
   deepEval(plan: readonly string[]): Promise<Outcome<Json>>;
@@ -16,13 +18,25 @@ export type EvaluationQuestions = {
 
 export type Answer =
   | { result: Result }
-  /** It cannot be had; `later`: it may be another time; `halt`: nothing can be had now. */
-  | { reason: string; later: boolean; halt: boolean };
+  /** It cannot be had. */
+  | Refusal;
+
+type Refusal = {
+  reason: string;
+  /** It may be had another time. */
+  later: boolean;
+  /** Nothing can be had now. */
+  halt: boolean;
+  /** It can be had while the formula's sheet is in front. */
+  away?: boolean;
+};
+
+type AskedRoute = Route & { by: 'range' | 'expression' | 'scratch' };
 
 /** ERROR.TYPE's numbers, from 1. */
 const errorsByType = '#NULL! #DIV/0! #VALUE! #REF! #NAME? #NUM! #N/A #GETTING_DATA'.split(' ');
 
-function refused(failure: Failure): Answer {
+function refused(failure: Failure): Refusal {
   const halt = failure.code === notRunningCode || ['denied', 'detached'].includes(failure.kind);
   switch (failure.kind) {
     case 'timeout':
@@ -37,11 +51,17 @@ function refused(failure: Failure): Answer {
   }
 }
 
-const unusable: Answer = {
+const isError = ({ kind }: Result): boolean => kind === 'error';
+
+const unusable: Refusal = {
   reason: 'The spreadsheet gives no value for this part.',
   later: false,
   halt: false,
 };
+
+function keyOfRoute(route: AskedRoute): string {
+  return route.by === 'scratch' ? route.plan.join('\n') : keyOf(route.text, route.bound?.home);
+}
 
 export class Asker {
   constructor(
@@ -61,39 +81,29 @@ export class Asker {
       }
       case 'range':
       case 'expression':
-        return this.cache.find(route.text);
       case 'scratch':
-        return this.cache.find(route.plan.join('\n'));
+        return this.cache.find(keyOfRoute(route));
       case 'nothing':
         return undefined;
     }
   }
 
   async ask(route: Route): Promise<Answer> {
-    const { epoch } = this.cache;
-    const keep = (text: string, answer: Answer): Answer => {
-      if ('result' in answer && epoch === this.cache.epoch) this.cache.keep(text, answer.result);
-      return answer;
-    };
     switch (route.by) {
-      case 'cells': {
-        const outcome = await readArea(this.readRange, route.sheet, route.area);
-        if (!outcome.ok) return refused(outcome.failure);
-        if (epoch === this.cache.epoch) {
-          this.cache.keepCells(route.sheet, route.area, outcome.value);
-        }
-        return { result: resultOfCells(outcome.value) };
-      }
+      case 'cells':
+        return this.cells(route.sheet, route.area);
       case 'range':
-        return keep(route.text, await this.range(route.text));
-      case 'expression': {
-        const answer = await this.expression(route.text);
-        return route.volatile ? answer : keep(route.text, answer);
-      }
-      case 'scratch': {
-        const answer = await this.scratch(route.plan);
-        return route.volatile ? answer : keep(route.plan.join('\n'), answer);
-      }
+        return this.kept(
+          route,
+          this.of(route, (text) => this.range(text)),
+        );
+      case 'expression':
+        return this.kept(
+          route,
+          this.of(route, (text) => this.expression(text)),
+        );
+      case 'scratch':
+        return this.kept(route, this.scratch(route.plan));
       case 'text':
       case 'size':
         return { result: route.result };
@@ -102,13 +112,45 @@ export class Asker {
     }
   }
 
+  /** Keeps what is told as long as nothing can have changed. */
+  private async kept(route: AskedRoute, asking: Promise<Answer>): Promise<Answer> {
+    const { epoch } = this.cache;
+    const answer = await asking;
+    const lasts = route.by === 'range' || !route.volatile;
+    if ('result' in answer && lasts && epoch === this.cache.epoch) {
+      this.cache.keep(keyOfRoute(route), answer.result);
+    }
+    return answer;
+  }
+
+  /** What is told of the formula's own sheet. */
+  private async of(
+    { text, bound }: { text: string; bound?: Bound },
+    ask: (text: string) => Promise<Answer>,
+  ): Promise<Answer> {
+    if (!bound) return ask(text);
+    const told = await toldOf(bound, text, this.questions, ask);
+    // An error of the longer words may be theirs alone.
+    const isOwn = told && !(told.isFar && 'result' in told.answer && isError(told.answer.result));
+    if (isOwn) return told.answer;
+    return { reason: onlyInFront(bound.home), later: false, halt: false, away: true };
+  }
+
+  private async cells(sheet: string, area: Area): Promise<Answer> {
+    const { epoch } = this.cache;
+    const outcome = await readArea(this.readRange, sheet, area);
+    if (!outcome.ok) return refused(outcome.failure);
+    if (epoch === this.cache.epoch) this.cache.keepCells(sheet, area, outcome.value);
+    return { result: resultOfCells(outcome.value) };
+  }
+
   private readonly readRange = (address: string) => this.questions.readRange(address);
 
   private async range(text: string): Promise<Answer> {
     const outcome = await this.questions.readRange(text);
     if (!outcome.ok) {
       const answer = refused(outcome.failure);
-      return 'later' in answer && answer.later ? answer : this.expression(text);
+      return answer.later ? answer : this.expression(text);
     }
     const { value } = outcome;
     if ('tooBig' in value) {

@@ -50,6 +50,9 @@ export class Evaluator implements Source {
   private wanted = new Set<Item>();
   /** Read one by one, because a range that held several was refused. */
   private readonly alone = new Set<Item>();
+  /** Can be asked only while their formula's sheet is in front, and it was not. */
+  private readonly away = new Set<Item>();
+  private elsewhere = false;
   private verified: Verification = { state: 'open' };
   private hunted = 0;
   private late = 0;
@@ -77,6 +80,7 @@ export class Evaluator implements Source {
     this.routes = [];
     this.wanted.clear();
     this.alone.clear();
+    this.away.clear();
     this.verified = { state: 'open' };
     this.hunted = 0;
     this.late = 0;
@@ -103,6 +107,24 @@ export class Evaluator implements Source {
     this.wanted.add(item);
     this.late = 0;
     this.halted = false;
+  }
+
+  /** Another sheet may be in front now. */
+  moved(): void {
+    this.formats.moved();
+    if (this.away.size === 0) return;
+    const { root } = this.subject?.outline ?? {};
+    for (const item of this.away) {
+      if (this.stateOf(item).status === 'refused') this.states[item.id] = waiting;
+      if (item === root) this.verified = { state: 'open' };
+    }
+    this.away.clear();
+    this.changed();
+  }
+
+  /** While another workbook is in front, nothing can be asked. */
+  leave(elsewhere: boolean): void {
+    this.elsewhere = elsewhere;
   }
 
   stateOf(item: Item): ItemState {
@@ -137,7 +159,8 @@ export class Evaluator implements Source {
   }
 
   next(): Job | undefined {
-    if (!this.subject || this.halted || this.late >= patience) return undefined;
+    if (!this.subject || this.elsewhere) return undefined;
+    if (this.halted || this.late >= patience) return undefined;
     return (
       this.firstOf([...this.wanted]) ??
       this.firstOf(this.looked) ??
@@ -245,6 +268,7 @@ export class Evaluator implements Source {
         if (!apart) this.wanted.delete(item);
         if (apart) this.alone.add(item);
         this.states[item.id] = apart ? waiting : this.stateFrom(answer, pick?.(item));
+        if (isAway(answer)) this.away.add(item);
       }
       this.heed(answer);
       this.changed();
@@ -280,6 +304,7 @@ export class Evaluator implements Source {
         'result' in answer
           ? compare(subject.result, answer.result)
           : { state: 'skipped', reason: answer.reason };
+      if (isAway(answer)) this.away.add(root);
       this.heed(answer);
       this.changed();
     };
@@ -313,6 +338,10 @@ export class Evaluator implements Source {
       return isNumber ? [{ item, route: this.routeOf(item).route }] : [];
     });
   }
+}
+
+function isAway(answer: Answer): boolean {
+  return 'away' in answer && answer.away === true;
 }
 
 function sizeOf(area: Area): Result {

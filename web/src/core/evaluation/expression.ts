@@ -17,6 +17,8 @@ export type Home = {
   book?: string;
   /** The expression is asked for from another workbook: references carry their book, too. */
   outside?: boolean;
+  /** Another sheet may be in front: names carry their sheet, too. */
+  elsewhere?: boolean;
 };
 
 export type Expression = {
@@ -29,6 +31,9 @@ export type Expression = {
   reaching: string | undefined;
   /** A parameter without a value. */
   unbound: string | undefined;
+  /** It may mean something else while another sheet is in front: because of its names, or in a way
+   * that cannot be written out. */
+  ofFront: 'no' | 'names' | 'always';
 };
 
 /** Why a part cannot be asked for at all. */
@@ -40,11 +45,15 @@ const textLimit = 8_192;
 
 class Refused extends Error {}
 
+/** Functions that take the sheet in front where they are told none. */
+const takesSheetInFront: ReadonlySet<string> = new Set(['INDIRECT', 'CELL', 'SHEET', 'INFO']);
+
 class Writer {
   random = false;
   volatile = false;
   reaching: string | undefined;
   unbound: string | undefined;
+  ofFront: Expression['ofFront'] = 'no';
   private replacements = 0;
 
   constructor(
@@ -104,7 +113,12 @@ class Writer {
 
   private named(node: NodeOf<'name'>, scope: Scope | undefined): string | undefined {
     const entry = lookUp(scope, node.name);
-    if (!entry) return this.home.outside ? `${this.bookPrefix()}${node.name}` : undefined;
+    if (!entry) {
+      if (this.home.outside) return `${this.bookPrefix()}${node.name}`;
+      // A sheet may have names of its own.
+      if (this.ofFront === 'no') this.ofFront = 'names';
+      return this.home.elsewhere ? qualified(this.home.sheet, node.name) : undefined;
+    }
     if (!entry.bound) {
       this.unbound ??= node.name;
       return undefined;
@@ -147,6 +161,8 @@ class Writer {
     if (trait === 'random') this.random = true;
     if (trait === 'volatile') this.volatile = true;
     if (trait === 'reaching' || trait === 'unknown') this.reaching ??= node.name;
+    // An unknown function may be a name for a LAMBDA.
+    if (trait === 'unknown' || takesSheetInFront.has(name)) this.ofFront = 'always';
     if (node.args.length > 0) return undefined;
     if (name === 'ROW') return String(this.home.row);
     if (name === 'COLUMN') return String(this.home.col);
@@ -219,12 +235,24 @@ export function expressionFor(
   const writer = new Writer(home, placed);
   try {
     const text = writer.write(node, scope);
-    const { random, volatile, reaching, unbound } = writer;
-    return { text, random, volatile, reaching, unbound };
+    const { random, volatile, reaching, unbound, ofFront } = writer;
+    return { text, random, volatile, reaching, unbound, ofFront };
   } catch (error) {
     if (error instanceof Refused) return { refused: error.message };
     throw error;
   }
+}
+
+/** The same in words that do not depend on the sheet in front; nothing where there are none. */
+export function farText(
+  node: Node,
+  scope: Scope | undefined,
+  home: Home,
+  ofFront: Expression['ofFront'],
+): string | undefined {
+  if (ofFront === 'always') return undefined;
+  const expression = expressionFor(node, scope, { ...home, elsewhere: true });
+  return 'refused' in expression ? undefined : expression.text;
 }
 
 /** "F12" of a row and a column. */

@@ -2,7 +2,8 @@
 
 import { columnNumber, parseArea, type Area } from '../address/area';
 import type { Node, NodeOf } from '../formula/syntax';
-import { expressionFor, type Home } from './expression';
+import { expressionFor, farText, type Expression, type Home } from './expression';
+import type { Bound } from './front';
 import { literalResult } from './literals';
 import { cellCount, readLimit } from './readPlan';
 import type { Result } from './Result';
@@ -19,8 +20,8 @@ export type Route =
   /** Too many cells to be read: only how many there are is known. */
   | { by: 'size'; result: Result }
   /** A name or a table: most are ranges; where one is not, it is evaluated. */
-  | { by: 'range'; text: string }
-  | { by: 'expression'; text: string; volatile: boolean }
+  | { by: 'range'; text: string; bound?: Bound }
+  | { by: 'expression'; text: string; volatile: boolean; bound?: Bound }
   /** In a workbook of its own, made and thrown away for it. */
   | { by: 'scratch'; plan: string[]; volatile: boolean }
   | { by: 'nothing'; reason: string };
@@ -67,12 +68,21 @@ function askedRoute(node: Node, scope: Scope | undefined, home: Home): RouteOf {
   const ask = reaching === undefined ? {} : { ask: `Runs “${reaching}”, so only when you ask.` };
   if (text.length <= expressionLimit) {
     const isName = node.kind === 'name' || (node.kind === 'columns' && !text.startsWith('INDEX('));
-    return { route: isName ? { by: 'range', text } : { by: 'expression', text, volatile }, ...ask };
+    const at = expression.ofFront === 'no' ? {} : { bound: boundOf(node, scope, home, expression) };
+    const route: Route = isName
+      ? { by: 'range', text, ...at }
+      : { by: 'expression', text, volatile, ...at };
+    return { route, ...ask };
   }
   const plan = scratchPlan(node, scope, home);
   if (!plan) return nothing('Too long to be asked for alone.');
   const route: Route = { by: 'scratch', plan, volatile };
   return { route, ask: ask.ask ?? 'Long: worked out in a scratch workbook when you ask.' };
+}
+
+function boundOf(node: Node, scope: Scope | undefined, home: Home, { ofFront }: Expression): Bound {
+  const far = farText(node, scope, home, ofFront);
+  return { home, far: far !== undefined && far.length <= expressionLimit ? far : undefined };
 }
 
 function nothing(reason: string): RouteOf {

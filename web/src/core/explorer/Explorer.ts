@@ -72,6 +72,20 @@ export class Explorer {
     this.cache.clear();
     this.lists.forget();
     if (!this.pinned) this.begin(content);
+    this.heedFront();
+  }
+
+  /** Another sheet may be in front now. */
+  moved(): void {
+    this.evaluator.moved();
+  }
+
+  private heedFront(): void {
+    const { here, latest } = this;
+    const elsewhere = here !== undefined && latest !== undefined && here.place.book !== latest.book;
+    this.evaluator.leave(elsewhere);
+    if (elsewhere) this.notice = `Values can be asked for while “${here.place.book}” is in front.`;
+    this.moved();
   }
 
   handle(event: NativeEvent): void {
@@ -272,8 +286,9 @@ export class Explorer {
   }
 
   /** The address of a name's cells, for marking and showing them. */
-  locate(name: string): Promise<string> {
-    return locate(name, this.ports.questions, this.cache);
+  async locate(name: string): Promise<string | undefined> {
+    const { here } = this;
+    return here && locate(name, homeOf(here), this.ports.questions, this.cache);
   }
 
   destination() {

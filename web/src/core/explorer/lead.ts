@@ -1,7 +1,8 @@
 // The cell that a part of a formula leads to: read off a reference, asked for where a name, a table
 // or a function like INDEX gives cells.
 
-import { addressOf, expressionFor, type Home } from '../evaluation/expression';
+import { addressOf, expressionFor, farText, type Home } from '../evaluation/expression';
+import { toldOf, type FrontQuestions } from '../evaluation/front';
 import { expressionLimit, targetOf } from '../evaluation/routes';
 import { plainName, type Node } from '../formula/syntax';
 import type { Item } from '../outline/Item';
@@ -33,10 +34,12 @@ export function leads(item: Item, home: Home): boolean {
   return targetOf(item.node, item.scope, home) !== undefined || mayLead(item.node);
 }
 
+const questionOf = (cells: string) => `CELL("address",${cells})`;
+
 export async function leadOf(
   item: Item,
   home: Home,
-  questions: { evaluate(expression: string): Promise<Outcome<Json>> },
+  questions: FrontQuestions & { evaluate(expression: string): Promise<Outcome<Json>> },
 ): Promise<Lead | undefined> {
   const target = targetOf(item.node, item.scope, home);
   if (target) {
@@ -48,10 +51,12 @@ export async function leadOf(
   if ('refused' in expression || expression.reaching !== undefined || expression.unbound) {
     return undefined;
   }
-  const question = `CELL("address",${expression.text})`;
+  const question = questionOf(expression.text);
   if (question.length > expressionLimit) return undefined;
-  const outcome = await questions.evaluate(question);
-  const place =
-    outcome.ok && typeof outcome.value === 'string' ? placeOf(outcome.value) : undefined;
-  return place && { sheet: place.sheet ?? home.sheet, address: place.first };
+  const far = farText(item.node, item.scope, home, expression.ofFront);
+  const bound = { home, far: far === undefined ? undefined : questionOf(far) };
+  const told = await toldOf(bound, question, questions, (text) => questions.evaluate(text));
+  const { answer, front } = told ?? {};
+  const place = answer?.ok && typeof answer.value === 'string' ? placeOf(answer.value) : undefined;
+  return place && { sheet: place.sheet ?? front ?? home.sheet, address: place.first };
 }

@@ -3,37 +3,51 @@
 
 import { areaAddress } from '../evaluation/readPlan';
 import type { EvaluationQuestions } from '../evaluation/Asker';
+import type { Home } from '../evaluation/expression';
+import { keyOf, toldOf } from '../evaluation/front';
 import type { ResultCache } from '../evaluation/ResultCache';
 import { expressionLimit } from '../evaluation/routes';
 import { parseArea, qualified } from '../address/area';
 import { placeOf } from '../workbook/places';
 
-/** "'Inputs'!B4:B9"; nothing where the name stands for no cells, or for cells in front. */
-function addressIn(answer: string): string | undefined {
+/** "'Inputs'!B4:B9"; nothing where the name stands for no cells. Those in front come without a sheet. */
+function addressIn(answer: string, front: string): string | undefined {
   const [where = '', rows, cols] = answer.split('|');
   const place = placeOf(where);
   const first = place && parseArea(place.first);
-  if (place?.sheet === undefined || !first) return undefined;
+  if (!place || !first) return undefined;
   const bottom = first.top + Number(rows) - 1;
   const right = first.left + Number(cols) - 1;
   if (!(bottom >= first.top && right >= first.left)) return undefined;
-  return qualified(place.sheet, areaAddress({ ...first, bottom, right }));
+  return qualified(place.sheet ?? front, areaAddress({ ...first, bottom, right }));
 }
 
+const questionOf = (name: string) =>
+  `CELL("address",${name})&"|"&ROWS(${name})&"|"&COLUMNS(${name})`;
+
+/** Nothing where another sheet is in front, whose own name it may be. */
 export async function locate(
   name: string,
-  questions: Pick<EvaluationQuestions, 'evaluate'>,
+  home: Home,
+  questions: Pick<EvaluationQuestions, 'evaluate' | 'pollCell'>,
   cache: ResultCache,
-): Promise<string> {
-  const question = `CELL("address",${name})&"|"&ROWS(${name})&"|"&COLUMNS(${name})`;
+): Promise<string | undefined> {
+  const question = questionOf(name);
   if (question.length > expressionLimit) return name;
-  const known = cache.find(question);
+  const known = cache.find(keyOf(question, home));
   if (known?.kind === 'value') return String(known.value);
   const { epoch } = cache;
-  const outcome = await questions.evaluate(question);
-  const told =
-    outcome.ok && typeof outcome.value === 'string' ? addressIn(outcome.value) : undefined;
-  const address = told ?? name;
-  if (outcome.ok && epoch === cache.epoch) cache.keep(question, { kind: 'value', value: address });
+  const isTable = name.includes('[');
+  const far = questionOf(isTable ? name : qualified(home.sheet, name));
+  const bound = { home, far: far.length > expressionLimit ? undefined : far };
+  const told = await toldOf(bound, question, questions, (text) => questions.evaluate(text));
+  if (!told) return undefined;
+  const { answer, front, isFar } = told;
+  const found =
+    answer.ok && typeof answer.value === 'string' ? addressIn(answer.value, front) : undefined;
+  const address = found ?? (isFar ? undefined : name);
+  if (address !== undefined && answer.ok && epoch === cache.epoch) {
+    cache.keep(keyOf(question, home), { kind: 'value', value: address });
+  }
   return address;
 }

@@ -12,8 +12,9 @@ export type FollowQuestions = {
   markCells(addresses: readonly string[], colour: Colour): Promise<Outcome<Marked>>;
   reveal(addresses: readonly string[]): Promise<Outcome<Revealed>>;
   clearMarks(): Promise<Outcome<{ removed: number }>>;
-  /** The address of a name's cells; the name itself where there is none. */
-  locate(name: string): Promise<string>;
+  /** The address of a name's cells; the name itself where there is none; nothing where nobody can
+   * tell while another sheet is in front. */
+  locate(name: string): Promise<string | undefined>;
 };
 
 /** Cells to show: what they are called, and their addresses with their sheets. */
@@ -138,7 +139,13 @@ export class SheetFollower implements Source {
     const addresses: string[] = [];
     for (const address of destination.addresses.slice(0, addressLimit)) {
       const isName = destination.names?.has(address) === true;
-      addresses.push(isName ? await this.questions.locate(address) : address);
+      const found = isName ? await this.questions.locate(address) : address;
+      if (found !== undefined) addresses.push(found);
+    }
+    if (addresses.length === 0) {
+      const note = 'Not marked: where its cells are can be told only while its sheet is in front.';
+      this.change({ ...this.state, notes: [note] });
+      return;
     }
     const notes: string[] = [];
     if (destination.addresses.length > addressLimit) {

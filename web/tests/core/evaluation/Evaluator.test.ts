@@ -1,8 +1,10 @@
 import { expect, describe, test, beforeEach } from 'vitest';
 
 import { succeeded } from '../../../src/core/protocol/Outcome';
+import { parse } from '../../../src/core/formula/Parser';
+import { outlineOf } from '../../../src/core/outline/Item';
 import { excelError } from '../../fakes/FakeWorkbook';
-import { Bench, settled } from './bench';
+import { Bench, home, settled } from './bench';
 
 let bench: Bench;
 beforeEach(() => {
@@ -415,11 +417,82 @@ describe('formats of cells', () => {
     expect(bench.evaluator.formatOf(bench.item('Factor'))).toEqual({ kind: 'general' });
   });
 
+  test('of names are those of the sheet in front, so they wait for it', async () => {
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Data' };
+    bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'G|D1' : 1);
+    await bench.run('=ABS(Start)', { kind: 'value', value: 1 });
+    expect(bench.evaluator.formatOf(bench.item('Start'))).toBeUndefined();
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Summary' };
+    bench.evaluator.moved();
+    await bench.finish();
+    expect(bench.evaluator.formatOf(bench.item('Start'))).toMatchObject({ kind: 'date' });
+  });
+
   test('of names too long to be asked about do not keep others from being asked', async () => {
     const name = 'n'.repeat(240);
     bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'P0' : 0.5);
     bench.workbook.cells = { 'Summary!B4': 0.5 };
     await bench.run(`=${name}*B4`, { kind: 'value', value: 'a text' });
     expect(bench.evaluator.formatOf(bench.item('B4'))).toMatchObject({ kind: 'percent' });
+  });
+});
+
+describe('what depends on the sheet in front', () => {
+  const ofData: Record<string, number> = { 'INDIRECT("A2")': 0, 'Rate*2': 44, Rate: 22 };
+  const ofSummary: Record<string, number> = { 'INDIRECT("A2")': 1, "'Summary'!Rate*2": 10 };
+
+  beforeEach(() => {
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Data' };
+    bench.workbook.otherwise = (text) => ofData[text] ?? ofSummary[text] ?? excelError('#NAME?');
+  });
+
+  test('is not taken from another sheet, but asked for once its own is in front', async () => {
+    await bench.run('=INDIRECT("A2")+0', { kind: 'value', value: 1 });
+    expect(bench.of('INDIRECT("A2")')).toBe('refused: Only while “Summary” is in front.');
+    expect(bench.evaluator.verification.state).toBe('skipped');
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Summary' };
+    bench.workbook.otherwise = (text) => ofSummary[text] ?? excelError('#NAME?');
+    bench.evaluator.moved();
+    await bench.finish();
+    expect(bench.of('INDIRECT("A2")')).toBe(1);
+  });
+
+  test('is not taken from the same sheet of another workbook', async () => {
+    bench.workbook.front = { book: 'Other.xlsx', sheet: 'Summary', addr: 'A1' };
+    await bench.run('=Rate*2', { kind: 'value', value: 10 });
+    expect(bench.of('Rate*2')).toBe(10); // what the cell itself holds
+    expect(bench.of('Rate')).toBe('refused: Only while “Summary” is in front.');
+  });
+
+  test('is asked for with its sheet where only names do', async () => {
+    await bench.run('=ABS(Rate*2)', { kind: 'value', value: 10 });
+    expect(bench.of('Rate*2')).toBe(10);
+    expect(bench.workbook.asked).toContain("evaluate 'Summary'!Rate*2");
+    expect(bench.of('Rate')).toBe('refused: Only while “Summary” is in front.');
+  });
+
+  test('is known for that sheet alone', async () => {
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Summary' };
+    bench.workbook.expressions = { Rate: 5 };
+    await bench.run('=ABS(Rate)', { kind: 'value', value: 5 });
+    expect(bench.of('Rate')).toBe(5);
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Data' };
+    bench.workbook.expressions = { Rate: 22 };
+    const outline = outlineOf(parse('=ABS(Rate)').root);
+    bench.items = outline.items;
+    const result = { kind: 'value', value: 22 } as const;
+    bench.evaluator.show({ home: { ...home, sheet: 'Data' }, outline, result });
+    bench.evaluator.look(bench.items);
+    await bench.finish();
+    expect(bench.of('Rate')).toBe(22);
+  });
+
+  test('is not asked for at all while another workbook is in front', async () => {
+    bench.evaluator.leave(true);
+    await bench.run('=B4*C4', { kind: 'value', value: 10 });
+    expect(bench.workbook.asked).toEqual([]);
+    bench.evaluator.leave(false);
+    await bench.finish();
+    expect(bench.of('B4')).toBe(null);
   });
 });

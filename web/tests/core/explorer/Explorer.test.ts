@@ -90,6 +90,24 @@ async function press(...keys: string[]): Promise<void> {
 
 const way = () => explorer.trail.stops.map((stop) => stop.place.addr).join(' ');
 
+describe('another workbook in front', () => {
+  const content = { ...cell('A1'), book: 'Other.xlsx' };
+  const other = { status: 'ready', content, fresh: true, slow: false, paused: false } as const;
+
+  test('is not asked for the values of the tree that stays', () => {
+    select('F12', '=B4+C4');
+    explorer.command({ do: 'pin' });
+    explorer.selection(other);
+    const item = explorer.here?.tree?.active;
+    if (item) explorer.see([item]);
+    expect(explorer.here?.place.book).toBe('Model.xlsx');
+    expect(explorer.evaluator.next()).toBeUndefined();
+    expect(explorer.notice).toContain('Model.xlsx');
+    select('F12', '=B4+C4');
+    expect(explorer.evaluator.next()).toBeDefined();
+  });
+});
+
 describe('the way', () => {
   beforeEach(() => {
     desk.formulas = { "'Summary'!B4": ['=C7*2', 8], "'Data'!C7": ['', 4] };

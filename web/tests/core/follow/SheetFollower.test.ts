@@ -40,7 +40,10 @@ beforeEach(() => {
         asked.push('clear');
         return Promise.resolve(cleared);
       },
-      locate: (name) => Promise.resolve(name === 'Rate' ? "'Inputs'!B4:B9" : name),
+      locate: (name) => {
+        if (name === 'Rate') return Promise.resolve("'Inputs'!B4:B9");
+        return Promise.resolve(name === 'Far' ? undefined : name);
+      },
     },
     clock,
     () => undefined,
@@ -65,6 +68,14 @@ describe('the sheet follows', () => {
       notes: [],
       able: true,
     });
+  });
+
+  test('and says so where nobody can tell where the cells are', async () => {
+    follower.follow(() => ({ label: 'Far', addresses: ['Far'], names: new Set(['Far']) }));
+    clock.advance(80);
+    await run();
+    expect(asked).toEqual([]);
+    expect(state.notes.join()).toContain('only while its sheet is in front');
   });
 
   test('the last of several rows only', async () => {
