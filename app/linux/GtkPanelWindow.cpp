@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gdk/gdkx.h>
 
+#include "app/linux/GtkScreens.h"
 #include "app/linux/WebKitView.h"
 
 namespace quorin {
@@ -12,22 +13,6 @@ namespace {
 
 constexpr guint settlingMilliseconds = 1000;
 constexpr guint savingMilliseconds = 200;
-
-// Monitors with the primary one first.
-std::vector<GdkMonitor*> monitors() {
-  GdkDisplay* display = gdk_display_get_default();
-  std::vector<GdkMonitor*> found;
-  for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
-    found.push_back(gdk_display_get_monitor(display, i));
-  }
-  std::stable_partition(found.begin(), found.end(),
-                        [](GdkMonitor* one) { return gdk_monitor_is_primary(one); });
-  return found;
-}
-
-DesktopRect rectOf(const GdkRectangle& r) {
-  return {r.x, r.y, r.width, r.height};
-}
 
 }  // namespace
 
@@ -93,18 +78,10 @@ Decoration GtkPanelWindow::decoration() const {
   return session_.decoration(id()).value_or(Decoration{});
 }
 
-int GtkPanelWindow::screenHeight() const {
-  const std::vector<GdkMonitor*> all = monitors();
-  if (all.empty()) return 0;
-  GdkRectangle geometry;
-  gdk_monitor_get_geometry(all.front(), &geometry);
-  return geometry.height;
-}
-
 ScreenFrame GtkPanelWindow::actualFrame() const {
   GdkRectangle extents;
   gdk_window_get_frame_extents(native(), &extents);
-  return DesktopGeometry::toPoints(rectOf(extents), screenHeight());
+  return DesktopGeometry::toPoints(GtkScreens::rectOf(extents), GtkScreens::firstHeight());
 }
 
 bool GtkPanelWindow::isMapped() const {
@@ -140,7 +117,7 @@ void GtkPanelWindow::setWidening(double width, double shift) {
 // the native window is moved then.
 void GtkPanelWindow::apply() {
   settle();
-  const DesktopRect frame = DesktopGeometry::toDesktop(wantedFrame(), screenHeight());
+  const DesktopRect frame = DesktopGeometry::toDesktop(wantedFrame(), GtkScreens::firstHeight());
   const Decoration around = decoration();
   const int width = std::max(frame.width - around.left - around.right, 1);
   const int height = std::max(frame.height - around.top - around.bottom, 1);
@@ -235,16 +212,7 @@ void GtkPanelWindow::orderOut() {
 }
 
 std::vector<Screen> GtkPanelWindow::screens() const {
-  std::vector<Screen> found;
-  const int height = screenHeight();
-  for (GdkMonitor* monitor : monitors()) {
-    GdkRectangle all, free;
-    gdk_monitor_get_geometry(monitor, &all);
-    gdk_monitor_get_workarea(monitor, &free);
-    found.push_back({DesktopGeometry::toPoints(rectOf(all), height),
-                     DesktopGeometry::toPoints(rectOf(free), height)});
-  }
-  return found;
+  return GtkScreens::all();
 }
 
 std::optional<Screen> GtkPanelWindow::screen() const {

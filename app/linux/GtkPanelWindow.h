@@ -49,7 +49,6 @@ class GtkPanelWindow : public PanelWindow {
   X11Session::WindowId id() const;
   GdkWindow* native() const { return gtk_widget_get_window(GTK_WIDGET(window_)); }
   Decoration decoration() const;
-  int screenHeight() const;
   bool isMapped() const;
   ScreenFrame actualFrame() const;
   ScreenFrame wantedFrame() const;
