@@ -27,6 +27,30 @@ TEST_F(ReadsRoad, PutsTheErrorRowsOfAColumnBack) {
             R"("values":[[3],[4],["#DIV/0!"]]})");
 }
 
+TEST_F(ReadsRoad, PutsErrorRowsBackOnlyWhereItIsKnownWhichTheyAre) {
+  excel_->quirks.dropsErrorRows = true;
+  const host::SheetRef data{"Known.xlsx", "Data"};
+  const host::CellError error{"#N/A"};
+  memory_->setCell(data, {"H1", error});
+  memory_->setCell(data, {"H2", error});
+  memory_->setCell(data, {"H3", "#N/A"});
+  memory_->setCell(data, {"H4", 4.0});
+  const auto column = [](int rows, const std::string& values) {
+    return R"({"cols":1,"rows":)" + std::to_string(rows) + R"(,"values":)" + values + "}";
+  };
+  const auto unreadable = [](const std::string& address) {
+    return R"(failed {"kind":"transport","message":"range values unreadable for ')" + address +
+           "'\"}";
+  };
+  EXPECT_EQ(ask("readRange", {"C3:C4"}), column(2, R"([[4],["#DIV/0!"]])"));    // one is left
+  EXPECT_EQ(ask("readRange", {"H1:H2"}), column(2, R"([["#N/A"],["#N/A"]])"));  // none is
+  EXPECT_EQ(ask("readRange", {"H3:H4"}), column(2, R"([["#N/A"],[4]])"));
+  EXPECT_EQ(ask("readRange", {"H2:H4"}), unreadable("H2:H4"));  // text that looks like an error
+  EXPECT_EQ(ask("readFormulas", {"H2:H4", "a1"}), unreadable("H2:H4"));
+  EXPECT_THAT(ask("readRange", {"C2:C5001"}), HasSubstr(R"("values":[[3],[4],["#DIV/0!"],[""])"));
+  EXPECT_EQ(ask("readRange", {"C2:C5002"}), unreadable("C2:C5002"));  // too many for the texts
+}
+
 TEST_F(ReadsRoad, RefusesAnErrorInTheFirstOfSeveralColumns) {
   excel_->quirks.dropsErrorRows = true;
   excel_->quirks.diesOfFirstColumnErrors = true;
