@@ -121,14 +121,18 @@ on qx_deepeval(plan)
 			-- Names, not references: a reference to the active workbook would follow it.
 			set userBook to name of active workbook
 			set openBooks to my qx_deep_books()
+			set madeBook to missing value
 			try
 				make new workbook
+				try
+					set madeBook to result
+				end try
 			on error msg number n
 				-- What was made all the same has to go.
-				my qx_deep_leave(my qx_deep_found(openBooks), userBook)
+				my qx_deep_leave(my qx_deep_found(openBooks, madeBook), userBook)
 				error msg number n
 			end try
-			set scratch to my qx_deep_found(openBooks)
+			set scratch to my qx_deep_found(openBooks, madeBook)
 		end timeout
 		if scratch is "" then error "Excel made no scratch workbook" number -2700
 		try
@@ -185,8 +189,9 @@ end qx_deep_books
 
 -- The name of the workbook that was made since openBooks were the open ones, "" for none. The user
 -- may have opened one meanwhile, and what is found is closed unsaved: so it must have a single
--- untouched cell, no file, which would show as a suffix, and be the only one of its kind.
-on qx_deep_found(openBooks)
+-- untouched cell, no file, which would show as a suffix, and be the only one of its kind, or the one
+-- that Excel says it made.
+on qx_deep_found(openBooks, madeBook)
 	set newBooks to {}
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
@@ -208,6 +213,14 @@ on qx_deep_found(openBooks)
 		end timeout
 	end tell
 	if (count of newBooks) is 1 then return item 1 of newBooks
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			try
+				set madeName to name of madeBook
+				if newBooks contains {madeName} then return madeName
+			end try
+		end timeout
+	end tell
 	return ""
 end qx_deep_found
 

@@ -128,6 +128,29 @@ TEST_F(CalcReads, LeavesNoWorkbookOfItsOwnBehind) {
   EXPECT_THAT(ask("workbookMap"), StartsWith(R"({"book":"Edges.xlsx",)"));
 }
 
+// A scratch workbook has no file either, and must not be taken for one of theirs.
+TEST_F(CalcReads, EvaluatesInWorkbooksThatWereNeverSaved) {
+  const std::string behind = hands->openBlank(), front = hands->openBlank();
+  hands->enter(front, "Sheet1", "A1", "7");
+  const std::string cell = "'[" + front + "]Sheet1'!A1";
+  const int documents = hands->documents();
+  const std::string map = ask("workbookMap"), read = ask("readRange", {"A1"});
+  const std::vector<std::string> values{evaluate("A1*2"), evaluate(cell + "*2"),
+                                        deep({cell, "A1*2"}),
+                                        evaluate("'[" + behind + "]Sheet1'!A1+14"), deep({"14"})};
+  const std::string last = ask("pollCell");
+  const int documentsAfter = hands->documents();
+  hands->close(behind);
+  hands->close(front);
+  EXPECT_EQ(map, R"({"book":")" + front +
+                     R"(","names":[],"sheets":[{"name":"Sheet1","usedRange":"$A$1"}],)"
+                     R"("sheetsTruncated":false})");
+  EXPECT_EQ(read, grid(1, 1, "[[7]]"));
+  EXPECT_THAT(values, testing::Each(R"({"ok":true,"value":14})"));
+  EXPECT_EQ(last, R"({"addr":"$A$1","book":")" + front + R"(","sheet":"Sheet1"})");
+  EXPECT_LE(documentsAfter, documents + 1);  // the one that an evaluation keeps
+}
+
 TEST_F(CalcReads, GivesAChainUpThatTakesTooLongAndCleansUpAfterIt) {
   deep({"1"});
   const int documents = hands->documents();

@@ -7,6 +7,7 @@
 #include <com/sun/star/drawing/XShape.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
+#include <com/sun/star/frame/XTitle.hpp>
 #include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/FilterOperator.hpp>
@@ -68,7 +69,11 @@ struct UserHands::Objects {
     const auto all = desktop->getComponents()->createEnumeration();
     while (all->hasMoreElements()) {
       const Reference<css::frame::XModel> model(all->nextElement(), UNO_QUERY);
-      if (model.is() && pathOfUrl(toText(model->getURL())).filename() == book) {
+      if (!model.is()) continue;
+      const std::string url = toText(model->getURL());
+      const std::string title =
+          toText(Reference<css::frame::XTitle>(model, UNO_QUERY_THROW)->getTitle());
+      if ((url.empty() ? title : pathOfUrl(url).filename().string()) == book) {
         return {model, UNO_QUERY_THROW};
       }
     }
@@ -103,6 +108,14 @@ UserHands::~UserHands() = default;
 void UserHands::open(const std::string& file) {
   objects_->desktop->loadComponentFromURL(toUno(fileUrl(file)), "_blank", 0,
                                           sequenceOf({argument("OnMainThread", true)}));
+}
+
+std::string UserHands::openBlank() {
+  const Reference<css::frame::XTitle> blank(
+      objects_->desktop->loadComponentFromURL("private:factory/scalc", "_blank", 0,
+                                              sequenceOf({argument("OnMainThread", true)})),
+      UNO_QUERY_THROW);
+  return toText(blank->getTitle());
 }
 
 void UserHands::enter(const std::string& book, const std::string& sheet, const std::string& cell,

@@ -21,7 +21,9 @@ class UserHands {
   UserHands& operator=(const UserHands&) = delete;
 
   void open(const std::string& file);
-  // In the workbook whose file name is `book`. Entered and undone like a user's own change.
+  std::string openBlank();  // gives its title
+  // In the workbook whose file name, or title without a file, is `book`. Entered and undone like a
+  // user's own change.
   void enter(const std::string& book, const std::string& sheet, const std::string& cell,
              const std::string& formula);
   void fill(const std::string& book, const std::string& sheet, const std::string& cells,

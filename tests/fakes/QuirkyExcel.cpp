@@ -41,10 +41,15 @@ void QuirkyExcel::loseAnswerOf(int number, AppleEventError error) {
   losses_[number] = std::move(error);
 }
 
+void QuirkyExcel::meanwhile(int number, std::function<void()> act) {
+  meanwhile_[number] = std::move(act);
+}
+
 void QuirkyExcel::forget() {
   events_.clear();
   failures_.clear();
   losses_.clear();
+  meanwhile_.clear();
 }
 
 AppleEventReply QuirkyExcel::died() {
@@ -55,6 +60,8 @@ AppleEventReply QuirkyExcel::died() {
 AppleEventReply QuirkyExcel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {
   events_.push_back(event);
   const int number = static_cast<int>(events_.size());
+  const auto act = meanwhile_.find(number);
+  if (act != meanwhile_.end()) act->second();
   const auto failure = failures_.find(number);
   if (failure != failures_.end()) return {std::nullopt, failure->second};
   AppleEventReply reply = answer(event, timeout);

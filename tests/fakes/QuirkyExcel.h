@@ -3,6 +3,7 @@
 // Used on the thread of the script.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -60,7 +61,9 @@ class QuirkyExcel : public script::Application {
   // out; the one whose answer is lost is.
   void failAt(int number, AppleEventError error);
   void loseAnswerOf(int number, AppleEventError error);
-  void forget();  // the record and the failures
+  // What the user does just before the event is carried out.
+  void meanwhile(int number, std::function<void()> act);
+  void forget();  // the record, the failures and what the user does
   void relaunch() { dead_ = dialog_ = false; }
   bool showsDialog() const { return dialog_; }
   const std::vector<AppleEvent>& events() const { return events_; }
@@ -79,6 +82,7 @@ class QuirkyExcel : public script::Application {
   std::unique_ptr<script::Application> excel_;
   std::vector<AppleEvent> events_;
   std::map<int, AppleEventError> failures_, losses_;
+  std::map<int, std::function<void()>> meanwhile_;
   bool dead_ = false, dialog_ = false;
 };
 

@@ -67,6 +67,18 @@ TEST_F(DeepHandlers, DeepEvalTakesNoWorkbookOfTheUsersForItsOwn) {
   EXPECT_EQ(memory_->workbooks(), users);
 }
 
+TEST_F(DeepHandlers, DeepEvalKnowsItsWorkbookFromOneThatTheUserMakesMeanwhile) {
+  for (const int event : {3, 4}) {  // before ours is made, and after it
+    const std::string theirs = "Untouched" + std::to_string(event);
+    excel_->forget();
+    excel_->meanwhile(event, [&] { memory_->open({.name = theirs, .sheets = {{"Sheet1", {}}}}); });
+    EXPECT_EQ(deepEval({"1+1"}), "2");
+    EXPECT_EQ(memory_->workbooks(), (std::vector<std::string>{"Known.xlsx", theirs}));
+    memory_->close(theirs);
+    memory_->activateWorkbook("Known.xlsx");
+  }
+}
+
 TEST_F(DeepHandlers, DeepEvalDoesWithoutAnOpenWorkbook) {
   memory_->close("Known.xlsx");
   EXPECT_EQ(deepEval({"1+1"}), "2");
