@@ -4,18 +4,19 @@
 //   quorin --show     starts with the panel up; with tree, map or deps behind it, on that view
 //   quorin --step 1   steps through the page of the Quorin that is running; -1 steps back
 //   quorin --version
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdio>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
+#include <variant>
 
 #include "app/linux/CalcLink.h"
 #include "app/linux/ControlRequest.h"
 #include "app/linux/CrashReporter.h"
 #include "app/linux/GtkPlatform.h"
+#include "app/linux/Invocation.h"
 #include "app/linux/LineServer.h"
 #include "app/linux/PanelInspector.h"
 #include "app/shell/AppDelegate.h"
@@ -34,11 +35,6 @@ constexpr const char* done = "ok";
 constexpr std::size_t longestRequest = 64;
 constexpr std::chrono::seconds patience{10};
 constexpr useconds_t betweenAttempts = 50'000;
-
-struct Invocation {
-  bool show = false;
-  ControlRequest request;
-};
 
 // The folder's lock; none when the Quorin that holds it has done what is asked. One that is just
 // starting is waited for, and so is one that is ending. One that has been asked is given all the
@@ -152,31 +148,10 @@ int run(const Invocation& invocation) {
 int main(int argc, char** argv) {
   quorin::MainThread::record();
   quorin::nameCurrentThread("main");
-  quorin::Invocation invocation;
-  CLI::App options("Quorin: a companion for auditing spreadsheets, beside LibreOffice Calc.",
-                   "quorin");
-  CLI::Option* const show = options
-                                .add_option("--show", invocation.request.view,
-                                            "Bring the panel up, on a view where one is named")
-                                ->type_name("[VIEW]")
-                                ->expected(0, 1)
-                                ->check(CLI::IsMember({"tree", "map", "deps"}));
-  options
-      .add_option("--step", invocation.request.direction,
-                  "Step forward (1) or back (-1) in the panel that is up")
-      ->type_name("N")
-      ->check(CLI::IsMember({1, -1}))
-      ->excludes(show);
-  options.set_version_flag("--version", QUORIN_VERSION);
-  constexpr int badCall = 2;
+  const auto asked = quorin::parseInvocation(argc, argv);
+  if (const int* const status = std::get_if<int>(&asked)) return *status;
   try {
-    options.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return options.exit(error) == 0 ? 0 : badCall;
-  }
-  invocation.show = show->count() > 0;
-  try {
-    return quorin::run(invocation);
+    return quorin::run(std::get<quorin::Invocation>(asked));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "quorin: %s\n", error.what());
     return 1;

@@ -1,0 +1,34 @@
+#include "app/linux/Invocation.h"
+
+#include <CLI/CLI.hpp>
+
+namespace quorin {
+
+std::variant<Invocation, int> parseInvocation(int argc, const char* const* argv) {
+  Invocation invocation;
+  CLI::App options("Quorin: a companion for auditing spreadsheets, beside LibreOffice Calc.",
+                   "quorin");
+  CLI::Option* const show = options
+                                .add_option("--show", invocation.request.view,
+                                            "Bring the panel up, on a view where one is named")
+                                ->type_name("[VIEW]")
+                                ->expected(0, 1)
+                                ->check(CLI::IsMember({"tree", "map", "deps"}));
+  options
+      .add_option("--step", invocation.request.direction,
+                  "Step forward (1) or back (-1) in the panel that is up")
+      ->type_name("N")
+      ->check(CLI::IsMember({1, -1}))
+      ->excludes(show);
+  options.set_version_flag("--version", QUORIN_VERSION);
+  constexpr int badCall = 2;
+  try {
+    options.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return options.exit(error) == 0 ? 0 : badCall;
+  }
+  invocation.show = show->count() > 0;
+  return invocation;
+}
+
+}  // namespace quorin
