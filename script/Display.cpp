@@ -32,7 +32,7 @@ class Writer {
   void put(bool value, int) { text += value ? "true" : "false"; }
   void put(std::int32_t value, int) { text += textOf(value); }
   void put(double value, int) { text += textOf(value); }
-  void put(const std::string& value, int) { text += quoted(value); }
+  void put(const std::string& value, int) { text += inQuotes(value); }
   void put(const Value::List& list, int depth) {
     text += "{";
     std::string_view separator;
@@ -62,7 +62,7 @@ class Writer {
   void put(const Value::SpecifierPointer& specifier, int) {
     text += displaySpecifier(specifier->descriptor, specifier->application);
     if (name_ == ApplicationName::shown) {
-      text += " of application " + quoted(specifier->application->name());
+      text += " of application " + inQuotes(specifier->application->name());
     }
   }
   void put(const Value::ReferencePointer& reference, int depth) {
@@ -70,7 +70,7 @@ class Writer {
     write(reference->container, depth + 1);
   }
   void put(const ApplicationObject& object, int) {
-    text += "application " + quoted(object.application->name());
+    text += "application " + inQuotes(object.application->name());
   }
   void put(const ScriptSelf&, int) { text += "\xC2\xABscript\xC2\xBB"; }
   void put(const LanguageSelf&, int) { text += "AppleScript"; }

@@ -18,7 +18,7 @@ std::string displaySelector(const Selector& selector);
 std::string displayProperty(FourCharCode code, const Application* application);
 std::string displayConstant(const Constant& constant);
 std::string displayClass(FourCharCode code, const Application* application, bool plural = false);
-std::string displayCode(FourCharCode code);  // the four characters
-std::string quoted(std::string_view text);   // between double quotes, escaped
+std::string displayCode(FourCharCode code);   // the four characters
+std::string inQuotes(std::string_view text);  // between double quotes, escaped
 
 }  // namespace quorin::script

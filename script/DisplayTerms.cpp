@@ -68,7 +68,7 @@ std::string displayCode(FourCharCode code) {
   return hex;
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') result += '\\';

@@ -16,7 +16,7 @@ std::string objectOf(const AppleEvent& event, const AppleEventError& error,
                      Application& application) {
   const AppleEventDescriptor* object =
       error.offender ? &*error.offender : event.parameter(keyDirectObject);
-  return object ? display(*object, application) : "application " + quoted(application.name());
+  return object ? display(*object, application) : "application " + inQuotes(application.name());
 }
 
 std::string commandOf(const AppleEvent& event, Application& application) {

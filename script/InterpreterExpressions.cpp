@@ -168,7 +168,7 @@ Value Interpreter::applicationByName(const ApplicationByName& application) {
   const std::string name = toText(dereference(evaluate(*application.name)), rules_);
   Application* found =
       application.isIdentifier ? applications_.identified(name) : applications_.named(name);
-  if (!found) failCannotGet("application " + quoted(name));
+  if (!found) failCannotGet("application " + inQuotes(name));
   return ApplicationObject{found};
 }
 

@@ -137,16 +137,16 @@ std::string Parser::describe(std::size_t ahead) const {
     case Token::Kind::ordinal:
       return "number";
     case Token::Kind::string:
-      return quoted(beginning(token.text));
+      return inQuotes(beginning(token.text));
     case Token::Kind::rawCode:
     case Token::Kind::symbol:
-      return quoted(token.spelling);
+      return inQuotes(token.spelling);
     case Token::Kind::escaped:
       return "identifier";
     case Token::Kind::word:
       break;
   }
-  if (isKeyword(token.text)) return quoted(token.spelling);
+  if (isKeyword(token.text)) return inQuotes(token.spelling);
   const Meaning meaning = meaningAt(ahead);
   if (meaning.words == 0) return "identifier";
   if (meaning.type || meaning.plural) return "class name";

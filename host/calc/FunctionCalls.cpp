@@ -14,7 +14,7 @@ bool contains(const std::array<std::string_view, count>& words, std::string_view
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string result = "\"";
   for (const char c : text) {
     if (c == '"') result += c;
@@ -50,7 +50,7 @@ std::optional<std::string> formulaText(const FunctionCall& call, const Expressio
       const bool isFormula = formula != nullptr && formula->starts_with('=');
       if (isFormula && formula->size() > longestText) return std::nullopt;
       if (!text.empty()) text += column == 0 ? '|' : ';';
-      text += isFormula ? quoted(*formula) : "#N/A";
+      text += isFormula ? inQuotes(*formula) : "#N/A";
     }
   }
   return formulas->cells.size() == 1 ? text : "{" + text + "}";
@@ -83,14 +83,14 @@ std::optional<std::string> cellText(const FunctionCall& call, const ExpressionCo
                                     [&](const RangeRef& cells) { return cells.sheet == sheet; });
   const bool known = asked && oneSheet && !reach.anywhere;
   if (known && asked->kind == "filename" && context.fileName) {
-    return quoted(context.fileName(sheet));
+    return inQuotes(context.fileName(sheet));
   }
   if (!known || asked->reference.empty()) {  // of the cell that was changed last
     reach.untold = true;
   } else if (asked->kind == "address") {
     const std::string own = sheet.book == context.from.book ? "" : "[" + sheet.book + "]";
     const std::string before =
-        sheet == context.from ? "" : quoted(excelSheet(own + sheet.sheet) + "!") + "&";
+        sheet == context.from ? "" : inQuotes(excelSheet(own + sheet.sheet) + "!") + "&";
     return "(" + before + "ADDRESS(MIN(ROW(" + asked->reference + "));MIN(COLUMN(" +
            asked->reference + "));1;TRUE()))";
   } else if (!contains(byValue, asked->kind)) {
