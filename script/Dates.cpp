@@ -1,5 +1,6 @@
 #include "script/Dates.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <string_view>

@@ -1,6 +1,7 @@
 #include "app/linux/ZipArchiver.h"
 
 #include <memory>
+#include <string>
 #include <system_error>
 #include <zip.h>
 

@@ -1,4 +1,5 @@
 // The panel's half of the page protocol: what the page asks, and who answers.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 

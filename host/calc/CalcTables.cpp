@@ -1,5 +1,6 @@
 #include "host/calc/CalcTables.h"
 
+#include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 

@@ -1,5 +1,6 @@
 #include "host/calc/CellTraits.h"
 
+#include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>

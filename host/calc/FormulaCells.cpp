@@ -1,5 +1,6 @@
 #include "host/calc/FormulaCells.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/calc/CalcCells.h"

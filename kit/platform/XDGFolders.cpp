@@ -1,5 +1,6 @@
 #include "kit/platform/XDGFolders.h"
 
+#include <algorithm>
 #include <fstream>
 #include <string_view>
 #include <system_error>

@@ -2,6 +2,7 @@
 // they were, so integers beyond a double's precision and decimals survive. Pure, any thread.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>

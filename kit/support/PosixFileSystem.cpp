@@ -1,4 +1,5 @@
 // The real file system.
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <ctime>
 #include <fstream>
+#include <string_view>
 #include <system_error>
 
 namespace quorin::ProblemReport {

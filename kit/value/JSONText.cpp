@@ -1,5 +1,6 @@
 #include "kit/value/JSONText.h"
 
+#include <cstdint>
 #include <rapidjson/error/en.h>
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>

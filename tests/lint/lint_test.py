@@ -50,6 +50,36 @@ class IncludeRules(unittest.TestCase):
         self.check("app/macos/A.h", "#ifdef __APPLE__", None)
 
 
+class StdIncludes(unittest.TestCase):
+    AHEAD = {"cmake/QuorinTargets.cmake": "set(QUORIN_HEADERS\n  <map> <string>)"}
+
+    def check(self, files, expected):
+        status, text = run("std_includes.py", {**self.AHEAD, **files})
+        self.assertEqual(status, 1 if expected else 0, text)
+        if expected:
+            self.assertIn(expected, text)
+
+    def test_a_header_of_its_own_or_of_the_projects_passes(self):
+        self.check({"kit/A.h": "#include <map>\nstd::map<int, int> a();\n",
+                    "kit/B.cpp": '#include "kit/A.h"\nvoid b(std::map<int, int> c) { a().swap(c); }\n'},
+                   None)
+
+    def test_a_missing_header_fails(self):
+        self.check({"host/A.cpp": '#include "host/A.h"\n#include <map>\nstd::string a();\n',
+                    "host/A.h": "#include <vector>\n"},
+                   "host/A.cpp: no <string> for std::string")
+
+    def test_words_in_texts_and_comments_are_no_names(self):
+        self.check({"kit/A.cpp": 'const char* a = "std::map";  // std::map\n'}, None)
+
+    def test_a_header_read_ahead_without_names_fails(self):
+        self.check({"cmake/QuorinTargets.cmake": "set(QUORIN_HEADERS <regex>)", "kit/A.cpp": ""},
+                   "<regex> is read ahead")
+
+    def test_a_project_without_sources_fails(self):
+        self.check({}, "nothing to check")
+
+
 class SourcesListed(unittest.TestCase):
     def test_a_listed_source_passes(self):
         status, text = run("sources_listed.py", {
