@@ -23,11 +23,36 @@ endif()
 find_package(Threads REQUIRED)
 target_link_libraries(quorin_options INTERFACE Threads::Threads)
 
+# Reading headers is most of what it takes to compile for tests, so the common ones of the standard
+# library are read once for all. The compiler then misses none of them: tests/lint/std_includes.py
+# does, and so do releases, builds under sanitizers and the macOS check, which read them where they
+# are included.
+set(QUORIN_HEADERS
+  <algorithm> <array> <atomic> <charconv> <chrono> <cmath> <condition_variable> <cstdint>
+  <filesystem> <fstream> <functional> <map> <memory> <mutex> <optional> <set> <sstream> <string>
+  <string_view> <thread> <utility> <variant> <vector>)
+if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_SANITIZE AND NOT APPLE)
+  file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/headers.cpp CONTENT "")
+  add_library(quorin_headers STATIC ${CMAKE_BINARY_DIR}/headers.cpp)
+  target_link_libraries(quorin_headers PRIVATE quorin_options)
+  target_precompile_headers(quorin_headers PRIVATE ${QUORIN_HEADERS})
+endif()
+
+function(quorin_reuse_headers target from)
+  target_precompile_headers(${target} REUSE_FROM ${from})
+  # What is read so is no system header to g++ any more, and these are wrong about std::string.
+  target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overflow
+                                           -Wno-stringop-overread)
+endfunction()
+
 # quorin_library(NAME SOURCES file... [LIBS library...]): one folder's static library.
 function(quorin_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
+  if(TARGET quorin_headers)
+    quorin_reuse_headers(${name} quorin_headers)
+  endif()
 endfunction()
 
 # Tests are most of what there is to compile, and each is run once or twice: code that takes less
@@ -38,8 +63,7 @@ function(quorin_compile_quickly target)
   endif()
 endfunction()
 
-# Most of a test is the headers of GoogleTest and of the standard library, which are read once for
-# all of them.
+# The headers of GoogleTest and the common ones, read once for all tests.
 function(quorin_read_headers_once test)
   if(APPLE)  # some tests there are of another language
     return()
@@ -49,16 +73,10 @@ function(quorin_read_headers_once test)
     add_executable(quorin_test_headers ${CMAKE_BINARY_DIR}/test_headers.cpp)
     target_link_libraries(quorin_test_headers PRIVATE GTest::gmock quorin_options)
     quorin_compile_quickly(quorin_test_headers)
-    target_precompile_headers(quorin_test_headers PRIVATE
-      <gmock/gmock.h> <gtest/gtest.h>
-      <algorithm> <atomic> <chrono> <condition_variable> <filesystem> <fstream> <functional> <map>
-      <memory> <mutex> <optional> <set> <sstream> <string> <string_view> <thread> <utility>
-      <variant> <vector>)
+    target_precompile_headers(quorin_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>
+                                                          ${QUORIN_HEADERS})
   endif()
-  target_precompile_headers(${test} REUSE_FROM quorin_test_headers)
-  # What is read so is no system header to g++ any more, and these are wrong about std::string.
-  target_compile_options(${test} PRIVATE -Wno-array-bounds -Wno-stringop-overflow
-                                         -Wno-stringop-overread)
+  quorin_reuse_headers(${test} quorin_test_headers)
 endfunction()
 
 # quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] SOURCES file...

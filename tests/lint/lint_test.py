@@ -135,6 +135,15 @@ class Tidy(unittest.TestCase):
                                 capture_output=True, text=True, check=False)
         return result.returncode, result.stdout + result.stderr
 
+    def test_what_another_compiler_read_ahead_is_left_out(self):
+        (self.root / "build/ahead.h").write_text("")
+        (self.root / "build/ahead.h.gch").write_text("another compiler's")
+        commands = self.root / "build/compile_commands.json"
+        ahead = f"c++ -Winvalid-pch -include {self.root}/build/ahead.h -o"
+        commands.write_text(commands.read_text().replace("c++ -o", ahead))
+        status, text = self.check("int a();\n", "int b();\n")
+        self.assertEqual(status, 0, text)
+
     def test_files_without_a_mistake_pass_though_private_names_clash(self):
         private = "namespace { int a() { return 1; } }\nint %s() { return a(); }\n"
         status, text = self.check(private % "b", private % "c")
