@@ -24,8 +24,9 @@ using BinaryObject = std::unique_ptr<uno_Interface, Release>;
 
 // What stands behind the C++ proxy of a remote object; nothing when it cannot be had.
 BinaryObject binaryObject(const Reference<XCellRangeData>& cells) {
-  static const css::uno::Mapping mapping(toUno(CPPU_CURRENT_LANGUAGE_BINDING_NAME),
-                                         toUno(UNO_LB_UNO));
+  // Never destroyed: a thread may still be in a call when the process ends.
+  static const auto& mapping =
+      *new css::uno::Mapping(toUno(CPPU_CURRENT_LANGUAGE_BINDING_NAME), toUno(UNO_LB_UNO));
   void* object = nullptr;
   if (mapping.is())
     mapping.mapInterface(&object, cells.get(), cppu::UnoType<XCellRangeData>::get());
@@ -35,7 +36,8 @@ BinaryObject binaryObject(const Reference<XCellRangeData>& cells) {
 }  // namespace
 
 Sequence<Sequence<Any>> cellData(const Reference<XCellRangeData>& cells) {
-  static const TypeDescription method(toUno("com.sun.star.sheet.XCellRangeData::getDataArray"));
+  static const auto& method =
+      *new TypeDescription(toUno("com.sun.star.sheet.XCellRangeData::getDataArray"));
   const BinaryObject object = binaryObject(cells);
   if (!object || !method.is()) return cells->getDataArray();
   uno_Sequence* data = nullptr;

@@ -106,7 +106,8 @@ int main(int count, char** arguments) {
   const host::calc::OfficeAddress office{std::atoi(arguments[3]), arguments[2]};
   host::excelTerminology();
   return nurse(Link(std::atoi(arguments[1])), [&](Link link, const std::string& folder) {
-    Victim victim(std::move(link));
+    // Never destroyed: a thread of the office's libraries may send its last message late.
+    auto& victim = *new Victim(std::move(link));
     host::calc::listening = &victim;
     serve(victim, folder, [&](FileSystem& files) {
       auto spreadsheet = std::make_unique<host::calc::ToldSpreadsheet>(victim, office);
