@@ -6,7 +6,10 @@
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/table/XCellRange.hpp>
 #include <com/sun/star/util/XCloseable.hpp>
+#include <future>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <thread>
 
 #include "host/calc/Arguments.h"
 #include "host/calc/CellData.h"
@@ -20,17 +23,15 @@ namespace {
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
-class CellData : public testing::Test {
- protected:
-  CellData()
-      : connection_(SharedOffice::office().open(), std::chrono::seconds(60)),
+// A new workbook in an office, reached by a connection of its own.
+class OpenWorkbook {
+ public:
+  explicit OpenWorkbook(PrivateOffice& office)
+      : connection_(office.open(), std::chrono::seconds(60)),
         document_(css::frame::Desktop::create(connection_.context())
                       ->loadComponentFromURL(toUno("private:factory/scalc"), toUno("_blank"), 0,
                                              sequenceOf({argument("Hidden", true)})),
                   UNO_QUERY_THROW) {}
-  ~CellData() override {
-    if (document_.is()) close();
-  }
 
   Reference<css::sheet::XCellRangeData> cells(const char* address) const {
     const Reference<css::container::XIndexAccess> sheets(document_->getSheets(), UNO_QUERY_THROW);
@@ -38,13 +39,25 @@ class CellData : public testing::Test {
     return {sheet->getCellRangeByName(toUno(address)), UNO_QUERY_THROW};
   }
   void close() {
-    Reference<css::util::XCloseable>(document_, UNO_QUERY_THROW)->close(true);
+    if (document_.is()) Reference<css::util::XCloseable>(document_, UNO_QUERY_THROW)->close(true);
     document_.clear();
   }
 
  private:
   OfficeConnection connection_;  // outlives what is reached through it
   Reference<css::sheet::XSpreadsheetDocument> document_;
+};
+
+class CellData : public testing::Test {
+ protected:
+  ~CellData() override { close(); }
+  Reference<css::sheet::XCellRangeData> cells(const char* address) const {
+    return workbook_.cells(address);
+  }
+  void close() { workbook_.close(); }
+
+ private:
+  OpenWorkbook workbook_{SharedOffice::office()};
 };
 
 TEST_F(CellData, IsWhatTheBindingGives) {
@@ -74,6 +87,22 @@ TEST_F(CellData, FailsAsTheBindingDoes) {
   close();
   EXPECT_ANY_THROW(block->getDataArray());
   EXPECT_THROW(cellData(block), css::uno::RuntimeException);
+}
+
+// The office has stopped, so that the call is under way when it dies, or at most about to begin.
+TEST(CellDataOfADyingOffice, FailsAsTheBindingDoes) {
+  PrivateOffice office;
+  const OpenWorkbook workbook(office);
+  const auto block = workbook.cells("A1:C2");
+  cellData(block);
+  const pid_t process = office.process();
+  ASSERT_EQ(::kill(process, SIGSTOP), 0);
+  const auto death = std::async(std::launch::async, [process] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ::kill(process, SIGKILL);
+  });
+  EXPECT_THROW(cellData(block), css::uno::RuntimeException);
+  EXPECT_THROW(cellData(block), css::uno::RuntimeException) << "also when it is dead";
 }
 
 }  // namespace
