@@ -3,8 +3,9 @@
 
 usage: summary.py RESULTS [--forbid-skips LABEL,LABEL]
 
-A CTest entry that ran a whole GoogleTest program counts as that program's tests. Prints a table and,
-last, CTest's own closing line. Exits 1 when a forbidden skip is found or nothing ran.
+A CTest entry that ran a whole GoogleTest program counts as that program's tests. One that could not
+be started counts as failed. Prints a table and, last, CTest's own closing line. Exits 1 when a test
+failed, a forbidden skip is found or nothing ran.
 """
 import argparse
 import collections
@@ -55,9 +56,10 @@ def main():
             if f == 0 and case.get("status") == "fail":  # it ended badly outside of any test
                 f = 1
         else:
+            skip = case.find("skipped")
+            s = [name] if skip is not None and "SKIP_" in skip.get("message", "") else []
             p = int(case.get("status") == "run")
-            f = int(case.get("status") == "fail")
-            s = [name] if p + f == 0 else []
+            f = 1 - p - len(s)
         passed[label] += p
         failed[label] += f
         skipped[label] += len(s)
@@ -74,6 +76,9 @@ def main():
         if skipped[label]:
             print(f"No {label} test may be skipped here.")
             status = 1
+    if sum(failed.values()):
+        print("Tests failed.")
+        status = 1
     if sum(passed.values()) + sum(failed.values()) == 0:
         print("No test was executed.")
         status = 1
