@@ -3,6 +3,7 @@
 #include "host/calc/CellErrors.h"
 #include "host/calc/ExcelTokens.h"
 #include "host/calc/FunctionCalls.h"
+#include "host/calc/FunctionNames.h"
 #include "host/calc/ReferenceWriter.h"
 
 namespace quorin::host::calc {
@@ -84,8 +85,10 @@ void ExpressionWriter::copy(std::optional<std::string_view> constant) {
 }
 
 void ExpressionWriter::open(const std::string& function) {
+  const std::size_t begin = out_.size();
+  if (!function.empty()) out_ += calcFunctionName(function);
   out_ += text_[at_++];
-  frames_.push_back({function, out_.size(), reach_.cells.size()});
+  frames_.push_back({function, begin, out_.size(), reach_.cells.size()});
   operandExpected_ = true;
 }
 
@@ -93,7 +96,7 @@ void ExpressionWriter::close() {
   if (frames_.empty()) throw Malformed();
   const Frame frame = frames_.back();
   if (operandExpected_ && frame.function.empty()) throw Malformed();
-  const std::size_t begin = frame.content - frame.function.size() - 1;
+  const std::size_t begin = frame.begin;
   const FunctionCall call{frame.function, out_.substr(frame.content),
                           std::span(reach_.cells).subspan(frame.reached), isCells(frame.content)};
   if (const auto instead = writtenAnew(call, context_, reach_)) {
@@ -202,7 +205,7 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
     operand(false);
     out_ += word;
   } else if (at("(")) {
-    function(upperCase(word));
+    function(plainFunctionName(word));
   } else if (at("[")) {
     table(word);
   } else {
@@ -210,15 +213,11 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   }
 }
 
-void ExpressionWriter::function(std::string name) {
+void ExpressionWriter::function(const std::string& name) {
   operand(true);
-  for (const std::string_view origin : {"_XLFN._XLWS.", "_XLFN."}) {
-    if (name.starts_with(origin)) name.erase(0, origin.size());
-  }
   if (name == "INDIRECT" && indirect()) return;
   if (name == "ERROR.TYPE" && errorNumber()) return;
   addFunction(reach_, name);
-  out_ += name;
   open(name);
 }
 

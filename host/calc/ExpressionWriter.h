@@ -30,8 +30,9 @@ class ExpressionWriter {
 
  private:
   struct Frame {
-    std::string function;  // empty for plain brackets
-    std::size_t content;   // where the content begins in the output
+    std::string function;  // Excel's name; empty for plain brackets
+    std::size_t begin;     // where all of it begins in the output
+    std::size_t content;   // and where its content does
     std::size_t reached;   // so many cells were reached before it
     bool compares = false;
     bool several = false;  // what stands in it may be more than one value
@@ -51,7 +52,7 @@ class ExpressionWriter {
   void nameOrReference();
   void reference(const std::optional<SheetSpan>& span, const RangeText& range);
   void word(const std::optional<SheetSpan>& span);
-  void function(std::string name);
+  void function(const std::string& name);
   bool indirect();
   bool errorNumber();
   void table(const std::string& name);

@@ -63,8 +63,10 @@ INSTANTIATE_TEST_SUITE_P(NamesOfFunctions, ToExcel,
                                          Case{"=CEILING.XCL(A2;1)", "=CEILING(A2,1)"},
                                          Case{"=FORMULA(A2)", "=FORMULATEXT(A2)"},
                                          Case{"=SKEWP(A2:A5)", "=SKEW.P(A2:A5)"},
+                                         Case{"=EFFECTIVE(A2;4)", "=EFFECT(A2,4)"},
+                                         Case{"=DURATION(A2;1;2)", "=PDURATION(A2,1,2)"},
                                          Case{"=B(5;0.5;2)", "=BINOM.DIST.RANGE(5,0.5,2)"},
-                                         Case{"=FLOOR(A2;1)", "=FLOOR(A2,1)"},
+                                         Case{"=FLOOR(A2;1)", "=ORG.OPENOFFICE.FLOOR(A2,1)"},
                                          Case{"=B+FORMULA", "=B+FORMULA"}));
 
 INSTANTIATE_TEST_SUITE_P(

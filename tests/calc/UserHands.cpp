@@ -11,8 +11,11 @@
 #include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/FilterOperator.hpp>
+#include <com/sun/star/sheet/FormulaLanguage.hpp>
+#include <com/sun/star/sheet/FormulaMapGroup.hpp>
 #include <com/sun/star/sheet/TableFilterField.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
+#include <com/sun/star/sheet/XFormulaOpCodeMapper.hpp>
 #include <com/sun/star/sheet/XSheetFilterable.hpp>
 #include <com/sun/star/sheet/XSheetOutline.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
@@ -365,6 +368,19 @@ int UserHands::documents() {
   int count = 0;
   for (; all->hasMoreElements(); all->nextElement()) ++count;
   return count;
+}
+
+std::vector<std::string> UserHands::functions(const std::string& book) {
+  const Reference<css::lang::XMultiServiceFactory> factory(objects_->workbook(book),
+                                                           UNO_QUERY_THROW);
+  const Reference<css::sheet::XFormulaOpCodeMapper> mapper(
+      factory->createInstance("com.sun.star.sheet.FormulaOpCodeMapper"), UNO_QUERY_THROW);
+  std::vector<std::string> names;
+  for (const auto& entry : mapper->getAvailableMappings(css::sheet::FormulaLanguage::OOXML,
+                                                        css::sheet::FormulaMapGroup::FUNCTIONS)) {
+    names.push_back(toText(entry.Name));
+  }
+  return names;
 }
 
 bool UserHands::quit() {

@@ -65,7 +65,9 @@ class UserHands {
   // grouped, and which of the first columns are hidden. Without what depends on what was looked at.
   std::string contentOf(const std::string& book);
   int documents();  // all of them that the office holds, hidden ones too
-  bool quit();      // true when the office agreed
+  // Every function that the office knows, as files of Excel's formats spell it.
+  std::vector<std::string> functions(const std::string& book);
+  bool quit();  // true when the office agreed
 
  private:
   struct Objects;

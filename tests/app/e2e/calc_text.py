@@ -20,7 +20,6 @@ WORDS = re.compile(r"""
   | (?P<comma>,)
   | (?P<other>.)
 """, re.VERBOSE | re.DOTALL | re.IGNORECASE)
-OTHER_NAMES = {"FORMULATEXT(": "FORMULA("}
 # Counted from the sheet or the row in which they stand.
 OF_THE_PLACE = re.compile(r"\bINDIRECT\(|#This Row", re.IGNORECASE)
 
@@ -36,6 +35,7 @@ class Home:
     names: set = dataclasses.field(default_factory=set)  # the sheet's own, in small letters
     table: str = ""  # in which it stands
     tables: set = dataclasses.field(default_factory=set)  # the workbook's, in small letters
+    functions: dict = dataclasses.field(default_factory=dict)  # its names of Excel's functions
 
 
 def words(text):
@@ -157,7 +157,7 @@ def translated(text, home, scope=None):
             word = table_part(word, home)
         elif kind == "call":
             word = re.sub(r"^(?:_xlfn\.|_xlws\.)+", "", word, flags=re.IGNORECASE)
-            word = OTHER_NAMES.get(word.upper(), word)
+            word = home.functions.get(word[:-1].upper(), word[:-1]) + "("
         elif kind == "name" and prefix is None and word.lower() in home.names:
             word = own + word
         elif kind == "name" and prefix is None and word.lower() in home.tables:

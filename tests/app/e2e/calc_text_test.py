@@ -4,7 +4,8 @@ import unittest
 
 from calc_text import Home, Unknown, scope_at, translated
 
-HOME = Home("My Sheet", names={"this.year"}, table="Sales", tables={"sales"})
+HOME = Home("My Sheet", names={"this.year"}, table="Sales", tables={"sales"},
+            functions={"CEILING": "CEILING.XCL", "SKEW.P": "SKEWP"})
 
 
 class CalcText(unittest.TestCase):
@@ -15,6 +16,7 @@ class CalcText(unittest.TestCase):
                 ("{1,2;3,\"a,b;c\"}", "{1;2|3;\"a,b;c\"}"),
                 ("IF(TRUE,\"A1,B2\",#N/A)", "IF(TRUE;\"A1,B2\";#N/A)"),
                 ("Data!#REF!*this.Year", "#REF!*$'My Sheet'.this.Year"),
+                ("_xlfn.SKEW.P(ceiling(2,1),floor(2,1))", "SKEWP(CEILING.XCL(2;1);floor(2;1))"),
                 ("_xlfn.IFNA(_xlfn._xlws.SORT(A1),rate)", "IFNA(SORT($'My Sheet'.A1);rate)")):
             with self.subTest(excel):
                 self.assertEqual(translated(excel, HOME), calc)

@@ -21,6 +21,7 @@ FAR = 40  # columns behind the last one in use
 ERRORS = {503: "#NUM!", 519: "#VALUE!", 521: "#NULL!", 524: "#REF!", 525: "#NAME?",
           532: "#DIV/0!", 32767: "#N/A"}
 NUMBER, TEXT_RESULT = 1, 2
+ENGLISH, OOXML, FUNCTIONS = 1, 5, 16  # languages, and a group, of the office's names
 
 
 def desktop(pipe):
@@ -91,6 +92,24 @@ class Client:
     def covers(area, sheet, row, column):
         return (area.Sheet == sheet and area.StartRow <= row <= area.EndRow
                 and area.StartColumn <= column <= area.EndColumn)
+
+    def functions(self):
+        """What the office itself calls each function, by the name that Excel's files have."""
+        mapper = self.copy.createInstance("com.sun.star.sheet.FormulaOpCodeMapper")
+        own = {self.token(one): one.Name for one in mapper.getAvailableMappings(ENGLISH, FUNCTIONS)}
+        found = {}
+        for one in mapper.getAvailableMappings(OOXML, FUNCTIONS):
+            excel, calc = one.Name.removeprefix("_xlfn."), own.get(self.token(one))
+            # Two functions of the office's go by one name of Excel's: Excel's own is called alike.
+            if calc and found.get(excel) != excel:
+                found[excel] = calc
+        return found
+
+    @staticmethod
+    def token(mapping):
+        """What tells a function from others; those of add-ins by their own names."""
+        data = mapping.Token.Data
+        return mapping.Token.OpCode, data if isinstance(data, str) else None
 
     def place(self, row, column, sheet):
         """The sheet to write to, and the column: a free one in the same row of the given sheet."""

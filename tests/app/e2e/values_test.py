@@ -233,6 +233,7 @@ class Values(Trial):
         wait_for("the workbook", lambda: self.is_open(copy))
         self.tool("xdotool", "windowactivate", "--sync", int(self.window, 16))
         source = random.Random(f"{self.arguments.seed} {book.name}")
+        self.functions = self.ask("functions")
         formulas = draw(self.ask("formulas"), count, source)
         begun = time.monotonic()
         for sheet, row, column, text in formulas:
@@ -321,7 +322,8 @@ class Values(Trial):
             self.differs("unexplained", place, shown["formula"], f"{trouble}: {rows}", "")
             return
         known = self.ask("home", sheet, row, column)
-        self.home = Home(sheet, set(known["names"]), known["table"], set(known["tables"]))
+        self.home = Home(sheet, set(known["names"]), known["table"], set(known["tables"]),
+                         self.functions)
         for part in parts:
             start, end = map(int, part["span"].split(":"))
             text = formula[2 * start:2 * end].decode("utf-16-le")
