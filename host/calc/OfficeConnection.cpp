@@ -5,14 +5,11 @@
 #include <com/sun/star/connection/NoConnectException.hpp>
 #include <com/sun/star/lang/DisposedException.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
-#include <cppuhelper/bootstrap.hxx>
 #include <cppuhelper/implbase1.hxx>
-#include <csignal>
-#include <rtl/bootstrap.hxx>
-#include <signal.h>
 #include <thread>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/LocalContext.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/OfficeProcess.h"
 #include "host/calc/Text.h"
@@ -23,27 +20,6 @@ namespace {
 using css::uno::Reference;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
-using css::uno::XComponentContext;
-
-// The office's libraries write to a pipe whose other end may be gone. By itself that ends a
-// process.
-void outliveClosedPipes() {
-  struct sigaction present {};
-  if (::sigaction(SIGPIPE, nullptr, &present) == 0 && present.sa_handler == SIG_DFL) {
-    std::signal(SIGPIPE, SIG_IGN);
-  }
-}
-
-// Our own side's component context, one for the process. The office's interfaces are not among the
-// types it loads by itself, and the first call through one of them would crash.
-const Reference<XComponentContext>& localContext() {
-  static const Reference<XComponentContext> context = [] {
-    outliveClosedPipes();
-    rtl::Bootstrap::set("URE_MORE_TYPES", "<file://" QUORIN_OFFICE_FOLDER "/program/types>*");
-    return cppu::defaultBootstrap_InitialComponentContext();
-  }();
-  return context;
-}
 
 class BridgeEnd : public cppu::WeakImplHelper1<css::lang::XEventListener> {
  public:
