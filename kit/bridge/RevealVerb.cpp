@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/bridge/RunArguments.h"
 #include "kit/shapes/AddressShapes.h"
 #include "kit/shapes/CellShapes.h"
 
@@ -15,7 +16,6 @@ using BridgeShapes::RevealScroll;
 namespace {
 
 constexpr double revealBudget = 3;
-constexpr std::int64_t mostUnhidden = 200;  // rows, and columns
 
 JSONValue refused(const std::string& reason) {
   return JSONValue::Object{{"revealed", false}, {"reason", reason}};
@@ -27,6 +27,16 @@ HiddenRuns shown(const RevealRead& read, const HiddenRuns& runs) {
   all.rows.push_back({read.target.r1, read.target.r2});
   all.cols.push_back({read.target.c1, read.target.c2});
   return all;
+}
+
+// Whether these are more rows or columns than may be unhidden at a time; then the log says so.
+bool isTooMuch(const HiddenRuns& runs, DiagLog& log) {
+  const std::int64_t rows = BridgeShapes::count(BridgeShapes::mergeRuns(runs.rows));
+  const std::int64_t cols = BridgeShapes::count(BridgeShapes::mergeRuns(runs.cols));
+  if (rows <= UnhideStore::mostLines && cols <= UnhideStore::mostLines) return false;
+  log.log("REVEAL", "unhide skipped reason=cap rows=" + std::to_string(rows) +
+                        " cols=" + std::to_string(cols));
+  return true;
 }
 
 }  // namespace
@@ -70,27 +80,24 @@ JSONValue Bridge::reveal(const std::vector<std::string>& addrs) {
 std::optional<std::string> Bridge::unhideTarget(const RevealRead& read, const std::string& book,
                                                 const std::optional<Position>& active) {
   HiddenRuns runs = BridgeShapes::rawRuns(read);
-  const std::int64_t rows = BridgeShapes::count(runs.rows);
-  const std::int64_t cols = BridgeShapes::count(runs.cols);
-  if (rows > mostUnhidden || cols > mostUnhidden) {
-    log_.log("REVEAL", "unhide skipped reason=cap rows=" + std::to_string(rows) +
-                           " cols=" + std::to_string(cols));
-    runs = {};
-  }
+  if (isTooMuch(runs, log_)) runs = {};
   if (runs.isEmpty() && unhide_.load().empty()) return std::nullopt;
   touchProgrammaticNav();
   const UnhideStore::Records records =
       restoreUnhidden(active, Kept{book, read.targetSheet, shown(read, runs)});
   const auto record =
       std::find_if(records.begin(), records.end(), [&](const UnhideStore::Record& other) {
-        return other.book == book && other.sheet == read.targetSheet;
+        return isSheet(other.book, other.sheet, book, read.targetSheet);
       });
   const HiddenRuns recorded = record == records.end() ? HiddenRuns() : record->runs();
-  const HiddenRuns fresh = BridgeShapes::subtract(runs, recorded);
+  const std::string& sheet = record == records.end() ? read.targetSheet : record->sheet;
+  HiddenRuns fresh = BridgeShapes::subtract(runs, recorded);
+  // What stays recorded of the sheet counts too, or it would grow from one reveal to the next.
+  if (!fresh.isEmpty() && isTooMuch(joined(recorded, fresh), log_)) fresh = runs = {};
   if (fresh.isEmpty()) {
     unhide_.record(records);
   } else {
-    unhide_.record(UnhideStore::merge({book, read.targetSheet, fresh.rows, fresh.cols}, records));
+    unhide_.record(UnhideStore::merge({book, sheet, fresh.rows, fresh.cols}, records));
     setHidden(fresh, book, read.targetSheet, false);
   }
   if (runs.isEmpty()) return std::nullopt;

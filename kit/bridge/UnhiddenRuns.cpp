@@ -19,13 +19,6 @@ std::string sizes(const HiddenRuns& runs, const std::string& sheet) {
          " cols=" + std::to_string(runs.cols.size());
 }
 
-HiddenRuns joined(const HiddenRuns& a, const HiddenRuns& b) {
-  HiddenRuns both = a;
-  both.rows.insert(both.rows.end(), b.rows.begin(), b.rows.end());
-  both.cols.insert(both.cols.end(), b.cols.begin(), b.cols.end());
-  return both;
-}
-
 }  // namespace
 
 std::optional<Bridge::Position> Bridge::positionOf(const JSONValue& polled) {
@@ -47,9 +40,9 @@ UnhideStore::Records Bridge::restoreUnhidden(const std::optional<Position>& acti
   for (const UnhideStore::Record& record : unhide_.loadToReplace()) {
     const HiddenRuns recorded = record.runs();
     HiddenRuns stays;
-    if (active && active->book == record.book && active->sheet == record.sheet)
+    if (active && isSheet(active->book, active->sheet, record.book, record.sheet))
       stays = BridgeShapes::runsContaining(active->row, active->col, recorded);
-    if (keep && keep->book == record.book && keep->sheet == record.sheet)
+    if (keep && isSheet(keep->book, keep->sheet, record.book, record.sheet))
       stays = joined(stays, BridgeShapes::runsOverlapping(recorded, keep->runs));
     const HiddenRuns goes = BridgeShapes::subtract(recorded, stays);
     // In the order of the record.

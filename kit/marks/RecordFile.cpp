@@ -36,8 +36,7 @@ bool RecordFile::load(const std::function<void(const JSONValue&)>& decode,
     decode(*parsed.value);
     return true;
   } catch (const RecordError& error) {
-    DiagLog& log = log_ ? *log_ : DiagLog::shared();
-    log.log("ERROR", name_ + " malformed: " + error.what());
+    log().log("ERROR", name_ + " malformed: " + error.what());
     return false;
   }
 }

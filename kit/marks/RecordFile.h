@@ -28,6 +28,7 @@ class RecordFile {
       : url_(std::move(url)), name_(std::move(name)), files_(&files), log_(log) {}
 
   const std::filesystem::path& url() const { return url_; }
+  DiagLog& log() const { return log_ ? *log_ : DiagLog::shared(); }
 
   // What a file means that is there and cannot be read: none, or FileError.
   enum class Unreadable { isNone, isError };

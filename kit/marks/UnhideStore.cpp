@@ -1,6 +1,7 @@
 #include "kit/marks/UnhideStore.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "kit/support/QXConfig.h"
@@ -30,6 +31,15 @@ std::vector<Run> decodeRuns(const JSONValue& record, const std::string& key, std
 Record decodeRecord(const JSONValue& value) {
   return {textMember(value, "book"), textMember(value, "sheet"), decodeRuns(value, "rows", lastRow),
           decodeRuns(value, "cols", lastColumn)};
+}
+
+// What is more than can be right. Gives what the log has to say, or nothing.
+std::string dropWide(std::vector<Run>& runs, const std::string& key, const std::string& sheet) {
+  const std::int64_t lines = BridgeShapes::count(runs);
+  if (lines <= UnhideStore::mostLines) return {};
+  runs.clear();
+  return "unhidden.json: dropped " + key + " of sheet=" + sheet + ": " + std::to_string(lines) +
+         " of at most " + std::to_string(UnhideStore::mostLines);
 }
 
 JSONValue encodeRuns(const std::vector<Run>& runs) {
@@ -76,7 +86,24 @@ Records UnhideStore::load(RecordFile::Unreadable unreadable) const {
       records.push_back(decodeRecord(value));
     }
   };
-  return file_.load(decode, unreadable) ? records : Records();
+  if (!file_.load(decode, unreadable)) return {};
+  bool dropped = false;
+  for (Record& each : records) {
+    for (const std::string& text :
+         {dropWide(each.rows, "rows", each.sheet), dropWide(each.cols, "cols", each.sheet)}) {
+      if (text.empty()) continue;
+      file_.log().log("ERROR", text);
+      dropped = true;
+    }
+  }
+  if (!dropped) return records;
+  std::erase_if(records, [](const Record& each) { return each.isEmpty(); });
+  try {
+    record(records);
+  } catch (const std::exception&) {
+    // It is left out the next time too.
+  }
+  return records;
 }
 
 void UnhideStore::record(const Records& records) const {

@@ -3,6 +3,7 @@
 // and clearing.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -27,6 +28,10 @@ class UnhideStore {
   };
   using Records = std::vector<Record>;
 
+  // The most rows, and columns, of one sheet that are unhidden at a time. A record of more is none
+  // of ours: hiding that many would take the sheet away and Excel's time with it.
+  static constexpr std::int64_t mostLines = 200;
+
   // unhidden.json in the folder of QXConfig::defaultURL.
   static std::filesystem::path defaultURL();
 
@@ -36,7 +41,8 @@ class UnhideStore {
   const std::filesystem::path& url() const { return file_.url(); }
 
   // Never fails. A file that cannot be read is empty; so is a malformed one, which stays as it is
-  // and is reported to the log.
+  // and is reported to the log. The rows or columns of a sheet that are more than mostLines are
+  // left out, reported, and go from the file.
   Records load() const;
 
   // The same for who is going to write back what it gives: throws FileError where a file is there

@@ -2,21 +2,35 @@
 
 -- {first row, first column, rows, columns of the target, active sheet, first row, first column,
 -- rows, columns of the visible range, whether the target's rows are hidden, its columns (a missing
--- value where some are), address of its visible cells or ""}.
+-- value where some are), address of its visible cells or ""}. Where all rows or all columns of the
+-- target are hidden, and not all of the others, the visible cells are those of its whole columns or
+-- rows. A name of cells on another sheet is error -1728.
 on qx_revealread(addr, sheetName, bookName)
 	tell application "Microsoft Excel"
 		with timeout of 3 seconds
 			set sh to my qx_cf_sheet(bookName, sheetName)
 			set rg to my qx_bindaddr(addr, sh)
+			-- A name may stand for cells of another sheet. Their row and column numbers mean nothing
+			-- on this one.
+			if name of worksheet object of rg is not sheetName then error ("range is on another sheet: " & addr) number -1728
 			set inView to visible range of active window
+			set rowTotal to count of rows of rg
+			set colTotal to count of columns of rg
+			set rowsAway to hidden of entire row of rg
+			set colsAway to hidden of entire column of rg
+			-- Where every column is hidden no cell is visible, and the rows are told by what is visible
+			-- beside; in the same way the columns.
+			set looked to rg
+			if colsAway is true and rowsAway is not true and rowTotal > 1 then set looked to entire row of rg
+			if rowsAway is true and colsAway is not true and colTotal > 1 then set looked to entire column of rg
 			-- None visible is an error, and a missing value stands for "not known".
 			try
-				set seen to my qx_address(special cells rg type cell type visible)
+				set seen to my qx_address(special cells looked type cell type visible)
 			on error msg number n
 				if my qx_cf_mute(n) then error msg number n
 				set seen to ""
 			end try
-			return {first row index of rg, first column index of rg, count of rows of rg, count of columns of rg, name of active sheet, first row index of inView, first column index of inView, count of rows of inView, count of columns of inView, hidden of entire row of rg, hidden of entire column of rg, seen}
+			return {first row index of rg, first column index of rg, rowTotal, colTotal, name of active sheet, first row index of inView, first column index of inView, count of rows of inView, count of columns of inView, rowsAway, colsAway, seen}
 		end timeout
 	end tell
 end qx_revealread

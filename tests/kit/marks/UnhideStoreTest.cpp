@@ -104,6 +104,20 @@ TEST_F(UnhideStoreTest, DropsEmptyRecordsAndDeletesTheFileWithTheLastOne) {
   EXPECT_FALSE(fs::exists(file));
 }
 
+TEST_F(UnhideStoreTest, DropsMoreLinesThanOneSheetCanHave) {
+  put(R"([{"book":"B","sheet":"S","rows":[[2,40000]],"cols":[[1,200]]},)"
+      R"({"book":"Plan.xlsx","sheet":"Q1","rows":[[12,14]],"cols":[[1,100],[300,400]]}])");
+  const Records left{{"B", "S", {}, {{1, 200}}}, one[0]};
+  EXPECT_EQ(store.load(), left);
+  EXPECT_EQ(logged().find("ERROR unhidden.json: dropped rows of sheet=S: 39999 of at most 200"),
+            0U);
+  EXPECT_EQ(store.load(), left);
+  EXPECT_EQ(logged(), "") << "still in the file";
+  put(R"([{"book":"B","sheet":"S","rows":[[1,100],[101,201]],"cols":[]}])");
+  EXPECT_EQ(store.loadToReplace(), Records());
+  EXPECT_FALSE(fs::exists(file));
+}
+
 TEST_F(UnhideStoreTest, TakesAMalformedFileForEmptyAndKeepsIt) {
   const std::pair<const char*, const char*> cases[] = {
       {"{}", "the top level is not an array"},

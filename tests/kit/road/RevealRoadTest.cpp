@@ -76,6 +76,70 @@ TEST_F(RevealRoad, NeverHidesColumnsThatWereShown) {
   EXPECT_EQ(hidden("A:D", Lines::columns), "none");
 }
 
+// All rows of the target and some of its columns, and the other way round.
+TEST_F(RevealRoad, ShowsRowsAndColumnsOfOneTargetAtOnce) {
+  hide("5:6", Lines::rows);
+  hide("C:C", Lines::columns);
+  EXPECT_EQ(reveal("B5:D6"), "{\"revealed\":false,\"unhid\":\"rows 5\u20136, column C\"}");
+  EXPECT_EQ(hidden("5:6", Lines::rows), "none");
+  EXPECT_EQ(hidden("C:C", Lines::columns), "none");
+  ask("clearMarks");
+  EXPECT_EQ(reveal("C4:C8"), "{\"revealed\":false,\"unhid\":\"rows 5\u20136, column C\"}");
+  EXPECT_EQ(hidden("5:6", Lines::rows), "none");
+  ask("clearMarks");
+  EXPECT_EQ(hidden("5:6", Lines::rows), "all");
+  EXPECT_EQ(hidden("4:4", Lines::rows), "none");
+  EXPECT_EQ(hidden("7:8", Lines::rows), "none");
+  EXPECT_EQ(hidden("C:C", Lines::columns), "all");
+  EXPECT_EQ(hidden("B:B", Lines::columns), "none");
+  EXPECT_EQ(hidden("D:D", Lines::columns), "none");
+}
+
+TEST_F(RevealRoad, KnowsItsSheetInCapitalsToo) {
+  hide("5:5", Lines::rows);
+  reveal("B5");
+  EXPECT_EQ(reveal("DATA!A5:C9"), R"({"activated":true,"revealed":true})");
+  EXPECT_EQ(hidden("5:5", Lines::rows), "none") << "hidden again, though it is asked for";
+  hide("9:9", Lines::rows);
+  EXPECT_THAT(reveal("data!A5:C9"), testing::HasSubstr("\"unhid\":\"row 9\""));
+  EXPECT_THAT(unhide_.load(), SizeIs(1));
+  ask("clearMarks");
+  EXPECT_EQ(hidden("5:5", Lines::rows), "all");
+  EXPECT_EQ(hidden("9:9", Lines::rows), "all");
+}
+
+TEST_F(RevealRoad, TouchesNoSheetForANameOfAnother) {
+  memory_->setHidden(on("Known.xlsx", "Blank", "2:2"), Lines::rows, true);
+  hide("3:3", Lines::rows);
+  memory_->activateSheet({"Known.xlsx", "Blank"});
+  EXPECT_EQ(reveal("Prices"), R"({"reason":"unbound","revealed":false})");
+  EXPECT_EQ(memory_->hidden(on("Known.xlsx", "Blank", "2:2"), Lines::rows), true);
+  ask("clearMarks");
+  EXPECT_EQ(memory_->hidden(on("Known.xlsx", "Blank", "3:3"), Lines::rows), false);
+  memory_->activateSheet({"Known.xlsx", "Data"});
+  EXPECT_EQ(reveal("Prices"), R"({"revealed":false,"unhid":"row 3"})");
+}
+
+TEST_F(RevealRoad, NeverUnhidesMoreThan200RowsOfASheetAltogether) {
+  memory_->goTo(on("Known.xlsx", "Data", "B400"));
+  hide("1:300", Lines::rows);
+  EXPECT_THAT(reveal("A1:A150"), testing::HasSubstr("rows 1\u2013150"));
+  EXPECT_EQ(reveal("A150:A201").find("unhid"), std::string::npos);
+  EXPECT_EQ(hidden("151:300", Lines::rows), "all");
+  EXPECT_THAT(reveal("A150:A200"), testing::HasSubstr("rows 151\u2013200"));
+  ask("clearMarks");
+  EXPECT_EQ(hidden("1:300", Lines::rows), "all");
+}
+
+// One that a defect or a hand has made so: it would hide the sheet, and take minutes.
+TEST_F(RevealRoad, DropsARecordThatIsTooWide) {
+  unhide_.record({{"Known.xlsx", "Data", {{2, 40000}}, {{3, 3}}}});
+  ask("clearMarks");
+  EXPECT_EQ(hidden("2:40000", Lines::rows), "none");
+  EXPECT_EQ(hidden("C:C", Lines::columns), "all");
+  EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
+}
+
 TEST_F(RevealRoad, HidesAgainWhenAnotherCellIsRevealed) {
   hide("5:5", Lines::rows);
   hide("9:9", Lines::rows);

@@ -40,6 +40,24 @@ TEST_F(RevealHandlers, ReadFindsNamesBehindAddresses) {
   EXPECT_EQ(read("XFE1"), "error -1728 range does not exist: XFE1");
 }
 
+TEST_F(RevealHandlers, ReadRefusesANameOfCellsOnAnotherSheet) {
+  EXPECT_EQ(run("qx_revealread", {"Prices", "Blank", "Known.xlsx"}),
+            "error -1728 range is on another sheet: Prices");
+  EXPECT_THAT(run("qx_revealread", {"Prices", "DATA", "Known.xlsx"}),
+              testing::StartsWith("[2,2,2,1,"));
+}
+
+TEST_F(RevealHandlers, ReadTellsRowsBesideHiddenColumnsAndColumnsBesideHiddenRows) {
+  hide("B:C", host::Lines::columns);
+  hide("8:8", host::Lines::rows);
+  EXPECT_THAT(read("B7:C9"),
+              testing::EndsWith(R"j(,null,true,"$A$7,$D$7:$XFD$7,$A$9,$D$9:$XFD$9"])j"));
+  hide("7:9", host::Lines::rows);
+  EXPECT_THAT(read("A7:D9"), testing::EndsWith(R"j(,true,null,"$A$1:$A$6,$D$1:$D$6,)j"
+                                               R"j($A$10:$A$1048576,$D$10:$D$1048576"])j"));
+  EXPECT_THAT(read("B7:C9"), testing::EndsWith(R"j(,true,true,""])j"));
+}
+
 TEST_F(RevealHandlers, ReadGivesTheWholeAddressOfManyVisibleParts) {
   excel_->quirks.cutsLongAddresses = true;
   std::string parts;
