@@ -1,5 +1,6 @@
-// PanelInspector: lets a test look into the running panel, where no other tool reaches. It exists
-// only while the environment names its socket in QX_TEST_SOCKET. Each line asks one thing:
+// PanelInspector: lets a test look into the running panel, where no other tool reaches. It is
+// part of quorin_inspected alone, and there while the environment names its socket in
+// QX_TEST_SOCKET. Each line asks one thing:
 //
 //   eval SCRIPT   the script's value in the page as JSON; SCRIPT is a JSON text
 //   window        {"visible", "key", "x", "y", "width", "height"}

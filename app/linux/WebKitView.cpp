@@ -1,5 +1,6 @@
 #include "app/linux/WebKitView.h"
 
+#include "app/shell/PageAddress.h"
 #include "kit/value/JSONText.h"
 
 namespace quorin {
@@ -14,23 +15,50 @@ JSONValue bodyOf(JSCValue* value) {
   return parsed ? std::move(*parsed.value) : JSONValue();
 }
 
+// Links make WebKit connect to where they lead before anyone has decided that it may.
+void turnOffPreconnecting(WebKitSettings* settings) {
+#if WEBKIT_CHECK_VERSION(2, 42, 0)
+  WebKitFeatureList* const all = webkit_settings_get_all_features();
+  for (gsize i = 0; i < webkit_feature_list_get_length(all); ++i) {
+    WebKitFeature* const feature = webkit_feature_list_get(all, i);
+    const std::string_view name = webkit_feature_get_identifier(feature);
+    if (name == "LinkPreconnect" || name == "LinkPreconnectEarlyHints" ||
+        name == "LinkDNSPrefetch") {
+      webkit_settings_set_feature_enabled(settings, feature, FALSE);
+    }
+  }
+  webkit_feature_list_unref(all);
+#else
+  webkit_settings_set_enable_dns_prefetching(settings, FALSE);
+#endif
+}
+
 GObjectPtr<WebKitSettings> makeSettings(bool inspectable) {
   GObjectPtr<WebKitSettings> settings(webkit_settings_new());
   // Without the graphics processor the first paint comes sooner and takes half the memory.
   webkit_settings_set_hardware_acceleration_policy(settings.get(),
                                                    WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+  turnOffPreconnecting(settings.get());
   webkit_settings_set_enable_developer_extras(settings.get(), inspectable);
   webkit_settings_set_enable_write_console_messages_to_stdout(settings.get(), inspectable);
   return settings;
 }
 
+GObjectPtr<WebKitWebContext> makeContext() {
+  const GObjectPtr<WebKitWebsiteDataManager> data(webkit_website_data_manager_new_ephemeral());
+  return GObjectPtr<WebKitWebContext>(webkit_web_context_new_with_website_data_manager(data.get()));
+}
+
+const char* addressOf(WebKitNavigationPolicyDecision* decision) {
+  WebKitNavigationAction* const action =
+      webkit_navigation_policy_decision_get_navigation_action(decision);
+  return webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+}
+
 }  // namespace
 
 WebKitView::WebKitView(const WebViewOptions& options, bool inspectable)
-    : content_(webkit_user_content_manager_new()) {
-  const GObjectPtr<WebKitWebsiteDataManager> data(webkit_website_data_manager_new_ephemeral());
-  const GObjectPtr<WebKitWebContext> context(
-      webkit_web_context_new_with_website_data_manager(data.get()));
+    : context_(makeContext()), content_(webkit_user_content_manager_new()) {
   // Connected before the handler is registered, so that no message is lost.
   g_signal_connect(content_.get(),
                    ("script-message-received::" + options.messageHandlerName).c_str(),
@@ -45,11 +73,20 @@ WebKitView::WebKitView(const WebViewOptions& options, bool inspectable)
 
   const GObjectPtr<WebKitSettings> settings = makeSettings(inspectable);
   view_.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(
-      g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context.get(), "user-content-manager",
+      g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context_.get(), "user-content-manager",
                    content_.get(), "settings", settings.get(), nullptr))));
   g_signal_connect(view_.get(), "load-changed", G_CALLBACK(loadChanged), this);
   g_signal_connect(view_.get(), "load-failed", G_CALLBACK(loadFailed), this);
   g_signal_connect(view_.get(), "web-process-terminated", G_CALLBACK(processTerminated), this);
+  g_signal_connect(view_.get(), "decide-policy", G_CALLBACK(decidePolicy), this);
+  g_signal_connect(view_.get(), "permission-request", G_CALLBACK(permissionRequested), this);
+  g_signal_connect(view_.get(), "query-permission-state",
+                   G_CALLBACK(+[](WebKitWebView*, WebKitPermissionStateQuery* query) {
+                     webkit_permission_state_query_finish(query, WEBKIT_PERMISSION_STATE_DENIED);
+                     return TRUE;
+                   }),
+                   nullptr);
+  g_signal_connect(context_.get(), "download-started", G_CALLBACK(downloadStarted), this);
   if (!inspectable) {
     g_signal_connect(view_.get(), "context-menu", G_CALLBACK(+[] { return TRUE; }), nullptr);
   }
@@ -57,12 +94,14 @@ WebKitView::WebKitView(const WebViewOptions& options, bool inspectable)
 
 WebKitView::~WebKitView() {
   g_signal_handlers_disconnect_by_data(content_.get(), this);
+  g_signal_handlers_disconnect_by_data(context_.get(), this);
   g_signal_handlers_disconnect_by_data(view_.get(), this);
 }
 
 bool WebKitView::loadURL(const std::string& url, std::chrono::seconds timeout) {
-  if (!g_uri_is_valid(url.c_str(), G_URI_FLAGS_NONE, nullptr)) return false;
+  if (!PageAddress::onThisMachine(url)) return false;
   timeout_ = timeout;
+  page_ = url;
   webkit_web_view_load_uri(view_.get(), url.c_str());
   return true;
 }
@@ -71,11 +110,14 @@ bool WebKitView::loadURL(const std::string& url, std::chrono::seconds timeout) {
 void WebKitView::loadFile(const std::filesystem::path& file, const std::filesystem::path&) {
   timeout_ = {};
   const GTextPtr uri(g_filename_to_uri(std::filesystem::absolute(file).c_str(), nullptr, nullptr));
-  if (uri) webkit_web_view_load_uri(view_.get(), uri.get());
+  if (!uri) return;
+  page_ = uri.get();
+  webkit_web_view_load_uri(view_.get(), uri.get());
 }
 
 void WebKitView::loadHTML(const std::string& html) {
   timeout_ = {};
+  page_ = PageAddress::inlinePage;
   webkit_web_view_load_html(view_.get(), html.c_str(), nullptr);
 }
 
@@ -156,6 +198,48 @@ gboolean WebKitView::timedOut(gpointer data) {
   return G_SOURCE_REMOVE;
 }
 
+// Redirections and frames are asked about here, too. What comes back is looked at again: a page
+// that WebKit cannot show would be fetched as a file.
+gboolean WebKitView::decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision,
+                                  WebKitPolicyDecisionType type, gpointer data) {
+  auto& self = *static_cast<WebKitView*>(data);
+  if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+    if (webkit_response_policy_decision_is_mime_type_supported(
+            WEBKIT_RESPONSE_POLICY_DECISION(decision))) {
+      webkit_policy_decision_use(decision);
+      return TRUE;
+    }
+    webkit_policy_decision_ignore(decision);
+    return self.refuse("download");
+  }
+  const char* const address = addressOf(WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+  if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION && address &&
+      PageAddress::isSamePage(address, self.page_)) {
+    webkit_policy_decision_use(decision);
+    return TRUE;
+  }
+  webkit_policy_decision_ignore(decision);
+  return self.refuse(type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION ? "navigation"
+                                                                           : "window");
+}
+
+gboolean WebKitView::permissionRequested(WebKitWebView*, WebKitPermissionRequest* request,
+                                         gpointer data) {
+  webkit_permission_request_deny(request);
+  return static_cast<WebKitView*>(data)->refuse("permission");
+}
+
+// Without an end it would land in the user's folder of downloads.
+void WebKitView::downloadStarted(WebKitWebContext*, WebKitDownload* download, gpointer data) {
+  webkit_download_cancel(download);
+  static_cast<WebKitView*>(data)->refuse("download");
+}
+
+gboolean WebKitView::refuse(const char* what) {
+  if (delegate_) delegate_->webViewDidRefuse(what);
+  return TRUE;
+}
+
 void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationReason,
                                    gpointer data) {
   auto& self = *static_cast<WebKitView*>(data);
@@ -165,7 +249,8 @@ void WebKitView::processTerminated(WebKitWebView*, WebKitWebProcessTerminationRe
 void WebKitView::messageReceived(WebKitUserContentManager*, WebKitJavascriptResult* message,
                                  gpointer data) {
   auto& self = *static_cast<WebKitView*>(data);
-  if (!self.delegate_) return;
+  const char* const address = webkit_web_view_get_uri(self.view_.get());
+  if (!self.delegate_ || !address || !PageAddress::isSamePage(address, self.page_)) return;
   self.delegate_->webViewDidReceiveMessage(bodyOf(webkit_javascript_result_get_js_value(message)));
 }
 

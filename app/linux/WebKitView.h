@@ -40,10 +40,17 @@ class WebKitView : public WebView {
   static void messageReceived(WebKitUserContentManager*, WebKitJavascriptResult* message,
                               gpointer self);
   static gboolean timedOut(gpointer self);
+  static gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision*, WebKitPolicyDecisionType,
+                               gpointer self);
+  static gboolean permissionRequested(WebKitWebView*, WebKitPermissionRequest*, gpointer self);
+  static void downloadStarted(WebKitWebContext*, WebKitDownload*, gpointer self);
+  gboolean refuse(const char* what);
 
   WebViewDelegate* delegate_ = nullptr;
+  GObjectPtr<WebKitWebContext> context_;
   GObjectPtr<WebKitUserContentManager> content_;
   GObjectPtr<WebKitWebView> view_;
+  std::string page_;       // the address of what was loaded last
   bool failed_ = false;    // the load under way has failed
   bool timedOut_ = false;  // because it took too long
   std::chrono::seconds timeout_{0};

@@ -18,7 +18,9 @@
 #include "app/linux/GtkPlatform.h"
 #include "app/linux/Invocation.h"
 #include "app/linux/LineServer.h"
+#ifdef QUORIN_INSPECTOR
 #include "app/linux/PanelInspector.h"
+#endif
 #include "app/shell/AppDelegate.h"
 #include "app/shell/BridgeLink.h"
 #include "kit/platform/Platform.h"
@@ -125,17 +127,21 @@ int run(const Invocation& invocation) {
   delegate = &app;
   if (invocation.show) fulfil(invocation.request, app);
 
+#ifdef QUORIN_INSPECTOR
   std::optional<PanelInspector> inspector;
   if (const auto path = environment.find("QX_TEST_SOCKET"); path != environment.end()) {
     inspector.emplace(path->second, static_cast<GtkPlatform&>(*platform));
   }
+#endif
 
   platform->application().setAccessory();
   platform->application().setDelegate(app);
   platform->application().run();
 
   // Nothing is taken down but what others see: a spreadsheet that hangs must not hold up the end.
+#ifdef QUORIN_INSPECTOR
   inspector.reset();
+#endif
   control.reset();
   log.flush();
   std::fflush(nullptr);

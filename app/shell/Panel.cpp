@@ -48,8 +48,9 @@ Panel::~Panel() {
 
 void Panel::loadWeb() {
   const auto page = parts_.environment.find("QX_DEV_URL");
-  if (page != parts_.environment.end() && webView_->loadURL(page->second, developmentPageTimeout)) {
-    return;
+  if (page != parts_.environment.end()) {
+    if (webView_->loadURL(page->second, developmentPageTimeout)) return;
+    parts_.log.log("ERROR", "QX_DEV_URL is not an address on this machine, showing the own page");
   }
   if (const auto resources = parts_.platform.bundle().resourceFolder()) {
     const std::filesystem::path file = *resources / "web" / "index.html";
@@ -174,6 +175,10 @@ void Panel::webViewDidFailProvisionalNavigation(const std::string& description) 
 
 void Panel::webViewDidFailNavigation(const std::string& description) {
   parts_.log.log("ERROR", "web navigation failed: " + description);
+}
+
+void Panel::webViewDidRefuse(const std::string& what) {
+  parts_.log.log("ERROR", "web view refused a " + what);
 }
 
 // The page's process is restarted by loading the page again. A page that takes its process down

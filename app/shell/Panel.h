@@ -108,6 +108,7 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   void webViewDidFinishNavigation() override;
   void webViewDidFailProvisionalNavigation(const std::string& description) override;
   void webViewDidFailNavigation(const std::string& description) override;
+  void webViewDidRefuse(const std::string& what) override;
   void webViewWebProcessDidTerminate() override;
 
   Parts parts_;

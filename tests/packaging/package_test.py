@@ -86,6 +86,12 @@ class Package(unittest.TestCase):
                            input='{"id":7,"verb":"readCell","args":[]}\n')
         self.assertIn('"id":7,"ok":true', answer)
 
+    def test_lets_nobody_look_into_the_panel(self):
+        self.dpkg("-i", self.package)
+        self.assertNotIn(b"QX_TEST_SOCKET", (self.root / "usr/bin/quorin").read_bytes())
+        inspected = (BUILD / "app/linux/quorin_inspected").read_bytes()
+        self.assertIn(b"QX_TEST_SOCKET", inspected, "the test would see it")
+
     def test_describes_itself_to_the_desktop(self):
         self.dpkg("-i", self.package)
         share = self.root / "usr/share"

@@ -26,17 +26,24 @@ class WebViewDelegate {
   virtual void webViewDidFailProvisionalNavigation(const std::string& description) = 0;
   virtual void webViewDidFailNavigation(const std::string& description) = 0;
 
+  // The page wanted something that it may not have: "navigation", "window", "download" or
+  // "permission".
+  virtual void webViewDidRefuse(const std::string& what) = 0;
+
   // The process that runs the page is gone; nothing is shown until the page is loaded again.
   virtual void webViewWebProcessDidTerminate() = 0;
 };
 
+// It shows the page that was loaded last and nothing else: every navigation elsewhere is refused,
+// in frames too, and so are windows, downloads, and what pages ask a user's permission for.
 class WebView {
  public:
   virtual ~WebView() = default;
 
   virtual void setDelegate(WebViewDelegate* delegate) = 0;  // none while null
 
-  // False when the text is not a URL; then nothing is loaded.
+  // False when the text is not the URL of a file or of a server on this machine
+  // (PageAddress::onThisMachine); then nothing is loaded.
   virtual bool loadURL(const std::string& url, std::chrono::seconds timeout) = 0;
 
   // Loads a file; the page may read the files of that folder.

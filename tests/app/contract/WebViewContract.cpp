@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <arpa/inet.h>
 #include <fstream>
 #include <netinet/in.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 #include "kit/value/Marshal.h"
@@ -13,8 +16,11 @@ namespace quorin::contract {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 // A port of this machine that nobody listens on, unless the test does.
@@ -33,6 +39,22 @@ class LocalPort {
   LocalPort& operator=(const LocalPort&) = delete;
 
   int descriptor() const { return descriptor_; }
+
+  // Whether anyone has connected since it listens.
+  bool wasAsked() const {
+    pollfd state{descriptor_, POLLIN, 0};
+    return poll(&state, 1, 0) == 1;
+  }
+
+  // Accepts one connection, reads a request, sends the text and closes.
+  std::thread answerOnce(std::string text) const {
+    return std::thread([descriptor = descriptor_, text = std::move(text)] {
+      const int client = accept(descriptor, nullptr, nullptr);
+      char request[4096];
+      if (recv(client, request, sizeof request, 0) > 0) send(client, text.data(), text.size(), 0);
+      close(client);
+    });
+  }
   std::string url() const {
     return "http://127.0.0.1:" + std::to_string(ntohs(address_.sin_port)) + "/";
   }
@@ -114,7 +136,8 @@ TEST_F(WebViewContract, TellsAServerThatIsNotThereAsAProvisionalFailureOnly) {
 }
 
 TEST_F(WebViewContract, RefusesTextThatIsNoURL) {
-  for (const char* text : {"", "not a url", "localhost", "/index.html"}) {
+  for (const char* text : {"", "not a url", "localhost", "/index.html", "http://192.0.2.1/",
+                           "http://localhost.example.org/", "file://example.org/index.html"}) {
     EXPECT_FALSE(view->loadURL(text, 60s)) << text;
   }
   runFor(100ms);
@@ -181,6 +204,87 @@ TEST_F(WebViewContract, EvaluatesWhateverThePageDoesWithIt) {
   view->evaluate("this is no script");
   view->evaluate("window.after = 1");
   EXPECT_EQ(valueOf("window.after"), "1");
+}
+
+TEST_F(WebViewContract, GoesNowhereElse) {
+  const LocalPort elsewhere;
+  ASSERT_EQ(listen(elsewhere.descriptor(), 16), 0);
+  const std::string url = "\"" + elsewhere.url() + "\"";
+  std::ofstream(folder / "other.html") << "<p>other";
+  for (const std::string& step :
+       {"location.href = " + url, "location.replace(" + url + ")",
+        std::string("location.href = 'other.html'"), std::string("location.href = 'about:blank'"),
+        "{const a = document.createElement('a'); a.href = " + url +
+            "; document.body.append(a); a.click()}",
+        "{const a = document.createElement('a'); a.href = " + url +
+            "; a.download = 'x'; document.body.append(a); a.click()}",
+        "{const f = document.createElement('form'); f.action = " + url +
+            "; f.method = 'post'; document.body.append(f); f.submit()}",
+        "{const m = document.createElement('meta'); m.httpEquiv = 'refresh'; m.content = '0;url=' "
+        "+ " +
+            url + "; document.head.append(m)}",
+        "{const i = document.createElement('iframe'); i.src = " + url +
+            "; document.body.append(i)}"}) {
+    load("<p>own");
+    recorder.calls.clear();
+    view->evaluate(step);
+    ASSERT_TRUE(waitUntil([&] { return !recorder.calls.empty(); })) << step;
+    runFor(50ms);
+    EXPECT_THAT(recorder.calls, ElementsAre("refused: navigation")) << step;
+    EXPECT_EQ(valueOf("document.querySelector('p').textContent"), "\"own\"") << step;
+    EXPECT_FALSE(elsewhere.wasAsked()) << step;
+  }
+  EXPECT_FALSE(elsewhere.wasAsked());
+}
+
+TEST_F(WebViewContract, GoesToPlacesInItsPage) {
+  load("<p id=there>own");
+  recorder.calls.clear();
+  EXPECT_EQ(valueOf("(location.href = '#there', location.hash)"), "\"#there\"");
+  EXPECT_THAT(recorder.calls, IsEmpty());
+}
+
+TEST_F(WebViewContract, OpensNoWindow) {
+  const LocalPort elsewhere;
+  ASSERT_EQ(listen(elsewhere.descriptor(), 16), 0);
+  load("<p>own");
+  recorder.calls.clear();
+  EXPECT_EQ(valueOf("window.open('" + elsewhere.url() + "') === null"), "true");
+  view->evaluate(R"(const a = document.createElement('a'); a.target = '_blank';
+      a.href = location.href; document.body.append(a); a.click();)");
+  runFor(200ms);
+  EXPECT_THAT(recorder.calls, AllOf(Each("refused: window"), Not(IsEmpty())));
+  EXPECT_FALSE(elsewhere.wasAsked());
+}
+
+TEST_F(WebViewContract, FollowsNoRedirectionToAnotherPage) {
+  const LocalPort own, elsewhere;
+  ASSERT_EQ(listen(own.descriptor(), 4), 0);
+  ASSERT_EQ(listen(elsewhere.descriptor(), 4), 0);
+  std::thread server = own.answerOnce("HTTP/1.1 302 Found\r\nLocation: " + elsewhere.url() +
+                                      "\r\nContent-Length: 0\r\n\r\n");
+  ASSERT_TRUE(view->loadURL(own.url(), 10s));
+  EXPECT_TRUE(waitUntil([&] {
+    return std::find(recorder.calls.begin(), recorder.calls.end(), "refused: navigation") !=
+           recorder.calls.end();
+  }));
+  server.join();
+  runFor(100ms);
+  EXPECT_FALSE(elsewhere.wasAsked());
+}
+
+TEST_F(WebViewContract, FetchesNoFiles) {
+  const LocalPort own;
+  ASSERT_EQ(listen(own.descriptor(), 4), 0);
+  std::thread server = own.answerOnce(
+      "HTTP/1.1 200 OK\r\nContent-Type: application/x-thing\r\nContent-Disposition: attachment; "
+      "filename=thing.bin\r\nContent-Length: 5\r\n\r\nthing");
+  ASSERT_TRUE(view->loadURL(own.url(), 10s));
+  EXPECT_TRUE(waitUntil([&] {
+    return std::find(recorder.calls.begin(), recorder.calls.end(), "refused: download") !=
+           recorder.calls.end();
+  }));
+  server.join();
 }
 
 TEST_F(WebViewContract, TellsAReload) {

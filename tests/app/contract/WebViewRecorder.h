@@ -19,6 +19,7 @@ class WebViewRecorder : public WebViewDelegate {
   void webViewDidFailNavigation(const std::string& text) override {
     calls.push_back("failure: " + text);
   }
+  void webViewDidRefuse(const std::string& what) override { calls.push_back("refused: " + what); }
   void webViewWebProcessDidTerminate() override { calls.push_back("terminated"); }
 
   std::vector<JSONValue> bodies;

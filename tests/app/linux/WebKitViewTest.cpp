@@ -11,6 +11,7 @@ namespace quorin {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -99,6 +100,24 @@ TEST_F(WebKitViewTest, SparesMemoryInThePagesProcess) {
   const std::string environment = readFile("/proc/" + process + "/environ");
   EXPECT_THAT(environment, HasSubstr("JSC_useCodeCache=0"));
   EXPECT_THAT(environment, HasSubstr("JSC_useDFGJIT=0"));
+}
+
+TEST_F(WebKitViewTest, GrantsNoPermission) {
+  gtk_widget_show_all(window);
+  load("<p>own");
+  recorder.bodies.clear();
+  view.evaluate(R"(const post = (body) => window.webkit.messageHandlers.qx.postMessage(body);
+      (async () => {
+        const told = [];
+        await new Promise((next) => navigator.geolocation.getCurrentPosition(
+            () => { told.push("a place"); next(); }, () => { told.push("no place"); next(); }));
+        told.push(await Notification.requestPermission());
+        told.push(await navigator.clipboard.readText().then(() => "a text", () => "no text"));
+        post(told);
+      })().catch((error) => post("failed: " + error));)");
+  ASSERT_TRUE(receives(1));
+  EXPECT_EQ(Marshal::encode(recorder.bodies[0]), R"(["no place","denied","no text"])");
+  EXPECT_THAT(recorder.calls, Contains("refused: permission"));
 }
 
 TEST_F(WebKitViewTest, TellsThatTheProcessEndedAndLoadsAgain) {

@@ -57,6 +57,23 @@ TEST_F(PanelTest, LoadsTheBundleWhenTheDevelopmentPageIsNoURL) {
   EXPECT_THAT(platform.journal, ElementsAre(StartsWith("loadFile ")));
 }
 
+TEST_F(PanelTest, LoadsNoDevelopmentPageOfAnotherMachine) {
+  writeFile(folder / "resources/web/index.html", "<p>page</p>");
+  platform.bundle().resources = folder / "resources";
+  environment["QX_DEV_URL"] = "http://localhost.example.org/";
+  const auto panel = makePanel();
+  EXPECT_THAT(platform.journal, ElementsAre(StartsWith("loadFile ")));
+  EXPECT_THAT(logged(),
+              ElementsAre("ERROR QX_DEV_URL is not an address on this machine, showing the own "
+                          "page"));
+}
+
+TEST_F(PanelTest, LogsWhatThePageMayNotHave) {
+  const auto panel = makePanel();
+  platform.webView().delegate->webViewDidRefuse("navigation");
+  EXPECT_THAT(logged(), ElementsAre("ERROR web view refused a navigation"));
+}
+
 TEST_F(PanelTest, SaysThatTheBundleIsMissingWithoutLoggingIt) {
   const std::string heading =
       "loadHTML <h1 style='font:14px system-ui;padding:16px'>Quorin: web bundle missing</h1>";

@@ -4,6 +4,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "app/shell/PageAddress.h"
+
 namespace quorin {
 
 namespace {
@@ -96,7 +98,7 @@ void FakePanelWindow::orderOut() {
 }
 
 bool FakeWebView::loadURL(const std::string& url, std::chrono::seconds timeout) {
-  if (url.find("://") == std::string::npos) return false;
+  if (!PageAddress::onThisMachine(url)) return false;
   journal_.push_back("loadURL " + url + " " + std::to_string(timeout.count()));
   return true;
 }

@@ -29,6 +29,16 @@ typedef NS_ENUM(NSInteger, WKUserScriptInjectionTime) {
   WKUserScriptInjectionTimeAtDocumentStart = 0,
   WKUserScriptInjectionTimeAtDocumentEnd = 1
 };
+typedef NS_ENUM(NSInteger, WKPermissionDecision) {
+  WKPermissionDecisionPrompt = 0,
+  WKPermissionDecisionGrant = 1,
+  WKPermissionDecisionDeny = 2
+};
+typedef NS_ENUM(NSInteger, WKMediaCaptureType) {
+  WKMediaCaptureTypeCamera = 0,
+  WKMediaCaptureTypeMicrophone = 1,
+  WKMediaCaptureTypeCameraAndMicrophone = 2
+};
 typedef NS_ENUM(NSInteger, WKErrorCode) {
   WKErrorUnknown = 1,
   WKErrorWebContentProcessTerminated = 2,
@@ -194,6 +204,11 @@ typedef NS_ENUM(NSInteger, WKErrorCode) {
     runJavaScriptConfirmPanelWithMessage:(NSString*)message
                         initiatedByFrame:(WKFrameInfo*)frame
                        completionHandler:(void (^)(BOOL))completionHandler;
+- (void)webView:(WKWebView*)webView
+    requestMediaCapturePermissionForOrigin:(WKSecurityOrigin*)origin
+                          initiatedByFrame:(WKFrameInfo*)frame
+                                      type:(WKMediaCaptureType)type
+                           decisionHandler:(void (^)(WKPermissionDecision))decisionHandler;
 - (void)webView:(WKWebView*)webView
     runOpenPanelWithParameters:(WKOpenPanelParameters*)parameters
               initiatedByFrame:(WKFrameInfo*)frame
