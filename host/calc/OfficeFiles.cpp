@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "host/Spreadsheet.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -17,8 +18,26 @@ std::filesystem::path pipeFile(std::string_view name) {
 
 bool isOwnPipe(std::string_view name) {
   struct stat status {};
-  return ::lstat(pipeFile(name).c_str(), &status) == 0 && S_ISSOCK(status.st_mode) &&
-         status.st_uid == ::getuid();
+  if (::lstat(pipeFile(name).c_str(), &status) != 0) return false;
+  if (S_ISSOCK(status.st_mode) && status.st_uid == ::getuid()) return true;
+  throw SpreadsheetError(-600, "What is in the place of LibreOffice's pipe is not this user's");
+}
+
+std::string newPipeName(std::string_view prefix) {
+  constexpr std::size_t bytes = 16;
+  std::array<unsigned char, bytes> chance{};
+  for (;;) {
+    if (::getentropy(chance.data(), chance.size()) != 0) {
+      throw SpreadsheetError(-600, "There is no name for LibreOffice's pipe");
+    }
+    std::string name(prefix);
+    for (const unsigned char byte : chance) {
+      constexpr const char* digits = "0123456789abcdef";
+      name += {digits[byte >> 4], digits[byte & 15]};
+    }
+    struct stat status {};
+    if (::lstat(pipeFile(name).c_str(), &status) != 0) return name;
+  }
 }
 
 std::string singleInstancePipe(std::string_view userInstallation) {

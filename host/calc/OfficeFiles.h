@@ -11,8 +11,11 @@ namespace quorin::host::calc {
 std::filesystem::path pipeFile(std::string_view name);
 
 // Whether the pipe's file is there and the user's own: one of that name which belongs to someone
-// else is not the office.
+// else is not the office. That one is there all the same is an error, -600, which says so.
 bool isOwnPipe(std::string_view name);
+
+// A name for a pipe that nobody can foresee, and that no file has.
+std::string newPipeName(std::string_view prefix);
 
 // The name of the pipe through which a second start with the same user folder reaches the first.
 std::string singleInstancePipe(std::string_view userInstallation);

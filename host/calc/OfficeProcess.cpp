@@ -60,26 +60,34 @@ bool OfficeProcess::hasArgument(std::string_view name) const {
   });
 }
 
-// The sockets that a process holds are links to "socket:[INODE]"; the list of all sockets tells
-// inode and path of each, as its seventh and eighth word.
 std::optional<std::filesystem::path> OfficeProcess::requestSocket(
     const std::filesystem::path& proc) const {
+  const std::vector<std::filesystem::path> found = sockets(requestSocketName, proc);
+  if (found.empty()) return std::nullopt;
+  return found.front();
+}
+
+// The sockets that a process holds are links to "socket:[INODE]"; the list of all sockets tells
+// inode and path of each, as its seventh and eighth word.
+std::vector<std::filesystem::path> OfficeProcess::sockets(std::string_view text,
+                                                          const std::filesystem::path& proc) const {
   const std::filesystem::path own = proc / std::to_string(id);
   std::map<std::string, std::string> paths;
-  std::istringstream sockets(contentsOf(own / "net" / "unix"));
-  for (std::string line; std::getline(sockets, line);) {
-    if (line.find(requestSocketName) == std::string::npos) continue;
+  std::istringstream all(contentsOf(own / "net" / "unix"));
+  for (std::string line; std::getline(all, line);) {
+    if (line.find(text) == std::string::npos) continue;
     std::istringstream words(line);
     std::array<std::string, 8> word;
     for (std::string& one : word) words >> one;
     paths["socket:[" + word[6] + "]"] = word[7];
   }
+  std::vector<std::filesystem::path> held;
   std::error_code failure;
   for (const auto& entry : std::filesystem::directory_iterator(own / "fd", failure)) {
     const auto found = paths.find(std::filesystem::read_symlink(entry.path(), failure).string());
-    if (found != paths.end()) return found->second;
+    if (found != paths.end()) held.emplace_back(found->second);
   }
-  return std::nullopt;
+  return held;
 }
 
 std::vector<OfficeProcess> officeProcesses(const std::filesystem::path& proc) {

@@ -23,6 +23,9 @@ struct OfficeProcess {
   // None while it is just starting, or when it may not be looked into.
   std::optional<std::filesystem::path> requestSocket(
       const std::filesystem::path& proc = "/proc") const;
+  // Those of its sockets whose path holds the text.
+  std::vector<std::filesystem::path> sockets(std::string_view text,
+                                             const std::filesystem::path& proc = "/proc") const;
   bool operator==(const OfficeProcess&) const = default;
 };
 

@@ -15,14 +15,18 @@ namespace {
 constexpr std::chrono::seconds patience{2};
 constexpr std::chrono::milliseconds pause{5};
 
-// A pipe file that was there before the process is what another one of that number left behind.
-void removeIfOlder(const std::string& pipe, pid_t process) {
-  struct stat file {
-  }, started{};
-  const std::string path = pipeFile(pipe).string();
-  if (::stat(path.c_str(), &file) != 0) return;
-  if (::stat(("/proc/" + std::to_string(process)).c_str(), &started) != 0) return;
-  if (file.st_mtime < started.st_mtime) ::unlink(path.c_str());
+constexpr const char* pipePrefix = "quorin-";
+
+// The pipe that the office made for us or for a Quorin before; none when its file is gone.
+std::optional<std::string> pipeOf(const OfficeProcess& office) {
+  const std::string start = pipeFile(pipePrefix).string();
+  for (const std::filesystem::path& socket : office.sockets(start)) {
+    const std::string name = pipePrefix + socket.string().substr(start.size());
+    // A private office's own begins in the same way.
+    const bool ours = name.size() == newPipeName(pipePrefix).size();
+    if (ours && isOwnPipe(name)) return name;
+  }
+  return std::nullopt;
 }
 
 // Processes in a sandbox of their own cannot be.
@@ -37,8 +41,9 @@ bool mayLookInto(const OfficeProcess& office) {
 }  // namespace
 
 void RunningOffice::clearUp() {
-  if (last_.process == 0 || ::kill(last_.process, 0) == 0 || !isOwnPipe(last_.pipe)) return;
-  ::unlink(pipeFile(last_.pipe).c_str());
+  if (last_.process == 0 || ::kill(last_.process, 0) == 0) return;
+  ::unlink(pipeFile(last_.pipe).c_str());  // in /tmp this cannot hit another user's
+  last_ = {};
 }
 
 OfficeAddress RunningOffice::open() {
@@ -48,12 +53,16 @@ OfficeAddress RunningOffice::open() {
   if (!waitWhileStopped(office->id, patience)) {
     throw SpreadsheetError(-1712, "LibreOffice does not answer");
   }
-  const std::string pipe = "quorin-" + std::to_string(office->id);
   if (last_.process != office->id) clearUp();
+  const std::optional<std::string> present = pipeOf(*office);
+  const std::string pipe = present.value_or(newPipeName(pipePrefix));
   last_ = {office->id, pipe};
-  removeIfOlder(pipe, office->id);
-  if (!isOwnPipe(pipe)) askToListen(*office, pipe, deadline);
-  return {office->id, pipe};
+  if (!present) askToListen(*office, pipe, deadline);
+  // The office makes it as its umask says, which may let others in.
+  if (::chmod(pipeFile(pipe).c_str(), S_IRUSR | S_IWUSR) != 0) {
+    throw SpreadsheetError(-600, "LibreOffice is not listening");
+  }
+  return last_;
 }
 
 void RunningOffice::askToListen(const OfficeProcess& office, const std::string& pipe,

@@ -5,6 +5,7 @@
 folder=$1 pipe=$2 single=$3
 shift 3
 trap '' HUP INT TERM
+umask 077  # the pipes are as open as this allows
 
 exec 3<&0 </dev/null
 (

@@ -3,6 +3,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <thread>
 
 #include "host/Address.h"
@@ -228,6 +229,18 @@ TEST_F(CalcDisplay, TimesOutReachingAStoppedCalc) {
   EXPECT_EQ(numberOf([&] { fresh.open(); }), -1712);
   ASSERT_EQ(::kill(desktop->office->process(), SIGCONT), 0);
   EXPECT_EQ(numberOf([&] { fresh.open(); }), 0);
+}
+
+TEST_F(CalcDisplay, AsksForOnePipeThatIsTheUsersAlone) {
+  const OfficeAddress first = desktop->running->open();
+  EXPECT_EQ(first.pipe, desktop->running->open().pipe);
+  // As an office makes it whose umask keeps nobody out.
+  ASSERT_EQ(::chmod(pipeFile(first.pipe).c_str(), 0777), 0);
+  EXPECT_EQ(RunningOffice(desktop->discovery).open().pipe, first.pipe) << "a later Quorin's, too";
+  struct stat status {};
+  ASSERT_EQ(::stat(pipeFile(first.pipe).c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777u, 0600u);
+  EXPECT_EQ(first.pipe.find(std::to_string(first.process)), std::string::npos);
 }
 
 // A Calc of the user's on the same display, with a workbook open.

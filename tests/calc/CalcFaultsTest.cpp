@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
@@ -163,6 +164,47 @@ TEST_F(CalcFaults, AsksAPipeThatRefusesAgain) {
   EXPECT_EQ(call.wait_for(100ms), std::future_status::timeout);
   pipe.becomes(pipeFile(own));
   EXPECT_EQ(call.get(), 0);
+}
+
+unsigned openTo(const std::filesystem::path& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 0777u : 0xffffu;
+}
+
+TEST(PrivateOfficeTest, LetsNobodyElseInWhateverTheUmask) {
+  const mode_t mask = ::umask(0);
+  PrivateOffice office;
+  ::umask(mask);
+  const std::string pipe = office.open().pipe;
+  for (const auto& path : {office.folder(), pipeFile(pipe),
+                           pipeFile(singleInstancePipe(fileUrl(office.folder() / "profile")))}) {
+    EXPECT_EQ(openTo(path) & 077u, 0u) << path;
+  }
+}
+
+TEST(PipeName, IsNewEachTime) {
+  const std::string one = newPipeName("quorin-"), other = newPipeName("quorin-");
+  EXPECT_EQ(one.size(), std::string("quorin-").size() + 32);
+  EXPECT_NE(one, other);
+}
+
+TEST(OwnPipe, IsToldFromWhatOthersPutInItsPlace) {
+  const std::string name = newPipeName("quorin-test-");
+  EXPECT_FALSE(isOwnPipe(name));
+  {
+    const RefusingPipe own(name);
+    ASSERT_TRUE(own.isBound());
+    EXPECT_TRUE(isOwnPipe(name));
+    if (::geteuid() == 0) {
+      constexpr uid_t nobody = 65534;
+      ASSERT_EQ(::lchown(pipeFile(name).c_str(), nobody, nobody), 0);
+      EXPECT_EQ(numberOf([&] { isOwnPipe(name); }), -600);
+      EXPECT_EQ(numberOf([&] { OfficeConnection({::getpid(), name}, 100ms); }), -600);
+    }
+  }
+  std::filesystem::create_symlink("/run/elsewhere", pipeFile(name));
+  EXPECT_EQ(numberOf([&] { isOwnPipe(name); }), -600);
+  std::filesystem::remove(pipeFile(name));
 }
 
 // What an office leaves on the machine while it runs.

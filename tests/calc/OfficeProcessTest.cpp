@@ -67,6 +67,9 @@ TEST_F(FakeProcesses, KnowsTheSocketThatAnOfficeTakesRequestsAt) {
   EXPECT_EQ(office.requestSocket(proc.path()), std::nullopt) << "it is just starting";
   hold("9", "socket:[44]");
   EXPECT_EQ(office.requestSocket(proc.path()), "/tmp/OSL_PIPE_0_SingleOfficeIPC_b");
+  EXPECT_EQ(office.sockets("_other", proc.path()),
+            std::vector<std::filesystem::path>{"/tmp/OSL_PIPE_0_other"});
+  EXPECT_TRUE(office.sockets("_SingleOfficeIPC_a", proc.path()).empty()) << "another's";
 }
 
 }  // namespace

@@ -427,10 +427,19 @@ class Trial:
             try:
                 if (self.office and entry.name.isdigit() and
                         os.getpgid(int(entry.name)) == self.office.pid):
-                    names.append(f"quorin-{entry.name}")
-            except ProcessLookupError:
+                    names += self.quorins_pipes(entry)
+            except (OSError, ProcessLookupError):
                 pass  # it has just ended
         return [pathlib.Path(f"/tmp/OSL_PIPE_{os.getuid()}_{name}") for name in names]
+
+    @staticmethod
+    def quorins_pipes(process):
+        """The names of those that the process has opened for Quorin."""
+        held = {os.readlink(one) for one in (process / "fd").iterdir()}
+        start = f"/tmp/OSL_PIPE_{os.getuid()}_"
+        lines = [line.split() for line in (process / "net" / "unix").read_text().splitlines()]
+        return [words[7].removeprefix(start) for words in lines if len(words) > 7 and
+                words[7].startswith(f"{start}quorin-") and f"socket:[{words[6]}]" in held]
 
     def end(self):
         pipes = self.pipes()
