@@ -18,17 +18,12 @@ std::optional<std::string> inAnyCase(const std::vector<std::string>& names,
   return *it;
 }
 
-// Cuts the text before its first comma outside quotes off its front.
-std::string_view takePart(std::string_view& text) {
-  bool quoted = false;
-  std::size_t end = 0;
-  for (; end < text.size() && (quoted || text[end] != ','); ++end)
-    if (text[end] == '\'') quoted = !quoted;
-  std::string_view part = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  while (!part.empty() && part.front() == ' ') part.remove_prefix(1);
-  while (!part.empty() && part.back() == ' ') part.remove_suffix(1);
-  return part;
+// A workbook's own name or table, as Excel writes it from outside: "Book.xlsx!Rate".
+std::optional<RangeRef> bindNameOf(Session& session, const std::string& bookName,
+                                   std::string_view name) {
+  const auto book = findWorkbook(session, bookName);
+  if (!book || name.empty() || parseA1Area(name)) return std::nullopt;
+  return session.spreadsheet.named({*book, {}}, std::string(name));
 }
 
 std::optional<RangeRef> bindPart(Session& session, const SheetRef& base, std::string_view text) {
@@ -38,7 +33,7 @@ std::optional<RangeRef> bindPart(Session& session, const SheetRef& base, std::st
   if (parts->sheet) {
     auto book = parts->book ? findWorkbook(session, *parts->book) : base.book;
     auto found = book ? findWorksheet(session, *book, *parts->sheet) : std::nullopt;
-    if (!found) return std::nullopt;
+    if (!found) return parts->book ? std::nullopt : bindNameOf(session, *parts->sheet, parts->rest);
     sheet = std::move(*found);
   }
   if (const auto area = parseA1Area(parts->rest)) return RangeRef{std::move(sheet), {*area}};
@@ -61,7 +56,7 @@ std::optional<RangeRef> bindReference(Session& session, const SheetRef& from,
   if (text.empty() || text.back() == ',') return std::nullopt;
   std::optional<RangeRef> bound;
   while (!text.empty()) {
-    auto part = bindPart(session, from, takePart(text));
+    auto part = bindPart(session, from, takeArea(text));
     if (!part) return std::nullopt;
     if (!bound) {
       bound = std::move(part);

@@ -26,6 +26,27 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
   return std::nullopt;
 }
 
+// Where one of the signs stands outside of quotes and of brackets, in which a quote escapes the
+// next character; the text's length for nowhere, npos where a bracket never closes.
+std::size_t findOutside(std::string_view text, char wanted) {
+  bool quoted = false;
+  int depth = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (depth > 0) {
+      if (c == '\'') ++i;
+      if (c == '[') ++depth;
+      if (c == ']') --depth;
+    } else if (c == '\'') {
+      quoted = !quoted;
+    } else if (!quoted) {
+      if (c == wanted) return i;
+      if (c == '[') ++depth;
+    }
+  }
+  return depth > 0 ? std::string_view::npos : text.size();
+}
+
 bool isPlain(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
          c == '.' || static_cast<unsigned char>(c) >= 0x80;
@@ -60,8 +81,9 @@ std::optional<QualifiedText> splitSheetPrefix(std::string_view text) {
     if (!quoted) return std::nullopt;
     prefix = std::move(*quoted);
   } else {
-    const auto mark = text.find('!');
-    if (mark == std::string_view::npos) {
+    const auto mark = findOutside(text, '!');
+    if (mark == std::string_view::npos) return std::nullopt;
+    if (mark == text.size()) {
       parts.rest = text;
       return parts;
     }
@@ -78,6 +100,15 @@ std::optional<QualifiedText> splitSheetPrefix(std::string_view text) {
   if (prefix.empty()) return std::nullopt;
   parts.sheet = std::move(prefix);
   return parts;
+}
+
+std::string_view takeArea(std::string_view& text) {
+  const std::size_t end = std::min(findOutside(text, ','), text.size());
+  std::string_view area = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  while (!area.empty() && area.front() == ' ') area.remove_prefix(1);
+  while (!area.empty() && area.back() == ' ') area.remove_suffix(1);
+  return area;
 }
 
 std::string sheetPrefix(std::string_view book, std::string_view sheet) {

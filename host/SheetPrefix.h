@@ -17,6 +17,10 @@ struct QualifiedText {
 // part of the prefix is empty.
 std::optional<QualifiedText> splitSheetPrefix(std::string_view text);
 
+// Cuts the text before its first comma outside of quotes and brackets off its front, without blanks
+// around it: an area of several, "Sales[[#All],[Net]]" whole.
+std::string_view takeArea(std::string_view& text);
+
 // The prefix as `get address ... with external` writes it, quoted where Excel needs quotes.
 std::string sheetPrefix(std::string_view book, std::string_view sheet);
 

@@ -111,9 +111,14 @@ bool mayBeFormula(const rtl::OUString& text) {
   return text.startsWith("=") || text.startsWith("{=");
 }
 
+// Nor errors: it keeps a constant of a file as a formula.
+bool isErrorConstant(std::string_view formula) {
+  return formula.size() > 1 && errorLiteral(formula, 1).size() == formula.size() - 1;
+}
+
 // A text that looks like a formula is its own value.
 bool isConstant(const std::string& formula, const CellValue& value) {
-  if (isBooleanConstant(formula)) return true;
+  if (isBooleanConstant(formula) || isErrorConstant(formula)) return true;
   const auto* const text = std::get_if<std::string>(&value);
   return text != nullptr && *text == formula;
 }
@@ -236,7 +241,8 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
                                                    UNO_QUERY_THROW);
     rtl::OUString text;
     cell->getPropertyValue("FormulaLocal") >>= text;
-    if (isBooleanConstant(toText(cells->getCellByPosition(column, row)->getFormula()))) return;
+    const std::string stored = toText(cells->getCellByPosition(column, row)->getFormula());
+    if (isBooleanConstant(stored) || isErrorConstant(stored)) return;
     if (text.startsWith("{") && text.endsWith("}")) text = text.copy(1, text.getLength() - 2);
     cellAt(grid, row, column) = toText(text);
   });

@@ -33,7 +33,11 @@ struct ExpressionContext {
   std::function<std::optional<std::string>(const SheetRef& scope, const std::string& name)>
       meaning = {};
   // The cells of a part of a table, as Excel text, or the error that it gives.
-  std::function<std::string(const std::string& table, const TableItems& items)> tablePart = {};
+  std::function<std::string(const std::string& book, const std::string& table,
+                            const TableItems& items)>
+      tablePart = {};
+  // The open workbook of that name, in its own spelling; nothing when there is none.
+  std::function<std::optional<std::string>(const std::string& name)> workbook = {};
   // The cells that INDIRECT finds by its argument, as Excel text, empty where it finds none;
   // nothing where only a calculation among all cells can tell.
   std::function<std::optional<std::string>(const std::string& argument)> referent = {};

@@ -13,10 +13,13 @@
 #include <com/sun/star/sheet/XUsedAreaCursor.hpp>
 
 #include "host/Address.h"
+#include "host/SheetPrefix.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTables.h"
+#include "host/calc/FormulaTranslator.h"
 #include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -49,7 +52,7 @@ Reference<css::uno::XInterface> namedEntry(const Reference<css::uno::XInterface>
       properties->getPropertyValue(rtl::OUString::createFromAscii(property)), UNO_QUERY);
   if (!entries.is()) return nullptr;
   for (const rtl::OUString& candidate : entries->getElementNames()) {
-    if (candidate.equalsIgnoreAsciiCase(toUno(name))) {
+    if (caselesslyEqual(toText(candidate), name)) {
       return {entries->getByName(candidate), UNO_QUERY};
     }
   }
@@ -68,8 +71,37 @@ namespace {
 
 Reference<css::uno::XInterface> definedName(const Workbook& workbook, const std::string& sheet,
                                             const std::string& name) {
-  const auto own = namedEntry(sheetOf(workbook, sheet), "NamedRanges", name);
+  const auto own =
+      sheet.empty() ? nullptr : namedEntry(sheetOf(workbook, sheet), "NamedRanges", name);
   return own.is() ? own : namedEntry(workbook.document, "NamedRanges", name);
+}
+
+// The areas that a name unites, which Calc itself does not tell; nothing when one of them is not on
+// one sheet with the others.
+std::optional<RangeRef> unitedCells(const Workbook& workbook, std::string_view excel) {
+  if (excel.starts_with('(') && excel.ends_with(')')) excel = excel.substr(1, excel.size() - 2);
+  std::optional<RangeRef> united;
+  while (!excel.empty()) {
+    const auto parts = splitSheetPrefix(takeArea(excel));
+    const auto area = parts && parts->sheet ? parseA1Area(parts->rest) : std::nullopt;
+    if (!area || !workbook.sheets->hasByName(toUno(*parts->sheet))) return std::nullopt;
+    if (!united) united = RangeRef{{workbook.name, *parts->sheet}, {}};
+    if (united->sheet.sheet != *parts->sheet) return std::nullopt;
+    united->areas.push_back(*area);
+  }
+  return united;
+}
+
+std::optional<RangeRef> cellsOfName(const Workbook& workbook,
+                                    const Reference<css::uno::XInterface>& entry) {
+  const Reference<css::sheet::XNamedRange> name(entry, UNO_QUERY_THROW);
+  const std::string content = excelFormula(toText(name->getContent()), ReferenceStyle::a1, {});
+  std::string_view rest = content;
+  const auto first = splitSheetPrefix(takeArea(rest));
+  if (!rest.empty() || content.starts_with("(")) return unitedCells(workbook, content);
+  // Of cells of several sheets Calc tells those of the first.
+  if (first && first->sheet && first->sheet->find(':') != std::string::npos) return std::nullopt;
+  return referredCells(workbook, entry);
 }
 
 }  // namespace
@@ -84,7 +116,7 @@ std::optional<RangeRef> findNamed(const Workbook& workbook, const std::string& s
                                   const std::string& name) {
   if (name.find('[') != std::string::npos) return tablePart(workbook, name);
   const auto entry = definedName(workbook, sheet, name);
-  if (entry.is()) return referredCells(workbook, entry);
+  if (entry.is()) return cellsOfName(workbook, entry);
   // A table's name stands for its rows without the header, as in Excel.
   return tableArea(workbook, name, {.data = true}, std::nullopt);
 }

@@ -1,5 +1,9 @@
 #include "host/calc/ExcelTokens.h"
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {
@@ -29,23 +33,68 @@ std::optional<std::string_view> readText(std::string_view text, std::size_t& pos
   return std::nullopt;
 }
 
+namespace {
+
+// The items of an array, in Calc's order of signs, and which of them are errors.
+struct ArrayItems {
+  std::string numbers = "{";  // with 0 for each error
+  std::vector<std::string> items;
+  std::vector<char> signs;  // behind each item
+
+  void add(std::string item, char sign) {
+    const bool isError = errorLiteral(item, 0).size() == item.size() && !item.empty();
+    numbers += isError ? "0" : item;
+    numbers += sign;
+    items.push_back(isError ? std::move(item) : std::string());
+    signs.push_back(sign);
+  }
+
+  // Calc has no errors in arrays: they are put in where a mask says so.
+  std::string text() const {
+    std::string result = numbers;
+    std::vector<std::string> written{{}};
+    for (const std::string& error : items) {
+      if (std::find(written.begin(), written.end(), error) != written.end()) continue;
+      written.push_back(error);
+      std::string mask = "{";
+      for (std::size_t i = 0; i < items.size(); ++i) {
+        mask += items[i] == error ? '1' : '0';
+        mask += signs[i];
+      }
+      result = "IF(" + mask + ";" + error + ";" + result + ")";
+    }
+    return result;
+  }
+};
+
+}  // namespace
+
 std::optional<std::string> readArray(std::string_view text, std::size_t& position) {
-  std::string array = "{";
+  constexpr std::string_view blanks = " \n\r\t", others = "+-#/!,;}?.";
+  ArrayItems array;
+  std::string item;
   std::size_t at = position + 1;
   while (at < text.size()) {
     const char c = text[at];
     if (c == '"') {
-      const auto item = readText(text, at);
-      if (!item) return std::nullopt;
-      array += *item;
+      const auto quoted = readText(text, at);
+      if (!quoted) return std::nullopt;
+      item += *quoted;
       continue;
     }
-    if (c == '{' || c == '(') return std::nullopt;
-    array += c == ',' ? ';' : c == ';' ? '|' : c;
+    const bool isBlank = blanks.find(c) != std::string_view::npos;
+    if (!isBlank && !isWordCharacter(c) && others.find(c) == std::string_view::npos) {
+      return std::nullopt;
+    }
     ++at;
+    if (c == ',' || c == ';' || c == '}') {
+      array.add(std::exchange(item, {}), c == ',' ? ';' : c == ';' ? '|' : c);
+    } else if (!isBlank) {
+      item += c;
+    }
     if (c == '}') {
       position = at;
-      return array;
+      return array.text();
     }
   }
   return std::nullopt;

@@ -8,6 +8,7 @@
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTables.h"
 #include "host/calc/CalcView.h"
+#include "host/calc/ExcelTokens.h"
 #include "host/calc/FormulaTranslator.h"
 #include "host/calc/OfficeFiles.h"
 #include "kit/value/Unicode.h"
@@ -66,17 +67,71 @@ std::string fileNameOf(CalcWorkbooks& workbooks, const SheetRef& sheet) {
   return (path.parent_path() / file).string();
 }
 
+namespace {
+
+// What a name of a workbook means to an expression elsewhere: cells, or a constant. What else it
+// may stand for is spelled for its own workbook.
+std::optional<std::string> meaningElsewhere(CalcWorkbooks& workbooks, const SheetRef& scope,
+                                            const std::string& name, const std::string& book) {
+  const auto open = bookNamed(workbooks.names(), scope.book);
+  if (!open) return std::nullopt;
+  const std::shared_ptr<Workbook> workbook = workbooks.named(*open);
+  if (const auto range = findNamed(*workbook, scope.sheet, name)) {
+    std::string all;
+    for (const Area& area : range->areas) {
+      all += (all.empty() ? "" : ",") + excelText({range->sheet, {area}}, book);
+    }
+    return range->areas.size() == 1 ? all : "(" + all + ")";
+  }
+  const auto content = nameContent(*workbook, scope.sheet, name);
+  std::size_t end = 0;
+  const bool isText =
+      content && content->starts_with('"') && readText(*content, end) && end == content->size();
+  return content && (isText || isNumber(*content)) ? content : std::nullopt;
+}
+
+std::string tablePartText(CalcWorkbooks& workbooks, const SheetRef& from, const std::string& book,
+                          const std::string& table, const TableItems& items) {
+  const auto open = bookNamed(workbooks.names(), book);
+  if (!open) return "#REF!";
+  const std::shared_ptr<Workbook> workbook = workbooks.named(*open);
+  if (!tableArea(*workbook, table, {.all = true}, std::nullopt)) return "#NAME?";
+  const bool own = *open == from.book;
+  const auto row = items.thisRow && own ? activeRow(workbooks, from) : std::nullopt;
+  const auto area = tableArea(*workbook, table, items, row);
+  if (area) return excelText(*area, from.book);
+  return items.thisRow ? "#VALUE!" : "#REF!";
+}
+
+}  // namespace
+
+void lookElsewhere(ExpressionContext& context, CalcWorkbooks& workbooks) {
+  context.workbook = [&workbooks](const std::string& name) {
+    return bookNamed(workbooks.names(), name);
+  };
+  context.meaning = [&workbooks, book = context.from.book](
+                        const SheetRef& scope,
+                        const std::string& name) -> std::optional<std::string> {
+    if (scope.book == book) return std::nullopt;
+    return meaningElsewhere(workbooks, scope, name, book);
+  };
+  context.tablePart = [&workbooks, from = context.from](const std::string& book,
+                                                        const std::string& table,
+                                                        const TableItems& items) {
+    if (book == from.book) return std::string("#NAME?");
+    return tablePartText(workbooks, from, book, table, items);
+  };
+}
+
 ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
                                   std::vector<std::string> sheets) {
   ExpressionContext context{.from = from, .sheets = std::move(sheets)};
+  lookElsewhere(context, workbooks);
   context.meaning = [&workbooks, from](const SheetRef& scope,
                                        const std::string& name) -> std::optional<std::string> {
+    if (scope.book != from.book) return meaningElsewhere(workbooks, scope, name, from.book);
     const std::shared_ptr<Workbook> workbook = workbooks.named(scope.book);
     const std::string& sheet = scope.sheet.empty() ? from.sheet : scope.sheet;
-    if (scope.book != from.book) {  // what it stands for is spelled for its own workbook
-      const auto range = findNamed(*workbook, sheet, name);
-      return range ? std::optional(excelText(*range, from.book)) : std::nullopt;
-    }
     if (const auto content = nameContent(*workbook, sheet, name)) {
       const std::string text = excelFormula("=" + *content, ReferenceStyle::a1, {});
       return text.substr(1);
@@ -84,14 +139,9 @@ ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from
     const auto table = tableArea(*workbook, name, {.data = true}, std::nullopt);
     return table ? std::optional(excelText(*table, from.book)) : std::nullopt;
   };
-  context.tablePart = [&workbooks, from](const std::string& table,
-                                         const TableItems& items) -> std::string {
-    const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
-    if (!tableArea(*workbook, table, {.all = true}, std::nullopt)) return "#NAME?";
-    const auto row = items.thisRow ? activeRow(workbooks, from) : std::nullopt;
-    const auto area = tableArea(*workbook, table, items, row);
-    if (area) return excelText(*area, from.book);
-    return items.thisRow ? "#VALUE!" : "#REF!";
+  context.tablePart = [&workbooks, from](const std::string& book, const std::string& table,
+                                         const TableItems& items) {
+    return tablePartText(workbooks, from, book, table, items);
   };
   context.formulas = [&workbooks](const RangeRef& cells) { return formulasOf(workbooks, cells); };
   context.fileName = [&workbooks](const SheetRef& sheet) { return fileNameOf(workbooks, sheet); };

@@ -70,13 +70,19 @@ void ExpressionWriter::blanks() {
   const std::size_t start = at_;
   while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
   if (!operandExpected_ && reference_ && at_ < text_.size() &&
-      (at("('$[") || (isWordCharacter(text_[at_]) && !isDigit(text_[at_])))) {
+      (at("('$[") || (isWordCharacter(text_[at_]) && !isDigit(text_[at_])) || rowsFollow())) {
     out_ += '!';
     operandExpected_ = true;
     mayBeSeveral();
   } else {
     out_ += text_.substr(start, at_ - start);
   }
+}
+
+// "3:5", which begins like a number.
+bool ExpressionWriter::rowsFollow() const {
+  std::size_t position = at_;
+  return readRange(text_, position).has_value();
 }
 
 void ExpressionWriter::copy(std::optional<std::string_view> constant) {
@@ -169,6 +175,17 @@ void ExpressionWriter::nameOrReference() {
   const bool sheetOnly = text_[at_] == '\'';
   const auto span = readSheetSpan(text_, at_);
   if (sheetOnly && !span) throw Malformed();
+  if (!span && text_[at_] == '[') {
+    nameOfWorkbook();
+    return;
+  }
+  if (span && context_.workbook && span->book.empty() && span->last.empty() &&
+      !placeOf(context_, "", span->first)) {
+    if (const auto book = context_.workbook(span->first)) {
+      word(SheetSpan{*book, "", ""});
+      return;
+    }
+  }
   if (span && errorLiteral(text_, at_) == "#REF!") {
     operand(false);
     out_ += "#REF!";
@@ -179,6 +196,16 @@ void ExpressionWriter::nameOrReference() {
   } else {
     word(span);
   }
+}
+
+// [Book.xlsx]Rate
+void ExpressionWriter::nameOfWorkbook() {
+  const std::size_t end = text_.find(']', at_);
+  if (end == std::string_view::npos || !context_.workbook) throw Malformed();
+  const std::string name(text_.substr(at_ + 1, end - at_ - 1));
+  at_ = end + 1;
+  if (at_ >= text_.size() || !isWordCharacter(text_[at_])) throw Malformed();
+  word(SheetSpan{context_.workbook(name).value_or(name), "", ""});
 }
 
 void ExpressionWriter::reference(const std::optional<SheetSpan>& span, const RangeText& range) {
@@ -199,7 +226,10 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   const std::string word(readWord(text_, at_));
   const bool numeric = !word.empty() && (isDigit(word.front()) || word.front() == '.');
   if (at("#") && errorLiteral(text_, at_).empty()) throw Malformed();  // a spill reference
-  if (word.empty() || (span && (numeric || at("([")))) throw Malformed();
+  const bool mayBeTable = !span || span->first.empty();
+  if (word.empty() || (span && (numeric || at("(") || (at("[") && !mayBeTable)))) {
+    throw Malformed();
+  }
   if (numeric) {
     if (!isNumber(word)) throw Malformed();
     operand(false);
@@ -207,7 +237,7 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   } else if (at("(")) {
     function(plainFunctionName(word));
   } else if (at("[")) {
-    table(word);
+    table(span ? span->book : context_.from.book, word);
   } else {
     name(span, word);
   }
@@ -251,11 +281,11 @@ bool ExpressionWriter::errorNumber() {
 }
 
 // A part of a table is written as the cells it stands for.
-void ExpressionWriter::table(const std::string& name) {
+void ExpressionWriter::table(const std::string& book, const std::string& name) {
   operand(true);
   const auto items = readTableItems(text_, at_);
   if (!items || !context_.tablePart) throw Malformed();
-  expansion(context_.tablePart(name, *items));
+  expansion(context_.tablePart(book, name, *items));
 }
 
 void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::string& word) {
@@ -266,7 +296,9 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
   }
   SheetRef scope{context_.from.book, {}};
   std::string text;
-  if (span) {
+  if (span && span->first.empty()) {
+    scope = {span->book, {}};
+  } else if (span) {
     const auto place = placeOf(context_, span->book, span->first);
     if (!place) {
       out_ += "#REF!";
@@ -278,6 +310,8 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
   const auto meaning = context_.meaning ? context_.meaning(scope, word) : std::nullopt;
   if (meaning) {
     expansion(*meaning);
+  } else if (span && span->first.empty()) {
+    out_ += context_.workbook(span->book) ? "#NAME?" : "#REF!";
   } else {
     out_ += text + word;
     mayBeSeveral();

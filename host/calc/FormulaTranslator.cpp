@@ -125,10 +125,25 @@ class FormulaTranslator::Translation {
       function(word);
     } else if (equalIgnoringCase(word.substr(0, 6), "_xlpm.")) {
       formula_.out += word.substr(6);
+    } else if (number) {
+      appendNumber(word);
     } else {
       formula_.out += word;
     }
     if (!isFunction) copyLostReference();
+  }
+
+  // "1E-16" for Calc's 1E-016.
+  void appendNumber(std::string_view word) {
+    const std::size_t exponent = word.find_first_of("eE");
+    if (exponent == std::string_view::npos) {
+      formula_.out += word;
+      return;
+    }
+    const std::size_t digits = word.find_first_not_of("eE+-", exponent);
+    const std::size_t first = std::min(word.find_first_not_of('0', digits), word.size() - 1);
+    formula_.out += word.substr(0, digits);
+    formula_.out += word.substr(first);
   }
 
   // A call: its brackets are next.

@@ -67,6 +67,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     const auto found = findSheet(workbooks, book, sheet);
     return found ? std::optional(mirror_.foreignSheet(*found)) : std::nullopt;
   };
+  lookElsewhere(context, workbooks);
   context.formulas = [&](const RangeRef& cells) {
     return cells.sheet.book == name_ ? std::optional(formulas(cells))
                                      : formulasOf(workbooks, cells);

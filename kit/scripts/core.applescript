@@ -172,7 +172,8 @@ end qx_pollcell
 
 -- The range of an address or a defined name. One with a sheet in front, 'My Sheet'!A1 or
 -- [Book.xlsx]Sheet1!A1, is taken apart and bound on that sheet, after a look at the names of the
--- sheets there are: asking Excel for a sheet that a workbook lacks opens a file dialog.
+-- sheets there are: asking Excel for a sheet that a workbook lacks opens a file dialog. Marks in
+-- brackets belong to a table's columns, where a quote escapes the next character.
 on qx_bindrange(addr)
 	set bookPart to ""
 	set sheetPart to ""
@@ -181,6 +182,7 @@ on qx_bindrange(addr)
 		set charTotal to length of addr
 		set inQuotes to (addr starts with "'")
 		set bang to 0
+		set depth to 0
 		set i to 1
 		if inQuotes then set i to 2
 		repeat while bang is 0 and i < charTotal
@@ -194,9 +196,18 @@ on qx_bindrange(addr)
 					set ch to "'"
 					if character (i + 1) of addr is "'" then set i to i + 1
 				end if
-			else if ch is "!" and not inQuotes then
-				set ch to ""
-				set bang to i
+			else if not inQuotes then
+				if depth > 0 and ch is "'" then
+					set i to i + 1
+					set ch to ch & character i of addr
+				else if ch is "[" then
+					set depth to depth + 1
+				else if ch is "]" then
+					set depth to depth - 1
+				else if depth is 0 and ch is "!" then
+					set ch to ""
+					set bang to i
+				end if
 			end if
 			set sheetPart to sheetPart & ch
 			set i to i + 1
@@ -230,7 +241,13 @@ on qx_bindrange(addr)
 			set sheetNames to name of every worksheet of workbook bookPart
 			if class of sheetNames is not list then set sheetNames to {sheetNames}
 			if sheetNames does not contain sheetPart then error ("sheet not found: " & sheetPart) number -1728
-			return range (bare) of worksheet sheetPart of workbook bookPart
+			try
+				return range (bare) of worksheet sheetPart of workbook bookPart
+			on error msg number n
+				-- A name of that sheet's may lead to another sheet, where the first does not take it.
+				if n is not -1728 then error msg number n
+				return range (addr)
+			end try
 		end timeout
 	end tell
 end qx_bindrange

@@ -18,7 +18,7 @@ std::optional<std::string> meaning(const SheetRef& scope, const std::string& nam
   return std::nullopt;
 }
 
-std::string tablePart(const std::string& table, const TableItems& items) {
+std::string tablePart(const std::string&, const std::string& table, const TableItems& items) {
   if (table != "Table1") return "#NAME?";
   if (items.thisRow) return "Data!$A$3:" + items.lastColumn + "3";
   return items.firstColumn == "Net, Sum" ? "Data!$A$2:$A$9" : "#REF!";
