@@ -38,7 +38,7 @@ OfficeConnection::OfficeConnection(const OfficeAddress& office,
   if (!waitWhileStopped(office.process, patience)) {
     throw SpreadsheetError(-1712, "LibreOffice does not answer");
   }
-  watchdog_ = std::make_unique<OfficeWatchdog>(office.process, [this] { release(); });
+  watchdog_ = std::make_unique<OfficeWatchdog>(office.process, [this] { hangUp(); });
   watchdog_->setDeadline(std::chrono::steady_clock::now() + patience);
   // An office that is still starting refuses at times though its pipe is there, or hangs up again.
   constexpr std::chrono::milliseconds pause{10};
@@ -58,10 +58,11 @@ bool OfficeConnection::tryToConnect(const std::string& pipe) {
         ->addEventListener(new BridgeEnd(alive));
     {
       const std::lock_guard lock(mutex_);
+      connection_ = connection;
       bridge_ = bridge;
       alive_ = alive;
     }
-    if (watchdog_->hasFired()) release();
+    if (watchdog_->hasFired()) hangUp();
     context_.set(bridge->getInstance("StarOffice.ComponentContext"), UNO_QUERY_THROW);
     return true;
   } catch (const css::uno::Exception& failure) {
@@ -87,12 +88,32 @@ void OfficeConnection::interrupt() {
   if (watchdog_) watchdog_->interrupt();
 }
 
+// On the watchdog's thread, while the call thread may be in a call. The bridge's own reader then
+// finds the line dead and frees that call. To dispose the bridge here would also destroy what a
+// call that is just being sent is about to wait in.
+void OfficeConnection::hangUp() {
+  Reference<css::connection::XConnection> connection;
+  {
+    const std::lock_guard lock(mutex_);
+    connection = connection_;
+    *alive_ = false;
+  }
+  if (!connection.is()) return;
+  try {
+    connection->close();
+  } catch (const css::uno::Exception&) {
+    // It was closed already.
+  }
+}
+
+// On the call thread, which is in no call.
 void OfficeConnection::release() {
   Reference<css::lang::XComponent> bridge;
   {
     const std::lock_guard lock(mutex_);
     bridge.set(bridge_, UNO_QUERY);
     bridge_.clear();
+    connection_.clear();
     *alive_ = false;
   }
   if (!bridge.is()) return;

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <com/sun/star/bridge/XBridge.hpp>
+#include <com/sun/star/connection/XConnection.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <memory>
 #include <mutex>
@@ -33,10 +34,12 @@ class OfficeConnection {
 
  private:
   bool tryToConnect(const std::string& pipe);
+  void hangUp();
   void release();
 
   std::shared_ptr<std::atomic<bool>> alive_ = std::make_shared<std::atomic<bool>>(true);
   std::mutex mutex_;
+  css::uno::Reference<css::connection::XConnection> connection_;
   css::uno::Reference<css::bridge::XBridge> bridge_;
   css::uno::Reference<css::uno::XComponentContext> context_;
   std::unique_ptr<OfficeWatchdog> watchdog_;

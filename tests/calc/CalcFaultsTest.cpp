@@ -1,6 +1,7 @@
 // An office that dies, stops, restarts or is left behind. Each test has an office of its own.
 #include <algorithm>
 #include <array>
+#include <dlfcn.h>
 #include <filesystem>
 #include <functional>
 #include <future>
@@ -12,6 +13,8 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <uno/threadpool.h>
+#include <utility>
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
@@ -54,6 +57,9 @@ int numberOf(const std::function<void()>& call) {
   return 0;
 }
 
+// What happens between a message to the office and the wait for its answer.
+std::function<void()> beforeWaiting;
+
 class CalcFaults : public testing::Test {
  protected:
   CalcFaults()
@@ -84,6 +90,18 @@ TEST_F(CalcFaults, FailsTheCallUnderWhichTheOfficeDies) {
   EXPECT_LT(Clock::now() - killed, 500ms);
   EXPECT_TRUE(eventually([&] { return !calc.isRunning(); }));
   EXPECT_EQ(numberOf([&] { calc.values(cell("A1")); }), -600);
+}
+
+// The call thread was held up so long that everybody else knows of the death already.
+TEST_F(CalcFaults, FailsACallThatComesToWaitTooLate) {
+  const pid_t process = office->process();
+  beforeWaiting = [&] {
+    ::kill(process, SIGKILL);
+    EXPECT_TRUE(eventually([&] { return isGone(process); }));
+    std::this_thread::sleep_for(500ms);  // there is nothing to be told by
+  };
+  EXPECT_EQ(numberOf([&] { calc.values(cell("A1")); }), -609);
+  EXPECT_FALSE(beforeWaiting);
 }
 
 TEST_F(CalcFaults, OutlivesAPipeThatTheOfficeClosed) {
@@ -334,3 +352,12 @@ INSTANTIATE_TEST_SUITE_P(OfEverySignal, OwnerDies,
 
 }  // namespace
 }  // namespace quorin::host::calc
+
+// Stands before the libraries' own, in which a call waits for its answer.
+extern "C" void uno_threadpool_enter(uno_ThreadPool pool, void** job) SAL_THROW_EXTERN_C() {
+  using namespace quorin::host::calc;
+  static const auto real =
+      reinterpret_cast<decltype(&uno_threadpool_enter)>(::dlsym(RTLD_NEXT, "uno_threadpool_enter"));
+  if (const auto action = std::exchange(beforeWaiting, nullptr)) action();
+  real(pool, job);
+}
