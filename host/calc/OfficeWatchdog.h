@@ -1,7 +1,7 @@
 // OfficeWatchdog: the thread that ends a call into an office that can no longer answer. UNO knows
-// no time-out: a call returns when the office answers or when the line to it is dead, so this thread
-// hangs up when the office's process is gone, when a deadline set for connecting passes, or when the
-// program is quitting. An office that is merely slow or stopped is left alone.
+// no time-out: a call returns when the office answers or when the line to it is dead, so this
+// thread hangs up when the office's process is gone, when a deadline set for connecting passes, or
+// when the program is quitting. An office that is merely slow or stopped is left alone.
 #pragma once
 
 #include <chrono>
