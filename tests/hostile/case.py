@@ -1,0 +1,40 @@
+"""What a hostile workbook is to the tests: how it is written, and what is asked of it."""
+import dataclasses
+import pathlib
+from typing import Callable
+
+CASES = []
+
+
+@dataclasses.dataclass(frozen=True)
+class Place:
+    """Where a workbook may try to reach: a server that must hear nothing, files that nobody may
+    open."""
+    server: str  # "127.0.0.1:8765"
+    bait: pathlib.Path  # a folder with secret.txt, secret.csv and secret.fods
+
+    def url(self, name):
+        return f"http://{self.server}/{name}"
+
+    def file(self, name):
+        return (self.bait / name).as_uri()
+
+
+@dataclasses.dataclass(frozen=True)
+class Case:
+    name: str
+    file: str
+    write: Callable[[pathlib.Path, Place], None]
+    guard: str  # what of Quorin's keeps it harmless
+    cells: tuple = ("A1",)  # "A1", or "Sheet!A1" as a reference writes it
+    ask: tuple = ()  # expressions, beside the formulas of the cells and their parts
+    ranges: tuple = ()  # addresses to be read and marked
+    loads: bool | None = True  # whether the office opens it; None: it may or may not
+
+
+def case(file, *, guard, name=None, **rest):
+    """The function below writes the workbook. Its name is the case's."""
+    def add(write):
+        CASES.append(Case(name or write.__name__.replace("_", "-"), file, write, guard, **rest))
+        return write
+    return add
