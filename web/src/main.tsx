@@ -12,7 +12,7 @@ import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
 import type { Colour, Verb, Verbs } from './core/protocol/verbs';
 import { SelectionTracker } from './core/selection/SelectionTracker';
-import { unnamedApplication } from './core/selection/sentences';
+import { unnamedApplication, type Platform } from './core/selection/sentences';
 import type { SelectionState } from './core/selection/state';
 import type { Clock } from './core/time/Clock';
 import { argumentSeparator } from './core/workbook/conventions';
@@ -86,6 +86,8 @@ function through(queue: Errands) {
 const askForSelection = through(selectionErrands);
 const ask = through(errands);
 
+const platform: Platform = navigator.platform.startsWith('Mac') ? 'mac' : 'linux';
+
 const follower: SheetFollower = new SheetFollower(
   {
     markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
@@ -102,6 +104,7 @@ const follower: SheetFollower = new SheetFollower(
     conveyor.wake();
   },
   changed,
+  platform === 'mac', // where the spreadsheet is Excel
 );
 const explorer: Explorer = new Explorer({
   questions: {
@@ -253,7 +256,7 @@ render(
     <App
       page={page}
       application={application}
-      platform={navigator.platform.startsWith('Mac') ? 'mac' : 'linux'}
+      platform={platform}
       selection={selection()}
       said={said()}
       onRetry={() => {

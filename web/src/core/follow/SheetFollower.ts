@@ -71,6 +71,8 @@ export class SheetFollower implements Source {
     /** There is something to ask. */
     private readonly wake: () => void,
     private readonly publish: (state: FollowState) => void,
+    /** Whether marking among rules of the user's costs the undo history in this spreadsheet. */
+    private readonly costsUndo: boolean,
   ) {}
 
   get current(): FollowState {
@@ -159,7 +161,7 @@ export class SheetFollower implements Source {
       if (!this.state.able) return;
       notes.push(...this.state.notes);
     } else {
-      if (marked.value.shadowed) {
+      if (marked.value.shadowed && this.costsUndo) {
         notes.push(
           'A rule of yours lies on these cells, so marking them cleared the undo history.',
         );

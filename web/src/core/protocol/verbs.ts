@@ -53,7 +53,8 @@ export type WorkbookMap = {
   names: { name: string; refersTo: Json }[];
 };
 
-/** `shadowed`: a rule of the user's was there already, so marking cost the undo history. */
+/** `shadowed`: a rule of the user's was there already; in Excel marking then costs the undo
+ * history. */
 export type Marked = { applied: number; shadowed: boolean; moved: boolean };
 
 export type Revealed = {

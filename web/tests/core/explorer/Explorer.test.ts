@@ -57,6 +57,7 @@ beforeEach(() => {
     clock,
     () => undefined,
     () => undefined,
+    false,
   );
   follower.follow = (destination) => followed.push(destination()?.label ?? 'nothing');
   follower.clear = () => followed.push('clear');

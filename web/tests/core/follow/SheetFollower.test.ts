@@ -20,7 +20,7 @@ async function run(): Promise<void> {
   for (let job = follower.next(); job; job = follower.next()) await job();
 }
 
-beforeEach(() => {
+function start(costsUndo: boolean): void {
   clock = new FakeClock();
   asked = [];
   marked = succeeded({ applied: 1, shadowed: false, moved: false });
@@ -50,7 +50,12 @@ beforeEach(() => {
     (next) => {
       state = next;
     },
+    costsUndo,
   );
+}
+
+beforeEach(() => {
+  start(true);
 });
 
 describe('the sheet follows', () => {
@@ -143,6 +148,16 @@ test('a name is shown where its cells are', async () => {
     "mark 'Data'!B4 'Inputs'!B4:B9 Odd 255,0,255",
     "reveal 'Data'!B4 'Inputs'!B4:B9 Odd",
   ]);
+});
+
+test('nothing is said of the undo history where marking costs none', async () => {
+  start(false);
+  marked = succeeded({ applied: 1, shadowed: true, moved: false });
+  follower.follow(() => b4);
+  clock.advance(80);
+  await run();
+  expect(state.marked).toBe('Data!B4');
+  expect(state.notes).toEqual([]);
 });
 
 describe('what the user should know is said', () => {
