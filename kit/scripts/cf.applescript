@@ -9,10 +9,15 @@ on qx_cf_sheet(bookName, sheetName)
 			set bookNames to name of every workbook
 			if class of bookNames is not list then set bookNames to {bookNames}
 			if bookNames does not contain {bookName} then error ("workbook not open: " & bookName) number -1728
-			set sheetNames to name of every worksheet of workbook bookName
-			if class of sheetNames is not list then set sheetNames to {sheetNames}
-			if sheetNames does not contain {sheetName} then error ("sheet not found: " & sheetName) number -1728
-			return worksheet sheetName of workbook bookName
+			try
+				set sheetNames to name of every worksheet of workbook bookName
+				if class of sheetNames is not list then set sheetNames to {sheetNames}
+				if sheetNames contains {sheetName} then return worksheet sheetName of workbook bookName
+			on error msg number n
+				if n is -1728 then set n to -10000 -- only the names may tell that something is gone
+				error msg number n
+			end try
+			error ("sheet not found: " & sheetName) number -1728
 		end timeout
 	end tell
 end qx_cf_sheet
@@ -161,11 +166,43 @@ on qx_cf_apply(addrs, bookName, sheetName, r, g, b)
 end qx_cf_apply
 
 -- Deletes the sentinel conditions of these addresses, together and each alone, and returns how many
--- that were. An address that no longer binds is passed over. Backwards, for the numbers move up.
+-- that were. An address that no longer binds is passed over; a name is looked up in the workbook
+-- that it was recorded for too, which need not be in front. Backwards, for the numbers move up.
 on qx_cf_clear(addrs, bookName, sheetName)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
 			set sh to my qx_cf_sheet(bookName, sheetName)
+			try
+				set places to my qx_cf_places(addrs, bookName, sh)
+				set gone to 0
+				repeat with k from 1 to count of places
+					set rg to item k of places
+					repeat with i from (count of format conditions of rg) to 1 by -1
+						if my qx_cf_ours(rg, i) then
+							delete format condition i of rg
+							set gone to gone + 1
+						end if
+					end repeat
+				end repeat
+				return gone
+			on error msg number n
+				-- The sheet was there: what is missing now must not pass for a sheet that is gone.
+				if n is -1728 then set n to -10000
+				error msg number n
+			end try
+		end timeout
+	end tell
+end qx_cf_clear
+
+-- The ranges of these addresses: all together, and each alone.
+on qx_cf_places(addrs, bookName, sh)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set theirNames to {}
+			if name of active workbook is not bookName then
+				set theirNames to name of every named item of workbook bookName
+				if class of theirNames is not list then set theirNames to {theirNames}
+			end if
 			set places to {}
 			if (count of addrs) > 1 then
 				try
@@ -180,21 +217,18 @@ on qx_cf_clear(addrs, bookName, sheetName)
 				on error msg number n
 					if my qx_cf_mute(n) then error msg number n
 				end try
+				if theirNames contains {item i of addrs} then
+					try
+						set end of places to (reference range of named item (item i of addrs) of workbook bookName)
+					on error msg number n
+						if my qx_cf_mute(n) then error msg number n
+					end try
+				end if
 			end repeat
-			set gone to 0
-			repeat with k from 1 to count of places
-				set rg to item k of places
-				repeat with i from (count of format conditions of rg) to 1 by -1
-					if my qx_cf_ours(rg, i) then
-						delete format condition i of rg
-						set gone to gone + 1
-					end if
-				end repeat
-			end repeat
-			return gone
+			return places
 		end timeout
 	end tell
-end qx_cf_clear
+end qx_cf_places
 
 -- Whether condition i of rg is a sentinel. Conditions of other kinds have no formula to read, and
 -- one that cannot be read is the user's.

@@ -4,9 +4,11 @@
 namespace quorin {
 namespace {
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 class MarksRoad : public RoadFixture {
@@ -67,6 +69,47 @@ TEST_F(MarksRoad, PaintsTwoHundredScatteredCells) {
   EXPECT_THAT(conditions("Known.xlsx", "Data", true), SizeIs(5));
   EXPECT_EQ(ask("clearMarks"), R"({"removed":200})");
   EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+}
+
+TEST_F(MarksRoad, TakesANameBackWhileAnotherWorkbookIsInFront) {
+  for (const bool knowsNameToo : {false, true}) {
+    fakes::WorkbookDescription named{.name = "Named.xlsx", .sheets = {{"One", {}}, {"Two", {}}}};
+    named.names.push_back({"Target", "=Two!$B$2"});
+    memory_->open(named);
+    EXPECT_EQ(mark({"Target", "A1"}), R"({"applied":2,"shadowed":false})");
+    EXPECT_EQ(marked("Named.xlsx", "Two"), "$B$2");
+    fakes::WorkbookDescription other{.name = "Other.xlsx", .sheets = {{"Two", {}}}};
+    if (knowsNameToo) other.names.push_back({"Target", "=Two!$C$3"});
+    memory_->open(other);
+    EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
+    EXPECT_EQ(marked("Named.xlsx", "One") + marked("Named.xlsx", "Two"), "");
+    EXPECT_FALSE(std::filesystem::exists(store_.url()));
+    memory_->close("Other.xlsx");
+    memory_->close("Named.xlsx");
+  }
+}
+
+// Of the questions only the first, which workbooks there are, is answered so where there is none.
+TEST_F(MarksRoad, TakesNothingForAWorkbookThatIsGoneButWhatTheListsTell) {
+  constexpr int mostEvents = 60;
+  int refused = 0;
+  for (int event = 2; event < mostEvents; ++event) {
+    memory_->close("Known.xlsx");
+    memory_->open(fakes::knownWorkbook());
+    store_.clear();
+    mark({"A1", "B2"});
+    excel_->forget();
+    excel_->failAt(event, {-1728, "Can't get object.", {}});
+    const bool failed = ask("clearMarks").starts_with("failed");
+    excel_->forget();
+    refused += failed ? 1 : 0;
+    EXPECT_EQ(failed, std::filesystem::exists(store_.url())) << event;
+  }
+  EXPECT_GT(refused, 2);
+  EXPECT_THAT(log_.lines(), Each(Not(HasSubstr("stale"))));
+  memory_->close("Known.xlsx");
+  memory_->open({.name = "Other.xlsx", .sheets = {{"Data", {}}}});
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
 }
 
 TEST_F(MarksRoad, TakesStackedHighlightsBackToo) {
