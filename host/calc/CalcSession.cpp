@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/beans/NamedValue.hpp>
-#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/configuration/theDefaultProvider.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
@@ -30,7 +29,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
                          std::function<void()> keeperLost, LineTraces* traces)
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
-      workbooks_(desktop_),
+      workbooks_(desktop_, connection_.context()),
       evaluator_(connection_.context()),
       scratch_(connection_.context(), workbooks_),
       changes_(connection_.context()),
@@ -69,12 +68,10 @@ SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
 }
 
 void CalcSession::takeTurn(const Workbook& workbook, bool adding) {
-  rtl::OUString uid;
-  Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
-      ->getPropertyValue("RuntimeUID") >>= uid;
-  if (turn_ && turnWorkbook_ == toText(uid)) return;
+  const std::string uid = workbook.uid.empty() ? uidOf(workbook.model) : workbook.uid;
+  if (turn_ && turnWorkbook_ == uid) return;
   endTurn();
-  turnWorkbook_ = toText(uid);
+  turnWorkbook_ = uid;
   try {
     turn_.emplace(keeper_, turnWorkbook_);
   } catch (const SpreadsheetError& failure) {
@@ -95,16 +92,26 @@ void CalcSession::releaseConditions() {
   if (!keeping_) endTurn();
 }
 
-void CalcSession::takeBackUnreachable() {
-  try {
-    for (const std::string& book : workbooks_.names()) {
-      removeUnreachableMarks(book);
-      hideUnreachableLines(book);
+bool CalcSession::takeBack(Unreachable what) {
+  bool done = true;
+  // One workbook that fails must not keep the others from it.
+  const auto attempt = [&done](const auto& work) {
+    try {
+      work();
+    } catch (const SpreadsheetError&) {
+      done = false;
+    } catch (const css::uno::Exception&) {
+      done = false;
     }
-  } catch (const SpreadsheetError&) {
-  } catch (const css::uno::Exception&) {
+  };
+  std::vector<std::string> books;
+  attempt([&] { books = workbooks_.names(); });
+  for (const std::string& book : books) {
+    attempt([&] { removeUnreachableMarks(book); });
+    if (what == Unreachable::all) attempt([&] { hideUnreachableLines(book); });
   }
   releaseConditions();
+  return done;
 }
 
 void CalcSession::removeUnreachableMarks(const std::string& book) {

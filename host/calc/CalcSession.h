@@ -53,9 +53,11 @@ class CalcSession {
   // the areas that cannot be told any more, which stay as they are. What is known of them by no
   // means is told by its numbers.
   std::vector<Area> setHidden(const RangeRef& lines, Lines kind, bool hide);
-  // Somebody looked for a workbook or a sheet that is not there: takes back what was done under
-  // such names, marks and shown lines. What fails is left to the next time.
-  void takeBackUnreachable();
+  // Takes back what no request can reach any more: marks on the copy of a sheet or under a name
+  // that a workbook or a sheet had before, and shown lines under such a name when somebody looked
+  // for it. False when some of it failed, and is to be done again.
+  enum class Unreachable { marks, all };
+  bool takeBack(Unreachable what);
   // Has a keeper watch every workbook with marks. What fails is left to the next turn.
   void protectMarks();
 

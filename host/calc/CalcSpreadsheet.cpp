@@ -78,12 +78,24 @@ void CalcSpreadsheet::handlerBegins() {
 }
 
 void CalcSpreadsheet::handlerEnds() {
-  CalcSession* const office = office_->session();
-  if (office && findings_.missed()) office->takeBackUnreachable();
+  takeBackUnreachable();
   inHandler_ = false;
   memory_.end();
   office_->keepReadings(false);
   flushTraces();
+}
+
+// What failed is tried again, but not with every handler.
+void CalcSpreadsheet::takeBackUnreachable() {
+  using Unreachable = CalcSession::Unreachable;
+  constexpr std::chrono::seconds pause{1};
+  const auto now = std::chrono::steady_clock::now();
+  const bool again = takeBackAgain_ && now >= *takeBackAgain_;
+  CalcSession* const office = office_->session();
+  if (!office || !(again || findings_.missed() || findings_.tookMarks())) return;
+  const bool all = takeBackAgain_ || findings_.missed();
+  const bool done = office->takeBack(all ? Unreachable::all : Unreachable::marks);
+  takeBackAgain_ = done ? std::nullopt : std::optional(now + pause);
 }
 
 void CalcSpreadsheet::flushTraces() {

@@ -91,6 +91,7 @@ class CalcSpreadsheet : public Spreadsheet {
   void closeWorkbook(const std::string& book) override;
 
  private:
+  void takeBackUnreachable();
   void flushTraces();
   template <typename Work>
   auto call(Work work);
@@ -104,6 +105,8 @@ class CalcSpreadsheet : public Spreadsheet {
   std::function<void(const std::string&)> notice_;  // or none
   HandlerFindings findings_;
   bool inHandler_ = false;
+  // Not before then; none when nothing is to be done again.
+  std::optional<std::chrono::steady_clock::time_point> takeBackAgain_;
   const std::unique_ptr<OfficeCalls> office_;  // last: it ends first
 };
 

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/frame/XFrames.hpp>
 #include <com/sun/star/frame/XTitle.hpp>
 
 #include "host/calc/CalcRanges.h"
-#include "host/calc/OfficeFiles.h"
 #include "host/calc/QuietChanges.h"
 #include "host/calc/Text.h"
 
@@ -20,8 +20,16 @@ namespace {
 constexpr std::chrono::seconds trustedFor{2};
 }
 
-CalcWorkbooks::CalcWorkbooks(Reference<css::frame::XDesktop2> desktop)
-    : desktop_(std::move(desktop)) {}
+std::string uidOf(const Reference<css::frame::XModel>& document) {
+  rtl::OUString uid;
+  Reference<css::beans::XPropertySet>(document, UNO_QUERY_THROW)->getPropertyValue("RuntimeUID") >>=
+      uid;
+  return toText(uid);
+}
+
+CalcWorkbooks::CalcWorkbooks(Reference<css::frame::XDesktop2> desktop,
+                             const Reference<css::uno::XComponentContext>& context)
+    : desktop_(std::move(desktop)), names_(context) {}
 
 void CalcWorkbooks::forget() {
   windows_.clear();
@@ -96,6 +104,7 @@ std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::
     workbook->model = model;
     workbook->document.set(model, UNO_QUERY_THROW);
     workbook->sheets.set(workbook->document->getSheets(), UNO_QUERY_THROW);
+    workbook->uid = uidOf(model);
     QuietChanges::heal(*workbook);
   }
   workbook->url = toText(model->getURL());
@@ -104,15 +113,15 @@ std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::
 }
 
 void CalcWorkbooks::nameWorkbooks() {
-  std::vector<std::string> urls, titles;
+  std::vector<OpenWorkbook> open;
   for (const auto& workbook : workbooks_) {
-    urls.push_back(workbook->url);
-    titles.push_back(
-        workbook->url.empty()
-            ? toText(Reference<css::frame::XTitle>(workbook->model, UNO_QUERY_THROW)->getTitle())
-            : std::string());
+    const Reference<css::frame::XTitle> unsaved(workbook->url.empty() ? workbook->model : nullptr,
+                                                UNO_QUERY);
+    open.push_back({.uid = workbook->uid,
+                    .url = workbook->url,
+                    .title = unsaved.is() ? toText(unsaved->getTitle()) : std::string()});
   }
-  const std::vector<std::string> names = workbookNames(urls, titles);
+  const std::vector<std::string> names = names_.of(std::move(open));
   for (std::size_t i = 0; i < names.size(); ++i) workbooks_[i]->name = names[i];
 }
 
@@ -129,10 +138,9 @@ bool CalcWorkbooks::isStale() const {
 
 std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
   if (kept_) {
-    const auto called = [&](const auto& workbook) { return workbook->name == name; };
-    const auto found = std::find_if(workbooks_.begin(), workbooks_.end(), called);
-    if (found != workbooks_.end() && std::none_of(found + 1, workbooks_.end(), called))
-      return *found;
+    const auto found = std::find_if(workbooks_.begin(), workbooks_.end(),
+                                    [&](const auto& workbook) { return workbook->name == name; });
+    if (found != workbooks_.end()) return *found;
   }
   return windowOf(name).workbook;
 }
@@ -180,45 +188,20 @@ std::optional<Window> CalcWorkbooks::findActive() {
 
 Window CalcWorkbooks::windowOf(const std::string& name) {
   const std::optional<Window> front = active();
-  const auto count = [&] {
-    return std::count_if(workbooks_.begin(), workbooks_.end(),
-                         [&](const auto& workbook) { return workbook->name == name; });
-  };
-  if (count() != 1) read();
-  if (count() != 1) {  // of two that cannot be told apart neither is meant
-    throw SpreadsheetError(-1728, "There is no workbook named \"" + name + "\"");
+  const auto called = [&](const Window& window) { return window.workbook->name == name; };
+  auto found = std::find_if(windows_.begin(), windows_.end(), called);
+  if (found == windows_.end()) {
+    read();
+    found = std::find_if(windows_.begin(), windows_.end(), called);
   }
-  if (front && front->workbook->name == name) return *front;
-  return *std::find_if(windows_.begin(), windows_.end(),
-                       [&](const Window& window) { return window.workbook->name == name; });
+  if (found == windows_.end())
+    throw SpreadsheetError(-1728, "There is no workbook named \"" + name + "\"");
+  return front && called(*front) ? *front : *found;
 }
 
 std::vector<Window> CalcWorkbooks::windows() {
   active();
   return windows_;
-}
-
-std::vector<std::string> workbookNames(const std::vector<std::string>& urls,
-                                       const std::vector<std::string>& titles) {
-  std::vector<std::string> names, folders;
-  for (std::size_t i = 0; i < urls.size(); ++i) {
-    const std::filesystem::path path = pathOfUrl(urls[i]);
-    folders.push_back(path.parent_path().filename().string());
-    if (urls[i].empty()) {
-      names.push_back(titles[i]);
-    } else if (!path.empty()) {
-      names.push_back(path.filename().string());
-    } else {
-      names.push_back(urls[i].substr(urls[i].rfind('/') + 1));
-    }
-  }
-  std::vector<std::string> result = names;
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (std::count(names.begin(), names.end(), names[i]) > 1 && !folders[i].empty()) {
-      result[i] = folders[i] + "/" + names[i];
-    }
-  }
-  return result;
 }
 
 }  // namespace quorin::host::calc

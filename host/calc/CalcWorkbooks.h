@@ -25,11 +25,13 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/WorkbookNames.h"
 
 namespace quorin::host::calc {
 
 struct Workbook {
   std::string name;
+  std::string uid;  // its "RuntimeUID"
   std::string url;  // empty before it is saved
   css::uno::Reference<css::frame::XModel> model;
   css::uno::Reference<css::sheet::XSpreadsheetDocument> document;
@@ -41,6 +43,9 @@ struct Workbook {
   mutable css::uno::Reference<css::chart2::data::XDataProvider> shownTexts;
 };
 
+// What a document is known by as long as it is open, whatever it is called.
+std::string uidOf(const css::uno::Reference<css::frame::XModel>& document);
+
 struct Window {
   std::shared_ptr<Workbook> workbook;
   css::uno::Reference<css::frame::XFrame> frame;
@@ -51,7 +56,8 @@ struct Window {
 
 class CalcWorkbooks {
  public:
-  explicit CalcWorkbooks(css::uno::Reference<css::frame::XDesktop2> desktop);
+  CalcWorkbooks(css::uno::Reference<css::frame::XDesktop2> desktop,
+                const css::uno::Reference<css::uno::XComponentContext>& context);
 
   void forget();
   // While it is kept, one reading serves names(), named(), sheets() and active(), but for what
@@ -78,6 +84,7 @@ class CalcWorkbooks {
 
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
   css::uno::Reference<css::container::XIndexAccess> frames_;  // the desktop's, once asked for
+  WorkbookNames names_;
   std::vector<std::shared_ptr<Workbook>> workbooks_;
   std::vector<Window> windows_;
   std::weak_ptr<Workbook> lastActive_;
@@ -86,10 +93,5 @@ class CalcWorkbooks {
   std::optional<std::optional<Window>> active_;             // while kept
   std::map<std::string, std::vector<std::string>> sheets_;  // by workbook, while kept
 };
-
-// The name as Excel would give it: file names with suffix, titles of unsaved ones; equal ones carry
-// the name of the folder they are in. `urls` and `titles` belong together by position.
-std::vector<std::string> workbookNames(const std::vector<std::string>& urls,
-                                       const std::vector<std::string>& titles);
 
 }  // namespace quorin::host::calc

@@ -1,13 +1,14 @@
 // HandlerFindings: whether a handler missed what it looked for, so that marks and shown lines may
 // be left under names that are gone. A handler that asked for names and for nothing else has. So
-// has one that found no mark where it looked: another sheet may have the name now. Call thread.
+// has one that found no mark where it looked: another sheet may have the name now. One that looks
+// for marks and makes none takes them away. Call thread.
 #pragma once
 
 namespace quorin::host::calc {
 
 class HandlerFindings {
   enum class Asked { nothing, names, more };
-  enum class Marks { unasked, missed, metOrMade };
+  enum class Marks { unasked, missed, met, made };
 
  public:
   void begin() {
@@ -32,11 +33,13 @@ class HandlerFindings {
   };
 
   void lookedForMarks(bool met) {
-    if (met || marks_ == Marks::unasked) marks_ = met ? Marks::metOrMade : Marks::missed;
+    if (marks_ == Marks::unasked) marks_ = Marks::missed;
+    if (met && marks_ == Marks::missed) marks_ = Marks::met;
   }
-  void madeMark() { marks_ = Marks::metOrMade; }
+  void madeMark() { marks_ = Marks::made; }
 
   bool missed() const { return asked_ == Asked::names || marks_ == Marks::missed; }
+  bool tookMarks() const { return marks_ == Marks::met; }
 
  private:
   Asked asked_ = Asked::nothing;

@@ -51,7 +51,8 @@ class OfficeCalls {
         return work(office);
       } catch (const css::lang::DisposedException&) {
         forgetRead();
-        if (!again) throw SpreadsheetError(-1728, "The workbook was closed");
+        // One that is still found is not gone, whatever it says.
+        if (!again) throw SpreadsheetError(-10000, "The workbook is being closed");
       } catch (const css::uno::RuntimeException& failure) {
         forgetRead();
         throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));

@@ -57,7 +57,7 @@ struct Desk {
   }
 
   void open(fakes::WorkbookDescription workbook, const std::string& name) {
-    workbook.name = name;
+    workbook.name = std::filesystem::path(name).filename();
     fakes::writeXlsx(workbook, folder / name);
     road.open(folder / name);
   }
@@ -376,6 +376,38 @@ TEST_F(CalcMarks, AreKeptOutOfFilesAfterTheirKeeperWasKilled) {
   desk->hands.close("Out.xlsx");
 }
 
+TEST_F(CalcMarks, StayKnownBesideAWorkbookOfTheSameNameInAFolderOfTheSameName) {
+  const std::string name = "2025/Plan.xlsx";
+  const auto plan = [&](const char* in) {
+    std::filesystem::create_directories(desk->folder / in / "2025");
+    desk->open(fakes::knownWorkbook(), in + ("/" + name));
+  };
+  plan("x");
+  EXPECT_EQ(ask("pollCell"), R"({"addr":"$A$1","book":"Plan.xlsx","sheet":"Data"})");
+  EXPECT_THAT(mark({"B2"}), HasSubstr(R"("applied":1)"));
+  plan("y");
+  EXPECT_THAT(desk->hands.shapes("x/" + name, "Data"), SizeIs(1));
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":1})");
+  EXPECT_THAT(desk->hands.shapes("x/" + name, "Data"), IsEmpty());
+
+  EXPECT_THAT(mark({"C3"}), HasSubstr(R"("applied":1)"));
+  EXPECT_THAT(desk->hands.shapes("x/" + name, "Data"), IsEmpty());
+  EXPECT_THAT(desk->hands.shapes("y/" + name, "Data"), SizeIs(1));
+  desk->hands.close("x/" + name);
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":1})");
+  EXPECT_THAT(desk->hands.shapes("y/" + name, "Data"), IsEmpty());
+  desk->hands.close("y/" + name);
+}
+
+TEST_F(CalcMarks, AskedForByANameGoWhileAnotherWorkbookIsInFront) {
+  activate("Known.xlsx", "Blank");
+  ASSERT_THAT(mark({"Spot", "A1"}), HasSubstr(R"("applied":2)"));
+  ASSERT_THAT(desk->hands.shapes("Known.xlsx", "Data"), SizeIs(1));
+  desk->road.use([](CalcSpreadsheet& calc) { calc.activateWorkbook("Ruled.xlsx"); });
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
+  EXPECT_EQ(marked("Known.xlsx", "Data") + marked("Known.xlsx", "Blank"), "");
+}
+
 // What the records hold stays as it was asked for, whatever the user does to rows, sheets and
 // names.
 class MovedMarks : public CalcMarks {
@@ -407,6 +439,27 @@ TEST_F(MovedMarks, AreMovedOnFromWhereTheyAreNow) {
   ASSERT_EQ(here("Data"), "$A$4,$B$5,$B$6");
   EXPECT_THAT(mark({"Data!C1"}), HasSubstr(R"("moved":true)"));
   EXPECT_EQ(here("Data"), "$C$1");
+}
+
+TEST_F(MovedMarks, AreClearedOnCopiesOfTheirSheetInOtherWorkbooksToo) {
+  desk->open({.name = {}, .sheets = {{"Only", {}}}}, "Other.xlsx");
+  desk->hands.copySheetTo(book, "Data", "Other.xlsx");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":3})");
+  EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
+  EXPECT_THAT(desk->hands.shapes("Other.xlsx", "Data"), IsEmpty());
+  desk->hands.close("Other.xlsx");
+}
+
+TEST_F(MovedMarks, AreClearedInAnOldWorkbookAndInTheNextOfItsName) {
+  desk->hands.saveAs(book, (desk->folder / "Saved.xlsx").string());
+  desk->open(fakes::knownWorkbook(), book);
+  activate(book, "Blank");
+  mark({"Data!A1", "Data!B2", "Data!B3"});  // what is recorded already
+  ASSERT_THAT(desk->hands.shapes(book, "Data"), SizeIs(1));
+  ask("clearMarks");
+  EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
+  EXPECT_THAT(desk->hands.shapes("Saved.xlsx", "Data"), IsEmpty());
+  desk->hands.close("Saved.xlsx");
 }
 
 TEST_F(MovedMarks, AreClearedAddressByAddress) {

@@ -1,15 +1,24 @@
 // Workbooks whose files have one name, open in one office.
+#include <chrono>
+#include <com/sun/star/frame/Desktop.hpp>
 #include <filesystem>
 #include <functional>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "host/Address.h"
+#include "host/calc/CalcWorkbooks.h"
+#include "host/calc/OfficeConnection.h"
 #include "tests/calc/CalcFixture.h"
+#include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {
 namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::Not;
 
 class EqualNames : public testing::Test {
  protected:
@@ -36,26 +45,36 @@ class EqualNames : public testing::Test {
 };
 
 // One test, because the office keeps what is open.
-TEST_F(EqualNames, CarryTheirFoldersAndAreNeverGuessed) {
+TEST_F(EqualNames, AreAlwaysDifferentAndStayWhatTheyAre) {
   open("2024", 1);
   EXPECT_EQ(calc().activeWorkbook(), "Equal.xlsx");
   EXPECT_EQ(valueIn("Equal.xlsx"), CellValue(1.0));
   open("2025", 2);
   EXPECT_EQ(calc().activeWorkbook(), "2025/Equal.xlsx");
   EXPECT_EQ(calc().activeCell()->sheet.book, "2025/Equal.xlsx");
-  EXPECT_EQ(valueIn("2024/Equal.xlsx"), CellValue(1.0));
+  EXPECT_EQ(valueIn("Equal.xlsx"), CellValue(1.0));
   EXPECT_EQ(valueIn("2025/Equal.xlsx"), CellValue(2.0));
-  EXPECT_EQ(numberOf([] { valueIn("Equal.xlsx"); }), -1728);
-  const SheetRef from{"2024/Equal.xlsx", "Data"};
+  EXPECT_EQ(numberOf([] { valueIn("2024/Equal.xlsx"); }), -1728);
+  const SheetRef from{"Equal.xlsx", "Data"};
   EXPECT_EQ(calc().evaluate("A1*10", from), Evaluation(CellValue(10.0)));
   EXPECT_EQ(calc().evaluate("'[2025/Equal.xlsx]Data'!A1*10+A1", from), Evaluation(CellValue(21.0)));
-  EXPECT_EQ(calc().evaluate("[Equal.xlsx]Data!A1+1", from),
-            Evaluation(CellValue(CellError{"#REF!"})));
 
-  open("other/2025", 3);  // on top, and still not what that name means
-  EXPECT_EQ(numberOf([] { valueIn("2025/Equal.xlsx"); }), -1728);
-  EXPECT_EQ(numberOf([] { calc().activateWorkbook("2025/Equal.xlsx"); }), -1728);
-  EXPECT_EQ(valueIn("2024/Equal.xlsx"), CellValue(1.0));
+  open("other/2025", 3);
+  EXPECT_EQ(calc().activeWorkbook(), "other/2025/Equal.xlsx");
+  EXPECT_EQ(valueIn("Equal.xlsx"), CellValue(1.0));
+  EXPECT_EQ(valueIn("2025/Equal.xlsx"), CellValue(2.0));
+  EXPECT_EQ(valueIn("other/2025/Equal.xlsx"), CellValue(3.0));
+  calc().activateWorkbook("2025/Equal.xlsx");
+  EXPECT_EQ(calc().activeWorkbook(), "2025/Equal.xlsx");
+
+  // Another connection, as after a relaunch, and after the first of them was closed.
+  UserHands hands(SharedOffice::office().open());
+  hands.close("2024/Equal.xlsx");
+  const OfficeConnection next(SharedOffice::office().open(), std::chrono::seconds(60));
+  CalcWorkbooks again(css::frame::Desktop::create(next.context()), next.context());
+  EXPECT_THAT(again.names(), AllOf(Contains("2025/Equal.xlsx"), Contains("other/2025/Equal.xlsx"),
+                                   Not(Contains("Equal.xlsx"))));
+  EXPECT_EQ(valueIn("2025/Equal.xlsx"), CellValue(2.0));
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include <com/sun/star/sheet/XSheetOutline.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
+#include <com/sun/star/sheet/XSpreadsheets2.hpp>
 #include <com/sun/star/sheet/XViewFreezable.hpp>
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
@@ -76,7 +77,7 @@ struct UserHands::Objects {
       const std::string url = toText(model->getURL());
       const std::string title =
           toText(Reference<css::frame::XTitle>(model, UNO_QUERY_THROW)->getTitle());
-      if ((url.empty() ? title : pathOfUrl(url).filename().string()) == book) {
+      if (url.empty() ? title == book : pathOfUrl(url).string().ends_with("/" + book)) {
         return {model, UNO_QUERY_THROW};
       }
     }
@@ -226,6 +227,17 @@ void UserHands::copySheet(const std::string& book, const std::string& sheet,
   const auto sheets = objects_->workbook(book)->getSheets();
   sheets->copyByName(toUno(sheet), toUno(copy),
                      static_cast<sal_Int16>(sheets->getElementNames().getLength()));
+}
+
+void UserHands::deleteSheet(const std::string& book, const std::string& sheet) {
+  objects_->workbook(book)->getSheets()->removeByName(toUno(sheet));
+}
+
+void UserHands::copySheetTo(const std::string& book, const std::string& sheet,
+                            const std::string& otherBook) {
+  const auto to = objects_->workbook(otherBook)->getSheets();
+  Reference<css::sheet::XSpreadsheets2>(to, UNO_QUERY_THROW)
+      ->importSheet(objects_->workbook(book), toUno(sheet), to->getElementNames().getLength());
 }
 
 void UserHands::setModified(const std::string& book, bool modified) {

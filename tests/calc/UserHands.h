@@ -22,7 +22,8 @@ class UserHands {
 
   void open(const std::string& file);
   std::string openBlank();  // gives its title
-  // In the workbook whose file name, or title without a file, is `book`. Entered and undone like a
+  // In the workbook whose file's path ends with `book`, from the name of a folder or of the file
+  // on, or whose title without a file it is. Entered and undone like a
   // user's own change.
   void enter(const std::string& book, const std::string& sheet, const std::string& cell,
              const std::string& formula);
@@ -44,6 +45,9 @@ class UserHands {
   void removeRows(const std::string& book, const std::string& sheet, int row, int count);
   void renameSheet(const std::string& book, const std::string& sheet, const std::string& name);
   void copySheet(const std::string& book, const std::string& sheet, const std::string& copy);
+  void deleteSheet(const std::string& book, const std::string& sheet);
+  // To the end of the other workbook's sheets, whose name for it the office chooses.
+  void copySheetTo(const std::string& book, const std::string& sheet, const std::string& otherBook);
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);

@@ -15,6 +15,7 @@ std::optional<Workbook> asWorkbook(const Reference<css::uno::XInterface>& docume
   workbook.document.set(document, UNO_QUERY);
   if (!workbook.model.is() || !workbook.document.is()) return std::nullopt;
   workbook.sheets.set(workbook.document->getSheets(), UNO_QUERY_THROW);
+  workbook.uid = uidOf(workbook.model);
   return workbook;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
 #include <cstdint>
 #include <poll.h>
@@ -11,8 +10,6 @@
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-
-#include "host/calc/Text.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -44,13 +41,6 @@ std::vector<Workbook> openWorkbooks(
     }
   }
   return open;
-}
-
-std::string uidOf(const Workbook& workbook) {
-  rtl::OUString uid;
-  Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
-      ->getPropertyValue("RuntimeUID") >>= uid;
-  return toText(uid);
 }
 
 int millisecondsUntil(std::chrono::steady_clock::time_point when) {
@@ -192,7 +182,7 @@ void Keeper::watch(const std::string& uid) {
   if (known) return;
   try {
     for (const Workbook& workbook : openWorkbooks(events_)) {
-      if (uidOf(workbook) != uid) continue;
+      if (workbook.uid != uid) continue;
       followers_.emplace_back(uid, workbook, changes_, *hook_, [this] { wake_(); }).tieNew();
     }
   } catch (const css::uno::Exception&) {
