@@ -3,7 +3,7 @@ import { defineConfig } from 'vite';
 export default defineConfig({
   build: {
     ssr: true,
-    rollupOptions: { input: ['bench/parser.ts', 'bench/trips.ts', 'bench/page.ts'] },
+    rollupOptions: { input: ['bench/parser.ts', 'bench/trips.ts', 'bench/page.ts', 'bench/model.ts'] },
     outDir: 'out/bench',
     target: 'node18',
     minify: false,

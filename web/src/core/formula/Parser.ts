@@ -13,6 +13,8 @@ import { isLogicalWord } from './words';
 
 /** Longer than any spreadsheet takes; such text is one invalid node. */
 export const formulaLengthLimit = 16_384;
+/** The same formulas in R1C1: "A1" may become "R[-1048575]C[-16383]". */
+export const relativeLengthLimit = 131_072;
 /** Deeper than any spreadsheet takes. */
 export const nestingLimit = 256;
 
@@ -288,7 +290,7 @@ class Parser {
 
 /** Reads a formula, with or without the "=" before it. */
 export function parse(text: string, style: ReferenceStyle = 'a1'): Formula {
-  if (text.length > formulaLengthLimit) {
+  if (text.length > (style === 'a1' ? formulaLengthLimit : relativeLengthLimit)) {
     const problem = { start: 0, end: text.length, message: 'The formula is too long.' };
     const root: Node = { kind: 'invalid', text, parts: [], start: 0, end: text.length };
     return { text, style, root, problems: [problem] };

@@ -1,0 +1,86 @@
+// The models of the workbooks that were read, behind questions that are plain data: the same in a
+// worker and on the page's own thread.
+
+import {
+  dependentsAnswer,
+  driversAnswer,
+  errorsAnswer,
+  stateAnswer,
+  usersAnswer,
+  wayAnswer,
+} from './answers';
+import type { BookEntry, Question } from './messages';
+import { WorkbookModel } from './WorkbookModel';
+
+/** Models of more workbooks are not kept; the one used longest ago goes. */
+const booksLimit = 3;
+
+export class ModelHost {
+  private readonly books = new Map<string, WorkbookModel>();
+
+  /** Answers; yields where others may take a turn. Throws for a workbook that was never begun. */
+  *answer(question: Question): Generator<undefined, unknown> {
+    const { book } = question;
+    if (question.ask === 'begin') {
+      this.begin(question.args);
+      return null;
+    }
+    if (question.ask === 'forget') {
+      this.books.delete(book);
+      return null;
+    }
+    const model = this.books.get(book);
+    if (!model) throw new Error(`“${book}” was not read.`);
+    switch (question.ask) {
+      case 'beginSheet':
+        model.beginSheet(question.args.sheet);
+        return null;
+      case 'piece': {
+        const { sheet, area, formulas, values } = question.args;
+        model.piece(sheet, area, formulas, values);
+        return null;
+      }
+      case 'endSheet':
+        model.endSheet(question.args.sheet);
+        return null;
+      case 'tables':
+        model.setTables(question.args.places);
+        return null;
+      case 'state':
+        return yield* stateAnswer(model);
+      case 'dependents':
+        return yield* dependentsAnswer(model, question.args);
+      case 'users':
+        return yield* usersAnswer(model, question.args);
+      case 'drivers':
+        return yield* driversAnswer(model, question.args);
+      case 'way':
+        return yield* wayAnswer(model, question.args.from, question.args.to);
+      case 'errors':
+        return yield* errorsAnswer(model);
+      case 'labels':
+        return question.args.cells.map(({ sheet, row, col }) => {
+          const place = model.place({
+            sheet,
+            area: { top: row, left: col, bottom: row, right: col },
+          });
+          return place ? model.label(place) : '';
+        });
+      case 'compare': {
+        const { sheet, row, col, formula, value } = question.args;
+        return model.compare(sheet, row, col, formula, value);
+      }
+    }
+  }
+
+  private begin(entry: BookEntry): void {
+    const known = this.books.get(entry.book);
+    this.books.delete(entry.book);
+    const same = known && JSON.stringify(known.entry) === JSON.stringify(entry);
+    this.books.set(entry.book, same ? known : new WorkbookModel(entry));
+    if (this.books.size > booksLimit) {
+      const [oldest] = this.books.keys();
+      if (oldest !== undefined) this.books.delete(oldest);
+    }
+  }
+}

@@ -1,0 +1,198 @@
+// The model's answers in the words of the page: rows with address, formula, label and value.
+
+import { impactOf } from './impact';
+import { driversOf } from './drivers';
+import { findErrorCauses } from './errors';
+import { directUsers, type Index, type Part, type SheetArea } from './Index';
+import type {
+  BookState,
+  Cells,
+  DependentsAnswer,
+  DriversAnswer,
+  ErrorsAnswer,
+  Row,
+  RunTimeRow,
+} from './messages';
+import { meet, sizeOf } from './rectangles';
+import type { WorkbookModel } from './WorkbookModel';
+
+/** So many rows are told for one question. */
+export const rowsLimit = 1_000;
+
+function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number): Row {
+  return {
+    sheet: model.sheetName(sheet),
+    area,
+    formula: formula === 0 ? '' : model.formulas.at(formula),
+    label: model.label({ sheet, area }),
+    value: model.value({ sheet, area }),
+    cells: sizeOf(area),
+  };
+}
+
+function partRow(model: WorkbookModel, index: Index, { region, area }: Part): Row {
+  return rowOf(model, { sheet: index.sheetOf(region), area }, index.formulaOf(region));
+}
+
+/** By sheet, then from top to bottom. */
+function inOrder(index: Index, parts: Part[]): Part[] {
+  return parts.sort(
+    (a, b) =>
+      index.sheetOf(a.region) - index.sheetOf(b.region) ||
+      a.area.top - b.area.top ||
+      a.area.left - b.area.left,
+  );
+}
+
+type Listed = { rows: Row[]; cells: number; left: number };
+
+function listed(model: WorkbookModel, index: Index, parts: Part[]): Listed {
+  const chosen = inOrder(index, parts).slice(0, rowsLimit);
+  const count = (some: Part[]) => some.reduce((sum, { area }) => sum + sizeOf(area), 0);
+  const cells = count(parts);
+  const rows = chosen.map((part) => partRow(model, index, part));
+  return { rows, cells, left: cells - count(chosen) };
+}
+
+export function* usersAnswer(model: WorkbookModel, cells: Cells): Generator<undefined, Listed> {
+  const index = yield* model.index();
+  const start = model.place(cells);
+  return listed(model, index, start ? directUsers(index, start) : []);
+}
+
+export function* dependentsAnswer(
+  model: WorkbookModel,
+  cells: Cells,
+): Generator<undefined, DependentsAnswer> {
+  const index = yield* model.index();
+  const start = model.place(cells);
+  const direct = yield* usersAnswer(model, cells);
+  const { rows: runTime, cells: runTimeCells } = runTimeRows(model, index);
+  if (!start) {
+    const impact = { cells: 0, sheets: 0, results: 0, rows: [] };
+    return { ...direct, impact, runTime, runTimeCells, circular: false };
+  }
+  const impact = yield* impactOf(index, model.usesOf(index), start);
+  const results = impact.resultAreas.map((area) => {
+    const formula = model.cellsOf(area.sheet)?.formulaAt(area.area.top, area.area.left) ?? 0;
+    return rowOf(model, area, formula);
+  });
+  // Only what rests on itself can be in a circle; then its circle's cells are looked for.
+  const restsOnItself = impact.reached.steps.some(
+    ({ region, area }) =>
+      index.sheetOf(region) === start.sheet && meet(area, start.area) !== undefined,
+  );
+  let circular = false;
+  if (restsOnItself) {
+    const { circles } = yield* model.circlesOf(index);
+    circular = circles.some((circle) =>
+      circle.some(({ sheet, area }) => sheet === start.sheet && meet(area, start.area)),
+    );
+  }
+  const { sheets } = impact;
+  return {
+    ...direct,
+    impact: { cells: impact.cells, sheets, results: impact.results, rows: results },
+    runTime,
+    runTimeCells,
+    circular,
+  };
+}
+
+function runTimeRows(model: WorkbookModel, index: Index): { rows: RunTimeRow[]; cells: number } {
+  const parts: Part[] = [];
+  for (let region = 0; region < index.regionCount; region++) {
+    const oddity = model.definition.oddity(index.definitionOf(region));
+    if (oddity && oddity.runTime.size > 0) parts.push({ region, area: index.areaOf(region) });
+  }
+  const rows = inOrder(index, parts)
+    .slice(0, rowsLimit)
+    .map((part) => {
+      const oddity = model.definition.oddity(index.definitionOf(part.region));
+      return { ...partRow(model, index, part), reasons: [...(oddity?.runTime ?? [])] };
+    });
+  return { rows, cells: parts.reduce((sum, { area }) => sum + sizeOf(area), 0) };
+}
+
+export function* driversAnswer(
+  model: WorkbookModel,
+  cells: Cells,
+): Generator<undefined, DriversAnswer> {
+  const index = yield* model.index();
+  const target = model.place(cells);
+  if (!target) return { rows: [], formulas: 0, inputs: 0, left: 0 };
+  const { drivers, formulas, inputs, left } = yield* driversOf(index, target);
+  const rows = drivers.map((driver) => {
+    const { kind, uses, steps } = driver;
+    return { ...rowOf(model, driver, 0), kind, uses, steps };
+  });
+  return { rows, formulas, inputs, left };
+}
+
+export function* wayAnswer(
+  model: WorkbookModel,
+  from: Cells,
+  to: Cells,
+): Generator<undefined, Listed> {
+  const index = yield* model.index();
+  const start = model.place(from);
+  const end = model.place(to);
+  if (!start || !end) return { rows: [], cells: 0, left: 0 };
+  const reached = yield* model.restingOn(index, start);
+  const parts: Part[] = [];
+  const inputs: SheetArea[] = [];
+  index.formulasIn(end, (own) => {
+    index.usedBy(own, (used) => {
+      const part = used.sheet === start.sheet ? meet(used.area, start.area) : undefined;
+      if (part) inputs.push({ sheet: used.sheet, area: part });
+      index.formulasIn(used, ({ region, area }) => {
+        for (const known of reached.areasOf(region)) {
+          const both = meet(known, area);
+          if (both) parts.push({ region, area: both });
+        }
+      });
+    });
+  });
+  const distinct = new Map(
+    parts.map((part) => [`${String(part.region)} ${Object.values(part.area).join()}`, part]),
+  );
+  const { rows, cells, left } = listed(model, index, [...distinct.values()]);
+  const [first] = inputs;
+  if (!first) return { rows, cells, left };
+  const formula = model.cellsOf(first.sheet)?.formulaAt(first.area.top, first.area.left) ?? 0;
+  const isThere = rows.some(
+    ({ sheet, area }) => sheet === from.sheet && meet(area, from.area) !== undefined,
+  );
+  return { rows: isThere ? rows : [rowOf(model, start, formula), ...rows], cells, left };
+}
+
+export function* errorsAnswer(model: WorkbookModel): Generator<undefined, ErrorsAnswer> {
+  const index = yield* model.index();
+  const { total, causes, circular } = yield* findErrorCauses(index);
+  const rows = causes.slice(0, rowsLimit).map((cause) => {
+    const { text, spoils } = cause;
+    return { ...rowOf(model, cause, cause.formula), text, spoils };
+  });
+  return { total, rows, left: causes.length - rows.length, circular };
+}
+
+export function* stateAnswer(model: WorkbookModel): Generator<undefined, BookState> {
+  const index = yield* model.index();
+  const unread: Part[] = [];
+  let formulas = 0;
+  for (let region = 0; region < index.regionCount; region++) {
+    const area = index.areaOf(region);
+    formulas += sizeOf(area);
+    const oddity = model.definition.oddity(index.definitionOf(region));
+    if (oddity?.unread === true) unread.push({ region, area });
+  }
+  return {
+    formulas,
+    distinct: model.formulas.count - 1,
+    unread: inOrder(index, unread)
+      .slice(0, rowsLimit)
+      .map((part) => partRow(model, index, part)),
+    unreadCells: unread.reduce((sum, { area }) => sum + sizeOf(area), 0),
+    tables: model.tableQuestions,
+  };
+}

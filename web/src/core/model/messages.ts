@@ -1,0 +1,101 @@
+// What the page asks of the model, and what it is told. Everything is plain data, because it may go
+// to a worker and back.
+
+import type { Area } from '../address/area';
+import type { Grid, Scalar } from '../protocol/json';
+import type { NameEntry } from './Names';
+
+export type BookEntry = { book: string; sheets: string[]; names: NameEntry[] };
+
+/** Cells of a sheet, by the sheet's name. */
+export type Cells = { sheet: string; area: Area };
+
+/** Cells with one relative formula, or typed-in ones. */
+export type Row = Cells & {
+  /** In R1C1; empty for cells without a formula. */
+  formula: string;
+  /** What a human would call the first of them. */
+  label: string;
+  /** Of the first of them. */
+  value: Scalar;
+  cells: number;
+};
+
+export type RunTimeRow = Row & { reasons: string[] };
+
+export type DependentsAnswer = {
+  rows: Row[];
+  /** Cells in all rows, and in those that are not listed. */
+  cells: number;
+  left: number;
+  impact: { cells: number; sheets: number; results: number; rows: Row[] };
+  /** Formulas of the whole workbook whose cells are decided at run time: any of them may use these. */
+  runTime: RunTimeRow[];
+  runTimeCells: number;
+  /** Cells of circles that the asked cells are in. */
+  circular: boolean;
+};
+
+export type DriverRow = Row & { kind: 'number' | 'text' | 'blank'; uses: number; steps: number };
+
+export type DriversAnswer = { rows: DriverRow[]; formulas: number; inputs: number; left: number };
+
+export type ErrorRow = Row & { text: string; spoils: number | undefined };
+
+export type ErrorsAnswer = {
+  total: number;
+  rows: ErrorRow[];
+  left: number;
+  circular: number;
+};
+
+export type BookState = {
+  /** Cells with a formula, and how many different ones. */
+  formulas: number;
+  distinct: number;
+  /** Cells whose formula could not be read whole, by region. */
+  unread: Row[];
+  unreadCells: number;
+  /** Columns of tables that the spreadsheet is to be asked about. */
+  tables: string[];
+};
+
+export type Comparison = 'same' | 'differs' | 'unknown';
+
+/** Where a table's columns are; nothing where the spreadsheet does not know them. */
+export type TablePlace = { question: string; place: Cells | undefined };
+
+export type Questions = {
+  /** A workbook to be read; what is known of it goes, unless it has the same sheets and names. */
+  begin: { args: BookEntry; answer: null };
+  /** A sheet is read from its beginning; what is known of it stays until it is read. */
+  beginSheet: { args: { sheet: string }; answer: null };
+  piece: { args: Cells & { formulas: string[][]; values: Grid }; answer: null };
+  /** All of the sheet was read, or all that can be. */
+  endSheet: { args: { sheet: string }; answer: null };
+  state: { args: Record<string, never>; answer: BookState };
+  tables: { args: { places: TablePlace[] }; answer: null };
+  dependents: { args: Cells; answer: DependentsAnswer };
+  /** The direct users alone. */
+  users: { args: Cells; answer: { rows: Row[]; left: number } };
+  drivers: { args: Cells; answer: DriversAnswer };
+  /** What `to` uses directly of what rests on `from`, and `from` itself. */
+  way: { args: { from: Cells; to: Cells }; answer: { rows: Row[]; left: number } };
+  errors: { args: Record<string, never>; answer: ErrorsAnswer };
+  /** One for each cell; empty where there is none. */
+  labels: { args: { cells: { sheet: string; row: number; col: number }[] }; answer: string[] };
+  /** Whether the cell is as it was read. `formula` in A1, empty for none. */
+  compare: {
+    args: { sheet: string; row: number; col: number; formula: string; value: Scalar };
+    answer: Comparison;
+  };
+  forget: { args: Record<string, never>; answer: null };
+};
+
+export type QuestionName = keyof Questions;
+
+export type Question = {
+  [N in QuestionName]: { id: number; book: string; ask: N; args: Questions[N]['args'] };
+}[QuestionName];
+
+export type Answer = { id: number; answer: unknown } | { id: number; failed: string };
