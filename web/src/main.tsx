@@ -7,10 +7,14 @@ import { render } from 'solid-js/web';
 import { ErrorLog } from './core/diagnostics/ErrorLog';
 import { Explorer } from './core/explorer/Explorer';
 import { SheetFollower } from './core/follow/SheetFollower';
+import { CarriedModel, SlicedCarrier } from './core/model/ModelClient';
+import type { ModelClient } from './core/model/ModelClient';
 import { Conveyor, Errands } from './core/protocol/Conveyor';
 import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
 import type { Colour, Verb, Verbs } from './core/protocol/verbs';
+import { PacedErrands } from './core/scan/PacedErrands';
+import { Scans } from './core/scan/Scans';
 import { SelectionTracker } from './core/selection/SelectionTracker';
 import { unnamedApplication, type Platform } from './core/selection/sentences';
 import type { SelectionState } from './core/selection/state';
@@ -19,6 +23,7 @@ import { argumentSeparator } from './core/workbook/conventions';
 import { App } from './view/App';
 import { copyText } from './view/copyText';
 import type { Page } from './view/page';
+import { startWorker } from './worker/start';
 import './view/style.css';
 
 const clock: Clock = {
@@ -88,6 +93,40 @@ const ask = through(errands);
 
 const platform: Platform = navigator.platform.startsWith('Mac') ? 'mac' : 'linux';
 
+// The whole workbook is read when nobody else asks anything.
+const paced = new PacedErrands({
+  clock,
+  now: () => performance.now(),
+  wake: () => {
+    conveyor.wake();
+  },
+});
+function newModel(): ModelClient {
+  const carrier = startWorker() ?? new SlicedCarrier(clock, () => performance.now());
+  return new CarriedModel(carrier, () => {
+    current = undefined;
+    scans.forget();
+  });
+}
+// Begun when it is first needed: most looks at a cell need none.
+let current: ModelClient | undefined;
+const model: ModelClient = {
+  ask: (book, ask, args) => (current ??= newModel()).ask(book, ask, args),
+};
+const scans: Scans = new Scans(model, {
+  questions: {
+    workbookMap: () => paced.ask(() => client.ask('workbookMap')),
+    readFormulas: (address) => paced.ask(() => client.ask('readFormulas', address, 'r1c1', false)),
+    evaluate: (expression) => paced.ask(() => client.ask('evaluate', expression)),
+  },
+  clock,
+  time: () => new Date().toLocaleTimeString('en-GB', { hour: '2-digit', minute: '2-digit' }),
+  changed() {
+    explorer.lists.scanned();
+    changed();
+  },
+});
+
 const follower: SheetFollower = new SheetFollower(
   {
     markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
@@ -120,6 +159,7 @@ const explorer: Explorer = new Explorer({
   },
   follower,
   clock,
+  scans,
   changed,
   wake() {
     conveyor.wake();
@@ -169,6 +209,7 @@ const conveyor = new Conveyor(
       next: () =>
         asleep || selection().status !== 'ready' ? undefined : explorer.evaluator.next(),
     },
+    { next: () => (asleep ? undefined : paced.next()) },
   ],
   {
     clock,
@@ -184,6 +225,7 @@ errands.attach(conveyor);
 client.listen((event) => {
   asleep =
     event.name === 'cleanHide' || (asleep && event.name !== 'summon' && event.name !== 'surface');
+  if (event.name === 'selectionChanged') paced.userAtWork();
   tracker.handle(event);
   explorer.handle(event);
   // Beside the spreadsheet the panel does not have the keyboard; brought up, it begins at the tree.

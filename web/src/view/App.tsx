@@ -14,6 +14,7 @@ import { Notice } from './Notice';
 import type { Page } from './page';
 import { PlaceListView } from './PlaceListView';
 import { doubtOf, ResultLine } from './ResultLine';
+import { ScanBar } from './ScanBar';
 import { StatusBar } from './StatusBar';
 import { TopBar } from './TopBar';
 
@@ -47,7 +48,10 @@ export function App(props: AppProps): JSX.Element {
     props.page.look(({ view, evaluator }) => (view === 'tree' ? doubtOf(evaluator, here()) : ''));
   const content = () => (here()?.text === '' ? props.selection.content : undefined);
   const [drawer, setDrawer] = createSignal(false);
-  const place = () => here()?.place.addr ?? '';
+  const listed = () => props.page.look((explorer) => explorer.listed?.addr ?? '');
+  const impact = () => props.page.look((explorer) => explorer.lists.impact);
+  const coverage = () => props.page.look((explorer) => explorer.lists.coverage);
+  const isWhole = () => props.page.look((explorer) => explorer.lists.isWhole);
 
   const press = (event: KeyboardEvent): void => {
     if (event.defaultPrevented) return;
@@ -114,10 +118,17 @@ export function App(props: AppProps): JSX.Element {
                   page={props.page}
                   list={props.page.explorer.lists.dependents}
                   name="Dependents"
-                  heading={`Cells that use ${place()}`}
-                  nothing={`No cell on this sheet uses ${place()}.`}
-                  missing="As the spreadsheet tells it: cells of the same sheet that name this one. What other sheets, INDIRECT or OFFSET use is not listed."
-                />
+                  heading={`Cells that use ${listed()}`}
+                  under={impact()}
+                  nothing={
+                    isWhole()
+                      ? `No cell of this workbook uses ${listed()}.`
+                      : `No cell on this sheet uses ${listed()}.`
+                  }
+                  missing={coverage()}
+                >
+                  <ScanBar page={props.page} />
+                </PlaceListView>
               </Show>
               <Show when={view() === 'map'}>
                 <PlaceListView
@@ -125,6 +136,7 @@ export function App(props: AppProps): JSX.Element {
                   list={props.page.explorer.lists.map}
                   name="Map"
                   heading={stop().place.book}
+                  under=""
                   nothing="This workbook has no sheets."
                   missing=""
                 />

@@ -13,10 +13,14 @@ export type PlaceListViewProps = {
   name: string;
   /** What is said above the list. */
   heading: string;
+  /** What is said under that, in quiet words; empty for nothing. */
+  under: string;
   /** What is said where it holds nothing. */
   nothing: string;
   /** What the list does not hold, said under it. */
   missing: string;
+  /** What stands between heading and list. */
+  children?: JSX.Element;
 };
 
 /** A list of places in the workbook, in groups; Enter goes to one. */
@@ -38,6 +42,12 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
       <h2 class="listHead" data-testid="list-heading">
         {oneLine(props.heading)}
       </h2>
+      <Show when={props.under}>
+        <p class="note padded" data-testid="list-under">
+          {props.under}
+        </p>
+      </Show>
+      {props.children}
       <Show when={state().status === 'asking'}>
         <p class="note padded waiting">Asking…</p>
       </Show>
@@ -108,11 +118,13 @@ function PlaceItem(props: PlaceItemProps): JSX.Element {
         none={!row().inner}
         onToggle={() => props.page.explorer.toggleRow(props.slot.index)}
       />
-      <bdi
-        class="rowText"
-        classList={{ code: level() > 1, lead: row().place !== undefined }}
-        textContent={oneLine(row().text)}
-      />
+      <span class="rowText">
+        <bdi
+          classList={{ code: level() > 1, lead: row().place !== undefined }}
+          textContent={oneLine(row().text)}
+        />{' '}
+        <bdi class="placeLabel" textContent={oneLine(row().label ?? '')} />
+      </span>
       <span class="rowValue">
         <Show when={row().tag}>
           <span class="tag">

@@ -1,6 +1,7 @@
 // Every state the page can be in, and how it gets there.
 
 import type { Answer, FakePanel } from './FakePanel';
+import { park } from './park';
 import {
   cell,
   error,
@@ -214,6 +215,25 @@ export const scenes: Record<string, Scene> = {
       for (const key of ['ArrowDown', 'ArrowDown', 'ArrowRight']) {
         await panel.page.keyboard.press(key);
       }
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
+    },
+  },
+  everywhere: {
+    answers: park,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('tab-deps').click();
+      await panel.page.getByText('All 3 sheets, as read at').waitFor();
+      for (const text of ['Where errors start', 'What it rests on', 'B2']) {
+        const row = panel.page.getByTestId('place').filter({ hasText: text });
+        await row.first().locator('.twisty').click();
+        await panel.settled();
+      }
+      await panel.page.getByText('used 1×').first().waitFor();
+      // The time of day is another one in each picture.
+      await panel.page.getByTestId('list-note').evaluate((note) => {
+        note.textContent = 'All 3 sheets, as read at 10:42.';
+      });
     },
   },
   noDependents: {
@@ -222,6 +242,7 @@ export const scenes: Record<string, Scene> = {
     then: async (panel) => {
       await panel.page.getByTestId('tab-deps').click();
       await panel.page.getByTestId('list-empty').waitFor();
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
     },
   },
   noAnswer: {
@@ -236,6 +257,7 @@ export const scenes: Record<string, Scene> = {
     then: async (panel) => {
       await panel.page.getByTestId('tab-deps').click();
       await panel.page.getByTestId('list-failed').waitFor();
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
     },
   },
   map: {

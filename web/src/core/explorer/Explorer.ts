@@ -9,11 +9,14 @@ import type { Command } from '../keyboard/keys';
 import { TypeAhead } from '../keyboard/TypeAhead';
 import type { Item } from '../outline/Item';
 import type { NativeEvent, ViewName } from '../protocol/events';
+import { isScalar, type Json } from '../protocol/json';
+import type { CellPlace } from '../protocol/verbs';
 import type { CellContent, SelectionState } from '../selection/state';
-import { Lists } from '../workbook/Lists';
+import { Lists, type ListedCells } from '../workbook/Lists';
 import type { Place } from '../workbook/places';
 import type { PlaceView } from '../workbook/PlaceView';
-import { qualified } from '../address/area';
+import { parseArea, qualified } from '../address/area';
+import { areaAddress } from '../evaluation/readPlan';
 import { destinationOf, placesOfRow } from './destination';
 import { nextFinding } from './findings';
 import { leadOf } from './lead';
@@ -39,7 +42,7 @@ export class Explorer {
 
   constructor(private readonly ports: ExplorerPorts) {
     this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
-    this.lists = new Lists(ports.questions, ports.changed);
+    this.lists = new Lists(ports.questions, ports.changed, ports.scans);
     this.typing = new TypeAhead(ports.clock);
   }
 
@@ -69,10 +72,17 @@ export class Explorer {
     if (otherBook && !this.pinned && (marked !== '' || changed)) follower.clear();
     // It was read because something may have happened to the workbook.
     this.cache.enter(content.book);
+    this.ports.scans?.enter(content.book);
+    this.observe(content, content.formula, content.value);
     this.cache.clear();
     this.lists.forget();
     if (!this.pinned) this.begin(content);
     this.heedFront();
+  }
+
+  /** What was read of a cell tells whether the model of the workbook is still true. */
+  private observe(place: CellPlace, formula: string, value: Json): void {
+    if (isScalar(value)) void this.ports.scans?.observe(place, formula, value);
   }
 
   /** Another sheet may be in front now. */
@@ -102,8 +112,16 @@ export class Explorer {
 
   show(view: ViewName): void {
     this.view = view;
-    this.lists.load(this.view, this.here?.place);
+    this.lists.load(this.view, this.listed);
     this.ports.changed();
+  }
+
+  /** The cells whose dependents are listed: those selected around the cell, or the cell alone. */
+  get listed(): ListedCells | undefined {
+    const { here, latest } = this;
+    if (!here || !latest || !samePlace(here.place, latest)) return here?.place;
+    const area = latest.selection === undefined ? undefined : parseArea(latest.selection);
+    return area ? { ...here.place, addr: areaAddress(area) } : here.place;
   }
 
   command(command: Command): void {
@@ -239,7 +257,7 @@ export class Explorer {
       here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
     );
     this.lists.dependents.forget();
-    this.lists.load(this.view, this.here?.place);
+    this.lists.load(this.view, this.listed);
     this.ports.changed();
   }
 

@@ -39,5 +39,6 @@ export function placesOfRow(row: PlaceRow, sheet: string | undefined): Destinati
   const own = first?.sheet ?? sheet;
   if (!first || own === undefined) return undefined;
   const label = places.length > 1 ? count(places.length, 'area') : `${own}!${first.address}`;
-  return { label, addresses: places.map(({ address }) => qualified(own, address)) };
+  const addresses = places.map((place) => qualified(place.sheet ?? own, place.address));
+  return { label, addresses };
 }

@@ -2,6 +2,7 @@
 
 import type { EvaluationQuestions } from '../evaluation/Asker';
 import type { SheetFollower } from '../follow/SheetFollower';
+import type { Scans } from '../scan/Scans';
 import type { Outcome } from '../protocol/Outcome';
 import type { Clock } from '../time/Clock';
 import type { ListQuestions } from '../workbook/Lists';
@@ -15,6 +16,8 @@ export type ExplorerPorts = {
   questions: ExplorerQuestions;
   follower: SheetFollower;
   clock: Clock;
+  /** The workbooks that are read whole; nothing where there is no room for that. */
+  scans?: Scans;
   /** Something shown may have changed, or there may be something to ask. */
   changed(): void;
   /** There may be something to ask. */

@@ -1,14 +1,28 @@
-// The two lists beside the tree, each asked for when it is looked at.
+// The two lists beside the tree, each asked for when it is looked at. Dependents are told by the
+// spreadsheet first, for the sheet in front, and by the model of the workbook as far as it was read.
 
-import { qualified } from '../address/area';
+import { parseArea, qualified, type Area } from '../address/area';
 import { cellCount, readLimit } from '../evaluation/readPlan';
 import { count } from '../format/words';
+import type { DependentsAnswer, ErrorsAnswer } from '../model/messages';
 import type { ViewName } from '../protocol/events';
 import type { Outcome } from '../protocol/Outcome';
 import type { CellPlace, RangeFormulas, ReferenceStyle, WorkbookMap } from '../protocol/verbs';
 import { blocksOf } from './blocks';
+import type { BookScan } from '../scan/BookScan';
+import { coverageOf } from '../scan/coverage';
+import type { Scans } from '../scan/Scans';
 import { dependentRows, dependentsOf, type Dependent } from './dependents';
-import { mapRows } from './PlaceList';
+import {
+  driverGroup,
+  errorGroup,
+  impactText,
+  resultGroup,
+  runTimeGroup,
+  userGroups,
+  type Asked,
+} from './everywhere';
+import { mapRows, type PlaceRow } from './PlaceList';
 import { PlaceView } from './PlaceView';
 
 export type ListQuestions = {
@@ -24,13 +38,33 @@ export type ListQuestions = {
 /** The formulas of so many areas of dependents are read; each costs a question. */
 export const areasRead = 40;
 
+/** The cells whose dependents are listed: a cell, or all that is selected. */
+export type ListedCells = Omit<CellPlace, 'addr'> & { addr: string };
+
+/** What is known of the cells that are asked for. */
+type Known = {
+  key: string;
+  asked: Asked | undefined;
+  area: Area | undefined;
+  sheet: string;
+  book: string;
+  quick: Dependent[] | undefined;
+  quickNote: string;
+  everywhere: DependentsAnswer | undefined;
+  errors: ErrorsAnswer | undefined;
+  /** What of the scan is in it. */
+  version: number;
+};
+
 export class Lists {
   readonly dependents: PlaceView;
   readonly map: PlaceView;
+  private known: Known | undefined;
 
   constructor(
     private readonly questions: ListQuestions,
-    changed: () => void,
+    private readonly changed: () => void,
+    private readonly scans?: Scans,
   ) {
     this.dependents = new PlaceView(changed);
     this.map = new PlaceView(changed);
@@ -41,36 +75,142 @@ export class Lists {
     return view === 'tree' ? undefined : view === 'deps' ? this.dependents : this.map;
   }
 
-  load(view: ViewName, place: CellPlace | undefined): void {
+  load(view: ViewName, cells: ListedCells | undefined): void {
     if (view === 'map') void this.map.load('map', () => this.questions.workbookMap(), mapRows);
-    if (view === 'deps' && place) void this.loadDependents(place);
+    if (view === 'deps' && cells) {
+      this.scans?.of(cells.book).begin();
+      void this.loadDependents(cells);
+    }
   }
 
   /** The workbook may have changed. */
   forget(): void {
     this.map.forget();
     this.dependents.forget();
+    this.known = undefined;
   }
 
-  private async loadDependents({ book, sheet, addr }: CellPlace): Promise<void> {
+  /** The scan of the workbook whose dependents are listed. */
+  get scan(): BookScan | undefined {
+    return this.known && this.scans?.of(this.known.book);
+  }
+
+  /** How far the listed cells reach, in words; empty as long as that is not known. */
+  get impact(): string {
+    const told = this.known?.everywhere;
+    return told ? impactText(told) : '';
+  }
+
+  /** What the list of dependents covers, in words. */
+  get coverage(): string {
+    const { known, scan } = this;
+    if (!known) return '';
+    return scan ? coverageOf(scan.state, known.everywhere === undefined) : '';
+  }
+
+  /** Whether every sheet was read, so that an empty list means that nothing uses the cells. */
+  get isWhole(): boolean {
+    const state = this.scan?.state;
+    return (
+      this.known?.everywhere !== undefined &&
+      state !== undefined &&
+      state.sheetsRead >= state.sheets
+    );
+  }
+
+  /** More of the workbook was read, perhaps. */
+  scanned(): void {
+    const { known, scan } = this;
+    if (known && scan && scan.version !== known.version) void this.askModel(known);
+  }
+
+  private async loadDependents({ book, sheet, addr }: ListedCells): Promise<void> {
     const address = qualified(sheet, addr);
     const key = `${book}\n${address}`;
-    const answer = await this.dependents.load(
+    if (this.dependents.isOf(key)) return;
+    const area = parseArea(addr);
+    const asked =
+      this.scans && area ? { book, cells: { sheet, area }, model: this.scans.model } : undefined;
+    const known: Known = {
+      key,
+      asked,
+      area,
+      sheet,
+      book,
+      quick: undefined,
+      quickNote: '',
+      everywhere: undefined,
+      errors: undefined,
+      version: 0,
+    };
+    this.known = known;
+    const loading = this.dependents.load(
       key,
       () => this.questions.dependents(address),
-      (areas) => dependentRows(dependentsOf(areas, sheet), sheet),
+      (areas) => {
+        known.quick = dependentsOf(areas, sheet);
+        return this.rowsOf(known);
+      },
     );
-    if (answer === undefined) return;
-    const found = dependentsOf(answer, sheet);
+    void this.askModel(known);
+    const answer = await loading;
+    if (answer === undefined || !known.quick) return;
+    const found = known.quick;
     for (const dependent of found.slice(0, areasRead)) {
-      if (!this.dependents.isOf(key)) return;
+      if (!this.dependents.isOf(key) || this.hasModelOf(known, sheet)) return;
       await this.readFormulas(dependent);
     }
-    const note =
+    known.quickNote =
       found.length > areasRead
         ? `Formulas of the first ${count(areasRead, 'area')} of ${String(found.length)} only.`
         : '';
-    if (found.length > 0) this.dependents.refine(key, dependentRows(found, sheet), note);
+    if (found.length > 0) this.refine(known);
+  }
+
+  /** What the model knows of the cells by now, if that is more than before. */
+  private async askModel(known: Known): Promise<void> {
+    const scan = this.scans?.of(known.book);
+    const { asked } = known;
+    if (!asked || !scan?.hasSheets || known.version === scan.version) return;
+    known.version = scan.version;
+    try {
+      const { model, book, cells } = asked;
+      const told = await model.ask(book, 'dependents', cells);
+      const errors = scan.state.sheetsRead >= scan.state.sheets;
+      if (this.known === known) known.everywhere = told;
+      if (errors) known.errors = await model.ask(book, 'errors', {});
+    } catch {
+      // The model was lost; it is read anew, and asked again then.
+      return;
+    }
+    if (this.known !== known) return;
+    this.refine(known);
+    this.changed();
+  }
+
+  private refine(known: Known): void {
+    const note = known.everywhere ? '' : known.quickNote;
+    this.dependents.refine(known.key, this.rowsOf(known), note);
+  }
+
+  private hasModelOf(known: Known, sheet: string): boolean {
+    return known.everywhere !== undefined && this.scans?.of(known.book).hasRead(sheet) === true;
+  }
+
+  /** The spreadsheet's own answer for a sheet only as long as the model has none for it. */
+  private rowsOf(known: Known): PlaceRow[] {
+    const { asked, everywhere, errors, quick, sheet } = known;
+    const quickRows = quick ? dependentRows(quick, sheet) : [];
+    if (!asked || !everywhere) return quickRows;
+    const isCovered = this.hasModelOf(known, sheet);
+    return [
+      ...(isCovered ? [] : quickRows),
+      ...userGroups(asked, everywhere, (name) => !isCovered && name === sheet),
+      ...resultGroup(asked, everywhere),
+      driverGroup(asked),
+      ...runTimeGroup(everywhere.runTime, everywhere.runTimeCells),
+      ...(errors ? errorGroup(errors) : []),
+    ];
   }
 
   private async readFormulas(dependent: Dependent): Promise<void> {

@@ -13,14 +13,21 @@ export type PlaceRow = {
   place: Place | undefined;
   /** Everything it stands for, where that is more than one place. */
   places?: readonly Place[];
-  /** The rows that it opens to; asked for when it is opened. */
-  inner?: () => readonly PlaceRow[];
+  /** What a human would call its first cell. */
+  label?: string;
+  /** The rows that it opens to; asked for when it is opened, now or a moment later. */
+  inner?: () => readonly PlaceRow[] | Promise<readonly PlaceRow[]>;
   /** Whether it is open at first. */
   open?: boolean;
 };
 
 export function group(text: string, detail: string, inner: readonly PlaceRow[]): PlaceRow {
   return { text, detail, tag: '', place: undefined, inner: () => inner, open: true };
+}
+
+/** Says something and leads nowhere. */
+export function remark(text: string, detail = ''): PlaceRow {
+  return { text, detail, tag: '', place: undefined };
 }
 
 function nameRow(name: string, refersTo: unknown): PlaceRow {

@@ -3,7 +3,7 @@
 
 import type { Move } from '../outline/TreeModel';
 import type { Outcome } from '../protocol/Outcome';
-import type { PlaceRow } from './PlaceList';
+import { remark, type PlaceRow } from './PlaceList';
 
 export type PlaceState =
   | { status: 'empty' | 'asking' }
@@ -12,6 +12,9 @@ export type PlaceState =
   | { status: 'failed'; reason: string };
 
 export type ShownRow = { row: PlaceRow; level: number };
+
+/** A row among its siblings' children, by what it says: found again when the list is made anew. */
+type Path = string;
 
 const empty: PlaceState = { status: 'empty' };
 
@@ -22,6 +25,9 @@ export class PlaceView {
   private top: readonly PlaceRow[] = [];
   private shown: readonly ShownRow[] = [];
   private readonly open = new Map<PlaceRow, readonly PlaceRow[]>();
+  private readonly paths = new Map<PlaceRow, Path>();
+  /** What the user opened and closed, while the list is of the same cell. */
+  private readonly wished = new Map<Path, boolean>();
 
   constructor(private readonly changed: () => void) {}
 
@@ -83,6 +89,7 @@ export class PlaceView {
 
   forget(): void {
     this.key = '';
+    this.wished.clear();
     this.lay([], '');
     this.held = empty;
     this.index = 0;
@@ -95,11 +102,10 @@ export class PlaceView {
   toggle(index: number): void {
     const row = this.shown[index]?.row;
     if (!row?.inner) return;
-    if (!this.open.delete(row)) this.open.set(row, row.inner());
-    const { active } = this;
-    this.shown = this.flat(this.top, 1);
-    const again = this.shown.findIndex((one) => one.row === active);
-    this.activate(again >= 0 ? again : index);
+    const isOpen = this.open.delete(row);
+    this.wished.set(this.paths.get(row) ?? '', !isOpen);
+    if (!isOpen) this.openRow(row);
+    this.show(this.active ?? row, index);
   }
 
   move(how: Move, page: number): void {
@@ -138,9 +144,50 @@ export class PlaceView {
   private lay(rows: readonly PlaceRow[], note: string): void {
     this.top = rows;
     this.open.clear();
-    for (const row of rows) if (row.open && row.inner) this.open.set(row, row.inner());
+    this.paths.clear();
+    this.place(rows, '');
     this.shown = this.flat(rows, 1);
     this.held = { status: 'known', note };
+  }
+
+  /** Notes where the rows are, and opens those that are open at first or were opened before. */
+  private place(rows: readonly PlaceRow[], above: Path): void {
+    for (const row of rows) {
+      const path = `${above}\n${row.place?.sheet ?? ''}!${row.text}`;
+      this.paths.set(row, path);
+      if (row.inner && (this.wished.get(path) ?? row.open === true)) this.openRow(row);
+    }
+  }
+
+  private openRow(row: PlaceRow): void {
+    const inner = row.inner?.();
+    if (!inner) return;
+    const path = this.paths.get(row) ?? '';
+    if (!(inner instanceof Promise)) {
+      this.open.set(row, inner);
+      this.place(inner, path);
+      return;
+    }
+    const waiting = [remark('Looking…')];
+    this.open.set(row, waiting);
+    const fill = (rows: readonly PlaceRow[]): void => {
+      // Closed meanwhile, or the list is another one.
+      if (this.open.get(row) !== waiting) return;
+      this.open.set(row, rows);
+      this.place(rows, path);
+      this.show(this.active, this.index);
+      this.changed();
+    };
+    inner.then(fill, () => {
+      fill([remark('This cannot be told now.')]);
+    });
+  }
+
+  /** The rows anew; the active one stays, or what stands in its place. */
+  private show(active: PlaceRow | undefined, otherwise: number): void {
+    this.shown = this.flat(this.top, 1);
+    const again = this.shown.findIndex((one) => one.row === active);
+    this.activate(again >= 0 ? again : otherwise);
   }
 
   private flat(rows: readonly PlaceRow[], level: number): ShownRow[] {

@@ -1,7 +1,7 @@
 import { describe, expect, test } from 'vitest';
 
 import { argumentSeparator } from '../../../src/core/workbook/conventions';
-import { mapRows } from '../../../src/core/workbook/PlaceList';
+import { mapRows, type PlaceRow } from '../../../src/core/workbook/PlaceList';
 import { placeOf } from '../../../src/core/workbook/places';
 
 describe('a place', () => {
@@ -38,7 +38,7 @@ describe('lists', () => {
         { name: 'Odd', refersTo: null },
       ],
     });
-    const all = rows.flatMap((row) => [row, ...(row.inner?.() ?? [])]);
+    const all = rows.flatMap((row) => [row, ...((row.inner?.() ?? []) as PlaceRow[])]);
     expect(all.map(({ text, tag, place }) => [text, tag, place?.address])).toEqual([
       ['Sheets', '', undefined],
       ['Data', '', 'A1:B9'],

@@ -1,0 +1,58 @@
+// Where cells are filled in a range that is mostly blank: the spreadsheet counts one half and the
+// other, and so on where it counts any.
+
+import type { Area } from '../address/area';
+import { areaAddress, cellCount } from '../evaluation/readPlan';
+import type { Json } from '../protocol/json';
+import type { Outcome } from '../protocol/Outcome';
+import { halves, inBook, pieceLimit } from './plan';
+
+export type Count = (expression: string) => Promise<Outcome<Json>>;
+
+export type Filled = {
+  areas: Area[];
+  /** Areas in which nobody could count. */
+  uncounted: Area[];
+};
+
+/** With one cell in so many filled an area is read as it is. */
+const dense = 4;
+
+export async function findFilled(
+  book: string,
+  sheet: string,
+  within: Area,
+  count: Count,
+): Promise<Filled> {
+  const found: Filled = { areas: [], uncounted: [] };
+  const counted = (area: Area) => `COUNTA(${inBook(book, sheet, areaAddress(area))})`;
+  const numbers = async (areas: readonly Area[]): Promise<number[] | undefined> => {
+    const outcome = await count(areas.map(counted).join('&"|"&'));
+    if (!outcome.ok) return undefined;
+    const parts = String(outcome.value).split('|').map(Number);
+    return parts.length === areas.length && parts.every((part) => part >= 0) ? parts : undefined;
+  };
+  const take = (area: Area, filled: number, waiting: [Area, number][]): void => {
+    if (filled === 0) return;
+    const cells = cellCount(area);
+    if (cells <= pieceLimit || filled * dense >= cells) found.areas.push(area);
+    else waiting.push([area, filled]);
+  };
+  const whole = await numbers([within]);
+  if (!whole) return { areas: [], uncounted: [within] };
+  const waiting: [Area, number][] = [];
+  take(within, whole[0] ?? 0, waiting);
+  for (let next = waiting.pop(); next; next = waiting.pop()) {
+    const [area] = next;
+    const parts = halves(area);
+    const told = await numbers(parts);
+    if (!told) {
+      found.uncounted.push(area);
+      continue;
+    }
+    parts.forEach((part, i) => {
+      take(part, told[i] ?? 0, waiting);
+    });
+  }
+  return found;
+}

@@ -1,0 +1,208 @@
+// The model's answers as rows of a list: who uses the cell on every sheet, each opening to its own
+// users; what rests on it in the end; what it rests on; where errors start.
+
+import { columnLetters } from '../address/area';
+import { extentOf } from '../address/extent';
+import { areaAddress } from '../evaluation/readPlan';
+import { formatNumber } from '../format/number';
+import { count, grouped } from '../format/words';
+import type { ModelClient } from '../model/ModelClient';
+import type {
+  Cells,
+  DependentsAnswer,
+  DriverRow,
+  ErrorsAnswer,
+  Row,
+  RunTimeRow,
+} from '../model/messages';
+import { covers, meet } from '../model/rectangles';
+import type { Scalar } from '../protocol/json';
+import { formulaAt } from './blocks';
+import { group, remark, type PlaceRow } from './PlaceList';
+import type { Place } from './places';
+
+/** More of a text does not fit a row. */
+const textLimit = 60;
+
+export type Asked = { book: string; cells: Cells; model: ModelClient };
+
+export function placeOfCells({ sheet, area }: Cells): Place & { sheet: string } {
+  const address = areaAddress(area);
+  const first = columnLetters(area.left) + String(area.top);
+  return { sheet, address, size: extentOf(address).size, first };
+}
+
+function valueText(value: Scalar): string {
+  if (value === null || value === '') return '';
+  if (typeof value === 'number') return formatNumber(value).text;
+  if (typeof value === 'boolean') return value ? 'TRUE' : 'FALSE';
+  return value.length > textLimit ? `${value.slice(0, textLimit - 1)}…` : value;
+}
+
+function formulaText({ formula, area }: Row): string {
+  return formula === '' ? '' : formulaAt(formula, area.top, area.left);
+}
+
+function times(cells: number): string {
+  return cells === 1 ? '' : `×${grouped(String(cells))}`;
+}
+
+function joined(...parts: string[]): string {
+  return parts.filter((part) => part !== '').join('  ');
+}
+
+function placed(row: Row, detail: string, home: string): PlaceRow {
+  const place = placeOfCells(row);
+  const text = row.sheet === home ? place.address : `${row.sheet}!${place.address}`;
+  return { text, detail, tag: '', place, label: row.label };
+}
+
+const contains = (outer: Cells, inner: Cells) =>
+  outer.sheet === inner.sheet && covers(outer.area, inner.area);
+const touch = (one: Cells, other: Cells) =>
+  one.sheet === other.sheet && meet(one.area, other.area) !== undefined;
+
+function more(left: number): PlaceRow[] {
+  return left > 0 ? [remark('…', `and ${count(left, 'more cell')}`)] : [];
+}
+
+/** `way`: the cells through which the row was come to, the asked ones first. */
+function userRow(asked: Asked, row: Row, home: string, way: readonly Cells[]): PlaceRow {
+  const value = row.cells === 1 ? valueText(row.value) : '';
+  const shown = placed(row, joined(value, formulaText(row), times(row.cells)), home);
+  const [start] = way;
+  if (start && touch(start, row)) return { ...shown, tag: 'Circle' };
+  if (way.some((cells) => contains(cells, row))) {
+    return { ...shown, detail: joined('listed above', shown.detail) };
+  }
+  return { ...shown, inner: () => usersOf(asked, row, [...way, row]) };
+}
+
+async function usersOf(asked: Asked, of: Row, way: readonly Cells[]): Promise<PlaceRow[]> {
+  const { sheet, area } = of;
+  const { rows, left } = await asked.model.ask(asked.book, 'users', { sheet, area });
+  if (rows.length === 0) return [remark('No cell uses it.')];
+  return [...rows.map((row) => userRow(asked, row, sheet, way)), ...more(left)];
+}
+
+/** Direct users by sheet; those on sheets that `leave` names are left out. */
+export function userGroups(
+  asked: Asked,
+  answer: DependentsAnswer,
+  leave: (sheet: string) => boolean,
+): PlaceRow[] {
+  const bySheet = new Map<string, Row[]>();
+  for (const row of answer.rows) {
+    if (leave(row.sheet)) continue;
+    const rows = bySheet.get(row.sheet);
+    if (rows) rows.push(row);
+    else bySheet.set(row.sheet, [row]);
+  }
+  const own = asked.cells.sheet;
+  const sheets = [...bySheet].sort(([a], [b]) => Number(b === own) - Number(a === own));
+  const groups = sheets.map(([sheet, rows]) => {
+    const cells = rows.reduce((sum, row) => sum + row.cells, 0);
+    const inner = rows.map((row) => userRow(asked, row, sheet, [asked.cells]));
+    return group(sheet === own ? 'This sheet' : sheet, count(cells, 'cell'), inner);
+  });
+  return [...groups, ...more(answer.left)];
+}
+
+/** "1,204 cells on 5 sheets rest on it; 3 results that nothing else uses." */
+export function impactText({ impact, circular }: DependentsAnswer): string {
+  if (impact.cells === 0) return '';
+  const verb = impact.cells === 1 ? 'rests' : 'rest';
+  const results =
+    impact.results === 0 ? '' : `; ${count(impact.results, 'result')} that nothing else uses`;
+  const circle = circular ? ' It is in a circle.' : '';
+  return `${count(impact.cells, 'cell')} on ${count(impact.sheets, 'sheet')} ${verb} on it${results}.${circle}`;
+}
+
+function closed(text: string, detail: string, inner: PlaceRow['inner']): PlaceRow {
+  return { text, detail, tag: '', place: undefined, ...(inner ? { inner } : {}) };
+}
+
+export function resultGroup(asked: Asked, { impact }: DependentsAnswer): PlaceRow[] {
+  if (impact.results === 0) return [];
+  const rows = () => [
+    ...impact.rows.map((row) => wayRow(asked, row, joined(valueText(row.value), times(row.cells)))),
+    ...more(impact.results - impact.rows.reduce((sum, row) => sum + row.cells, 0)),
+  ];
+  return [closed('Results that rest on it', count(impact.results, 'cell'), rows)];
+}
+
+/** A result, which opens to the way from the asked cells to it. */
+function wayRow(asked: Asked, result: Row, detail: string): PlaceRow {
+  const shown = placed(result, detail, '');
+  return { ...shown, inner: () => stepsOf(asked, asked.cells, result, [result]) };
+}
+
+/** What `to` uses directly of what rests on `from`, down to `from` itself. */
+async function stepsOf(
+  asked: Asked,
+  from: Cells,
+  to: Cells,
+  way: readonly Cells[],
+): Promise<PlaceRow[]> {
+  const args = { from, to: { sheet: to.sheet, area: to.area } };
+  const { rows, left } = await asked.model.ask(asked.book, 'way', args);
+  const steps = rows.map((row): PlaceRow => {
+    const detail = joined(
+      row.cells === 1 ? valueText(row.value) : '',
+      formulaText(row),
+      times(row.cells),
+    );
+    const shown = placed(row, detail, to.sheet);
+    if (touch(row, from)) return { ...shown, tag: 'Here' };
+    if (way.some((cells) => contains(cells, row))) {
+      return { ...shown, detail: joined('listed above', detail) };
+    }
+    return { ...shown, inner: () => stepsOf(asked, from, row, [...way, row]) };
+  });
+  return [...steps, ...more(left)];
+}
+
+export function driverGroup(asked: Asked): PlaceRow {
+  return closed('What it rests on', 'inputs at the end of every way', async () => {
+    const { sheet, area } = asked.cells;
+    const answer = await asked.model.ask(asked.book, 'drivers', { sheet, area });
+    if (answer.rows.length === 0) return [remark('It rests on no other cell.')];
+    const { formulas, inputs, left } = answer;
+    const all = remark(`${count(inputs, 'input')}, by way of ${count(formulas, 'formula')}`);
+    const rows = answer.rows.map((row) => driverRow(asked, row));
+    return [all, ...rows, ...(left > 0 ? [remark('…', `and ${count(left, 'more area')}`)] : [])];
+  });
+}
+
+function driverRow(asked: Asked, row: DriverRow): PlaceRow {
+  const value = row.kind === 'blank' ? 'blank' : row.cells === 1 ? valueText(row.value) : '';
+  const uses = `used ${grouped(String(row.uses))}×`;
+  const shown = placed(row, joined(value, times(row.cells), uses), asked.cells.sheet);
+  const from = { sheet: row.sheet, area: row.area };
+  return { ...shown, inner: () => stepsOf(asked, from, asked.cells, [asked.cells]) };
+}
+
+export function runTimeGroup(rows: readonly RunTimeRow[], cells: number): PlaceRow[] {
+  if (cells === 0) return [];
+  const inner = () =>
+    rows.map((row) =>
+      placed(row, joined(row.reasons.join(', '), formulaText(row), times(row.cells)), ''),
+    );
+  return [closed('Decided at run time', `${count(cells, 'cell')} that may use it`, inner)];
+}
+
+export function errorGroup({ total, rows, left, circular }: ErrorsAnswer): PlaceRow[] {
+  if (total === 0) return [];
+  const inner = (): PlaceRow[] => [
+    ...rows.map((row) => {
+      const spoils = row.spoils === undefined ? '' : `spoils ${count(row.spoils, 'more cell')}`;
+      const shown = placed(row, joined(formulaText(row), times(row.cells), spoils), '');
+      return { ...shown, tag: row.text };
+    }),
+    ...(circular > 0
+      ? [remark(`${count(circular, 'error')} in circles, where none is the first`)]
+      : []),
+    ...(left > 0 ? [remark('…', `and ${count(left, 'more cause')}`)] : []),
+  ];
+  return [closed('Where errors start', `${count(total, 'error cell')} in the workbook`, inner)];
+}

@@ -1,0 +1,332 @@
+import { beforeEach, describe, expect, test } from 'vitest';
+
+import { parseArea, type Area } from '../../../src/core/address/area';
+import { CarriedModel, SlicedCarrier } from '../../../src/core/model/ModelClient';
+import type { Json, Scalar } from '../../../src/core/protocol/json';
+import { succeeded, type Failure, type Outcome } from '../../../src/core/protocol/Outcome';
+import type { RangeFormulas, WorkbookMap } from '../../../src/core/protocol/verbs';
+import { coverageOf, progressOf } from '../../../src/core/scan/coverage';
+import { Scans } from '../../../src/core/scan/Scans';
+import { FakeClock } from '../../fakes/FakeClock';
+
+const book = "Ann's model.xlsx";
+
+/** By sheet and cell: a value, or a formula in R1C1 and what it gives. */
+type Cells = Record<string, Scalar | { formula: string; gives: Scalar }>;
+
+class Spreadsheet {
+  sheets: Record<string, { used: string | null; cells: Cells }> = {};
+  names: WorkbookMap['names'] = [];
+  front = book;
+  /** Every question, in turn. */
+  readonly asked: string[] = [];
+  /** What to fail with, by what the question contains, as often as it stands there. */
+  failures: { of: string; failure: Failure; times: number }[] = [];
+  /** What to answer instead. */
+  twist: (address: string, told: RangeFormulas) => RangeFormulas = (_, told) => told;
+  places: Record<string, string> = {};
+
+  workbookMap = (): Promise<Outcome<WorkbookMap>> =>
+    this.answer('workbookMap', () => ({
+      book: this.front,
+      sheets: Object.entries(this.sheets).map(([name, { used }]) => ({ name, usedRange: used })),
+      sheetsTruncated: false,
+      names: this.names,
+    }));
+
+  readFormulas = (address: string): Promise<Outcome<RangeFormulas>> =>
+    this.answer(`read ${address}`, () => this.twist(address, this.read(address)));
+
+  evaluate = (expression: string): Promise<Outcome<Json>> =>
+    this.answer(`evaluate ${expression}`, () => {
+      const where = /^CELL\("address",(.*?)\)/.exec(expression)?.[1];
+      if (where !== undefined) return this.places[where] ?? '#NAME?';
+      return [...expression.matchAll(/COUNTA\((.*?'![A-Z0-9:]+)\)/g)]
+        .map(([, address = '']) => String(this.filled(address)))
+        .join('|');
+    });
+
+  private answer<T>(question: string, give: () => T): Promise<Outcome<T>> {
+    this.asked.push(question);
+    const failing = this.failures.find(({ of, times }) => times > 0 && question.includes(of));
+    if (failing) {
+      failing.times -= 1;
+      return Promise.resolve({ ok: false, failure: failing.failure });
+    }
+    return Promise.resolve(succeeded(give()));
+  }
+
+  private at(address: string): { cells: [Area, Cells[string]][]; area: Area } {
+    const [, quoted = '', text = ''] = /^'(.*)'!(.*)$/.exec(address) ?? [];
+    const name = quoted.replaceAll("''", "'").replace(`[${book}]`, '');
+    const area = parseArea(text) as Area;
+    const cells = Object.entries(this.sheets[name]?.cells ?? {});
+    return { area, cells: cells.map(([cell, content]) => [parseArea(cell) as Area, content]) };
+  }
+
+  private filled(address: string): number {
+    const { area, cells } = this.at(address);
+    return cells.filter(
+      ([{ top, left }]) =>
+        top >= area.top && top <= area.bottom && left >= area.left && left <= area.right,
+    ).length;
+  }
+
+  private read(address: string): RangeFormulas {
+    const { area, cells } = this.at(address);
+    const rows = area.bottom - area.top + 1;
+    const cols = area.right - area.left + 1;
+    const formulas = Array.from({ length: rows }, () => Array<string>(cols).fill(''));
+    const values = Array.from({ length: rows }, () => Array<Scalar>(cols).fill(''));
+    for (const [{ top, left }, content] of cells) {
+      const row = top - area.top;
+      const col = left - area.left;
+      if (row < 0 || row >= rows || col < 0 || col >= cols) continue;
+      const isFormula = typeof content === 'object' && content !== null;
+      (formulas[row] as string[])[col] = isFormula ? content.formula : '';
+      (values[row] as Scalar[])[col] = isFormula ? content.gives : content;
+    }
+    return { rows, cols, formulas, values };
+  }
+}
+
+let spreadsheet: Spreadsheet;
+let clock: FakeClock;
+let scans: Scans;
+
+beforeEach(() => {
+  spreadsheet = new Spreadsheet();
+  clock = new FakeClock();
+  let time = 0;
+  const model = new CarriedModel(new SlicedCarrier(clock, () => (time += 1)), () => undefined);
+  scans = new Scans(model, {
+    questions: spreadsheet,
+    clock,
+    time: () => '10:42',
+    changed: () => undefined,
+  });
+  scans.enter(book);
+});
+
+/** Lets everything happen that needs no waiting for the spreadsheet. */
+async function settled(): Promise<void> {
+  for (let i = 0; i < 400; i++) {
+    clock.advance(0);
+    await Promise.resolve();
+  }
+}
+
+async function users(sheet: string, cell: string): Promise<string[]> {
+  const asked = scans.model.ask(book, 'users', { sheet, area: parseArea(cell) as Area });
+  await settled();
+  const { rows } = await asked;
+  return rows.map((row) => `${row.sheet} ${String(row.area.top)},${String(row.area.left)}`);
+}
+
+const two = (): Spreadsheet['sheets'] => ({
+  Inputs: { used: '$A$1:$B$2', cells: { A1: 'Price', B1: 5 } },
+  "Ann's": { used: '$A$1:$A$3', cells: { A1: { formula: '=Inputs!R1C2', gives: 5 } } },
+});
+
+describe('a scan', () => {
+  test('asks once what there is, and once for each piece, of this very workbook', async () => {
+    spreadsheet.sheets = two();
+    spreadsheet.sheets.Long = { used: '$A$1:$J$1200', cells: {} };
+    scans.of(book).begin();
+    await settled();
+    expect(spreadsheet.asked).toEqual([
+      'workbookMap',
+      "read '[Ann''s model.xlsx]Inputs'!A1:B2",
+      "read '[Ann''s model.xlsx]Ann''s'!A1:A3",
+      "read '[Ann''s model.xlsx]Long'!A1:J500",
+      "read '[Ann''s model.xlsx]Long'!A501:J1000",
+      "read '[Ann''s model.xlsx]Long'!A1001:J1200",
+    ]);
+    const { state } = scans.of(book);
+    expect(state).toMatchObject({ status: 'done', sheets: 3, sheetsRead: 3, notRead: [] });
+    expect(coverageOf(state, false)).toBe('All 3 sheets, as read at 10:42.');
+    expect(progressOf(state)).toBe('');
+    expect(await users('Inputs', 'B1')).toEqual(["Ann's 1,1"]);
+  });
+
+  test('of a large workbook begins when the user says so', async () => {
+    spreadsheet.sheets = { Data: { used: '$A$1:$Z$2000', cells: {} } };
+    scans.of(book).begin();
+    await settled();
+    expect(spreadsheet.asked).toEqual(['workbookMap']);
+    expect(progressOf(scans.of(book).state)).toBe(
+      '52,000 cells on 1 sheet are to be read for the other sheets.',
+    );
+    scans.of(book).go();
+    await settled();
+    expect(spreadsheet.asked).toHaveLength(1 + Math.ceil(2000 / 192));
+    expect(scans.of(book).state.status).toBe('done');
+  });
+
+  test('stops between two pieces, keeps what it has and goes on from there', async () => {
+    spreadsheet.sheets = { ...two(), Last: { used: '$A$1:$A$2', cells: {} } };
+    const scan = scans.of(book);
+    scans.of(book).begin();
+    await settled();
+    expect(scan.state.status).toBe('done');
+    spreadsheet.asked.length = 0;
+    spreadsheet.twist = (address, told) => {
+      if (address.includes('Inputs')) scan.stop();
+      return told;
+    };
+    scan.readAgain();
+    await settled();
+    expect(scan.state.status).toBe('stopped');
+    expect(spreadsheet.asked).toEqual(['workbookMap', expect.stringContaining('Inputs')]);
+    expect(progressOf(scan.state)).toMatch(/^Stopped at “Ann's”, \d+ % read\.$/);
+    scan.go();
+    await settled();
+    expect(scan.state.status).toBe('done');
+    expect(spreadsheet.asked.slice(2).map((one) => one.split('!')[1])).toEqual(['A1:A3', 'A1:A2']);
+  });
+
+  test('waits for a spreadsheet that is busy, says so, and goes on', async () => {
+    spreadsheet.sheets = two();
+    const failure: Failure = { kind: 'busy', message: 'in cell edit' };
+    spreadsheet.failures = [{ of: 'Inputs', failure, times: 2 }];
+    scans.of(book).begin();
+    await settled();
+    expect(progressOf(scans.of(book).state)).toBe(
+      'The spreadsheet is busy; reading waits at “Inputs”.',
+    );
+    clock.advance(1_000);
+    await settled();
+    expect(scans.of(book).state.waiting).toBe(true);
+    clock.advance(2_000);
+    await settled();
+    expect(scans.of(book).state).toMatchObject({ status: 'done', waiting: false, notRead: [] });
+  });
+
+  test('finds what cannot be read by halves, reads the rest and says what is missing', async () => {
+    spreadsheet.sheets = {
+      Data: { used: '$A$1:$D$2', cells: { D1: { formula: '=RC[-3]', gives: 1 } } },
+    };
+    const failure: Failure = { kind: 'transport', message: 'odd' };
+    for (const of of ['A1:D2', 'A1:B2', 'B1:B2'])
+      spreadsheet.failures.push({ of, failure, times: 9 });
+    scans.of(book).begin();
+    await settled();
+    const { state } = scans.of(book);
+    expect(state.notRead).toEqual([{ sheet: 'Data', address: 'B1:B2', reason: 'odd' }]);
+    expect(coverageOf(state, false)).toBe(
+      'The only sheet, as read at 10:42. 1 area could not be read.',
+    );
+    expect(await users('Data', 'A1')).toEqual(['Data 1,4']);
+  });
+
+  test('reads apart a first column whose errors hide what formulas give', async () => {
+    const cells: Cells = {
+      A1: { formula: '=1/0', gives: '#DIV/0!' },
+      B1: { formula: '=RC[-1]', gives: '#DIV/0!' },
+    };
+    spreadsheet.sheets = { Data: { used: '$A$1:$B$1', cells } };
+    spreadsheet.twist = (address, told) =>
+      address.endsWith('A1:B1') ? { ...told, values: [['', '']] } : told;
+    scans.of(book).begin();
+    await settled();
+    const asked = scans.model.ask(book, 'errors', {});
+    await settled();
+    expect((await asked).total).toBe(2);
+  });
+
+  test('takes no answer of another size', async () => {
+    spreadsheet.sheets = two();
+    spreadsheet.twist = (address, told) =>
+      address.includes('Inputs') ? { ...told, rows: 1, values: [['x', 1]] } : told;
+    scans.of(book).begin();
+    await settled();
+    expect(scans.of(book).state.notRead).toHaveLength(2);
+    expect(scans.of(book).state.notRead[0]?.reason).toBe(
+      'The answer had another size than what was asked for.',
+    );
+  });
+
+  test('counts its way to the cells of an absurd used range, and of a sheet without one', async () => {
+    const cells: Cells = { C3: 1, XFA900: { formula: '=R3C3', gives: 1 } };
+    spreadsheet.sheets = {
+      Wide: { used: '$A$1:$XFD$1000', cells },
+      Fiftieth: { used: null, cells: { B9: { formula: '=Wide!R3C3', gives: 1 } } },
+    };
+    scans.of(book).begin();
+    await settled();
+    scans.of(book).go();
+    for (let i = 0; i < 5; i++) await settled();
+    expect(scans.of(book).state.status).toBe('done');
+    expect(await users('Wide', 'C3')).toEqual(['Wide 900,16381', 'Fiftieth 9,2']);
+    const reads = spreadsheet.asked.filter((one) => one.startsWith('read'));
+    expect(reads).toHaveLength(3);
+    expect(spreadsheet.asked.length).toBeLessThan(90);
+  });
+
+  test('asks where tables are, once for each', async () => {
+    spreadsheet.sheets = {
+      Data: {
+        used: '$A$1:$C$3',
+        cells: {
+          C1: { formula: '=SUM(Sales[Price])', gives: 1 },
+          C2: { formula: '=MAX(Sales[Price])', gives: 1 },
+        },
+      },
+    };
+    spreadsheet.places = { 'Sales[Price]': "'Data'!$A$2|2|1" };
+    scans.of(book).begin();
+    await settled();
+    expect(spreadsheet.asked.filter((one) => one.startsWith('evaluate'))).toHaveLength(1);
+    expect(await users('Data', 'A3')).toEqual(['Data 1,3', 'Data 2,3']);
+  });
+
+  test('ends with a sentence when the workbook is closed, and can begin again', async () => {
+    spreadsheet.sheets = two();
+    const failure: Failure = { kind: 'transport', message: 'workbook not open: x' };
+    spreadsheet.failures = [{ of: "Ann''s'!", failure, times: 1 }];
+    scans.of(book).begin();
+    await settled();
+    const { state } = scans.of(book);
+    expect(progressOf(state)).toBe(`Reading ended: “${book}” was closed.`);
+    expect(coverageOf(state, false)).toMatch(/^So far 1 of 2 sheets\./);
+    scans.of(book).go();
+    await settled();
+    expect(scans.of(book).state.status).toBe('done');
+  });
+
+  test('does not take another workbook for its own', async () => {
+    spreadsheet.sheets = two();
+    spreadsheet.front = 'Other.xlsx';
+    scans.of(book).begin();
+    await settled();
+    expect(scans.of(book).state).toMatchObject({
+      status: 'failed',
+      reason: `“${book}” is not in front.`,
+    });
+    expect(spreadsheet.asked).toEqual(['workbookMap']);
+  });
+});
+
+describe('a sheet that changes', () => {
+  test('is told as changed, and read again a moment later, it alone', async () => {
+    spreadsheet.sheets = two();
+    scans.of(book).begin();
+    await settled();
+    spreadsheet.asked.length = 0;
+    void scans.observe({ book, sheet: 'Inputs', addr: 'B1' }, '', 5);
+    await settled();
+    expect(scans.of(book).state.changed).toEqual([]);
+    const inputs = spreadsheet.sheets.Inputs;
+    if (inputs) inputs.cells.B2 = { formula: '=R1C2', gives: 5 };
+    void scans.observe({ book, sheet: 'Inputs', addr: 'B2' }, '=$B$1', 5);
+    await settled();
+    expect(coverageOf(scans.of(book).state, false)).toBe(
+      'All 2 sheets, as read at 10:42. “Inputs” has changed since.',
+    );
+    clock.advance(3_000);
+    await settled();
+    expect(spreadsheet.asked).toEqual(['workbookMap', expect.stringContaining('Inputs')]);
+    expect(scans.of(book).state.changed).toEqual([]);
+    expect(await users('Inputs', 'B1')).toEqual(['Inputs 2,2', "Ann's 1,1"]);
+  });
+});

@@ -1,0 +1,100 @@
+// Dependents of the whole workbook in the built page: the worker, what it is told and what it tells.
+
+import { afterAll, afterEach, beforeAll, expect, test } from 'vitest';
+
+import { Browser, type FakePanel } from './FakePanel';
+import { park } from './park';
+import { success } from './samples';
+
+let browser: Browser;
+let panel: FakePanel;
+
+beforeAll(async () => {
+  browser = await Browser.start();
+});
+afterEach(async () => {
+  expect(panel.errors).toEqual([]);
+  expect(await panel.violations()).toEqual([]);
+  await panel.close();
+});
+afterAll(async () => {
+  await browser.close();
+});
+
+async function dependents(): Promise<void> {
+  await panel.reaches('ready');
+  await panel.page.getByTestId('tab-deps').click();
+}
+
+const rows = async (): Promise<string[]> =>
+  (await panel.page.getByTestId('place').allInnerTexts()).map((text) =>
+    text.replace(/\s+/g, ' ').trim(),
+  );
+
+async function open(text: string): Promise<void> {
+  const row = panel.page.getByTestId('place').filter({ hasText: text }).first();
+  await row.locator('.twisty').click();
+  await panel.settled();
+}
+
+test('lists users on every sheet, opens them, and leads back to inputs', async () => {
+  panel = await browser.open(park);
+  await dependents();
+  await panel.page.getByText('All 3 sheets, as read at').waitFor();
+  expect(await panel.text('list-under')).toBe(
+    '5 cells on 2 sheets rest on it; 1 result that nothing else uses.',
+  );
+  expect(await rows()).toEqual([
+    'This sheet 1 cell',
+    'G12 Revenue · 2031 1,020 =F12*1.02',
+    'Summary 1 cell',
+    "B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)",
+    'Results that rest on it 1 cell',
+    'What it rests on inputs at the end of every way',
+    'Where errors start 1 error cell in the workbook',
+  ]);
+  await open('B2');
+  await open('B3');
+  expect((await rows()).slice(3, 6)).toEqual([
+    "B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)",
+    'B3 With tax 3,300 =B2*1.1',
+    'B4 Rounded 3,300 =ROUND(B3,0)',
+  ]);
+  await open('What it rests on');
+  const all = await rows();
+  expect(all.slice(all.indexOf('What it rests on inputs at the end of every way') + 1, -1)).toEqual(
+    ['2 inputs, by way of 1 formula', 'Inputs!B1 Price 50 used 1×', 'Inputs!B2 Energy 20 used 1×'],
+  );
+  const { args } = await panel.asked('readFormulas');
+  expect(args[1]).toBe('r1c1');
+});
+
+test('says what it covers while the spreadsheet is busy, and can be stopped', async () => {
+  panel = await browser.open({
+    ...park,
+    "readFormulas '[Solar park.xlsx]Summary'!A1:B5": { ok: false, payload: { kind: 'busy' } },
+  });
+  await dependents();
+  await panel.shows('scan-text', 'The spreadsheet is busy; reading waits at “Summary”.');
+  expect(await panel.text('list-note')).toBe('So far 2 of 3 sheets.');
+  await panel.page.getByTestId('scan-stop').click();
+  await panel.page.getByText('Stopped at “Summary”').waitFor();
+  await panel.lay("readFormulas '[Solar park.xlsx]Summary'!A1:B5", park.summary);
+  await panel.page.getByTestId('scan-go').click();
+  await panel.page.getByText('All 3 sheets, as read at').waitFor();
+});
+
+test('a large workbook is read when the user says so', async () => {
+  panel = await browser.open({
+    ...park,
+    workbookMap: success({
+      book: 'Solar park.xlsx',
+      sheets: [{ name: 'Cash flow', usedRange: '$A$1:$CV$600' }],
+      sheetsTruncated: false,
+      names: [],
+    }),
+  });
+  await dependents();
+  await panel.shows('scan-text', '60,000 cells on 1 sheet are to be read for the other sheets.');
+  expect((await panel.posted()).filter(({ args }) => String(args[0]).includes('['))).toEqual([]);
+});
