@@ -32,13 +32,15 @@ on qx_readcell()
 			-- With a chart or a shape selected, the selection is no range and has no address.
 			try
 				set chosen to my qx_address(selection)
-			on error
+			on error msg number n
+				if not (my qx_lacks(n)) then error msg number n
 				set chosen to my qx_address(range selection of active window)
 			end try
 			-- A protected sheet refuses to tell its regions.
 			try
 				set nearby to get address of current region of active cell
-			on error
+			on error msg number n
+				if not (my qx_lacks(n)) then error msg number n
 				set nearby to ""
 			end try
 			return {name of active workbook, name of active sheet, (get address of active cell), first row index of active cell, first column index of active cell, formula of active cell, formula local of active cell, value2 of active cell, chosen, nearby}
@@ -58,6 +60,8 @@ on qx_evaluate(expr)
 			set sort1 to missing value
 			try
 				set sort1 to class of answer
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
 			end try
 			if sort1 is range or sort1 is cell then
 				set {rowTotal, colTotal, cellTotal} to my qx_extent(answer)
@@ -263,7 +267,8 @@ on qx_extent(rg)
 			-- The cells of whole sheets are more than Excel can count.
 			try
 				set cellTotal to count of cells of rg
-			on error
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
 				set cellTotal to rowTotal * colTotal
 			end try
 			return {rowTotal, colTotal, cellTotal}
@@ -271,14 +276,21 @@ on qx_extent(rg)
 	end tell
 end qx_extent
 
--- The address of a range. Excel cuts a long one off at about 255 characters, so a range of many
--- areas is put together from theirs.
+-- Whether an error says that an object has no such thing: Excel's -1708, and what other releases are
+-- known to say in its place. All else, a time-out for one, is no answer.
+on qx_lacks(n)
+	return {-1708, -1728, -50} contains {n}
+end qx_lacks
+
+-- The address of a range. Excel cuts a long one off at 255 characters, some releases a little
+-- earlier, so a range of many areas is then put together from theirs, an event for each. A longer
+-- text was not cut.
 on qx_address(rg)
 	tell application "Microsoft Excel"
 		with timeout of 3 seconds
 			set told to get address of rg
 			if class of told is not text then return told
-			if (length of told) < 240 then return told
+			if (length of told) < 240 or (length of told) > 255 then return told
 			set pieces to get areas of rg
 			if class of pieces is not list then return told
 			set told to ""

@@ -54,7 +54,7 @@ on qx_dependents(addr)
 					end if
 				end repeat
 			on error msg number n
-				if {-1708, -1728, -50} contains n then return ""
+				if my qx_lacks(n) then return ""
 				error msg number n
 			end try
 			return joined

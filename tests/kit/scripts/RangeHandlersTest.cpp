@@ -32,6 +32,27 @@ TEST_F(RangeHandlers, ReadRangeRefusesMoreThan20000CellsWithoutReadingAny) {
   EXPECT_EQ(fakes::propertyRead(excel_->events().back()), host::codes::value2);
 }
 
+TEST_F(RangeHandlers, Read20000CellsAndNoMore) {
+  EXPECT_THAT(run("qx_readrange", {"A1:A20000"}), testing::EndsWith(R"j(,20000,1,"",20000])j"));
+  EXPECT_THAT(run("qx_readformulas", {"A1:A20000", "a1", false}),
+              testing::EndsWith(R"j(,20000,1,"",20000])j"));
+  EXPECT_THAT(run("qx_readformulas", {"A1:A20000", "a1", true}), testing::EndsWith(",20000,1]"));
+}
+
+// More cells than can be counted are one thing, an Excel that does not answer is another.
+TEST_F(RangeHandlers, TakesNoTimeoutForACount) {
+  const auto asks = [&] { return run("qx_readrange", {"A1:A20001,C1"}); };
+  EXPECT_EQ(asks(), R"j(["__TOOBIG",20001,1,20002])j");
+  excel_->forget();
+  asks();
+  const int events = static_cast<int>(excel_->events().size());
+  for (int number = 1; number <= events; ++number) {
+    excel_->forget();
+    excel_->failAt(number, {-1712, "AppleEvent timed out.", {}});
+    EXPECT_EQ(asks(), "error -1712 Microsoft Excel got an error: AppleEvent timed out.") << number;
+  }
+}
+
 TEST_F(RangeHandlers, ReadRangeRefusesUnionsWithoutReadingThem) {
   memory_->script.clear();
   EXPECT_EQ(run("qx_readrange", {"A1:A2,C3:C4"}), R"j(["__MULTI",2,1,4])j");
@@ -74,6 +95,13 @@ TEST_F(RangeHandlers, ReadRangeLeavesTextsOutAbove5000Cells) {
   const std::string without = run("qx_readrange", {"A1:A5001"});
   EXPECT_THAT(whole, testing::EndsWith(R"j([""]],5000])j"));
   EXPECT_THAT(without, testing::EndsWith(R"j([""]],5001,1,"",5001])j"));
+}
+
+TEST_F(RangeHandlers, ReadFormulasLeavesTextsOutAbove5000Cells) {
+  EXPECT_THAT(run("qx_readformulas", {"A1:A5000", "a1", false}),
+              testing::EndsWith(R"j([""]],5000])j"));
+  EXPECT_THAT(run("qx_readformulas", {"A1:A5001", "a1", false}),
+              testing::EndsWith(R"j([""]],5001,1,"",5001])j"));
 }
 
 TEST_F(RangeHandlers, ReadFormulasGivesFormulasInTheStyleAskedFor) {

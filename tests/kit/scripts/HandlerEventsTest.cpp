@@ -1,0 +1,91 @@
+// How many events the handlers send. Each is a round to Excel and back, and a call has seconds
+// only.
+#include <map>
+
+#include "tests/kit/scripts/EngineConversation.h"
+#include "tests/kit/scripts/LibraryFixture.h"
+
+namespace quorin {
+namespace {
+
+class HandlerEvents : public LibraryFixture {
+ protected:
+  static host::RangeRef on(const std::string& address) {
+    return {{"Known.xlsx", "Data"}, host::parseA1(address).value()};
+  }
+
+  // Every other cell of column A, from the first row on.
+  static std::string everyOther(int count) {
+    std::string cells;
+    for (int i = 0; i < count; ++i) {
+      if (i > 0) cells += ',';
+      cells += "$A$" + std::to_string(2 * i + 1);
+    }
+    return cells;
+  }
+
+  std::size_t eventsOf(const std::string& handler, Array arguments = {}) {
+    excel_->forget();
+    EXPECT_THAT(run(handler, std::move(arguments)), testing::Not(testing::StartsWith("error")));
+    return excel_->events().size();
+  }
+};
+
+// Of each handler's requests of the contract the one that takes most: with qx_cf_clear many
+// addresses, each of which is looked at alone too, with qx_deepeval forty entries, written and read
+// back.
+TEST_F(HandlerEvents, AreNoMoreThanTheyHaveToBe) {
+  const std::map<std::string, std::size_t> most = {
+      {"qx_activate", 3},    {"qx_cf_apply", 12},    {"qx_cf_clear", 130},   {"qx_cf_move", 13},
+      {"qx_deepeval", 91},   {"qx_dependents", 5},   {"qx_evaluate", 8},     {"qx_pollcell", 3},
+      {"qx_probe", 2},       {"qx_readcell", 11},    {"qx_readformulas", 7}, {"qx_readrange", 8},
+      {"qx_revealread", 20}, {"qx_revealscroll", 9}, {"qx_select", 11},      {"qx_unhide", 7},
+      {"qx_workbookmap", 7}};
+  std::map<std::string, std::size_t> taken;
+  auto owned = std::make_unique<fakes::MemorySpreadsheet>();
+  fakes::MemorySpreadsheet& memory = *owned;
+  memory.open(fakes::knownWorkbook());
+  auto quirky = std::make_unique<fakes::QuirkyExcel>(
+      std::make_unique<host::ExcelObjectModel>(std::move(owned)), fakes::ExcelQuirks{});
+  fakes::QuirkyExcel& excel = *quirky;
+  const auto conversation = engineConversation(std::move(quirky), memory, "Known.xlsx");
+  for (const auto& group : {cellRequests(), rangeRequests(), mapRequests(), deepRequests(),
+                            markRequests(), revealRequests()})
+    for (const HandlerRequest& request : group) {
+      excel.forget();
+      conversation->answer(request);
+      std::size_t& events = taken[request.handler];
+      events = std::max(events, excel.events().size());
+    }
+  for (const auto& [handler, events] : taken) {
+    ASSERT_TRUE(most.contains(handler)) << handler;
+    EXPECT_LE(events, most.at(handler)) << handler;
+  }
+}
+
+TEST_F(HandlerEvents, AreNoMoreForASelectionOfManyAreas) {
+  select("Data", "A1:A1");
+  const std::size_t one = eventsOf("qx_readcell");
+  memory_->goTo(on(everyOther(1000)));
+  EXPECT_EQ(eventsOf("qx_readcell"), one);
+}
+
+TEST_F(HandlerEvents, AreNoMoreForAFilteredColumn) {
+  const std::size_t one = eventsOf("qx_revealread", {"A1", "Data", "Known.xlsx"});
+  for (int row = 2; row <= 2000; row += 2)
+    memory_->setHidden(on(std::to_string(row) + ":" + std::to_string(row)), host::Lines::rows,
+                       true);
+  EXPECT_EQ(eventsOf("qx_revealread", {"A1:A2000", "Data", "Known.xlsx"}), one);
+}
+
+// Where Excel cuts addresses off there is no other way than to ask for each area.
+TEST_F(HandlerEvents, AreOneForEachAreaWhereExcelCutsAddressesOff) {
+  select("Data", "A1:A1");
+  const std::size_t one = eventsOf("qx_readcell");
+  excel_->quirks.cutsLongAddresses = true;
+  memory_->goTo(on(everyOther(1000)));
+  EXPECT_LE(eventsOf("qx_readcell"), one + 1 + 1000);
+}
+
+}  // namespace
+}  // namespace quorin
