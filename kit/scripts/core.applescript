@@ -186,7 +186,7 @@ on qx_bindrange(addr)
 		set charTotal to length of addr
 		set inQuotes to (addr starts with "'")
 		set bang to 0
-		set depth to 0
+		set nesting to 0
 		set i to 1
 		if inQuotes then set i to 2
 		repeat while bang is 0 and i < charTotal
@@ -201,14 +201,14 @@ on qx_bindrange(addr)
 					if character (i + 1) of addr is "'" then set i to i + 1
 				end if
 			else if not inQuotes then
-				if depth > 0 and ch is "'" then
+				if nesting > 0 and ch is "'" then
 					set i to i + 1
 					set ch to ch & character i of addr
 				else if ch is "[" then
-					set depth to depth + 1
+					set nesting to nesting + 1
 				else if ch is "]" then
-					set depth to depth - 1
-				else if depth is 0 and ch is "!" then
+					set nesting to nesting - 1
+				else if nesting is 0 and ch is "!" then
 					set ch to ""
 					set bang to i
 				end if
