@@ -80,6 +80,9 @@ class Compiler:
     def job(self, kind, source, target, action, suffix=None, prefix=True):
         dependencies = self.place(kind, source, target, ".d")
         command = [*self.language(source, target), "-I", self.project, *action]
+        if kind == "object" and not prefix:
+            # A new folder then need not compile again what another one has compiled.
+            command = [*self.toolchain.cache, *command]
         inputs = [source]
         if prefix:
             ahead = self.prefix_job(source, target)

@@ -86,4 +86,6 @@ def listed_dependencies(path):
     if path is None or not path.exists():
         return []
     _, _, files = path.read_text().replace("\\\n", " ").partition(": ")
-    return [name.replace("\0", " ") for name in files.replace("\\ ", "\0").split()]
+    # A compiler cache may tell them as they are seen from the folder that the command runs in.
+    return [os.path.abspath(name.replace("\0", " "))
+            for name in files.replace("\\ ", "\0").split()]

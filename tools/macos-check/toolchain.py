@@ -100,6 +100,12 @@ class Toolchain:
         return LLVM / "include/c++/v1"
 
     @property
+    def cache(self):
+        """What commands that make an object begin with."""
+        found = shutil.which("ccache")
+        return [found] if found else []
+
+    @property
     def clang(self):
         return LLVM / "bin/clang++"
 
