@@ -172,7 +172,8 @@ class Spreadsheet {
   virtual std::optional<RangeRef> currentRegion(const RangeRef& range) = 0;
   virtual std::optional<RangeRef> usedRange(const SheetRef& sheet) = 0;  // A1 of a blank sheet
   // Cells of the same sheet whose formulas refer to the range, directly or at any distance, as
-  // areas in no fixed cut or order; without the range's own cells. Nothing when there are none.
+  // areas in no fixed cut or order; cells of the range among them where they refer to others of it.
+  // Nothing when there are none.
   virtual std::optional<RangeRef> dependents(const RangeRef& range, DependentLevels levels) = 0;
   // Sorted by name, sheets' own names included.
   virtual std::vector<DefinedName> definedNames(const std::string& book);

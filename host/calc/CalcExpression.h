@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/ReferenceText.h"
 #include "host/calc/TableItems.h"
 
 namespace quorin::host::calc {
@@ -21,6 +22,8 @@ struct SheetPlace {
 
 struct ExpressionContext {
   SheetRef from;  // references without a workbook or a sheet belong to it
+  // The cell that it belongs to, for "@"; nothing where that is on another sheet.
+  std::function<std::optional<FormulaCell>()> here = {};
   // The sheets of that workbook in their order. When empty, every name of a sheet is accepted.
   std::vector<std::string> sheets = {};
   // Whether references without a sheet get one. Not for a formula that stands on its own sheet.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/CellFlags.hpp>
+#include <com/sun/star/sheet/FormulaResult.hpp>
+#include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XFormulaQuery.hpp>
@@ -11,9 +13,11 @@
 #include <com/sun/star/sheet/XSheetCellCursor.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/sheet/XUsedAreaCursor.hpp>
+#include <map>
 
 #include "host/Address.h"
 #include "host/SheetPrefix.h"
+#include "host/calc/CalcExpression.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTables.h"
 #include "host/calc/FormulaTranslator.h"
@@ -156,6 +160,70 @@ std::optional<Area> findFilledPart(const Reference<css::table::XCellRange>& cell
   return filled;
 }
 
+namespace {
+
+// Those cells of the range whose formulas look at one of the sources, which lie on the same sheet.
+std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range,
+                                 const std::vector<Area>& sources) {
+  const Reference<css::sheet::XCellRangesQuery> query(
+      cellsOf(workbook, range.sheet.sheet, firstArea(range)), UNO_QUERY_THROW);
+  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
+                                  css::sheet::FormulaResult::STRING |
+                                  css::sheet::FormulaResult::ERROR;
+  ExpressionContext context{.from = range.sheet};
+  context.meaning = [&workbook, known = std::map<std::string, std::optional<std::string>>()](
+                        const SheetRef& scope,
+                        const std::string& name) mutable -> std::optional<std::string> {
+    const auto [entry, isNew] = known.try_emplace(scope.sheet + "!" + name);
+    if (isNew) {
+      const auto cells =
+          scope.book == workbook.name ? findNamed(workbook, scope.sheet, name) : std::nullopt;
+      if (cells && cells->areas.size() == 1) {
+        entry->second = excelSheet(cells->sheet.sheet) + "!" + addressText(cells->areas);
+      }
+    }
+    return entry->second;
+  };
+  context.tablePart = [&workbook](const std::string&, const std::string& table,
+                                  const TableItems& items) -> std::string {
+    const auto cells = tableArea(workbook, table, items, std::nullopt);
+    if (!cells) return "#REF!";
+    return excelSheet(cells->sheet.sheet) + "!" + addressText(cells->areas);
+  };
+  std::vector<Area> found;
+  FormulaTranslator translator(ReferenceStyle::a1, sheetTest(workbook));
+  for (const auto& address : query->queryFormulaCells(anyResult)->getRangeAddresses()) {
+    const Area part = areaOf(address);
+    const auto rows = Reference<css::sheet::XCellRangeFormula>(
+                          cellsOf(workbook, range.sheet.sheet, part), UNO_QUERY_THROW)
+                          ->getFormulaArray();
+    for (int row = part.firstRow; row <= part.lastRow; ++row) {
+      for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
+        const std::string text = translator.excelFormula(
+            toText(rows[row - part.firstRow][column - part.firstColumn]), {row, column});
+        const auto formula = calcExpression(text, context);
+        if (!formula) continue;
+        const auto& reached = formula->reach.cells;
+        if (std::any_of(reached.begin(), reached.end(), [&](const RangeRef& cells) {
+              return caselesslyEqual(cells.sheet.sheet, range.sheet.sheet) &&
+                     cells.sheet.book == range.sheet.book && touch(cells.areas, sources);
+            })) {
+          found.push_back({row, column, row, column});
+        }
+      }
+    }
+  }
+  return found;
+}
+
+}  // namespace
+
+std::vector<Area> findFilledParts(const Reference<css::table::XCellRange>& cells) {
+  std::vector<Area> parts;
+  for (const auto& address : filledParts(cells)) parts.push_back(areaOf(address));
+  return parts;
+}
+
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,
                                        DependentLevels levels) {
   const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
@@ -169,7 +237,17 @@ std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef&
     for (const Area& known : found.areas) fresh = without(fresh, known);
     found.areas.insert(found.areas.end(), fresh.begin(), fresh.end());
   }
+  // Calc counts the range itself among them, whatever stands there.
   for (const Area& own : range.areas) found.areas = without(found.areas, own);
+  std::vector<Area> sources = range.areas;
+  if (levels == DependentLevels::all) {
+    sources.insert(sources.end(), found.areas.begin(), found.areas.end());
+  }
+  for (const Area& own : range.areas) {
+    for (const Area& cell : dependentCells(workbook, {range.sheet, {own}}, sources)) {
+      found.areas.push_back(cell);
+    }
+  }
   return found.areas.empty() ? std::nullopt : std::optional(found);
 }
 

@@ -26,6 +26,8 @@ std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeR
 std::optional<RangeRef> findUsedRange(const Workbook& workbook, const std::string& sheet);
 // The smallest rectangle with all that stands in the cells; nothing when they are blank.
 std::optional<Area> findFilledPart(const css::uno::Reference<css::table::XCellRange>& cells);
+// The rectangles in which each cell is filled; they do not overlap.
+std::vector<Area> findFilledParts(const css::uno::Reference<css::table::XCellRange>& cells);
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,
                                        DependentLevels levels);
 

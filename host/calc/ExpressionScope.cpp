@@ -30,11 +30,17 @@ std::optional<std::string> bookNamed(const std::vector<std::string>& open,
   return *std::find_if(open.begin(), open.end(), same);
 }
 
-// The row that "this row" means: the active cell's, as for a formula typed there.
-std::optional<int> activeRow(CalcWorkbooks& workbooks, const SheetRef& from) {
+// Where the expression counts as typed.
+std::optional<FormulaCell> activePlace(CalcWorkbooks& workbooks, const SheetRef& from) {
   const RangeRef cell = activeCellOf(workbooks.windowOf(from.book));
   if (cell.sheet.sheet != from.sheet) return std::nullopt;
-  return cell.areas.front().firstRow;
+  return FormulaCell{cell.areas.front().firstRow, cell.areas.front().firstColumn};
+}
+
+// The row that "this row" means.
+std::optional<int> activeRow(CalcWorkbooks& workbooks, const SheetRef& from) {
+  const auto place = activePlace(workbooks, from);
+  return place ? std::optional(place->row) : std::nullopt;
 }
 
 }  // namespace
@@ -127,6 +133,7 @@ ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from
                                   std::vector<std::string> sheets) {
   ExpressionContext context{.from = from, .sheets = std::move(sheets)};
   lookElsewhere(context, workbooks);
+  context.here = [&workbooks, from] { return activePlace(workbooks, from); };
   context.meaning = [&workbooks, from](const SheetRef& scope,
                                        const std::string& name) -> std::optional<std::string> {
     if (scope.book != from.book) return meaningElsewhere(workbooks, scope, name, from.book);

@@ -111,6 +111,7 @@ void ExpressionWriter::close() {
   } else {
     out_ += ')';
   }
+  addBeyond(reach_, frame.function, frame.reached);
   frames_.pop_back();
   ++at_;
   const bool one =
@@ -151,7 +152,10 @@ void ExpressionWriter::sign(char c) {
     reference_ = false;
     return;
   }
-  if (c == '@' && operandExpected_) return;  // one cell of several: what follows decides in Calc
+  if (c == '@' && operandExpected_) {
+    crossing();
+    return;
+  }
   if (c == '+' || c == '-') {
     out_ += c;
   } else if (both.find(c) != std::string_view::npos && !operandExpected_) {
@@ -169,6 +173,33 @@ void ExpressionWriter::sign(char c) {
     throw Malformed();
   }
   operandExpected_ = true;
+}
+
+// Of several cells the one in the row or column of the cell that the expression belongs to. What
+// else may follow "@" is left to Calc.
+void ExpressionWriter::crossing() {
+  std::size_t position = at_;
+  const auto span = readSheetSpan(text_, position);
+  const auto range = readRange(text_, position);
+  if (!range || !range->to || !context_.here) return;
+  const auto here = context_.here();
+  if (!here) return;
+  Area area = areaOf(*range);
+  const auto cross = [](int& first, int& last, int at) {
+    if (first == last) return true;
+    const bool crosses = first <= at && at <= last;
+    first = last = at;
+    return crosses;
+  };
+  const bool crosses = cross(area.firstRow, area.lastRow, here->row) &&
+                       cross(area.firstColumn, area.lastColumn, here->column);
+  operand(true);
+  at_ = position;
+  if (crosses) {
+    reference(span, {{.row = area.firstRow, .column = area.firstColumn}, std::nullopt});
+  } else {
+    out_ += "#VALUE!";
+  }
 }
 
 void ExpressionWriter::nameOrReference() {

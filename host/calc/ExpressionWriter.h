@@ -50,6 +50,7 @@ class ExpressionWriter {
   void close();
   void separator(char c);
   void sign(char c);
+  void crossing();
   void nameOrReference();
   void nameOfWorkbook();
   void reference(const std::optional<SheetSpan>& span, const RangeText& range);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "host/Address.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/ReferenceText.h"
 
@@ -27,6 +28,45 @@ std::string trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \n\r\t");
   if (first == std::string_view::npos) return {};
   return std::string(text.substr(first, text.find_last_not_of(" \n\r\t") + 1 - first));
+}
+
+// The arguments of a call in Calc's grammar, one by one.
+std::vector<std::string> argumentsOf(std::string_view text) {
+  std::vector<std::string> arguments{{}};
+  int depth = 0;
+  char quote = '\0';
+  for (const char c : text) {
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '(' || c == '{') {
+      ++depth;
+    } else if (c == ')' || c == '}') {
+      --depth;
+    } else if (c == ';' && depth == 0) {
+      arguments.emplace_back();
+      continue;
+    }
+    arguments.back() += c;
+  }
+  return arguments;
+}
+
+// The text that is shown, and not the address with it, which Calc tells as a second value.
+std::optional<std::string> linkText(const FunctionCall& call) {
+  const std::vector<std::string> arguments = argumentsOf(call.arguments);
+  const std::string& shown = arguments.size() == 2 ? arguments[1] : arguments[0];
+  if (arguments.size() > 2 || trimmed(shown).empty()) return std::nullopt;
+  return "(" + shown + ")";
+}
+
+// Of a range Excel takes the first cell.
+std::optional<std::string> ofFirstCell(const FunctionCall& call) {
+  if (!call.isCells || call.cells.size() != 1 || cellCount(call.cells.front().areas) == 1) {
+    return std::nullopt;
+  }
+  return call.name + "(INDEX(" + call.arguments + ";1;1))";
 }
 
 // Where the sheet stands in its workbook, from 1.
@@ -135,9 +175,32 @@ void addFunction(Reach& reach, std::string_view name) {
   if (contains(contents, name)) reach.contents = true;
 }
 
+void addBeyond(Reach& reach, std::string_view name, std::size_t from) {
+  const bool fillsShape = name == "SUMIF" || name == "AVERAGEIF";
+  if (!fillsShape && name != "LOOKUP") return;
+  int rows = 1, columns = 1;
+  for (std::size_t i = from; i < reach.cells.size(); ++i) {
+    rows = std::max(rows, rowCount(reach.cells[i].areas.front()));
+    columns = std::max(columns, columnCount(reach.cells[i].areas.front()));
+  }
+  for (std::size_t i = from, end = reach.cells.size(); i < end; ++i) {
+    RangeRef beyond = reach.cells[i];
+    Area& area = beyond.areas.front();
+    const bool isColumn = rowCount(area) > 1;
+    const int more = std::max(rows, columns) - 1;
+    const int down = fillsShape ? rows - 1 : isColumn ? more : 0;
+    const int right = fillsShape ? columns - 1 : isColumn ? 0 : more;
+    area.lastRow = std::min(maxRow, area.lastRow + down);
+    area.lastColumn = std::min(maxColumn, area.lastColumn + right);
+    if (beyond != reach.cells[i]) reach.cells.push_back(std::move(beyond));
+  }
+}
+
 std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
                                        Reach& reach) {
   if (call.name == "ERROR.TYPE") return errorTypeCall(call.arguments);
+  if (call.name == "HYPERLINK") return linkText(call);
+  if (call.name == "N" || call.name == "T") return ofFirstCell(call);
   if (call.name == "CELL") return cellText(call, context, reach);
   if (call.name == "FORMULATEXT") {
     const auto text = formulaText(call, context);
@@ -162,17 +225,20 @@ bool givesTruth(std::string_view function) {
 
 bool givesOne(std::string_view function, bool ofSeveral) {
   // These make one value of all that they are given.
-  static constexpr std::array<std::string_view, 20> ofAny{
-      "AND",   "AVERAGE", "AVERAGEA",   "COLUMNS", "COUNT", "COUNTA",  "MAX",
-      "MAXA",  "MEDIAN",  "MIN",        "MINA",    "OR",    "PRODUCT", "ROWS",
-      "STDEV", "SUM",     "SUMPRODUCT", "SUMSQ",   "VAR",   "XOR"};
+  static constexpr std::array<std::string_view, 29> ofAny{
+      "AND",     "AVERAGE",    "AVERAGEA", "CHISQ.TEST", "CHITEST",
+      "COLUMNS", "COUNT",      "COUNTA",   "F.TEST",     "FORECAST.LINEAR",
+      "FTEST",   "MAX",        "MAXA",     "MEDIAN",     "MIN",
+      "MINA",    "OR",         "PRODUCT",  "ROWS",       "STDEV",
+      "SUM",     "SUMPRODUCT", "SUMSQ",    "T.TEST",     "TTEST",
+      "TYPE",    "VAR",        "XOR",      "ZTEST"};
   // These give one value for one.
-  static constexpr std::array<std::string_view, 39> ofOne{
-      "ABS",     "CEILING", "CONCATENATE", "DATE",    "DAY",   "EXACT", "EXP",     "FIND",
-      "FLOOR",   "HOUR",    "IF",          "IFERROR", "IFNA",  "INT",   "ISBLANK", "ISERR",
-      "ISERROR", "ISNA",    "ISNUMBER",    "ISTEXT",  "LEFT",  "LEN",   "LN",      "LOWER",
-      "MID",     "MOD",     "MONTH",       "NOT",     "POWER", "RIGHT", "ROUND",   "ROUNDDOWN",
-      "ROUNDUP", "SIGN",    "SQRT",        "TEXT",    "TRIM",  "UPPER", "YEAR"};
+  static constexpr std::array<std::string_view, 40> ofOne{
+      "ABS",       "CEILING", "CONCATENATE", "DATE",     "DAY",     "EXACT", "EXP",   "FIND",
+      "FLOOR",     "HOUR",    "HYPERLINK",   "IF",       "IFERROR", "IFNA",  "INT",   "ISBLANK",
+      "ISERR",     "ISERROR", "ISNA",        "ISNUMBER", "ISTEXT",  "LEFT",  "LEN",   "LN",
+      "LOWER",     "MID",     "MOD",         "MONTH",    "NOT",     "POWER", "RIGHT", "ROUND",
+      "ROUNDDOWN", "ROUNDUP", "SIGN",        "SQRT",     "TEXT",    "TRIM",  "UPPER", "YEAR"};
   return contains(ofAny, function) || (!ofSeveral && contains(ofOne, function));
 }
 

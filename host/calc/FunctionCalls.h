@@ -18,6 +18,10 @@ std::optional<std::string_view> readOnlyArgument(std::string_view text, std::siz
 // Adds what a function asks for beside the values of the cells it is given.
 void addFunction(Reach& reach, std::string_view name);
 
+// Adds the cells that a call looks at beyond its arguments, whose cells were added from there on: a
+// range of another size than the first counts from its own first cell.
+void addBeyond(Reach& reach, std::string_view name, std::size_t from);
+
 struct FunctionCall {
   std::string name;                 // in capitals
   std::string arguments;            // in Calc's grammar

@@ -40,6 +40,48 @@ Area hull(const Area& a, const Area& b) {
           std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
 }
 
+// Few areas that together hold all the parts, and not much more: where one would be mostly blank it
+// is cut at the widest gap.
+void cover(std::vector<Area> parts, std::vector<Area>& found) {
+  constexpr long long worthACall = 500;
+  if (parts.empty()) return;
+  Area all = parts.front();
+  for (const Area& part : parts) all = hull(all, part);
+  if (parts.size() == 1 || cellCount({all}) <= 2 * cellCount(parts) + worthACall) {
+    found.push_back(all);
+    return;
+  }
+  std::size_t cut = 0;
+  int widest = -1;
+  Lines along = Lines::rows;
+  const auto sortAlong = [&parts](Lines lines) {
+    std::sort(parts.begin(), parts.end(), [lines](const Area& a, const Area& b) {
+      return firstLine(a, lines) < firstLine(b, lines);
+    });
+  };
+  for (const Lines lines : {Lines::rows, Lines::columns}) {
+    sortAlong(lines);
+    int reached = lastLine(parts.front(), lines);
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+      const int gap = firstLine(parts[i], lines) - reached - 1;
+      if (gap > widest) {
+        widest = gap;
+        cut = i;
+        along = lines;
+      }
+      reached = std::max(reached, lastLine(parts[i], lines));
+    }
+  }
+  if (widest < 0) {  // nothing to cut between
+    found.push_back(all);
+    return;
+  }
+  sortAlong(along);
+  const auto middle = parts.begin() + static_cast<std::ptrdiff_t>(cut);
+  cover({parts.begin(), middle}, found);
+  cover({middle, parts.end()}, found);
+}
+
 // Whole rows of the area, as many as may be read at once.
 std::vector<Area> pieces(const Area& area) {
   std::vector<Area> result;
@@ -165,17 +207,18 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
   std::vector<RangeRef> areas;
   long long cells = 0;
   for (RangeRef& range : wanted(reach)) {
+    std::vector<Area> filled = range.areas;
     if (cellCount(range.areas) > fewCells) {
-      const auto filled = findFilledPart(
+      filled = findFilledParts(
           cellsOf(*workbooks.named(range.sheet.book), range.sheet.sheet, firstArea(range)));
-      if (!filled) continue;
-      range.areas = {*filled};
     }
-    cells += cellCount(range.areas);
+    cells += cellCount(filled);
     if (cells > mostCellsReached) {
       throw SpreadsheetError(-50, "The expression looks at too many cells");
     }
-    areas.push_back(range);
+    std::vector<Area> covering;
+    cover(std::move(filled), covering);
+    for (const Area& area : covering) areas.push_back({range.sheet, {area}});
   }
   std::vector<Block> blocks;
   for (const RangeRef& range : areas) {

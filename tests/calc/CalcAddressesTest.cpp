@@ -109,10 +109,43 @@ TEST_F(CalcAddresses, NameWhatBelongsToAnotherWorkbook) {
 }
 
 TEST_F(CalcAddresses, StandInExpressionsAsExcelWritesThem) {
+  ASSERT_EQ(ask("select", {Array{"B1"}}), R"({"areas":1})");
   EXPECT_EQ(evaluate("SUM(B2:B3 3:3)"), R"({"ok":true,"value":30})");
   EXPECT_EQ(evaluate("SUM(B:B $2:$2)"), R"({"ok":true,"value":20})");
+  EXPECT_EQ(evaluate("@A1:C1"), R"({"ok":true,"value":"Net"})");
+  EXPECT_EQ(evaluate("@B2:B3"), R"({"kind":"excelError","message":"#VALUE!","ok":false})");
+  EXPECT_EQ(evaluate("N(B2:B3)&T(A2:A3)"), R"({"ok":true,"value":"20Nut"})");
+  EXPECT_EQ(evaluate("N(B2:B3)"), R"({"ok":true,"value":20})");
+  EXPECT_EQ(deep({"HYPERLINK(\"http://x.example\",\"abc\")", "LEN(A1)"}),
+            R"({"ok":true,"value":3})");
   EXPECT_EQ(evaluate("{1,#N/A}"), R"({"ok":true,"value":[[1,null]]})");
   EXPECT_EQ(evaluate("SUM(IFERROR({1,#N/A;#DIV/0!,\"a\"},5))"), R"({"ok":true,"value":11})");
+}
+
+// What is blank between cells far apart is neither counted nor read.
+TEST_F(CalcAddresses, MayReachCellsFarApart) {
+  open({.name = "Apart.xlsx",
+        .sheets = {{"Data", {{"A1", 1.0}, {"B1", 2.0}, {"C1", 3.0}, {"ZZ50000", 4.0}}}}});
+  EXPECT_EQ(evaluate("SUM(A:ZZ)"), R"({"ok":true,"value":10})");
+  EXPECT_EQ(evaluate("OFFSET(A1,49999,701)*2"), R"({"ok":true,"value":8})");
+}
+
+// Excel's property tells of "the cell or cells whose values depend directly on cells in the
+// range", those of a whole sheet too.
+TEST_F(CalcAddresses, DependOnOneAnother) {
+  open({.name = "Chain.xlsx",
+        .sheets = {{"Data",
+                    {{"A1", 1.0},
+                     {"A2", 2.0, "=A1*2"},
+                     {"A3", 4.0, "=SUM(Start)"},
+                     {"A4", 5.0, "=C1+1"},
+                     {"B1", 3.0, "=A2+1"},
+                     {"C1", 4.0, "=B1+1"}}}},
+        .names = {{"Start", "=Data!$A$1:$A$2"}}});
+  EXPECT_EQ(ask("dependents", {"A1:A4"}), R"("$B$1,$A$2,$A$3")");
+  EXPECT_EQ(ask("dependents", {"A:C"}), R"("$A$2,$A$3,$A$4,$B$1,$C$1")");
+  EXPECT_EQ(ask("dependents", {"A2"}), R"("$A$3,$B$1")");
+  EXPECT_EQ(ask("dependents", {"A3:A4"}), R"("")");
 }
 
 // Of a file that Excel saved: errors are constants, and names are told as they are spelled there.

@@ -32,7 +32,7 @@ inline fakes::SheetDescription cellsOfExcelCalls() {
 }
 
 // clang-format off
-inline constexpr std::array<std::string_view, 532> excelCalls{
+inline constexpr std::array<std::string_view, 536> excelCalls{
     R"(ABS(-2.5))",
     R"(ACCRINT(45292,45473,45383,0.08,1000,2))",
     R"(ACCRINT(45292,45473,45383,0.08,1000,4,3))",
@@ -496,6 +496,10 @@ inline constexpr std::array<std::string_view, 532> excelCalls{
     R"(SUM(INDEX(A1:B8,0,1)))",
     R"(SUM(OFFSET(A1,1,0,3,2)))",
     R"(SUMIF(A1:A8,">3"))",
+    R"(SUMIF(C2:C5,"Nut",B2))",
+    R"(AVERAGEIF(C1:C8,"Nut",B3))",
+    R"(LOOKUP(4,A1:A3,B1:B2))",
+    R"(LEN(HYPERLINK("http://x.example","abc")))",
     R"(SUMIF(C1:C8,"Nut",A1:A8))",
     R"(SUMIFS(A1:A8,C1:C8,"Nut",B1:B8,">4"))",
     R"(SUMPRODUCT(A1:A8,B1:B8))",
@@ -566,6 +570,13 @@ inline constexpr std::array<std::string_view, 532> excelCalls{
     R"(Z.TEST(A1:A8,4))",
     R"(ZTEST(A1:A8,4,2))",
 };
+// clang-format on
+
+// Functions whose value may be an array.
+// clang-format off
+inline constexpr std::array<std::string_view, 11> givingSeveral{
+    "FREQUENCY", "GROWTH", "LINEST", "LOGEST", "MINVERSE", "MMULT", "MODE.MULT", "MUNIT",
+    "ORG.LIBREOFFICE.FOURIER", "TRANSPOSE", "TREND"};
 // clang-format on
 
 // Their values come from random numbers.

@@ -49,7 +49,7 @@ std::vector<Area> MemorySpreadsheet::directDependents(const RangeRef& range) con
   std::vector<Area> found;
   for (const auto& [position, cell] : sheetOf(range.sheet).cells) {
     const Area area{position.first, position.second, position.first, position.second};
-    if (!overlaps(range.areas, area) && refersTo(cell, range)) found.push_back(area);
+    if (refersTo(cell, range)) found.push_back(area);
   }
   return found;
 }
@@ -62,7 +62,7 @@ std::optional<RangeRef> MemorySpreadsheet::dependents(const RangeRef& range,
   std::vector<Area> found = directDependents(range);
   for (std::size_t i = 0; levels == host::DependentLevels::all && i < found.size(); ++i)
     for (const Area& next : directDependents({range.sheet, {found[i]}}))
-      if (!overlaps(found, next) && !overlaps(range.areas, next)) found.push_back(next);
+      if (!overlaps(found, next)) found.push_back(next);
   if (found.empty()) return std::nullopt;
   return RangeRef{range.sheet, std::move(found)};
 }
