@@ -33,6 +33,7 @@ Workbook workbookNamed(const OfficeConnection& office, const std::string& book) 
     const Reference<css::frame::XModel> model(all->nextElement(), UNO_QUERY);
     if (!model.is() || pathOfUrl(toText(model->getURL())).filename() != book) continue;
     Workbook workbook;
+    workbook.name = book;
     workbook.model = model;
     workbook.document.set(model, UNO_QUERY_THROW);
     workbook.sheets.set(workbook.document->getSheets(), UNO_QUERY_THROW);
@@ -50,7 +51,8 @@ void mark(MarksKeeper& keeper, QuietChanges& changes, const Workbook& workbook, 
   const MarksKeeper::Turn turn(keeper, toText(uid));
   const auto place = sheetOf(workbook, sheet);
   const std::vector<Area> areas = parseA1(cells).value();
-  shape = makeMarkShape(workbook.model, {number, {"=1=1", Color{255, 0, 255}, areas}},
+  const AskedPlace asked{{workbook.name, sheet}, areas};
+  shape = makeMarkShape(workbook.model, {number, {"=1=1", Color{255, 0, 255}, areas, asked}},
                         outlinesOf(place, areas));
   changes.add(workbook, drawPageOf(place), shape);
 }

@@ -273,6 +273,25 @@ TEST_F(Marked, AreNotOnTheCopyOfASheet) {
   EXPECT_TRUE(comesTo({"Data!$B$3,$C$6:$D$7"}));
 }
 
+TEST_F(Marked, AreNotOnTheCopyOfASheetInAnyOtherWorkbook) {
+  const auto open = [&](const std::string& other) {
+    fakes::writeXlsx({.name = other, .sheets = {{"Only", {}}}}, folder / other);
+    user.open((folder / other).string());
+  };
+  const auto copyTo = [&](const std::string& other) {
+    user.copySheetTo(name, "Data", other);
+    EXPECT_TRUE(eventually([&] { return user.shapes(other, "Data").empty(); })) << other;
+    EXPECT_EQ(sheets->marks(), marked);
+    user.close(other);
+  };
+  open("Before.xlsx");
+  mark("Data", "B2,C5:D6");
+  open("After.xlsx");
+  copyTo("Before.xlsx");
+  copyTo("After.xlsx");
+  copyTo(user.openBlank());
+}
+
 TEST_F(Marked, AreAllKnownInAWorkbookWithChanges) {
   sheets->enter("Data", "H9", "changed");
   mark("Data", "B2,C5:D6");

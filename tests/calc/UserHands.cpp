@@ -145,6 +145,17 @@ void UserHands::save(const std::string& book) {
   Reference<css::frame::XStorable>(objects_->workbook(book), UNO_QUERY_THROW)->store();
 }
 
+bool UserHands::canUndo(const std::string& book) {
+  return objects_->undoManager(book)->isUndoPossible();
+}
+
+std::vector<std::string> UserHands::sheets(const std::string& book) {
+  std::vector<std::string> names;
+  for (const rtl::OUString& name : objects_->workbook(book)->getSheets()->getElementNames())
+    names.push_back(toText(name));
+  return names;
+}
+
 void UserHands::redo(const std::string& book) {
   objects_->undoManager(book)->redo();
 }
@@ -238,6 +249,7 @@ void UserHands::copySheetTo(const std::string& book, const std::string& sheet,
   const auto to = objects_->workbook(otherBook)->getSheets();
   Reference<css::sheet::XSpreadsheets2>(to, UNO_QUERY_THROW)
       ->importSheet(objects_->workbook(book), toUno(sheet), to->getElementNames().getLength());
+  setModified(otherBook, true);  // as the office's own command does
 }
 
 void UserHands::setModified(const std::string& book, bool modified) {

@@ -30,6 +30,8 @@ class UserHands {
   void fill(const std::string& book, const std::string& sheet, const std::string& cells,
             std::int32_t color);
   void undo(const std::string& book);
+  bool canUndo(const std::string& book);
+  std::vector<std::string> sheets(const std::string& book);
   void save(const std::string& book);
   void redo(const std::string& book);
   void close(const std::string& book);  // without saving

@@ -73,7 +73,12 @@ Keeper::Keeper(const OfficeAddress& office, int owner)
       connection_(office, firstAnswer),
       events_(css::frame::theGlobalEventBroadcaster::get(connection_.context()), UNO_QUERY_THROW),
       changes_(connection_.context()),
-      hook_(new SaveHook(changes_, [this] { wake_(); })) {
+      hook_(new SaveHook(
+          changes_, [this] { wake_(); },
+          [this] {
+            opened_ = true;
+            wake_();
+          })) {
   changes_.prepare();  // not in a save
   events_->addDocumentEventListener(hook_.get());
 }
@@ -104,8 +109,10 @@ void Keeper::run() {
 
 // In milliseconds; without end where there is nothing to do before the next news.
 int Keeper::patience() const {
-  const bool waiting = std::any_of(followers_.begin(), followers_.end(),
-                                   [](const MarkFollower& one) { return one.isChanged(); });
+  const bool isNew = !turn_.empty() && (!all_ || opened_);
+  const bool waiting =
+      isNew || std::any_of(followers_.begin(), followers_.end(),
+                           [](const MarkFollower& one) { return one.isChanged(); });
   if (!waiting || ownersTurn_ || !hook_->turn()) return -1;
   return millisecondsUntil(notBefore_);
 }
@@ -113,16 +120,20 @@ int Keeper::patience() const {
 void Keeper::lookAround() {
   const auto start = Clock::now();
   if (start < notBefore_ || !hook_->turn()) return;
+  watchNew();
   forEachChanged(&MarkFollower::look);
   const auto now = Clock::now();
   notBefore_ = now + std::max<Clock::duration>(pauseForEachLook * (now - start), leastPause);
 }
 
-// What fails is tried again later, unless the workbook was closed.
+// What fails is tried again later, unless the workbook was closed. The owner's turn is not held up
+// by workbooks that it has nothing to do with.
 void Keeper::forEachChanged(Work work) {
-  followers_.remove_if([work](MarkFollower& follower) {
+  followers_.remove_if([this, work](MarkFollower& follower) {
     try {
-      if (follower.isChanged()) (follower.*work)();
+      const bool due = !ownersTurn_ || follower.uid() == turn_ ||
+                       (follower.hasMarks() && work != &MarkFollower::tieNew);
+      if (due && follower.isChanged()) (follower.*work)();
       return false;
     } catch (const css::uno::Exception&) {
       return !follower.isOpen();
@@ -153,8 +164,9 @@ void Keeper::obey(const std::string& request) {
   if (request.starts_with(begin)) {
     ownersTurn_ = true;
     awaitSaves();
+    turn_ = request.substr(begin.size());
     forEachChanged(&MarkFollower::followCells);
-    watch(request.substr(begin.size()));
+    watch(turn_);
   } else if (request == "end") {
     forEachChanged(&MarkFollower::tieNew);
     ownersTurn_ = false;
@@ -175,11 +187,15 @@ void Keeper::awaitSaves() const {
   }
 }
 
+MarkFollower* Keeper::followerOf(const std::string& uid) {
+  const auto found = std::find_if(followers_.begin(), followers_.end(),
+                                  [&](const MarkFollower& one) { return one.uid() == uid; });
+  return found == followers_.end() ? nullptr : &*found;
+}
+
 // From now on, with the marks that are in the workbook: another keeper may have left them.
 void Keeper::watch(const std::string& uid) {
-  const auto known = std::any_of(followers_.begin(), followers_.end(),
-                                 [&](const MarkFollower& one) { return one.uid() == uid; });
-  if (known) return;
+  if (followerOf(uid) != nullptr) return;
   try {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       if (workbook.uid != uid) continue;
@@ -187,6 +203,23 @@ void Keeper::watch(const std::string& uid) {
     }
   } catch (const css::uno::Exception&) {
     // The owner will notice by itself that the workbook or the office is gone.
+  }
+}
+
+// Sheets and cells can be copied into any workbook that the user has open, marks and all. Before
+// the owner's first turn there are no marks, and nobody needs to be listened to.
+void Keeper::watchNew() {
+  if (turn_.empty() || (all_ && !opened_.exchange(false))) return;
+  all_ = true;
+  try {
+    for (const Workbook& workbook : openWorkbooks(events_)) {
+      if (!workbook.model->getCurrentController().is()) continue;  // a hidden one of the owner's
+      if (followerOf(workbook.uid) != nullptr) continue;
+      followers_.emplace_back(workbook.uid, workbook, changes_, *hook_, [this] { wake_(); })
+          .tieWithNextLook();
+    }
+  } catch (const css::uno::Exception&) {
+    opened_ = true;  // one of them is being closed: the next look
   }
 }
 

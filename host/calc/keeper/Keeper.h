@@ -1,6 +1,7 @@
 // Keeper: what the marks keeper does from its start to its end. Main thread.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <com/sun/star/document/XDocumentEventBroadcaster.hpp>
 #include <list>
@@ -43,6 +44,8 @@ class Keeper {
  private:
   using Clock = std::chrono::steady_clock;
   void watch(const std::string& uid);
+  void watchNew();
+  MarkFollower* followerOf(const std::string& uid);
   void answer() const;
   bool readOwner();  // false when there is none any more
   void obey(const std::string& request);
@@ -61,7 +64,10 @@ class Keeper {
   QuietChanges changes_;
   const rtl::Reference<SaveHook> hook_;
   std::list<MarkFollower> followers_;
+  bool all_ = false;  // they are of every workbook that had a window when this was looked at last
+  std::atomic<bool> opened_ = false;  // one has got a window since
   std::string received_;
+  std::string turn_;  // the workbook that the owner's turn is in
   bool ownersTurn_ = false;
   Clock::time_point notBefore_;
 };

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <atomic>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/frame/XTitle.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
 #include <com/sun/star/util/XModifyBroadcaster.hpp>
+#include <filesystem>
 
 #include "host/calc/CalcRanges.h"
+#include "host/calc/OfficeFiles.h"
+#include "host/calc/Text.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -101,6 +105,16 @@ bool MarkFollower::survey(std::vector<MarkedSheet>& sheets) {
 }
 
 void MarkFollower::tieNew() {
+  onlyOwn_ = false;
+  tie();
+}
+
+void MarkFollower::tieWithNextLook() {
+  untied_ = onlyOwn_ = true;
+  news_->isNew = true;
+}
+
+void MarkFollower::tie() {
   untied_ = true;
   news_->isNew = true;
   std::vector<MarkedSheet> sheets;
@@ -111,14 +125,30 @@ void MarkFollower::tieNew() {
   for (const MarkedSheet& sheet : sheets) {
     for (const PlacedMark& mark : sheet.marks) {
       Followed* followed = find(sheet, mark);
+      if (followed == nullptr && onlyOwn_ && isOfAnother(mark.mark)) continue;
       if (followed == nullptr) followed = &followed_.emplace_back(tied(sheet, mark));
       if (followed->mark != mark.mark) *followed = tied(sheet, mark);
       followed->shape = mark.shape;
       followed->seen = true;
     }
   }
-  untied_ = false;
+  untied_ = onlyOwn_ = false;
   news_->isNew = true;
+}
+
+// By the names alone: a workbook is called by its file's name, maybe with folders before it or a
+// number behind.
+bool MarkFollower::isOfAnother(const Mark& mark) const {
+  if (!mark.asked) return false;
+  const std::string url = toText(workbook_.model->getURL());
+  const std::filesystem::path file = pathOfUrl(url);
+  std::string name = file.filename().string();
+  if (file.empty()) name = url.substr(url.rfind('/') + 1);
+  if (url.empty())
+    name = toText(Reference<css::frame::XTitle>(workbook_.model, UNO_QUERY_THROW)->getTitle());
+  const std::string& book = mark.asked->sheet.book;
+  const std::string its = book.substr(book.rfind('/') + 1);
+  return its != name && !its.starts_with(name + " (");
 }
 
 void MarkFollower::look() {
@@ -131,7 +161,7 @@ void MarkFollower::followCells() {
 
 void MarkFollower::look(Extent extent) {
   try {
-    if (untied_) return tieNew();
+    if (untied_) return tie();
     std::vector<MarkedSheet> sheets;
     if (!survey(sheets)) return;
     for (const MarkedSheet& sheet : sheets) lookAt(sheet, extent);

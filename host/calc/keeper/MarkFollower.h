@@ -28,6 +28,10 @@ class MarkFollower {
   // Ties the marks that the owner has just made or moved to their cells. The next look draws them.
   void tieNew();
 
+  // Has the next look tie the marks that are there: those that the workbook's file was saved with,
+  // but not those that came with a sheet of another workbook.
+  void tieWithNextLook();
+
   // Draws anew what has to be, and takes off what is not known: it came with the copy of a sheet,
   // or an undo brought it back. While the workbook is being saved this does nothing, and remains
   // to be done. Throws UNO's exceptions when it fails, and remains to be done then too.
@@ -38,6 +42,7 @@ class MarkFollower {
   void followCells();
 
   bool isChanged() const;
+  bool hasMarks() const { return !followed_.empty(); }  // that were tied
   bool isOpen() const;  // false once the workbook or the office is gone
   const std::string& uid() const { return uid_; }
 
@@ -56,11 +61,13 @@ class MarkFollower {
     bool seen = false;
   };
   enum class Extent { moved, all };
+  void tie();
   bool survey(std::vector<MarkedSheet>& sheets);
   void look(Extent extent);
   void lookAt(const MarkedSheet& sheet, Extent extent);
   Followed* find(const MarkedSheet& sheet, const PlacedMark& mark);
   Followed tied(const MarkedSheet& sheet, const PlacedMark& mark) const;
+  bool isOfAnother(const Mark& mark) const;
   void draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
             const std::vector<Area>& areas);
 
@@ -71,6 +78,7 @@ class MarkFollower {
   const rtl::Reference<News> news_;
   std::list<Followed> followed_;
   bool untied_ = false;          // marks that the owner made wait for their ties
+  bool onlyOwn_ = false;         // but not those that were asked for in another workbook
   std::optional<int> turn_ = 0;  // the hook's at the last survey
 };
 

@@ -37,6 +37,8 @@ void SaveHook::documentEventOccured(const css::document::DocumentEvent& event) {
       takeOut(event.Source);
     } else if (ends(event.EventName)) {
       putBackInto(event.Source);
+    } else if (event.EventName == "OnViewCreated" || event.EventName == "OnLoad") {
+      opened_();
     }
   } catch (const css::uno::Exception&) {
     // The workbook or the office is gone.

@@ -1,5 +1,6 @@
 // SaveHook: hears of every workbook that the office is about to save, export or mail, takes our
-// marks out of it before the office goes on, and puts them back when it is through. The office
+// marks out of it before the office goes on, and puts them back when it is through. It also hears
+// when the user has got another workbook to look at. The office
 // waits for the callback, which therefore makes its calls inline and never waits for a thread that
 // may be in a call itself. Callbacks come on threads of the bridge; the rest is for any thread.
 #pragma once
@@ -17,9 +18,10 @@ namespace quorin::host::calc {
 
 class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListener> {
  public:
-  // `over` is told on any thread when marks that were taken out are back.
-  SaveHook(QuietChanges& changes, std::function<void()> over)
-      : changes_(changes), over_(std::move(over)) {}
+  // On any thread `over` is told when marks that were taken out are back, and `opened` when a
+  // document has been loaded or has got a window.
+  SaveHook(QuietChanges& changes, std::function<void()> over, std::function<void()> opened)
+      : changes_(changes), over_(std::move(over)), opened_(std::move(opened)) {}
 
   // From now on nothing is put back. Waits for a callback that is doing so, hence never to be
   // called in one.
@@ -45,7 +47,7 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
   void putBackInto(const css::uno::Reference<css::uno::XInterface>& document);
 
   QuietChanges& changes_;
-  const std::function<void()> over_;
+  const std::function<void()> over_, opened_;
   std::mutex puttingBack_;    // held while marks are put back
   bool letGo_ = false;        // under it, like the next
   std::vector<Made> made_;    // held until the next save: somebody may be looking for them
