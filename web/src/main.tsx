@@ -118,6 +118,7 @@ const scans: Scans = new Scans(model, {
     workbookMap: () => paced.ask(() => client.ask('workbookMap')),
     readFormulas: (address) => paced.ask(() => client.ask('readFormulas', address, 'r1c1', false)),
     evaluate: (expression) => paced.ask(() => client.ask('evaluate', expression)),
+    pollCell: () => paced.ask(() => client.ask('pollCell')),
   },
   clock,
   time: () => new Date().toLocaleTimeString('en-GB', { hour: '2-digit', minute: '2-digit' }),

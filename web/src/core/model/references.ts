@@ -27,7 +27,9 @@ export type RunTimeReason =
   /** A name that means other cells in every cell. */
   | 'a relative name'
   /** Columns of the table that the cell is in, whichever that is. */
-  | 'its own table';
+  | 'its own table'
+  /** Columns of a table of which the spreadsheet did not tell where they are. */
+  | 'a table';
 
 export type Named = {
   references: Reference[];
@@ -222,7 +224,7 @@ class Collector {
     }
     const area = this.meanings.table(asked.question);
     if (!area) {
-      this.named.broken = true;
+      this.named.runTime.add('a table');
       return [];
     }
     const all = fixedArea(area);

@@ -9,7 +9,7 @@ import { whereAnswer, whereQuestion } from '../model/tables';
 import type { TablePlace } from '../model/messages';
 import type { Json } from '../protocol/json';
 import { failed, notRunningCode, type Failure, type Outcome } from '../protocol/Outcome';
-import type { RangeFormulas, WorkbookMap } from '../protocol/verbs';
+import type { CellPlace, RangeFormulas, WorkbookMap } from '../protocol/verbs';
 import type { Clock } from '../time/Clock';
 import { findFilled } from './filled';
 import {
@@ -27,6 +27,7 @@ export type ScanQuestions = {
   workbookMap(): Promise<Outcome<WorkbookMap>>;
   readFormulas(address: string): Promise<Outcome<RangeFormulas>>;
   evaluate(expression: string): Promise<Outcome<Json>>;
+  pollCell(): Promise<Outcome<CellPlace>>;
 };
 
 export type ScanPorts = {
@@ -354,12 +355,19 @@ export class BookScan {
       if (!this.ports.inFront(this.book)) break;
       const outcome = await this.patiently(() => questions.evaluate(whereQuestion(question)));
       const found = outcome.ok ? whereAnswer(outcome.value) : undefined;
-      const place = found?.sheet === undefined ? undefined : { ...found, sheet: found.sheet };
+      // Cells of the sheet in front are told without their sheet.
+      const sheet = found && (found.sheet ?? (await this.sheetInFront()));
+      const place = found && sheet !== undefined ? { sheet, area: found.area } : undefined;
       places.push({ question, place });
     }
     if (places.length === 0) return;
     await model.ask(this.book, 'tables', { places });
     this.version += 1;
+  }
+
+  private async sheetInFront(): Promise<string | undefined> {
+    const front = await this.patiently(() => this.ports.questions.pollCell());
+    return front.ok && front.value.book === this.book ? front.value.sheet : undefined;
   }
 
   private refuse(sheet: string, area: Area, reason: string): void {

@@ -57,6 +57,8 @@ describe('users of a cell', () => {
     });
     expect(model.users('Data', 'A3')).toEqual([]);
     expect(model.ask('state', {}).tables).toEqual(['Sales[Price]']);
+    const untold = model.ask('dependents', { sheet: 'Data', area: area('A3') }).runTime;
+    expect(untold.map(({ reasons }) => reasons)).toEqual([['a table'], ['a table']]);
     const place = { sheet: 'Data', area: area('A2:A4') };
     model.ask('tables', { places: [{ question: 'Sales[Price]', place }] });
     expect(model.users('Data', 'A3')).toEqual(['Data!D1', 'Data!B3']);

@@ -25,6 +25,7 @@ class Spreadsheet {
   /** What to answer instead. */
   twist: (address: string, told: RangeFormulas) => RangeFormulas = (_, told) => told;
   places: Record<string, string> = {};
+  pollCell = () => this.answer('pollCell', () => ({ book: this.front, sheet: 'Data', addr: 'A1' }));
 
   workbookMap = (): Promise<Outcome<WorkbookMap>> =>
     this.answer('workbookMap', () => ({
@@ -277,6 +278,20 @@ describe('a scan', () => {
     scans.of(book).begin();
     await settled();
     expect(spreadsheet.asked.filter((one) => one.startsWith('evaluate'))).toHaveLength(1);
+    expect(await users('Data', 'A3')).toEqual(['Data 1,3', 'Data 2,3']);
+    // Those of the sheet in front are told without its name.
+    spreadsheet.places = { 'Sales[Price]': '$A$2|2|1' };
+    const { model } = scans;
+    const fresh = new Scans(model, {
+      questions: spreadsheet,
+      clock,
+      time: () => '',
+      changed: () => undefined,
+    });
+    void model.ask(book, 'forget', {});
+    fresh.enter(book);
+    fresh.of(book).begin();
+    await settled();
     expect(await users('Data', 'A3')).toEqual(['Data 1,3', 'Data 2,3']);
   });
 
