@@ -11,11 +11,11 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <system_error>
 
 #include "app/linux/ModuleTable.h"
 #include "app/linux/SafeText.h"
 #include "kit/platform/Thread.h"
+#include "kit/support/FileSystem.h"
 
 namespace quorin::CrashReporter {
 
@@ -204,8 +204,11 @@ void handle(int signal, siginfo_t* information, void*) {
 }  // namespace
 
 void install(const std::filesystem::path& reports, const std::string& version) {
-  std::error_code ignored;
-  std::filesystem::create_directories(reports, ignored);
+  try {
+    FileSystem::real().makeFolders(reports);
+  } catch (const FileError&) {
+    return;
+  }
   prepared.folder = open(reports.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (prepared.folder < 0) return;
   for (int& spare : prepared.spares) spare = fcntl(prepared.folder, F_DUPFD_CLOEXEC, 0);

@@ -26,6 +26,7 @@
 #include "kit/platform/Platform.h"
 #include "kit/platform/Thread.h"
 #include "kit/platform/XDGFolders.h"
+#include "kit/support/FileSystem.h"
 #include "kit/support/FolderLock.h"
 #include "kit/support/SerialQueue.h"
 
@@ -114,6 +115,7 @@ int run(const Invocation& invocation) {
 
   const std::unique_ptr<AppPlatform> platform = makePlatform();
   DiagLog& log = DiagLog::shared();
+  closeToOthers(log.url().parent_path());
   noteWayland(environment, log);
   ExcelThread thread(calc.runnerFactory(log), log);
   ExcelThread::setShared(&thread);

@@ -12,6 +12,7 @@
 #include "kit/bridge/Bridge.h"
 #include "kit/platform/Platform.h"
 #include "kit/platform/Thread.h"
+#include "kit/support/FileSystem.h"
 #include "kit/support/FolderLock.h"
 
 namespace quorin {
@@ -67,6 +68,7 @@ int run(bool selfTestWanted) {
   }
 
   DiagLog& log = DiagLog::shared();
+  closeToOthers(log.url().parent_path());
   const std::unique_ptr<AppPlatform> platform = makePlatform();
   Application& application = platform->application();
   application.setAccessory();

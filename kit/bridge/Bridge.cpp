@@ -1,6 +1,7 @@
 #include "kit/bridge/Bridge.h"
 
 #include <exception>
+#include <optional>
 #include <utility>
 
 #include "kit/bridge/Verbs.h"
@@ -9,10 +10,19 @@ namespace quorin {
 
 namespace {
 
-constexpr int applicationNotRunning = -600;
+constexpr int applicationNotRunning = -600, cannotCoerce = -1700, cannotDivideByZero = -2701;
 
 JSONValue errorObject(const std::string& kind, const std::string& message) {
   return JSONValue::Object{{"kind", kind}, {"message", message}};
+}
+
+// The log holds no values, and these errors of the script system quote the value that they are
+// about: "Can't make "12 Main Street" into type real."
+std::optional<std::string> withoutValue(int code, const std::string& message) {
+  if (code == cannotDivideByZero) return "a value was to be divided by zero";
+  if (code != cannotCoerce) return std::nullopt;
+  const std::size_t type = message.rfind(" into type ");
+  return "a value cannot be made" + (type == std::string::npos ? "" : message.substr(type));
 }
 
 }  // namespace
@@ -32,6 +42,7 @@ Bridge::Bridge(ExcelThread& thread, DiagLog& log, HighlightStore& store, UnhideS
 Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
   std::string kind = "transport";
   std::string message;
+  std::optional<std::string> logged;  // another text than the message
   try {
     if (verb != "probe" && !excelRunning()) {
       JSONValue::Object error{{"kind", "transport"},
@@ -52,12 +63,13 @@ Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
   } catch (const ExcelError& error) {
     if (error.code() == ExcelError::timedOut) kind = "timeout";
     message = error.message();
+    logged = withoutValue(error.code(), message);
   } catch (const std::exception& error) {
     message = error.what();
   } catch (...) {
     message = "unknown error";
   }
-  log_.log("ERROR", verb + ": " + message);
+  log_.log("ERROR", verb + ": " + logged.value_or(message));
   return {false, errorObject(kind, message)};
 }
 

@@ -60,4 +60,8 @@ class FileSystem {
   static FileSystem& real();
 };
 
+// Takes away what others may do with this user's folder, as one of an older version may let them.
+// What is not there, or not this user's, stays as it is.
+void closeToOthers(const std::filesystem::path& folder);
+
 }  // namespace quorin

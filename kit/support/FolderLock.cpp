@@ -13,6 +13,7 @@ namespace quorin {
 
 std::optional<FolderLock> FolderLock::acquire(const std::filesystem::path& folder) {
   FileSystem::real().makeFolders(folder);
+  closeToOthers(folder);
   const std::filesystem::path path = folder / "lock";
   // Not handed on to programs that this one starts: they would keep the folder locked.
   FolderLock lock(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));

@@ -9,8 +9,8 @@ namespace quorin {
 
 class FolderLock {
  public:
-  // None when another process holds the folder. Makes the folder, for the user alone, where it is
-  // missing. Throws FileError when folder or file cannot be made.
+  // None when another process holds the folder. Makes the folder where it is missing, and keeps
+  // it for the user alone. Throws FileError when folder or file cannot be made.
   static std::optional<FolderLock> acquire(const std::filesystem::path& folder);
 
   FolderLock(FolderLock&& other) noexcept;

@@ -120,10 +120,16 @@ class PosixFileSystem : public FileSystem {
     return data;
   }
 
+  // Those that are missing, for this user alone whatever the umask.
   void makeFolders(const fs::path& path) override {
     std::error_code error;
-    fs::create_directories(path, error);
-    if (error) throw FileError(error.value(), "make the folder", path);
+    if (path.empty() || fs::is_directory(path, error)) return;
+    if (path.has_parent_path() && path.parent_path() != path) makeFolders(path.parent_path());
+    if (::mkdir(path.c_str(), S_IRWXU) == 0) return;
+    const int reason = errno;
+    if (reason != EEXIST || !fs::is_directory(path, error)) {
+      throw FileError(reason == EEXIST ? ENOTDIR : reason, "make the folder", path);
+    }
   }
 
   std::unique_ptr<WritableFile> create(const fs::path& path, unsigned mode) override {
@@ -165,6 +171,13 @@ class PosixFileSystem : public FileSystem {
 };
 
 }  // namespace
+
+void closeToOthers(const fs::path& folder) {
+  struct stat info {};
+  if (::stat(folder.c_str(), &info) != 0 || info.st_uid != ::geteuid()) return;
+  if (!S_ISDIR(info.st_mode) || (info.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
+  static_cast<void>(::chmod(folder.c_str(), info.st_mode & S_IRWXU));
+}
 
 FileSystem& FileSystem::real() {
   static PosixFileSystem fileSystem;

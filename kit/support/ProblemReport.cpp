@@ -4,6 +4,7 @@
 #include <ctime>
 #include <fstream>
 #include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 
 namespace quorin::ProblemReport {
@@ -30,6 +31,18 @@ std::string percentEncoded(const std::string& text) {
   }
   return encoded;
 }
+
+// What is made meanwhile is this user's alone, by programs that are started too.
+class PrivateFiles {
+ public:
+  PrivateFiles() : before_(::umask(S_IRWXG | S_IRWXO)) {}
+  ~PrivateFiles() { ::umask(before_); }
+  PrivateFiles(const PrivateFiles&) = delete;
+  PrivateFiles& operator=(const PrivateFiles&) = delete;
+
+ private:
+  const mode_t before_;
+};
 
 void writeText(const Path& path, const std::string& text) {
   std::ofstream out(path, std::ios::binary);
@@ -84,6 +97,7 @@ std::string stamp(ISO::Date now) {
 
 Path stage(const Path& logURL, const std::optional<Path>& crashURL, const std::string& systemInfo,
            const Path& into, ISO::Date now) {
+  const PrivateFiles ofUserAlone;
   const Path folder = into / ("Quorin-report-" + stamp(now));
   fs::remove_all(folder);
   fs::create_directories(folder);
@@ -94,7 +108,12 @@ Path stage(const Path& logURL, const std::optional<Path>& crashURL, const std::s
 }
 
 void zip(const Path& folder, const Path& zipURL, Archiver& archiver) {
-  fs::remove_all(zipURL);
+  if (fs::is_directory(fs::symlink_status(zipURL))) {
+    throw ProblemReportError(EISDIR,
+                             "there is a folder in the place of " + zipURL.filename().string());
+  }
+  const PrivateFiles ofUserAlone;
+  fs::remove(zipURL);
   const int status = archiver.zip(folder, zipURL);
   if (status != 0) throw ProblemReportError(status, "ditto failed");
 }

@@ -203,6 +203,20 @@ TEST_F(Dispatch, AnswersEveryOtherExcelErrorWithTransport) {
               ElementsAre("ERROR readCell: Microsoft Excel got an error: AppleEvent timed out."));
 }
 
+TEST_F(Dispatch, LogsNoValuesThatErrorsQuote) {
+  const std::string conversion = "Can’t make \"12 Main Street into type x\" into type real.";
+  excel_.fails("qx_readcell", -1700, conversion);
+  EXPECT_EQ(bridge_.dispatch("readCell", {}),
+            (Bridge::Reply{false, error("transport", conversion)}));
+  excel_.fails("qx_pollcell", -2701, "Can’t divide 4711.0 by zero.");
+  bridge_.dispatch("pollCell", {});
+  excel_.fails("qx_activate", -1700, "4711");
+  bridge_.dispatch("activate", {});
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR readCell: a value cannot be made into type real.",
+                                        "ERROR pollCell: a value was to be divided by zero",
+                                        "ERROR activate: a value cannot be made"));
+}
+
 TEST_F(Dispatch, AnswersAShapeErrorWithItsMessage) {
   excel_.returns("qx_readcell", Array{1, 2, 3});
   EXPECT_EQ(bridge_.dispatch("readCell", {}),

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,6 +26,22 @@ TEST_F(FolderLockTest, MakesTheFolderAndKeepsOthersOut) {
   ASSERT_TRUE(first);
   EXPECT_FALSE(FolderLock::acquire(folder / "data"));
   EXPECT_TRUE(FolderLock::acquire(folder / "other"));
+}
+
+TEST_F(FolderLockTest, KeepsTheFolderForTheUserAloneWhateverTheUmask) {
+  const mode_t mask = umask(0);
+  const auto made = FolderLock::acquire(folder / "a/b");
+  umask(mask);
+  const auto openTo = [](const std::filesystem::path& path) {
+    return static_cast<unsigned>(std::filesystem::status(path).permissions());
+  };
+  EXPECT_EQ(openTo(folder / "a"), 0700u);
+  EXPECT_EQ(openTo(folder / "a/b"), 0700u);
+  EXPECT_EQ(openTo(folder / "a/b/lock"), 0600u);
+  std::filesystem::create_directory(folder / "old");
+  std::filesystem::permissions(folder / "old", std::filesystem::perms(0777));
+  const auto old = FolderLock::acquire(folder / "old");
+  EXPECT_EQ(openTo(folder / "old"), 0700u);
 }
 
 TEST_F(FolderLockTest, LetsTheNextOneInWhenItIsGivenUp) {

@@ -2,6 +2,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sstream>
+#include <sys/stat.h>
 
 #include "kit/support/ProblemReport.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -148,6 +149,31 @@ TEST_F(ProblemReportTest, PacksIntoANewFile) {
   ProblemReport::zip(folder / "staged", zip, archiver);
   EXPECT_FALSE(archiver.existed);
   EXPECT_EQ(contents(zip), "zip of staged");
+}
+
+unsigned openTo(const fs::path& path) {
+  return static_cast<unsigned>(fs::status(path).permissions());
+}
+
+TEST_F(ProblemReportTest, IsTheUsersAloneWhateverTheUmask) {
+  const fs::path log = write("logs/quorin.log", "lines");
+  fs::permissions(log, fs::perms(0600));
+  const mode_t mask = ::umask(0);
+  FakeArchiver archiver;
+  const fs::path staged = ProblemReport::stage(log, {}, "system", folder.path(), morning);
+  ProblemReport::zip(staged, folder / "Quorin-1.zip", archiver);
+  EXPECT_EQ(::umask(mask), 0u) << "it is put back";
+  EXPECT_EQ(openTo(staged), 0700u);
+  EXPECT_EQ(openTo(staged / "system.txt"), 0600u);
+  EXPECT_EQ(openTo(folder / "Quorin-1.zip"), 0600u);
+}
+
+TEST_F(ProblemReportTest, RemovesNoFolderThatItDidNotMake) {
+  FakeArchiver archiver;
+  const fs::path kept = write("Quorin-1.zip/kept", "kept");
+  EXPECT_THROW(ProblemReport::zip(folder / "staged", folder / "Quorin-1.zip", archiver),
+               ProblemReportError);
+  EXPECT_EQ(contents(kept), "kept");
 }
 
 TEST_F(ProblemReportTest, ThrowsTheArchiversStatus) {
