@@ -7,6 +7,8 @@ import pathlib
 import subprocess
 import sys
 
+from tool_version import NOT_APPLICABLE, is_other
+
 FOLDERS = ("kit", "script", "host", "app", "tools", "tests", "bench")
 
 
@@ -17,6 +19,8 @@ def main():
     if not files:
         print("found no files at all")
         return 1
+    if is_other(sys.argv[2]):
+        return NOT_APPLICABLE
     return subprocess.run([sys.argv[2], "--style=file", "--dry-run", "-Werror", *files],
                           check=False).returncode
 

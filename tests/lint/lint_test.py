@@ -8,6 +8,8 @@ import sys
 import tempfile
 import unittest
 
+from tool_version import is_other
+
 HERE = pathlib.Path(__file__).parent
 TIDY = shutil.which("clang-tidy-14") or "clang-tidy"
 
@@ -98,6 +100,32 @@ class SourcesListed(unittest.TestCase):
         self.assertEqual(run("sources_listed.py", {"kit/CMakeLists.txt": ""})[0], 1)
 
 
+class ToolVersion(unittest.TestCase):
+    """What another version of a tool says is no fault of the sources."""
+
+    def check(self, script, version):
+        with tempfile.TemporaryDirectory() as folder:
+            tool = pathlib.Path(folder) / "tool"
+            tool.write_text(f"#!/bin/sh\n[ \"$1\" = --version ] && echo '{version}' && exit\nexit 1\n")
+            tool.chmod(0o755)
+            (pathlib.Path(folder) / "kit").mkdir()
+            (pathlib.Path(folder) / "kit/A.cpp").write_text("int a;\n")
+            result = subprocess.run([sys.executable, HERE / script, folder, *(
+                [folder] if script == "tidy.py" else []), tool], capture_output=True, text=True,
+                check=False)
+        return result.returncode, result.stdout
+
+    def test_the_format_is_checked_with_one_version_only(self):
+        self.assertEqual(self.check("format.py", "Debian clang-format version 14.0.6")[0], 1)
+        status, text = self.check("format.py", "Ubuntu clang-format version 19.1.1 (1ubuntu1)")
+        self.assertEqual(status, 77)
+        self.assertIn("checked with version 14 on Debian 12 only; this is version 19.", text)
+
+    def test_so_is_what_clang_tidy_says(self):
+        self.assertEqual(self.check("tidy.py", "Debian LLVM version 19.1.7")[0], 77)
+
+
+@unittest.skipIf(is_other(TIDY), "another version of clang-tidy")
 class Tidy(unittest.TestCase):
     """Two files of one target that share a header, built by ninja as the project is."""
 

@@ -19,6 +19,8 @@ import subprocess
 import sys
 import tempfile
 
+from tool_version import NOT_APPLICABLE, is_other
+
 FOLDERS = ("kit", "script", "host", "app", "tools")
 TOGETHER = 16
 PRIVATE = re.compile(r"^namespace \{\n(.*?)^\}  // namespace$", re.MULTILINE | re.DOTALL)
@@ -117,6 +119,8 @@ def tidy_unit(tidy, config, entries):
 
 def main():
     root, build, tidy = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]), sys.argv[3]
+    if is_other(tidy):
+        return NOT_APPLICABLE
     stamps = build / "tidy"
     stamps.mkdir(exist_ok=True)
     depends = dependencies(build)

@@ -10,10 +10,12 @@ packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fo
                   fonts-liberation)
 # The compiler, linker and headers with which the macOS half is checked on another system.
 packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
+packages_browser=(chromium)
 packages_test=(libgtest-dev libgmock-dev openssl clang-format clang-tidy procps
-               chromium "${packages_display[@]}" "${packages_macos[@]}")
-# clang's libFuzzer.
-packages_fuzz=(clang libclang-rt-14-dev llvm)
+               "${packages_display[@]}")
+# clang's libFuzzer, of the version that the system's clang is of.
+packages_fuzz=(clang "libclang-rt-$(apt-cache depends clang 2>/dev/null |
+  sed -n 's/.*Depends: clang-\([0-9]*\)$/\1/p' | head -n 1 | grep . || echo 14)-dev" llvm)
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.
@@ -30,6 +32,21 @@ install_packages() {
   fi
   echo "Installing ${missing[*]}"
   as_root apt-get update -qq && apt_install "${missing[@]}"
+}
+
+# install_where_there WHAT package...: installs the packages where this system has all of them; else
+# says what goes without them, and does nothing.
+install_where_there() {
+  local what=$1 package
+  shift
+  for package in "$@"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' &&
+      [ -z "$(apt-cache madison "$package" 2>/dev/null)" ]; then
+      echo "This system has no package $package: $what is left out, all else works without it."
+      return 0
+    fi
+  done
+  install_packages "$@"
 }
 
 # Installs packages by their names, or by the paths of package files.

@@ -37,7 +37,7 @@ install_brew_packages "${brew_build[@]}"
 web/build.sh
 echo "Building Quorin"
 cmake -S . -B build/mac -G Ninja -DCMAKE_BUILD_TYPE=Release -DQUORIN_CALC=OFF -DQUORIN_TESTS=OFF \
-  -DQUORIN_WERROR=OFF >build/mac.configure.log 2>&1 || { cat build/mac.configure.log; exit 1; }
+  >build/mac.configure.log 2>&1 || { cat build/mac.configure.log; exit 1; }
 cmake --build build/mac -- --quiet Quorin
 
 tools/dev/sign_mac.sh "$app" "$identity"

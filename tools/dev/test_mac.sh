@@ -30,7 +30,7 @@ web/build.sh
 echo "Building Quorin and its tests"
 mkdir -p build
 cmake -S . -B build/mac-test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUORIN_CALC=OFF \
-  -DQUORIN_WERROR=OFF -DQUORIN_EXCEL=$excel >build/mac-test.configure.log 2>&1 ||
+  -DQUORIN_EXCEL=$excel >build/mac-test.configure.log 2>&1 ||
   { cat build/mac-test.configure.log; exit 1; }
 cmake --build build/mac-test -- --quiet
 mkdir -p build/mac-test/results

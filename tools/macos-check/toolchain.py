@@ -13,6 +13,10 @@ INCLUDES = pathlib.Path("/usr/include")
 LAYOUT = "6"  # changes when what prepare() makes changes
 
 
+class MissingTool(Exception):
+    """Something that this system may not have at all."""
+
+
 class ToolchainError(Exception):
     pass
 
@@ -80,9 +84,9 @@ class Toolchain:
         for needed in (self.clang, self.linker, settings, musl, INCLUDES / "rapidjson",
                        INCLUDES / "utf8proc.h", INCLUDES / "gtest", INCLUDES / "gmock"):
             if needed is None or not needed.exists():
-                raise ToolchainError(f"{needed or 'musl'} is not there: ./test installs "
-                                     "packages_macos and packages_test of "
-                                     "tools/dev/packages.sh")
+                raise MissingTool(f"{needed or 'musl'} is not there: ./test installs "
+                                  "packages_macos and packages_test of "
+                                  "tools/dev/packages.sh")
         self.stamp = digest(self.clang, settings, musl / "stdio.h", musl / "bits/alltypes.h")
         if self.marker.exists() and self.marker.read_text() == self.stamp:
             return
