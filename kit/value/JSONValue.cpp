@@ -1,5 +1,6 @@
 #include "kit/value/JSONValue.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "kit/value/Unicode.h"
@@ -31,6 +32,14 @@ bool sameBytesInEveryKey(const Object& a, const Object& b) {
   return true;
 }
 
+// The values under each key in its composed form. An object may spell one key in several ways: its
+// values then stay in the order of the bytes, so that objects compare alike from either side.
+std::map<std::string, std::vector<const JSONValue*>> byComposedKey(const Object& members) {
+  std::map<std::string, std::vector<const JSONValue*>> composed;
+  for (const auto& [key, value] : members) composed[toNFC(key)].push_back(&value);
+  return composed;
+}
+
 bool equalObjects(const Object& a, const Object& b) {
   if (a.size() != b.size()) return false;
   if (sameBytesInEveryKey(a, b)) {
@@ -40,13 +49,12 @@ bool equalObjects(const Object& a, const Object& b) {
     }
     return true;
   }
-  std::map<std::string, const JSONValue*> composed;
-  for (const auto& [key, value] : b) composed[toNFC(key)] = &value;
-  for (const auto& [key, value] : a) {
-    auto found = composed.find(toNFC(key));
-    if (found == composed.end() || !(value == *found->second)) return false;
-  }
-  return true;
+  return std::ranges::equal(
+      byComposedKey(a), byComposedKey(b), [](const auto& one, const auto& other) {
+        return one.first == other.first &&
+               std::ranges::equal(one.second, other.second,
+                                  [](const JSONValue* x, const JSONValue* y) { return *x == *y; });
+      });
 }
 
 }  // namespace

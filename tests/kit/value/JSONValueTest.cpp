@@ -107,6 +107,17 @@ TEST(JSONValue, ComparesKeysByCanonicalEquivalence) {
   EXPECT_FALSE(JSONValue(composed) == JSONValue(otherValue));
 }
 
+TEST(JSONValue, ComparesKeysOfSeveralSpellingsAlikeFromEitherSide) {
+  const JSONValue bothSpellings = Object{{"e\u0301", 1}, {"\u00E9", 1}};
+  const JSONValue oneSpelling = Object{{"\u00E9", 1}, {"f", 1}};
+  EXPECT_FALSE(bothSpellings == oneSpelling);
+  EXPECT_FALSE(oneSpelling == bothSpellings);
+  // Three spellings of one letter: the Angstrom sign, the letter with ring, letter and ring.
+  const JSONValue signAndLetter = Object{{"\u212B", 1}, {"\u00C5", 2}};
+  const JSONValue letterAndRing = Object{{"\u00C5", 2}, {"A\u030A", 1}};
+  EXPECT_EQ(signAndLetter == letterAndRing, letterAndRing == signAndLetter);
+}
+
 TEST(JSONValue, FindsMembersOfObjectsOnly) {
   const JSONValue object = Object{{"a", 1}};
   ASSERT_NE(object.member("a"), nullptr);
