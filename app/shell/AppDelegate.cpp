@@ -64,7 +64,7 @@ QXConfig AppDelegate::loadConfiguration() {
   QXConfig config = QXConfig::load(parts_.config, FileSystem::real(), parts_.log);
   previousLaunch_ = ISO::date(config.lastLaunchedAt);
   try {
-    const ISO::Date launch = support_.launchDate(parts_.platform.clock().now());
+    const ISO::Date launch = support_.launchDate(ISO::fromClock(parts_.platform.clock().now()));
     QXConfig::merge({{"lastLaunchedAt", JSONValue(ISO::string(launch))}}, parts_.config);
   } catch (const std::exception& error) {
     parts_.log.log("ERROR", std::string("lastLaunchedAt not saved: ") + error.what());

@@ -62,7 +62,7 @@ void Support::report() {
 std::filesystem::path Support::saveZip(const std::string& version) {
   Archiver* const archiver = parts_.platform.archiver();
   if (!archiver) throw std::runtime_error("nothing here can pack files");
-  const ISO::Date now = parts_.platform.clock().now();
+  const ISO::Date now = ISO::fromClock(parts_.platform.clock().now());
   const StagingFolder staging(parts_.folders.temporary());
   parts_.log.flush();
   const std::filesystem::path folder = ProblemReport::stage(

@@ -42,7 +42,7 @@ void DiagLog::log(std::string_view category, std::string_view message) {
 }
 
 std::string DiagLog::formatLine(Date date, std::string_view category, std::string_view message) {
-  std::string line = ISO::stringWithMilliseconds(date);
+  std::string line = ISO::stringWithMilliseconds(ISO::fromClock(date));
   line.append(" ").append(category).append(" ").append(message);
   return line;
 }

@@ -7,7 +7,13 @@
 
 namespace quorin::ISO {
 
-using Date = std::chrono::system_clock::time_point;
+// Reaches far beyond the four digits of a year, which the system's clock may not.
+using Date = std::chrono::sys_time<std::chrono::microseconds>;
+
+// The microsecond in which a time of the system's clock lies.
+inline Date fromClock(std::chrono::system_clock::time_point time) {
+  return std::chrono::floor<Date::duration>(time);
+}
 
 // In UTC to the second: "2026-11-15T11:02:28Z".
 std::string string(Date date);

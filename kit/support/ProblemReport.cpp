@@ -88,7 +88,8 @@ std::optional<Path> crash(const std::optional<ISO::Date>& since, const Path& fol
 }
 
 std::string stamp(ISO::Date now) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  const auto sinceEpoch = std::chrono::floor<std::chrono::seconds>(now.time_since_epoch());
+  const std::time_t seconds = static_cast<std::time_t>(sinceEpoch.count());
   std::tm local{};
   localtime_r(&seconds, &local);
   char text[32];

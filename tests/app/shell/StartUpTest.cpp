@@ -23,7 +23,7 @@ class StartUpTest : public AppDelegateFixture {
 
   // Launched so long before this launch.
   void launchedBefore(std::chrono::hours before) {
-    const std::string date = ISO::string(platform.clock().now() - before);
+    const std::string date = ISO::string(ISO::fromClock(platform.clock().now() - before));
     writeFile(config, R"({"lastLaunchedAt": ")" + date + "\"}");
   }
 };

@@ -33,7 +33,7 @@ class SupportTest : public ShellFixture {
     return crash;
   }
 
-  std::string stamp() const { return ProblemReport::stamp(platform.clock().now()); }
+  std::string stamp() const { return ProblemReport::stamp(ISO::fromClock(platform.clock().now())); }
   std::string zipName() const { return "Quorin-" + stamp() + ".zip"; }
 
   std::size_t filesIn(const std::string& name) const {

@@ -30,6 +30,13 @@ TEST(ISO, ReadsWhatItWrites) {
             ISO::Date{std::chrono::sys_days{std::chrono::year{2024} / 2 / 29}});
 }
 
+TEST(ISO, ReadsYearsThatAClockInNanosecondsCannotHold) {
+  EXPECT_EQ(ISO::date("2300-01-01T00:00:00Z"), ISO::Date{std::chrono::seconds(10413792000)});
+  EXPECT_EQ(ISO::date("9999-12-31T23:59:59Z"), ISO::Date{std::chrono::seconds(253402300799)});
+  EXPECT_EQ(ISO::date("0001-01-01T00:00:00Z"), ISO::Date{std::chrono::seconds(-62135596800)});
+  EXPECT_EQ(ISO::string(*ISO::date("9999-12-31T23:59:59Z")), "9999-12-31T23:59:59Z");
+}
+
 TEST(ISO, ReadsOtherZones) {
   EXPECT_EQ(ISO::date("2026-11-15T12:02:28+01:00"), known);
   EXPECT_EQ(ISO::date("2026-11-15T05:32:28-05:30"), known);

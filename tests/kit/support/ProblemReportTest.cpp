@@ -22,7 +22,7 @@ ISO::Date localTime(int year, int month, int day, int hour, int minute) {
   local.tm_hour = hour;
   local.tm_min = minute;
   local.tm_isdst = -1;
-  return std::chrono::system_clock::from_time_t(std::mktime(&local));
+  return ISO::Date(std::chrono::seconds(std::mktime(&local)));
 }
 
 class ProblemReportTest : public testing::Test {
@@ -106,7 +106,8 @@ TEST_F(ProblemReportTest, TellsOfACrashSinceADate) {
   EXPECT_EQ(ProblemReport::crash(std::nullopt, folder.path(), "Quorin-"), crash);
   EXPECT_EQ(ProblemReport::crash(date - 1s, folder.path(), "Quorin-"), crash);
   EXPECT_EQ(ProblemReport::crash(date, folder.path(), "Quorin-"), std::nullopt);
-  EXPECT_EQ(ProblemReport::crash(std::chrono::system_clock::now(), folder.path(), "Quorin-"),
+  EXPECT_EQ(ProblemReport::crash(ISO::fromClock(std::chrono::system_clock::now()), folder.path(),
+                                 "Quorin-"),
             std::nullopt);
 }
 
