@@ -18,6 +18,14 @@ std::filesystem::path defaultURL() {
   return library / "Logs/Quorin/quorin.log";
 }
 
+// A system takes what is written a page at a time, and a kill can come between two pages. No
+// system's pages are smaller than this.
+constexpr std::uint64_t pageBytes = 4096;
+
+bool liesInOnePage(std::uint64_t offset, std::uint64_t size) {
+  return size == 0 || offset / pageBytes == (offset + size - 1) / pageBytes;
+}
+
 }  // namespace
 
 DiagLog::DiagLog(std::filesystem::path url, std::int64_t capBytes, std::int64_t trimTo,
@@ -66,10 +74,12 @@ void DiagLog::write(const std::string& line) {
     const auto status = files_.status(url_);
     const std::uint64_t size = status ? status->size : 0;
     const bool fits = capBytes_ >= 0 && size + line.size() <= static_cast<std::uint64_t>(capBytes_);
-    if (fits && (!status || status->writable)) {
+    if (!fits || (status && !status->writable)) {
+      rewrite(line, size);
+    } else if (liesInOnePage(size, line.size())) {
       append(line, size);
     } else {
-      rewrite(line, size);
+      rewriteOrAppend(line, size);
     }
   } catch (const std::exception&) {
     // The line is lost.
@@ -84,6 +94,15 @@ void DiagLog::append(const std::string& line, std::uint64_t size) {
   } catch (const FileError&) {
     files_.truncate(url_, size);  // half a line helps nobody
     throw;
+  }
+}
+
+// Where there is no room or no permission for a second file, half a line is the smaller risk.
+void DiagLog::rewriteOrAppend(const std::string& line, std::uint64_t size) {
+  try {
+    rewrite(line, size);
+  } catch (const FileError&) {
+    append(line, size);
   }
 }
 

@@ -1,6 +1,6 @@
 // DiagLog: the diagnostic log, a text file with one line an event, capped in size. Any thread may
 // log; the file is written on the log's own queue. Logging never fails and never waits for the
-// disk: a line that cannot be written is lost.
+// disk: a line that cannot be written is lost, and a kill leaves a line whole or not at all.
 #pragma once
 
 #include <chrono>
@@ -47,6 +47,7 @@ class DiagLog {
  private:
   void write(const std::string& line);  // on the queue
   void append(const std::string& line, std::uint64_t size);
+  void rewriteOrAppend(const std::string& line, std::uint64_t size);
   void rewrite(const std::string& line, std::uint64_t size);
 
   const std::filesystem::path url_;

@@ -209,6 +209,46 @@ TEST_F(DiagLogTest, IsWrittenWholeOrNotAtAllWhenTrimmed) {
   }
 }
 
+TEST_F(DiagLogTest, HasALineAcrossTwoPagesWholeOrNotAtAllWhereverTheProcessDies) {
+  const std::string earlier = std::string(4080, 'e') + "\n";  // 15 bytes before the next page
+  bool killed = true;
+  std::size_t whole = 0;
+  for (std::size_t step = 0; killed; ++step) {
+    fs::remove_all(file.parent_path());
+    fs::create_directories(file.parent_path());
+    writeFile(file, earlier);
+    killed = killedDuring([&] {
+      FaultyFileSystem deadly;
+      deadly.killAt(step);
+      DiagLog diagLog(file, 100'000, 500, deadly, known);
+      diagLog.log("A", "x");
+      diagLog.flush();
+    });
+    const std::string left = readFile(file);
+    if (left == earlier + lineX) ++whole;
+    EXPECT_TRUE(left == earlier || left == earlier + lineX) << step;
+  }
+  EXPECT_GE(whole, 1u);
+}
+
+TEST_F(DiagLogTest, AppendsAcrossTwoPagesWhereNoSecondFileCanBeMade) {
+  fs::create_directories(file.parent_path());
+  const std::string earlier = std::string(4080, 'e') + "\n";
+  writeFile(file, earlier);
+  files.failEvery("create", ENOSPC);
+  log("x", 100'000, 500);
+  EXPECT_EQ(readFile(file), earlier + lineX);
+}
+
+TEST_F(DiagLogTest, AppendsALineThatEndsWithItsPage) {
+  fs::create_directories(file.parent_path());
+  const std::string earlier = std::string(4066, 'e') + "\n";  // 29 bytes before the next page
+  writeFile(file, earlier);
+  log("x", 100'000, 500);
+  EXPECT_EQ(readFile(file), earlier + lineX);
+  EXPECT_EQ(files.steps(), (Names{"makeFolders", "status", "openToAppend", "append", "close"}));
+}
+
 TEST_F(DiagLogTest, LosesALineItCannotWriteAndNothingElse) {
   fs::create_directories(file.parent_path());
   writeFile(file, "earlier\n");
