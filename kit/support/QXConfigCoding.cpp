@@ -54,9 +54,10 @@ std::int64_t integer(const LosslessJSON& value, const std::string& key) {
   return static_cast<std::int64_t>(*real);
 }
 
+// A key with null counts as missing, whichever it is.
 const LosslessJSON* find(const Object& object, const std::string& key) {
   const auto found = object.find(key);
-  return found == object.end() ? nullptr : &found->second;
+  return found == object.end() || found->second.isNull() ? nullptr : &found->second;
 }
 
 void read(const Object& object, const std::string& key, std::int64_t& field) {
@@ -82,7 +83,7 @@ void read(const Object& object, const std::string& key, std::vector<std::int64_t
 
 void read(const Object& object, const std::string& key, std::optional<std::string>& field) {
   const LosslessJSON* value = find(object, key);
-  if (!value || value->isNull()) return;
+  if (!value) return;
   if (!value->string()) malformed("\"" + key + "\" is not text");
   field = *value->string();
 }

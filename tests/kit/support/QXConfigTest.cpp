@@ -114,14 +114,21 @@ TEST(QXConfigDecode, TakesIntegersHoweverTheyAreSpelled) {
 
 TEST(QXConfigDecode, FailsForAKeyOfTheWrongType) {
   for (const char* text :
-       {R"({"pollMs": "fast"})", R"({"pollMs": true})", R"({"pollMs": null})",
-        R"({"pollMs": 300.5})", R"({"pollMs": [300]})", R"({"pollMs": 9223372036854775808})",
-        R"({"pollMs": 1e300})", R"({"debounceMs": {}})", R"({"summonKeyCode": -1})",
-        R"({"summonKeyCode": 4294967296})", R"({"mapKeyCode": 0.5})",
-        R"({"depsModifiers": "2048"})", R"({"highlightRGB": "red"})",
+       {R"({"pollMs": "fast"})", R"({"pollMs": true})", R"({"pollMs": 300.5})",
+        R"({"pollMs": [300]})", R"({"pollMs": 9223372036854775808})", R"({"pollMs": 1e300})",
+        R"({"debounceMs": {}})", R"({"summonKeyCode": -1})", R"({"summonKeyCode": 4294967296})",
+        R"({"mapKeyCode": 0.5})", R"({"depsModifiers": "2048"})", R"({"highlightRGB": "red"})",
         R"({"highlightRGB": [1, 2, "3"]})", R"({"highlightRGB": [1, 2, 2.5]})",
         R"({"highlightRGB": {"r": 1}})", R"({"lastLaunchedAt": 5})"}) {
     EXPECT_THROW(QXConfig::decode(text), QXConfigError) << text;
+  }
+}
+
+TEST(QXConfigDecode, TakesNullForAMissingKeyWhicheverItIs) {
+  for (const char* key :
+       {"summonKeyCode", "summonModifiers", "mapKeyCode", "mapModifiers", "depsKeyCode",
+        "depsModifiers", "pollMs", "debounceMs", "highlightRGB", "lastLaunchedAt"}) {
+    EXPECT_EQ(QXConfig::decode("{\"" + std::string(key) + "\": null}"), QXConfig()) << key;
   }
 }
 
