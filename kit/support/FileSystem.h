@@ -52,6 +52,8 @@ class FileSystem {
                                                unsigned mode) = 0;
   // The end of a regular file, which is made with mode 0600 where it is missing.
   virtual std::unique_ptr<WritableFile> openToAppend(const std::filesystem::path& path) = 0;
+  // The beginning of a regular file that is there; what it holds stays until it is written over.
+  virtual std::unique_ptr<WritableFile> openToOverwrite(const std::filesystem::path& path) = 0;
   virtual void truncate(const std::filesystem::path& path, std::uint64_t size) = 0;
   virtual void rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
   virtual void syncFolder(const std::filesystem::path& path) = 0;  // makes renames in it last

@@ -147,6 +147,10 @@ class PosixFileSystem : public FileSystem {
         openRegular(path, O_WRONLY | O_APPEND | O_CREAT, 0600, "open"), path);
   }
 
+  std::unique_ptr<WritableFile> openToOverwrite(const fs::path& path) override {
+    return std::make_unique<PosixFile>(openRegular(path, O_WRONLY, 0, "open"), path);
+  }
+
   void truncate(const fs::path& path, std::uint64_t size) override {
     if (::truncate(path.c_str(), static_cast<off_t>(size)) != 0) {
       throw FileError(errno, "truncate", path);

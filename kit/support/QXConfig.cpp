@@ -1,5 +1,6 @@
 #include "kit/support/QXConfig.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "kit/platform/Fatal.h"
@@ -17,9 +18,26 @@ std::string readWhole(FileSystem& files, const std::filesystem::path& url) {
   return files.read(url, 0, JSONLimits{}.bytes + 1);
 }
 
-// A file that may not be written is left alone, though its folder may allow to replace it.
+bool mayNotChangeFolder(const FileError& error) {
+  const int number = error.code().value();
+  return number == EACCES || number == EPERM || number == EROFS;
+}
+
+// A file that may not be written is left alone, though its folder may allow to replace it. Where
+// only the file may be written, it is written in its place.
 void writeWhole(FileSystem& files, const std::filesystem::path& url, const std::string& text) {
-  AtomicFile::write(files, url, text, AtomicFile::ReadOnly::refuse);
+  try {
+    AtomicFile::write(files, url, text, AtomicFile::ReadOnly::refuse);
+  } catch (const FileError& error) {
+    if (!mayNotChangeFolder(error)) throw;
+    const auto status = files.status(url);
+    if (!status || status->kind != FileStatus::Kind::regular || !status->writable) throw;
+    const auto file = files.openToOverwrite(url);
+    file->append(text);
+    files.truncate(url, text.size());
+    file->sync();
+    file->close();
+  }
 }
 
 }  // namespace

@@ -66,6 +66,10 @@ class FaultyFileSystem : public FileSystem {
     step("openToAppend", path);
     return std::make_unique<File>(*this, real().openToAppend(path), path);
   }
+  std::unique_ptr<WritableFile> openToOverwrite(const std::filesystem::path& path) override {
+    step("openToOverwrite", path);
+    return std::make_unique<File>(*this, real().openToOverwrite(path), path);
+  }
   void truncate(const std::filesystem::path& path, std::uint64_t size) override {
     step("truncate", path);
     real().truncate(path, size);

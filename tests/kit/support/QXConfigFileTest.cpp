@@ -274,6 +274,39 @@ TEST_F(QXConfigFile, MergeThrowsForAReadOnlyFileAndKeepsIt) {
   EXPECT_EQ(readFile(file), R"({"a": 1})");
 }
 
+TEST_F(QXConfigFile, MergeWritesAFileInItsPlaceWhereTheFolderMayNotBeWritten) {
+  const std::string longer = R"({"a": 1, "note": ")" + std::string(300, 'n') + "\"}";
+  const fs::path link = folder / "linked.json";
+  fs::create_symlink("Quorin/config.json", link);
+  for (const fs::path& path : {file, link}) {
+    put(longer);
+    openToAll();
+    fs::permissions(file, fs::perms(0666));
+    fs::permissions(file.parent_path(), fs::perms(0555));
+    {
+      const OrdinaryUser user;
+      QXConfig::merge({{"b", 2}, {"note", std::nullopt}}, path, files);
+    }
+    fs::permissions(file.parent_path(), fs::perms(0755));
+    EXPECT_EQ(readFile(file), "{\n  \"a\": 1,\n  \"b\": 2\n}\n");
+    EXPECT_EQ(filesIn(file.parent_path()), Names{"config.json"});
+  }
+  EXPECT_TRUE(fs::is_symlink(link));
+}
+
+TEST_F(QXConfigFile, MergeThrowsWhereNeitherTheFolderNorTheFileMayBeWritten) {
+  put(R"({"a": 1})");
+  openToAll();
+  fs::permissions(file, fs::perms(0444));
+  fs::permissions(file.parent_path(), fs::perms(0555));
+  {
+    const OrdinaryUser user;
+    EXPECT_EQ(mergeError({{"b", 2}}), EACCES);
+  }
+  fs::permissions(file.parent_path(), fs::perms(0755));
+  EXPECT_EQ(readFile(file), R"({"a": 1})");
+}
+
 TEST_F(QXConfigFile, MergeKeepsALinkAndChangesWhatItLeadsTo) {
   fs::create_directories(file.parent_path());
   writeFile(folder / "dotfiles.json", R"({"a": 1})");
