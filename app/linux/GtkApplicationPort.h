@@ -1,5 +1,5 @@
-// GtkApplicationPort: the application port over GTK's main loop. Interrupt and termination signals
-// end the application like the user does.
+// GtkApplicationPort: the application port over GTK's main loop. Interrupt, termination and
+// hang-up signals end the application like the user does.
 #pragma once
 
 #include "app/linux/GLibHandles.h"
@@ -24,7 +24,7 @@ class GtkApplicationPort : public Application {
 
   ApplicationDelegate* delegate_ = nullptr;
   bool terminating_ = false;
-  GSourceHandle interrupt_, termination_;
+  GSourceHandle interrupt_, termination_, hangup_;
 };
 
 }  // namespace quorin
