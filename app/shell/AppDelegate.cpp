@@ -46,6 +46,7 @@ Panel& AppDelegate::panel() {
 
 void AppDelegate::tellCompileError(const std::string& error) {
   const Alert alert{"Quorin could not compile its Excel script: " + error, "", {}};
+  parts_.platform.application().activate();
   parts_.platform.alerts().show(alert, [&application = parts_.platform.application()](std::size_t) {
     application.terminate();
   });

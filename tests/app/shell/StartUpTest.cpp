@@ -149,7 +149,8 @@ TEST_F(StartUpTest, GoesOnWithoutTheHotKeysThatTheSystemRefuses) {
 TEST_F(StartUpTest, TellsThatTheScriptDidNotCompileAndQuits) {
   compileError = "Expected end of line (-2741) line 12";
   launch();
-  EXPECT_THAT(takeJournal(), ElementsAre("alert Quorin could not compile its Excel script: "
+  EXPECT_THAT(takeJournal(), ElementsAre("activateSelf",
+                                         "alert Quorin could not compile its Excel script: "
                                          "Expected end of line (-2741) line 12"));
   EXPECT_THAT(platform.alerts().shown[0].buttons, IsEmpty());
   platform.alerts().press(0);
