@@ -43,7 +43,7 @@ struct QXConfig {
   std::uint32_t depsKeyCode = 1;  // S
   std::uint32_t depsModifiers = 2560;
   std::int64_t pollMs = 300;      // period of the active-cell poll
-  std::int64_t debounceMs = 150;  // quiet time before a change of selection is reported
+  std::int64_t debounceMs = 150;  // stored only: nothing waits for it
   std::vector<std::int64_t> highlightRGB = {255, 0, 255};
   std::optional<std::string> lastLaunchedAt;  // ISO 8601 internet date-time
 
