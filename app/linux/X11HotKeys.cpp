@@ -17,6 +17,10 @@ namespace {
 constexpr unsigned combinationMasks =
     ShiftMask | ControlMask | Mod1Mask | Mod2Mask | Mod3Mask | Mod4Mask | Mod5Mask;
 
+// How late a repeated press of a key may come on a busy machine. Its time is the server's, which
+// counts from the keyboard, so this need not be long.
+constexpr std::uint32_t slackMs = 500;
+
 GdkModifierType gdkModifiers(const Modifiers& modifiers) {
   unsigned mask = 0;
   if (modifiers.shift) mask |= GDK_SHIFT_MASK;
@@ -121,16 +125,33 @@ void X11HotKeys::keysChanged(GdkKeymap*, gpointer data) {
 GdkFilterReturn X11HotKeys::filter(void* xevent, GdkEvent*, gpointer data) {
   auto& self = *static_cast<X11HotKeys*>(data);
   const auto& event = *static_cast<XEvent*>(xevent);
-  if (event.type == KeyPress) return self.pressed(event.xkey.keycode, event.xkey.state);
+  if (event.type == KeyPress) {
+    const XKeyEvent& key = event.xkey;
+    return self.pressed(key.keycode, key.state, static_cast<std::uint32_t>(key.time));
+  }
   if (event.type == KeyRelease) self.down_.erase(event.xkey.keycode);
   return GDK_FILTER_CONTINUE;
 }
 
-GdkFilterReturn X11HotKeys::pressed(unsigned keyCode, unsigned state) {
+// A key that is held down is pressed again and again. Its release can get lost, as to a program
+// that takes the keyboard; a press that comes later than a repeated one would is a new one.
+bool X11HotKeys::repeats(unsigned keyCode, std::uint32_t time) const {
+  const auto before = down_.find(keyCode);
+  if (before == down_.end()) return false;
+  unsigned delay = 660, interval = 40;  // the server's own defaults, in milliseconds
+  XkbGetAutoRepeatRate(gdk_x11_display_get_xdisplay(display_), XkbUseCoreKbd, &delay, &interval);
+  // The server's time has 32 bits and begins anew after 49 days.
+  const auto passed = time - before->second;
+  return passed <= std::max(delay, interval) + slackMs;
+}
+
+GdkFilterReturn X11HotKeys::pressed(unsigned keyCode, unsigned state, std::uint32_t time) {
   const unsigned held = state & combinationMasks & ~numLockMask();
   for (const Combination& combination : combinations_) {
     if (combination.keyCode != keyCode || realMask(combination.modifiers) != held) continue;
-    if (down_.insert(keyCode).second && handler_) handler_(combination.id);
+    const bool repeated = repeats(keyCode, time);
+    down_[keyCode] = time;
+    if (!repeated && handler_) handler_(combination.id);
     return GDK_FILTER_REMOVE;
   }
   return GDK_FILTER_CONTINUE;

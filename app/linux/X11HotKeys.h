@@ -4,7 +4,7 @@
 #pragma once
 
 #include <gdk/gdk.h>
-#include <set>
+#include <map>
 #include <vector>
 
 #include "app/shell/ports/HotKeyService.h"
@@ -38,7 +38,8 @@ class X11HotKeys : public HotKeyService {
 
   static GdkFilterReturn filter(void* xevent, GdkEvent*, gpointer self);
   static void keysChanged(GdkKeymap*, gpointer self);
-  GdkFilterReturn pressed(unsigned keyCode, unsigned state);
+  GdkFilterReturn pressed(unsigned keyCode, unsigned state, std::uint32_t time);
+  bool repeats(unsigned keyCode, std::uint32_t time) const;
   bool grab(const Combination& combination);
   void release(const std::vector<Grab>& grabs);
   void releaseAll();
@@ -50,7 +51,7 @@ class X11HotKeys : public HotKeyService {
   Handler handler_;
   std::vector<Combination> combinations_;
   std::vector<Grab> grabs_;
-  std::set<unsigned> down_;  // key codes
+  std::map<unsigned, std::uint32_t> down_;  // key codes; when each was last pressed
 };
 
 }  // namespace quorin

@@ -2,6 +2,7 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <gdk/gdkx.h>
 #include <stdexcept>
 
 namespace quorin {
@@ -16,6 +17,36 @@ ForeignGrab::ForeignGrab(const std::string& key, unsigned modifiers)
   XGrabKey(display, XKeysymToKeycode(display, XStringToKeysym(key.c_str())), modifiers,
            DefaultRootWindow(display), False, GrabModeAsync, GrabModeAsync);
   XSync(display, False);
+}
+
+ListensToKeys::ListensToKeys(GdkDisplay* display)
+    : display_(gdk_x11_display_get_xdisplay(display)) {
+  auto* const connection = static_cast<Display*>(display_);
+  XWindowAttributes attributes{};
+  XGetWindowAttributes(connection, DefaultRootWindow(connection), &attributes);
+  before_ = attributes.your_event_mask;
+  XSelectInput(connection, DefaultRootWindow(connection), before_ | KeyPressMask);
+  XSync(connection, False);
+}
+
+ListensToKeys::~ListensToKeys() {
+  auto* const connection = static_cast<Display*>(display_);
+  XSelectInput(connection, DefaultRootWindow(connection), before_);
+}
+
+void sendPress(const std::string& key, unsigned modifiers, std::uint32_t time) {
+  Display* const display = XOpenDisplay(nullptr);
+  if (!display) throw std::runtime_error("the display does not open");
+  XEvent press{};
+  press.xkey.type = KeyPress;
+  press.xkey.window = press.xkey.root = DefaultRootWindow(display);
+  press.xkey.time = time;
+  press.xkey.state = modifiers;
+  press.xkey.keycode = XKeysymToKeycode(display, XStringToKeysym(key.c_str()));
+  press.xkey.same_screen = True;
+  XSendEvent(display, DefaultRootWindow(display), False, KeyPressMask, &press);
+  XSync(display, False);
+  XCloseDisplay(display);
 }
 
 Tray::Tray() : display_(XOpenDisplay(nullptr)) {

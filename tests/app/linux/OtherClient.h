@@ -1,6 +1,8 @@
 // What other programs do to the keyboard, and where they put the icons of others.
 #pragma once
 
+#include <cstdint>
+#include <gdk/gdk.h>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,24 @@ class ForeignGrab {
  private:
   void* display_;
 };
+
+// Has this program told of the keys that are sent to the root window while this lives, as the grab
+// does while a key is down.
+class ListensToKeys {
+ public:
+  explicit ListensToKeys(GdkDisplay* display);
+  ~ListensToKeys();
+  ListensToKeys(const ListensToKeys&) = delete;
+  ListensToKeys& operator=(const ListensToKeys&) = delete;
+
+ private:
+  void* display_;
+  long before_;
+};
+
+// Sends every program that listens a press of a key without the release, as if it came so many
+// milliseconds after the beginning of the display's time.
+void sendPress(const std::string& key, unsigned modifiers, std::uint32_t time);
 
 // A tray of the old kind, that is told of icons to take in.
 class Tray {

@@ -80,6 +80,24 @@ TEST_F(X11HotKeysTest, CountsAKeyThatIsHeldDownOnce) {
   EXPECT_THAT(pressedAfter({"alt+shift+m"}), ElementsAre(4));
 }
 
+TEST_F(X11HotKeysTest, CountsTheNextPressOfAKeyWhoseReleaseWasLost) {
+  EXPECT_EQ(keys_.add({1, 4}, keyM, optionShift), HotKeyService::noError);
+  const ListensToKeys listening(gdk_display_get_default());
+  constexpr unsigned altShift = ForeignGrab::alt | ForeignGrab::shift;
+  const auto countAfter = [&](std::uint32_t time) {
+    sendPress("m", altShift, time);
+    runFor(std::chrono::milliseconds(100));
+    return pressed_.size();
+  };
+  EXPECT_EQ(countAfter(100'000), 1u);
+  EXPECT_EQ(countAfter(100'660), 1u);  // held down: the first repeated press
+  EXPECT_EQ(countAfter(100'700), 1u);  // the next
+  EXPECT_EQ(countAfter(110'000), 2u);  // held down it would have come long before
+  EXPECT_EQ(countAfter(110'660), 2u);
+  EXPECT_EQ(countAfter(0xFFFF'FFF0), 3u);
+  EXPECT_EQ(countAfter(0x0000'0100), 3u);  // the display's time began anew
+}
+
 TEST_F(X11HotKeysTest, RefusesWhatIsTakenOrNoKey) {
   EXPECT_EQ(keys_.add({1, 4}, keyM, optionShift), HotKeyService::noError);
   EXPECT_EQ(keys_.add({1, 5}, keyM, optionShift), X11HotKeys::alreadyExists);
