@@ -117,6 +117,14 @@ TEST_F(ExcelThreadTiming, TakesTheWaitForTheLateCallOffTheBudget) {
   EXPECT_THAT(waits(), ElementsAre(seconds(3), seconds(2)));
 }
 
+TEST_F(ExcelThreadTiming, TellsOfWhatTheLateCallLeftOfTheBudget) {
+  leaveOnePending();
+  clock_.signalled(seconds(2), [this] { slowMayEnd_.signal(); });
+  clock_.timesOut([this] { slowBegan_.wait(); });
+  EXPECT_EQ(outcome("qx_slow", 9), "-9990 Excel did not respond within 7s");
+  slowMayEnd_.signal();
+}
+
 TEST_F(ExcelThreadTiming, NeverGivesACallLessThanATenthOfASecond) {
   leaveOnePending();
   forgetWaits();

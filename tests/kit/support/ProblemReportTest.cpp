@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -128,6 +129,41 @@ TEST_F(ProblemReportTest, StagesTheLogTheCrashReportAndTheSystemsDescription) {
   EXPECT_EQ(contents(staged / "quorin.log"), "lines");
   EXPECT_EQ(contents(staged / "Quorin-1.ips"), "stack");
   EXPECT_EQ(contents(staged / "system.txt"), "Quorin 1.0\n");
+}
+
+// A time zone while it lives.
+class TimeZone {
+ public:
+  explicit TimeZone(const char* name) {
+    if (const char* before = std::getenv("TZ")) before_ = before;
+    set(name);
+  }
+  ~TimeZone() { set(before_ ? before_->c_str() : nullptr); }
+  TimeZone(const TimeZone&) = delete;
+  TimeZone& operator=(const TimeZone&) = delete;
+
+ private:
+  static void set(const char* name) {
+    if (name) {
+      setenv("TZ", name, 1);
+    } else {
+      unsetenv("TZ");
+    }
+    tzset();
+  }
+  std::optional<std::string> before_;
+};
+
+TEST_F(ProblemReportTest, StampsTheLocalTimeOn24Hours) {
+  // 2026-11-15T11:02:28Z, counted by hand: 20772 days after 1970-01-01 and 39748 seconds.
+  const ISO::Date noon{std::chrono::seconds(20772LL * 86400 + 39748)};
+  {
+    const TimeZone east("EAST-5:30");
+    EXPECT_EQ(ProblemReport::stamp(noon), "2026-11-15-1632");
+    EXPECT_EQ(ProblemReport::stamp(noon + 8h), "2026-11-16-0032");
+  }
+  const TimeZone west("WEST+12");
+  EXPECT_EQ(ProblemReport::stamp(noon), "2026-11-14-2302");
 }
 
 TEST_F(ProblemReportTest, StagesAnewInPlaceOfWhatIsThere) {

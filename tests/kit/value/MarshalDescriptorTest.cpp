@@ -114,6 +114,19 @@ TEST(MarshalFromDescriptor, ReadsUserFieldsInPairs) {
   EXPECT_EQ(Marshal::fromDescriptor(record), JSONValue(Object{{"a", 1}, {"b", true}}));
 }
 
+TEST(MarshalFromDescriptor, TakesTheTextInFrontOfEachPairForItsKeyWhateverItsValueIs) {
+  const Descriptor record = Descriptor::record(
+      {{usrf, Descriptor::list({Descriptor::text("name"), Descriptor::text("Bolt"),
+                                Descriptor::text("unit"), Descriptor::text("kg"),
+                                Descriptor::text("price"), Descriptor::real(1.5)})}});
+  EXPECT_EQ(Marshal::fromDescriptor(record),
+            JSONValue(Object{{"name", "Bolt"}, {"unit", "kg"}, {"price", 1.5}}));
+  const Descriptor skipped = Descriptor::record(
+      {{usrf, Descriptor::list({Descriptor::integer(9), Descriptor::text("value of no key"),
+                                Descriptor::text("a"), Descriptor::integer(1)})}});
+  EXPECT_EQ(Marshal::fromDescriptor(skipped), JSONValue(Object{{"a", 1}}));
+}
+
 TEST(MarshalFromDescriptor, NamesOtherFieldsByTheirCodes) {
   const Descriptor record = Descriptor::record({{fourCharCode("pnam"), Descriptor::text("Sheet1")},
                                                 {fourCharCode("ID  "), Descriptor::integer(4)}});

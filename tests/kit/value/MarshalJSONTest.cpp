@@ -145,6 +145,14 @@ TEST(MarshalEncode, WritesIntegralNumbersWithoutFraction) {
   EXPECT_EQ(Marshal::encode(-2147483648.0), "-2147483648");
 }
 
+TEST(MarshalEncode, WritesUpTo17DigitsOfAnIntegralNumberWithoutExponent) {
+  EXPECT_EQ(Marshal::encode(1e15), "1000000000000000");
+  EXPECT_EQ(Marshal::encode(-1e15), "-1000000000000000");
+  EXPECT_EQ(Marshal::encode(1e16), "10000000000000000");
+  EXPECT_EQ(Marshal::encode(9007199254740993.0), "9007199254740992");
+  EXPECT_EQ(Marshal::encode(99999999999999984.0), "99999999999999984");
+}
+
 TEST(MarshalEncode, WritesEqualZerosAlike) {
   EXPECT_EQ(Marshal::encode(0.0), "0");
   EXPECT_EQ(Marshal::encode(-0.0), "0");
