@@ -1,6 +1,5 @@
 #include "kit/value/JSONValue.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "kit/value/Unicode.h"
@@ -32,11 +31,17 @@ bool sameBytesInEveryKey(const Object& a, const Object& b) {
   return true;
 }
 
+// A value of an object, compared as such.
+struct SameValue {
+  const JSONValue* value;
+  bool operator==(const SameValue& other) const { return *value == *other.value; }
+};
+
 // The values under each key in its composed form. An object may spell one key in several ways: its
 // values then stay in the order of the bytes, so that objects compare alike from either side.
-std::map<std::string, std::vector<const JSONValue*>> byComposedKey(const Object& members) {
-  std::map<std::string, std::vector<const JSONValue*>> composed;
-  for (const auto& [key, value] : members) composed[toNFC(key)].push_back(&value);
+std::map<std::string, std::vector<SameValue>> byComposedKey(const Object& members) {
+  std::map<std::string, std::vector<SameValue>> composed;
+  for (const auto& [key, value] : members) composed[toNFC(key)].push_back({&value});
   return composed;
 }
 
@@ -49,12 +54,7 @@ bool equalObjects(const Object& a, const Object& b) {
     }
     return true;
   }
-  return std::ranges::equal(
-      byComposedKey(a), byComposedKey(b), [](const auto& one, const auto& other) {
-        return one.first == other.first &&
-               std::ranges::equal(one.second, other.second,
-                                  [](const JSONValue* x, const JSONValue* y) { return *x == *y; });
-      });
+  return byComposedKey(a) == byComposedKey(b);
 }
 
 }  // namespace
