@@ -36,10 +36,11 @@ GtkPlatform::GtkPlatform()
       bundle_(ownProgram()),
       loginItem_(ownProgram(), XDGFolders(environment_).configuration()),
       updater_(
-          {updateTransport_, updateProgress_, alerts_, workspace_, loop_, updateQueue_},
+          {updateTransport_, updateProgress_, alerts_, workspace_, loop_, updateQueue_, clock_},
           {bundle_.infoString("SUFeedURL"), bundle_.infoString("SUPublicEDKey"),
            bundle_.infoString("CFBundleShortVersionString"), bundle_.infoString("QXArchitecture")},
-          XDGFolders(environment_).applicationSupport() / "Quorin" / "updates") {}
+          {XDGFolders(environment_).applicationSupport() / "Quorin" / "updates",
+           XDGFolders(environment_).applicationSupport() / "Quorin" / "feed-date"}) {}
 
 SystemVersions GtkPlatform::systemVersions() const {
   return linuxVersions(environment_, "/etc/os-release");

@@ -4,22 +4,28 @@
 usage: sign_update.py new-key KEY
        sign_update.py public-key KEY
        sign_update.py add KEY FEED FOLDER_URL PACKAGE.deb [NOTES.txt]
+       sign_update.py sign KEY FEED
 
 new-key makes a private key, which belongs neither into the repository nor onto the server, and
 prints the public one, which is what the build is given as QUORIN_UPDATE_KEY; public-key prints that
 again. add puts an item for the package into the feed, which is made where it is missing; an item of
 the same version and architecture is replaced, all others stay. The package is then to be put on the
-server at FOLDER_URL/PACKAGE.deb, before the feed. Needs openssl and dpkg-deb.
+server at FOLDER_URL/PACKAGE.deb, before the feed. The feed gets the date of today and a signature
+over all of it; add refuses a feed that is not as KEY signed it. sign dates and signs a feed as it
+stands, whoever wrote it: look at it first. Needs openssl and dpkg-deb.
 """
 import base64
+import datetime
 import email.utils
 import os
 import pathlib
 import subprocess
 import sys
+import tempfile
 import xml.etree.ElementTree as ET
 
 SPARKLE = "http://www.andymatuschak.org/xml-namespaces/sparkle"
+DUBLIN_CORE = "http://purl.org/dc/elements/1.1/"
 PUBLIC_KEY_BYTES = 32
 
 
@@ -55,6 +61,42 @@ def public_key(key):
     print(base64.b64encode(encoded[-PUBLIC_KEY_BYTES:]).decode())
 
 
+def signature_of(key, content):
+    """In base64. That of the same key and content is always the same."""
+    with tempfile.NamedTemporaryFile() as file:
+        file.write(content)
+        file.flush()
+        signature = output_of("openssl", "pkeyutl", "-sign", "-rawin", "-inkey", key,
+                              "-in", file.name)
+    return base64.b64encode(signature)
+
+
+def signed(key, content):
+    return content + b"<!-- signature: " + signature_of(key, content) + b" -->\n"
+
+
+def is_signed(key, feed):
+    content, mark, _ = feed.rpartition(b"<!-- signature: ")
+    return bool(mark) and feed == signed(key, content)
+
+
+def write_feed(key, path, root, date=None):
+    channel = root.find("channel")
+    element = channel.find(f"{{{DUBLIN_CORE}}}date")
+    if element is None:
+        element = ET.Element(f"{{{DUBLIN_CORE}}}date")
+        channel.insert(0, element)
+    date = date or datetime.datetime.now(datetime.timezone.utc)
+    element.text = date.strftime("%Y-%m-%dT%H:%M:%SZ")
+    ET.register_namespace("sparkle", SPARKLE)
+    ET.register_namespace("dc", DUBLIN_CORE)
+    ET.indent(root)
+    content = ET.tostring(root, encoding="utf-8", xml_declaration=True) + b"\n"
+    written = path.with_name(path.name + ".new")
+    written.write_bytes(signed(key, content))
+    written.replace(path)
+
+
 def read_feed(path):
     if path.exists():
         root = ET.parse(path).getroot()
@@ -85,6 +127,8 @@ def add(key, feed, folder_url, package, notes=None):
     signature = output_of("openssl", "pkeyutl", "-sign", "-rawin", "-inkey", key, "-in", package)
     system = f"linux-{architecture}"
 
+    if feed.exists() and not is_signed(key, feed.read_bytes()):
+        raise Trouble(f"{feed} is not as this key signed it")
     root, channel = read_feed(feed)
     for item in channel.findall("item"):
         if is_of(item, version, system):
@@ -105,16 +149,21 @@ def add(key, feed, folder_url, package, notes=None):
         sparkle("edSignature"): base64.b64encode(signature).decode(),
     })
 
-    ET.register_namespace("sparkle", SPARKLE)
-    ET.indent(root)
-    written = feed.with_name(feed.name + ".new")
-    ET.ElementTree(root).write(written, encoding="utf-8", xml_declaration=True)
-    written.replace(feed)
+    write_feed(key, feed, root)
     print(f"{feed}: Quorin {version} for {system}")
 
 
+def sign(key, feed):
+    feed = pathlib.Path(feed)
+    if not feed.exists():
+        raise Trouble(f"{feed} is not there")
+    root, _ = read_feed(feed)
+    write_feed(key, feed, root)
+
+
 def main():
-    commands = {"new-key": (new_key, (1,)), "public-key": (public_key, (1,)), "add": (add, (4, 5))}
+    commands = {"new-key": (new_key, (1,)), "public-key": (public_key, (1,)), "add": (add, (4, 5)),
+                "sign": (sign, (2,))}
     command, counts = commands.get(sys.argv[1] if len(sys.argv) > 1 else "", (None, ()))
     if command is None or len(sys.argv) - 2 not in counts:
         print(__doc__.strip(), file=sys.stderr)

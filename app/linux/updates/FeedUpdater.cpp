@@ -1,9 +1,12 @@
 #include "app/linux/updates/FeedUpdater.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
 #include "app/linux/updates/Address.h"
+#include "app/linux/updates/FeedDate.h"
+#include "app/linux/updates/FeedSignature.h"
 #include "app/linux/updates/PackageSignature.h"
 
 namespace quorin {
@@ -22,10 +25,10 @@ std::string megabytes(std::uint64_t bytes) {
 
 }  // namespace
 
-FeedUpdater::FeedUpdater(Parts parts, Release release, std::filesystem::path folder)
+FeedUpdater::FeedUpdater(Parts parts, Release release, Files files)
     : parts_(parts),
       release_(std::move(release)),
-      folder_(std::move(folder)),
+      files_(std::move(files)),
       version_(VersionNumber::parse(release_.version)),
       reason_(findReason()) {
   discardPackage();
@@ -58,24 +61,53 @@ void FeedUpdater::checkForUpdates() {
 }
 
 void FeedUpdater::readFeed(const std::string& feed) {
-  const auto read = newestUpdate(feed, "linux-" + release_.architecture);
+  const auto content = signedFeed(feed, key_);
+  if (const auto* const failure = std::get_if<UpdateFailure>(&content)) {
+    return fail(UpdateStep::checking, *failure);
+  }
+  const auto read =
+      quorin::readFeed(std::get<std::string_view>(content), "linux-" + release_.architecture);
   if (const auto* const failure = std::get_if<UpdateFailure>(&read)) {
     return fail(UpdateStep::checking, *failure);
   }
-  const Update& update = std::get<Update>(read);
-  if (update.number > *version_) return offer(update);
-  const std::string text = update.number == *version_
-                               ? "Version " + release_.version + " is the newest one."
-                               : "This is version " + release_.version +
-                                     "; the newest one published is " + update.version + ".";
+  const auto& [date, newest] = std::get<Feed>(read);
+  if (!isRecent(date)) return;
+  if (const auto* const failure = std::get_if<UpdateFailure>(&newest)) {
+    return fail(UpdateStep::checking, *failure);
+  }
+  const Update& update = std::get<Update>(newest);
+  const std::string warning = FeedDate::warning(date, ISO::fromClock(parts_.clock.now()));
+  if (update.number > *version_) return offer(update, warning);
+  std::string text = update.number == *version_
+                         ? "Version " + release_.version + " is the newest one."
+                         : "This is version " + release_.version +
+                               "; the newest one published is " + update.version + ".";
+  if (!warning.empty()) text += "\n\n" + warning;
   tell({"Quorin is up to date", text, {}});
 }
 
-void FeedUpdater::offer(const Update& update) {
+// Remembers the date when it is the newest so far; tells the user when the feed is not to be used.
+bool FeedUpdater::isRecent(ISO::Date date) {
+  newestSeen_ = std::max(newestSeen_, FeedDate::load(files_.feedDate));
+  if (const auto failure =
+          FeedDate::refused(date, newestSeen_, ISO::fromClock(parts_.clock.now()))) {
+    fail(UpdateStep::checking, *failure);
+    return false;
+  }
+  if (newestSeen_ < date) {
+    newestSeen_ = date;
+    parts_.worker.post([file = files_.feedDate, date] { FeedDate::remember(file, date); });
+  }
+  return true;
+}
+
+void FeedUpdater::offer(const Update& update, const std::string& warning) {
   transfer_.reset();
   parts_.progress.hide();
   std::string text = "You have version " + release_.version + ".";
-  if (!update.notes.empty()) text += "\n\n" + update.notes;
+  for (const std::string& more : {warning, update.notes}) {
+    if (!more.empty()) text += "\n\n" + more;
+  }
   parts_.alerts.show({"Quorin " + update.version + " is available", text, {"Install", "Not Now"}},
                      [this, update, running = std::weak_ptr(running_)](std::size_t button) {
                        if (running.expired()) return;
@@ -106,8 +138,9 @@ void FeedUpdater::prepare(const Update& update, std::string bytes) {
   }
   parts_.progress.show("Checking the package of Quorin " + update.version + "…", 1);
   const PackageIdentity expected{"quorin", update.version, release_.architecture};
-  parts_.worker.post([this, update, expected, key = key_, folder = folder_, &loop = parts_.loop,
-                      bytes = std::move(bytes), running = std::weak_ptr(running_)] {
+  parts_.worker.post([this, update, expected, key = key_, folder = files_.folder,
+                      &loop = parts_.loop, bytes = std::move(bytes),
+                      running = std::weak_ptr(running_)] {
     loop.post([this, running, prepared = verifyAndSave(update, bytes, key, expected, folder)] {
       if (!running.expired()) install(prepared);
     });
@@ -155,7 +188,7 @@ void FeedUpdater::cancel() {
 
 // On the worker, after what it may just be saving.
 void FeedUpdater::discardPackage() {
-  parts_.worker.post([folder = folder_] { PackageFile::discard(folder); });
+  parts_.worker.post([folder = files_.folder] { PackageFile::discard(folder); });
 }
 
 void FeedUpdater::fail(UpdateStep step, const UpdateFailure& failure) {

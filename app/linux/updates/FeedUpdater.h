@@ -1,7 +1,8 @@
-// FeedUpdater: the updater port over a signed feed. Reads the feed when asked to, offers what is
-// newer with its notes, fetches the package into memory, and only when it is exactly what the maker
-// signed puts it into a folder of its own and hands it to the desktop's installer. Whatever goes
-// wrong ends in one alert; the user may cancel at any time. Main thread; owned by the platform.
+// FeedUpdater: the updater port over a signed feed. Reads the feed when asked to, uses it only when
+// all of it is signed and no newer one was seen, offers what is newer with its notes, fetches the
+// package into memory, and only when it is exactly what the maker signed puts it into a folder of
+// its own and hands it to the desktop's installer. Whatever goes wrong ends in one alert; the user
+// may cancel at any time. Main thread; owned by the platform.
 //
 // The folder lasts until the next check or the next start, since the installer may take its time.
 // Only the worker touches it.
@@ -16,6 +17,7 @@
 #include "app/linux/updates/UpdateFeed.h"
 #include "app/linux/updates/UpdateProgress.h"
 #include "app/linux/updates/UpdateTransport.h"
+#include "app/shell/ports/Clock.h"
 #include "app/shell/ports/MainLoop.h"
 #include "app/shell/ports/Updater.h"
 #include "app/shell/ports/Workspace.h"
@@ -33,6 +35,7 @@ class FeedUpdater : public Updater {
     Workspace& workspace;
     MainLoop& loop;
     Queue& worker;
+    const Clock& clock;
   };
 
   // What the build knows.
@@ -43,8 +46,13 @@ class FeedUpdater : public Updater {
     std::string architecture;  // as Debian names it: "amd64"
   };
 
+  struct Files {
+    std::filesystem::path folder;    // for the package
+    std::filesystem::path feedDate;  // the newest that was seen; outside of that folder
+  };
+
   // Removes what an earlier process left in the folder.
-  FeedUpdater(Parts parts, Release release, std::filesystem::path folder);
+  FeedUpdater(Parts parts, Release release, Files files);
   ~FeedUpdater() override;
   FeedUpdater(const FeedUpdater&) = delete;
   FeedUpdater& operator=(const FeedUpdater&) = delete;
@@ -59,7 +67,8 @@ class FeedUpdater : public Updater {
 
   std::optional<std::string> findReason();
   void readFeed(const std::string& feed);
-  void offer(const Update& update);
+  bool isRecent(ISO::Date date);
+  void offer(const Update& update, const std::string& warning);
   void fetchPackage(const Update& update);
   void showReceived(const Update& update, std::uint64_t received);
   void prepare(const Update& update, std::string bytes);
@@ -75,8 +84,9 @@ class FeedUpdater : public Updater {
 
   const Parts parts_;
   const Release release_;
-  const std::filesystem::path folder_;
-  std::string key_;  // its 32 bytes
+  const Files files_;
+  std::optional<ISO::Date> newestSeen_;  // by this process
+  std::string key_;                      // its 32 bytes
   std::optional<VersionNumber> version_;
   std::optional<std::string> reason_;
   std::unique_ptr<UpdateTransport::Transfer> transfer_;

@@ -24,6 +24,16 @@ std::string sentence(UpdateStep step, UpdateFault fault) {
       return "The list of versions cannot be read.";
     case UpdateFault::incomplete:
       return "The list of versions is incomplete.";
+    case UpdateFault::unsignedFeed:
+      return "The list of versions does not end with a signature for all of it.";
+    case UpdateFault::changedFeed:
+      return "The list of versions is not what the makers of Quorin signed.";
+    case UpdateFault::undatedFeed:
+      return "The list of versions does not say when it was signed.";
+    case UpdateFault::olderFeed:
+      return "The server gives an older list of versions than one that was seen before.";
+    case UpdateFault::futureFeed:
+      return "The list of versions is dated in the future. Is this computer's clock right?";
     case UpdateFault::nothingForSystem:
       return "The list of versions has no package for this kind of computer.";
     case UpdateFault::truncated:

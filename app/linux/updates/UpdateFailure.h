@@ -16,6 +16,11 @@ enum class UpdateFault {
   insecure,          // an address without encryption
   unreadable,        // the feed is no feed
   incomplete,        // the feed leaves out what an update needs
+  unsignedFeed,      // the feed does not end with a signature for all of it
+  changedFeed,       // the feed is not what its maker signed
+  undatedFeed,       // the feed does not say when it was signed
+  olderFeed,         // a newer feed was seen before
+  futureFeed,        // the feed is dated ahead of this computer's clock
   nothingForSystem,  // the feed has no package for this kind of machine
   truncated,         // less came than the feed or the server said
   tooLong,           // more came than the feed said, or than a feed can be

@@ -115,6 +115,21 @@ std::optional<UpdateFailure> readItem(const pugi::xml_node& item, const pugi::xm
   return std::nullopt;
 }
 
+std::variant<Update, UpdateFailure> newestUpdate(const pugi::xml_node& channel,
+                                                 std::string_view system) {
+  std::optional<Update> newest;
+  for (const pugi::xml_node item : channel.children("item")) {
+    for (const pugi::xml_node enclosure : item.children("enclosure")) {
+      if (enclosure.attribute("sparkle:os").value() != system) continue;
+      Update update;
+      if (auto failure = readItem(item, enclosure, update)) return std::move(*failure);
+      if (!newest || newest->number < update.number) newest = std::move(update);
+    }
+  }
+  if (!newest) return UpdateFailure{UpdateFault::nothingForSystem, {}};
+  return std::move(*newest);
+}
+
 }  // namespace
 
 std::string readableNotes(std::string_view notes, bool markup) {
@@ -145,7 +160,7 @@ std::string readableNotes(std::string_view notes, bool markup) {
   return cut ? shown + "…" : shown;
 }
 
-std::variant<Update, UpdateFailure> newestUpdate(std::string_view feed, std::string_view system) {
+std::variant<Feed, UpdateFailure> readFeed(std::string_view feed, std::string_view system) {
   if (!isValidUTF8(feed)) return UpdateFailure{UpdateFault::unreadable, "it is not UTF-8"};
   pugi::xml_document document;
   const pugi::xml_parse_result read =
@@ -153,18 +168,10 @@ std::variant<Update, UpdateFailure> newestUpdate(std::string_view feed, std::str
   if (!read) return UpdateFailure{UpdateFault::unreadable, read.description()};
   const pugi::xml_node channel = document.child("rss").child("channel");
   if (!channel) return UpdateFailure{UpdateFault::unreadable, "it is not an RSS feed"};
-
-  std::optional<Update> newest;
-  for (const pugi::xml_node item : channel.children("item")) {
-    for (const pugi::xml_node enclosure : item.children("enclosure")) {
-      if (enclosure.attribute("sparkle:os").value() != system) continue;
-      Update update;
-      if (auto failure = readItem(item, enclosure, update)) return std::move(*failure);
-      if (!newest || newest->number < update.number) newest = std::move(update);
-    }
-  }
-  if (!newest) return UpdateFailure{UpdateFault::nothingForSystem, {}};
-  return std::move(*newest);
+  const std::optional<ISO::Date> date =
+      ISO::date(std::string(trimmed(channel.child_value("dc:date"))));
+  if (!date) return UpdateFailure{UpdateFault::undatedFeed, {}};
+  return Feed{*date, newestUpdate(channel, system)};
 }
 
 }  // namespace quorin

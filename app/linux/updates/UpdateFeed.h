@@ -2,8 +2,10 @@
 //
 // A feed is an RSS document, as Sparkle reads it too, with an item for each version:
 //
-//   <rss version="2.0" xmlns:sparkle="http://www.andymatuschak.org/xml-namespaces/sparkle">
+//   <rss version="2.0" xmlns:dc="http://purl.org/dc/elements/1.1/"
+//        xmlns:sparkle="http://www.andymatuschak.org/xml-namespaces/sparkle">
 //     <channel>
+//       <dc:date>2026-11-15T11:02:28Z</dc:date>
 //       <item>
 //         <sparkle:version>1.3.0</sparkle:version>
 //         <description sparkle:descriptionFormat="plain-text">What is new</description>
@@ -14,8 +16,9 @@
 //     </channel>
 //   </rss>
 //
-// The signature is Ed25519 over the file of the enclosure, in base64. Items for other systems, and
-// those without sparkle:os, which are the Mac's, are passed over.
+// The date is that of the feed's own signature (FeedSignature.h). The signature of an item is
+// Ed25519 over the file of the enclosure, in base64. Items for other systems, and those without
+// sparkle:os, which are the Mac's, are passed over.
 #pragma once
 
 #include <cstdint>
@@ -25,6 +28,7 @@
 
 #include "app/linux/updates/UpdateFailure.h"
 #include "app/linux/updates/VersionNumber.h"
+#include "kit/support/ISO.h"
 
 namespace quorin {
 
@@ -41,9 +45,15 @@ struct Update {
   bool operator==(const Update&) const = default;
 };
 
-// The newest version that the feed has for the system ("linux-amd64"). An item for the system that
-// lacks something is a failure even when there is a better one: whoever made the feed erred.
-std::variant<Update, UpdateFailure> newestUpdate(std::string_view feed, std::string_view system);
+struct Feed {
+  ISO::Date date;
+  // The newest version for the system. An item for the system that lacks something is a failure
+  // even when there is a better one: whoever made the feed erred.
+  std::variant<Update, UpdateFailure> newest;
+};
+
+// What the feed has for the system ("linux-amd64"). A failure when it is no feed, or has no date.
+std::variant<Feed, UpdateFailure> readFeed(std::string_view feed, std::string_view system);
 
 // The notes as an alert shows them: without markup when they have some, at most 25 lines and about
 // 1,500 characters, with an ellipsis where more was left out.

@@ -1,5 +1,6 @@
 """The program as its makers publish it, with a feed of newer versions and an address for reports,
 beside the server of the makers. Part of panel_test.py."""
+import datetime
 import http.server
 import pathlib
 import ssl
@@ -7,12 +8,15 @@ import subprocess
 import sys
 import threading
 import urllib.parse
+import xml.etree.ElementTree as ET
 
 from desk import ROOT, Quorin
 from shell_case import ShellCase
 from try_panel import wait_for
 
 SIGN = ROOT / "tools" / "dev" / "sign_update.py"
+sys.path.insert(0, str(SIGN.parent))
+import sign_update  # pylint: disable=wrong-import-position
 VERSION = "99.0.0"
 
 
@@ -112,6 +116,20 @@ class ReleaseTest(ShellCase):
                   package or self.package, notes)
         return feed.read_bytes()
 
+    def feed_of(self, days, package=None):
+        """Signed that many days ago."""
+        feed = self.folder / "old.xml"
+        feed.write_bytes(self.feed(package))
+        date = datetime.datetime.now(datetime.timezone.utc) - datetime.timedelta(days=days)
+        sign_update.write_feed(self.keys / "update.key", feed, ET.parse(feed).getroot(), date)
+        return feed.read_bytes()
+
+    def feed_with_package_signed_by_another(self):
+        feed = self.folder / "another.xml"
+        feed.write_bytes(self.feed(key=self.other_key))
+        self.sign("sign", self.keys / "update.key", feed)
+        return feed.read_bytes()
+
     def setUp(self):
         super().setUp()
         self.server = Server(self.keys, self.feed_url)
@@ -152,7 +170,8 @@ class ReleaseTest(ShellCase):
     def test_changes_nothing_when_something_is_wrong(self):
         newer = f"Quorin {VERSION} is available"
         refused, stopped = "Could not check for updates", "Could not update Quorin"
-        signed_by_another = {self.feed_path: (200, {}, self.feed(key=self.other_key))}
+        older = self.make_package("0.0.1")
+        feed = self.feed()
         package = self.package.read_bytes()
         cases = {
             "no network": (None, [refused], "Is this computer connected to the network?"),
@@ -160,10 +179,21 @@ class ReleaseTest(ShellCase):
                         "does not have the list of versions. (status 404)"),
             "another host": ({self.feed_path: (302, {"Location": "https://127.0.0.1/feed"}, b"")},
                              [refused], "sends Quorin to another server"),
-            "an older version": ({self.feed_path: (200, {}, self.feed(self.make_package("0.0.1")))},
+            "a list that nobody renews": (
+                {self.feed_path: (200, {}, self.feed_of(40, older))}, ["Quorin is up to date"],
+                "more than 30 days ago. There may be versions that it does not name."),
+            "an older version": ({self.feed_path: (200, {}, self.feed(older))},
                                  ["Quorin is up to date"], "the newest one published is 0.0.1."),
-            "signed by another": (signed_by_another, [newer, stopped],
-                                  "The package is not signed by the makers of Quorin."),
+            "an older list": ({self.feed_path: (200, {}, self.feed_of(1))}, [refused],
+                              "an older list of versions than one that was seen before."),
+            "a list signed by another": (
+                {self.feed_path: (200, {}, self.feed(key=self.other_key))}, [refused],
+                "The list of versions is not what the makers of Quorin signed."),
+            "a list that goes on": ({self.feed_path: (200, {}, feed + b"<!-- -->")}, [refused],
+                                    "does not end with a signature for all of it."),
+            "a package signed by another": (
+                {self.feed_path: (200, {}, self.feed_with_package_signed_by_another())},
+                [newer, stopped], "The package is not signed by the makers of Quorin."),
             "a changed package": ({self.package_path: (200, {}, package[:-1] + b"x")},
                                   [newer, stopped], "not signed by the makers of Quorin."),
             "a package that breaks off": (
@@ -174,7 +204,7 @@ class ReleaseTest(ShellCase):
                 [newer, stopped], "sends Quorin to another server"),
         }
         quorin, menu = self.start_released()
-        sound = dict(self.server.answers)
+        sound = {**self.server.answers, self.feed_path: (200, {}, self.feed())}  # the newest date
         for name, (answers, messages, reason) in cases.items():
             with self.subTest(name):
                 if answers is not None and not self.server.server:

@@ -76,14 +76,15 @@ class GtkUpdatesTest : public GtkFixture {
   GtkUpdateProgress progress;
   SoupTransport transport{{server.authorities(), std::chrono::seconds(30)}};
   SerialQueue worker{"updates"};
-  FeedUpdater updater{
-      {transport, progress, alerts, platform->workspace(), platform->mainLoop(), worker},
-      {server.url("/feed"), release.publicKey(), "1.2.0", "amd64"},
-      home / "updates"};
+  FeedUpdater updater{{transport, progress, alerts, platform->workspace(), platform->mainLoop(),
+                       worker, platform->clock()},
+                      {server.url("/feed"), release.publicKey(), "1.2.0", "amd64"},
+                      {home / "updates", home / "feed-date"}};
 };
 
 TEST_F(GtkUpdatesTest, OffersWhatIsNewAndTellsOfAWrongSignature) {
-  server.serveFile("/feed", Release().feed("1.3.0", server.url("/quorin.deb"), package));
+  server.serveFile("/feed", release.feed("1.3.0", server.url("/quorin.deb"), package,
+                                         {{"sparkle:edSignature", Release().sign(package)}}));
   updater.checkForUpdates();
   ASSERT_TRUE(says("Quorin 1.3.0 is available"));
   EXPECT_THAT(texts(), Contains("You have version 1.2.0.\n\nWhat is new"));

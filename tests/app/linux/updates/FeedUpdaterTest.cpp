@@ -72,12 +72,15 @@ class FakeProgress : public UpdateProgress {
 
 class FeedUpdaterTest : public testing::Test {
  protected:
+  FeedUpdaterTest() { release.date = "2026-09-21T14:00:00Z"; }  // 13 minutes ago, by the clock
+
   void make(const std::string& feed = feedUrl) {
     updater.reset();
     updater = std::make_unique<FeedUpdater>(
         FeedUpdater::Parts{transport, progress, platform.alerts(), platform.workspace(),
-                           platform.mainLoop(), worker},
-        FeedUpdater::Release{feed, key, "1.2.0", "amd64"}, folder);
+                           platform.mainLoop(), worker, platform.clock()},
+        FeedUpdater::Release{feed, key, "1.2.0", "amd64"},
+        FeedUpdater::Files{folder, home / "feed-date"});
     worker.runAll();
   }
 
@@ -113,7 +116,7 @@ class FeedUpdaterTest : public testing::Test {
   }
 
   const TemporaryFolder home;
-  const Release release;
+  Release release;
   std::string key = release.publicKey();
   const std::string package = Release::package("quorin", "1.3.0", "amd64");
   std::filesystem::path folder = home / "updates";
@@ -237,8 +240,13 @@ TEST_F(FeedUpdaterTest, TellsWhatKeepsItFromTheFeed) {
 
 TEST_F(FeedUpdaterTest, TellsWhatIsWrongWithTheFeed) {
   const std::vector<std::pair<std::string, UpdateFailure>> table{
-      {"<rss><channel>", {UpdateFault::unreadable, "Error parsing start element tag"}},
-      {"<rss><channel/></rss>", {UpdateFault::nothingForSystem, ""}},
+      {release.signedFeed("<rss><channel>"),
+       {UpdateFault::unreadable, "Error parsing start element tag"}},
+      {release.signedFeed("<rss><channel/></rss>"), {UpdateFault::undatedFeed, ""}},
+      {release.signedFeed("<rss><channel><dc:date>2026-09-21T14:00:00Z</dc:date></channel></rss>"),
+       {UpdateFault::nothingForSystem, ""}},
+      {release.feed("1.3.0", packageUrl, package) + "\n", {UpdateFault::unsignedFeed, ""}},
+      {Release().feed("1.3.0", packageUrl, package), {UpdateFault::changedFeed, ""}},
       {release.feed("1.3.0", packageUrl, package, {{"length", ""}}),
        {UpdateFault::incomplete, "the length of version 1.3.0 is missing"}},
       {release.feed("1.3.0", packageUrl, package, {{"sparkle:edSignature", ""}}),
@@ -266,6 +274,68 @@ TEST_F(FeedUpdaterTest, TellsWhatIsWrongWithTheFeed) {
   }
 }
 
+TEST_F(FeedUpdaterTest, RefusesAFeedOlderThanTheNewestSeen) {
+  for (const bool restarted : {false, true}) {
+    release.date = restarted ? "2026-09-21T14:10:00Z" : "2026-09-20T14:00:00Z";
+    make();
+    updater->checkForUpdates();
+    transport.finish(release.feed("1.2.0", packageUrl, package));
+    EXPECT_EQ(takeAlerts().at(0).message, "Quorin is up to date");
+    platform.alerts().press(0);
+    if (restarted) {
+      settle();
+      make();
+    }
+    release.date = "2026-09-19T14:00:00Z";
+    updater->checkForUpdates();
+    transport.finish(release.feed("1.3.0", packageUrl, package));
+    expectRefusal(
+        UpdateStep::checking,
+        {UpdateFault::olderFeed, restarted ? "signed on 2026-09-19, the other one on 2026-09-21"
+                                           : "signed on 2026-09-19, the other one on 2026-09-20"});
+    progress.cancel();
+  }
+}
+
+// Or a feed that is refused would keep the right one out.
+TEST_F(FeedUpdaterTest, RemembersOnlyDatesOfFeedsThatItUses) {
+  make();
+  release.date = "2026-09-23T14:00:00Z";
+  Release others;
+  others.date = "2026-09-21T14:12:00Z";
+  const std::vector<std::pair<std::string, UpdateFailure>> table{
+      {release.feed("1.3.0", packageUrl, package), {UpdateFault::futureFeed, "2026-09-23"}},
+      {others.feed("1.3.0", packageUrl, package), {UpdateFault::changedFeed, ""}},
+  };
+  for (const auto& [feed, failure] : table) {
+    updater->checkForUpdates();
+    transport.finish(feed);
+    expectRefusal(UpdateStep::checking, failure);
+    progress.cancel();
+  }
+  settle();
+  EXPECT_FALSE(std::filesystem::exists(home / "feed-date"));
+  release.date = "2026-09-21T14:00:00Z";
+  acceptOffer(release.feed("1.3.0", packageUrl, package));
+}
+
+TEST_F(FeedUpdaterTest, TellsThatTheFeedIsOverThirtyDaysOld) {
+  const std::string warning =
+      "The list of versions was signed on 2026-08-22, more than 30 days ago. There may be versions "
+      "that it does not name.";
+  release.date = "2026-08-22T14:13:19Z";  // a second too many
+  make();
+  updater->checkForUpdates();
+  transport.finish(release.feed("1.2", packageUrl, package));
+  EXPECT_EQ(takeAlerts().at(0).informativeText, "Version 1.2.0 is the newest one.\n\n" + warning);
+  platform.alerts().press(0);
+  updater->checkForUpdates();
+  transport.finish(release.feed("1.3.0", packageUrl, package));
+  EXPECT_EQ(takeAlerts().at(0).informativeText,
+            "You have version 1.2.0.\n\n" + warning + "\n\nWhat is new");
+  platform.alerts().press(1);
+}
+
 TEST_F(FeedUpdaterTest, TellsWhatKeepsItFromThePackage) {
   make();
   for (const UpdateFault fault :
@@ -290,7 +360,8 @@ TEST_F(FeedUpdaterTest, RefusesPackagesThatTheirMakersDidNotSign) {
   expectRefusal(UpdateStep::installing, {UpdateFault::wrongSignature, ""});
   progress.cancel();
 
-  acceptOffer(Release().feed("1.3.0", packageUrl, package));  // somebody else's key
+  const std::string somebodys = Release().sign(package);
+  acceptOffer(release.feed("1.3.0", packageUrl, package, {{"sparkle:edSignature", somebodys}}));
   transport.finish(package);
   settle();
   expectRefusal(UpdateStep::installing, {UpdateFault::wrongSignature, ""});

@@ -5,6 +5,7 @@
 #include <sodium.h>
 #include <stdexcept>
 
+#include "kit/support/ISO.h"
 #include "tests/fakes/TemporaryFolder.h"
 #include "tests/fakes/ui/ChildProcess.h"
 
@@ -21,7 +22,7 @@ std::string base64(const unsigned char* bytes, std::size_t count) {
 
 }  // namespace
 
-Release::Release() {
+Release::Release() : date(ISO::string(ISO::fromClock(std::chrono::system_clock::now()))) {
   if (sodium_init() < 0) throw std::runtime_error("libsodium cannot be used");
   unsigned char open[crypto_sign_PUBLICKEYBYTES], secret[crypto_sign_SECRETKEYBYTES];
   crypto_sign_keypair(open, secret);
@@ -36,6 +37,10 @@ std::string Release::sign(const std::string& bytes) const {
   return base64(signature, sizeof signature);
 }
 
+std::string Release::signedFeed(const std::string& text) const {
+  return text + "<!-- signature: " + sign(text) + " -->\n";
+}
+
 std::string Release::feed(const std::string& version, const std::string& url,
                           const std::string& package,
                           const std::map<std::string, std::string>& changes) const {
@@ -48,13 +53,16 @@ std::string Release::feed(const std::string& version, const std::string& url,
   for (const auto& [name, value] : attributes) {
     if (!value.empty()) enclosure.append(" ").append(name).append("=\"" + value + "\"");
   }
-  return "<rss version=\"2.0\" "
-         "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><item>"
-         "<sparkle:version>" +
-         version +
-         "</sparkle:version><description sparkle:descriptionFormat=\"plain-text\">What is new"
-         "</description><enclosure" +
-         enclosure + "/></item></channel></rss>";
+  return signedFeed(
+      "<rss version=\"2.0\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
+      "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><dc:date>" +
+      date +
+      "</dc:date><item>"
+      "<sparkle:version>" +
+      version +
+      "</sparkle:version><description sparkle:descriptionFormat=\"plain-text\">What is new"
+      "</description><enclosure" +
+      enclosure + "/></item></channel></rss>\n");
 }
 
 std::string Release::package(const std::string& name, const std::string& version,

@@ -14,14 +14,19 @@ class Release {
   const std::string& publicKey() const { return publicKey_; }  // in base64
   std::string sign(const std::string& bytes) const;            // in base64
 
-  // A feed with one item. Attributes of its enclosure can be given other values, or left out where
-  // they are given as empty.
+  // The text with a signature over all of it at its end.
+  std::string signedFeed(const std::string& text) const;
+
+  // A feed with one item, signed as a whole. Attributes of its enclosure can be given other values,
+  // or left out where they are given as empty.
   std::string feed(const std::string& version, const std::string& url, const std::string& package,
                    const std::map<std::string, std::string>& changes = {}) const;
 
   // The bytes of a Debian package without files.
   static std::string package(const std::string& name, const std::string& version,
                              const std::string& architecture);
+
+  std::string date;  // of feeds; now, unless a test says otherwise
 
  private:
   std::string publicKey_, secretKey_;

@@ -22,11 +22,13 @@ std::string version(const std::string& number) {
   return "<sparkle:version>" + number + "</sparkle:version>";
 }
 
-std::string feed(const std::string& items) {
+const std::string date = "<dc:date>2026-11-15T11:02:28Z</dc:date>";
+
+std::string feed(const std::string& items, const std::string& dated = date) {
   return "<?xml version=\"1.0\"?><rss version=\"2.0\" "
          "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\">"
          "<channel><title>Quorin</title>" +
-         items + "</channel></rss>";
+         dated + items + "</channel></rss>";
 }
 
 std::string item(const std::string& content) {
@@ -34,13 +36,14 @@ std::string item(const std::string& content) {
 }
 
 std::optional<UpdateFailure> failure(const std::string& text) {
-  const auto read = newestUpdate(text, system);
-  const auto* const found = std::get_if<UpdateFailure>(&read);
+  const auto read = readFeed(text, system);
+  if (const auto* const found = std::get_if<UpdateFailure>(&read)) return *found;
+  const auto* const found = std::get_if<UpdateFailure>(&std::get<Feed>(read).newest);
   return found ? std::optional(*found) : std::nullopt;
 }
 
 Update update(const std::string& text) {
-  return std::get<Update>(newestUpdate(text, system));
+  return std::get<Update>(std::get<Feed>(readFeed(text, system)).newest);
 }
 
 TEST(UpdateFeed, GivesTheVersionWithItsNotesAndItsPackage) {
@@ -94,6 +97,24 @@ TEST(UpdateFeed, RefusesWhatIsNoFeed) {
   }
 }
 
+TEST(UpdateFeed, SaysWhenItWasSigned) {
+  constexpr std::int64_t seconds = 1'794'740'548;
+  const ISO::Date expected{std::chrono::seconds(seconds)};
+  for (const char* content : {"2026-11-15T11:02:28Z", "\n 2026-11-15T12:02:28+01:00 "}) {
+    const auto read = readFeed(feed("", "<dc:date>" + std::string(content) + "</dc:date>"), system);
+    EXPECT_EQ(std::get<Feed>(read).date, expected) << content;
+  }
+}
+
+TEST(UpdateFeed, IsRefusedWithoutADate) {
+  const std::string newest = "<item>" + version("1.1") + package + "</item>";
+  for (const char* dated :
+       {"", "<dc:date/>", "<dc:date>yesterday</dc:date>", "<dc:date>2026-02-30T11:02:28Z</dc:date>",
+        "<dc:date>2026</dc:date>", "<date>2026-11-15T11:02:28Z</date>"}) {
+    EXPECT_EQ(failure(feed(newest, dated)), (UpdateFailure{UpdateFault::undatedFeed, ""})) << dated;
+  }
+}
+
 TEST(UpdateFeed, SaysWhichPartIsMissing) {
   const std::string number = version("1.1");
   const std::vector<std::pair<std::string, std::string>> table{
@@ -130,9 +151,10 @@ TEST(UpdateFeed, RefusesAddressesWithoutEncryption) {
 TEST(UpdateFeed, ReadsNoOtherFilesAndExpandsNothing) {
   const std::string declared =
       "<?xml version=\"1.0\"?><!DOCTYPE rss [<!ENTITY a SYSTEM \"file:///etc/passwd\">]>"
-      "<rss><channel><item>" +
-      version("1.1") + "<description sparkle:descriptionFormat=\"plain-text\">&a;</description>" +
-      package + "</item></channel></rss>";
+      "<rss><channel>" +
+      date + "<item>" + version("1.1") +
+      "<description sparkle:descriptionFormat=\"plain-text\">&a;</description>" + package +
+      "</item></channel></rss>";
   EXPECT_EQ(update(declared).notes, "&a;");
 }
 

@@ -2,7 +2,9 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
+#include "app/linux/updates/FeedSignature.h"
 #include "app/linux/updates/FeedUpdater.h"
+#include "app/linux/updates/PackageSignature.h"
 #include "app/linux/updates/SoupTransport.h"
 #include "kit/platform/Thread.h"
 #include "kit/support/SerialQueue.h"
@@ -59,15 +61,17 @@ class UpdateRoadTest : public testing::Test {
   std::filesystem::path package;
   ReleaseServer server;
   FakeAppPlatform platform;
+  SystemClock clock;  // as the release tool has it
   SoupTransport transport{{server.authorities(), std::chrono::seconds(10)}};
   NoProgress progress;
   SerialQueue worker{"updates"};
 };
 
 TEST_F(UpdateRoadTest, LeadsFromTheReleaseToTheInstaller) {
-  FeedUpdater updater(
-      {transport, progress, platform.alerts(), platform.workspace(), platform.mainLoop(), worker},
-      {server.url("/feed"), key, "1.2.0", "amd64"}, home / "updates");
+  FeedUpdater updater({transport, progress, platform.alerts(), platform.workspace(),
+                       platform.mainLoop(), worker, clock},
+                      {server.url("/feed"), key, "1.2.0", "amd64"},
+                      {home / "updates", home / "feed-date"});
   updater.checkForUpdates();
   run([&] { return !platform.alerts().shown.empty(); });
   EXPECT_EQ(platform.alerts().shown.front(),
@@ -86,9 +90,10 @@ TEST_F(UpdateRoadTest, EndsBeforeThePackageThatSomebodyElsePutThere) {
   std::string changed = contents(package);
   changed.back() ^= 1;
   server.serveFile("/files/quorin_1.3.0_amd64.deb", changed);
-  FeedUpdater updater(
-      {transport, progress, platform.alerts(), platform.workspace(), platform.mainLoop(), worker},
-      {server.url("/feed"), key, "1.2.0", "amd64"}, home / "updates");
+  FeedUpdater updater({transport, progress, platform.alerts(), platform.workspace(),
+                       platform.mainLoop(), worker, clock},
+                      {server.url("/feed"), key, "1.2.0", "amd64"},
+                      {home / "updates", home / "feed-date"});
   updater.checkForUpdates();
   run([&] { return platform.alerts().shown.size() == 1; });
   platform.alerts().press(0);
@@ -112,7 +117,30 @@ TEST_F(UpdateRoadTest, KeepsOtherVersionsInTheFeedAndReplacesItsOwn) {
     ++items;
   }
   EXPECT_EQ(items, 2u);
-  EXPECT_EQ(std::get<Update>(newestUpdate(feed, "linux-amd64")).version, "1.3.0");
+  const auto read = readFeed(feed, "linux-amd64");
+  EXPECT_EQ(std::get<Update>(std::get<Feed>(read).newest).version, "1.3.0");
+}
+
+// Or it would put its signature under what somebody else wrote into the feed.
+TEST_F(UpdateRoadTest, AddsOnlyToAFeedThatItSigned) {
+  const std::string feed = contents(home / "feed");
+  const auto sign = [&](const std::string& command, std::vector<std::string> words) {
+    words.insert(words.begin(),
+                 {"python3", QUORIN_SIGN_UPDATE, command, home / "key", home / "feed"});
+    ui::ChildProcess::run(words);
+  };
+  for (const std::string& changed :
+       {"<!-- -->" + feed, feed + "\n", feed.substr(0, feed.find("<!-- signature"))}) {
+    std::ofstream(home / "feed", std::ios::binary) << changed;
+    EXPECT_THROW(sign("add", {"https://a.org", package}), std::runtime_error);
+    EXPECT_EQ(contents(home / "feed"), changed);
+  }
+  const std::string key = publicKeyFromText(this->key).value();
+  EXPECT_FALSE(std::holds_alternative<std::string_view>(signedFeed(contents(home / "feed"), key)));
+  sign("sign", {});
+  const std::string renewed = contents(home / "feed");
+  EXPECT_TRUE(std::holds_alternative<std::string_view>(signedFeed(renewed, key)));
+  sign("add", {"https://a.org", package});
 }
 
 TEST_F(UpdateRoadTest, RefusesToPublishWhatCannotBeInstalled) {
