@@ -27,8 +27,8 @@ export type Destination = {
 
 /** The active row has to stay the active one this long. */
 export const followAfter = 80;
-/** The native side takes no more at once. */
-export const addressLimit = 200;
+/** More are not marked at once: one call into the spreadsheet takes so many. */
+export const addressLimit = 40;
 
 const defaultColour: Colour = [255, 0, 255];
 

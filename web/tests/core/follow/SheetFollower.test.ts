@@ -209,8 +209,8 @@ describe('what the user should know is said', () => {
     const addresses = Array.from({ length: 250 }, (_, i) => `A${String(i + 1)}`);
     follower.go({ label: '250 areas', addresses });
     await run();
-    expect(asked[0]?.split(' ')).toHaveLength(202);
-    expect(state.notes).toEqual(['Only the first 200 areas of 250 are marked.']);
+    expect(asked[0]?.split(' ')).toHaveLength(42);
+    expect(state.notes).toEqual(['Only the first 40 areas of 250 are marked.']);
   });
 });
 
