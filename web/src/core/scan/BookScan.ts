@@ -12,6 +12,7 @@ import { failed, notRunningCode, type Failure, type Outcome } from '../protocol/
 import type { CellPlace, RangeFormulas, WorkbookMap } from '../protocol/verbs';
 import type { Clock } from '../time/Clock';
 import { findFilled } from './filled';
+import { PieceSize } from './PieceSize';
 import {
   cellsIn,
   inBook,
@@ -96,6 +97,7 @@ export class BookScan {
   private running = false;
   private stopWanted = false;
   private refusals = 0;
+  private size = new PieceSize();
   private again = false;
 
   constructor(
@@ -247,8 +249,9 @@ export class BookScan {
     this.change({ sheet: name, notRead });
     this.refusals = 0;
     await model.ask(this.book, 'beginSheet', { sheet: name });
+    this.size = new PieceSize();
     for (const area of await this.filledOf(name, used)) {
-      for (const piece of piecesOf(area)) {
+      for (const piece of piecesOf(area, () => this.size.cells)) {
         await this.readPiece(name, piece);
         this.change({ read: this.state.read + (used ? cellCount(piece) : 0) });
       }
@@ -278,6 +281,7 @@ export class BookScan {
       return;
     }
     this.refusals = 0;
+    this.size.learn(outcome.value);
     const { formulas, values } = outcome.value;
     if (await this.hidesValues(sheet, area, outcome.value)) {
       // Errors in its first column hide what the formulas of such a piece give.

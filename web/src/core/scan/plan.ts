@@ -6,6 +6,8 @@ import type { WorkbookMap } from '../protocol/verbs';
 
 /** Larger pieces come without the texts of errors. */
 export const pieceLimit = 5_000;
+/** The first piece of a sheet, of which nothing is known. */
+export const firstPiece = 1_250;
 /** Used ranges with more cells are mostly blank: what is filled is looked for first. */
 export const plainLimit = 200_000;
 /** Workbooks with more cells are read when the user says so. */
@@ -35,19 +37,21 @@ export function cellsIn(sheets: readonly PlannedSheet[]): number {
   return sheets.reduce((sum, { used }) => sum + (used ? cellCount(used) : 0), 0);
 }
 
-/** The area in pieces of whole rows, or of parts of rows where these are too long. */
-export function piecesOf(area: Area): Area[] {
-  const width = area.right - area.left + 1;
-  const pieces: Area[] = [];
-  const rows = Math.max(1, Math.floor(pieceLimit / width));
-  const cols = Math.min(width, pieceLimit);
+/**
+ * The area in pieces of whole rows, or of parts of rows where these are too long. `size` is asked
+ * before each piece how many cells it may have.
+ */
+export function* piecesOf(area: Area, size: () => number): Generator<Area> {
+  const cols = Math.min(area.right - area.left + 1, firstPiece);
   for (let left = area.left; left <= area.right; left += cols) {
     const right = Math.min(area.right, left + cols - 1);
-    for (let top = area.top; top <= area.bottom; top += rows) {
-      pieces.push({ top, left, bottom: Math.min(area.bottom, top + rows - 1), right });
+    for (let top = area.top; top <= area.bottom;) {
+      const rows = Math.max(1, Math.floor(size() / cols));
+      const bottom = Math.min(area.bottom, top + rows - 1);
+      yield { top, left, bottom, right };
+      top = bottom + 1;
     }
   }
-  return pieces;
 }
 
 /** In two, across the longer side. */

@@ -139,9 +139,10 @@ describe('a scan', () => {
       'workbookMap',
       "read '[Ann''s model.xlsx]Inputs'!A1:B2",
       "read '[Ann''s model.xlsx]Ann''s'!A1:A3",
-      "read '[Ann''s model.xlsx]Long'!A1:J500",
-      "read '[Ann''s model.xlsx]Long'!A501:J1000",
-      "read '[Ann''s model.xlsx]Long'!A1001:J1200",
+      "read '[Ann''s model.xlsx]Long'!A1:J125",
+      "read '[Ann''s model.xlsx]Long'!A126:J375",
+      "read '[Ann''s model.xlsx]Long'!A376:J875",
+      "read '[Ann''s model.xlsx]Long'!A876:J1200",
     ]);
     const { state } = scans.of(book);
     expect(state).toMatchObject({ status: 'done', sheets: 3, sheetsRead: 3, notRead: [] });
@@ -160,8 +161,29 @@ describe('a scan', () => {
     );
     scans.of(book).go();
     await settled();
-    expect(spreadsheet.asked).toHaveLength(1 + Math.ceil(2000 / 192));
+    // 48 rows, 96 rows, and from then on 192.
+    expect(spreadsheet.asked).toHaveLength(1 + 2 + 10);
     expect(scans.of(book).state.status).toBe('done');
+  });
+
+  test('asks for fewer cells at once where their formulas are long', async () => {
+    const formula = `=${'Inputs!R1C2+'.repeat(24)}Inputs!R1C2`;
+    spreadsheet.sheets = { Data: { used: '$A$1:$J$400', cells: {} } };
+    const replies: number[] = [];
+    const read: string[] = [];
+    spreadsheet.twist = (address, told) => {
+      const formulas = told.formulas.map((row) => row.map(() => formula));
+      const values = told.values.map((row) => row.map(() => 1234.5678));
+      replies.push(JSON.stringify({ formulas, values }).length);
+      read.push(address.split('!')[1] ?? '');
+      return { ...told, formulas, values };
+    };
+    scans.of(book).begin();
+    await settled();
+    expect(scans.of(book).state).toMatchObject({ status: 'done', read: 4000, notRead: [] });
+    expect(read.slice(0, 3)).toEqual(['A1:J125', 'A126:J162', 'A163:J199']);
+    expect(read.at(-1)).toBe('A385:J400');
+    expect(Math.max(...replies.slice(1))).toBeLessThan(125_000);
   });
 
   test('stops between two pieces, keeps what it has and goes on from there', async () => {
@@ -260,7 +282,8 @@ describe('a scan', () => {
     expect(scans.of(book).state.status).toBe('done');
     expect(await users('Wide', 'C3')).toEqual(['Wide 900,16381', 'Fiftieth 9,2']);
     const reads = spreadsheet.asked.filter((one) => one.startsWith('read'));
-    expect(reads).toHaveLength(3);
+    // Three areas, read in pieces that begin small.
+    expect(reads).toHaveLength(7);
     expect(spreadsheet.asked.length).toBeLessThan(90);
   });
 
