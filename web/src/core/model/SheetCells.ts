@@ -38,6 +38,11 @@ export class Texts {
   }
 }
 
+/** Whether the cell has a formula. In a cell for text "=A1" is a text: then its value is the same. */
+export function isCalculated(formula: string, value: Scalar): boolean {
+  return formula !== '' && formula !== value;
+}
+
 /** One piece as it was read, row by row. */
 export type Block = {
   area: Area;
@@ -74,8 +79,9 @@ export class SheetCells {
     formulas.forEach((row, i) => {
       row.forEach((formula, j) => {
         const at = i * width + j;
-        if (formula !== '') block.formulas[at] = this.formulas.numberOf(formula);
-        this.put(block, at, values[i]?.[j] ?? null);
+        const value = values[i]?.[j] ?? null;
+        if (isCalculated(formula, value)) block.formulas[at] = this.formulas.numberOf(formula);
+        this.put(block, at, value);
       });
     });
     this.blocks.push(block);

@@ -13,7 +13,7 @@ import type { BookEntry, Cells, Comparison, TablePlace } from './messages';
 import { labelOf } from './labels';
 import { Names } from './Names';
 import type { Meanings } from './references';
-import { SheetCells, Texts } from './SheetCells';
+import { isCalculated, SheetCells, Texts } from './SheetCells';
 import { sameFormula } from './sameFormula';
 
 type Place = SheetArea['area'] & { sheet: number };
@@ -149,7 +149,7 @@ export class WorkbookModel {
     const cells = number === undefined ? undefined : this.sheets[number];
     if (!cells || cells.blocks.length === 0) return 'unknown';
     const known = cells.formulaAt(row, col);
-    if ((known === 0) !== (formula === '')) return 'differs';
+    if ((known !== 0) !== isCalculated(formula, value)) return 'differs';
     if (known !== 0) {
       return sameFormula(this.formulas.at(known), formula, { row, col }) ? 'same' : 'differs';
     }

@@ -308,6 +308,26 @@ describe('comparing', () => {
     expect(compare(1, '', 5, 'New sheet')).toBe('unknown');
   });
 
+  test('a text that only looks like a formula uses nothing', () => {
+    const model = new Reader({ Data: { A1: 5 } });
+    const text = '=SUM(A1:A3;0)';
+    const whole = { sheet: 'Data', area: area('A1:C1') };
+    model.ask('beginSheet', { sheet: 'Data' });
+    model.ask('piece', {
+      ...whole,
+      formulas: [['', '=RC[-1]', '=R1C1']],
+      values: [[5, 5, '=R1C1']],
+    });
+    model.ask('endSheet', { sheet: 'Data' });
+    expect(model.users('Data', 'A1')).toEqual(['Data!B1']);
+    expect(model.ask('state', {}).formulas).toBe(1);
+    const compare = (formula: string, value: string | number) =>
+      model.ask('compare', { sheet: 'Data', row: 1, col: 3, formula, value });
+    expect(compare('=R1C1', '=R1C1')).toBe('same');
+    expect(compare(text, text)).toBe('differs');
+    expect(compare('=A1', 5)).toBe('differs');
+  });
+
   test('a sheet that is read again replaces what was known of it', () => {
     const model = new Reader({ Data: { A1: 5, B1: '=A1' }, Next: { A1: '=Data!A1' } });
     model.read('Data', { A1: 5, C1: '=A1' });
