@@ -36,8 +36,9 @@ std::optional<ScriptErrorInfo> EngineRunner::compile(std::string_view source) {
 }
 
 ScriptReply EngineRunner::execute(const AppleEvent& event) {
+  const CallTerms terms = std::exchange(terms_, {});
   if (!script_) return {};
-  excel_->handlerBegins();
+  excel_->handlerBegins(terms);
   script::ScriptOutcome outcome = script_->call(event);
   excel_->handlerEnds();
   if (outcome.error)

@@ -19,6 +19,7 @@ class EngineRunner : public ScriptRunner {
 
   // The message begins with the line that the compiler stopped at.
   std::optional<ScriptErrorInfo> compile(std::string_view source) override;
+  void prepare(const CallTerms& terms) override { terms_ = terms; }
   // Neither result nor error when nothing was compiled.
   ScriptReply execute(const AppleEvent& event) override;
 
@@ -28,6 +29,7 @@ class EngineRunner : public ScriptRunner {
   std::unique_ptr<script::Application> excel_;
   std::unique_ptr<OneApplication> applications_;
   std::optional<script::Script> script_;
+  CallTerms terms_;  // of the next event
 };
 
 }  // namespace quorin::host

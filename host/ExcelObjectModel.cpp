@@ -21,10 +21,10 @@ bool ExcelObjectModel::isRunning() {
   return session_.spreadsheet.isRunning();
 }
 
-void ExcelObjectModel::handlerBegins() {
+void ExcelObjectModel::handlerBegins(const CallTerms& terms) {
   session_.inHandler = true;
   session_.toldBook.clear();
-  session_.spreadsheet.handlerBegins();
+  session_.spreadsheet.handlerBegins(terms);
 }
 
 void ExcelObjectModel::handlerEnds() {
@@ -35,6 +35,7 @@ void ExcelObjectModel::handlerEnds() {
 
 AppleEventReply ExcelObjectModel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {
   const auto started = clock_();
+  if (timeout.count() > 0) session_.spreadsheet.eventBegins(started + timeout);
   AppleEventReply reply = answerEvent(session_, event);
   if (clock_() - started > timeout)
     return {std::nullopt, AppleEventError{EventError::timedOut, "AppleEvent timed out.", {}}};

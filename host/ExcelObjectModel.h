@@ -23,7 +23,7 @@ class ExcelObjectModel : public script::Application {
   std::string_view name() const override { return "Microsoft Excel"; }
   const script::Terminology& terminology() const override;
   bool isRunning() override;
-  void handlerBegins() override;
+  void handlerBegins(const CallTerms& terms) override;
   void handlerEnds() override;
 
   // The spreadsheet is not interrupted: an answer that took longer than the time-out is thrown

@@ -8,11 +8,14 @@
 // SpreadsheetError -1708, as "doesn't understand the message" in Excel.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <variant>
 #include <vector>
+
+#include "kit/value/CallTerms.h"
 
 namespace quorin::host {
 
@@ -124,14 +127,21 @@ struct FormatCondition {
   bool operator==(const FormatCondition&) const = default;
 };
 
+// The number of the refusal to call a function that the user did not ask for.
+inline constexpr int onlyWhenAsked = -9993;
+
 class Spreadsheet {
  public:
   virtual ~Spreadsheet() = default;
 
   // Around the run of one handler, in which what only the user changes may be read once and kept:
-  // which workbooks are open, and their conditions. Without them everything is asked anew.
-  virtual void handlerBegins() {}
+  // which workbooks are open, and their conditions. Without them everything is asked anew. The
+  // terms hold until the handler ends.
+  virtual void handlerBegins(const CallTerms&) {}
   virtual void handlerEnds() {}
+  // After that time nobody waits for what the next calls say: work that takes longer ends with
+  // -1712. Holds until the handler ends or another time is told.
+  virtual void eventBegins(std::chrono::steady_clock::time_point) {}
 
   virtual bool isRunning() = 0;  // without waiting for the program
   virtual std::string version() = 0;
@@ -188,7 +198,8 @@ class Spreadsheet {
 
   // Evaluates Excel formula text without its "=", as seen from a sheet. Text that does not parse
   // gives an error value, most often #NAME?. Leaves no trace in the workbook, its undo list, its
-  // modified flag or its view.
+  // modified flag or its view. Functions that are not known to stay inside the workbook are called
+  // only where the handler's terms say that the user asked: onlyWhenAsked else.
   virtual Evaluation evaluate(const std::string& expression, const SheetRef& from) = 0;
 
   // Whether the rows or columns that the areas touch are hidden, by the user, a filter or an

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "kit/value/AppleEvent.h"
+#include "kit/value/CallTerms.h"
 
 namespace quorin::script {
 
@@ -18,8 +19,9 @@ class Application {
   virtual const Terminology& terminology() const = 0;
   virtual bool isRunning() = 0;
 
-  // Around each run of a handler from outside, for what is remembered that long. Never throws.
-  virtual void handlerBegins() {}
+  // Around each run of a handler from outside, for what is remembered that long and the terms that
+  // hold that long. Never throws.
+  virtual void handlerBegins(const CallTerms&) {}
   virtual void handlerEnds() {}
 
   // Sends one event and waits for its answer, at most for `timeout`; an answer that comes too late

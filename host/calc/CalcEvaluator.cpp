@@ -5,7 +5,6 @@
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
-#include <map>
 
 #include "host/Address.h"
 #include "host/calc/CalcCells.h"
@@ -61,7 +60,28 @@ std::optional<std::string> oneText(CalcWorkbooks& workbooks, const Evaluation& v
 }  // namespace
 
 Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& expression,
-                                   const SheetRef& from) {
+                                   const SheetRef& from, const CallLimits& limits) {
+  Request request{workbooks, from, limits};
+  return answer(request, expression);
+}
+
+// A name or a text may lead to further questions, and those to further ones, with no end.
+Evaluation CalcEvaluator::answer(Request& request, const std::string& expression) {
+  constexpr int deepest = 20, most = 500;
+  request.limits.check();
+  if (request.depth >= deepest || request.count >= most) {
+    throw SpreadsheetError(-50, "The expression leads to too many others");
+  }
+  ++request.count;
+  ++request.depth;
+  Evaluation value = calculated(request, expression);
+  --request.depth;
+  return value;
+}
+
+Evaluation CalcEvaluator::calculated(Request& request, const std::string& expression) {
+  CalcWorkbooks& workbooks = request.workbooks;
+  const SheetRef& from = request.from;
   const std::shared_ptr<Workbook> original = workbooks.named(from.book);
   const std::vector<std::string> sheets = workbooks.sheets(*original);
   if (std::find(sheets.begin(), sheets.end(), from.sheet) == sheets.end()) {
@@ -72,33 +92,34 @@ Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& 
   context.elsewhere = [](const std::string& book, const std::string& sheet) {
     return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
   };
-  std::map<std::string, std::optional<std::string>> referents;  // asked for once
+  context.asked = request.limits.terms().asked;
+  context.checkpoint = [&request] { request.limits.check(); };
   context.referent = [&](const std::string& argument) {
-    const auto [entry, isNew] = referents.try_emplace(argument);
-    if (isNew) entry->second = referent(workbooks, argument, from);
+    const auto [entry, isNew] = request.referents.try_emplace(argument);
+    if (isNew) entry->second = referent(request, argument);
     return entry->second;
   };
-  std::map<std::string, std::optional<std::string>> errors;
   context.errorOf = [&](const std::string& argument) {
-    const auto [entry, isNew] = errors.try_emplace(argument);
-    if (isNew) entry->second = oneError(evaluate(workbooks, argument, from));
+    const auto [entry, isNew] = request.errors.try_emplace(argument);
+    if (isNew) entry->second = oneError(answer(request, argument));
     return entry->second;
   };
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
   if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
-  return dryRun->reach.contents ? inCopy(workbooks, expression, context)
-                                : inMirror(workbooks, expression, context);
+  Evaluation value = dryRun->reach.contents ? inCopy(request, expression, context)
+                                            : inMirror(request, expression, context);
+  // What the user asked for may have left a link behind.
+  if (context.asked) mirror_.reset();
+  return value;
 }
 
 // The cells are found without looking at all that the workbook holds, where the argument gives one
 // text that names them.
-std::optional<std::string> CalcEvaluator::referent(CalcWorkbooks& workbooks,
-                                                   const std::string& argument,
-                                                   const SheetRef& from) {
-  const auto text = oneText(workbooks, evaluate(workbooks, argument, from));
-  return text ? namedByText(workbooks, *text, from) : std::nullopt;
+std::optional<std::string> CalcEvaluator::referent(Request& request, const std::string& argument) {
+  const auto text = oneText(request.workbooks, answer(request, argument));
+  return text ? namedByText(request.workbooks, *text, request.from) : std::nullopt;
 }
 
 ValueMirror& CalcEvaluator::mirrorOf(const Workbook& workbook,
@@ -110,8 +131,9 @@ ValueMirror& CalcEvaluator::mirrorOf(const Workbook& workbook,
   return *mirror_;
 }
 
-Evaluation CalcEvaluator::inMirror(CalcWorkbooks& workbooks, const std::string& expression,
+Evaluation CalcEvaluator::inMirror(Request& request, const std::string& expression,
                                    ExpressionContext& context) {
+  CalcWorkbooks& workbooks = request.workbooks;
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
   ValueMirror& mirror = mirrorOf(*original, context.sheets);
   context.elsewhere = [&](const std::string& book,
@@ -120,18 +142,19 @@ Evaluation CalcEvaluator::inMirror(CalcWorkbooks& workbooks, const std::string& 
     return found ? std::optional(mirror.foreignSheet(*found)) : std::nullopt;
   };
   const CalcExpression calc = calcExpression(expression, context).value();
-  mirror.bring(workbooks, calc.reach);
+  mirror.bring(workbooks, calc.reach, request.limits);
   if (!calc.reach.anywhere) {
     return mirror.formulaCells().valueOf(calc);
   }
-  mirror.bringNames(*original);
+  mirror.bringNames(*original, request.limits);
   const auto [row, column] = mirror.freePlace();
   return FormulaCells(mirror.workbook(), context.from.sheet, row, column).valueOf(calc);
 }
 
 // Only for what values do not tell. The office does nothing else while the copy is made.
-Evaluation CalcEvaluator::inCopy(CalcWorkbooks& workbooks, const std::string& expression,
+Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression,
                                  ExpressionContext& context) {
+  CalcWorkbooks& workbooks = request.workbooks;
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
   if (filledCells(*original, context.sheets) > mostCellsToCopy) {
     throw SpreadsheetError(

@@ -2,12 +2,14 @@
 // the values the expression looks at. The user's workbooks are only read. Call thread.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
+#include "host/calc/CallLimits.h"
 #include "host/calc/ValueMirror.h"
 
 namespace quorin::host::calc {
@@ -24,18 +26,28 @@ class CalcEvaluator {
 
   // Throws SpreadsheetError -1728 when the workbook has no such sheet, -50 when the expression
   // looks at more cells than can be read in passing, or asks for what only a copy of the whole
-  // workbook could tell and that is too large to be made in passing.
-  Evaluation evaluate(CalcWorkbooks& workbooks, const std::string& expression,
-                      const SheetRef& from);
+  // workbook could tell and that is too large to be made in passing, onlyWhenAsked when it would
+  // call a function that may reach out of the workbook, -1712 when the limits are reached.
+  Evaluation evaluate(CalcWorkbooks& workbooks, const std::string& expression, const SheetRef& from,
+                      const CallLimits& limits);
 
  private:
-  std::optional<std::string> referent(CalcWorkbooks& workbooks, const std::string& argument,
-                                      const SheetRef& from);
+  // One request, with all the questions that answering it leads to.
+  struct Request {
+    CalcWorkbooks& workbooks;
+    const SheetRef& from;
+    const CallLimits& limits;
+    std::map<std::string, std::optional<std::string>> referents = {};  // asked for once
+    std::map<std::string, std::optional<std::string>> errors = {};
+    int depth = 0;  // of questions within questions
+    int count = 0;
+  };
+  Evaluation answer(Request& request, const std::string& expression);
+  Evaluation calculated(Request& request, const std::string& expression);
+  std::optional<std::string> referent(Request& request, const std::string& argument);
   ValueMirror& mirrorOf(const Workbook& workbook, const std::vector<std::string>& sheets);
-  Evaluation inMirror(CalcWorkbooks& workbooks, const std::string& expression,
-                      ExpressionContext& context);
-  Evaluation inCopy(CalcWorkbooks& workbooks, const std::string& expression,
-                    ExpressionContext& context);
+  Evaluation inMirror(Request& request, const std::string& expression, ExpressionContext& context);
+  Evaluation inCopy(Request& request, const std::string& expression, ExpressionContext& context);
 
   const css::uno::Reference<css::uno::XComponentContext> context_;
   std::unique_ptr<ValueMirror> mirror_;  // of the workbook asked about last

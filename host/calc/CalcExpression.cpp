@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/calc/ExpressionWriter.h"
+#include "host/calc/HarmlessFunctions.h"
 
 namespace quorin::host::calc {
 
@@ -13,13 +14,15 @@ std::optional<CalcExpression> calcExpression(std::string_view excel,
   excel = excel.substr(0, excel.find_last_not_of(blanks) + 1);
   if (excel.starts_with('=')) excel.remove_prefix(1);
   CalcExpression result;
+  WrittenNames names;
   try {
-    ExpressionWriter writer(excel, context, result.reach);
+    ExpressionWriter writer(excel, context, result.reach, names);
     result.text = writer.run();
     result.single = writer.isSingle();
   } catch (const Malformed&) {
     return std::nullopt;
   }
+  if (!names.reaching.empty()) throw SpreadsheetError(onlyWhenAsked, reachText(names.reaching));
   return result;
 }
 

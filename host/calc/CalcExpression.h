@@ -24,6 +24,11 @@ struct ExpressionContext {
   SheetRef from;  // references without a workbook or a sheet belong to it
   // The cell that it belongs to, for "@"; nothing where that is on another sheet.
   std::function<std::optional<FormulaCell>()> here = {};
+  // Whether the user asked for this very part. Else no function is called that is not known to be
+  // harmless: SpreadsheetError onlyWhenAsked.
+  bool asked = false;
+  // Called now and then; throws when the work is to end.
+  std::function<void()> checkpoint = {};
   // The sheets of that workbook in their order. When empty, every name of a sheet is accepted.
   std::vector<std::string> sheets = {};
   // Whether references without a sheet get one. Not for a formula that stands on its own sheet.
@@ -32,7 +37,8 @@ struct ExpressionContext {
   std::function<std::optional<SheetPlace>(const std::string& book, const std::string& sheet)>
       elsewhere = {};
   // What a defined name stands for, as Excel text; the sheet is empty when none stands before it.
-  // Nothing for a name to be left as it is.
+  // Nothing where there is no such name: it is written as #NAME? then, so that the office looks for
+  // nothing by itself.
   std::function<std::optional<std::string>(const SheetRef& scope, const std::string& name)>
       meaning = {};
   // The cells of a part of a table, as Excel text, or the error that it gives.
@@ -72,7 +78,9 @@ struct CalcExpression {
 
 // Excel text, with or without "=". Commas and semicolons both separate arguments. Nothing when the
 // text cannot be an expression: unbalanced brackets or quotes, an operator or an operand missing,
-// or something Calc has no notion of (a spill reference A1#).
+// or something Calc has no notion of (a spill reference A1#). Throws SpreadsheetError -50 where it
+// would be too long, too deeply nested or reach too many places with all its names written out: the
+// work and the text stay bounded whatever stands in a workbook.
 std::optional<CalcExpression> calcExpression(std::string_view excel,
                                              const ExpressionContext& context);
 

@@ -5,10 +5,12 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
 // The workbook's own names, then those of its sheets in their order.
-std::vector<DefinedName> listNames(const Workbook& workbook);
+// SpreadsheetError -1712 when the limits are reached.
+std::vector<DefinedName> listNames(const Workbook& workbook, const CallLimits& limits);
 
 }  // namespace quorin::host::calc

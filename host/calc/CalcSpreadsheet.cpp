@@ -70,7 +70,8 @@ void CalcSpreadsheet::protectMarks() {
   if (CalcSession* const office = office_->livingSession()) office->protectMarks();
 }
 
-void CalcSpreadsheet::handlerBegins() {
+void CalcSpreadsheet::handlerBegins(const CallTerms& terms) {
+  limits_.begin(terms);
   inHandler_ = true;
   findings_.begin();
   memory_.begin();
@@ -78,11 +79,16 @@ void CalcSpreadsheet::handlerBegins() {
 }
 
 void CalcSpreadsheet::handlerEnds() {
+  limits_.end();
   takeBackUnreachable();
   inHandler_ = false;
   memory_.end();
   office_->keepReadings(false);
   flushTraces();
+}
+
+void CalcSpreadsheet::eventBegins(std::chrono::steady_clock::time_point until) {
+  limits_.waitUntil(until);
 }
 
 // What failed is tried again, but not with every handler.
@@ -244,7 +250,7 @@ Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
 
 Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetRef& from) {
   return call([&](CalcSession& office) {
-    return office.evaluator().evaluate(office.workbooks(), expression, from);
+    return office.evaluator().evaluate(office.workbooks(), expression, from, limits_);
   });
 }
 
@@ -254,7 +260,7 @@ std::optional<RangeRef> CalcSpreadsheet::visibleRange() {
 
 std::vector<DefinedName> CalcSpreadsheet::definedNames(const std::string& book) {
   return memory_.definedNames(book, [&] {
-    return call([&](CalcSession& office) { return listNames(office.workbook(book)); });
+    return call([&](CalcSession& office) { return listNames(office.workbook(book), limits_); });
   });
 }
 
@@ -324,7 +330,7 @@ std::string CalcSpreadsheet::makeWorkbook() {
 
 void CalcSpreadsheet::setFormula(const RangeRef& cell, const std::string& formula) {
   change([&](CalcSession& office) {
-    office.scratch().named(cell.sheet.book).setFormula(office.workbooks(), cell, formula);
+    office.scratch().named(cell.sheet.book).setFormula(office.workbooks(), cell, formula, limits_);
   });
 }
 

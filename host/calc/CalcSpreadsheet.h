@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/CallLimits.h"
 #include "host/calc/HandlerFindings.h"
 #include "host/calc/LineTraces.h"
 #include "host/calc/OfficeSource.h"
@@ -45,8 +46,9 @@ class CalcSpreadsheet : public Spreadsheet {
   // Opens a workbook file as the active one. For an office of our own.
   void openWorkbook(const std::string& path);
 
-  void handlerBegins() override;
+  void handlerBegins(const CallTerms& terms) override;
   void handlerEnds() override;
+  void eventBegins(std::chrono::steady_clock::time_point until) override;
   bool isRunning() override;
   std::string version() override;
   bool isFrontmost() override;
@@ -102,6 +104,7 @@ class CalcSpreadsheet : public Spreadsheet {
 
   LineTraces traces_;
   RequestMemory memory_;
+  CallLimits limits_;
   std::function<void(const std::string&)> notice_;  // or none
   HandlerFindings findings_;
   bool inHandler_ = false;

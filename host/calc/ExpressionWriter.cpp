@@ -4,12 +4,18 @@
 #include "host/calc/ExcelTokens.h"
 #include "host/calc/FunctionCalls.h"
 #include "host/calc/FunctionNames.h"
+#include "host/calc/HarmlessFunctions.h"
 #include "host/calc/ReferenceWriter.h"
 
 namespace quorin::host::calc {
 namespace {
 
-constexpr int deepestName = 20;  // a name that leads to itself has no end
+// More than any formula needs that a spreadsheet takes by itself, and few enough for the office's
+// own parser, which goes down a step for each bracket and sign.
+constexpr std::size_t longestWritten = 65'536;
+constexpr std::size_t mostReached = 5'000;
+constexpr std::size_t mostNames = 2'000;
+constexpr int deepest = 400;
 
 bool isBlank(char c) {
   return c == ' ' || c == '\n' || c == '\r' || c == '\t';
@@ -33,6 +39,7 @@ void ExpressionWriter::step() {
     return;
   }
   ++pieces_;
+  bound();
   if (c == '"') {
     operand(false);
     copy(readText(text_, at_));
@@ -65,6 +72,14 @@ void ExpressionWriter::operand(bool mayBeReference) {
   reference_ = mayBeReference;
 }
 
+// Ends what would grow beyond all bounds.
+void ExpressionWriter::bound() const {
+  if (out_.size() > longestWritten || reach_.cells.size() > mostReached ||
+      names_.entries.size() > mostNames || depthInside() > deepest) {
+    throw SpreadsheetError(-50, "The expression is too long with its names written out");
+  }
+}
+
 // Blanks between two references are the intersection operator.
 void ExpressionWriter::blanks() {
   const std::size_t start = at_;
@@ -94,14 +109,17 @@ void ExpressionWriter::open(const std::string& function) {
   const std::size_t begin = out_.size();
   if (!function.empty()) out_ += calcFunctionName(function);
   out_ += text_[at_++];
-  frames_.push_back({function, begin, out_.size(), reach_.cells.size()});
+  frames_.push_back({function, begin, out_.size(), reach_.cells.size(), signs_});
   operandExpected_ = true;
+  open_ += 1 + signs_;
+  signs_ = 0;
 }
 
 void ExpressionWriter::close() {
   if (frames_.empty()) throw Malformed();
   const Frame frame = frames_.back();
   if (operandExpected_ && frame.function.empty()) throw Malformed();
+  if (frame.function == "INDIRECT") keepInside(frame);
   const std::size_t begin = frame.begin;
   const FunctionCall call{frame.function, out_.substr(frame.content),
                           std::span(reach_.cells).subspan(frame.reached), isCells(frame.content)};
@@ -113,6 +131,8 @@ void ExpressionWriter::close() {
   }
   addBeyond(reach_, frame.function, frame.reached);
   frames_.pop_back();
+  open_ -= 1 + frame.signs;
+  signs_ = 0;
   ++at_;
   const bool one =
       frame.function.empty() ? !frame.several : givesOne(frame.function, frame.several);
@@ -133,6 +153,8 @@ bool ExpressionWriter::isCells(std::size_t from) const {
 // Inside a function's brackets it parts arguments, elsewhere a comma unites references.
 void ExpressionWriter::separator(char c) {
   if (!frames_.empty() && !frames_.back().function.empty()) {
+    Frame& frame = frames_.back();
+    if (frame.argument++ == 0) frame.firstEnd = out_.size();
     out_ += ';';
   } else {
     if (c == ';' || operandExpected_ || !reference_) throw Malformed();
@@ -141,6 +163,7 @@ void ExpressionWriter::separator(char c) {
   }
   ++at_;
   operandExpected_ = true;
+  signs_ = 0;
 }
 
 void ExpressionWriter::sign(char c) {
@@ -156,13 +179,25 @@ void ExpressionWriter::sign(char c) {
     crossing();
     return;
   }
-  if (c == '+' || c == '-') {
+  if (operandExpected_ && (c == '+' || c == '-')) {
+    // Two signs make a number of a text, three are one again.
+    if (c == '-' && out_.ends_with("--") && signs_ >= 2) {
+      out_.pop_back();
+      --signs_;
+      return;
+    }
+    ++signs_;
+    out_ += c;
+  } else if (c == '+' || c == '-') {
+    signs_ = 0;
     out_ += c;
   } else if (both.find(c) != std::string_view::npos && !operandExpected_) {
+    signs_ = 0;
     out_ += c;
     if (at("=") || (c == '<' && at(">"))) out_ += text_[at_++];
     if (!frames_.empty()) frames_.back().compares = true;
   } else if (infix.find(c) != std::string_view::npos && !operandExpected_) {
+    signs_ = 0;
     if (c == ':') {
       reach_.spans = true;
       mayBeSeveral();
@@ -276,6 +311,7 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
 
 void ExpressionWriter::function(const std::string& name) {
   operand(true);
+  if (!context_.asked && !isHarmless(name) && names_.reaching.empty()) names_.reaching = name;
   if (name == "INDIRECT" && indirect()) return;
   if (name == "ERROR.TYPE" && errorNumber()) return;
   addFunction(reach_, name);
@@ -314,9 +350,11 @@ bool ExpressionWriter::errorNumber() {
 // A part of a table is written as the cells it stands for.
 void ExpressionWriter::table(const std::string& book, const std::string& name) {
   operand(true);
+  const std::size_t start = at_;
   const auto items = readTableItems(text_, at_);
   if (!items || !context_.tablePart) throw Malformed();
-  expansion(context_.tablePart(book, name, *items));
+  named(book + "\n" + name + std::string(text_.substr(start, at_ - start)),
+        [&] { return context_.tablePart(book, name, *items); });
 }
 
 void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::string& word) {
@@ -325,9 +363,18 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
     out_ += isJoinedFrom(out_.size()) ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
     return;
   }
+  if (!span && isParameter(word)) parameters_.insert(upperCase(word));
+  if (!span && parameters_.contains(upperCase(word))) {
+    out_ += word;
+    mayBeSeveral();
+    return;
+  }
   SheetRef scope{context_.from.book, {}};
-  std::string text;
   if (span && span->first.empty()) {
+    if (context_.workbook && !context_.workbook(span->book)) {
+      out_ += "#REF!";
+      return;
+    }
     scope = {span->book, {}};
   } else if (span) {
     const auto place = placeOf(context_, span->book, span->first);
@@ -336,23 +383,66 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
       return;
     }
     scope = place->sheet;
-    text = place->text + ".";
   }
-  const auto meaning = context_.meaning ? context_.meaning(scope, word) : std::nullopt;
-  if (meaning) {
-    expansion(*meaning);
-  } else if (span && span->first.empty()) {
-    out_ += context_.workbook(span->book) ? "#NAME?" : "#REF!";
-  } else {
-    out_ += text + word;
-    mayBeSeveral();
+  named(scope.book + "\n" + scope.sheet + "\n" + upperCase(word),
+        [&] { return context_.meaning ? context_.meaning(scope, word) : std::nullopt; });
+}
+
+// Writes what a name or a part of a table stands for.
+void ExpressionWriter::named(const std::string& key,
+                             const std::function<std::optional<std::string>()>& meaning) {
+  const auto [found, isNew] = names_.entries.try_emplace(key);
+  WrittenNames::Entry& entry = found->second;  // stays where it is when others are added
+  if (isNew) {
+    if (context_.checkpoint) context_.checkpoint();
+    if (const auto excel = meaning()) {
+      const std::size_t reached = reach_.cells.size();
+      ExpressionWriter inner(*excel, context_, reach_, names_, depthInside());
+      entry.text = inner.run();
+      if (!inner.isOnePiece()) entry.text = "(" + entry.text + ")";
+      entry.single = inner.isSingle();
+      entry.cells.assign(reach_.cells.begin() + static_cast<std::ptrdiff_t>(reached),
+                         reach_.cells.end());
+      reach_.cells.resize(reached);
+      entry.isThere = true;
+    }
+    entry.isOpen = false;
   }
+  if (entry.isOpen) throw Malformed();
+  append(entry);
+}
+
+void ExpressionWriter::append(const WrittenNames::Entry& entry) {
+  if (!entry.isThere || !entry.single) mayBeSeveral();
+  out_ += entry.isThere ? entry.text : "#NAME?";
+  reach_.cells.insert(reach_.cells.end(), entry.cells.begin(), entry.cells.end());
+  bound();
+}
+
+// Whether the word, just read, is what LET or LAMBDA calls the name of a value to come.
+bool ExpressionWriter::isParameter(const std::string& word) const {
+  if (frames_.empty() || word.empty()) return false;
+  const Frame& frame = frames_.back();
+  const bool isPlace =
+      frame.function == "LAMBDA" || (frame.function == "LET" && frame.argument % 2 == 0);
+  const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
+  return isPlace && next != std::string_view::npos && (text_[next] == ',' || text_[next] == ';');
+}
+
+// The office would open a file that a text names: of '...'#$Sheet.A1 and [...]Sheet!A1 nothing is
+// left that is a reference.
+void ExpressionWriter::keepInside(const Frame& frame) {
+  const std::size_t end = frame.firstEnd == 0 ? out_.size() : frame.firstEnd;
+  const std::string text = out_.substr(frame.content, end - frame.content);
+  const bool isHere = text.starts_with('"') && text.find('"', 1) == text.size() - 1;
+  if (isHere && text.find_first_of("#[") == std::string::npos) return;
+  if (text.find_first_not_of(" \n\r\t") == std::string::npos) return;
+  out_.replace(frame.content, text.size(), "REGEX(" + text + ";\"'\\s*#|\\[(?=.*!)\";\" \";\"g\")");
 }
 
 // Writes what a name or a table stands for, in brackets where it is more than one operand.
 void ExpressionWriter::expansion(const std::string& excel) {
-  if (depth_ >= deepestName) throw Malformed();
-  ExpressionWriter inner(excel, context_, reach_, depth_ + 1);
+  ExpressionWriter inner(excel, context_, reach_, names_, depthInside());
   const std::string text = inner.run();
   if (!inner.isSingle()) mayBeSeveral();
   out_ += inner.isOnePiece() ? text : "(" + text + ")";

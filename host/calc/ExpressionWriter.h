@@ -3,7 +3,10 @@
 // text cannot be an expression.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,11 +20,26 @@ namespace quorin::host::calc {
 
 struct Malformed {};
 
+// What the writers of one expression share: each name is written once, and what has been written is
+// remembered.
+struct WrittenNames {
+  struct Entry {
+    bool isOpen = true;  // being written: a name that leads here again has no end
+    bool isThere = false;
+    std::string text;
+    bool single = false;
+    std::vector<RangeRef> cells;  // that it reaches
+  };
+  std::map<std::string, Entry> entries;
+  std::string reaching;  // a function that is not to be called, in capitals; empty for none
+};
+
 class ExpressionWriter {
  public:
+  // `depth` counts what is open around it: brackets, signs and names.
   ExpressionWriter(std::string_view text, const ExpressionContext& context, Reach& reach,
-                   int depth = 0)
-      : text_(text), context_(context), reach_(reach), depth_(depth) {}
+                   WrittenNames& names, int depth = 0)
+      : text_(text), context_(context), reach_(reach), names_(names), depth_(depth) {}
 
   std::string run();
   bool isOnePiece() const { return pieces_ == 1; }
@@ -30,10 +48,13 @@ class ExpressionWriter {
 
  private:
   struct Frame {
-    std::string function;  // Excel's name; empty for plain brackets
-    std::size_t begin;     // where all of it begins in the output
-    std::size_t content;   // and where its content does
-    std::size_t reached;   // so many cells were reached before it
+    std::string function;      // Excel's name; empty for plain brackets
+    std::size_t begin;         // where all of it begins in the output
+    std::size_t content;       // and where its content does
+    std::size_t reached;       // so many cells were reached before it
+    int signs = 0;             // stand before it
+    int argument = 0;          // the one that is being read, from 0
+    std::size_t firstEnd = 0;  // where the first argument ends in the output; 0: not yet
     bool compares = false;
     bool several = false;  // what stands in it may be more than one value
   };
@@ -57,10 +78,16 @@ class ExpressionWriter {
   void word(const std::optional<SheetSpan>& span);
   void function(const std::string& name);
   bool indirect();
+  void keepInside(const Frame& frame);
+  bool isParameter(const std::string& word) const;
   bool errorNumber();
   void table(const std::string& book, const std::string& name);
   void name(const std::optional<SheetSpan>& span, const std::string& word);
   void expansion(const std::string& excel);
+  void named(const std::string& key, const std::function<std::optional<std::string>()>& meaning);
+  void append(const WrittenNames::Entry& entry);
+  void bound() const;
+  int depthInside() const { return depth_ + open_ + signs_ + 1; }
   bool isCells(std::size_t from) const;
   // Whether the operand just read is joined to text; it begins there, or is yet to be written.
   bool isJoinedFrom(std::size_t begin) const {
@@ -71,12 +98,16 @@ class ExpressionWriter {
   const std::string_view text_;
   const ExpressionContext& context_;
   Reach& reach_;
-  const int depth_;  // of names within names
+  WrittenNames& names_;
+  const int depth_;
   std::size_t at_ = 0;
   int pieces_ = 0;
   std::string out_;
   std::vector<Frame> frames_;
   bool several_ = false;
+  int open_ = 0;                      // brackets, and the signs before them
+  int signs_ = 0;                     // before the operand that is read
+  std::set<std::string> parameters_;  // of LET and LAMBDA, in capitals
   bool operandExpected_ = true;
   bool reference_ = false;                     // the operand just written may be a reference
   std::pair<std::size_t, std::size_t> cells_;  // where the cells stand that were written last

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 #include <com/sun/star/sheet/XDatabaseRange.hpp>
 #include <com/sun/star/sheet/XDatabaseRanges.hpp>
 #include <com/sun/star/sheet/XNamedRange.hpp>
@@ -40,16 +41,23 @@ void addName(const Reference<css::sheet::XNamedRanges>& names, const rtl::OUStri
   }
 }
 
+bool isOfCells(const Reference<css::uno::XInterface>& name) {
+  const Reference<css::sheet::XCellRangeReferrer> referrer(name, css::uno::UNO_QUERY);
+  return referrer.is() && referrer->getReferredCells().is();
+}
+
 void copyDefinedNames(const Reference<css::uno::XInterface>& from,
-                      const Reference<css::uno::XInterface>& to) {
+                      const Reference<css::uno::XInterface>& to, const CallLimits& limits) {
   const Reference<css::sheet::XNamedRanges> source = namesOf(from), target = namesOf(to);
   for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
   for (const rtl::OUString& name : source->getElementNames()) {
-    addName(target, name, {source->getByName(name), UNO_QUERY_THROW});
+    limits.check();
+    const Reference<css::sheet::XNamedRange> entry(source->getByName(name), UNO_QUERY_THROW);
+    if (isOfCells(entry)) addName(target, name, entry);
   }
 }
 
-void copyTables(const Workbook& from, const Workbook& to) {
+void copyTables(const Workbook& from, const Workbook& to, const CallLimits& limits) {
   const auto tablesOf = [](const Workbook& workbook) {
     return Reference<css::sheet::XDatabaseRanges>(propertyOf(workbook.document, "DatabaseRanges"),
                                                   UNO_QUERY_THROW);
@@ -57,6 +65,7 @@ void copyTables(const Workbook& from, const Workbook& to) {
   const Reference<css::sheet::XDatabaseRanges> source = tablesOf(from), target = tablesOf(to);
   for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
   for (const rtl::OUString& name : source->getElementNames()) {
+    limits.check();
     const Reference<css::sheet::XDatabaseRange> table(source->getByName(name), UNO_QUERY_THROW);
     target->addNewByName(name, table->getDataArea());
     const Reference<XPropertySet> copy(target->getByName(name), UNO_QUERY_THROW);
@@ -68,12 +77,12 @@ void copyTables(const Workbook& from, const Workbook& to) {
 
 }  // namespace
 
-void copyNames(const Workbook& from, const Workbook& to) {
-  copyDefinedNames(from.document, to.document);
+void copyNames(const Workbook& from, const Workbook& to, const CallLimits& limits) {
+  copyDefinedNames(from.document, to.document, limits);
   for (const std::string& sheet : sheetNames(from)) {
-    copyDefinedNames(sheetOf(from, sheet), sheetOf(to, sheet));
+    copyDefinedNames(sheetOf(from, sheet), sheetOf(to, sheet), limits);
   }
-  copyTables(from, to);
+  copyTables(from, to, limits);
 }
 
 }  // namespace quorin::host::calc

@@ -39,7 +39,8 @@ ScratchWorkbook::ScratchWorkbook(const Reference<css::uno::XComponentContext>& c
 }
 
 void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range,
-                                 const std::string& formula) {
+                                 const std::string& formula, const CallLimits& limits) {
+  limits.check();
   sheetOf(workbook(), range.sheet.sheet);
   const Area& given = firstArea(range);
   const Cell cell{given.firstRow, given.firstColumn};
@@ -61,7 +62,8 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     return;
   }
 
-  ExpressionContext context{.from = {name_, onlySheet}, .sheets = {onlySheet}};
+  ExpressionContext context{
+      .from = {name_, onlySheet}, .asked = limits.terms().asked, .sheets = {onlySheet}};
   context.elsewhere = [&](const std::string& book,
                           const std::string& sheet) -> std::optional<SheetPlace> {
     const auto found = findSheet(workbooks, book, sheet);
@@ -87,7 +89,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
                            "worked out in a chain");
   }
   add(reach_, calc->reach);
-  mirror_.bring(workbooks, reach_);
+  mirror_.bring(workbooks, reach_, limits);
   context.qualify = true;
   const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
   const Area target{cell.first, cell.second, cell.first + size.rows - 1,

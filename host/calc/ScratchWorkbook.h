@@ -26,7 +26,8 @@ class ScratchWorkbook {
 
   // Into the range's first cell; anything without "=" is a text. Of a result too large to be
   // calculated in passing only the first cells are there.
-  void setFormula(CalcWorkbooks& workbooks, const RangeRef& range, const std::string& formula);
+  void setFormula(CalcWorkbooks& workbooks, const RangeRef& range, const std::string& formula,
+                  const CallLimits& limits);
   // As they were written, and the values of cells without one.
   Grid<CellValue> formulas(const RangeRef& range);
 

@@ -203,10 +203,11 @@ std::vector<RangeRef> ValueMirror::wanted(const Reach& reach) const {
   return distinct;
 }
 
-void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
+void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const CallLimits& limits) {
   std::vector<RangeRef> areas;
   long long cells = 0;
   for (RangeRef& range : wanted(reach)) {
+    limits.check();
     std::vector<Area> filled = range.areas;
     if (cellCount(range.areas) > fewCells) {
       filled = findFilledParts(
@@ -223,6 +224,7 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
   std::vector<Block> blocks;
   for (const RangeRef& range : areas) {
     for (const Area& piece : pieces(range.areas.front())) {
+      limits.check();
       const std::shared_ptr<Workbook> source = workbooks.named(range.sheet.book);
       const RangeRef part{range.sheet, {piece}};
       blocks.push_back({mirrored(range.sheet), piece, readValues(*source, part),
@@ -238,13 +240,14 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach) {
   }
   blocks_ = std::move(blocks);
   for (const Block& block : blocks_) {
+    limits.check();
     writeValues(sheetOf(workbook(), block.sheet), block.area, block.values, block.traits.kinds);
     hideRows(workbook(), block.sheet, block.traits.hiddenRows, true);
   }
 }
 
-void ValueMirror::bringNames(const Workbook& original) {
-  copyNames(original, workbook());
+void ValueMirror::bringNames(const Workbook& original, const CallLimits& limits) {
+  copyNames(original, workbook(), limits);
 }
 
 std::pair<int, int> ValueMirror::freePlace() const {

@@ -13,6 +13,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
+#include "host/calc/CallLimits.h"
 #include "host/calc/CellTraits.h"
 #include "host/calc/FormulaCells.h"
 #include "host/calc/HiddenWorkbook.h"
@@ -38,9 +39,10 @@ class ValueMirror {
   SheetPlace foreignSheet(const SheetRef& sheet);
 
   // Fills the cells that the expression reaches. SpreadsheetError -50 when they are too many.
-  void bring(CalcWorkbooks& workbooks, const Reach& reach);
-  // Gives it the names and tables of the original, which text can refer to. After bring().
-  void bringNames(const Workbook& original);
+  void bring(CalcWorkbooks& workbooks, const Reach& reach, const CallLimits& limits);
+  // Gives it the names of cells and the tables of the original, which text can refer to. After
+  // bring().
+  void bringNames(const Workbook& original, const CallLimits& limits);
   // A cell well below and to the right of all that is filled.
   std::pair<int, int> freePlace() const;
 

@@ -65,18 +65,21 @@ class Bridge {
   void setOnActivatedCell(ActivatedCell callback) { onActivatedCell_ = std::move(callback); }
 
   // The verbs. Unless it says otherwise each throws ExcelError or BridgeShapes::ShapeError.
-  JSONValue probe();                            // never throws; {"state", "excelWindow"?}
-  JSONValue readCell();                         // the active cell, see readCellObject
-  JSONValue pollCell();                         // {"book", "sheet", "addr"}
-  JSONValue evaluate(const std::string& expr);  // never throws; okValue or fail
+  JSONValue probe();     // never throws; {"state", "excelWindow"?}
+  JSONValue readCell();  // the active cell, see readCellObject
+  JSONValue pollCell();  // {"book", "sheet", "addr"}
+  // Never throws; okValue or fail. `asked`: the user asked for this very part, so that it may reach
+  // out of the workbook; else such an expression is a failure with the code onlyWhenAsked.
+  JSONValue evaluate(const std::string& expr, bool asked = false);
   JSONValue select(const std::vector<std::string>& addrs);     // {"areas"}
   JSONValue activate(const std::optional<std::string>& addr);  // true
   JSONValue dependents(const std::string& addr);  // address text, "" when there are none
   JSONValue readRange(const std::string& addr);   // see decodeReadRange
   // `style` is "a1" or "r1c1"; see decodeReadFormulas.
   JSONValue readFormulas(const std::string& addr, const std::string& style, bool formulasOnly);
-  JSONValue workbookMap();                                   // see workbookMapObject
-  JSONValue deepEval(const std::vector<std::string>& plan);  // never throws; see DeepEvalShapes
+  JSONValue workbookMap();  // see workbookMapObject
+  // Never throws; see DeepEvalShapes. `asked` as for evaluate().
+  JSONValue deepEval(const std::vector<std::string>& plan, bool asked = false);
   // {"applied", "shadowed", "moved"?}. A colour that has not three parts is magenta.
   JSONValue markCells(const std::vector<std::string>& addrs, const std::vector<std::int64_t>& rgb);
   JSONValue clearMarks();  // {"removed"}: the number of addresses
@@ -90,6 +93,10 @@ class Bridge {
   // Takes every mark back within two seconds. From then on nothing is marked any more. For the main
   // thread, while the application terminates. Never throws.
   void clearMarksForTerminate();
+
+  // The word that a request to evaluate carries behind its other arguments when the user asked for
+  // this very part.
+  static constexpr const char* askedWord = "asked";
 
   // The most addresses of one handler call that paints, moves or clears.
   static constexpr std::size_t MOVE_MAX_ADDRS = 40;
@@ -116,8 +123,8 @@ class Bridge {
 
  private:
   void touchProgrammaticNav();
-  JSONValue evaluateWrapped(const std::string& expr, const std::string& firstMessage);
-  JSONValue deepEvalInExcel(const std::vector<std::string>& plan);
+  JSONValue evaluateWrapped(const std::string& expr, const std::string& firstMessage, bool asked);
+  JSONValue deepEvalInExcel(const std::vector<std::string>& plan, bool asked);
 
   // Painting.
   std::optional<JSONValue> moveMarks(const HighlightStore::Record& wanted);

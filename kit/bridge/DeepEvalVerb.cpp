@@ -12,21 +12,22 @@ constexpr double deepEvalBudget = 65;
 
 }  // namespace
 
-JSONValue Bridge::deepEval(const std::vector<std::string>& plan) {
+JSONValue Bridge::deepEval(const std::vector<std::string>& plan, bool asked) {
   if (const auto refusal = BridgeShapes::deepEvalRefusal(plan))
     return BridgeShapes::deepEvalFailure("refused", *refusal);
   // Excel's active cell moves to the scratch workbook and back.
   touchProgrammaticNav();
-  JSONValue reply = deepEvalInExcel(plan);
+  JSONValue reply = deepEvalInExcel(plan, asked);
   touchProgrammaticNav();
   return reply;
 }
 
-JSONValue Bridge::deepEvalInExcel(const std::vector<std::string>& plan) {
+JSONValue Bridge::deepEvalInExcel(const std::vector<std::string>& plan, bool asked) {
   try {
     Args arguments;
     arguments.emplace_back(Args(plan.begin(), plan.end()));
-    return BridgeShapes::deepEvalObject(thread_.call("qx_deepeval", arguments, deepEvalBudget));
+    return BridgeShapes::deepEvalObject(
+        thread_.call("qx_deepeval", arguments, deepEvalBudget, asked));
   } catch (const ExcelError& error) {
     log_.log("ERROR", "deepEval failed code=" + std::to_string(error.code()) +
                           " n=" + std::to_string(plan.size()));

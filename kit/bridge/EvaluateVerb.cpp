@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/shapes/DeepEvalShapes.h"
 #include "kit/shapes/ErrorLiterals.h"
 #include "kit/value/Marshal.h"
 #include "kit/value/Unicode.h"
@@ -23,27 +24,30 @@ std::size_t characters(const std::string& text) {
 
 }  // namespace
 
-JSONValue Bridge::evaluate(const std::string& expr) {
+JSONValue Bridge::evaluate(const std::string& expr, bool asked) {
   try {
-    return okValue(thread_.call("qx_evaluate", {expr}, evaluateBudget));
+    return okValue(thread_.call("qx_evaluate", {expr}, evaluateBudget, asked));
   } catch (const ExcelError& error) {
     log_.log("ERROR", "evaluate failed code=" + std::to_string(error.code()) +
                           " len=" + std::to_string(characters(expr)));
     if (error.code() == ExcelError::timedOut) return fail("timeout", error.message());
+    if (error.code() == ExcelError::onlyWhenAsked)
+      return BridgeShapes::onlyWhenAskedFailure(error.message());
     if (error.code() != notUnderstood) return fail("transport", error.message());
-    return evaluateWrapped(expr, error.message());
+    return evaluateWrapped(expr, error.message(), asked);
   } catch (const std::exception& error) {
     return fail("transport", error.what());
   }
 }
 
 // Asks again in a form in which an error is text, to learn which error it is.
-JSONValue Bridge::evaluateWrapped(const std::string& expr, const std::string& firstMessage) {
+JSONValue Bridge::evaluateWrapped(const std::string& expr, const std::string& firstMessage,
+                                  bool asked) {
   const std::optional<std::string> wrapper = wrapForErrorType(expr, argSeparator_);
   if (!wrapper) return fail("excelError", firstMessage);
   JSONValue result;
   try {
-    result = thread_.call("qx_evaluate", {*wrapper}, evaluateBudget);
+    result = thread_.call("qx_evaluate", {*wrapper}, evaluateBudget, asked);
   } catch (const std::exception&) {
     return fail("excelError", firstMessage);
   }

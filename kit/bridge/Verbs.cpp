@@ -24,6 +24,11 @@ bool startsWithTextsNotNone(const Args& args) {
   return isTextList(args, 0) && !args[0].array()->empty();
 }
 
+// Whether the user asked for this very part: a constant word behind the other arguments.
+bool wasAsked(const Args& args) {
+  return isText(args, 1) && *args[1].string() == Bridge::askedWord;
+}
+
 bool startsWithTexts(const Args& args) {
   return isTextList(args, 0);
 }
@@ -51,7 +56,9 @@ constexpr Verb verbs[] = {
     {"probe", anything, [](Bridge& bridge, const Args&) { return bridge.probe(); }},
     {"readCell", anything, [](Bridge& bridge, const Args&) { return bridge.readCell(); }},
     {"evaluate", startsWithText,
-     [](Bridge& bridge, const Args& args) { return bridge.evaluate(*args[0].string()); }},
+     [](Bridge& bridge, const Args& args) {
+       return bridge.evaluate(*args[0].string(), wasAsked(args));
+     }},
     {"readRange", startsWithText,
      [](Bridge& bridge, const Args& args) { return bridge.readRange(*args[0].string()); }},
     {"select", startsWithTextsNotNone,
@@ -78,7 +85,9 @@ constexpr Verb verbs[] = {
     {"reveal", startsWithTextsNotNone,
      [](Bridge& bridge, const Args& args) { return bridge.reveal(texts(args[0])); }},
     {"deepEval", startsWithTexts,
-     [](Bridge& bridge, const Args& args) { return bridge.deepEval(texts(args[0])); }},
+     [](Bridge& bridge, const Args& args) {
+       return bridge.deepEval(texts(args[0]), wasAsked(args));
+     }},
 };
 
 }  // namespace

@@ -87,12 +87,12 @@ std::optional<std::string> ExcelThread::compileError() const {
 }
 
 JSONValue ExcelThread::call(const std::string& handler, const JSONValue::Array& args,
-                            double timeout) {
+                            double timeout, bool asked) {
   MainThread::forbid("ExcelThread::call");
   Outcome outcome;
   gate_.sync([&] {
     outcome = terminating_ ? Outcome(Failure{ExcelError::terminating, "Quorin is quitting"})
-                           : invoke(handler, args, durationOf(timeout));
+                           : invoke(handler, args, durationOf(timeout), asked);
   });
   return resultOf(std::move(outcome));
 }
@@ -140,7 +140,7 @@ JSONValue ExcelThread::callForTerminate(const std::string& handler, const JSONVa
 }
 
 ExcelThread::Outcome ExcelThread::invoke(const std::string& handler, const JSONValue::Array& args,
-                                         Duration timeout) {
+                                         Duration timeout, bool asked) {
   if (compileError_) return Failure{ExcelError::notCompiled, *compileError_};
 
   Duration waited = Duration::zero();
@@ -150,7 +150,7 @@ ExcelThread::Outcome ExcelThread::invoke(const std::string& handler, const JSONV
     waited = clock_.now() - start;
     pending_.reset();
   }
-  const auto box = std::make_shared<CallBox>(subroutineCall(handler, args));
+  const auto box = std::make_shared<CallBox>(subroutineCall(handler, args), asked);
   const Duration budget = std::max<Duration>(timeout - waited, leastBudget);
   thread_.post([box](ScriptRunner& runner) { execute(*box, runner); });
 
@@ -162,6 +162,7 @@ ExcelThread::Outcome ExcelThread::invoke(const std::string& handler, const JSONV
     log_.log("PERF", handler + " " + std::to_string(milliseconds) + "ms");
   }
   if (!inTime) {
+    box->givenUp = true;
     pending_ = box;
     return Failure{ExcelError::timedOut, "Excel did not respond within " + wholeSeconds(budget)};
   }
@@ -188,6 +189,7 @@ bool ExcelThread::waitForPending(Semaphore& semaphore, Duration timeout) {
 
 void ExcelThread::execute(CallBox& box, ScriptRunner& runner) {
   try {
+    runner.prepare({box.asked, [&box] { return box.givenUp.load(); }});
     ScriptReply reply = runner.execute(box.event);
     box.result = std::move(reply.result);
     box.error = std::move(reply.error);

@@ -50,8 +50,10 @@ class ExcelThread {
   std::optional<std::string> compileError() const;
 
   // Runs a handler with these arguments and gives its result (null when it returned nothing).
-  // `timeout` in seconds. Never on the main thread.
-  JSONValue call(const std::string& handler, const JSONValue::Array& args, double timeout);
+  // `timeout` in seconds. Never on the main thread. `asked` holds for this call alone: the user
+  // asked for this very part (CallTerms).
+  JSONValue call(const std::string& handler, const JSONValue::Array& args, double timeout,
+                 bool asked = false);
 
   // The same for the main thread while the application terminates: two seconds for everything,
   // waiting for other callers included.
@@ -85,7 +87,8 @@ class ExcelThread {
 
   JSONValue callForTerminate(const std::string& handler, const JSONValue::Array& args,
                              Duration start, Duration budget);
-  Outcome invoke(const std::string& handler, const JSONValue::Array& args, Duration timeout);
+  Outcome invoke(const std::string& handler, const JSONValue::Array& args, Duration timeout,
+                 bool asked = false);
   static JSONValue resultOf(Outcome outcome);
   static Failure stillBusy(Duration waited);
   bool waitForPending(Semaphore& semaphore, Duration timeout);

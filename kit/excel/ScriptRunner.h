@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "kit/value/AppleEvent.h"
+#include "kit/value/CallTerms.h"
 
 namespace quorin {
 
@@ -30,6 +31,10 @@ class ScriptRunner {
 
   // Compiles the library. Gives the error, or nothing when it compiled.
   virtual std::optional<ScriptErrorInfo> compile(std::string_view source) = 0;
+
+  // The terms of the next event that is executed, and of no other. What a script system has no use
+  // for it ignores.
+  virtual void prepare(const CallTerms&) {}
 
   // Runs one 'ascr'/'psbr' event ("snam": handler name, "----": argument list) to its end.
   virtual ScriptReply execute(const AppleEvent& event) = 0;

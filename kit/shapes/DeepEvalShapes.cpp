@@ -10,6 +10,7 @@ namespace quorin::BridgeShapes {
 namespace {
 
 constexpr std::size_t mostEntries = 40;
+constexpr double onlyWhenAsked = -9993;
 constexpr std::size_t longestFormula = 255;  // characters, the "=" in front included
 
 }  // namespace
@@ -32,7 +33,13 @@ JSONValue deepEvalFailure(int code, const std::string& message) {
   constexpr int callTimedOut = -9990, eventTimedOut = -1712;
   if (code >= lastRefusal && code <= firstRefusal) return deepEvalFailure("refused", message);
   if (code == callTimedOut || code == eventTimedOut) return deepEvalFailure("timeout", message);
+  if (code == onlyWhenAsked) return onlyWhenAskedFailure(message);
   return deepEvalFailure("transport", message);
+}
+
+JSONValue onlyWhenAskedFailure(const std::string& message) {
+  return JSONValue::Object{
+      {"ok", false}, {"kind", "transport"}, {"message", message}, {"code", onlyWhenAsked}};
 }
 
 JSONValue deepEvalObject(JSONValue result) {

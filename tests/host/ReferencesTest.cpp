@@ -48,7 +48,7 @@ TEST_F(References, NameTheWorkbookAndSheetAroundTheActiveCell) {
 
 TEST_F(References, FindTheWorkbookWhoseNameWasToldInTheSameHandler) {
   const Descriptor active = property(codes::name, property(codes::activeWorkbook));
-  model_->handlerBegins();
+  model_->handlerBegins({});
   EXPECT_EQ(get(active), Descriptor::text("Known.xlsx"));
   memory().script.clear();
   EXPECT_EQ(get(property(codes::name, workbook("Known.xlsx"))), Descriptor::text("Known.xlsx"));
@@ -57,7 +57,7 @@ TEST_F(References, FindTheWorkbookWhoseNameWasToldInTheSameHandler) {
   model_->handlerEnds();
   memory().close("Known.xlsx");
   EXPECT_EQ(errorOf(property(codes::name, workbook("Known.xlsx"))), -1728);
-  model_->handlerBegins();
+  model_->handlerBegins({});
   EXPECT_EQ(errorOf(property(codes::name, workbook("Known.xlsx"))), -1728);
   model_->handlerEnds();
 }

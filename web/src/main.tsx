@@ -5,6 +5,8 @@ import { batch, createSignal } from 'solid-js';
 import { render } from 'solid-js/web';
 
 import { ErrorLog } from './core/diagnostics/ErrorLog';
+import type { EvaluationQuestions } from './core/evaluation/Asker';
+import { ReachGuard, type GuardedQuestions } from './core/evaluation/ReachGuard';
 import { Explorer } from './core/explorer/Explorer';
 import { SheetFollower } from './core/follow/SheetFollower';
 import { CarriedModel, SlicedCarrier } from './core/model/ModelClient';
@@ -146,12 +148,25 @@ const follower: SheetFollower = new SheetFollower(
   changed,
   platform === 'mac', // where the spreadsheet is Excel
 );
+const wish = (asked = false): [] | ['asked'] => (asked ? ['asked'] : []);
+const direct: GuardedQuestions = {
+  evaluate: (expression, asked) => client.ask('evaluate', expression, ...wish(asked)),
+  pollCell: () => client.ask('pollCell'),
+  readRange: (address) => client.ask('readRange', address),
+  deepEval: (plan, asked) => client.ask('deepEval', plan, ...wish(asked)),
+  workbookMap: () => client.ask('workbookMap'),
+};
+const application =
+  typeof window.__qxApp === 'string' && window.__qxApp !== '' ? window.__qxApp : unnamedApplication;
+// Calc's side knows itself what it may call; what Excel is asked it calls.
+const evaluations: EvaluationQuestions =
+  application === 'LibreOffice Calc' ? direct : new ReachGuard(direct, () => explorer.cache.epoch);
 const explorer: Explorer = new Explorer({
   questions: {
-    evaluate: (expression) => client.ask('evaluate', expression),
-    pollCell: () => client.ask('pollCell'),
-    readRange: (address) => client.ask('readRange', address),
-    deepEval: (plan) => client.ask('deepEval', plan),
+    evaluate: (expression, asked) => evaluations.evaluate(expression, asked),
+    pollCell: () => evaluations.pollCell(),
+    readRange: (address, asked) => evaluations.readRange(address, asked),
+    deepEval: (plan, asked) => evaluations.deepEval(plan, asked),
     readFormulas: (address, style, formulasOnly = false) =>
       ask('readFormulas', address, style, formulasOnly),
     dependents: (address) => ask('dependents', address),
@@ -290,8 +305,6 @@ const page: Page = {
   },
 };
 
-const application =
-  typeof window.__qxApp === 'string' && window.__qxApp !== '' ? window.__qxApp : unnamedApplication;
 const place = document.getElementById('page');
 if (!place) throw new Error('the document has no place for the page');
 render(

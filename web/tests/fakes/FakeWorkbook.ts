@@ -10,6 +10,12 @@ function isFailure(known: Known): known is Failure {
   return typeof known === 'object' && known !== null && 'kind' in known;
 }
 
+export const reaches = (name: string): Failure => ({
+  kind: 'transport',
+  message: `Microsoft Excel got an error: Runs “${name}”, so only when you ask.`,
+  code: -9993,
+});
+
 export const excelError = (message: string): Failure => ({ kind: 'excelError', message });
 
 /**
@@ -28,8 +34,8 @@ export class FakeWorkbook implements EvaluationQuestions {
   /** Where the user is. Not noted among the questions. */
   front = { book: 'Model.xlsx', sheet: 'Summary', addr: 'A1' };
 
-  evaluate(expression: string): Promise<Outcome<Json>> {
-    this.asked.push(`evaluate ${expression}`);
+  evaluate(expression: string, asked = false): Promise<Outcome<Json>> {
+    this.asked.push(`evaluate ${expression}${asked ? ' asked' : ''}`);
     return Promise.resolve(this.answer(expression));
   }
 
@@ -37,8 +43,8 @@ export class FakeWorkbook implements EvaluationQuestions {
     return Promise.resolve(succeeded(this.front));
   }
 
-  deepEval(plan: readonly string[]): Promise<Outcome<Json>> {
-    this.asked.push(`deepEval ${plan.join(' | ')}`);
+  deepEval(plan: readonly string[], asked = false): Promise<Outcome<Json>> {
+    this.asked.push(`deepEval ${plan.join(' | ')}${asked ? ' asked' : ''}`);
     return Promise.resolve(this.answer(plan.at(-1) ?? ''));
   }
 

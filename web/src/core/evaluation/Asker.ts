@@ -2,7 +2,7 @@
 
 import type { Area } from '../address/area';
 import type { Json } from '../protocol/json';
-import { notRunningCode, type Failure, type Outcome } from '../protocol/Outcome';
+import { notRunningCode, onlyWhenAskedCode, type Failure, type Outcome } from '../protocol/Outcome';
 import type { RangeTooBig, RangeValues } from '../protocol/verbs';
 import { readArea } from './rangeReader';
 import { keyOf, onlyInFront, toldOf, type Bound, type FrontQuestions } from './front';
@@ -11,9 +11,10 @@ import type { ResultCache } from './ResultCache';
 import { expressionLimit, type Route } from './routes';
 
 export type EvaluationQuestions = FrontQuestions & {
-  evaluate(expression: string): Promise<Outcome<Json>>;
-  readRange(address: string): Promise<Outcome<RangeValues | RangeTooBig>>;
-  deepEval(plan: readonly string[]): Promise<Outcome<Json>>;
+  /** `asked`: the user asked for this very part, so that it may reach out of the workbook. */
+  evaluate(expression: string, asked?: boolean): Promise<Outcome<Json>>;
+  readRange(address: string, asked?: boolean): Promise<Outcome<RangeValues | RangeTooBig>>;
+  deepEval(plan: readonly string[], asked?: boolean): Promise<Outcome<Json>>;
 };
 
 export type Answer =
@@ -29,6 +30,8 @@ type Refusal = {
   halt: boolean;
   /** It can be had while the formula's sheet is in front. */
   away?: boolean;
+  /** It reaches out of the workbook, and is asked for when the user wants that. */
+  reaches?: boolean;
 };
 
 type AskedRoute = Route & { by: 'range' | 'expression' | 'scratch' };
@@ -37,6 +40,10 @@ type AskedRoute = Route & { by: 'range' | 'expression' | 'scratch' };
 const errorsByType = '#NULL! #DIV/0! #VALUE! #REF! #NAME? #NUM! #N/A #GETTING_DATA'.split(' ');
 
 function refused(failure: Failure): Refusal {
+  if (failure.code === onlyWhenAskedCode) {
+    const reason = failure.message.replace(/^.* got an error: /, '');
+    return { reason, later: false, halt: false, reaches: true };
+  }
   const halt = failure.code === notRunningCode || ['denied', 'detached'].includes(failure.kind);
   switch (failure.kind) {
     case 'timeout':
@@ -88,22 +95,23 @@ export class Asker {
     }
   }
 
-  async ask(route: Route): Promise<Answer> {
+  /** `asked`: the user asked for this very part, whatever it reaches. */
+  async ask(route: Route, asked = false): Promise<Answer> {
     switch (route.by) {
       case 'cells':
         return this.cells(route.sheet, route.area);
       case 'range':
         return this.kept(
           route,
-          this.of(route, (text) => this.range(text)),
+          this.of(route, (text) => this.range(text, asked)),
         );
       case 'expression':
         return this.kept(
           route,
-          this.of(route, (text) => this.expression(text)),
+          this.of(route, (text) => this.expression(text, asked)),
         );
       case 'scratch':
-        return this.kept(route, this.scratch(route.plan));
+        return this.kept(route, this.scratch(route.plan, asked));
       case 'text':
       case 'size':
         return { result: route.result };
@@ -146,11 +154,11 @@ export class Asker {
 
   private readonly readRange = (address: string) => this.questions.readRange(address);
 
-  private async range(text: string): Promise<Answer> {
-    const outcome = await this.questions.readRange(text);
+  private async range(text: string, asked: boolean): Promise<Answer> {
+    const outcome = await this.questions.readRange(text, asked);
     if (!outcome.ok) {
       const answer = refused(outcome.failure);
-      return answer.later ? answer : this.expression(text);
+      return answer.later || answer.reaches ? answer : this.expression(text, asked);
     }
     const { value } = outcome;
     if ('tooBig' in value) {
@@ -159,8 +167,8 @@ export class Asker {
     return { result: resultOfCells(value.values) };
   }
 
-  private async expression(text: string): Promise<Answer> {
-    const outcome = await this.questions.evaluate(text);
+  private async expression(text: string, asked: boolean): Promise<Answer> {
+    const outcome = await this.questions.evaluate(text, asked);
     if (outcome.ok) {
       const result = resultOfJson(outcome.value);
       return result ? { result } : unusable;
@@ -169,20 +177,20 @@ export class Asker {
     if (failure.kind !== 'excelError') return refused(failure);
     if (failure.message.startsWith('#'))
       return { result: { kind: 'error', text: failure.message } };
-    return this.errorOf(text);
+    return this.errorOf(text, asked);
   }
 
   /** Too long for the native side to learn which error it is: the type alone is shorter. */
-  private async errorOf(text: string): Promise<Answer> {
+  private async errorOf(text: string, asked: boolean): Promise<Answer> {
     const question = `ERROR.TYPE(${text})`;
     if (question.length > expressionLimit) return unusable;
-    const outcome = await this.questions.evaluate(question);
+    const outcome = await this.questions.evaluate(question, asked);
     if (!outcome.ok || typeof outcome.value !== 'number') return unusable;
     return { result: { kind: 'error', text: errorsByType[outcome.value - 1] ?? '#UNKNOWN!' } };
   }
 
-  private async scratch(plan: readonly string[]): Promise<Answer> {
-    const outcome = await this.questions.deepEval(plan);
+  private async scratch(plan: readonly string[], asked: boolean): Promise<Answer> {
+    const outcome = await this.questions.deepEval(plan, asked);
     if (!outcome.ok) return refused(outcome.failure);
     if (isErrorText(outcome.value)) return { result: { kind: 'error', text: outcome.value } };
     const result = resultOfJson(outcome.value);

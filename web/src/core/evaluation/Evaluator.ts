@@ -52,6 +52,10 @@ export class Evaluator implements Source {
   private readonly alone = new Set<Item>();
   /** Can be asked only while their formula's sheet is in front, and it was not. */
   private readonly away = new Set<Item>();
+  /** Found to reach out of the workbook. */
+  private readonly reaching = new Set<Item>();
+  /** What the user asked for although it reaches out. */
+  private readonly asked = new Set<Item>();
   private elsewhere = false;
   private verified: Verification = { state: 'open' };
   private hunted = 0;
@@ -81,6 +85,8 @@ export class Evaluator implements Source {
     this.wanted.clear();
     this.alone.clear();
     this.away.clear();
+    this.reaching.clear();
+    this.asked.clear();
     this.verified = { state: 'open' };
     this.hunted = 0;
     this.late = 0;
@@ -103,6 +109,10 @@ export class Evaluator implements Source {
     const result = this.resultOf(item);
     const isUnread = result?.kind === 'array' && !result.values;
     const { status } = this.stateOf(item);
+    // What the row said is what the user agrees to: that it reaches out.
+    if (status === 'offered' && (this.reaching.delete(item) || this.routeOf(item).reaches)) {
+      this.asked.add(item);
+    }
     if (isUnread || status === 'refused' || status === 'offered') this.states[item.id] = waiting;
     this.wanted.add(item);
     this.late = 0;
@@ -260,7 +270,9 @@ export class Evaluator implements Source {
     const { generation } = this;
     for (const item of items) this.states[item.id] = { status: 'asking' };
     return async () => {
-      const answer = await this.asker.ask(route);
+      // Only for the one that was wanted, and once.
+      const only = items.length === 1 ? items[0] : undefined;
+      const answer = await this.asker.ask(route, only !== undefined && this.asked.delete(only));
       if (generation !== this.generation) return;
       // One bad range must not take the others of its box with it: each is tried alone.
       const apart = 'reason' in answer && !answer.later && items.length > 1;
@@ -269,6 +281,7 @@ export class Evaluator implements Source {
         if (apart) this.alone.add(item);
         this.states[item.id] = apart ? waiting : this.stateFrom(answer, pick?.(item));
         if (isAway(answer)) this.away.add(item);
+        if ('reaches' in answer) this.reaching.add(item);
       }
       this.heed(answer);
       this.changed();
@@ -277,8 +290,8 @@ export class Evaluator implements Source {
 
   private stateFrom(answer: Answer, own: Result | undefined): ItemState {
     if ('result' in answer) return { status: 'known', result: own ?? answer.result };
-    const { reason, later } = answer;
-    return { status: later ? 'offered' : 'refused', reason };
+    const { reason, later, reaches = false } = answer;
+    return { status: later || reaches ? 'offered' : 'refused', reason };
   }
 
   private heed(answer: Answer): void {

@@ -26,8 +26,11 @@ export type Route =
   | { by: 'scratch'; plan: string[]; volatile: boolean }
   | { by: 'nothing'; reason: string };
 
-/** `ask`: why the user should want it first; asked without being wanted where it is missing. */
-export type RouteOf = { route: Route; ask?: string };
+/**
+ * `ask`: why the user should want it first; asked without being wanted where it is missing.
+ * `reaches`: because it reaches out of the workbook.
+ */
+export type RouteOf = { route: Route; ask?: string; reaches?: true };
 
 /** "'My sheet'!" as a sheet of this workbook; nothing for other books and several sheets. */
 export function sheetOfPrefix(prefix: string): string | undefined {
@@ -65,7 +68,10 @@ function askedRoute(node: Node, scope: Scope | undefined, home: Home): RouteOf {
     return nothing(`Depends on the call that gives “${expression.unbound}” its value.`);
   }
   const reaching = expression.reaching;
-  const ask = reaching === undefined ? {} : { ask: `Runs “${reaching}”, so only when you ask.` };
+  const ask =
+    reaching === undefined
+      ? {}
+      : ({ ask: runs(reaching), reaches: true } satisfies Partial<RouteOf>);
   if (text.length <= expressionLimit) {
     const isName = node.kind === 'name' || (node.kind === 'columns' && !text.startsWith('INDEX('));
     const at = expression.ofFront === 'no' ? {} : { bound: boundOf(node, scope, home, expression) };
@@ -77,7 +83,12 @@ function askedRoute(node: Node, scope: Scope | undefined, home: Home): RouteOf {
   const plan = scratchPlan(node, scope, home);
   if (!plan) return nothing('Too long to be asked for alone.');
   const route: Route = { by: 'scratch', plan, volatile };
-  return { route, ask: ask.ask ?? 'Long: worked out in a scratch workbook when you ask.' };
+  return { route, ask: 'Long: worked out in a scratch workbook when you ask.', ...ask };
+}
+
+/** Why a function is called only when the user asks. */
+export function runs(name: string): string {
+  return `Runs “${name}”, so only when you ask.`;
 }
 
 function boundOf(node: Node, scope: Scope | undefined, home: Home, { ofFront }: Expression): Bound {

@@ -34,6 +34,9 @@ export function failed(kind: FailureKind, message: string): { ok: false; failure
 /** The code of a request made while the spreadsheet is not running. */
 export const notRunningCode = -600;
 
+/** The code of an expression that reaches out of the workbook, and that the user did not ask for. */
+export const onlyWhenAskedCode = -9993;
+
 const nativeKinds: ReadonlySet<string> = new Set([
   'transport',
   'timeout',

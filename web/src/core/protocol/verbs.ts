@@ -71,7 +71,8 @@ export type Colour = readonly [red: number, green: number, blue: number];
 export type Verbs = {
   probe: { args: []; result: Probe };
   readCell: { args: []; result: Cell };
-  evaluate: { args: [expression: string]; result: Json };
+  /** "asked": the user asked for this very part, so that it may reach out of the workbook. */
+  evaluate: { args: [expression: string, asked?: 'asked']; result: Json };
   readRange: { args: [address: string]; result: RangeValues | RangeTooBig };
   select: { args: [addresses: readonly string[]]; result: { areas: number } };
   activate: { args: [address?: string | null]; result: true };
@@ -85,7 +86,7 @@ export type Verbs = {
   markCells: { args: [addresses: readonly string[], colour: Colour]; result: Marked };
   clearMarks: { args: []; result: { removed: number } };
   reveal: { args: [addresses: readonly string[]]; result: Revealed };
-  deepEval: { args: [plan: readonly string[]]; result: Json };
+  deepEval: { args: [plan: readonly string[], asked?: 'asked']; result: Json };
   log: { args: [tag: string, message: string]; result: null };
   getHighlightColor: { args: []; result: number[] };
   setHighlightColor: { args: [colour: Colour]; result: null };

@@ -3,7 +3,7 @@ import { expect, describe, test, beforeEach } from 'vitest';
 import { succeeded } from '../../../src/core/protocol/Outcome';
 import { parse } from '../../../src/core/formula/Parser';
 import { outlineOf } from '../../../src/core/outline/Item';
-import { excelError } from '../../fakes/FakeWorkbook';
+import { excelError, reaches } from '../../fakes/FakeWorkbook';
 import { Bench, home, settled } from './bench';
 
 let bench: Bench;
@@ -223,6 +223,45 @@ describe('what may not be asked', () => {
     bench.evaluator.want(bench.item('MINE(1)'));
     await bench.finish();
     expect(bench.of('MINE(1)')).toBe(8);
+    expect(bench.workbook.asked).toContain('evaluate MINE(1) asked');
+  });
+
+  test('because of what a name stands for: that is told, and asked when the user wants it', async () => {
+    bench.workbook.otherwise = (text) => (/\bW\b/.test(text) ? reaches('WEBSERVICE') : 2);
+    await bench.run('=LEN(W)+ABS(A1)+MAX(W,1)+MIN(W,2)');
+    const offered = 'offered: Runs “WEBSERVICE”, so only when you ask.';
+    for (const part of ['W', 'LEN(W)', 'MAX(W,1)', 'MIN(W,2)'])
+      expect(bench.of(part)).toBe(offered);
+    expect(bench.of('ABS(A1)')).toBe(2);
+    expect(bench.evaluator.verification).toEqual({
+      state: 'skipped',
+      reason: 'Runs “WEBSERVICE”, so only when you ask.',
+    });
+    expect(bench.workbook.asked.join()).not.toContain(' asked');
+    bench.workbook.otherwise = () => 4;
+    bench.evaluator.want(bench.item('LEN(W)'));
+    await bench.finish();
+    expect(bench.of('LEN(W)')).toBe(4);
+    expect(bench.of('MAX(W,1)')).toBe(offered);
+    expect(bench.workbook.asked.filter((text) => text.endsWith(' asked'))).toEqual([
+      'evaluate LEN(W) asked',
+    ]);
+  });
+
+  test('and a wish that came to nothing is not carried over to the next one', async () => {
+    bench.workbook.otherwise = () => reaches('RTD');
+    await bench.run('=LEN(W)+1');
+    bench.workbook.otherwise = () => ({ kind: 'timeout', message: 'late' });
+    bench.evaluator.want(bench.item('LEN(W)'));
+    await bench.finish();
+    expect(bench.of('LEN(W)')).toBe('offered: The spreadsheet took too long.');
+    bench.evaluator.want(bench.item('LEN(W)'));
+    await bench.finish();
+    expect(bench.workbook.asked.filter((text) => /^evaluate LEN.W.( asked)?$/.test(text))).toEqual([
+      'evaluate LEN(W)',
+      'evaluate LEN(W) asked',
+      'evaluate LEN(W)',
+    ]);
   });
 
   test('longer than the spreadsheet takes: in a scratch workbook, for a part that is opened', async () => {
