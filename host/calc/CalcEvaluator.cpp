@@ -9,6 +9,7 @@
 #include "host/Address.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CopyGuard.h"
 #include "host/calc/ExpressionScope.h"
 #include "host/calc/FormulaCells.h"
 #include "host/calc/Text.h"
@@ -162,6 +163,7 @@ Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression
         "What GETPIVOTDATA and CELL tell of pivot tables and formats cannot be worked out in a "
         "workbook of more than 1000 filled cells");
   }
+  if (!context.asked) refuseCopyThatReaches(*original, context, request.limits);
   HiddenWorkbook copy(context_, *original);
   context.elsewhere = [&](const std::string& book,
                           const std::string& sheet) -> std::optional<SheetPlace> {

@@ -107,8 +107,8 @@ TEST(BoundedExpression, IsNoLongerOrDeeperThanTheOfficesOwnParserBears) {
 
 TEST(BoundedExpression, HoldsConstantsAloneInArrays) {
   const ExpressionContext context{.from = {"Plan.xlsx", "Data"}};
-  EXPECT_EQ(written("{1,-2.5E+3;\"a'b\",#N/A;TRUE,FALSE}", context),
-            "{1;-2.5E+3|\"a'b\";#N/A|TRUE;FALSE}");
+  EXPECT_EQ(written("{1,-2.5E+3;\"a'b\",2;TRUE,FALSE}", context),
+            "{1;-2.5E+3|\"a'b\";2|TRUE;FALSE}");
   for (const char* other : {"{A1:A2}", "{'file:///a'#$b.A1}", "{[a.xlsx]b!A1}", "{$A$1}"}) {
     EXPECT_EQ(written(other, context), std::nullopt) << other;
   }
