@@ -162,15 +162,29 @@ std::optional<Area> findFilledPart(const Reference<css::table::XCellRange>& cell
 
 namespace {
 
+// The cells that a formula names; none where it is too long, with its names written out, to be
+// read.
+std::vector<RangeRef> cellsIn(const std::string& formula, const ExpressionContext& context) {
+  try {
+    auto read = calcExpression(formula, context);
+    return read ? std::move(read->reach.cells) : std::vector<RangeRef>();
+  } catch (const SpreadsheetError& failure) {
+    if (failure.number() != -50) throw;
+    return {};
+  }
+}
+
 // Those cells of the range whose formulas look at one of the sources, which lie on the same sheet.
 std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range,
-                                 const std::vector<Area>& sources) {
+                                 const std::vector<Area>& sources, const CallLimits& limits) {
   const Reference<css::sheet::XCellRangesQuery> query(
       cellsOf(workbook, range.sheet.sheet, firstArea(range)), UNO_QUERY_THROW);
   constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
                                   css::sheet::FormulaResult::STRING |
                                   css::sheet::FormulaResult::ERROR;
-  ExpressionContext context{.from = range.sheet};
+  // Nothing is calculated, so any function may stand there.
+  ExpressionContext context{.from = range.sheet, .asked = true};
+  context.checkpoint = [&limits] { limits.check(); };
   context.meaning = [&workbook, known = std::map<std::string, std::optional<std::string>>()](
                         const SheetRef& scope,
                         const std::string& name) mutable -> std::optional<std::string> {
@@ -198,12 +212,11 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
                           cellsOf(workbook, range.sheet.sheet, part), UNO_QUERY_THROW)
                           ->getFormulaArray();
     for (int row = part.firstRow; row <= part.lastRow; ++row) {
+      limits.check();
       for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
         const std::string text = translator.excelFormula(
             toText(rows[row - part.firstRow][column - part.firstColumn]), {row, column});
-        const auto formula = calcExpression(text, context);
-        if (!formula) continue;
-        const auto& reached = formula->reach.cells;
+        const auto reached = cellsIn(text, context);
         if (std::any_of(reached.begin(), reached.end(), [&](const RangeRef& cells) {
               return caselesslyEqual(cells.sheet.sheet, range.sheet.sheet) &&
                      cells.sheet.book == range.sheet.book && touch(cells.areas, sources);
@@ -225,7 +238,7 @@ std::vector<Area> findFilledParts(const Reference<css::table::XCellRange>& cells
 }
 
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,
-                                       DependentLevels levels) {
+                                       DependentLevels levels, const CallLimits& limits) {
   const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
   RangeRef found{range.sheet, {}};
   for (const Area& area : range.areas) {
@@ -244,7 +257,7 @@ std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef&
     sources.insert(sources.end(), found.areas.begin(), found.areas.end());
   }
   for (const Area& own : range.areas) {
-    for (const Area& cell : dependentCells(workbook, {range.sheet, {own}}, sources)) {
+    for (const Area& cell : dependentCells(workbook, {range.sheet, {own}}, sources, limits)) {
       found.areas.push_back(cell);
     }
   }

@@ -3,6 +3,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
@@ -29,6 +30,6 @@ std::optional<Area> findFilledPart(const css::uno::Reference<css::table::XCellRa
 // The rectangles in which each cell is filled; they do not overlap.
 std::vector<Area> findFilledParts(const css::uno::Reference<css::table::XCellRange>& cells);
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,
-                                       DependentLevels levels);
+                                       DependentLevels levels, const CallLimits& limits);
 
 }  // namespace quorin::host::calc

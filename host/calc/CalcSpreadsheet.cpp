@@ -205,7 +205,7 @@ std::optional<RangeRef> CalcSpreadsheet::usedRange(const SheetRef& sheet) {
 
 std::optional<RangeRef> CalcSpreadsheet::dependents(const RangeRef& range, DependentLevels levels) {
   return call([&](CalcSession& office) {
-    return findDependents(office.workbook(range.sheet.book), range, levels);
+    return findDependents(office.workbook(range.sheet.book), range, levels, limits_);
   });
 }
 

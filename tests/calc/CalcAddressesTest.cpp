@@ -140,8 +140,10 @@ TEST_F(CalcAddresses, DependOnOneAnother) {
                      {"A3", 4.0, "=SUM(Start)"},
                      {"A4", 5.0, "=C1+1"},
                      {"B1", 3.0, "=A2+1"},
-                     {"C1", 4.0, "=B1+1"}}}},
+                     {"C1", 4.0, "=B1+1"},
+                     {"D1", "file:A", "=HYPERLINK(\"file:\"&D2,D3)"}}}},
         .names = {{"Start", "=Data!$A$1:$A$2"}}});
+  EXPECT_EQ(ask("dependents", {"D1:D3"}), R"("$D$1")");  // what it calls does not matter
   EXPECT_EQ(ask("dependents", {"A1:A4"}), R"("$B$1,$A$2,$A$3")");
   EXPECT_EQ(ask("dependents", {"A:C"}), R"("$A$2,$A$3,$A$4,$B$1,$C$1")");
   EXPECT_EQ(ask("dependents", {"A2"}), R"("$A$3,$B$1")");
