@@ -149,6 +149,49 @@ TEST_F(CalcReads, ReadsHiddenSheetsWithoutShowingThem) {
   EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
 }
 
+// All that reading a workbook whole asks for, as the page asks it.
+TEST_F(CalcReads, ReadsAWholeWorkbookWithoutATrace) {
+  hands->enter("Edges.xlsx", "Blank", "D4", "entered");
+  hands->undo("Edges.xlsx");
+  road->use([](CalcSpreadsheet& calc) {
+    calc.goTo({{"Edges.xlsx", longName}, parseA1("C60:D70").value()});
+  });
+  evaluate("1+1");  // the hidden workbook of evaluations stays open
+  for (const bool modified : {false, true}) {
+    hands->setModified("Edges.xlsx", modified);
+    const std::string before = hands->stateOf("Edges.xlsx"),
+                      content = hands->contentOf("Edges.xlsx"), cell = ask("readCell"),
+                      view = road->firstInView();
+    const int documents = hands->documents();
+    EXPECT_THAT(cell, HasSubstr(R"("selection":"$C$60:$D$70")"));
+    EXPECT_THAT(ask("workbookMap"), StartsWith(R"({"book":"Edges.xlsx",)"));
+    for (const std::string& sheet : hands->sheets("Edges.xlsx")) {
+      std::string name = "'[Edges.xlsx]";
+      for (const char each : sheet) name += each == '\'' ? "''" : std::string(1, each);
+      name += "'!";
+      EXPECT_THAT(ask("readFormulas", {name + "A1:G8", "r1c1", false}), HasSubstr(R"("rows":8)"));
+      EXPECT_THAT(ask("readFormulas", {name + "A1:E1000", "r1c1", false}),
+                  HasSubstr(R"("rows":1000)"));
+      std::string counted = "COUNTA(" + name;
+      counted += "A1:XFD524288)&\"|\"&COUNTA(" + name + "A524289:XFD1048576)";
+      EXPECT_THAT(evaluate(counted), StartsWith(R"({"ok":true,"value":")")) << sheet;
+    }
+    evaluate(R"(CELL("address",Rate)&"|"&ROWS(Rate)&"|"&COLUMNS(Rate))");
+    evaluate(R"(CELL("address",Nowhere[a])&"|"&ROWS(Nowhere[a])&"|"&COLUMNS(Nowhere[a]))");
+    ask("pollCell");
+    EXPECT_EQ(hands->stateOf("Edges.xlsx"), before);
+    EXPECT_EQ(hands->contentOf("Edges.xlsx"), content);
+    EXPECT_EQ(hands->documents(), documents);
+    EXPECT_EQ(ask("readCell"), cell);
+    EXPECT_EQ(road->firstInView(), view);
+    EXPECT_FALSE(hands->showsSheet("Edges.xlsx", "Hidden"));
+  }
+  road->use([](CalcSpreadsheet& calc) {
+    calc.goTo({{"Edges.xlsx", "Data"}, parseA1("A1").value()});
+  });
+  hands->setModified("Edges.xlsx", false);
+}
+
 TEST_F(CalcReads, ReadsProtectedSheets) {
   hands->protect("Edges.xlsx", "Data");
   const std::string before = hands->stateOf("Edges.xlsx");
