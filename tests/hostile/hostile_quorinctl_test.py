@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Hostile workbooks through quorinctl: none makes it reach out, run away or fail afterwards.
 
-usage: hostile_quorinctl_test.py QUORINCTL REACHES.so [--group reaching|endless|odd] [--only CASE]
+usage: hostile_quorinctl_test.py QUORINCTL REACHES.so [--group reaching|endless|odd]
+                                [--only CASE] [--without CASE]
 
 Opens each in the office that quorinctl has, asks what a page would ask of it, and more, and closes
 it. Meanwhile a server on the loopback interface must hear nothing; no program may open a file, start
@@ -149,11 +150,15 @@ def main():
     parser.add_argument("reaches", type=pathlib.Path)
     parser.add_argument("--group", default="")
     parser.add_argument("--only", action="append")
+    parser.add_argument("--without", action="append", default=[])
     options = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     options.quorinctl, options.reaches = options.quorinctl.resolve(), options.reaches.resolve()
     cases = [case for case in CASES if case.write.__module__.startswith(options.group)
-             and (not options.only or case.name in options.only)]
+             and (not options.only or case.name in options.only)
+             and case.name not in options.without]
+    if unknown := set(options.without) - {case.name for case in CASES}:
+        parser.error(f"no such cases: {unknown}")
     folder = pathlib.Path(tempfile.mkdtemp(prefix="quorin-hostile-"))
     failed = []
     try:

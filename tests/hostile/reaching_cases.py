@@ -240,17 +240,24 @@ def ranges_linked_to_other_files(path, place):
     odf_writer.Document(table).save(path)
 
 
-@case("linked-pictures.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",))
-def pictures_and_objects_elsewhere(path, place):
-    shapes = "".join(f'<draw:frame svg:x="1cm" svg:y="1cm" svg:width="2cm" svg:height="2cm">{one}'
-                     "</draw:frame>" for one in (
-                         f'<draw:image xlink:href="{place.url("picture.png")}"/>',
-                         f'<draw:image xlink:href="{place.file("secret.txt")}"/>',
-                         f'<draw:object xlink:href="{place.url("object.ods")}"/>',
-                         f'<draw:floating-frame xlink:href="{place.url("frame.html")}"/>',
-                         f'<draw:plugin xlink:href="{place.url("film.mp4")}"/>'))
+def framed(path, *contents):
+    frames = "".join(f'<draw:frame svg:x="1cm" svg:y="1cm" svg:width="2cm" svg:height="2cm">{one}'
+                     "</draw:frame>" for one in contents)
     odf_writer.Document(odf_writer.Table(
-        rows=[["=1+1"]], before=f"<table:shapes>{shapes}</table:shapes>")).save_flat(path)
+        rows=[["=1+1"]], before=f"<table:shapes>{frames}</table:shapes>")).save_flat(path)
+
+
+@case("linked-pictures.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",))
+def pictures_elsewhere(path, place):
+    framed(path, f'<draw:image xlink:href="{place.url("picture.png")}"/>',
+           f'<draw:image xlink:href="{place.file("secret.txt")}"/>')
+
+
+@case("linked-objects.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",))
+def objects_elsewhere(path, place):
+    framed(path, f'<draw:object xlink:href="{place.url("object.ods")}"/>',
+           f'<draw:floating-frame xlink:href="{place.url("frame.html")}"/>',
+           f'<draw:plugin xlink:href="{place.url("film.mp4")}"/>')
 
 
 @case("query.xlsx", guard=LOADING, cells=("A1", "A2"), ranges=("A1:B9",))

@@ -65,6 +65,7 @@ class Reaches:
 
     LIBRARIES = ("/usr/", "/lib", "/etc/", "/proc/", "/sys/", "/dev/", "/opt/", "/run/", "/bin/",
                  "/var/cache/fontconfig/", "/var/lib/")
+    OF_THE_OFFICE = ("/SGENPRT", "/tmp", "/var/tmp")  # what it looks for when it thinks of printing
     SOCKETS = re.compile(r"/tmp/OSL_PIPE_|@?/tmp/\.X11-unix/|/(var/)?run/nscd/|/tmp/\.ICE-unix/")
 
     def __init__(self, record, ours, bait, programs="."):
@@ -105,7 +106,9 @@ class Reaches:
         path = os.path.normpath(what)
         if self.is_ours(path):
             return True
-        return call == "read" and (path + "/").startswith(self.LIBRARIES) or path == "/dev/null"
+        if call == "read" and ((path + "/").startswith(self.LIBRARIES) or path in self.OF_THE_OFFICE):
+            return True
+        return path == "/dev/null"
 
     def is_ours(self, path):
         if path == self.bait or path.startswith(self.bait + "/"):
