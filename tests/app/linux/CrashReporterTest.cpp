@@ -7,6 +7,7 @@
 
 #include "app/linux/CrashReporter.h"
 #include "kit/platform/Thread.h"
+#include "kit/support/ISO.h"
 #include "kit/support/ProblemReport.h"
 #include "tests/fakes/Files.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -86,7 +87,8 @@ TEST_F(CrashReporterTest, TellsOfEveryFaultAndLetsItEndTheProcess) {
 }
 
 TEST_F(CrashReporterTest, SaysWhatItWasAndWhere) {
-  const auto before = std::chrono::system_clock::now() - std::chrono::seconds(1);
+  const ISO::Date before =
+      ISO::fromClock(std::chrono::system_clock::now()) - std::chrono::seconds(1);
   EXPECT_EQ(dieOf(touchNothing), SIGSEGV);
   const auto file = ProblemReport::crash(before, reports, "Quorin-");
   ASSERT_TRUE(file);
