@@ -111,9 +111,11 @@ bool mayBeFormula(const rtl::OUString& text) {
   return text.startsWith("=") || text.startsWith("{=");
 }
 
-// Nor errors: it keeps a constant of a file as a formula.
+// Nor errors: it keeps a constant of a file as a formula. #REF! alone is more often what is left of
+// a formula whose cells are gone, which an auditor has to see.
 bool isErrorConstant(std::string_view formula) {
-  return formula.size() > 1 && errorLiteral(formula, 1).size() == formula.size() - 1;
+  return formula.size() > 1 && formula != "=#REF!" &&
+         errorLiteral(formula, 1).size() == formula.size() - 1;
 }
 
 // A text that looks like a formula is its own value.

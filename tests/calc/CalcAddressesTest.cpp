@@ -158,11 +158,12 @@ TEST_F(CalcAddresses, AreReadWithTheSheetsOwnSpelling) {
                      {"A2", CellError{"#N/A"}},
                      {"A3", CellError{"#N/A"}, "=NA()"},
                      {"A4", 1e-16, "=1E-16"},
-                     {"A5", 1e20, "=1E+20+1.5E-7*A1"}}}},
+                     {"A5", 1e20, "=1E+20+1.5E-7*A1"},
+                     {"A6", CellError{"#REF!"}, "=#REF!"}}}},
         .names = {{"Rate", "=DATA!$A$1:$B$1"}}});
-  EXPECT_EQ(ask("readFormulas", {"A1:A5", "a1", true}),
-            R"x({"cols":1,"formulas":[[""],[""],["=NA()"],["=1E-16"],["=1E+20+0.00000015*A1"]],)x"
-            R"("rows":5,"values":[]})");
+  EXPECT_EQ(ask("readFormulas", {"A1:A6", "a1", true}),
+            R"x({"cols":1,"formulas":[[""],[""],["=NA()"],["=1E-16"],["=1E+20+0.00000015*A1"],)x"
+            R"(["=#REF!"]],"rows":6,"values":[]})");
   EXPECT_THAT(ask("readCell"), HasSubstr(R"("formula":"")"));
   EXPECT_THAT(ask("readCell"), HasSubstr(R"("formulaLocal":"")"));
   EXPECT_THAT(ask("workbookMap"), HasSubstr(R"(=Data!$A$1:$B$1)"));
