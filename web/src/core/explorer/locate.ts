@@ -7,23 +7,15 @@ import type { Home } from '../evaluation/expression';
 import { keyOf, toldOf } from '../evaluation/front';
 import type { ResultCache } from '../evaluation/ResultCache';
 import { expressionLimit } from '../evaluation/routes';
-import { parseArea, qualified } from '../address/area';
-import { placeOf } from '../workbook/places';
+import { qualified } from '../address/area';
+import type { Json } from '../protocol/json';
+import { whereAnswer, whereQuestion } from '../workbook/places';
 
 /** "'Inputs'!B4:B9"; nothing where the name stands for no cells. Those in front come without a sheet. */
-function addressIn(answer: string, front: string): string | undefined {
-  const [where = '', rows, cols] = answer.split('|');
-  const place = placeOf(where);
-  const first = place && parseArea(place.first);
-  if (!place || !first) return undefined;
-  const bottom = first.top + Number(rows) - 1;
-  const right = first.left + Number(cols) - 1;
-  if (!(bottom >= first.top && right >= first.left)) return undefined;
-  return qualified(place.sheet ?? front, areaAddress({ ...first, bottom, right }));
+function addressIn(answer: Json, front: string): string | undefined {
+  const place = whereAnswer(answer);
+  return place && qualified(place.sheet ?? front, areaAddress(place.area));
 }
-
-const questionOf = (name: string) =>
-  `CELL("address",${name})&"|"&ROWS(${name})&"|"&COLUMNS(${name})`;
 
 /** Nothing where another sheet is in front, whose own name it may be. */
 export async function locate(
@@ -32,19 +24,18 @@ export async function locate(
   questions: Pick<EvaluationQuestions, 'evaluate' | 'pollCell'>,
   cache: ResultCache,
 ): Promise<string | undefined> {
-  const question = questionOf(name);
+  const question = whereQuestion(name);
   if (question.length > expressionLimit) return name;
   const known = cache.find(keyOf(question, home));
   if (known?.kind === 'value') return String(known.value);
   const { epoch } = cache;
   const isTable = name.includes('[');
-  const far = questionOf(isTable ? name : qualified(home.sheet, name));
+  const far = whereQuestion(isTable ? name : qualified(home.sheet, name));
   const bound = { home, far: far.length > expressionLimit ? undefined : far };
   const told = await toldOf(bound, question, questions, (text) => questions.evaluate(text));
   if (!told) return undefined;
   const { answer, front, isFar } = told;
-  const found =
-    answer.ok && typeof answer.value === 'string' ? addressIn(answer.value, front) : undefined;
+  const found = answer.ok ? addressIn(answer.value, front) : undefined;
   const address = found ?? (isFar ? undefined : name);
   if (address !== undefined && answer.ok && epoch === cache.epoch) {
     cache.keep(keyOf(question, home), { kind: 'value', value: address });

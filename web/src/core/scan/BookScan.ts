@@ -5,7 +5,7 @@ import type { Area } from '../address/area';
 import { areaAddress, cellCount } from '../evaluation/readPlan';
 import { isErrorText } from '../evaluation/Result';
 import type { ModelClient } from '../model/ModelClient';
-import { whereAnswer, whereQuestion } from '../model/tables';
+import { whereAnswer, whereQuestion } from '../workbook/places';
 import type { TablePlace } from '../model/messages';
 import type { Json } from '../protocol/json';
 import { failed, notRunningCode, type Failure, type Outcome } from '../protocol/Outcome';
