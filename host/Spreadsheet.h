@@ -127,9 +127,6 @@ struct FormatCondition {
   bool operator==(const FormatCondition&) const = default;
 };
 
-// The number of the refusal to call a function that the user did not ask for.
-inline constexpr int onlyWhenAsked = -9993;
-
 class Spreadsheet {
  public:
   virtual ~Spreadsheet() = default;

@@ -6,6 +6,7 @@
 #include "kit/bridge/Bridge.h"
 #include "kit/shapes/DeepEvalShapes.h"
 #include "kit/shapes/ErrorLiterals.h"
+#include "kit/value/CallTerms.h"
 #include "kit/value/Marshal.h"
 #include "kit/value/Unicode.h"
 
@@ -31,8 +32,7 @@ JSONValue Bridge::evaluate(const std::string& expr, bool asked) {
     log_.log("ERROR", "evaluate failed code=" + std::to_string(error.code()) +
                           " len=" + std::to_string(characters(expr)));
     if (error.code() == ExcelError::timedOut) return fail("timeout", error.message());
-    if (error.code() == ExcelError::onlyWhenAsked)
-      return BridgeShapes::onlyWhenAskedFailure(error.message());
+    if (error.code() == onlyWhenAsked) return BridgeShapes::onlyWhenAskedFailure(error.message());
     if (error.code() != notUnderstood) return fail("transport", error.message());
     return evaluateWrapped(expr, error.message(), asked);
   } catch (const std::exception& error) {

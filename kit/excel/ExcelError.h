@@ -1,7 +1,6 @@
 // ExcelError: the error of a call into Excel. Codes are the script's or Excel's own error numbers;
 // -9990 is a call that did not finish in time, -9991 a handler library that did not compile, -9992
-// a call that came too late because Quorin is quitting, -9993 an expression that reaches out of the
-// workbook and that the user did not ask for.
+// a call that came too late because Quorin is quitting; onlyWhenAsked is in CallTerms.h.
 #pragma once
 
 #include <stdexcept>
@@ -14,7 +13,6 @@ class ExcelError : public std::runtime_error {
   static constexpr int timedOut = -9990;
   static constexpr int notCompiled = -9991;
   static constexpr int terminating = -9992;
-  static constexpr int onlyWhenAsked = -9993;
 
   ExcelError(int code, const std::string& message) : std::runtime_error(message), code_(code) {}
   int code() const { return code_; }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "kit/value/CallTerms.h"
 #include "kit/value/Marshal.h"
 #include "kit/value/Unicode.h"
 
@@ -10,7 +11,6 @@ namespace quorin::BridgeShapes {
 namespace {
 
 constexpr std::size_t mostEntries = 40;
-constexpr double onlyWhenAsked = -9993;
 constexpr std::size_t longestFormula = 255;  // characters, the "=" in front included
 
 }  // namespace
@@ -38,8 +38,10 @@ JSONValue deepEvalFailure(int code, const std::string& message) {
 }
 
 JSONValue onlyWhenAskedFailure(const std::string& message) {
-  return JSONValue::Object{
-      {"ok", false}, {"kind", "transport"}, {"message", message}, {"code", onlyWhenAsked}};
+  return JSONValue::Object{{"ok", false},
+                           {"kind", "transport"},
+                           {"message", message},
+                           {"code", static_cast<double>(onlyWhenAsked)}};
 }
 
 JSONValue deepEvalObject(JSONValue result) {

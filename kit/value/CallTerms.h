@@ -14,4 +14,8 @@ struct CallTerms {
   std::function<bool()> isOver = {};
 };
 
+// The number of the refusal to call a function that reaches out of the workbook, and that the user
+// did not ask for.
+inline constexpr int onlyWhenAsked = -9993;
+
 }  // namespace quorin

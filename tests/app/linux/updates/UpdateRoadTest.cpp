@@ -135,11 +135,12 @@ TEST_F(UpdateRoadTest, AddsOnlyToAFeedThatItSigned) {
     EXPECT_THROW(sign("add", {"https://a.org", package}), std::runtime_error);
     EXPECT_EQ(contents(home / "feed"), changed);
   }
-  const std::string key = publicKeyFromText(this->key).value();
-  EXPECT_FALSE(std::holds_alternative<std::string_view>(signedFeed(contents(home / "feed"), key)));
+  const std::string publicKey = publicKeyFromText(key).value();
+  EXPECT_FALSE(
+      std::holds_alternative<std::string_view>(signedFeed(contents(home / "feed"), publicKey)));
   sign("sign", {});
   const std::string renewed = contents(home / "feed");
-  EXPECT_TRUE(std::holds_alternative<std::string_view>(signedFeed(renewed, key)));
+  EXPECT_TRUE(std::holds_alternative<std::string_view>(signedFeed(renewed, publicKey)));
   sign("add", {"https://a.org", package});
 }
 
