@@ -49,6 +49,7 @@ export function App(props: AppProps): JSX.Element {
   const content = () => (here()?.text === '' ? props.selection.content : undefined);
   const [drawer, setDrawer] = createSignal(false);
   const listed = () => props.page.look((explorer) => explorer.listed?.addr ?? '');
+  const listedLabel = () => props.page.look((explorer) => explorer.listedLabel);
   const impact = () => props.page.look((explorer) => explorer.lists.impact);
   const coverage = () => props.page.look((explorer) => explorer.lists.coverage);
   const isWhole = () => props.page.look((explorer) => explorer.lists.isWhole);
@@ -119,6 +120,7 @@ export function App(props: AppProps): JSX.Element {
                   list={props.page.explorer.lists.dependents}
                   name="Dependents"
                   heading={`Cells that use ${listed()}`}
+                  label={listedLabel()}
                   under={impact()}
                   nothing={
                     isWhole()

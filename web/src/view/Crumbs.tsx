@@ -17,6 +17,7 @@ export function Crumbs(props: CrumbsProps): JSX.Element {
   const index = () => props.page.look((explorer) => explorer.trail.index);
   const total = () => props.page.look((explorer) => explorer.trail.stops.length);
   const before = () => props.page.look((explorer) => explorer.trail.stops.slice(0, index()));
+  const label = () => props.page.look((explorer) => explorer.hereLabel);
   const go = (to: number) => {
     props.page.explorer.go(to);
   };
@@ -81,6 +82,7 @@ export function Crumbs(props: CrumbsProps): JSX.Element {
               <bdi class="address" data-testid="address">
                 {oneLine(stop().place.addr)}
               </bdi>
+              <bdi class="placeLabel" title={oneLine(label())} textContent={oneLine(label())} />
             </>
           )}
         </Show>

@@ -13,6 +13,8 @@ export type PlaceListViewProps = {
   name: string;
   /** What is said above the list. */
   heading: string;
+  /** What a human would call the cells that it is of; empty where nobody would. */
+  label?: string;
   /** What is said under that, in quiet words; empty for nothing. */
   under: string;
   /** What is said where it holds nothing. */
@@ -40,7 +42,7 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
   return (
     <section class="places" aria-label={props.name}>
       <h2 class="listHead" data-testid="list-heading">
-        {oneLine(props.heading)}
+        {oneLine(props.heading)} <bdi class="placeLabel" textContent={oneLine(props.label ?? '')} />
       </h2>
       <Show when={props.under}>
         <p class="note padded" data-testid="list-under">

@@ -86,6 +86,7 @@ function TreeRow(props: TreeRowProps): JSX.Element {
     undefined,
     { equals: sameFace },
   );
+  const label = createMemo(() => props.page.look((explorer) => explorer.labelOf(props.item)));
   return (
     <div
       role="treeitem"
@@ -118,7 +119,8 @@ function TreeRow(props: TreeRowProps): JSX.Element {
           dir="ltr"
           classList={{ lead: leads(props.item, props.home) }}
           textContent={text()}
-        />
+        />{' '}
+        <bdi class="placeLabel" textContent={oneLine(label())} />
       </span>
       <RowValue page={props.page} item={props.item} face={face()} />
     </div>

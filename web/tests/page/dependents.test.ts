@@ -69,6 +69,33 @@ test('lists users on every sheet, opens them, and leads back to inputs', async (
   expect(args[1]).toBe('r1c1');
 });
 
+test('gives cells their labels in the tree once their sheets were read', async () => {
+  panel = await browser.open(park);
+  await panel.reaches('ready');
+  await panel.settled();
+  const parts = async (): Promise<string[]> =>
+    (await panel.page.getByTestId('row').locator('.rowText').allInnerTexts()).map((text) =>
+      text.replace(/\s+/g, ' ').trim(),
+    );
+  expect(await parts()).toEqual(['Inputs!$B$1*Inputs!$B$2', 'Inputs!$B$1', '× Inputs!$B$2']);
+  await panel.page.getByTestId('tab-deps').click();
+  await panel.shows('list-heading', 'Cells that use F12 Revenue · 2030');
+  await panel.page.getByTestId('tab-tree').click();
+  await expect
+    .poll(parts)
+    .toEqual(['Inputs!$B$1*Inputs!$B$2', 'Inputs!$B$1 Price', '× Inputs!$B$2 Energy']);
+  // A label gives way to everything else on its row.
+  const cut = await panel.page
+    .locator('.crumbs .placeLabel')
+    .evaluate((label) => label.scrollWidth > label.clientWidth);
+  expect(await panel.text('address')).toBe('F12');
+  await panel.resize(320, 560);
+  const narrow = await panel.page
+    .locator('.crumbs .placeLabel')
+    .evaluate((label) => label.scrollWidth > label.clientWidth);
+  expect([cut, narrow]).toEqual([false, true]);
+});
+
 test('says what it covers while the spreadsheet is busy, and can be stopped', async () => {
   panel = await browser.open({
     ...park,

@@ -12,11 +12,13 @@ import type { NativeEvent, ViewName } from '../protocol/events';
 import { isScalar, type Json } from '../protocol/json';
 import type { CellPlace } from '../protocol/verbs';
 import type { CellContent, SelectionState } from '../selection/state';
+import { CellLabels } from '../scan/CellLabels';
 import { Lists, type ListedCells } from '../workbook/Lists';
 import type { Place } from '../workbook/places';
 import type { PlaceView } from '../workbook/PlaceView';
 import { parseArea, qualified } from '../address/area';
 import { areaAddress } from '../evaluation/readPlan';
+import { targetOf } from '../evaluation/routes';
 import { destinationOf, placesOfRow } from './destination';
 import { nextFinding } from './findings';
 import { leadOf } from './lead';
@@ -32,6 +34,7 @@ export class Explorer {
   readonly cache = new ResultCache();
   readonly evaluator: Evaluator;
   readonly lists: Lists;
+  private readonly labels: CellLabels | undefined;
   view: ViewName = 'tree';
   pinned = false;
   /** What went wrong with the user's last wish; empty when nothing did. */
@@ -43,6 +46,7 @@ export class Explorer {
   constructor(private readonly ports: ExplorerPorts) {
     this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
     this.lists = new Lists(ports.questions, ports.changed, ports.scans);
+    this.labels = ports.scans && new CellLabels(ports.scans, ports.changed);
     this.typing = new TypeAhead(ports.clock);
   }
 
@@ -122,6 +126,30 @@ export class Explorer {
     if (!here || !latest || !samePlace(here.place, latest)) return here?.place;
     const area = latest.selection === undefined ? undefined : parseArea(latest.selection);
     return area ? { ...here.place, addr: areaAddress(area) } : here.place;
+  }
+
+  /** What a human would call the listed cells; empty as long as that is not known. */
+  get listedLabel(): string {
+    const { listed } = this;
+    const area = listed && parseArea(listed.addr);
+    return area ? (this.labels?.of(listed.book, { sheet: listed.sheet, area }) ?? '') : '';
+  }
+
+  /** The same for the cell whose formula is shown. */
+  get hereLabel(): string {
+    const { here } = this;
+    if (!here) return '';
+    const { place, row, col } = here;
+    const area = { top: row, left: col, bottom: row, right: col };
+    return this.labels?.of(place.book, { sheet: place.sheet, area }) ?? '';
+  }
+
+  /** What a human would call the cells that a part of the formula is; empty for other parts. */
+  labelOf(item: Item): string {
+    const { here, labels } = this;
+    if (!here || !labels || item.node.kind !== 'reference') return '';
+    const target = targetOf(item.node, item.scope, homeOf(here));
+    return target ? labels.of(here.place.book, target) : '';
   }
 
   command(command: Command): void {

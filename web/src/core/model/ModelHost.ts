@@ -59,11 +59,8 @@ export class ModelHost {
       case 'errors':
         return yield* errorsAnswer(model);
       case 'labels':
-        return question.args.cells.map(({ sheet, row, col }) => {
-          const place = model.place({
-            sheet,
-            area: { top: row, left: col, bottom: row, right: col },
-          });
+        return question.args.cells.map((cells) => {
+          const place = model.place(cells);
           return place ? model.label(place) : '';
         });
       case 'compare': {

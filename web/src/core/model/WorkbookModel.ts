@@ -137,7 +137,7 @@ export class WorkbookModel {
 
   label({ sheet, area }: SheetArea): string {
     const cells = this.sheets[sheet];
-    return cells ? labelOf(cells, area.top, area.left) : '';
+    return cells ? labelOf(cells, area) : '';
   }
 
   value({ sheet, area }: SheetArea): Scalar {

@@ -1,5 +1,6 @@
 // What a human would call a cell: the nearest text to its left and above it. Pure.
 
+import { maxColumns, maxRows, type Area } from '../address/area';
 import { Kind, type SheetCells } from './SheetCells';
 
 /** Farther away a text belongs to something else. */
@@ -58,13 +59,23 @@ function cut(text: string): string {
   return text.length > textLimit ? `${text.slice(0, textLimit - 1)}…` : text;
 }
 
-/** "Electricity demand · 2030"; empty where no text is near. */
-export function labelOf(cells: SheetCells, row: number, col: number): string {
+/**
+ * "Electricity demand · 2030"; empty where no text is near. Of several cells what they have in common:
+ * what stands before a row of them, or over a column; otherwise what the first is called, and "…".
+ */
+export function labelOf(cells: SheetCells, area: Area): string {
+  const { top: row, left: col } = area;
+  // Whole rows and columns hold their own names.
+  if (area.bottom - row + 1 === maxRows || area.right - col + 1 === maxColumns) return '';
+  const isRow = area.top === area.bottom;
+  const isColumn = area.left === area.right;
   const left = leftOf(cells, row, col);
   const top = above(cells, row, col);
-  if (left === top) return cut(left);
-  return [left, top]
-    .filter((text) => text !== '')
+  if (isRow && !isColumn && left !== '') return cut(left);
+  if (isColumn && !isRow && top !== '') return cut(top);
+  const text = [left, left === top ? '' : top]
+    .filter((part) => part !== '')
     .map(cut)
     .join(' · ');
+  return text === '' || (isRow && isColumn) ? text : `${text} …`;
 }

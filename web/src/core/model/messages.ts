@@ -14,7 +14,7 @@ export type Cells = { sheet: string; area: Area };
 export type Row = Cells & {
   /** In R1C1; empty for cells without a formula. */
   formula: string;
-  /** What a human would call the first of them. */
+  /** What a human would call them. */
   label: string;
   /** Of the first of them. */
   value: Scalar;
@@ -82,8 +82,8 @@ export type Questions = {
   /** What `to` uses directly of what rests on `from`, and `from` itself. */
   way: { args: { from: Cells; to: Cells }; answer: { rows: Row[]; left: number } };
   errors: { args: Record<string, never>; answer: ErrorsAnswer };
-  /** One for each cell; empty where there is none. */
-  labels: { args: { cells: { sheet: string; row: number; col: number }[] }; answer: string[] };
+  /** One for each area; empty where there is none. */
+  labels: { args: { cells: Cells[] }; answer: string[] };
   /** Whether the cell is as it was read. `formula` in A1, empty for none. */
   compare: {
     args: { sheet: string; row: number; col: number; formula: string; value: Scalar };

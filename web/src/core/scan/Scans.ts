@@ -23,6 +23,11 @@ export class Scans {
     this.front = book;
   }
 
+  /** Nothing where the workbook was never looked at. */
+  begun(book: string): BookScan | undefined {
+    return this.books.get(book);
+  }
+
   of(book: string): BookScan {
     let scan = this.books.get(book);
     if (!scan) {

@@ -231,13 +231,23 @@ describe('labels', () => {
         F6: 0.4,
       },
     });
-    const at = (row: number, col: number) => ({ sheet: 'Data', row, col });
-    const cells = [at(2, 3), at(2, 4), at(3, 3), at(6, 6), at(1, 1)];
-    expect(model.ask('labels', { cells })).toEqual([
+    const labels = (...addresses: string[]) => {
+      const cells = addresses.map((address) => ({ sheet: 'Data', area: area(address) }));
+      return model.ask('labels', { cells });
+    };
+    expect(labels('C2', 'D2', 'C3', 'F6', 'A1')).toEqual([
       'Electricity demand · 2020',
       'Electricity demand · 2030',
       'GW · 2020',
       'Share',
+      '',
+    ]);
+    // Of several cells what they have in common.
+    expect(labels('C2:D2', 'C2:C3', 'C2:D3', 'C:C', '2:2')).toEqual([
+      'Electricity demand',
+      '2020',
+      'Electricity demand · 2020 …',
+      '',
       '',
     ]);
   });
