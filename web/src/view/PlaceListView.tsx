@@ -122,7 +122,10 @@ function PlaceItem(props: PlaceItemProps): JSX.Element {
       />
       <span class="rowText">
         <bdi
-          classList={{ code: level() > 1, lead: row().place !== undefined }}
+          classList={{
+            code: row().place !== undefined && level() > 1,
+            lead: row().place !== undefined,
+          }}
           textContent={oneLine(row().text)}
         />{' '}
         <bdi class="placeLabel" textContent={oneLine(row().label ?? '')} />

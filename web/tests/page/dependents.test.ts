@@ -4,7 +4,7 @@ import { afterAll, afterEach, beforeAll, expect, test } from 'vitest';
 
 import { Browser, type FakePanel } from './FakePanel';
 import { park } from './park';
-import { success } from './samples';
+import { cell, success } from './samples';
 
 let browser: Browser;
 let panel: FakePanel;
@@ -51,6 +51,7 @@ test('lists users on every sheet, opens them, and leads back to inputs', async (
     "B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)",
     'Results that rest on it 1 cell',
     'What it rests on inputs at the end of every way',
+    'Ways to another cell',
     'Where errors start 1 error cell in the workbook',
   ]);
   await open('B2');
@@ -62,11 +63,44 @@ test('lists users on every sheet, opens them, and leads back to inputs', async (
   ]);
   await open('What it rests on');
   const all = await rows();
-  expect(all.slice(all.indexOf('What it rests on inputs at the end of every way') + 1, -1)).toEqual(
+  expect(all.slice(all.indexOf('What it rests on inputs at the end of every way') + 1, -2)).toEqual(
     ['2 inputs, by way of 1 formula', 'Inputs!B1 Price 50 used 1×', 'Inputs!B2 Energy 20 used 1×'],
   );
   const { args } = await panel.asked('readFormulas');
   expect(args[1]).toBe('r1c1');
+});
+
+test('shows the ways between the cell that stays and the one that is selected', async () => {
+  panel = await browser.open(park);
+  await dependents();
+  await panel.page.getByText('All 3 sheets, as read at').waitFor();
+  await panel.page.getByTestId('follow').click();
+  await open('B2');
+  const shown = (await rows()).length;
+  await panel.lay(
+    'readCell',
+    cell({
+      selection: '$B$4',
+      sheet: 'Summary',
+      addr: 'B4',
+      row: 4,
+      col: 2,
+      formula: '=ROUND(B3,0)',
+    }),
+  );
+  await panel.send('selectionChanged', { book: 'Solar park.xlsx', sheet: 'Summary', addr: 'B4' });
+  await open('Ways between it and Summary!B4');
+  // What was open stays so.
+  expect(await rows()).toHaveLength(shown + 3);
+  await open('Summary!B2 →');
+  const from = (await rows()).indexOf('From F12 to Summary!B4');
+  expect((await rows()).slice(from + 1, from + 6)).toEqual([
+    'Summary!B2 → Summary!B3 → Summary!B4 3 steps',
+    "Summary!B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)",
+    'Summary!B3 With tax 3,300 =B2*1.1',
+    'Summary!B4 Rounded 3,300 =ROUND(B3,0)',
+    'G12:H12 → Summary!B2 → Summary!B3 → Summary!B4 4 steps',
+  ]);
 });
 
 test('gives cells their labels in the tree once their sheets were read', async () => {

@@ -68,7 +68,8 @@ export class Explorer {
     const { follower } = this.ports;
     if (status === 'noWorkbook' || status === 'notRunning') follower.lose();
     if (status !== 'ready' || !state.fresh || !content || content === this.latest) return;
-    const otherBook = this.latest !== undefined && this.latest.book !== content.book;
+    const before = this.latest;
+    const otherBook = before !== undefined && before.book !== content.book;
     this.latest = content;
     follower.regain();
     // What was marked belongs to the tree that is left, and its workbook may have been closed.
@@ -79,8 +80,12 @@ export class Explorer {
     this.ports.scans?.enter(content.book);
     this.observe(content, content.formula, content.value);
     this.cache.clear();
-    this.lists.forget();
-    if (!this.pinned) this.begin(content);
+    // Another cell of the same workbook tells nothing new about the one that stays.
+    const isBeside =
+      this.pinned && before !== undefined && !otherBook && !samePlace(before, content);
+    if (!isBeside) this.lists.forget();
+    if (this.pinned) this.lists.load(this.view, this.listed, this.beside);
+    else this.begin(content);
     this.heedFront();
   }
 
@@ -116,7 +121,7 @@ export class Explorer {
 
   show(view: ViewName): void {
     this.view = view;
-    this.lists.load(this.view, this.listed);
+    this.lists.load(this.view, this.listed, this.beside);
     this.ports.changed();
   }
 
@@ -126,6 +131,16 @@ export class Explorer {
     if (!here || !latest || !samePlace(here.place, latest)) return here?.place;
     const area = latest.selection === undefined ? undefined : parseArea(latest.selection);
     return area ? { ...here.place, addr: areaAddress(area) } : here.place;
+  }
+
+  /** What is selected while another cell of the same workbook stays in view. */
+  private get beside(): ListedCells | undefined {
+    const { here, latest } = this;
+    if (!here || !latest || latest.book !== here.place.book || samePlace(here.place, latest)) {
+      return undefined;
+    }
+    const area = latest.selection === undefined ? undefined : parseArea(latest.selection);
+    return { ...latest, addr: area ? areaAddress(area) : latest.addr };
   }
 
   /** What a human would call the listed cells; empty as long as that is not known. */
@@ -285,7 +300,7 @@ export class Explorer {
       here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
     );
     this.lists.dependents.forget();
-    this.lists.load(this.view, this.listed);
+    this.lists.load(this.view, this.listed, this.beside);
     this.ports.changed();
   }
 

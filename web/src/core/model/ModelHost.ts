@@ -7,7 +7,7 @@ import {
   errorsAnswer,
   stateAnswer,
   usersAnswer,
-  wayAnswer,
+  waysAnswer,
 } from './answers';
 import type { BookEntry, Question } from './messages';
 import { WorkbookModel } from './WorkbookModel';
@@ -54,8 +54,8 @@ export class ModelHost {
         return yield* usersAnswer(model, question.args);
       case 'drivers':
         return yield* driversAnswer(model, question.args);
-      case 'way':
-        return yield* wayAnswer(model, question.args.from, question.args.to);
+      case 'ways':
+        return yield* waysAnswer(model, question.args.from, question.args.to);
       case 'errors':
         return yield* errorsAnswer(model);
       case 'labels':

@@ -12,12 +12,17 @@ import type {
   ErrorsAnswer,
   Row,
   RunTimeRow,
+  WaysAnswer,
 } from './messages';
 import { meet, sizeOf } from './rectangles';
+import { waysBetween } from './ways';
 import type { WorkbookModel } from './WorkbookModel';
 
 /** So many rows are told for one question. */
 export const rowsLimit = 1_000;
+
+/** Of a longer way its beginning and its end are told. */
+const stepsLimit = 40;
 
 function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number): Row {
   return {
@@ -129,41 +134,38 @@ export function* driversAnswer(
   return { rows, formulas, inputs, left };
 }
 
-export function* wayAnswer(
+export function* waysAnswer(
   model: WorkbookModel,
   from: Cells,
   to: Cells,
-): Generator<undefined, Listed> {
+): Generator<undefined, WaysAnswer> {
   const index = yield* model.index();
   const start = model.place(from);
   const end = model.place(to);
-  if (!start || !end) return { rows: [], cells: 0, left: 0 };
+  if (!start || !end) return { ways: [], more: false, circular: false };
   const reached = yield* model.restingOn(index, start);
-  const parts: Part[] = [];
-  const inputs: SheetArea[] = [];
-  index.formulasIn(end, (own) => {
-    index.usedBy(own, (used) => {
-      const part = used.sheet === start.sheet ? meet(used.area, start.area) : undefined;
-      if (part) inputs.push({ sheet: used.sheet, area: part });
-      index.formulasIn(used, ({ region, area }) => {
-        for (const known of reached.areasOf(region)) {
-          const both = meet(known, area);
-          if (both) parts.push({ region, area: both });
-        }
-      });
-    });
-  });
-  const distinct = new Map(
-    parts.map((part) => [`${String(part.region)} ${Object.values(part.area).join()}`, part]),
-  );
-  const { rows, cells, left } = listed(model, index, [...distinct.values()]);
-  const [first] = inputs;
-  if (!first) return { rows, cells, left };
-  const formula = model.cellsOf(first.sheet)?.formulaAt(first.area.top, first.area.left) ?? 0;
-  const isThere = rows.some(
-    ({ sheet, area }) => sheet === from.sheet && meet(area, from.area) !== undefined,
-  );
-  return { rows: isThere ? rows : [rowOf(model, start, formula), ...rows], cells, left };
+  const { ways, more, returned } = yield* waysBetween(index, reached, start, end);
+  let circular = false;
+  if (returned) {
+    const { circles } = yield* model.circlesOf(index);
+    const parts = ways.flat();
+    circular = circles.some((circle) => circle.some((cell) => liesIn(index, cell, parts)));
+  }
+  const half = Math.floor(stepsLimit / 2);
+  return {
+    ways: ways.map((parts) => {
+      const isLong = parts.length > stepsLimit;
+      const told = isLong ? [...parts.slice(0, half), ...parts.slice(-half)] : parts;
+      const steps = told.map((part) => partRow(model, index, part));
+      return { steps, leftAfter: half, left: parts.length - told.length };
+    }),
+    more,
+    circular,
+  };
+}
+
+function liesIn(index: Index, { sheet, area }: SheetArea, parts: readonly Part[]): boolean {
+  return parts.some((part) => index.sheetOf(part.region) === sheet && meet(part.area, area));
 }
 
 export function* errorsAnswer(model: WorkbookModel): Generator<undefined, ErrorsAnswer> {

@@ -68,7 +68,7 @@ export function* restingOn(index: Index, start: SheetArea): Generator<undefined,
  * Where cells of a region lead to the next cells of the same region, those lead to the next ones
  * again: all the way to the region's end.
  */
-function along(index: Index, part: Part, reference: number, from: Area): Part[] {
+export function along(index: Index, part: Part, reference: number, from: Area): Part[] {
   const own = index.areaOf(part.region);
   const { area } = part;
   const isAlong = ({ aFixed, bFixed }: Span) => !aFixed && !bFixed;

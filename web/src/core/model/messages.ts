@@ -49,6 +49,20 @@ export type ErrorsAnswer = {
   circular: number;
 };
 
+export type WaysAnswer = {
+  /** The shortest first; each from the cells that use `from` to those of `to`. */
+  ways: {
+    steps: Row[];
+    /** So many steps are left out of a long way, behind the first `leftAfter`. */
+    left: number;
+    leftAfter: number;
+  }[];
+  /** Whether there may be further ways. */
+  more: boolean;
+  /** Whether a circle lies on them. */
+  circular: boolean;
+};
+
 export type BookState = {
   /** Cells with a formula, and how many different ones. */
   formulas: number;
@@ -79,8 +93,8 @@ export type Questions = {
   /** The direct users alone. */
   users: { args: Cells; answer: { rows: Row[]; left: number } };
   drivers: { args: Cells; answer: DriversAnswer };
-  /** What `to` uses directly of what rests on `from`, and `from` itself. */
-  way: { args: { from: Cells; to: Cells }; answer: { rows: Row[]; left: number } };
+  /** How `from` gets into `to`. */
+  ways: { args: { from: Cells; to: Cells }; answer: WaysAnswer };
   errors: { args: Record<string, never>; answer: ErrorsAnswer };
   /** One for each area; empty where there is none. */
   labels: { args: { cells: Cells[] }; answer: string[] };

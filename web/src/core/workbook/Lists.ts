@@ -1,7 +1,7 @@
 // The two lists beside the tree, each asked for when it is looked at. Dependents are told by the
 // spreadsheet first, for the sheet in front, and by the model of the workbook as far as it was read.
 
-import { parseArea, qualified, type Area } from '../address/area';
+import { parseArea, qualified } from '../address/area';
 import { cellCount, readLimit } from '../evaluation/readPlan';
 import { count } from '../format/words';
 import type { DependentsAnswer, ErrorsAnswer } from '../model/messages';
@@ -20,10 +20,11 @@ import {
   resultGroup,
   runTimeGroup,
   userGroups,
-  type Asked,
 } from './everywhere';
 import { mapRows, type PlaceRow } from './PlaceList';
 import { PlaceView } from './PlaceView';
+import type { Asked } from './rows';
+import { betweenGroup } from './ways';
 
 export type ListQuestions = {
   dependents(address: string): Promise<Outcome<string>>;
@@ -45,7 +46,8 @@ export type ListedCells = Omit<CellPlace, 'addr'> & { addr: string };
 type Known = {
   key: string;
   asked: Asked | undefined;
-  area: Area | undefined;
+  /** Others that they are looked at together with. */
+  other: ListedCells | undefined;
   sheet: string;
   book: string;
   quick: Dependent[] | undefined;
@@ -75,11 +77,13 @@ export class Lists {
     return view === 'tree' ? undefined : view === 'deps' ? this.dependents : this.map;
   }
 
-  load(view: ViewName, cells: ListedCells | undefined): void {
+  /** `other`: cells that the listed ones are looked at together with. */
+  load(view: ViewName, cells: ListedCells | undefined, other?: ListedCells): void {
     if (view === 'map') void this.map.load('map', () => this.questions.workbookMap(), mapRows);
     if (view === 'deps' && cells) {
       this.scans?.of(cells.book).begin();
       void this.loadDependents(cells);
+      this.compare(other);
     }
   }
 
@@ -124,6 +128,14 @@ export class Lists {
     if (known && scan && scan.version !== known.version) void this.askModel(known);
   }
 
+  private compare(other: ListedCells | undefined): void {
+    const { known } = this;
+    if (!known || (known.other?.sheet === other?.sheet && known.other?.addr === other?.addr))
+      return;
+    known.other = other;
+    if (known.everywhere) this.refine(known);
+  }
+
   private async loadDependents({ book, sheet, addr }: ListedCells): Promise<void> {
     const address = qualified(sheet, addr);
     const key = `${book}\n${address}`;
@@ -134,7 +146,7 @@ export class Lists {
     const known: Known = {
       key,
       asked,
-      area,
+      other: undefined,
       sheet,
       book,
       quick: undefined,
@@ -203,11 +215,14 @@ export class Lists {
     const quickRows = quick ? dependentRows(quick, sheet) : [];
     if (!asked || !everywhere) return quickRows;
     const isCovered = this.hasModelOf(known, sheet);
+    const otherArea = known.other && parseArea(known.other.addr);
+    const other = known.other && otherArea && { sheet: known.other.sheet, area: otherArea };
     return [
       ...(isCovered ? [] : quickRows),
       ...userGroups(asked, everywhere, (name) => !isCovered && name === sheet),
       ...resultGroup(asked, everywhere),
       driverGroup(asked),
+      betweenGroup(asked, other),
       ...runTimeGroup(everywhere.runTime, everywhere.runTimeCells),
       ...(errors ? errorGroup(errors) : []),
     ];

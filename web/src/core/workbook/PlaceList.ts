@@ -25,6 +25,11 @@ export function group(text: string, detail: string, inner: readonly PlaceRow[]):
   return { text, detail, tag: '', place: undefined, inner: () => inner, open: true };
 }
 
+/** Its rows are asked for when it is opened. */
+export function closed(text: string, detail: string, inner: PlaceRow['inner']): PlaceRow {
+  return { text, detail, tag: '', place: undefined, ...(inner ? { inner } : {}) };
+}
+
 /** Says something and leads nowhere. */
 export function remark(text: string, detail = ''): PlaceRow {
   return { text, detail, tag: '', place: undefined };

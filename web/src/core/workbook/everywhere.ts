@@ -1,12 +1,7 @@
 // The model's answers as rows of a list: who uses the cell on every sheet, each opening to its own
 // users; what rests on it in the end; what it rests on; where errors start.
 
-import { columnLetters } from '../address/area';
-import { extentOf } from '../address/extent';
-import { areaAddress } from '../evaluation/readPlan';
-import { formatNumber } from '../format/number';
 import { count, grouped } from '../format/words';
-import type { ModelClient } from '../model/ModelClient';
 import type {
   Cells,
   DependentsAnswer,
@@ -16,46 +11,9 @@ import type {
   RunTimeRow,
 } from '../model/messages';
 import { covers, meet } from '../model/rectangles';
-import type { Scalar } from '../protocol/json';
-import { formulaAt } from './blocks';
-import { group, remark, type PlaceRow } from './PlaceList';
-import type { Place } from './places';
-
-/** More of a text does not fit a row. */
-const textLimit = 60;
-
-export type Asked = { book: string; cells: Cells; model: ModelClient };
-
-export function placeOfCells({ sheet, area }: Cells): Place & { sheet: string } {
-  const address = areaAddress(area);
-  const first = columnLetters(area.left) + String(area.top);
-  return { sheet, address, size: extentOf(address).size, first };
-}
-
-function valueText(value: Scalar): string {
-  if (value === null || value === '') return '';
-  if (typeof value === 'number') return formatNumber(value).text;
-  if (typeof value === 'boolean') return value ? 'TRUE' : 'FALSE';
-  return value.length > textLimit ? `${value.slice(0, textLimit - 1)}…` : value;
-}
-
-function formulaText({ formula, area }: Row): string {
-  return formula === '' ? '' : formulaAt(formula, area.top, area.left);
-}
-
-function times(cells: number): string {
-  return cells === 1 ? '' : `×${grouped(String(cells))}`;
-}
-
-function joined(...parts: string[]): string {
-  return parts.filter((part) => part !== '').join('  ');
-}
-
-function placed(row: Row, detail: string, home: string): PlaceRow {
-  const place = placeOfCells(row);
-  const text = row.sheet === home ? place.address : `${row.sheet}!${place.address}`;
-  return { text, detail, tag: '', place, label: row.label };
-}
+import { closed, group, remark, type PlaceRow } from './PlaceList';
+import { formulaText, joined, placed, times, valueText, type Asked } from './rows';
+import { waysRows } from './ways';
 
 const contains = (outer: Cells, inner: Cells) =>
   outer.sheet === inner.sheet && covers(outer.area, inner.area);
@@ -118,48 +76,16 @@ export function impactText({ impact, circular }: DependentsAnswer): string {
   return `${count(impact.cells, 'cell')} on ${count(impact.sheets, 'sheet')} ${verb} on it${results}.${circle}`;
 }
 
-function closed(text: string, detail: string, inner: PlaceRow['inner']): PlaceRow {
-  return { text, detail, tag: '', place: undefined, ...(inner ? { inner } : {}) };
-}
-
 export function resultGroup(asked: Asked, { impact }: DependentsAnswer): PlaceRow[] {
   if (impact.results === 0) return [];
   const rows = () => [
-    ...impact.rows.map((row) => wayRow(asked, row, joined(valueText(row.value), times(row.cells)))),
+    ...impact.rows.map((row): PlaceRow => {
+      const shown = placed(row, joined(valueText(row.value), times(row.cells)), '');
+      return { ...shown, inner: () => waysRows(asked, asked.cells, row) };
+    }),
     ...more(impact.results - impact.rows.reduce((sum, row) => sum + row.cells, 0)),
   ];
   return [closed('Results that rest on it', count(impact.results, 'cell'), rows)];
-}
-
-/** A result, which opens to the way from the asked cells to it. */
-function wayRow(asked: Asked, result: Row, detail: string): PlaceRow {
-  const shown = placed(result, detail, '');
-  return { ...shown, inner: () => stepsOf(asked, asked.cells, result, [result]) };
-}
-
-/** What `to` uses directly of what rests on `from`, down to `from` itself. */
-async function stepsOf(
-  asked: Asked,
-  from: Cells,
-  to: Cells,
-  way: readonly Cells[],
-): Promise<PlaceRow[]> {
-  const args = { from, to: { sheet: to.sheet, area: to.area } };
-  const { rows, left } = await asked.model.ask(asked.book, 'way', args);
-  const steps = rows.map((row): PlaceRow => {
-    const detail = joined(
-      row.cells === 1 ? valueText(row.value) : '',
-      formulaText(row),
-      times(row.cells),
-    );
-    const shown = placed(row, detail, to.sheet);
-    if (touch(row, from)) return { ...shown, tag: 'Here' };
-    if (way.some((cells) => contains(cells, row))) {
-      return { ...shown, detail: joined('listed above', detail) };
-    }
-    return { ...shown, inner: () => stepsOf(asked, from, row, [...way, row]) };
-  });
-  return [...steps, ...more(left)];
 }
 
 export function driverGroup(asked: Asked): PlaceRow {
@@ -178,8 +104,7 @@ function driverRow(asked: Asked, row: DriverRow): PlaceRow {
   const value = row.kind === 'blank' ? 'blank' : row.cells === 1 ? valueText(row.value) : '';
   const uses = `used ${grouped(String(row.uses))}×`;
   const shown = placed(row, joined(value, times(row.cells), uses), asked.cells.sheet);
-  const from = { sheet: row.sheet, area: row.area };
-  return { ...shown, inner: () => stepsOf(asked, from, asked.cells, [asked.cells]) };
+  return { ...shown, inner: () => waysRows(asked, row, asked.cells) };
 }
 
 export function runTimeGroup(rows: readonly RunTimeRow[], cells: number): PlaceRow[] {

@@ -173,15 +173,86 @@ describe('drivers', () => {
   test('of a typed-in cell are none', () => {
     expect(model.ask('drivers', { sheet: 'Inputs', area: area('B1') }).formulas).toBe(0);
   });
+});
 
-  test('the way from an input to a result leads over the cells that rest on it alone', () => {
-    const from = { sheet: 'Inputs', area: area('B3') };
-    const first = model.ask('way', { from, to: { sheet: 'Calc', area: area('B9') } });
-    expect(first.rows.map(placeOf)).toEqual(['Calc!C1:F1']);
-    const next = model.ask('way', { from, to: { sheet: 'Calc', area: area('C1') } });
-    expect(next.rows.map(placeOf)).toEqual(['Inputs!B3']);
-    const last = model.ask('way', { from, to: { sheet: 'Calc', area: area('F1') } });
-    expect(last.rows.map(placeOf)).toEqual(['Inputs!B3', 'Calc!E1']);
+describe('the ways from one cell to another', () => {
+  const ways = (model: Reader, from: string, to: string) => {
+    const place = (text: string) => {
+      const [sheet = '', address = ''] = text.split('!');
+      return { sheet, area: area(address) };
+    };
+    return model.ask('ways', { from: place(from), to: place(to) });
+  };
+  const steps = (answer: ReturnType<typeof ways>) =>
+    answer.ways.map((way) => way.steps.map(placeOf).join(' '));
+
+  test('lead over the cells that rest on the first, the shortest first', () => {
+    const model = new Reader({
+      Inputs: { A1: 'Price', B1: 5, A3: 'Growth', B3: 0.02 },
+      Calc: {
+        B1: '=Inputs!B1',
+        'C1:F1': '=B1*(1+Inputs!$B$3)',
+        B2: '=F1*2',
+        B9: '=SUM(B1:F1)+B2',
+      },
+    });
+    const growth = ways(model, 'Inputs!B3', 'Calc!B9');
+    expect(steps(growth)).toEqual([
+      'Calc!C1:F1 Calc!B9',
+      'Calc!F1 Calc!B2 Calc!B9',
+      'Calc!C1:F1 Calc!B2 Calc!B9',
+    ]);
+    expect([growth.more, growth.circular]).toEqual([false, false]);
+    expect(growth.ways[1]?.steps.map(({ formula }) => formula)).toEqual([
+      '=RC[-1]*(1+Inputs!R3C2)',
+      '=R[-1]C[4]*2',
+      '=SUM(R[-8]C:R[-8]C[4])+R[-7]C',
+    ]);
+    expect(steps(ways(model, 'Inputs!B1', 'Calc!B2'))).toEqual(['Calc!B1 Calc!C1:F1 Calc!B2']);
+    expect(ways(model, 'Calc!B9', 'Inputs!B1').ways).toEqual([]);
+  });
+
+  test('through months that hand over to each other are one', () => {
+    // Opening, flow and closing of each month, the closing of one being the opening of the next.
+    const model = new Reader({
+      Roll: {
+        A1: 100,
+        B1: '=A1',
+        'B2:CV2': '=B1*0.1',
+        'B3:CV3': '=B1+B2',
+        'C1:CV1': '=B3',
+        A5: '=CV3',
+      },
+    });
+    const answer = ways(model, 'Roll!A1', 'Roll!A5');
+    expect(answer.ways.length).toBeLessThanOrEqual(4);
+    const [first] = answer.ways;
+    expect(first?.steps.slice(0, 3).map(placeOf)).toEqual(['Roll!B1', 'Roll!B3', 'Roll!C1']);
+    expect(first?.steps.at(-1)?.formula).toBe('=R[-2]C[99]');
+    // 99 months of an opening and a closing each, and the end.
+    expect([first?.steps.length, first?.left, first?.leftAfter]).toEqual([40, 159, 20]);
+    expect(answer.circular).toBe(false);
+  });
+
+  test('on which a circle lies say so', () => {
+    const model = new Reader({
+      Data: { A1: 1, B1: '=A1+D1', C1: '=B1*2', D1: '=C1/4', E1: '=C1', F1: '=A1' },
+    });
+    const answer = ways(model, 'Data!A1', 'Data!E1');
+    expect([steps(answer), answer.circular]).toEqual([['Data!B1 Data!C1 Data!E1'], true]);
+    expect(ways(model, 'Data!A1', 'Data!F1').circular).toBe(false);
+  });
+
+  test('are bounded in number', () => {
+    const cells: Record<string, string | number> = { A1: 1 };
+    // Each line uses both cells of the line above by formulas of its own: 2 to the power of 20 ways.
+    for (let row = 2; row <= 21; row++) {
+      const above = String(row - 1);
+      cells[`A${String(row)}`] = `=A${above}+B${above}*${String(row)}`;
+      cells[`B${String(row)}`] = `=A${above}-B${above}*${String(row)}`;
+    }
+    const answer = ways(new Reader({ Data: cells }), 'Data!A1', 'Data!A21');
+    expect([answer.ways.length, answer.more]).toEqual([50, true]);
   });
 });
 

@@ -3,6 +3,7 @@ import { describe, expect, test } from 'vitest';
 import { findCircles } from '../../../src/core/model/circles';
 import { restedOnBy, restingOn, type Reached } from '../../../src/core/model/closure';
 import { directUsers, type Index } from '../../../src/core/model/Index';
+import { waysBetween } from '../../../src/core/model/ways';
 import type { WorkbookModel } from '../../../src/core/model/WorkbookModel';
 import {
   cellsIn,
@@ -45,6 +46,8 @@ function bruteForce(workbook: RandomWorkbook) {
   };
 }
 
+type Truth = ReturnType<typeof bruteForce>;
+
 function agrees(workbook: RandomWorkbook, model: WorkbookModel): void {
   const index = indexOf(model);
   const truth = bruteForce(workbook);
@@ -75,6 +78,56 @@ function agrees(workbook: RandomWorkbook, model: WorkbookModel): void {
   const circular = circles.flat().flatMap(({ sheet, area }) => cellsIn(sheet, area));
   expect(sorted(circular), 'circles').toEqual(truth.circular());
 }
+
+/** Each way begins at what uses the start, goes on from user to user and ends at the end. */
+function leads(truth: Truth, model: WorkbookModel, from: CellKey, to: CellKey): void {
+  const index = indexOf(model);
+  const place = (key: CellKey) => {
+    const [sheet = 0, row = 0, col = 0] = key.split(/[!,]/).map(Number);
+    return { sheet, area: { top: row, left: col, bottom: row, right: col } };
+  };
+  const reached = drain(restingOn(index, place(from)));
+  const { ways } = drain(waysBetween(index, reached, place(from), place(to)));
+  const what = `from ${from} to ${to}`;
+  const resting = truth.restingOn(from);
+  expect(ways.length > 0, what).toBe(resting.includes(to));
+  for (const way of ways) {
+    let before = [from];
+    for (const { region, area } of way) {
+      const cells = cellsIn(index.sheetOf(region), area);
+      expect(
+        before.flatMap(truth.users).some((user) => cells.includes(user)),
+        what,
+      ).toBe(true);
+      expect(
+        cells.filter((cell) => !resting.includes(cell)),
+        what,
+      ).toEqual([]);
+      before = cells;
+    }
+    expect(before, what).toContain(to);
+  }
+  const isDirect = truth.users(from).includes(to);
+  if (isDirect) expect(ways[0]?.length, what).toBe(1);
+}
+
+describe('ways from cell to cell', () => {
+  test.each(Array.from({ length: 4 }, (_, i) => i + 1))(
+    'are chains of users, and there is one wherever a cell rests on another (seed %i)',
+    (seed) => {
+      const number = numbersFrom(seed);
+      const workbook = new RandomWorkbook(number);
+      const model = workbook.model();
+      const formulas = [...workbook.cells.keys()];
+      const truth = bruteForce(workbook);
+      for (let i = 0; i < 8; i++) {
+        const from = keyOf(number(4), 1 + number(size), 1 + number(size));
+        const to = formulas[number(formulas.length)];
+        if (to !== undefined) leads(truth, model, from, to);
+      }
+    },
+  );
+});
 
 describe('the index', () => {
   test.each(Array.from({ length: 12 }, (_, i) => i + 1))(
