@@ -65,6 +65,7 @@ struct Reach {
   bool shifts = false;          // and cells at a distance from these (OFFSET)
   bool spans = false;           // and cells between these (A1:INDEX(...))
   bool anywhere = false;        // and cells that a calculation names (INDIRECT)
+  bool byText = false;          // by a text of which only the calculation tells what it is
   bool traits = false;          // and on hidden rows, and on which cells are formulas (SUBTOTAL)
   bool contents = false;        // and what only the workbook itself tells (CELL("format",A1))
   bool untold = false;          // and what nobody can tell (FORMULATEXT of calculated cells)

@@ -30,9 +30,15 @@ void refuseFormula(std::string formula, const ExpressionContext& context) {
   if (formula.starts_with('{') && formula.ends_with('}')) {
     formula = formula.substr(1, formula.size() - 2);
   }
-  if (!calcExpression(formula, context)) {
+  const auto written = calcExpression(formula, context);
+  if (!written) {
     throw SpreadsheetError(onlyWhenAsked,
                            "The workbook has a formula that cannot be read, so only when you ask.");
+  }
+  // In the copy it stands as it is, and its text may name another file.
+  if (written->reach.byText) {
+    throw SpreadsheetError(onlyWhenAsked,
+                           "The workbook finds cells by texts, so only when you ask.");
   }
 }
 

@@ -9,8 +9,9 @@
 namespace quorin::host::calc {
 
 // SpreadsheetError onlyWhenAsked when one of its cells calls a function that is not known to be
-// harmless, by itself or by a name, or when it has links; -1712 when the limits are reached. For
-// workbooks of few filled cells. The context is that of the expression which is worked out there.
+// harmless, by itself or by a name, or finds cells by a text that is worked out, or when it has
+// links; -1712 when the limits are reached. For workbooks of few filled cells. The context is that
+// of the expression which is worked out there.
 void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context, const CallLimits& limits);
 
 }  // namespace quorin::host::calc

@@ -1,5 +1,7 @@
 #include "host/calc/ExpressionWriter.h"
 
+#include <algorithm>
+
 #include "host/calc/CellErrors.h"
 #include "host/calc/ExcelTokens.h"
 #include "host/calc/FunctionCalls.h"
@@ -131,6 +133,7 @@ void ExpressionWriter::close() {
   }
   addBeyond(reach_, frame.function, frame.reached);
   frames_.pop_back();
+  std::erase_if(parameters_, [&](const Parameter& one) { return one.frame == frames_.size(); });
   open_ -= 1 + frame.signs;
   signs_ = 0;
   ++at_;
@@ -363,8 +366,7 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
     out_ += isJoinedFrom(out_.size()) ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
     return;
   }
-  if (!span && isParameter(word)) parameters_.insert(upperCase(word));
-  if (!span && parameters_.contains(upperCase(word))) {
+  if (!span && (givesParameter(word) || isParameter(word))) {
     out_ += word;
     mayBeSeveral();
     return;
@@ -419,14 +421,22 @@ void ExpressionWriter::append(const WrittenNames::Entry& entry) {
   bound();
 }
 
-// Whether the word, just read, is what LET or LAMBDA calls the name of a value to come.
-bool ExpressionWriter::isParameter(const std::string& word) const {
+// Whether the word, just read, is what LET or LAMBDA calls a value to come.
+bool ExpressionWriter::givesParameter(const std::string& word) {
   if (frames_.empty() || word.empty()) return false;
   const Frame& frame = frames_.back();
-  const bool isPlace =
-      frame.function == "LAMBDA" || (frame.function == "LET" && frame.argument % 2 == 0);
+  const bool ofLet = frame.function == "LET" && frame.argument % 2 == 0;
+  if (!ofLet && frame.function != "LAMBDA") return false;
   const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
-  return isPlace && next != std::string_view::npos && (text_[next] == ',' || text_[next] == ';');
+  if (next == std::string_view::npos || (text_[next] != ',' && text_[next] != ';')) return false;
+  parameters_.push_back({upperCase(word), frames_.size() - 1, frame.argument + (ofLet ? 2 : 1)});
+  return true;
+}
+
+bool ExpressionWriter::isParameter(const std::string& word) const {
+  return std::any_of(parameters_.begin(), parameters_.end(), [&](const Parameter& one) {
+    return one.word == upperCase(word) && frames_[one.frame].argument >= one.argument;
+  });
 }
 
 // The office would open a file that a text names: of '...'#$Sheet.A1 and [...]Sheet!A1 nothing is
@@ -437,6 +447,7 @@ void ExpressionWriter::keepInside(const Frame& frame) {
   const bool isHere = text.starts_with('"') && text.find('"', 1) == text.size() - 1;
   if (isHere && text.find_first_of("#[") == std::string::npos) return;
   if (text.find_first_not_of(" \n\r\t") == std::string::npos) return;
+  reach_.byText = true;
   out_.replace(frame.content, text.size(), "REGEX(" + text + ";\"'\\s*#|\\[(?=.*!)\";\" \";\"g\")");
 }
 

@@ -6,7 +6,6 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -59,6 +58,14 @@ class ExpressionWriter {
     bool several = false;  // what stands in it may be more than one value
   };
 
+  // What LET or LAMBDA calls a value. It counts inside that call, behind the value, and hides a
+  // name of the workbook there alone.
+  struct Parameter {
+    std::string word;   // in capitals
+    std::size_t frame;  // the number of the call among those that are open
+    int argument;       // of the call, from which on it counts
+  };
+
   bool at(std::string_view any) const {
     return at_ < text_.size() && any.find(text_[at_]) != std::string_view::npos;
   }
@@ -79,6 +86,7 @@ class ExpressionWriter {
   void function(const std::string& name);
   bool indirect();
   void keepInside(const Frame& frame);
+  bool givesParameter(const std::string& word);
   bool isParameter(const std::string& word) const;
   bool errorNumber();
   void table(const std::string& book, const std::string& name);
@@ -105,9 +113,9 @@ class ExpressionWriter {
   std::string out_;
   std::vector<Frame> frames_;
   bool several_ = false;
-  int open_ = 0;                      // brackets, and the signs before them
-  int signs_ = 0;                     // before the operand that is read
-  std::set<std::string> parameters_;  // of LET and LAMBDA, in capitals
+  int open_ = 0;                       // brackets, and the signs before them
+  int signs_ = 0;                      // before the operand that is read
+  std::vector<Parameter> parameters_;  // of the calls that are open
   bool operandExpected_ = true;
   bool reference_ = false;                     // the operand just written may be a reference
   std::pair<std::size_t, std::size_t> cells_;  // where the cells stand that were written last

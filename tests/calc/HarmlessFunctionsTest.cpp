@@ -105,6 +105,22 @@ TEST(BoundedExpression, IsNoLongerOrDeeperThanTheOfficesOwnParserBears) {
   EXPECT_EQ(numberOf(repeated("1+", 40'000) + "1", context), -50);
 }
 
+TEST(BoundedExpression, TellsThatCellsAreFoundByATextThatIsWorkedOut) {
+  const ExpressionContext context{
+      .from = {"Plan.xlsx", "Data"},
+      .meaning = [&](const SheetRef&, const std::string&) -> std::optional<std::string> {
+        return "INDIRECT(Data!$A$1)";
+      }};
+  for (const char* byText : {"INDIRECT(A1)", "1+INDIRECT(\"A\"&1,TRUE)", "LEN(name)",
+                             "INDIRECT(\"'file:///a.ods'#$b.A1\")", "INDIRECT(\"[a.xlsx]b!A1\")"}) {
+    EXPECT_TRUE(calcExpression(byText, context)->reach.byText) << byText;
+  }
+  for (const char* plain :
+       {"INDIRECT(\"A1\")", "SUM(INDIRECT(\"Data!A1:B2\",TRUE))", "OFFSET(A1,1,1)"}) {
+    EXPECT_FALSE(calcExpression(plain, context)->reach.byText) << plain;
+  }
+}
+
 TEST(BoundedExpression, HoldsConstantsAloneInArrays) {
   const ExpressionContext context{.from = {"Plan.xlsx", "Data"}};
   EXPECT_EQ(written("{1,-2.5E+3;\"a'b\",2;TRUE,FALSE}", context),
@@ -124,6 +140,12 @@ TEST(BoundedExpression, KnowsTheNamesThatItGivesItself) {
   EXPECT_EQ(written("LET(w,1,w+z)", context), "LET(w;1;w+#NAME?)");
   EXPECT_EQ(numberOf("LET(x,w,x)", context), onlyWhenAsked);
   EXPECT_EQ(numberOf("LET(x,1,w)", context), onlyWhenAsked);
+  EXPECT_EQ(numberOf("LET(w,w,w)", context), onlyWhenAsked);
+  EXPECT_EQ(numberOf("LET(x,LET(w,1,w),w)", context), onlyWhenAsked);
+  EXPECT_EQ(numberOf("LET(x,w,LET(w,1,w+x))", context), onlyWhenAsked);
+  EXPECT_EQ(numberOf("LAMBDA(w,w)+w", context), onlyWhenAsked);
+  EXPECT_EQ(written("LAMBDA(w,v,w+v)", context), "LAMBDA(w;v;w+v)");
+  EXPECT_EQ(written("LET(w,1,SUM(w,LET(v,w,v)))", context), "LET(w;1;SUM(w;LET(v;w;v)))");
   EXPECT_EQ(written("other+1", context), "#NAME?+1");
 }
 
