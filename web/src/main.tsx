@@ -119,7 +119,7 @@ const scans: Scans = new Scans(model, {
   questions: {
     workbookMap: () => paced.ask(() => client.ask('workbookMap')),
     readFormulas: (address) => paced.ask(() => client.ask('readFormulas', address, 'r1c1', false)),
-    evaluate: (expression) => paced.ask(() => client.ask('evaluate', expression)),
+    evaluate: (expression) => paced.ask(() => evaluations.evaluate(expression)),
     pollCell: () => paced.ask(() => client.ask('pollCell')),
   },
   clock,

@@ -5,7 +5,7 @@
 
 import { parse } from '../formula/Parser';
 import { traitOf } from '../formula/functions';
-import { plainName, walk, type Node } from '../formula/syntax';
+import { children, plainName, type Node, type NodeOf } from '../formula/syntax';
 import type { Json } from '../protocol/json';
 import { onlyWhenAskedCode, succeeded, type Outcome } from '../protocol/Outcome';
 import type { RangeTooBig, RangeValues, WorkbookMap } from '../protocol/verbs';
@@ -22,6 +22,10 @@ const namesLimit = 2_000;
 /** What a name is called without its sheet, for looking it up. */
 const bare = (name: string) => name.slice(name.lastIndexOf('!') + 1).toUpperCase();
 
+function uses(what: string): string {
+  return `Uses “${what}”, so only when you ask.`;
+}
+
 function refusal(reason: string): {
   ok: false;
   failure: { kind: 'transport'; message: string; code: number };
@@ -29,37 +33,98 @@ function refusal(reason: string): {
   return { ok: false, failure: { kind: 'transport', message: reason, code: onlyWhenAskedCode } };
 }
 
+/** What stands before the "!", without quotes. */
+const placeOf = (prefix: string) => prefix.replace(/^'|'?!$/g, '').replaceAll("''", "'");
+
 /** Whether a name may be one of another workbook: [Book.xlsx]Sheet!name, Book.xlsx!name. */
 function isForeign(prefix: string, book: string): boolean {
-  const place = prefix.replace(/^'|'?!$/g, '').replaceAll("''", "'");
+  const place = placeOf(prefix);
   const [, named = place] = /\[([^\]]*)\]/.exec(place) ?? [];
   return /[[\].\\/]/.test(place) && named.toLowerCase() !== book.toLowerCase();
 }
 
+/**
+ * Whether cells are those of a workbook that is told by where it lies: '/Users/me/[Book.xlsx]Sheet'!,
+ * 'https://…/[Book.xlsx]Sheet'!. One that is open is told by its name alone.
+ */
+function isElsewhere(prefix: string): boolean {
+  const place = placeOf(prefix);
+  return /[\\/]/.test(place) || place.indexOf('[') > 0;
+}
+
 type Meanings = { book: string; byName: Map<string, Json[]> };
 
-/** What an expression calls that is not known to be harmless, and the names that it uses. */
-type Reach = { calls: string | undefined; names: { name: string; prefix: string }[] };
+/**
+ * What an expression calls that is not known to be harmless, the cells that it has elsewhere, and the
+ * names that it uses.
+ */
+type Reach = {
+  calls?: string;
+  elsewhere?: string;
+  names: { name: string; prefix: string }[];
+};
+
+type Bound = ReadonlySet<string>;
+
+function isReaching({ prefix, name }: NodeOf<'call'>): boolean {
+  const trait = prefix === '' ? traitOf(name) : 'unknown';
+  return trait === 'reaching' || trait === 'unknown';
+}
+
+/** Each part with the names that LET and LAMBDA give a value to where it stands. */
+function withBound(node: Node, bound: Bound): [Node, Bound][] {
+  const which = node.kind === 'call' && node.prefix === '' ? plainName(node.name) : '';
+  if (node.kind !== 'call' || (which !== 'LET' && which !== 'LAMBDA')) {
+    return children(node).map((part) => [part, bound]);
+  }
+  const parts: [Node, Bound][] = [];
+  let given: string | undefined;
+  let inside = bound;
+  for (const part of node.args) {
+    parts.push([part, inside]);
+    // A name of LET counts only behind its own value.
+    if (given !== undefined) inside = new Set(inside).add(given);
+    given = part.kind === 'parameter' ? plainName(part.name) : undefined;
+    if (which === 'LAMBDA' && given !== undefined) {
+      inside = new Set(inside).add(given);
+      given = undefined;
+    }
+  }
+  return parts;
+}
 
 function reachOf(expression: string): Reach {
-  const names: Reach['names'] = [];
-  const parameters = new Set<string>();
-  let calls: string | undefined;
+  const reach: Reach = { names: [] };
   const { root } = parse(`=${expression.replace(/^\s*=/, '')}`);
-  walk(root, (node: Node) => {
-    if (node.kind === 'parameter') parameters.add(plainName(node.name));
-    if (node.kind === 'name') names.push({ name: node.name, prefix: node.prefix });
-    if (node.kind === 'invalid') calls ??= '?';
-    if (node.kind !== 'call') return;
-    const trait = node.prefix === '' ? traitOf(node.name) : 'unknown';
-    if (trait === 'reaching' || (trait === 'unknown' && !parameters.has(plainName(node.name)))) {
-      calls ??= node.name;
+  const waiting: [Node, Bound][] = [[root, new Set()]];
+  for (let next = waiting.pop(); next; next = waiting.pop()) {
+    const [node, bound] = next;
+    waiting.push(...withBound(node, bound).reverse());
+    const isBound =
+      (node.kind === 'name' || node.kind === 'call') &&
+      node.prefix === '' &&
+      bound.has(plainName(node.name));
+    switch (node.kind) {
+      case 'name':
+        if (!isBound) reach.names.push({ name: node.name, prefix: node.prefix });
+        break;
+      case 'columns':
+        // What stands before them may be a name as well as a table.
+        if (node.table !== '') reach.names.push({ name: node.table, prefix: node.prefix });
+        if (isElsewhere(node.prefix)) reach.elsewhere ??= node.prefix;
+        break;
+      case 'reference':
+        if (isElsewhere(node.prefix)) reach.elsewhere ??= node.prefix;
+        break;
+      case 'invalid':
+        reach.calls ??= '?';
+        break;
+      case 'call':
+        if (!isBound && isReaching(node)) reach.calls ??= node.name;
+        break;
     }
-  });
-  return {
-    calls,
-    names: names.filter(({ name, prefix }) => prefix !== '' || !parameters.has(plainName(name))),
-  };
+  }
+  return reach;
 }
 
 export class ReachGuard implements EvaluationQuestions {
@@ -97,6 +162,7 @@ export class ReachGuard implements EvaluationQuestions {
     for (const expression of expressions) {
       const reach = reachOf(expression);
       if (reach.calls !== undefined) return runs(reach.calls);
+      if (reach.elsewhere !== undefined) return uses(reach.elsewhere);
       waiting.push(reach);
     }
     if (waiting.every(({ names }) => names.length === 0)) return undefined;
@@ -106,17 +172,19 @@ export class ReachGuard implements EvaluationQuestions {
     const seen = new Set<string>();
     for (let reach = waiting.pop(); reach; reach = waiting.pop()) {
       for (const { name, prefix } of reach.names) {
-        if (isForeign(prefix, book)) return `Uses “${prefix}${name}”, so only when you ask.`;
+        if (isForeign(prefix, book)) return uses(prefix + name);
         const key = bare(name);
         if (seen.has(key)) continue;
         if (seen.size >= namesLimit) return 'Uses too many names, so only when you ask.';
         seen.add(key);
         // Whichever sheet's own it is: the one that reaches furthest counts.
         for (const meaning of byName.get(key) ?? []) {
-          const inner = typeof meaning === 'string' ? reachOf(meaning) : { calls: name, names: [] };
+          const inner: Reach =
+            typeof meaning === 'string' ? reachOf(meaning) : { calls: name, names: [] };
           if (inner.calls !== undefined) {
             return runs(inner.calls === '?' ? name : inner.calls);
           }
+          if (inner.elsewhere !== undefined) return uses(inner.elsewhere);
           waiting.push(inner);
         }
       }

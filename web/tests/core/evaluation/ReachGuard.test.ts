@@ -15,6 +15,7 @@ const refersTo: Record<string, unknown> = {
   Broken: '=1+*(',
   Safe: '=LET(x,Rate,x*2)',
   Makes: '=LAMBDA(f,f(1))',
+  Far: "='/Users/me/[Far.xlsx]Data'!$A$1",
 };
 
 let workbook: FakeWorkbook;
@@ -63,6 +64,15 @@ describe('nothing is asked that calls what may reach out', () => {
     ['Odd', 'Odd'],
     ['Broken', 'Broken'],
     ['LET(y,W,y)', 'WEBSERVICE'],
+    // A name of LET or LAMBDA hides one of the workbook where it stands, and nowhere else.
+    ['LET(W,W,W)', 'WEBSERVICE'],
+    ['LET(y,W,LET(W,1,W+y))', 'WEBSERVICE'],
+    ['LET(y,LET(W,1,W),W)', 'WEBSERVICE'],
+    ['LAMBDA(W,W)(W)', 'WEBSERVICE'],
+    ['MINE(LET(MINE,LAMBDA(x,x),MINE(1)))', 'MINE'],
+    ['SUM(W[Net])', 'WEBSERVICE'],
+    ["cmd|'/c calc'!A1", '?'],
+    ['FIELDVALUE(A1,"Price")', 'FIELDVALUE'],
     ["'[Model.xlsx]Data'!W", 'WEBSERVICE'],
   ])('%s', async (expression, name) => {
     const refused = refusedFor(`Runs “${name}”, so only when you ask.`);
@@ -80,6 +90,21 @@ describe('nothing is asked that calls what may reach out', () => {
     },
   );
 
+  test.each([
+    ["'/Users/me/[Far.xlsx]Data'!A1", "'/Users/me/[Far.xlsx]Data'!"],
+    ["SUM('https://x/y/[Far.xlsx]Data'!A1:B2)", "'https://x/y/[Far.xlsx]Data'!"],
+    ["'\\\\server\\share\\[Far.xlsx]Data'!A1+1", "'\\\\server\\share\\[Far.xlsx]Data'!"],
+    ["'Disk:Folder:[Far.xlsx]Data'!A1", "'Disk:Folder:[Far.xlsx]Data'!"],
+    ["SUM('/x/Far.xlsx'!Sales[Net])", "'/x/Far.xlsx'!"],
+    ['Far+1', "'/Users/me/[Far.xlsx]Data'!"],
+  ])('nor cells of a workbook that lies elsewhere: %s', async (expression, place) => {
+    const refused = refusedFor(`Uses “${place}”, so only when you ask.`);
+    expect(await guard.evaluate(expression)).toEqual(refused);
+    expect(await guard.readRange(expression)).toEqual(refused);
+    expect(await guard.deepEval(['1+1', expression])).toEqual(refused);
+    expect(workbook.asked).toEqual([]);
+  });
+
   test('nor anything with names while these cannot be read', async () => {
     works = false;
     expect(await guard.evaluate('Rate*2')).toEqual(
@@ -94,7 +119,14 @@ test('what stays inside is asked, and the names are read once until something ch
     expect(await guard.evaluate(expression)).toEqual(succeeded(1));
   }
   expect(maps).toBe(1);
-  expect(await guard.evaluate("'Data'!A1:B2+1")).toEqual(succeeded(1));
+  for (const expression of [
+    "'Data'!A1:B2+1",
+    "'[Other.xlsx]Data'!A1",
+    "'[Other.xlsx]First:Last'!A1",
+    'LET(MINE,LAMBDA(W,W+1),MINE(2))',
+  ]) {
+    expect(await guard.evaluate(expression)).toEqual(succeeded(1));
+  }
   epoch = 2;
   await guard.evaluate('Rate*3');
   expect(maps).toBe(2);
