@@ -4,25 +4,17 @@
 #include <optional>
 #include <utility>
 
+#include "kit/bridge/LoggedError.h"
 #include "kit/bridge/Verbs.h"
 
 namespace quorin {
 
 namespace {
 
-constexpr int applicationNotRunning = -600, cannotCoerce = -1700, cannotDivideByZero = -2701;
+constexpr int applicationNotRunning = -600;
 
 JSONValue errorObject(const std::string& kind, const std::string& message) {
   return JSONValue::Object{{"kind", kind}, {"message", message}};
-}
-
-// The log holds no values, and these errors of the script system quote the value that they are
-// about: "Can't make "12 Main Street" into type real."
-std::optional<std::string> withoutValue(int code, const std::string& message) {
-  if (code == cannotDivideByZero) return "a value was to be divided by zero";
-  if (code != cannotCoerce) return std::nullopt;
-  const std::size_t type = message.rfind(" into type ");
-  return "a value cannot be made" + (type == std::string::npos ? "" : message.substr(type));
 }
 
 }  // namespace
@@ -42,7 +34,7 @@ Bridge::Bridge(ExcelThread& thread, DiagLog& log, HighlightStore& store, UnhideS
 Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
   std::string kind = "transport";
   std::string message;
-  std::optional<std::string> logged;  // another text than the message
+  std::string logged;
   try {
     if (verb != "probe" && !excelRunning()) {
       JSONValue::Object error{{"kind", "transport"},
@@ -63,13 +55,13 @@ Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
   } catch (const ExcelError& error) {
     if (error.code() == ExcelError::timedOut) kind = "timeout";
     message = error.message();
-    logged = withoutValue(error.code(), message);
+    logged = loggedText(error);
   } catch (const std::exception& error) {
-    message = error.what();
+    logged = message = error.what();
   } catch (...) {
-    message = "unknown error";
+    logged = message = "unknown error";
   }
-  log_.log("ERROR", verb + ": " + logged.value_or(message));
+  log_.log("ERROR", verb + ": " + logged);
   return {false, errorObject(kind, message)};
 }
 

@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/bridge/LoggedError.h"
 #include "kit/shapes/CellShapes.h"
 
 namespace quorin {
@@ -23,7 +24,7 @@ JSONValue Bridge::probe() {
     if (!excelRunning()) return stateObject("notRunning");
     return BridgeShapes::probeObject(thread_.call("qx_probe", {}, probeBudget));
   } catch (const ExcelError& error) {
-    log_.log("ERROR", "probe: " + std::to_string(error.code()) + ": " + error.message());
+    log_.log("ERROR", "probe: " + std::to_string(error.code()) + ": " + loggedText(error));
     return stateObject(BridgeShapes::probeState(error.code()));
   } catch (const std::exception&) {
     return stateObject("busy");

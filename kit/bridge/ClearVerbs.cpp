@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/bridge/LoggedError.h"
 #include "kit/shapes/CellShapes.h"
 #include "kit/value/Marshal.h"
 
@@ -44,7 +45,7 @@ JSONValue Bridge::clearRecorded() {
         if (isStaleBookError(error.code())) {
           log_.log("HIGHLIGHT", "clear stale book=" + record.book + " sheet=" + record.sheet +
                                     " addrs=" + std::to_string(piece.size()) + ": " +
-                                    error.message());
+                                    loggedText(error));
           continue;
         }
         if (!failure) failure = std::current_exception();
@@ -110,10 +111,10 @@ void Bridge::restoreStranded() {
     try {
       log_.log("RESTORE", "recorded=" + addresses + " \u2192 " + Marshal::encode(clearRecorded()));
     } catch (const std::exception& error) {
-      log_.log("RESTORE", "recorded=" + addresses + " failed: " + error.what());
+      log_.log("RESTORE", "recorded=" + addresses + " failed: " + loggedText(error));
     }
   } catch (const std::exception& error) {
-    log_.log("ERROR", std::string("restoreStranded: ") + error.what());
+    log_.log("ERROR", "restoreStranded: " + loggedText(error));
   }
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/bridge/LoggedError.h"
 #include "kit/marks/MovePlan.h"
 #include "kit/shapes/AddressShapes.h"
 #include "kit/shapes/CellShapes.h"
@@ -84,7 +85,7 @@ std::optional<JSONValue> Bridge::moveMarks(const Record& wanted) {
                           {listOf(from->addrs), listOf(target.addrs), target.book, target.sheet},
                           paintBudget);
   } catch (const std::exception& error) {
-    log_.log("ERROR", std::string("markCells: move failed, clear+apply: ") + error.what());
+    log_.log("ERROR", "markCells: move failed, clear+apply: " + loggedText(error));
     return std::nullopt;
   }
   if (answer != JSONValue(JSONValue::Array{1, 0})) {
@@ -111,8 +112,7 @@ bool Bridge::clearBeforePainting(const Records& wanted) {
     clearRecorded();
     return true;
   } catch (const std::exception& error) {
-    log_.log("ERROR",
-             std::string("markCells: prior clear failed, carrying forward: ") + error.what());
+    log_.log("ERROR", "markCells: prior clear failed, carrying forward: " + loggedText(error));
     return false;
   }
 }

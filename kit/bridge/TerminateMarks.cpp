@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/bridge/LoggedError.h"
 #include "kit/bridge/RunArguments.h"
 #include "kit/value/Marshal.h"
 
@@ -27,7 +28,7 @@ void Bridge::clearMarksForTerminate() {
     try {
       clearAllForTerminate(deadline);
     } catch (const std::exception& error) {
-      log_.log("ERROR", std::string("terminate clear failed: ") + error.what());
+      log_.log("ERROR", "terminate clear failed: " + loggedText(error));
     }
     marksTurn_.release();
   } catch (const std::exception&) {
@@ -74,7 +75,7 @@ bool Bridge::clearForTerminate(HighlightStore::Record& record, ExcelThread::Dead
             {JSONValue::Array(piece.begin(), piece.end()), record.book, record.sheet}, deadline));
         continue;
       } catch (const ExcelError& error) {
-        log_.log("ERROR", "terminate clear failed: " + error.message());
+        log_.log("ERROR", "terminate clear failed: " + loggedText(error));
         inTime = error.code() != ExcelError::timedOut;
       }
     }
@@ -101,7 +102,7 @@ bool Bridge::hideForTerminate(UnhideStore::Record& record, ExcelThread::Deadline
     record.cols.clear();
     return true;
   } catch (const ExcelError& error) {
-    log_.log("ERROR", "terminate restore failed: " + error.message());
+    log_.log("ERROR", "terminate restore failed: " + loggedText(error));
     return error.code() != ExcelError::timedOut;
   }
 }

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "kit/bridge/Bridge.h"
+#include "kit/bridge/LoggedError.h"
 #include "kit/bridge/RunArguments.h"
 #include "kit/shapes/HiddenRuns.h"
 
@@ -64,7 +65,7 @@ bool Bridge::hideAgain(const UnhideStore::Record& record, const HiddenRuns& runs
     log_.log("UNHIDE", "restore" + sizes(runs, record.sheet) + " ok=true");
     return true;
   } catch (const ExcelError& error) {
-    log_.log("UNHIDE", "restore" + sizes(runs, record.sheet) + " ok=false: " + error.message());
+    log_.log("UNHIDE", "restore" + sizes(runs, record.sheet) + " ok=false: " + loggedText(error));
     if (!isStaleBookError(error.code())) return false;
     log_.log("UNHIDE", "restore stale book=" + record.book + " sheet=" + record.sheet);
     return true;

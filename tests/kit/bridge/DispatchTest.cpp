@@ -1,6 +1,9 @@
 // The dispatcher: which arguments pass, and what every failure is answered with.
 #include <algorithm>
 #include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/kit/bridge/BridgeFixture.h"
 
@@ -215,6 +218,41 @@ TEST_F(Dispatch, LogsNoValuesThatErrorsQuote) {
   EXPECT_THAT(log_.lines(), ElementsAre("ERROR readCell: a value cannot be made into type real.",
                                         "ERROR pollCell: a value was to be divided by zero",
                                         "ERROR activate: a value cannot be made"));
+}
+
+TEST_F(Dispatch, LogsNamesAndAddressesWithoutTheValuesBesideThem) {
+  const std::vector<std::pair<std::string, std::string>> messages = {
+      {"Can’t get item 3 of {\"12 Main Street\", 4711.0}. Invalid index.",
+       "Can’t get item 3 of …. Invalid index."},
+      {"Can’t get character 9 of \"12 \\\"Main\\\" Street\".", "Can’t get character 9 of …."},
+      {"Can't get item 1 of 4711.5.", "Can't get item 1 of …."},
+      {"Can't get item 1 of -4.7E+11.", "Can't get item 1 of …."},
+      {"Microsoft Excel got an error: Can’t set formula of cell \"A1\" of worksheet \"Data\" to "
+       "\"=LEN(Secret)\".",
+       "Microsoft Excel got an error: Can’t set formula of cell \"A1\" of worksheet \"Data\" to "
+       "…."},
+      {"Microsoft Excel got an error: \"LEN(Secret)\" doesn’t understand the “evaluate” message.",
+       "Microsoft Excel got an error: … doesn’t understand the “evaluate” message."},
+      {"{1, \"Secret\"} doesn't understand the count message.",
+       "… doesn't understand the count message."},
+      {"Can’t get range \"B2:C3\" of worksheet \"Sum of 2024\" of workbook \"Plan.xlsx\".",
+       "Can’t get range \"B2:C3\" of worksheet \"Sum of 2024\" of workbook \"Plan.xlsx\"."},
+      {"workbook not open: Plan.xlsx", "workbook not open: Plan.xlsx"},
+      {"range does not exist: 'My sheet'!A1", "range does not exist: 'My sheet'!A1"}};
+  for (const auto& [message, logged] : messages) excel_.fails("qx_readcell", -1728, message);
+  std::vector<std::string> lines;
+  for (const auto& [message, logged] : messages) {
+    EXPECT_EQ(bridge_.dispatch("readCell", {}),
+              (Bridge::Reply{false, error("transport", message)}));
+    lines.push_back("ERROR readCell: " + logged);
+  }
+  EXPECT_EQ(log_.lines(), lines);
+}
+
+TEST_F(Dispatch, LogsNoValuesOfErrorsThatItPassesBy) {
+  excel_.fails("qx_probe", -1728, "Can’t get item 2 of {\"Secret\"}.");
+  bridge_.dispatch("probe", {});
+  EXPECT_THAT(log_.lines(), ElementsAre("ERROR probe: -1728: Can’t get item 2 of …."));
 }
 
 TEST_F(Dispatch, AnswersAShapeErrorWithItsMessage) {
