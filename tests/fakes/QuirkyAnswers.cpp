@@ -179,6 +179,8 @@ Descriptor asRead(const ExcelQuirks& quirks, Descriptor descriptor) {
     if (text.find(',') != std::string::npos) text = "no range";
     std::replace(text.begin(), text.end(), ';', ',');
   }
+  if (quirks.readsUpToTheComma && text.find('$') == std::string::npos)
+    text.resize(std::min(text.size(), text.find(',')));
   if (quirks.refusesLongAddresses && text.size() > 255 && text.find('$') == std::string::npos)
     text = "no range";
   for (AppleEventDescriptor::Field& field : descriptor.fields())

@@ -34,6 +34,7 @@ struct ExcelQuirks {
   bool cutsLongAddresses = false;        // get address ends after 255 characters
   bool refusesLongAddresses = false;     // range "..." with more than 255 characters is -1728
   bool separatesWithSemicolons = false;  // the areas in range "..." are parted by ";" alone
+  bool readsUpToTheComma = false;        // of range "..." only what stands before the first ","
   bool baresSingles = false;             // a collection of one is a bare value
   bool missesUnknownElements = false;    // missing value instead of -1728
   bool refusesBulkReferences = false;    // references of every named item is -1700

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of tools/dev/mutate.py: which mistakes it makes, and whether it sees that a test noticed."""
+"""Tests of tools/dev/mutate.py: which mistakes it makes, and whether it sees a test notice."""
 import json
 import pathlib
 import subprocess
@@ -118,8 +118,8 @@ class Trials(unittest.TestCase):
             commands[file] = f"{COMPILER} -o {file.stem}.o -c {file}"
             subprocess.run(commands[file], shell=True, cwd=build, check=True)
         subprocess.run(["ar", "rcs", "libsum.a", "Sum.o"], cwd=build, check=True)
-        (build / "compile_commands.json").write_text(json.dumps(
-            [{"file": str(file), "command": "launcher " + line} for file, line in commands.items()]))
+        (build / "compile_commands.json").write_text(json.dumps([
+            {"file": str(file), "command": "launcher " + line} for file, line in commands.items()]))
         (build / "build.ninja").write_text(
             f"rule link\n  command = : && {COMPILER} Test.o -o $out libsum.a && :\n"
             "build value_test: link Test.o libsum.a\n")
@@ -131,6 +131,15 @@ class Trials(unittest.TestCase):
 
     def outcome(self, old, new):
         return mutate.outcome_of(self.build, mutate.only_change("kit/value/Sum.cpp", old, new))
+
+    def test_of_nothing_tell_what_fails_all_the_same(self):
+        self.assertEqual(mutate.failing_unchanged(self.build, ["value_test"]), [])
+        (self.build.folder / "Test.o").unlink()
+        wrong = mutate.ROOT / "Wrong.cpp"
+        wrong.write_text('extern "C" ' + TEST.replace("== 5", "== 6"))
+        subprocess.run([COMPILER, "-o", self.build.folder / "Test.o", "-c", wrong], check=True)
+        self.assertEqual(mutate.failing_unchanged(self.build, ["value_test"]),
+                         ["value_test Sum.Adds"])
 
     def test_tell_what_is_noticed_and_what_is_not(self):
         self.assertEqual(self.outcome("a + b", "a - b"),

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Would the unit tests notice? Makes small mistakes in kit/, one at a time, and runs the tests of
-its folder over each. Needs a build in build/dev (`cmake --preset dev` and the programs of PROGRAMS);
-neither it nor the sources are touched: what is changed is compiled on its own and linked first.
+its folder over each. Needs a build in build/dev (of the programs of PROGRAMS at least); neither it
+nor the sources are touched: what is changed is compiled on its own and linked first.
 
 usage: mutate.py [--folder NAME ...] [--sample N] [--seed N] [--jobs N] [--list]
        mutate.py --change FILE OLD NEW
@@ -13,7 +13,7 @@ usage: mutate.py [--folder NAME ...] [--sample N] [--seed N] [--jobs N] [--list]
   --list          says what it would do
   --change        one change: the only place in FILE that holds OLD
 
-Prints for each change whether the tests noticed it (killed, with the test that failed), or not
+First the programs are run without a change. Prints for each change whether the tests noticed it (killed, with the test that failed), or not
 (survived), or whether it cannot be tried (refused: it does not compile). Exits 1 when fewer than 90
 of a hundred were noticed.
 """
@@ -107,8 +107,8 @@ class Build:
         """`objects` ({name in the build: file}) take the place of the build's own: where a library
         would give one, the linker has what it looks for already."""
         if program not in self.links:
-            lines = subprocess.run(["ninja", "-C", self.folder, "-t", "commands", program], check=True,
-                                   capture_output=True, text=True).stdout.splitlines()
+            lines = subprocess.run(["ninja", "-C", self.folder, "-t", "commands", program],
+                                   check=True, capture_output=True, text=True).stdout.splitlines()
             self.links[program] = shlex.split(lines[-1].removeprefix(": && ").removesuffix(" && :"))
         words = [str(objects.get(each, each)) for each in self.links[program]]
         words[words.index("-o") + 1] = str(into)
@@ -144,8 +144,10 @@ def failure_of(program, folder):
     failed = re.findall(r"\[  FAILED  \] (\S+?)[,\s]", text)
     begun = re.findall(r"\[ RUN      \] (\S+)", text)
     name = failed[0] if failed else begun[-1] if begun else program.name
-    ended = "" if failed else " (stuck)" if stuck or run.returncode == -signal.SIGXCPU else " (died)"
-    return f"{program.name} {name}{ended}"
+    if failed:
+        return f"{program.name} {name}"
+    stuck = stuck or run.returncode == -signal.SIGXCPU
+    return f"{program.name} {name} ({'stuck' if stuck else 'died'})"
 
 
 class Trial:
@@ -193,12 +195,25 @@ class Trial:
 
 def outcome_of(build, change):
     with tempfile.TemporaryDirectory(prefix="quorin-mutant-") as folder:
+        os.chmod(folder, 0o755)  # some tests act as other users
         return Trial(build, change, pathlib.Path(folder)).outcome()
+
+
+def failing_unchanged(build, programs):
+    """What would be taken for a test that notices."""
+    failing = []
+    for name in programs:
+        with tempfile.TemporaryDirectory(prefix="quorin-mutant-") as folder:
+            os.chmod(folder, 0o755)
+            program = pathlib.Path(folder) / name
+            build.link(name, {}, program)
+            failing += [each for each in [failure_of(program, pathlib.Path(folder))] if each]
+    return failing
 
 
 def including(header):
     """The sources of its folder that see the header, or, where none does, their tests. At -O0, as
-    tests are compiled, what is inline in it is linked from the first of them for the whole program."""
+    tests are compiled, what is inline in it is linked from the first of them for all."""
     folder = header.parent
     seen = {str(header.relative_to(ROOT))}
     def sees(file):
@@ -238,7 +253,8 @@ def only_change(path, old, new):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument("--folder", action="append", choices=PROGRAMS)
     parser.add_argument("--sample", type=int, default=150)
     parser.add_argument("--seed", type=int, default=1)
@@ -257,6 +273,10 @@ def main():
     with (tempfile.TemporaryDirectory(prefix="quorin-mutants-") as scratch,
           concurrent.futures.ThreadPoolExecutor(told.jobs) as pool):
         build = Build(ROOT / "build/dev", pathlib.Path(scratch))
+        needed = {each for change in chosen for each in PROGRAMS[change.path.split("/")[1]]}
+        failing = failing_unchanged(build, sorted(needed))
+        if failing:
+            sys.exit("without a change: " + ", ".join(failing))
         for change, outcome in zip(chosen, pool.map(lambda each: outcome_of(build, each), chosen)):
             counts[change.path.split("/")[1]][outcome.what] += 1
             by = f"  [{outcome.by}]" if outcome.by else ""

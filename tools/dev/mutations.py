@@ -93,10 +93,11 @@ BINARY = {"&&": "||", "||": "&&", "+": "-", "-": "+", "*": "/", "/": "*", "%": "
 TIMES = re.compile(r"(\d+)(ms|us|s|min|h)$")
 UNITS = {"hours", "minutes", "seconds", "milliseconds", "microseconds"}
 # What does not begin a statement that could be left out.
-DECLARATIONS = {"auto", "class", "const", "constexpr", "default", "do", "else", "enum", "explicit",
-                "extern", "for", "friend", "if", "inline", "namespace", "private", "public", "return",
-                "case", "static", "struct", "switch", "template", "try", "typedef", "using", "virtual",
-                "while", "static_assert"}
+DECLARATIONS = {
+    "auto", "case", "class", "const", "constexpr", "default", "do", "else", "enum", "explicit",
+    "extern", "for", "friend", "if", "inline", "namespace", "private", "public", "return",
+    "static", "static_assert", "struct", "switch", "template", "try", "typedef", "using",
+    "virtual", "while"}
 
 
 def of_cpp(found, text):
@@ -182,7 +183,9 @@ def of_statements(found, text, code):
                     break
                 j = end
             j += 1
-        if j >= len(code) or code[j].text != ";" or before == ")" and not after_control(code, i - 1):
+        if j >= len(code) or code[j].text != ";":
+            continue
+        if before == ")" and not after_control(code, i - 1):
             continue
         if is_declaration(code[i:j]):
             continue
@@ -259,6 +262,7 @@ def of_applescript(found, text):
         elif token.kind == "string" and code[i - 1].text != "application":
             found.replace(token, token.text[:-1] + '~"', "text")
     for each in re.finditer(r"\bif (.*?) then\b", bare):
-        found.put(each.start(1), each.end(1), f"not ({text[each.start(1):each.end(1)]})", "condition")
+        inside = text[each.start(1):each.end(1)]
+        found.put(each.start(1), each.end(1), f"not ({inside})", "condition")
     for each in re.finditer(r"^%s$" % STATEMENTS.pattern, text, re.M):
         found.put(each.start(), each.end(), "", "statement left out")

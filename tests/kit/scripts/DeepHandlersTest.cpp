@@ -40,6 +40,13 @@ TEST_F(DeepHandlers, DeepEvalRefusesResultsThatSpill) {
   expectNothingLeft();
 }
 
+// Only the name of an error takes the place of a value that is not there.
+TEST_F(DeepHandlers, DeepEvalTakesNoOtherTextForAnError) {
+  excel_->quirks.losesBlanks = true;
+  EXPECT_EQ(deepEval({"\"\""}), "null");
+  EXPECT_EQ(deepEval({"1/0"}), "\"#DIV\\/0!\"");
+}
+
 TEST_F(DeepHandlers, DeepEvalGivesUpWhenExcelTakesTooLong) {
   memory_->script.atEvery("setFormula", {.takes = std::chrono::seconds(61)});
   EXPECT_EQ(deepEval({"1+1"}), "error -1712 Microsoft Excel got an error: AppleEvent timed out.");

@@ -17,6 +17,19 @@ TEST_F(SelectionHandlers, SelectJoinsSeveralRangesOfOneSheet) {
   EXPECT_EQ(memory_->activeSheet(), (host::SheetRef{"Known.xlsx", "Blank"}));
 }
 
+// Of the two "goto" alone changes to the sheet.
+TEST_F(SelectionHandlers, SelectChangesToTheSheetWithGoto) {
+  memory_->script.clear();
+  run("qx_select", {texts({"Blank!A1"})});
+  EXPECT_THAT(memory_->script.calls(), testing::Contains("goTo [Known.xlsx]Blank!$A$1"));
+  EXPECT_THAT(memory_->script.calls(),
+              testing::Not(testing::Contains(testing::StartsWith("select "))));
+  run("qx_select", {texts({"Data!A1", "Data!C3"})});
+  EXPECT_THAT(
+      memory_->script.calls(),
+      testing::IsSupersetOf({"goTo [Known.xlsx]Data!$A$1", "select [Known.xlsx]Data!$A$1,$C$3"}));
+}
+
 TEST_F(SelectionHandlers, SelectGivesTheWholeAddressOfManyAreas) {
   JSONValue::Array many;
   std::string expected;
