@@ -88,6 +88,11 @@ TEST_F(CellHandlers, EvaluateReadsTheValuesOfAReference) {
   EXPECT_EQ(run("qx_evaluate", {"C4"}), "error -1708 Excel gave no value");
 }
 
+TEST_F(CellHandlers, EvaluateReadsReferencesOfUpTo20000Cells) {
+  EXPECT_THAT(run("qx_evaluate", {"A1:A20000"}), StartsWith(R"j([["Item"],["Bolt"],)j"));
+  EXPECT_EQ(run("qx_evaluate", {"A1:A20001"}), R"j({"__unmarshalled":"obj "})j");
+}
+
 TEST_F(CellHandlers, EvaluateLeavesReferencesThatAreNotSafeToReadAlone) {
   excel_->quirks.diesOfFirstColumnErrors = true;
   excel_->quirks.dropsErrorRows = true;

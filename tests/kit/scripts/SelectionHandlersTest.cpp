@@ -58,6 +58,12 @@ TEST_F(SelectionHandlers, ActivateGoesThereAndComesForward) {
   EXPECT_EQ(run("qx_pollcell"), R"j(["Known.xlsx","Data","$B$2"])j");
 }
 
+TEST_F(SelectionHandlers, ActivateChangesToTheSheetWithGoto) {
+  memory_->script.clear();
+  EXPECT_EQ(run("qx_activate", {"Blank!A1"}), "true");
+  EXPECT_THAT(memory_->script.calls(), testing::Contains("goTo [Known.xlsx]Blank!$A$1"));
+}
+
 TEST_F(SelectionHandlers, ActivateWithoutAddressOnlyComesForward) {
   select("Data", "C3");
   EXPECT_EQ(run("qx_activate", {""}), "true");
