@@ -13,6 +13,7 @@ import collections
 import json
 import pathlib
 import random
+import re
 import subprocess
 import sys
 import time
@@ -23,6 +24,7 @@ from references import References
 SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "web/out/bench/dependents.js"
 # Named in a way that the page lists apart, as decided at run time.
 KNOWN = {"relative name"}
+AT_RUN_TIME = re.compile(r"\b(INDIRECT|OFFSET)\(", re.IGNORECASE)
 
 
 def drawn(book, boxes, count, chance):
@@ -109,7 +111,9 @@ def compare(args, file):
     wrong = sum(count for (_, kind), count in causes.items() if kind not in KNOWN)
     summary = ", ".join(f"{count} {what} ({kind})" for (what, kind), count in causes.items())
     print(f"{file.stem:42} {len(book.formulas):6} formulas, {len(cells):4} cells, {pairs:7} users, "
-          f"{reply['questions']:4} questions, {reply['runTimeCells']} at run time, "
+          f"{reply['questions']:4} questions, {reply['runTimeCells']} at run time "
+          f"({sum(bool(AT_RUN_TIME.search(one.text)) for one in book.formulas.values())} "
+          f"by the file's texts), "
           f"{len(reply['notRead'])} not read: {summary or 'all the same'} "
           f"({time.monotonic() - begun:.0f} s)", flush=True)
     if args.show:

@@ -98,6 +98,13 @@ for (const { sheet, row, col } of cells) {
 const state = await model.ask(book, 'state', {});
 const nowhere = { sheet: '', area: { top: 1, left: 1, bottom: 1, right: 1 } };
 const { runTimeCells } = await model.ask(book, 'dependents', nowhere);
+const { rows: runTime } = await model.ask(book, 'runTime', {});
+/** Cells by why they are decided at run time. */
+const reasons: Record<string, number> = {};
+for (const row of runTime) {
+  const why = row.reasons.join(', ');
+  reasons[why] = (reasons[why] ?? 0) + row.cells;
+}
 const { formulas, unreadCells } = state;
 console.log(
   JSON.stringify({
@@ -105,6 +112,7 @@ console.log(
     formulas,
     unreadCells,
     runTimeCells,
+    reasons,
     notRead: scan.state.notRead,
     answers,
   }),

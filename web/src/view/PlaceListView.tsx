@@ -93,6 +93,11 @@ type PlaceItemProps = { page: Page; list: PlaceView; slot: Slot<ShownRow>; activ
 
 function PlaceItem(props: PlaceItemProps): JSX.Element {
   const row = () => props.slot.item.row;
+  const where = () => {
+    const { place, places } = row();
+    const isOne = (places?.length ?? 1) === 1;
+    return place && isOne ? oneLine(`${place.sheet ?? ''}!${place.address}`) : undefined;
+  };
   const level = () => props.slot.item.level;
   const isOpen = createMemo(() => props.page.look(() => props.list.isOpen(row())));
   return (
@@ -126,6 +131,7 @@ function PlaceItem(props: PlaceItemProps): JSX.Element {
             code: row().place !== undefined && level() > 1,
             lead: row().place !== undefined,
           }}
+          title={where()}
           textContent={oneLine(row().text)}
         />{' '}
         <bdi class="placeLabel" textContent={oneLine(row().label ?? '')} />

@@ -5,6 +5,7 @@ import {
   dependentsAnswer,
   driversAnswer,
   errorsAnswer,
+  runTimeAnswer,
   stateAnswer,
   usersAnswer,
   waysAnswer,
@@ -52,6 +53,8 @@ export class ModelHost {
         return yield* dependentsAnswer(model, question.args);
       case 'users':
         return yield* usersAnswer(model, question.args);
+      case 'runTime':
+        return yield* runTimeAnswer(model);
       case 'drivers':
         return yield* driversAnswer(model, question.args);
       case 'ways':

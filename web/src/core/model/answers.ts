@@ -1,5 +1,8 @@
 // The model's answers in the words of the page: rows with address, formula, label and value.
 
+import type { Area } from '../address/area';
+import { parse } from '../formula/Parser';
+import { printInStyle } from '../formula/print';
 import { impactOf } from './impact';
 import { driversOf } from './drivers';
 import { findErrorCauses } from './errors';
@@ -11,7 +14,7 @@ import type {
   DriversAnswer,
   ErrorsAnswer,
   Row,
-  RunTimeRow,
+  RunTimeAnswer,
   WaysAnswer,
 } from './messages';
 import { meet, sizeOf } from './rectangles';
@@ -24,11 +27,20 @@ export const rowsLimit = 1_000;
 /** Of a longer way its beginning and its end are told. */
 const stepsLimit = 40;
 
+/** More of a formula does not fit a row. */
+const formulaLimit = 240;
+
+/** As it stands in the first of its cells: worked out here, so that the page's own thread need not. */
+function shownFormula(relative: string, area: Area): string {
+  const text = printInStyle(parse(relative, 'r1c1'), 'a1', { row: area.top, col: area.left });
+  return text.length > formulaLimit ? `=${text.slice(0, formulaLimit)}…` : `=${text}`;
+}
+
 function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number): Row {
   return {
     sheet: model.sheetName(sheet),
     area,
-    formula: formula === 0 ? '' : model.formulas.at(formula),
+    formula: formula === 0 ? '' : shownFormula(model.formulas.at(formula), area),
     label: model.label({ sheet, area }),
     value: model.value({ sheet, area }),
     cells: sizeOf(area),
@@ -72,16 +84,14 @@ export function* dependentsAnswer(
   const index = yield* model.index();
   const start = model.place(cells);
   const direct = yield* usersAnswer(model, cells);
-  const { rows: runTime, cells: runTimeCells } = runTimeRows(model, index);
+  const runTimeCells = runTimeParts(model, index).cells;
   if (!start) {
     const impact = { cells: 0, sheets: 0, results: 0, rows: [] };
-    return { ...direct, impact, runTime, runTimeCells, circular: false };
+    return { ...direct, impact, runTimeCells, circular: false };
   }
   const impact = yield* impactOf(index, model.usesOf(index), start);
-  const results = impact.resultAreas.map((area) => {
-    const formula = model.cellsOf(area.sheet)?.formulaAt(area.area.top, area.area.left) ?? 0;
-    return rowOf(model, area, formula);
-  });
+  // Their formulas are told with the ways to them.
+  const results = impact.resultAreas.map((area) => rowOf(model, area, 0));
   // Only what rests on itself can be in a circle; then its circle's cells are looked for.
   const restsOnItself = impact.reached.steps.some(
     ({ region, area }) =>
@@ -98,25 +108,30 @@ export function* dependentsAnswer(
   return {
     ...direct,
     impact: { cells: impact.cells, sheets, results: impact.results, rows: results },
-    runTime,
     runTimeCells,
     circular,
   };
 }
 
-function runTimeRows(model: WorkbookModel, index: Index): { rows: RunTimeRow[]; cells: number } {
+function runTimeParts(model: WorkbookModel, index: Index): { parts: Part[]; cells: number } {
   const parts: Part[] = [];
   for (let region = 0; region < index.regionCount; region++) {
     const oddity = model.definition.oddity(index.definitionOf(region));
     if (oddity && oddity.runTime.size > 0) parts.push({ region, area: index.areaOf(region) });
   }
+  return { parts, cells: parts.reduce((sum, { area }) => sum + sizeOf(area), 0) };
+}
+
+export function* runTimeAnswer(model: WorkbookModel): Generator<undefined, RunTimeAnswer> {
+  const index = yield* model.index();
+  const { parts, cells } = runTimeParts(model, index);
   const rows = inOrder(index, parts)
     .slice(0, rowsLimit)
     .map((part) => {
       const oddity = model.definition.oddity(index.definitionOf(part.region));
       return { ...partRow(model, index, part), reasons: [...(oddity?.runTime ?? [])] };
     });
-  return { rows, cells: parts.reduce((sum, { area }) => sum + sizeOf(area), 0) };
+  return { rows, left: cells - rows.reduce((sum, row) => sum + row.cells, 0) };
 }
 
 export function* driversAnswer(
@@ -193,7 +208,10 @@ export function* stateAnswer(model: WorkbookModel): Generator<undefined, BookSta
     distinct: model.formulas.count - 1,
     unread: inOrder(index, unread)
       .slice(0, rowsLimit)
-      .map((part) => partRow(model, index, part)),
+      .map((part) => ({
+        ...partRow(model, index, part),
+        formula: model.formulas.at(index.formulaOf(part.region)),
+      })),
     unreadCells: unread.reduce((sum, { area }) => sum + sizeOf(area), 0),
     tables: model.tableQuestions,
   };

@@ -12,7 +12,7 @@ export type Cells = { sheet: string; area: Area };
 
 /** Cells with one relative formula, or typed-in ones. */
 export type Row = Cells & {
-  /** In R1C1; empty for cells without a formula. */
+  /** As it stands in the first of them, cut where it is long; empty for cells without a formula. */
   formula: string;
   /** What a human would call them. */
   label: string;
@@ -23,14 +23,15 @@ export type Row = Cells & {
 
 export type RunTimeRow = Row & { reasons: string[] };
 
+export type RunTimeAnswer = { rows: RunTimeRow[]; left: number };
+
 export type DependentsAnswer = {
   rows: Row[];
   /** Cells in all rows, and in those that are not listed. */
   cells: number;
   left: number;
   impact: { cells: number; sheets: number; results: number; rows: Row[] };
-  /** Formulas of the whole workbook whose cells are decided at run time: any of them may use these. */
-  runTime: RunTimeRow[];
+  /** Cells of the whole workbook whose formulas decide at run time what they use: any may use these. */
   runTimeCells: number;
   /** Cells of circles that the asked cells are in. */
   circular: boolean;
@@ -67,7 +68,7 @@ export type BookState = {
   /** Cells with a formula, and how many different ones. */
   formulas: number;
   distinct: number;
-  /** Cells whose formula could not be read whole, by region. */
+  /** Cells whose formula could not be read whole, by region, as it was told. */
   unread: Row[];
   unreadCells: number;
   /** Columns of tables that the spreadsheet is to be asked about. */
@@ -92,6 +93,7 @@ export type Questions = {
   dependents: { args: Cells; answer: DependentsAnswer };
   /** The direct users alone. */
   users: { args: Cells; answer: { rows: Row[]; left: number } };
+  runTime: { args: Record<string, never>; answer: RunTimeAnswer };
   drivers: { args: Cells; answer: DriversAnswer };
   /** How `from` gets into `to`. */
   ways: { args: { from: Cells; to: Cells }; answer: WaysAnswer };

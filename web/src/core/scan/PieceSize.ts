@@ -5,7 +5,7 @@ import type { RangeFormulas } from '../protocol/verbs';
 import { firstPiece, pieceLimit } from './plan';
 
 /** A reply of so many characters takes a few milliseconds. */
-export const replyLimit = 120_000;
+export const replyLimit = 60_000;
 /** What stands around a cell in a reply: quotes, commas. */
 const aroundCell = 6;
 /** A number's digits, about. */

@@ -52,6 +52,8 @@ export class Scans {
     if (!scan?.hasSheets || !position) return;
     const args = { sheet, ...position, formula, value };
     const told = await this.model.ask(book, 'compare', args).catch(() => 'unknown' as const);
-    if (told === 'differs') scan.noticeChange(sheet);
+    // A sheet that a whole scan never met was added since, or renamed.
+    const isNew = scan.state.status === 'done' && !scan.hasRead(sheet);
+    if (told === 'differs' || isNew) scan.noticeChange(sheet);
   }
 }

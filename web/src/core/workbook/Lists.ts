@@ -223,7 +223,7 @@ export class Lists {
       ...resultGroup(asked, everywhere),
       driverGroup(asked),
       betweenGroup(asked, other),
-      ...runTimeGroup(everywhere.runTime, everywhere.runTimeCells),
+      ...runTimeGroup(asked, everywhere.runTimeCells),
       ...(errors ? errorGroup(errors) : []),
     ];
   }

@@ -2,17 +2,10 @@
 // users; what rests on it in the end; what it rests on; where errors start.
 
 import { count, grouped } from '../format/words';
-import type {
-  Cells,
-  DependentsAnswer,
-  DriverRow,
-  ErrorsAnswer,
-  Row,
-  RunTimeRow,
-} from '../model/messages';
+import type { Cells, DependentsAnswer, DriverRow, ErrorsAnswer, Row } from '../model/messages';
 import { covers, meet } from '../model/rectangles';
 import { closed, group, remark, type PlaceRow } from './PlaceList';
-import { formulaText, joined, placed, times, valueText, type Asked } from './rows';
+import { joined, placed, times, valueText, type Asked } from './rows';
 import { waysRows } from './ways';
 
 const contains = (outer: Cells, inner: Cells) =>
@@ -27,7 +20,7 @@ function more(left: number): PlaceRow[] {
 /** `way`: the cells through which the row was come to, the asked ones first. */
 function userRow(asked: Asked, row: Row, home: string, way: readonly Cells[]): PlaceRow {
   const value = row.cells === 1 ? valueText(row.value) : '';
-  const shown = placed(row, joined(value, formulaText(row), times(row.cells)), home);
+  const shown = placed(row, joined(value, row.formula, times(row.cells)), home);
   const [start] = way;
   if (start && touch(start, row)) return { ...shown, tag: 'Circle' };
   if (way.some((cells) => contains(cells, row))) {
@@ -81,7 +74,7 @@ export function resultGroup(asked: Asked, { impact }: DependentsAnswer): PlaceRo
   const rows = () => [
     ...impact.rows.map((row): PlaceRow => {
       const shown = placed(row, joined(valueText(row.value), times(row.cells)), '');
-      return { ...shown, inner: () => waysRows(asked, asked.cells, row) };
+      return { ...shown, inner: () => waysRows(asked, asked.cells, row, row.sheet) };
     }),
     ...more(impact.results - impact.rows.reduce((sum, row) => sum + row.cells, 0)),
   ];
@@ -104,15 +97,18 @@ function driverRow(asked: Asked, row: DriverRow): PlaceRow {
   const value = row.kind === 'blank' ? 'blank' : row.cells === 1 ? valueText(row.value) : '';
   const uses = `used ${grouped(String(row.uses))}×`;
   const shown = placed(row, joined(value, times(row.cells), uses), asked.cells.sheet);
-  return { ...shown, inner: () => waysRows(asked, row, asked.cells) };
+  return { ...shown, inner: () => waysRows(asked, row, asked.cells, row.sheet) };
 }
 
-export function runTimeGroup(rows: readonly RunTimeRow[], cells: number): PlaceRow[] {
+export function runTimeGroup(asked: Asked, cells: number): PlaceRow[] {
   if (cells === 0) return [];
-  const inner = () =>
-    rows.map((row) =>
-      placed(row, joined(row.reasons.join(', '), formulaText(row), times(row.cells)), ''),
+  const inner = async () => {
+    const { rows, left } = await asked.model.ask(asked.book, 'runTime', {});
+    const shown = rows.map((row) =>
+      placed(row, joined(row.reasons.join(', '), row.formula, times(row.cells)), ''),
     );
+    return [...shown, ...more(left)];
+  };
   return [closed('Decided at run time', `${count(cells, 'cell')} that may use it`, inner)];
 }
 
@@ -121,7 +117,7 @@ export function errorGroup({ total, rows, left, circular }: ErrorsAnswer): Place
   const inner = (): PlaceRow[] => [
     ...rows.map((row) => {
       const spoils = row.spoils === undefined ? '' : `spoils ${count(row.spoils, 'more cell')}`;
-      const shown = placed(row, joined(formulaText(row), times(row.cells), spoils), '');
+      const shown = placed(row, joined(row.formula, times(row.cells), spoils), '');
       return { ...shown, tag: row.text };
     }),
     ...(circular > 0

@@ -9,12 +9,13 @@ import { grouped } from '../format/words';
 import type { ModelClient } from '../model/ModelClient';
 import type { Cells, Row } from '../model/messages';
 import type { Scalar } from '../protocol/json';
-import { formulaAt } from './blocks';
 import type { PlaceRow } from './PlaceList';
 import type { Place } from './places';
 
 /** More of a text does not fit a row. */
 const textLimit = 60;
+
+const sheetLimit = 20;
 
 export type Asked = { book: string; cells: Cells; model: ModelClient };
 
@@ -31,10 +32,6 @@ export function valueText(value: Scalar): string {
   return value.length > textLimit ? `${value.slice(0, textLimit - 1)}…` : value;
 }
 
-export function formulaText({ formula, area }: Row): string {
-  return formula === '' ? '' : formulaAt(formula, area.top, area.left);
-}
-
 export function times(cells: number): string {
   return cells === 1 ? '' : `×${grouped(String(cells))}`;
 }
@@ -43,8 +40,13 @@ export function joined(...parts: string[]): string {
   return parts.filter((part) => part !== '').join('  ');
 }
 
+/** So that the address keeps its room; the row's tooltip has all of it. */
+function shortSheet(name: string): string {
+  return name.length > sheetLimit ? `${name.slice(0, sheetLimit - 1)}…` : name;
+}
+
 export function placed(row: Row, detail: string, home: string): PlaceRow {
   const place = placeOfCells(row);
-  const text = row.sheet === home ? place.address : `${row.sheet}!${place.address}`;
+  const text = row.sheet === home ? place.address : `${shortSheet(row.sheet)}!${place.address}`;
   return { text, detail, tag: '', place, label: row.label };
 }

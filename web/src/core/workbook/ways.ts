@@ -3,7 +3,7 @@
 import { count } from '../format/words';
 import type { Cells, Row, WaysAnswer } from '../model/messages';
 import { closed, group, remark, type PlaceRow } from './PlaceList';
-import { formulaText, joined, placed, placeOfCells, times, valueText, type Asked } from './rows';
+import { joined, placed, placeOfCells, times, valueText, type Asked } from './rows';
 
 type Way = WaysAnswer['ways'][number];
 
@@ -12,7 +12,7 @@ const shownSteps = 4;
 
 function stepRow(row: Row, home: string): PlaceRow {
   const value = row.cells === 1 ? valueText(row.value) : '';
-  return placed(row, joined(value, formulaText(row), times(row.cells)), home);
+  return placed(row, joined(value, row.formula, times(row.cells)), home);
 }
 
 function stepRows({ steps, left, leftAfter }: Way, home: string): PlaceRow[] {
@@ -38,11 +38,15 @@ function wayRow(way: Way, home: string): PlaceRow {
   };
 }
 
-/** Every way from some cells to others; the steps themselves where there is only one. */
-export async function waysRows(asked: Asked, from: Cells, to: Cells): Promise<PlaceRow[]> {
+/** Every way from some cells to others, with no sheet before cells of `home`; the steps themselves where there is only one. */
+export async function waysRows(
+  asked: Asked,
+  from: Cells,
+  to: Cells,
+  home: string,
+): Promise<PlaceRow[]> {
   const args = { from: cellsOf(from), to: cellsOf(to) };
   const { ways, more, circular } = await asked.model.ask(asked.book, 'ways', args);
-  const home = asked.cells.sheet;
   const [first] = ways;
   const rows =
     first && ways.length === 1 && !more
@@ -66,14 +70,15 @@ export function betweenGroup(asked: Asked, other: Cells | undefined): PlaceRow {
     const how = 'F stays with this cell; then select the other one in the spreadsheet.';
     return closed('Ways to another cell', '', () => [remark(how)]);
   }
+  const home = asked.cells.sheet;
   const names = [other, asked.cells].map((cells) => {
     const { sheet, address } = placeOfCells(cells);
-    return sheet === asked.cells.sheet ? address : `${sheet}!${address}`;
+    return sheet === home ? address : `${sheet}!${address}`;
   });
   const title = `Ways between it and ${names[0] ?? ''}`;
   return closed(title, 'the cell that is selected', async () => {
-    const into = await waysRows(asked, other, asked.cells);
-    const from = await waysRows(asked, asked.cells, other);
+    const into = await waysRows(asked, other, asked.cells, home);
+    const from = await waysRows(asked, asked.cells, other, home);
     const headed = (rows: PlaceRow[], [start = '', end = '']: string[]): PlaceRow[] =>
       rows.length === 0 ? [] : [group(`From ${start} to ${end}`, '', rows)];
     const all = [...headed(into, names), ...headed(from, [...names].reverse())];
