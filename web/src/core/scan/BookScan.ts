@@ -53,7 +53,7 @@ export type ScanState = {
   read: number;
   sheets: number;
   sheetsRead: number;
-  /** The sheet that is being read. */
+  /** The sheet that is being read; empty while tables are looked up, after the last one. */
   sheet: string;
   /** Whether the spreadsheet is busy, so that the scan waits. */
   waiting: boolean;
@@ -238,6 +238,7 @@ export class BookScan {
       const changed = this.state.changed.filter((name) => name !== sheet.name);
       this.change({ sheetsRead: this.known.size, changed, readAt: this.ports.time() });
     }
+    this.change({ sheet: '', read: this.state.cells });
     await this.findTables();
     this.change({ status: 'done', sheet: '', read: this.state.cells });
   }

@@ -16,6 +16,7 @@ export function coverageOf(state: ScanState, quick: boolean): string {
     parts.push(`So far ${String(sheetsRead)} of ${count(sheets, 'sheet')}.`);
   } else parts.push(sheets === 1 ? `The only sheet` : `All ${count(sheets, 'sheet')}`);
   if (sheetsRead >= sheets) parts[0] += readAt === '' ? '.' : `, as read at ${readAt}.`;
+  if (isLookingUp(state)) parts.push('Cells used through tables are not listed yet.');
   if (notRead.length > 0) parts.push(`${count(notRead.length, 'area')} could not be read.`);
   if (changed.length > 0) {
     const names = changed.map((name) => `“${name}”`).join(', ');
@@ -23,6 +24,11 @@ export function coverageOf(state: ScanState, quick: boolean): string {
   }
   if (status === 'failed') parts.push(state.reason);
   return parts.join(' ');
+}
+
+/** All was read, but where the tables are that formulas name is still to be asked. */
+function isLookingUp({ status, sheet, sheets, sheetsRead }: ScanState): boolean {
+  return status === 'reading' && sheet === '' && sheetsRead >= sheets;
 }
 
 /** The line about the scan itself; empty when there is nothing to say. */
@@ -38,6 +44,7 @@ export function progressOf(state: ScanState): string {
     case 'asking':
       return `${count(cells, 'cell')} on ${count(sheets, 'sheet')} are to be read for the other sheets.`;
     case 'reading':
+      if (isLookingUp(state)) return 'Looking up where tables are…';
       if (waiting) return `The spreadsheet is busy; reading waits at “${sheet}”.`;
       return `Reading “${sheet}”, sheet ${String(sheetsRead + 1)} of ${String(sheets)}: ${String(share)} %`;
     case 'stopped':

@@ -303,9 +303,19 @@ describe('a scan', () => {
       },
     };
     spreadsheet.places = { 'Sales[Price]': "'Data'!$A$2|2|1" };
+    spreadsheet.failures = [{ of: 'evaluate', failure: { kind: 'busy', message: '' }, times: 1 }];
     scans.of(book).begin();
     await settled();
-    expect(spreadsheet.asked.filter((one) => one.startsWith('evaluate'))).toHaveLength(1);
+    // Every sheet was read, and still the list is not whole.
+    const { state } = scans.of(book);
+    expect(progressOf(state)).toBe('Looking up where tables are…');
+    expect(coverageOf(state, false)).toBe(
+      'The only sheet, as read at 10:42. Cells used through tables are not listed yet.',
+    );
+    clock.advance(1_000);
+    await settled();
+    expect(coverageOf(scans.of(book).state, false)).toBe('The only sheet, as read at 10:42.');
+    expect(spreadsheet.asked.filter((one) => one.startsWith('evaluate'))).toHaveLength(2);
     expect(await users('Data', 'A3')).toEqual(['Data 1,3', 'Data 2,3']);
     // Those of the sheet in front are told without its name.
     spreadsheet.places = { 'Sales[Price]': '$A$2|2|1' };
