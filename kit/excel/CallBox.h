@@ -15,7 +15,7 @@ namespace quorin {
 
 class CallBox {
  public:
-  explicit CallBox(AppleEvent callEvent, bool wasAsked = false)
+  explicit CallBox(AppleEvent callEvent, bool wasAsked)
       : event(std::move(callEvent)), asked(wasAsked) {}
 
   const AppleEvent event;

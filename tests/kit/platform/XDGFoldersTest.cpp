@@ -72,6 +72,8 @@ TEST_F(XDGDesktop, IsTheConfiguredFolder) {
   fs::create_directories(folder / "shared \"desk\"");
   configure("  XDG_DESKTOP_DIR=\"" + folder.path().string() + "/shared \\\"desk\\\"\"\n");
   EXPECT_EQ(desktop(), folder / "shared \"desk\"");
+  configure("XDG_DESKTOP_DIR=\"\\" + folder.path().string() + "\"\n");  // "\/tmp/..."
+  EXPECT_EQ(desktop(), folder.path());
 }
 
 TEST_F(XDGDesktop, IsReadFromTheConfigurationFolder) {

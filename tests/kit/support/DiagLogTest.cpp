@@ -90,6 +90,12 @@ TEST_F(DiagLogTest, AppendsToWhatIsThere) {
   EXPECT_EQ(readFile(file), "earlier\n" + lineX + stamp + " A y\n");
 }
 
+TEST_F(DiagLogTest, TakesALineThatJustFits) {
+  log("x");
+  log("x", 58, 20);
+  EXPECT_EQ(readFile(file), lineX + lineX);
+}
+
 TEST_F(DiagLogTest, WritesOneLineForEachCall) {
   log("one\r\ntwo\nthree\rfour");
   EXPECT_EQ(readFile(file), stamp + " A one  two three four\n");
