@@ -177,6 +177,8 @@ class Trial:
         changed.write_text(self.change.made_in(self.source.read_text()))
         if self.source.suffix == ".applescript":
             return self.handlers(changed)
+        if self.source.suffix == ".h" and not including(self.source):
+            raise Refused("Nothing of its folder sees it.")
         if self.source.suffix == ".h":
             return {self.build.compile(each, each, self.folder / f"{each.stem}.o", self.folder):
                     self.folder / f"{each.stem}.o" for each in including(self.source)}

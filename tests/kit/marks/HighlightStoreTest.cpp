@@ -75,6 +75,7 @@ TEST(HighlightStoreChunks, CutsConsecutivePieces) {
             (Pieces{{"1", "2"}, {"3", "4"}, {"5"}}));
   EXPECT_EQ(HighlightStore::chunks({"1", "2", "3", "4"}, 2), (Pieces{{"1", "2"}, {"3", "4"}}));
   EXPECT_EQ(HighlightStore::chunks({"1"}, 40), (Pieces{{"1"}}));
+  EXPECT_EQ(HighlightStore::chunks({"1", "2"}, 1), (Pieces{{"1"}, {"2"}}));
   EXPECT_EQ(HighlightStore::chunks({}, 2), Pieces{});
 }
 

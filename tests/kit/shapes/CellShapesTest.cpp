@@ -73,6 +73,19 @@ TEST(ReadCellObject, NamesTheItems) {
                                                            {"region", "$A$1:$D$20"}}));
 }
 
+TEST(ReadCellObject, LeavesOutOnlyTheAddressThatIsMissing) {
+  Array answer = cellAnswer();
+  answer[9] = "";
+  const JSONValue withoutRegion = readCellObject(answer);
+  EXPECT_EQ(*withoutRegion.member("selection"), JSONValue("$B$7:$C$9"));
+  EXPECT_EQ(withoutRegion.member("region"), nullptr);
+  answer = cellAnswer();
+  answer[8] = "";
+  const JSONValue withoutSelection = readCellObject(answer);
+  EXPECT_EQ(*withoutSelection.member("region"), JSONValue("$A$1:$D$20"));
+  EXPECT_EQ(withoutSelection.member("selection"), nullptr);
+}
+
 TEST(ReadCellObject, HasNoFormulaForAConstant) {
   Array answer = cellAnswer();
   answer[5] = 5;

@@ -94,6 +94,7 @@ TEST_F(DiagLogTest, TakesALineThatJustFits) {
   log("x");
   log("x", 58, 20);
   EXPECT_EQ(readFile(file), lineX + lineX);
+  EXPECT_EQ(files.steps().back(), "close") << "it was put behind the other";
 }
 
 TEST_F(DiagLogTest, WritesOneLineForEachCall) {

@@ -208,8 +208,12 @@ TEST_F(ProblemReportTest, IsTheUsersAloneWhateverTheUmask) {
 TEST_F(ProblemReportTest, RemovesNoFolderThatItDidNotMake) {
   FakeArchiver archiver;
   const fs::path kept = write("Quorin-1.zip/kept", "kept");
-  EXPECT_THROW(ProblemReport::zip(folder / "staged", folder / "Quorin-1.zip", archiver),
-               ProblemReportError);
+  try {
+    ProblemReport::zip(folder / "staged", folder / "Quorin-1.zip", archiver);
+    FAIL() << "it failed";
+  } catch (const ProblemReportError& error) {
+    EXPECT_STREQ(error.what(), "there is a folder in the place of Quorin-1.zip");
+  }
   EXPECT_EQ(contents(kept), "kept");
 }
 
