@@ -30,6 +30,7 @@ class Case:
     ask: tuple = ()  # expressions, beside the formulas of the cells and their parts
     ranges: tuple = ()  # addresses to be read and marked
     loads: bool | None = True  # whether the office opens it; None: it may or may not
+    calc_fetches: tuple = ()  # what of the server Calc asks itself for, to show the file
 
 
 def case(file, *, guard, name=None, **rest):

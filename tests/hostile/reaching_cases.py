@@ -247,13 +247,15 @@ def framed(path, *contents):
         rows=[["=1+1"]], before=f"<table:shapes>{frames}</table:shapes>")).save_flat(path)
 
 
-@case("linked-pictures.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",))
+@case("linked-pictures.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",),
+      calc_fetches=("picture.png",))
 def pictures_elsewhere(path, place):
     framed(path, f'<draw:image xlink:href="{place.url("picture.png")}"/>',
            f'<draw:image xlink:href="{place.file("secret.txt")}"/>')
 
 
-@case("linked-objects.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",))
+@case("linked-objects.fods", guard=LOADING, cells=("A1",), ranges=("A1:C9",),
+      calc_fetches=("object.ods", "frame.html", "film.mp4"))
 def objects_elsewhere(path, place):
     framed(path, f'<draw:object xlink:href="{place.url("object.ods")}"/>',
            f'<draw:floating-frame xlink:href="{place.url("frame.html")}"/>',
