@@ -31,6 +31,10 @@ struct Expected {
   int valuesInSample, values;
   // LibreOffice does not know functions that the workbook is full of: its values are its own.
   bool comparesValues = true;
+  // Of the values: sums that are nothing but what rounding left, and 0 to Calc once it calculates
+  // them. How many it does at loading differs between its versions (newer ones do SUBTOTAL), so at
+  // most all that the file has.
+  int remainders = 0;
 };
 
 constexpr Expected expectations[] = {
@@ -46,7 +50,7 @@ constexpr Expected expectations[] = {
     {"nonascii-sheets-hidden.xlsx", 0, 0, 0, 0},
     {"structured-refs-lookups.xlsx", 0, 0, 0, 0},
     {"times-nz-industry.xlsx", 0, 0, 0, 0},
-    {"uk-2050-energy-model.xlsx", 0, 0, 1, 3},
+    {"uk-2050-energy-model.xlsx", 0, 0, 0, 0, true, 17},
     {"wazobia-valuation-model.xlsx", 0, 0, 128, 128},
 };
 
@@ -109,6 +113,13 @@ bool equalNumbers(double a, double b) {
   return a == b || std::abs(a - b) <= 1e-9 * std::max(std::abs(a), std::abs(b));
 }
 
+// A stored number that is less than the last digit of what was added up, where 0 is read.
+bool isRemainder(const StoredCell& stored, const JSONValue& read) {
+  const auto* number = std::get_if<double>(&stored.value);
+  return number && !stored.formula.empty() && *number != 0 && std::abs(*number) < 1e-12 &&
+         read == JSONValue(0);
+}
+
 // Errors reach the page as their texts, blank cells as "" or null.
 bool equalValues(const CellValue& stored, const JSONValue& read) {
   if (const auto* number = std::get_if<double>(&stored))
@@ -144,6 +155,7 @@ class Comparison {
 
   Figure formulas{"formula"};
   Figure values{"value"};
+  int remainders = 0;
 
  private:
   // The rows that hold cells, in areas of at most 1000 cells.
@@ -208,6 +220,10 @@ class Comparison {
     }
     eachCell(sheet, area, [&](const StoredCell& cell, int row, int column) {
       const JSONValue& told = at(*read.payload.member("values"), area, row, column);
+      if (isRemainder(cell, told)) {
+        ++remainders;
+        return;
+      }
       values.add(equalValues(cell.value, told), placeOf(sheet, row, column), shown(cell.value),
                  shown(told));
     });
@@ -259,12 +275,13 @@ TEST(StoredCells, AreWhatTheVerbsRead) {
     Comparison comparison(road, folder / expected.file, expected.comparesValues);
     road.open(folder / expected.file);
     comparison.run();
-    std::printf("%-44s formulas %d of %d differ, values %d of %d\n", expected.file,
+    std::printf("%-44s formulas %d of %d differ, values %d of %d, remainders %d\n", expected.file,
                 comparison.formulas.differences, comparison.formulas.cells,
-                comparison.values.differences, comparison.values.cells);
+                comparison.values.differences, comparison.values.cells, comparison.remainders);
     EXPECT_LE(comparison.formulas.differences,
               whole ? expected.formulas : expected.formulasInSample);
     EXPECT_LE(comparison.values.differences, whole ? expected.values : expected.valuesInSample);
+    EXPECT_LE(comparison.remainders, expected.remainders);
     formulas.add(comparison.formulas);
     values.add(comparison.values);
   }
