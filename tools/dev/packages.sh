@@ -10,20 +10,17 @@ packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fo
                   fonts-liberation)
 # The compiler, linker and headers with which the macOS half is checked on another system.
 packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
+# No package of Ubuntu's, which has it as a snap only.
 packages_browser=(chromium)
 packages_test=(libgtest-dev libgmock-dev openssl clang-format clang-tidy procps
                "${packages_display[@]}")
-# clang's libFuzzer, of the version that the system's clang is of.
-packages_fuzz=(clang "libclang-rt-$(apt-cache depends clang 2>/dev/null |
-  sed -n 's/.*Depends: clang-\([0-9]*\)$/\1/p' | head -n 1 | grep . || echo 14)-dev" llvm)
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.
 install_packages() {
   local missing=() package
   for package in "$@"; do
-    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
-      missing+=("$package")
+    is_installed "$package" || missing+=("$package")
   done
   if [ ${#missing[@]} -eq 0 ]; then return 0; fi
   if ! command -v apt-get >/dev/null; then
@@ -31,7 +28,7 @@ install_packages() {
     return 1
   fi
   echo "Installing ${missing[*]}"
-  as_root apt-get update -qq && apt_install "${missing[@]}"
+  refresh_lists && apt_install "${missing[@]}"
 }
 
 # install_where_there WHAT package...: installs the packages where this system has all of them; else
@@ -40,13 +37,35 @@ install_where_there() {
   local what=$1 package
   shift
   for package in "$@"; do
-    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' &&
-      [ -z "$(apt-cache madison "$package" 2>/dev/null)" ]; then
+    if ! is_installed "$package" && ! is_offered "$package"; then
       echo "This system has no package $package: $what is left out, all else works without it."
       return 0
     fi
   done
   install_packages "$@"
+}
+
+# clang with libFuzzer, which comes in a package of each version's own.
+install_fuzz_packages() {
+  install_packages clang llvm
+  install_packages "libclang-rt-$(clang -dumpversion | cut -d. -f1)-dev"
+}
+
+is_installed() {
+  dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'ok installed'
+}
+
+# Whether the package can be had. A machine that is new may have no lists of packages yet, or old
+# ones.
+is_offered() {
+  [ -n "$(apt-cache madison "$1" 2>/dev/null)" ] ||
+    { command -v apt-get >/dev/null && refresh_lists && [ -n "$(apt-cache madison "$1")" ]; }
+}
+
+# Once is enough.
+refresh_lists() {
+  if [ -n "${lists_are_fresh:-}" ]; then return 0; fi
+  as_root apt-get update -qq && lists_are_fresh=yes
 }
 
 # Installs packages by their names, or by the paths of package files.
