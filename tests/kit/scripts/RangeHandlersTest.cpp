@@ -138,6 +138,13 @@ TEST_F(RangeHandlers, BindsAddressesOfOtherSheets) {
   EXPECT_EQ(run("qx_readrange", {"Prices"}), R"j([[[1.5],[2]],2,1,[["1.5"],["2"]],2])j");
 }
 
+// In brackets, and there alone, a quote escapes what follows it.
+TEST_F(RangeHandlers, TakesNoMarkInBracketsForTheEndOfASheet) {
+  EXPECT_THAT(run("qx_readrange", {"T[a']!b]"}),
+              testing::Not(testing::HasSubstr("sheet not found")));
+  EXPECT_EQ(run("qx_readrange", {"O'!A1"}), "error -1728 sheet not found: O'");
+}
+
 TEST_F(RangeHandlers, AsksForNoSheetThatTheWorkbookLacks) {
   memory_->script.clear();
   EXPECT_EQ(run("qx_readrange", {"Nowhere!A1"}), "error -1728 sheet not found: Nowhere");
