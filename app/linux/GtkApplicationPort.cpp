@@ -1,25 +1,15 @@
 #include "app/linux/GtkApplicationPort.h"
 
-#include <csignal>
 #include <glib-unix.h>
 #include <gtk/gtk.h>
 
+#include "app/shell/EndingSignals.h"
+
 namespace quorin {
 
-namespace {
-
-// Whoever started the program may want it to outlive the terminal, as nohup does.
-bool isIgnored(int signal) {
-  struct sigaction current {};
-  return sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
-}
-
-}  // namespace
-
 GtkApplicationPort::GtkApplicationPort() {
-  interrupt_.reset(g_unix_signal_add(SIGINT, signalled, this));
-  termination_.reset(g_unix_signal_add(SIGTERM, signalled, this));
-  if (!isIgnored(SIGHUP)) hangup_.reset(g_unix_signal_add(SIGHUP, signalled, this));
+  for (const int number : endingSignals())
+    signals_.emplace_back(g_unix_signal_add(number, signalled, this));
 }
 
 void GtkApplicationPort::run() {

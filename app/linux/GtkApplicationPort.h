@@ -1,6 +1,8 @@
-// GtkApplicationPort: the application port over GTK's main loop. Interrupt, termination and
-// hang-up signals end the application like the user does.
+// GtkApplicationPort: the application port over GTK's main loop. Signals that ask the process to
+// end (EndingSignals) end the application like the user does.
 #pragma once
+
+#include <list>
 
 #include "app/linux/GLibHandles.h"
 #include "app/shell/ports/Application.h"
@@ -24,7 +26,7 @@ class GtkApplicationPort : public Application {
 
   ApplicationDelegate* delegate_ = nullptr;
   bool terminating_ = false;
-  GSourceHandle interrupt_, termination_, hangup_;
+  std::list<GSourceHandle> signals_;
 };
 
 }  // namespace quorin

@@ -1,7 +1,9 @@
-// MacApplication: the process as an accessory application, through NSApplication. Main thread only.
+// MacApplication: the process as an accessory application, through NSApplication. Signals that ask
+// the process to end (EndingSignals) end the application like the user does. Main thread only.
 #pragma once
 
 #import <AppKit/AppKit.h>
+#include <vector>
 
 #include "app/shell/ports/Application.h"
 
@@ -25,8 +27,11 @@ class MacApplication : public Application {
   void activate() override;
 
  private:
+  dispatch_source_t endAt(int signal);
+
   NSApplication* application_;
   QXApplicationDelegate* delegate_;  // NSApplication does not keep its delegate
+  std::vector<dispatch_source_t> signals_;
 };
 
 }  // namespace quorin

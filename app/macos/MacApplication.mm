@@ -1,6 +1,10 @@
 #import "app/macos/MacApplication.h"
 
+#include <csignal>
+#import <dispatch/dispatch.h>
+
 #include "app/macos/Edge.h"
+#include "app/shell/EndingSignals.h"
 
 @interface QXApplicationDelegate : NSObject <NSApplicationDelegate>
 @property(nonatomic, assign, nullable) quorin::ApplicationDelegate* receiver;
@@ -23,14 +27,43 @@
 @end
 
 namespace quorin {
+namespace {
+
+// A handler that does nothing, because the programs that we start would inherit that a signal is
+// ignored.
+void keepFromEnding(int signal) {
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_RESTART;
+  ::sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
 
 MacApplication::MacApplication()
     : application_(NSApplication.sharedApplication),
-      delegate_([[QXApplicationDelegate alloc] init]) {}
+      delegate_([[QXApplicationDelegate alloc] init]) {
+  for (const int signal : endingSignals()) signals_.push_back(endAt(signal));
+}
 
 MacApplication::~MacApplication() {
+  for (dispatch_source_t source : signals_) dispatch_source_cancel(source);
   application_.delegate = nil;
   delegate_.receiver = nullptr;
+}
+
+// The signal keeps its own effect until the source would tell of it, so none is lost.
+dispatch_source_t MacApplication::endAt(int signal) {
+  dispatch_source_t source = dispatch_source_create(
+      DISPATCH_SOURCE_TYPE_SIGNAL, static_cast<uintptr_t>(signal), 0, dispatch_get_main_queue());
+  dispatch_source_set_registration_handler(source, ^{
+    keepFromEnding(signal);
+  });
+  dispatch_source_set_event_handler(source, ^{
+    atEdge("signal", [this] { terminate(); });
+  });
+  dispatch_activate(source);
+  return source;
 }
 
 void MacApplication::setAccessory() {
@@ -47,8 +80,11 @@ void MacApplication::run() {
 }
 
 void MacApplication::terminate() {
-  // After the current event: terminate: does not return.
-  [application_ performSelector:@selector(terminate:) withObject:nil afterDelay:0];
+  // After the current event, because terminate: does not return; while an alert is open too.
+  [application_ performSelector:@selector(terminate:)
+                     withObject:nil
+                     afterDelay:0
+                        inModes:@[ NSRunLoopCommonModes ]];
 }
 
 void MacApplication::activate() {

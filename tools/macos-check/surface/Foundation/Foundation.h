@@ -102,6 +102,10 @@ typedef NS_OPTIONS(NSUInteger, NSAppleEventSendOptions) {
 - (void)performSelector:(nullable SEL)aSelector
              withObject:(nullable id)anArgument
              afterDelay:(NSTimeInterval)delay;
+- (void)performSelector:(SEL)aSelector
+             withObject:(nullable id)anArgument
+             afterDelay:(NSTimeInterval)delay
+                inModes:(NSArray<NSRunLoopMode>*)modes;
 + (void)cancelPreviousPerformRequestsWithTarget:(id)aTarget;
 - (void)setValue:(nullable id)value forKey:(NSString*)key;
 - (nullable id)valueForKey:(nullable NSString*)key;
