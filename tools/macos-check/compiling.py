@@ -67,7 +67,7 @@ class Compiler:
                     for flag in self.language(source, target)]
         dependencies = output.with_suffix(".d")
         return Job(f"prefix.h ({name}, {target})",
-                   [*language, "-MD", "-MF", dependencies, "-o", output, header], [header],
+                   [*language, "-fpch-instantiate-templates", "-MD", "-MF", dependencies, "-o", output, header], [header],
                    dependencies, output)
 
     def place(self, kind, source, target, suffix):
@@ -95,9 +95,12 @@ class Compiler:
             else source.name
         return Job(f"{name} ({kind}, {target})", command, inputs, dependencies, output)
 
-    def compile(self, source, target, ahead=False):
-        """To an object file, from nothing but what the source itself includes, or with what is
-        compiled ahead."""
+    def compile(self, source, target, ahead=None):
+        """To an object file, with what is compiled ahead, or from nothing but what the source itself
+        includes. Adapters are compiled so, because no other build reads the system's headers for
+        them; tests/lint/std_includes.py and releases look at what portable code includes."""
+        if ahead is None:
+            ahead = source.suffix not in OBJECTIVE
         return self.job("object", source, target, ["-c"], ".o", prefix=ahead)
 
     def check_syntax(self, source, target):

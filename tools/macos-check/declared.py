@@ -23,12 +23,18 @@ ASKED_OF_ANYTHING = {"isKindOfClass:", "respondsToSelector:", "conformsToProtoco
 
 
 def jobs(compiler, source):
-    """One dump for the classes, one for the functions."""
-    made = compiler.check_syntax(source, "arm64")
-    return [Job(made.label.replace("syntax", f"dump of {name}"),
-                [*made.command[:-1], "-Xclang", "-ast-dump=json", "-Xclang",
-                 f"-ast-dump-filter={name}", made.command[-1]], made.inputs, made.dependencies)
-            for name in (PREFIX, NAMESPACE)]
+    """One dump for the classes, one for the functions. Both say the same for either processor; the
+    classes' is made for the one that no object is made for, and so checks the types for it."""
+    return [dump(compiler.check_syntax(source, "x86_64"), PREFIX),
+            dump(compiler.check_syntax(source, "arm64"), NAMESPACE)]
+
+
+def dump(checked, name):
+    """The job that checks a source's syntax, with an account of what the name stands in."""
+    return Job(checked.label.replace("syntax", f"dump of {name}"),
+               [*checked.command[:-1], "-Xclang", "-ast-dump=json", "-Xclang",
+                f"-ast-dump-filter={name}", checked.command[-1]],
+               checked.inputs, checked.dependencies)
 
 
 def documents(text):

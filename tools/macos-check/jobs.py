@@ -62,7 +62,9 @@ class Runner:
         self.executed += 1
         done = subprocess.run([str(part) for part in job.command],
                               capture_output=True, text=True, check=False)
-        text = done.stdout + done.stderr
+        # What failed says so first; before an account of the source it would not be found.
+        said = [done.stdout, done.stderr]
+        text = "".join(said if done.returncode == 0 else reversed(said))
         read = set(map(str, job.inputs)) | set(listed_dependencies(job.dependencies))
         record.write_text(json.dumps({
             "files": {path: self.digest(path) for path in sorted(read)},

@@ -10,7 +10,7 @@ import rules
 import sentmessages
 import stubs
 import surface_index
-from compiling import Compiler, targets_of
+from compiling import Compiler
 from jobs import Runner
 from toolchain import Toolchain
 
@@ -79,12 +79,21 @@ class Session:
         return [f"{result.job.label}\n{result.text}" for result in results if not result.ok]
 
 
-def compile_step(session):
+def portable_step(session):
+    return session.run_jobs([session.compiler.compile(source, "arm64")
+                             for source in session.portable])
+
+
+def adapters_step(session):
+    """To objects for one processor; what the methods step reads checks the types for the other."""
     compiler = session.compiler
-    sources = session.portable + session.adapters
-    return session.run_jobs([compiler.compile(source, "arm64") for source in sources] +
-                            [compiler.check_syntax(source, target) for source in sources
-                             for target in targets_of(source) if target != "arm64"])
+    return session.run_jobs([compiler.compile(source, "arm64") for source in session.adapters] +
+                            [job for source in session.adapters
+                             for job in declared.jobs(compiler, source)])
+
+
+def compile_step(session):
+    return portable_step(session) or adapters_step(session)
 
 
 def link_step(session):
@@ -151,11 +160,14 @@ def bundle_step(session):
     return bundle.findings(session.project, session.project / ADAPTERS)
 
 
-STEPS = (("rules", rules_step), ("bundle", bundle_step), ("types", compile_step),
-         ("methods", declared_step), ("link", link_step), ("tests", tests_step), ("analysis", analysis_step))
+NEEDED = ("portable", "adapters")  # the steps after them need their objects
+STEPS = (("rules", rules_step), ("bundle", bundle_step), ("portable", portable_step),
+         ("adapters", adapters_step), ("methods", declared_step), ("link", link_step),
+         ("tests", tests_step), ("analysis", analysis_step))
 
 
-def run(session):
+def run(session, only=None):
+    """All steps, or the one of this name."""
     sources = len(session.portable), len(session.adapters)
     print(f"{sources[0]} portable sources, {sources[1]} adapters, "
           f"{len(session.index.methods)} classes and protocols declared")
@@ -164,6 +176,8 @@ def run(session):
         return 1
     status = 0
     for name, step in STEPS:
+        if only not in (None, name):
+            continue
         start, before = time.monotonic(), session.runner.executed
         found = step(session)
         print(f"{name}: {'ok' if not found else 'FAILED'} ({time.monotonic() - start:.1f} s, "
@@ -173,8 +187,8 @@ def run(session):
             print("  " + shown.replace("\n", "\n  "))
         if found:
             status = 1
-        if found and name == "types":
-            break  # the steps after it need the objects
+        if found and name in NEEDED:
+            break
     return status
 
 
