@@ -67,7 +67,9 @@ class Compiler:
                     for flag in self.language(source, target)]
         dependencies = output.with_suffix(".d")
         return Job(f"prefix.h ({name}, {target})",
-                   [*language, "-fpch-instantiate-templates", "-MD", "-MF", dependencies, "-o", output, header], [header],
+                   # By its time a header that is checked out anew would count as another one.
+                   [*language, "-fpch-instantiate-templates", "-Xclang", "-fno-pch-timestamp",
+                    "-MD", "-MF", dependencies, "-o", output, header], [header],
                    dependencies, output)
 
     def place(self, kind, source, target, suffix):
