@@ -12,9 +12,13 @@ namespace {
 // The size alone limits how many addresses a file may hold.
 constexpr JSONLimits limits{.bytes = JSONLimits{}.bytes, .values = JSONLimits{}.bytes};
 
-const JSONValue& requiredMember(const JSONValue& record, const std::string& key) {
-  const JSONValue* member = record.member(key);
-  if (!member) throw RecordError("a record lacks \"" + key + "\"");
+std::string quoted(std::string_view key) {
+  return "\"" + std::string(key) + "\"";
+}
+
+const JSONValue& requiredMember(const JSONValue& record, std::string_view key) {
+  const JSONValue* member = record.member(std::string(key));
+  if (!member) throw RecordError("a record lacks " + quoted(key));
   return *member;
 }
 
@@ -68,31 +72,31 @@ void RecordFile::clear() const {
   }
 }
 
-const JSONValue::Array& arrayOf(const JSONValue& value, const std::string& what) {
-  if (!value.array()) throw RecordError(what + " is not an array");
+const JSONValue::Array& arrayOf(const JSONValue& value, std::string_view what) {
+  if (!value.array()) throw RecordError(std::string(what) + " is not an array");
   return *value.array();
 }
 
-const JSONValue::Array& arrayMember(const JSONValue& record, const std::string& key) {
-  return arrayOf(requiredMember(record, key), "\"" + key + "\"");
+const JSONValue::Array& arrayMember(const JSONValue& record, std::string_view key) {
+  return arrayOf(requiredMember(record, key), quoted(key));
 }
 
-const std::string& textMember(const JSONValue& record, const std::string& key) {
+const std::string& textMember(const JSONValue& record, std::string_view key) {
   const JSONValue& member = requiredMember(record, key);
-  if (!member.string()) throw RecordError("\"" + key + "\" is not text");
+  if (!member.string()) throw RecordError(quoted(key) + " is not text");
   return *member.string();
 }
 
-std::int64_t integerOf(const JSONValue& value, const std::string& what) {
+std::int64_t integerOf(const JSONValue& value, std::string_view what) {
   const double* number = value.number();
   if (!number || std::trunc(*number) != *number || !(std::abs(*number) < 0x1p63)) {
-    throw RecordError(what + " is not an integer");
+    throw RecordError(std::string(what) + " is not an integer");
   }
   return static_cast<std::int64_t>(*number);
 }
 
-const JSONValue* optionalMember(const JSONValue& record, const std::string& key) {
-  const JSONValue* member = record.member(key);
+const JSONValue* optionalMember(const JSONValue& record, std::string_view key) {
+  const JSONValue* member = record.member(std::string(key));
   return member && !member->isNull() ? member : nullptr;
 }
 

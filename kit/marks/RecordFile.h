@@ -7,6 +7,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "kit/support/AtomicFile.h"
 #include "kit/support/DiagLog.h"
@@ -58,11 +59,11 @@ class RecordFile {
 
 // Parts of a record, for decoding. Each throws RecordError naming the key when it is missing or of
 // another type.
-const JSONValue::Array& arrayOf(const JSONValue& value, const std::string& what);
-const JSONValue::Array& arrayMember(const JSONValue& record, const std::string& key);
-const std::string& textMember(const JSONValue& record, const std::string& key);
-std::int64_t integerOf(const JSONValue& value, const std::string& what);
+const JSONValue::Array& arrayOf(const JSONValue& value, std::string_view what);
+const JSONValue::Array& arrayMember(const JSONValue& record, std::string_view key);
+const std::string& textMember(const JSONValue& record, std::string_view key);
+std::int64_t integerOf(const JSONValue& value, std::string_view what);
 // None when the key is missing or null.
-const JSONValue* optionalMember(const JSONValue& record, const std::string& key);
+const JSONValue* optionalMember(const JSONValue& record, std::string_view key);
 
 }  // namespace quorin

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <string_view>
 
 #include "host/calc/OfficeFiles.h"
 #include "kit/support/FolderLock.h"
@@ -76,9 +77,9 @@ class Quorinctl : public testing::Test {
     return answer;
   }
 
-  static const JSONValue& member(const JSONValue& value, const std::string& key) {
+  static const JSONValue& member(const JSONValue& value, std::string_view key) {
     static const JSONValue missing("(no such member)");
-    const JSONValue* const found = value.member(key);
+    const JSONValue* const found = value.member(std::string(key));
     return found ? *found : missing;
   }
 
