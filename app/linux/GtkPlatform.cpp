@@ -5,9 +5,11 @@
 #include <system_error>
 
 #include "app/linux/GtkPanelWindow.h"
-#include "app/linux/GtkStatusItem.h"
 #include "app/linux/LinuxVersions.h"
 #include "kit/platform/XDGFolders.h"
+#ifdef QUORIN_STATUS_ITEM
+#include "app/linux/GtkStatusItem.h"
+#endif
 
 namespace quorin {
 
@@ -46,6 +48,7 @@ SystemVersions GtkPlatform::systemVersions() const {
   return linuxVersions(environment_, "/etc/os-release");
 }
 
+#ifdef QUORIN_STATUS_ITEM
 // All programs share the icon theme: the image goes by the program's name there. A program that is
 // not installed has its icons in a folder of its own.
 std::unique_ptr<StatusItem> GtkPlatform::makeStatusItem(const std::string&) {
@@ -55,6 +58,11 @@ std::unique_ptr<StatusItem> GtkPlatform::makeStatusItem(const std::string&) {
   const bool own = std::filesystem::is_directory(folder, ignored);
   return std::make_unique<GtkStatusItem>("quorin-symbolic", own ? folder : std::filesystem::path());
 }
+#else
+std::unique_ptr<StatusItem> GtkPlatform::makeStatusItem(const std::string&) {
+  return nullptr;  // built without the library
+}
+#endif
 
 std::unique_ptr<PanelWindow> GtkPlatform::makePanelWindow(const PanelWindowOptions& options) {
   auto window = std::make_unique<GtkPanelWindow>(options, session_, defaults_);

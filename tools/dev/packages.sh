@@ -3,8 +3,10 @@
 
 packages_build=(g++ cmake ninja-build ccache python3 dpkg-dev file
                 rapidjson-dev libutf8proc-dev libcli11-dev libgtk-3-dev libwebkit2gtk-4.1-dev
-                libpugixml-dev libsodium-dev libayatana-appindicator3-dev libzip-dev
+                libpugixml-dev libsodium-dev libzip-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3 librsvg2-common)
+# Its makers name a successor, whose menus are of another kind: newer systems may lack it.
+packages_indicator=(libayatana-appindicator3-dev)
 # A display of our own, and what looks at it.
 packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
                   fonts-liberation)

@@ -16,12 +16,15 @@ class Chooser : public StatusItemDelegate {
 
 class StatusItemContract : public PortContract {
  protected:
+  void SetUp() override {
+    if (!item) GTEST_SKIP() << "built without a status item";
+  }
+
   Chooser chooser;
   const std::unique_ptr<StatusItem> item = platform().makeStatusItem("MenuBarIcon");
 };
 
 TEST_F(StatusItemContract, TakesNoChangeOfItsMenuForAChoice) {
-  ASSERT_TRUE(item);
   item->setDelegate(&chooser);
   item->setMenu({{"Open Auditor"}, {""}, {"Start at Login", true, false, true}});
   for (const bool checked : {true, false, true}) {
@@ -33,7 +36,6 @@ TEST_F(StatusItemContract, TakesNoChangeOfItsMenuForAChoice) {
 }
 
 TEST_F(StatusItemContract, LeavesItemsAloneThatItDoesNotHave) {
-  ASSERT_TRUE(item);
   item->setItem(0, {"before there is a menu"});
   item->setMenu({{"One"}, {"Two"}, {"Three"}});
   item->setMenu({{"One"}});
