@@ -26,8 +26,23 @@ std::optional<RangeRef> bindNameOf(Session& session, const std::string& bookName
   return session.spreadsheet.named({*book, {}}, std::string(name));
 }
 
+// The two ends with what stands before the second left out, as in "A1:Data!B2", where that is the
+// sheet of the first as well; otherwise as it stands.
+std::string withoutSecondSheet(Session& session, const SheetRef& sheet, std::string_view text) {
+  const auto colon = text.find(':');
+  if (colon == std::string_view::npos || !parseA1Corner(text.substr(0, colon))) {
+    return std::string(text);
+  }
+  const auto second = splitSheetPrefix(text.substr(colon + 1));
+  if (!second || !second->sheet) return std::string(text);
+  const auto book = second->book ? findWorkbook(session, *second->book) : sheet.book;
+  if (!book || findWorksheet(session, *book, *second->sheet) != sheet) return std::string(text);
+  return std::string(text.substr(0, colon + 1)).append(second->rest);
+}
+
 std::optional<RangeRef> bindPart(Session& session, const SheetRef& base, std::string_view text) {
-  const auto parts = splitSheetPrefix(text);
+  const std::string onBase = withoutSecondSheet(session, base, text);
+  const auto parts = splitSheetPrefix(onBase);
   if (!parts) return std::nullopt;
   SheetRef sheet = base;
   if (parts->sheet) {
@@ -36,9 +51,10 @@ std::optional<RangeRef> bindPart(Session& session, const SheetRef& base, std::st
     if (!found) return parts->book ? std::nullopt : bindNameOf(session, *parts->sheet, parts->rest);
     sheet = std::move(*found);
   }
-  if (const auto area = parseA1Area(parts->rest)) return RangeRef{std::move(sheet), {*area}};
-  if (parts->rest.empty()) return std::nullopt;
-  return session.spreadsheet.named(sheet, std::string(parts->rest));
+  const std::string rest = withoutSecondSheet(session, sheet, parts->rest);
+  if (const auto area = parseA1Area(rest)) return RangeRef{std::move(sheet), {*area}};
+  if (rest.empty()) return std::nullopt;
+  return session.spreadsheet.named(sheet, rest);
 }
 
 }  // namespace

@@ -235,7 +235,8 @@ on qx_bindrange(addr)
 	tell application "Microsoft Excel"
 		with timeout of 3 seconds
 			if sheetPart is "" then return range (bare)
-			if bookPart is "" then
+			set ownBook to (bookPart is "")
+			if ownBook then
 				set bookPart to name of active workbook
 			else
 				set bookNames to name of every workbook
@@ -244,11 +245,20 @@ on qx_bindrange(addr)
 			end if
 			set sheetNames to name of every worksheet of workbook bookPart
 			if class of sheetNames is not list then set sheetNames to {sheetNames}
-			if sheetNames does not contain sheetPart then error ("sheet not found: " & sheetPart) number -1728
+			if sheetNames does not contain sheetPart then
+				-- "Book.xlsx!Name" is how Excel itself spells another workbook's name.
+				if ownBook then
+					set bookNames to name of every workbook
+					if class of bookNames is not list then set bookNames to {bookNames}
+					if bookNames contains sheetPart then return range (addr)
+				end if
+				error ("sheet not found: " & sheetPart) number -1728
+			end if
 			try
 				return range (bare) of worksheet sheetPart of workbook bookPart
 			on error msg number n
-				-- A name of that sheet's may lead to another sheet, where the first does not take it.
+				-- A name of that sheet's may lead to another sheet, where the first does not take it, and
+				-- the second of two ends may name the sheet again.
 				if n is not -1728 then error msg number n
 				return range (addr)
 			end try

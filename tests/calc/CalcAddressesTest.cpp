@@ -95,6 +95,44 @@ TEST_F(CalcAddresses, TakeNamesInAnyCaseOfTheirLetters) {
             R"({"ok":true,"value":14})");
 }
 
+// As Excel itself writes them.
+TEST_F(CalcAddresses, MayNameTheSheetTwiceAndTheWorkbookAlone) {
+  const std::vector<std::string> spelled{"Data!A2:Data!B3", "'Data'!B3:data!$A$2",
+                                         "[Sales.fods]Data!A2:[Sales.fods]Data!B3"};
+  for (const std::string& address : spelled) {
+    EXPECT_EQ(ask("readRange", {address}), grid(2, 2, R"([["Nut",20],["Bolt",30]])")) << address;
+    EXPECT_THAT(ask("readFormulas", {address, "a1", false}), HasSubstr(R"("rows":2)")) << address;
+    EXPECT_EQ(ask("select", {Array{address}}), R"({"areas":1})") << address;
+    EXPECT_EQ(ask("activate", {address}), "true") << address;
+    EXPECT_EQ(ask("dependents", {address}), R"("$C$3")") << address;
+    EXPECT_EQ(evaluate("SUM(" + address + ")"), R"({"ok":true,"value":50})") << address;
+  }
+  EXPECT_EQ(deep({"SUM([Sales.fods]Data!A2:[Sales.fods]Data!B3)"}), R"({"ok":true,"value":50})");
+  EXPECT_EQ(ask("readRange", {"Edges.xlsx!Rate"}), grid(1, 1, "[[12.5]]"));
+  EXPECT_EQ(ask("readRange", {"Sales.fods!Säle[Tax, all!]"}), grid(2, 1, "[[2],[3]]"));
+  EXPECT_EQ(ask("select", {Array{"Sales.fods!Größe"}}), R"({"areas":1})");
+  for (const char* nothing : {"Data!A1:'Übrige Blätter'!A1", "Data!A1:Nowhere!A1", "Gone.xlsx!Rate",
+                              "Sales.fods!A1", "Sales.fods!Nothing"}) {
+    EXPECT_THAT(ask("readRange", {nothing}), StartsWith("failed")) << nothing;
+  }
+}
+
+// A NUL ends nothing: what stands before it is not taken for the address.
+TEST_F(CalcAddresses, AreTakenWholeWithAllThatIsInThem) {
+  const std::string nul(1, '\0');
+  for (const std::string& address : {"A1" + nul, "A1" + nul + "junk", nul + "A1", "Data!A1" + nul,
+                                     "Data" + nul + "!A1", "Größe" + nul, nul}) {
+    EXPECT_THAT(ask("readRange", {address}), StartsWith("failed"));
+    EXPECT_THAT(ask("readFormulas", {address, "a1", false}), StartsWith("failed"));
+    EXPECT_THAT(ask("select", {Array{address}}), StartsWith("failed"));
+    EXPECT_THAT(ask("activate", {address}), StartsWith("failed"));
+    EXPECT_THAT(ask("dependents", {address}), StartsWith("failed"));
+    EXPECT_THAT(ask("reveal", {Array{address}, 0}), HasSubstr("unbound"));
+    EXPECT_THAT(evaluate(address + "+1"), Not(HasSubstr(R"("ok":true)")));
+    EXPECT_THAT(deep({address}), Not(HasSubstr(R"("value":"Item")")));
+  }
+}
+
 TEST_F(CalcAddresses, NameWhatBelongsToAnotherWorkbook) {
   const std::string thirty = R"({"ok":true,"value":30})", twenty = R"({"ok":true,"value":20})";
   EXPECT_EQ(deep({"[Sales.fods]gRÖßE"}), thirty);

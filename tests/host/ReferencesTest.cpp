@@ -144,6 +144,11 @@ INSTANTIATE_TEST_SUITE_P(
         Binding{"A1", "Data", "$A$1"}, Binding{"c5:d9,G9:H16", "Data", "$C$5:$D$9,$G$9:$H$16"},
         Binding{"5:5", "Data", "$5:$5"}, Binding{"Data!A1", "Data", "$A$1"},
         Binding{"data!$B$2:$B$3", "Data", "$B$2:$B$3"},
+        Binding{"Data!A1:Data!B2", "Data", "$A$1:$B$2"}, Binding{"A1:data!B2", "Data", "$A$1:$B$2"},
+        Binding{"'It''s a test'!B9:'it''s a test'!$A$1,'It''s a test'!C3", "It's a test",
+                "$A$1:$B$9,$C$3"},
+        Binding{"[Known.xlsx]Data!A:[Known.xlsx]Data!C", "Data", "$A:$C"},
+        Binding{"Known.xlsx!Prices", "Data", "$B$2:$B$3"},
         Binding{"'It''s a test'!A1", "It's a test", "$A$1"},
         Binding{"'it''s a test'!A1,'It''s a test'!C3", "It's a test", "$A$1,$C$3"},
         Binding{"[Known.xlsx]Data!A1", "Data", "$A$1"},
@@ -166,7 +171,10 @@ INSTANTIATE_TEST_SUITE_P(Table, UnboundText,
                          ::testing::Values("", "junk", "A1:", "A1,", ",A1", "A", "R1C1", "A1048577",
                                            "XFE1", "Nowhere!A1", "'Nowhere'!A1",
                                            "[Other.xlsx]Data!A1", "'Data!A1", "Data!", "Factor",
-                                           "Data!A1,Blank!A1", "A1;B2", "A1 B2"));
+                                           "Data!A1,Blank!A1", "A1;B2", "A1 B2", "Data!A1:Blank!B2",
+                                           "Blank!A1:Data!B2", "Data!A1:Nowhere!B2", "A1:Data!",
+                                           "Data!A1:Data!Prices", "Other.xlsx!Prices",
+                                           "Known.xlsx!A1"));
 
 TEST_F(References, StayOnTheSheetTheyAreOf) {
   select("Data", "A1");
