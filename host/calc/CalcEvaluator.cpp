@@ -46,16 +46,12 @@ std::optional<std::string> oneError(const Evaluation& value) {
   return error == nullptr ? "" : error->text;
 }
 
-// The one text that it is; nothing for other values and for several.
-std::optional<std::string> oneText(CalcWorkbooks& workbooks, const Evaluation& value) {
-  const auto textOf = [](const CellValue& cell) -> std::optional<std::string> {
-    const auto* text = std::get_if<std::string>(&cell);
-    return text == nullptr ? std::nullopt : std::optional(*text);
-  };
-  if (const auto* cell = std::get_if<CellValue>(&value)) return textOf(*cell);
+// The one value that it is; nothing for several.
+std::optional<CellValue> oneValue(CalcWorkbooks& workbooks, const Evaluation& value) {
+  if (const auto* cell = std::get_if<CellValue>(&value)) return *cell;
   const auto* range = std::get_if<RangeRef>(&value);
   if (range == nullptr || cellCount(range->areas) != 1) return std::nullopt;
-  return textOf(readValues(*workbooks.named(range->sheet.book), *range).cells.front());
+  return readValues(*workbooks.named(range->sheet.book), *range).cells.front();
 }
 
 }  // namespace
@@ -89,38 +85,82 @@ Evaluation CalcEvaluator::calculated(Request& request, const std::string& expres
     throw noSuchSheet(from.sheet);
   }
   if (const auto reference = asReference(workbooks, expression, from)) return *reference;
-  ExpressionContext context = expressionScope(workbooks, from, sheets);
-  context.elsewhere = [](const std::string& book, const std::string& sheet) {
-    return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
-  };
-  context.asked = request.limits.terms().asked;
-  context.checkpoint = [&request] { request.limits.check(); };
-  context.referent = [&](const std::string& argument) {
-    const auto [entry, isNew] = request.referents.try_emplace(argument);
-    if (isNew) entry->second = referent(request, argument);
-    return entry->second;
-  };
-  context.errorOf = [&](const std::string& argument) {
-    const auto [entry, isNew] = request.errors.try_emplace(argument);
-    if (isNew) entry->second = oneError(answer(request, argument));
-    return entry->second;
-  };
+  ExpressionContext context = scope(request, sheets);
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
   if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
-  Evaluation value = dryRun->reach.contents ? inCopy(request, expression, context)
-                                            : inMirror(request, expression, context);
+  Evaluation value;
+  try {
+    value = dryRun->reach.contents ? inCopy(request, expression, context)
+                                   : inMirror(request, expression, context);
+  } catch (const TooManyCells&) {
+    context = scope(request, sheets);
+    context.placesAreAsked = true;
+    const auto fewer = calcExpression(expression, context);  // asks before the mirror is filled
+    if (!fewer || fewer->reach.anywhere || fewer->reach.contents) throw;
+    context.qualify = true;
+    value = inMirror(request, expression, context);
+  }
   // What the user asked for may have left a link behind.
   if (context.asked) mirror_.reset();
   return value;
 }
 
+ExpressionContext CalcEvaluator::scope(Request& request, std::vector<std::string> sheets) {
+  ExpressionContext context = expressionScope(request.workbooks, request.from, std::move(sheets));
+  context.elsewhere = [](const std::string& book, const std::string& sheet) {
+    return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
+  };
+  context.asked = request.limits.terms().asked;
+  context.checkpoint = [&request] { request.limits.check(); };
+  context.referent = [this, &request](const std::string& argument) {
+    const auto [entry, isNew] = request.referents.try_emplace(argument);
+    if (isNew) entry->second = referent(request, argument);
+    return entry->second;
+  };
+  context.errorOf = [this, &request](const std::string& argument) {
+    const auto [entry, isNew] = request.errors.try_emplace(argument);
+    if (isNew) entry->second = oneError(answer(request, argument));
+    return entry->second;
+  };
+  context.valueOf = [this, &request](const std::string& argument) {
+    const auto [entry, isNew] = request.values.try_emplace(argument);
+    if (isNew) entry->second = valueOf(request, argument);
+    return entry->second;
+  };
+  context.looks = [this, &request](const std::string& kind, const RangeRef& cell) {
+    const auto [entry, isNew] =
+        request.looks.try_emplace(kind + "\n" + excelText(cell, std::string()));
+    if (isNew) {
+      request.limits.check();
+      CalcWorkbooks& workbooks = request.workbooks;
+      const std::shared_ptr<Workbook> own = workbooks.named(request.from.book);
+      entry->second = mirrorOf(*own, workbooks.sheets(*own))
+                          .looks(*workbooks.named(cell.sheet.book), kind, cell);
+    }
+    return entry->second;
+  };
+  return context;
+}
+
+// What cannot be worked out by itself may be part of something that can.
+std::optional<CellValue> CalcEvaluator::valueOf(Request& request, const std::string& argument) {
+  const int depth = request.depth;
+  try {
+    return oneValue(request.workbooks, answer(request, argument));
+  } catch (const TooManyCells&) {
+    request.depth = depth;
+    return std::nullopt;
+  }
+}
+
 // The cells are found without looking at all that the workbook holds, where the argument gives one
 // text that names them.
 std::optional<std::string> CalcEvaluator::referent(Request& request, const std::string& argument) {
-  const auto text = oneText(request.workbooks, answer(request, argument));
-  return text ? namedByText(request.workbooks, *text, request.from) : std::nullopt;
+  const auto value = oneValue(request.workbooks, answer(request, argument));
+  const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+  return text != nullptr ? namedByText(request.workbooks, *text, request.from) : std::nullopt;
 }
 
 ValueMirror& CalcEvaluator::mirrorOf(const Workbook& workbook,
@@ -158,10 +198,9 @@ Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression
   CalcWorkbooks& workbooks = request.workbooks;
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
   if (filledCells(*original, context.sheets) > mostCellsToCopy) {
-    throw SpreadsheetError(
-        -50,
-        "What GETPIVOTDATA and CELL tell of pivot tables and formats cannot be worked out in a "
-        "workbook of more than 1000 filled cells");
+    throw SpreadsheetError(-50, std::string(onlyInCopyText) +
+                                    " cannot be worked out in a workbook of more than 1000 filled "
+                                    "cells");
   }
   if (!context.asked) refuseCopyThatReaches(*original, context, request.limits);
   HiddenWorkbook copy(context_, *original);

@@ -19,6 +19,11 @@ constexpr const char* untoldText =
     "What CELL or FORMULATEXT tells here depends on the cell that was changed last, "
     "or on cells that are calculated";
 
+// What takes a copy of the whole workbook.
+constexpr const char* onlyInCopyText =
+    "What GETPIVOTDATA, TABLE and CELL tell of pivot tables, data tables and the formats of "
+    "calculated cells";
+
 class CalcEvaluator {
  public:
   explicit CalcEvaluator(css::uno::Reference<css::uno::XComponentContext> context)
@@ -39,13 +44,16 @@ class CalcEvaluator {
     const CallLimits& limits;
     std::map<std::string, std::optional<std::string>> referents = {};  // asked for once
     std::map<std::string, std::optional<std::string>> errors = {};
+    std::map<std::string, std::optional<CellValue>> values = {}, looks = {};
     int depth = 0;  // of questions within questions
     int count = 0;
   };
   Evaluation answer(Request& request, const std::string& expression);
   Evaluation calculated(Request& request, const std::string& expression);
+  std::optional<CellValue> valueOf(Request& request, const std::string& argument);
   std::optional<std::string> referent(Request& request, const std::string& argument);
   ValueMirror& mirrorOf(const Workbook& workbook, const std::vector<std::string>& sheets);
+  ExpressionContext scope(Request& request, std::vector<std::string> sheets);
   Evaluation inMirror(Request& request, const std::string& expression, ExpressionContext& context);
   Evaluation inCopy(Request& request, const std::string& expression, ExpressionContext& context);
 

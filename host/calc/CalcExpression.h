@@ -53,6 +53,13 @@ struct ExpressionContext {
   // The text of the error that an argument gives, empty for none; nothing where it is not one
   // value. Calc's own ERRORTYPE may tell of another error than the cell would show.
   std::function<std::optional<std::string>(const std::string& argument)> errorOf = {};
+  // The value of an argument; nothing where it is not one value.
+  std::function<std::optional<CellValue>(const std::string& argument)> valueOf = {};
+  // Whether it is asked for the numbers that tell which cells of a range are looked at, so that the
+  // others are not fetched.
+  bool placesAreAsked = false;
+  // What Calc's CELL tells of how that one cell looks ("width"); nothing where it cannot be told.
+  std::function<std::optional<CellValue>(const std::string& kind, const RangeRef& cell)> looks = {};
   // What stands in the cells, formulas as Excel text; nothing where these are too many.
   std::function<std::optional<Grid<CellValue>>(const RangeRef& cells)> formulas = {};
   // "/folder/[Book.xlsx]Sheet"; empty when the workbook has no file.
@@ -67,7 +74,7 @@ struct Reach {
   bool anywhere = false;        // and cells that a calculation names (INDIRECT)
   bool byText = false;          // by a text of which only the calculation tells what it is
   bool traits = false;          // and on hidden rows, and on which cells are formulas (SUBTOTAL)
-  bool contents = false;        // and what only the workbook itself tells (CELL("format",A1))
+  bool contents = false;        // and what only the workbook itself tells (GETPIVOTDATA)
   bool untold = false;          // and what nobody can tell (FORMULATEXT of calculated cells)
 };
 

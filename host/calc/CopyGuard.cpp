@@ -49,6 +49,8 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
   refuseLinks(workbook);
   context.referent = {};  // nothing is worked out while looking
   context.errorOf = {};
+  context.valueOf = {};
+  context.looks = {};
   for (const std::string& sheet : context.sheets) {
     context.from.sheet = sheet;
     const Reference<css::sheet::XCellRangesQuery> query(sheetOf(workbook, sheet), UNO_QUERY_THROW);

@@ -31,6 +31,7 @@ bool isDigit(char c) {
 std::string ExpressionWriter::run() {
   while (at_ < text_.size()) step();
   if (operandExpected_ || !frames_.empty()) throw Malformed();
+  isCells_ = isCells(0);
   return std::move(out_);
 }
 
@@ -111,7 +112,7 @@ void ExpressionWriter::open(const std::string& function) {
   const std::size_t begin = out_.size();
   if (!function.empty()) out_ += calcFunctionName(function);
   out_ += text_[at_++];
-  frames_.push_back({function, begin, out_.size(), reach_.cells.size(), signs_});
+  frames_.push_back({function, begin, out_.size(), at_, reach_.cells.size(), signs_});
   operandExpected_ = true;
   open_ += 1 + signs_;
   signs_ = 0;
@@ -119,12 +120,16 @@ void ExpressionWriter::open(const std::string& function) {
 
 void ExpressionWriter::close() {
   if (frames_.empty()) throw Malformed();
+  endArgument();
   const Frame frame = frames_.back();
   if (operandExpected_ && frame.function.empty()) throw Malformed();
+  const std::vector<CallArgument> arguments = argumentsOf(frame);
+  leaveOut(reach_, frame.function, arguments, context_);
   if (frame.function == "INDIRECT") keepInside(frame);
   const std::size_t begin = frame.begin;
   const FunctionCall call{frame.function, out_.substr(frame.content),
-                          std::span(reach_.cells).subspan(frame.reached), isCells(frame.content)};
+                          std::span(reach_.cells).subspan(frame.reached), isCells(frame.content),
+                          arguments};
   if (const auto instead = writtenAnew(call, context_, reach_)) {
     out_.erase(begin);
     out_ += *instead;
@@ -153,11 +158,32 @@ bool ExpressionWriter::isCells(std::size_t from) const {
          cells_.second == out_.find_last_not_of(blank) + 1;
 }
 
+void ExpressionWriter::endArgument() {
+  Frame& frame = frames_.back();
+  const std::size_t from = frame.ends.empty() ? frame.content : frame.ends.back().output + 1;
+  frame.ends.push_back({at_, out_.size(), reach_.cells.size(), isCells(from)});
+}
+
+// What LET and LAMBDA call a value cannot be asked about by itself.
+std::vector<CallArgument> ExpressionWriter::argumentsOf(const Frame& frame) const {
+  std::vector<CallArgument> arguments;
+  std::size_t text = frame.text, output = frame.content, reached = frame.reached;
+  for (const ArgumentEnd& end : frame.ends) {
+    const std::string_view excel = text_.substr(text, end.text - text);
+    arguments.push_back({parameters_.empty() ? excel : std::string_view(),
+                         out_.substr(output, end.output - output), reached, end.reached,
+                         end.isCells});
+    text = end.text + 1;
+    output = end.output + 1;
+    reached = end.reached;
+  }
+  return arguments;
+}
+
 // Inside a function's brackets it parts arguments, elsewhere a comma unites references.
 void ExpressionWriter::separator(char c) {
   if (!frames_.empty() && !frames_.back().function.empty()) {
-    Frame& frame = frames_.back();
-    if (frame.argument++ == 0) frame.firstEnd = out_.size();
+    endArgument();
     out_ += ';';
   } else {
     if (c == ';' || operandExpected_ || !reference_) throw Malformed();
@@ -403,6 +429,7 @@ void ExpressionWriter::named(const std::string& key,
       entry.text = inner.run();
       if (!inner.isOnePiece()) entry.text = "(" + entry.text + ")";
       entry.single = inner.isSingle();
+      entry.isCells = inner.isCells();
       entry.cells.assign(reach_.cells.begin() + static_cast<std::ptrdiff_t>(reached),
                          reach_.cells.end());
       reach_.cells.resize(reached);
@@ -416,7 +443,9 @@ void ExpressionWriter::named(const std::string& key,
 
 void ExpressionWriter::append(const WrittenNames::Entry& entry) {
   if (!entry.isThere || !entry.single) mayBeSeveral();
+  const std::size_t begin = out_.size();
   out_ += entry.isThere ? entry.text : "#NAME?";
+  if (entry.isCells) cells_ = {begin, out_.size()};
   reach_.cells.insert(reach_.cells.end(), entry.cells.begin(), entry.cells.end());
   bound();
 }
@@ -425,24 +454,24 @@ void ExpressionWriter::append(const WrittenNames::Entry& entry) {
 bool ExpressionWriter::givesParameter(const std::string& word) {
   if (frames_.empty() || word.empty()) return false;
   const Frame& frame = frames_.back();
-  const bool ofLet = frame.function == "LET" && frame.argument % 2 == 0;
+  const bool ofLet = frame.function == "LET" && frame.ends.size() % 2 == 0;
   if (!ofLet && frame.function != "LAMBDA") return false;
   const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
   if (next == std::string_view::npos || (text_[next] != ',' && text_[next] != ';')) return false;
-  parameters_.push_back({upperCase(word), frames_.size() - 1, frame.argument + (ofLet ? 2 : 1)});
+  parameters_.push_back({upperCase(word), frames_.size() - 1, frame.ends.size() + (ofLet ? 2 : 1)});
   return true;
 }
 
 bool ExpressionWriter::isParameter(const std::string& word) const {
   return std::any_of(parameters_.begin(), parameters_.end(), [&](const Parameter& one) {
-    return one.word == upperCase(word) && frames_[one.frame].argument >= one.argument;
+    return one.word == upperCase(word) && frames_[one.frame].ends.size() >= one.argument;
   });
 }
 
 // The office would open a file that a text names: of '...'#$Sheet.A1 and [...]Sheet!A1 nothing is
 // left that is a reference.
 void ExpressionWriter::keepInside(const Frame& frame) {
-  const std::size_t end = frame.firstEnd == 0 ? out_.size() : frame.firstEnd;
+  const std::size_t end = frame.ends.front().output;
   const std::string text = out_.substr(frame.content, end - frame.content);
   const bool isHere = text.starts_with('"') && text.find('"', 1) == text.size() - 1;
   if (isHere && text.find_first_of("#[") == std::string::npos) return;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/calc/CalcExpression.h"
+#include "host/calc/CallReach.h"
 #include "host/calc/ExcelReference.h"
 #include "host/calc/JoinedTruth.h"
 
@@ -27,6 +28,7 @@ struct WrittenNames {
     bool isThere = false;
     std::string text;
     bool single = false;
+    bool isCells = false;         // it is these cells and nothing else
     std::vector<RangeRef> cells;  // that it reaches
   };
   std::map<std::string, Entry> entries;
@@ -44,26 +46,33 @@ class ExpressionWriter {
   bool isOnePiece() const { return pieces_ == 1; }
   // Whether it gives one value whatever the cells hold.
   bool isSingle() const { return !several_; }
+  // Whether it is a reference and nothing else.
+  bool isCells() const { return isCells_; }
 
  private:
+  // Where an argument ends: in the text, in the output and among the cells that are reached.
+  struct ArgumentEnd {
+    std::size_t text, output, reached;
+    bool isCells;
+  };
   struct Frame {
-    std::string function;      // Excel's name; empty for plain brackets
-    std::size_t begin;         // where all of it begins in the output
-    std::size_t content;       // and where its content does
-    std::size_t reached;       // so many cells were reached before it
-    int signs = 0;             // stand before it
-    int argument = 0;          // the one that is being read, from 0
-    std::size_t firstEnd = 0;  // where the first argument ends in the output; 0: not yet
+    std::string function;  // Excel's name; empty for plain brackets
+    std::size_t begin;     // where all of it begins in the output
+    std::size_t content;   // and where its content does
+    std::size_t text;      // and where that is in the text
+    std::size_t reached;   // so many cells were reached before it
+    int signs = 0;         // stand before it
     bool compares = false;
     bool several = false;  // what stands in it may be more than one value
+    std::vector<ArgumentEnd> ends = {};
   };
 
   // What LET or LAMBDA calls a value. It counts inside that call, behind the value, and hides a
   // name of the workbook there alone.
   struct Parameter {
-    std::string word;   // in capitals
-    std::size_t frame;  // the number of the call among those that are open
-    int argument;       // of the call, from which on it counts
+    std::string word;      // in capitals
+    std::size_t frame;     // the number of the call among those that are open
+    std::size_t argument;  // of the call, from which on it counts
   };
 
   bool at(std::string_view any) const {
@@ -76,6 +85,8 @@ class ExpressionWriter {
   void copy(std::optional<std::string_view> constant);
   void open(const std::string& function);
   void close();
+  void endArgument();
+  std::vector<CallArgument> argumentsOf(const Frame& frame) const;
   void separator(char c);
   void sign(char c);
   void crossing();
@@ -117,6 +128,7 @@ class ExpressionWriter {
   int signs_ = 0;                      // before the operand that is read
   std::vector<Parameter> parameters_;  // of the calls that are open
   bool operandExpected_ = true;
+  bool isCells_ = false;                       // once all is written
   bool reference_ = false;                     // the operand just written may be a reference
   std::pair<std::size_t, std::size_t> cells_;  // where the cells stand that were written last
 };

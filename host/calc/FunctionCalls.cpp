@@ -4,6 +4,7 @@
 #include <array>
 
 #include "host/Address.h"
+#include "host/calc/CellCall.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/ReferenceText.h"
 
@@ -13,21 +14,6 @@ namespace {
 template <std::size_t count>
 bool contains(const std::array<std::string_view, count>& words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-std::string inQuotes(std::string_view text) {
-  std::string result = "\"";
-  for (const char c : text) {
-    if (c == '"') result += c;
-    result += c;
-  }
-  return result + '"';
-}
-
-std::string trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \n\r\t");
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(" \n\r\t") + 1 - first));
 }
 
 // The arguments of a call in Calc's grammar, one by one.
@@ -96,50 +82,22 @@ std::optional<std::string> formulaText(const FunctionCall& call, const Expressio
   return formulas->cells.size() == 1 ? text : "{" + text + "}";
 }
 
-struct CellCall {
-  std::string kind;  // what is asked for, in lower case
-  std::string reference;
-};
-
-// From `"kind";reference`; nothing where the kind is calculated.
-std::optional<CellCall> cellCall(const std::string& arguments) {
-  const std::string text = trimmed(arguments);
-  const std::size_t end = text.find('"', 1);
-  if (!text.starts_with('"') || end == std::string::npos) return std::nullopt;
-  CellCall call{text.substr(1, end - 1), trimmed(text.substr(end + 1))};
-  for (char& c : call.kind) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  if (call.reference.empty()) return call;
-  if (!call.reference.starts_with(';')) return std::nullopt;
-  call.reference = trimmed(call.reference.substr(1));
-  return call;
-}
-
-std::optional<std::string> cellText(const FunctionCall& call, const ExpressionContext& context,
-                                    Reach& reach) {
-  static constexpr std::array<std::string_view, 4> byValue{"col", "row", "contents", "type"};
-  const auto asked = cellCall(call.arguments);
-  const SheetRef sheet = call.cells.empty() ? context.from : call.cells.front().sheet;
-  const bool oneSheet = std::all_of(call.cells.begin(), call.cells.end(),
-                                    [&](const RangeRef& cells) { return cells.sheet == sheet; });
-  const bool known = asked && oneSheet && !reach.anywhere;
-  if (known && asked->kind == "filename" && context.fileName) {
-    return inQuotes(context.fileName(sheet));
-  }
-  if (!known || asked->reference.empty()) {  // of the cell that was changed last
-    reach.untold = true;
-  } else if (asked->kind == "address") {
-    const std::string own = sheet.book == context.from.book ? "" : "[" + sheet.book + "]";
-    const std::string before =
-        sheet == context.from ? "" : inQuotes(excelSheet(own + sheet.sheet) + "!") + "&";
-    return "(" + before + "ADDRESS(MIN(ROW(" + asked->reference + "));MIN(COLUMN(" +
-           asked->reference + "));1;TRUE()))";
-  } else if (!contains(byValue, asked->kind)) {
-    reach.contents = true;
-  }
-  return std::nullopt;
-}
-
 }  // namespace
+
+std::string trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \n\r\t");
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(" \n\r\t") + 1 - first));
+}
+
+std::string inQuotes(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"') result += c;
+    result += c;
+  }
+  return result + '"';
+}
 
 std::optional<std::string_view> readOnlyArgument(std::string_view text, std::size_t& position) {
   const std::size_t from = position + 1;
@@ -165,43 +123,12 @@ std::optional<std::string_view> readOnlyArgument(std::string_view text, std::siz
   return std::nullopt;
 }
 
-void addFunction(Reach& reach, std::string_view name) {
-  static constexpr std::array<std::string_view, 3> traits{"AGGREGATE", "ISFORMULA", "SUBTOTAL"};
-  static constexpr std::array<std::string_view, 4> contents{"FORMULA", "GETPIVOTDATA",
-                                                            "MULTIPLE.OPERATIONS", "TABLE"};
-  if (name == "INDIRECT") reach.anywhere = true;
-  if (name == "OFFSET") reach.shifts = true;
-  if (contains(traits, name)) reach.traits = true;
-  if (contains(contents, name)) reach.contents = true;
-}
-
-void addBeyond(Reach& reach, std::string_view name, std::size_t from) {
-  const bool fillsShape = name == "SUMIF" || name == "AVERAGEIF";
-  if (!fillsShape && name != "LOOKUP") return;
-  int rows = 1, columns = 1;
-  for (std::size_t i = from; i < reach.cells.size(); ++i) {
-    rows = std::max(rows, rowCount(reach.cells[i].areas.front()));
-    columns = std::max(columns, columnCount(reach.cells[i].areas.front()));
-  }
-  for (std::size_t i = from, end = reach.cells.size(); i < end; ++i) {
-    RangeRef beyond = reach.cells[i];
-    Area& area = beyond.areas.front();
-    const bool isColumn = rowCount(area) > 1;
-    const int more = std::max(rows, columns) - 1;
-    const int down = fillsShape ? rows - 1 : isColumn ? more : 0;
-    const int right = fillsShape ? columns - 1 : isColumn ? 0 : more;
-    area.lastRow = std::min(maxRow, area.lastRow + down);
-    area.lastColumn = std::min(maxColumn, area.lastColumn + right);
-    if (beyond != reach.cells[i]) reach.cells.push_back(std::move(beyond));
-  }
-}
-
 std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
                                        Reach& reach) {
   if (call.name == "ERROR.TYPE") return errorTypeCall(call.arguments);
   if (call.name == "HYPERLINK") return linkText(call);
   if (call.name == "N" || call.name == "T") return ofFirstCell(call);
-  if (call.name == "CELL") return cellText(call, context, reach);
+  if (call.name == "CELL") return cellCall(call, context, reach);
   if (call.name == "FORMULATEXT") {
     const auto text = formulaText(call, context);
     if (!text) reach.untold = true;

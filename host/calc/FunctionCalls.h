@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/calc/CalcExpression.h"
+#include "host/calc/CallReach.h"
 
 namespace quorin::host::calc {
 
@@ -15,23 +15,23 @@ namespace quorin::host::calc {
 // bracket's, and moves behind the closing one, or stays when there are more arguments.
 std::optional<std::string_view> readOnlyArgument(std::string_view text, std::size_t& position);
 
-// Adds what a function asks for beside the values of the cells it is given.
-void addFunction(Reach& reach, std::string_view name);
-
-// Adds the cells that a call looks at beyond its arguments, whose cells were added from there on: a
-// range of another size than the first counts from its own first cell.
-void addBeyond(Reach& reach, std::string_view name, std::size_t from);
-
 struct FunctionCall {
-  std::string name;                 // in capitals
-  std::string arguments;            // in Calc's grammar
-  std::span<const RangeRef> cells;  // that the arguments reach
-  bool isCells = false;             // the only argument is these cells, as they stand
+  std::string name;                          // in capitals
+  std::string arguments;                     // in Calc's grammar
+  std::span<const RangeRef> cells;           // that the arguments reach
+  bool isCells = false;                      // the only argument is these cells, as they stand
+  std::span<const CallArgument> parts = {};  // the arguments, one by one
 };
 
 // What stands for the call; nothing for it to stay as it is. Sets what the answer depends on.
 std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
                                        Reach& reach);
+
+// Without the blanks around it.
+std::string trimmed(std::string_view text);
+
+// The text in quotation marks, as it stands in a formula.
+std::string inQuotes(std::string_view text);
 
 // Whether the function gives a truth value or an error, and nothing else.
 bool givesTruth(std::string_view function);

@@ -77,6 +77,10 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   context.fileName = [&](const SheetRef& sheet) {
     return sheet.book == name_ ? std::string() : fileNameOf(workbooks, sheet);
   };
+  context.looks = [&](const std::string& kind, const RangeRef& asked) {
+    const std::string& book = asked.sheet.book;
+    return mirror_.looks(book == name_ ? workbook() : *workbooks.named(book), kind, asked);
+  };
   const auto calc = calcExpression(formula, context);
   if (!calc) {
     enter(own, "=#NAME?");
@@ -84,9 +88,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   }
   if (calc->reach.untold) throw SpreadsheetError(-50, untoldText);
   if (calc->reach.contents) {
-    throw SpreadsheetError(-50,
-                           "What GETPIVOTDATA and CELL tell of pivot tables and formats cannot be "
-                           "worked out in a chain");
+    throw SpreadsheetError(-50, std::string(onlyInCopyText) + " cannot be worked out in a chain");
   }
   add(reach_, calc->reach);
   mirror_.bring(workbooks, reach_, limits);

@@ -11,6 +11,7 @@
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CellLooks.h"
 #include "host/calc/CellWriter.h"
 #include "host/calc/MirrorNames.h"
 #include "host/calc/ReferenceText.h"
@@ -24,7 +25,7 @@ using css::uno::Any;
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
-constexpr long long mostCellsReached = 400'000;
+constexpr long long mostCellsReached = 1'000'000;
 constexpr long long cellsAtOnce = 10'000;  // the office does nothing else for these
 constexpr long long fewCells = 2'000;      // not worth asking which of them are filled
 constexpr sal_Int32 everything = 1023;     // contents and formats of every kind
@@ -173,6 +174,11 @@ std::string ValueMirror::mirrored(const SheetRef& sheet) {
   return foreign_.at({sheet.book, sheet.sheet});
 }
 
+std::optional<CellValue> ValueMirror::looks(Workbook& theirs, const std::string& kind,
+                                            const RangeRef& cell) {
+  return cellLooks(formulaCells(), workbook(), formulaSheet_, theirs, cell, kind);
+}
+
 // The areas to read, as the expression has them and grown by what its functions add to them.
 std::vector<RangeRef> ValueMirror::wanted(const Reach& reach) const {
   std::vector<RangeRef> areas;
@@ -214,9 +220,7 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const Call
           cellsOf(*workbooks.named(range.sheet.book), range.sheet.sheet, firstArea(range)));
     }
     cells += cellCount(filled);
-    if (cells > mostCellsReached) {
-      throw SpreadsheetError(-50, "The expression looks at too many cells");
-    }
+    if (cells > mostCellsReached) throw TooManyCells();
     std::vector<Area> covering;
     cover(std::move(filled), covering);
     for (const Area& area : covering) areas.push_back({range.sheet, {area}});

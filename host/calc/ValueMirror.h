@@ -20,6 +20,10 @@
 
 namespace quorin::host::calc {
 
+struct TooManyCells : SpreadsheetError {
+  TooManyCells() : SpreadsheetError(-50, "The expression looks at too many cells") {}
+};
+
 class ValueMirror {
  public:
   // `sheets` are the original's, in their order.
@@ -38,7 +42,10 @@ class ValueMirror {
   // The sheet that stands for one of another workbook.
   SheetPlace foreignSheet(const SheetRef& sheet);
 
-  // Fills the cells that the expression reaches. SpreadsheetError -50 when they are too many.
+  // What CELL tells of how that cell looks, whoever's it is; nothing where it cannot be told here.
+  std::optional<CellValue> looks(Workbook& theirs, const std::string& kind, const RangeRef& cell);
+
+  // Fills the cells that the expression reaches. TooManyCells when they are too many.
   void bring(CalcWorkbooks& workbooks, const Reach& reach, const CallLimits& limits);
   // Gives it the names of cells and the tables of the original, which text can refer to. After
   // bring().

@@ -207,14 +207,96 @@ INSTANTIATE_TEST_SUITE_P(
         Reached{"SUM(Mar:Jan!B2)", {"Jan!$B$2", "Feb!$B$2", "Mar!$B$2"}},
         Reached{"twice+Data!rate", {"Data!$B$1", "Local!$C$1"}},
         Reached{"SUM(Table1[Net, Sum])", {"Data!$A$2:$A$9"}}, Reached{"Dec!A1", {}},
-        Reached{
-            .excel = "A1:INDEX(B1:B4,2)", .cells = {"Data!$A$1", "Data!$B$1:$B$4"}, .spans = true},
-        Reached{.excel = "offset(A1,1,1)", .cells = {"Data!$A$1"}, .shifts = true},
+        Reached{.excel = "A1:INDEX(B1:B4,2)", .cells = {"Data!$A$1", "Data!$B$2"}, .spans = true},
+        Reached{.excel = "offset(A1,B1,1)", .cells = {"Data!$A$1", "Data!$B$1"}, .shifts = true},
         Reached{.excel = "INDIRECT(\"A1\")", .cells = {}, .anywhere = true},
         Reached{.excel = "SUBTOTAL(9,A1:A2)", .cells = {"Data!$A$1:$A$2"}, .traits = true},
         Reached{.excel = "isformula(A1)", .cells = {"Data!$A$1"}, .traits = true},
         Reached{.excel = "CELL(\"width\",A1)", .cells = {"Data!$A$1"}, .contents = true},
         Reached{.excel = "GETPIVOTDATA(\"a\",A1)", .cells = {"Data!$A$1"}, .contents = true}));
+
+INSTANTIATE_TEST_SUITE_P(
+    PartsOfLargeRanges, Reaching,
+    testing::Values(
+        Reached{"index(Jan!A:Z,5,5)", {"Jan!$E$5"}}, Reached{"INDEX(A:Z, 5 ,)", {"Data!$A$5:$Z$5"}},
+        Reached{"INDEX(A:Z,,2)*1", {"Data!$B:$B"}}, Reached{"INDEX(A:Z,0,2)", {"Data!$B:$B"}},
+        Reached{"INDEX(B2:B9,3)", {"Data!$B$4"}}, Reached{"INDEX(B2:F2,3)", {"Data!$D$2"}},
+        Reached{"INDEX(B2:F9,3)", {"Data!$B$4:$F$4"}},
+        Reached{"INDEX(B2:F9,9,1)", {"Data!$B$2:$B$9"}},
+        Reached{"INDEX(A:Z,A1,2)", {"Data!$B:$B", "Data!$A$1"}},
+        Reached{"INDEX(A:Z,1.5,2)", {"Data!$B:$B"}}, Reached{"INDEX(A:Z,{1,2},2)", {"Data!$B:$B"}},
+        Reached{"INDEX((A:B,D:E),1,1,2)", {"Data!$A:$B", "Data!$D:$E"}},
+        Reached{"INDEX(A1:C9+1,2,2)", {"Data!$A$1:$C$9"}},
+        Reached{"INDEX(Table1[Net, Sum],2)", {"Data!$A$3"}},
+        Reached{"VLOOKUP(A1,D:Z,4,FALSE)", {"Data!$A$1", "Data!$D:$D", "Data!$G:$G"}},
+        Reached{"VLOOKUP(1,D:Z,1)", {"Data!$D:$D"}},
+        Reached{"VLOOKUP(1,D:Z,A1)", {"Data!$D:$Z", "Data!$A$1"}},
+        Reached{"VLOOKUP(1,D:Z,99)", {"Data!$D:$D"}},
+        Reached{"HLOOKUP(1,Jan!3:9,4)", {"Jan!$3:$3", "Jan!$6:$6"}},
+        Reached{"SUM(VLOOKUP(1,A:Z,2),INDEX(A:Z,3,4))", {"Data!$A:$A", "Data!$B:$B", "Data!$D$3"}},
+        Reached{"OFFSET(A1:B2,3,1)", {"Data!$B$4:$C$5"}},
+        Reached{"OFFSET(C3,-1,-2,2,)", {"Data!$A$2:$A$3"}},
+        Reached{"OFFSET(A:Z,0,30,9,2)", {"Data!$AE$1:$AF$9"}},
+        Reached{"OFFSET(A1,-1,0)", {"Data!$A$1"}},
+        Reached{.excel = "OFFSET(A1,1,1,-2,1)", .cells = {"Data!$A$1"}, .shifts = true},
+        Reached{.excel = "OFFSET(INDEX(A:B,1,1),1,1)", .cells = {"Data!$A$1"}, .shifts = true},
+        Reached{"ROWS(A:Z)*COLUMNS(Jan!A:Z)", {"Data!$A$1", "Jan!$A$1"}}));
+
+// Asked for only once the cells are too many.
+TEST(CalcExpression, AsksWhichPartOfARangeIsTakenWhereItIsCalculated) {
+  ExpressionContext from = context;
+  std::vector<std::string> asked;
+  from.valueOf = [&](const std::string& argument) -> std::optional<CellValue> {
+    asked.push_back(argument);
+    if (argument == "A1+1") return 3.0;
+    if (argument == "A2") return CellError{"#N/A"};
+    if (argument == "A3") return "three";
+    return std::nullopt;
+  };
+  const auto cellsOf = [&from](const char* excel) {
+    std::string cells;
+    const auto result = calcExpression(excel, from);
+    for (const RangeRef& range : result->reach.cells) cells += addressText(range.areas) + " ";
+    return cells + (result->reach.shifts ? "shifts" : "");
+  };
+  EXPECT_EQ(cellsOf("INDEX(D:Z,A1+1,1)"), "$D:$D $A$1 ");
+  EXPECT_EQ(cellsOf("OFFSET(D1,A1+1,0)"), "$D$1 $A$1 shifts");
+  EXPECT_TRUE(asked.empty());
+  from.placesAreAsked = true;
+  EXPECT_EQ(cellsOf("INDEX(D:Z,A1+1,1)"), "$D$3 $A$1 ");
+  EXPECT_EQ(cellsOf("INDEX(D:Z,A2,A1+1)"), "$F$1 $A$2 $A$1 ");  // an error, whatever they hold
+  EXPECT_EQ(cellsOf("INDEX(D:Z,A3,A4)"), "$D:$Z $A$3 $A$4 ");
+  EXPECT_EQ(cellsOf("VLOOKUP(1,D:Z,A1+1)"), "$D:$D $A$1 $F:$F ");
+  EXPECT_EQ(cellsOf("OFFSET(D1,A1+1,0)"), "$D$4 $A$1 ");
+  EXPECT_EQ(asked, (std::vector<std::string>{"A1+1", "A2", "A1+1", "A3", "A4", "A1+1", "A1+1"}));
+  EXPECT_EQ(cellsOf("LET(x,1,INDEX(D:Z,x,1))"), "$D:$D ");  // a name of the formula's own
+}
+
+TEST(CalcExpression, WritesHowACellLooksWhereThatIsKnown) {
+  ExpressionContext from = context;
+  from.sheets = {"Data", "Jan"};
+  from.looks = [](const std::string& kind, const RangeRef& cell) -> std::optional<CellValue> {
+    if (kind == "PREFIX") return "\"";
+    if (kind == "COLOR") return std::nullopt;
+    return static_cast<double>(cell.areas.front().firstRow) + (cell.sheet.sheet == "Jan" ? 0.5 : 0);
+  };
+  from.valueOf = [](const std::string& argument) -> std::optional<CellValue> {
+    if (argument == "A9") return "Width";
+    if (argument == "CELL(\"address\",INDEX(Jan!A:C,2,1))") return "Jan!$A$2";
+    return std::nullopt;
+  };
+  EXPECT_EQ(textOf("CELL(\"width\",A7)+1", from), "7+1");
+  EXPECT_EQ(textOf("CELL(\"Format\",Jan!B3:C9)", from), "3.5");
+  EXPECT_EQ(textOf("CELL(\"prefix\",A1)&1", from), "\"\"\"\"&1");
+  EXPECT_EQ(textOf("CELL(A9,A4)", from), "4");
+  EXPECT_EQ(textOf("CELL(A9,Jan!A4)", from), "4.5");
+  EXPECT_EQ(textOf("CELL(\"width\",INDEX(Jan!A:C,2,1))", from), "2.5");
+  EXPECT_EQ(textOf("CELL(\"row\",A4:B5)", from), "CELL(\"row\";INDEX(A4:B5;1;1))");
+  EXPECT_FALSE(calcExpression("CELL(\"width\",A1)", from)->reach.contents);
+  for (const char* unknown : {"CELL(\"color\",A1)", "CELL(\"width\",INDEX(A:C,2,1))"}) {
+    EXPECT_TRUE(calcExpression(unknown, from)->reach.contents) << unknown;
+  }
+}
 
 TEST(CalcExpression, WritesTheCellsThatIndirectFindsWhereTheyAreKnown) {
   ExpressionContext from = context;

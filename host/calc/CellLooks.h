@@ -1,0 +1,20 @@
+// CellLooks: what CELL tells of how a cell of the user's looks: of its number format, alignment,
+// protection and column. One cell of a workbook of ours is given the same, and Calc's own CELL
+// asked about that. Call thread.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcWorkbooks.h"
+#include "host/calc/FormulaCells.h"
+
+namespace quorin::host::calc {
+
+// `sheet` is one of ours, with the cells for formulas and nothing else. Nothing where the look
+// cannot be had here.
+std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const std::string& sheet,
+                                   Workbook& theirs, const RangeRef& cell, const std::string& kind);
+
+}  // namespace quorin::host::calc
