@@ -39,7 +39,14 @@ ScriptReply EngineRunner::execute(const AppleEvent& event) {
   const CallTerms terms = std::exchange(terms_, {});
   if (!script_) return {};
   excel_->handlerBegins(terms);
-  script::ScriptOutcome outcome = script_->call(event);
+  script::ScriptOutcome outcome = [&] {
+    try {
+      return script_->call(event);
+    } catch (...) {
+      excel_->handlerEnds();  // the terms refer to the call, however it ends
+      throw;
+    }
+  }();
   excel_->handlerEnds();
   if (outcome.error)
     return {std::nullopt,

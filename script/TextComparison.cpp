@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
 #include <utf8proc.h>
 
 #include "script/TextOperations.h"
@@ -198,10 +199,19 @@ bool textContains(std::string_view text, std::string_view part, const TextRules&
                        }) != text.end() ||
            part.empty();
   }
-  const auto whole = units(text, rules, foldingOf(rules));
+  // The text may be long: only as many of its characters are held as the part has.
   const auto sought = units(part, rules, foldingOf(rules));
-  return std::search(whole.begin(), whole.end(), sought.begin(), sought.end()) != whole.end() ||
-         sought.empty();
+  std::deque<std::string> held;
+  bool found = sought.empty();
+  forEachCharacter(text, [&](TextSpan span) {
+    const std::string_view character = text.substr(span.begin, span.end - span.begin);
+    if (found || isIgnored(character, rules)) return !found;
+    held.push_back(folded(character, foldingOf(rules)));
+    if (held.size() > sought.size()) held.pop_front();
+    found = held.size() == sought.size() && std::equal(held.begin(), held.end(), sought.begin());
+    return !found;
+  });
+  return found;
 }
 
 bool textBeginsWith(std::string_view text, std::string_view part, const TextRules& rules) {

@@ -33,22 +33,11 @@ CodePoint codePointAt(std::string_view text, std::size_t at) {
 
 std::vector<TextSpan> characters(std::string_view text) {
   std::vector<TextSpan> spans;
-  if (isASCII(text)) {
-    spans.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) spans.push_back({i, i + 1});
-    return spans;
-  }
-  utf8proc_int32_t state = 0;
-  utf8proc_int32_t previous = -1;
-  for (std::size_t at = 0; at < text.size();) {
-    const CodePoint point = codePointAt(text, at);
-    const bool breaks =
-        previous < 0 || utf8proc_grapheme_break_stateful(previous, point.value, &state);
-    if (breaks) spans.push_back({at, at});
-    at += point.size;
-    spans.back().end = at;
-    previous = point.value;
-  }
+  if (isASCII(text)) spans.reserve(text.size());
+  forEachCharacter(text, [&](TextSpan span) {
+    spans.push_back(span);
+    return true;
+  });
   return spans;
 }
 
@@ -125,6 +114,28 @@ std::vector<TextSpan> paragraphs(std::string_view text) {
 
 }  // namespace
 
+void forEachCharacter(std::string_view text, const std::function<bool(TextSpan)>& visit) {
+  if (isASCII(text)) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (!visit({i, i + 1})) return;
+    }
+    return;
+  }
+  utf8proc_int32_t state = 0;
+  utf8proc_int32_t previous = -1;
+  std::size_t begin = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const CodePoint point = codePointAt(text, at);
+    const bool breaks =
+        previous >= 0 && utf8proc_grapheme_break_stateful(previous, point.value, &state);
+    if (breaks && !visit({begin, at})) return;
+    if (breaks) begin = at;
+    at += point.size;
+    previous = point.value;
+  }
+  visit({begin, text.size()});
+}
+
 std::vector<TextSpan> textElements(std::string_view text, TextUnit unit) {
   switch (unit) {
     case TextUnit::character:
@@ -173,7 +184,13 @@ std::optional<std::vector<TextSpan>> textElements(std::string_view text, FourCha
 }
 
 std::size_t textLength(std::string_view text) {
-  return isASCII(text) ? text.size() : characters(text).size();
+  if (isASCII(text)) return text.size();
+  std::size_t count = 0;
+  forEachCharacter(text, [&](TextSpan) {
+    ++count;
+    return true;
+  });
+  return count;
 }
 
 }  // namespace quorin::script

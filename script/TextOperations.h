@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +22,10 @@ enum class TextUnit { character, word, paragraph };
 // Where the elements stand. A character is what a reader sees as one; in pure ASCII text every byte
 // is one. Paragraphs end at CR, LF, CR LF, U+2028 and U+2029, so text without any is one paragraph.
 std::vector<TextSpan> textElements(std::string_view text, TextUnit unit);
+
+// The characters one after the other, until one is answered with false. For text too long to be
+// taken apart all at once.
+void forEachCharacter(std::string_view text, const std::function<bool(TextSpan)>& visit);
 
 // The spans between delimiters; with no delimiter but the empty one, the characters.
 std::vector<TextSpan> textItems(std::string_view text, const TextRules& rules);

@@ -10,6 +10,26 @@ void refuseTooMany(const Area& area) {
   if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
 }
 
+std::vector<Area> piecesOf(const Area& area) {
+  constexpr int cellsAtOnce = 2'000;
+  std::vector<Area> pieces;
+  const int columns = std::min(columnCount(area), cellsAtOnce);
+  const int rows = columns < columnCount(area) ? 1 : cellsAtOnce / columns;
+  for (int row = area.firstRow; row <= area.lastRow; row += rows) {
+    for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
+      pieces.push_back({row, column, std::min(row + rows - 1, area.lastRow),
+                        std::min(column + columns - 1, area.lastColumn)});
+    }
+  }
+  return pieces;
+}
+
+void TextRoom::take(const Grid<CellValue>& values) {
+  for (const CellValue& value : values.cells) {
+    if (const auto* text = std::get_if<std::string>(&value)) take(text->size());
+  }
+}
+
 void forEachCell(const css::uno::Reference<css::sheet::XSheetCellRanges>& found, const Area& area,
                  const std::function<void(int row, int column)>& visit) {
   for (const auto& address : found->getRangeAddresses()) {

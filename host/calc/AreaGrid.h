@@ -14,6 +14,26 @@ namespace quorin::host::calc {
 inline constexpr long long mostCells = 4'000'000;
 void refuseTooMany(const Area& area);
 
+// The area in parts that are read one after the other, so that the work can end between them and
+// no more is held at once than a part may hold, at most 130 MB of text. They follow each other as
+// the cells do, or lie side by side in one row.
+std::vector<Area> piecesOf(const Area& area);
+
+// How many bytes of text one reading may bring: SpreadsheetError -50 for more. A file of a few
+// kilobytes can hold gigabytes of it.
+class TextRoom {
+ public:
+  void take(std::size_t bytes) {
+    constexpr std::size_t most = 32'000'000;
+    taken_ += bytes;
+    if (taken_ > most) throw SpreadsheetError(-50, "The cells hold too much text");
+  }
+  void take(const Grid<CellValue>& values);
+
+ private:
+  std::size_t taken_ = 0;
+};
+
 template <typename T>
 Grid<T> gridFor(const Area& area) {
   refuseTooMany(area);
@@ -28,6 +48,17 @@ template <typename T>
 T& cellAt(Grid<T>& grid, int row, int column) {  // 0-based
   return grid.cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(grid.columns) +
                     static_cast<std::size_t>(column)];
+}
+
+// Puts what was read of a part of the area in its place.
+template <typename T>
+void place(Grid<T> part, const Area& at, Grid<T>& whole, const Area& area) {
+  for (int row = 0; row < part.rows; ++row) {
+    for (int column = 0; column < part.columns; ++column) {
+      cellAt(whole, at.firstRow - area.firstRow + row, at.firstColumn - area.firstColumn + column) =
+          std::move(cellAt(part, row, column));
+    }
+  }
 }
 
 // Calls `visit` with the 0-based position of every cell of `found` that lies in the area.

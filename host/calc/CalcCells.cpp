@@ -41,8 +41,8 @@ struct Place {
 class Inquiry {
  public:
   Inquiry(const Workbook& workbook, const std::string& sheet, const Reference<XCellRange>& cells,
-          const Area& area)
-      : workbook_(workbook), sheet_(sheet), cells_(cells), area_(area) {}
+          const Area& area, const CallLimits& limits)
+      : workbook_(workbook), sheet_(sheet), cells_(cells), area_(area), limits_(limits) {}
 
   // Calls `ask` with a place and its text, and `apply` with every place and the answer that fits
   // it.
@@ -55,8 +55,9 @@ class Inquiry {
                            cellCount({around}) > fewEnoughToReadAll;
     const auto texts = scattered || cellCount({around}) == 1
                            ? std::nullopt
-                           : std::optional(bulkTexts(workbook_, sheet_, around));
+                           : std::optional(bulkTexts(workbook_, sheet_, around, limits_));
     for (const Place& place : places) {
+      limits_.check();
       const std::string text =
           texts ? texts->at(area_.firstRow + place.row - around.firstRow,
                             area_.firstColumn + place.column - around.firstColumn)
@@ -92,6 +93,7 @@ class Inquiry {
   const std::string& sheet_;
   const Reference<XCellRange> cells_;
   const Area area_;
+  const CallLimits& limits_;
 };
 
 // Whether a number may be shown as truth. The cell's format tells for certain, but asking for it
@@ -133,7 +135,7 @@ constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
 
 Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbook,
                            const std::string& sheet, const Area& area,
-                           const Reference<XCellRange>& cells) {
+                           const Reference<XCellRange>& cells, const CallLimits& limits) {
   Grid<CellValue> grid = gridFor<CellValue>(area);
   std::vector<Place> errors, possibleBooleans;
   bool emptyTexts = false;
@@ -162,7 +164,7 @@ Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbo
       if (text != nullptr && text->empty()) cellAt(grid, row, column) = Blank{};
     });
   }
-  Inquiry inquiry(workbook, sheet, cells, area);
+  Inquiry inquiry(workbook, sheet, cells, area, limits);
   inquiry.about(
       possibleBooleans,
       [&](const Place& place, const std::string& text) {
@@ -189,56 +191,73 @@ Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbo
 
 namespace {
 
-Grid<CellValue> readValues(Workbook& workbook, const std::string& sheet, const Area& area,
-                           const Reference<XCellRange>& cells) {
+Grid<CellValue> readPiece(Workbook& workbook, const std::string& sheet, const Area& area,
+                          const CallLimits& limits) {
+  const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
   const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
-  return valuesFrom(cellData(source), workbook, sheet, area, cells);
+  return valuesFrom(cellData(source), workbook, sheet, area, cells, limits);
+}
+
+// The formulas of a piece of the area, in their places among the values.
+void readPiece(const Workbook& workbook, const std::string& sheet, const Area& area,
+               const Area& piece, FormulaTranslator& translator, TextRoom& room,
+               Grid<CellValue>& grid, const CallLimits& limits) {
+  const Reference<css::sheet::XCellRangeFormula> source(cellsOf(workbook, sheet, piece),
+                                                        UNO_QUERY_THROW);
+  const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
+  std::string formula;
+  for (int row = piece.firstRow; row <= piece.lastRow; ++row) {
+    const Sequence<rtl::OUString>& texts = rows[row - piece.firstRow];
+    for (int column = piece.firstColumn; column <= piece.lastColumn; ++column) {
+      const rtl::OUString& text = texts[column - piece.firstColumn];
+      if (!mayBeFormula(text)) continue;
+      limits.check();
+      CellValue& cell = cellAt(grid, row - area.firstRow, column - area.firstColumn);
+      setText(formula, text);
+      if (isConstant(formula, cell)) continue;
+      std::string written = translator.excelFormula(formula, {row, column});
+      room.take(written.size());
+      cell = std::move(written);
+    }
+  }
 }
 
 }  // namespace
 
-Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range) {
-  const Area& area = firstArea(range);
-  refuseTooMany(area);
-  return readValues(workbook, range.sheet.sheet, area, cellsOf(workbook, range.sheet.sheet, area));
-}
-
-Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
-                             const Grid<CellValue>& values) {
+Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
   const Area& area = firstArea(range);
   Grid<CellValue> grid = gridFor<CellValue>(area);
-  const Reference<css::sheet::XCellRangeFormula> source(cellsOf(workbook, range.sheet.sheet, area),
-                                                        UNO_QUERY_THROW);
-  const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
-  FormulaTranslator translator(style, sheetTest(workbook));
-  std::string formula;
-  for (int row = 0; row < grid.rows; ++row) {
-    const Sequence<rtl::OUString>& texts = rows[row];
-    for (int column = 0; column < grid.columns; ++column) {
-      const CellValue& value = values.at(row, column);
-      CellValue& cell = cellAt(grid, row, column);
-      if (!mayBeFormula(texts[column])) {
-        cell = value;
-        continue;
-      }
-      setText(formula, texts[column]);
-      if (isConstant(formula, value)) {
-        cell = value;
-      } else {
-        cell = translator.excelFormula(formula, {area.firstRow + row, area.firstColumn + column});
-      }
-    }
+  TextRoom room;
+  for (const Area& piece : piecesOf(area)) {
+    limits.check();
+    Grid<CellValue> part = readPiece(workbook, range.sheet.sheet, piece, limits);
+    room.take(part);
+    place(std::move(part), piece, grid, area);
   }
   return grid;
 }
 
-Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
+Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
+                             Grid<CellValue> values, const CallLimits& limits) {
   const Area& area = firstArea(range);
-  refuseTooMany(area);
+  FormulaTranslator translator(style, sheetTest(workbook));
+  TextRoom room;
+  for (const Area& piece : piecesOf(area)) {
+    limits.check();
+    readPiece(workbook, range.sheet.sheet, area, piece, translator, room, values, limits);
+  }
+  return values;
+}
+
+Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range,
+                                  const CallLimits& limits) {
+  const Area& area = firstArea(range);
+  Grid<CellValue> grid = readValues(workbook, range, limits);
   const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
-  Grid<CellValue> grid = readValues(workbook, range.sheet.sheet, area, cells);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  TextRoom room;
   forEachCell(query->queryFormulaCells(anyResult), area, [&](int row, int column) {
+    limits.check();
     const Reference<css::beans::XPropertySet> cell(cells->getCellByPosition(column, row),
                                                    UNO_QUERY_THROW);
     rtl::OUString text;
@@ -246,7 +265,9 @@ Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range) {
     const std::string stored = toText(cells->getCellByPosition(column, row)->getFormula());
     if (isBooleanConstant(stored) || isErrorConstant(stored)) return;
     if (text.startsWith("{") && text.endsWith("}")) text = text.copy(1, text.getLength() - 2);
-    cellAt(grid, row, column) = toText(text);
+    std::string written = toText(text);
+    room.take(written.size());
+    cellAt(grid, row, column) = std::move(written);
   });
   return grid;
 }

@@ -5,19 +5,25 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
+// All of these: SpreadsheetError -1712 when the limits are reached, -50 for more cells or more text
+// than can be handed over at once.
+
 // All of the first area.
-Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range);
+Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range, const CallLimits& limits);
 // `values` are those of the same cells: a constant is its own formula.
 Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
-                             const Grid<CellValue>& values);
-Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range);
+                             Grid<CellValue> values, const CallLimits& limits);
+Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range,
+                                  const CallLimits& limits);
 
 // The values of cells whose data were read already: what data alone do not say is asked for.
 Grid<CellValue> valuesFrom(const css::uno::Sequence<css::uno::Sequence<css::uno::Any>>& data,
                            Workbook& workbook, const std::string& sheet, const Area& area,
-                           const css::uno::Reference<css::table::XCellRange>& cells);
+                           const css::uno::Reference<css::table::XCellRange>& cells,
+                           const CallLimits& limits);
 
 }  // namespace quorin::host::calc

@@ -47,11 +47,12 @@ std::optional<std::string> oneError(const Evaluation& value) {
 }
 
 // The one value that it is; nothing for several.
-std::optional<CellValue> oneValue(CalcWorkbooks& workbooks, const Evaluation& value) {
+std::optional<CellValue> oneValue(CalcWorkbooks& workbooks, const Evaluation& value,
+                                  const CallLimits& limits) {
   if (const auto* cell = std::get_if<CellValue>(&value)) return *cell;
   const auto* range = std::get_if<RangeRef>(&value);
   if (range == nullptr || cellCount(range->areas) != 1) return std::nullopt;
-  return readValues(*workbooks.named(range->sheet.book), *range).cells.front();
+  return readValues(*workbooks.named(range->sheet.book), *range, limits).cells.front();
 }
 
 }  // namespace
@@ -59,6 +60,14 @@ std::optional<CellValue> oneValue(CalcWorkbooks& workbooks, const Evaluation& va
 Evaluation CalcEvaluator::evaluate(CalcWorkbooks& workbooks, const std::string& expression,
                                    const SheetRef& from, const CallLimits& limits) {
   Request request{workbooks, from, limits};
+  // What the user asked for may leave a link behind, whether or not it gives a value.
+  const struct Forget {
+    std::unique_ptr<ValueMirror>& mirror;
+    const bool asked;
+    ~Forget() {
+      if (asked) mirror.reset();
+    }
+  } forget{mirror_, limits.terms().asked};
   return answer(request, expression);
 }
 
@@ -90,25 +99,22 @@ Evaluation CalcEvaluator::calculated(Request& request, const std::string& expres
   if (!dryRun) return CellValue(CellError{"#NAME?"});
   if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
-  Evaluation value;
   try {
-    value = dryRun->reach.contents ? inCopy(request, expression, context)
-                                   : inMirror(request, expression, context);
+    return dryRun->reach.contents ? inCopy(request, expression, context)
+                                  : inMirror(request, expression, context);
   } catch (const TooManyCells&) {
     context = scope(request, sheets);
     context.placesAreAsked = true;
     const auto fewer = calcExpression(expression, context);  // asks before the mirror is filled
     if (!fewer || fewer->reach.anywhere || fewer->reach.contents) throw;
     context.qualify = true;
-    value = inMirror(request, expression, context);
+    return inMirror(request, expression, context);
   }
-  // What the user asked for may have left a link behind.
-  if (context.asked) mirror_.reset();
-  return value;
 }
 
 ExpressionContext CalcEvaluator::scope(Request& request, std::vector<std::string> sheets) {
-  ExpressionContext context = expressionScope(request.workbooks, request.from, std::move(sheets));
+  ExpressionContext context =
+      expressionScope(request.workbooks, request.from, std::move(sheets), request.limits);
   context.elsewhere = [](const std::string& book, const std::string& sheet) {
     return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
   };
@@ -148,7 +154,7 @@ ExpressionContext CalcEvaluator::scope(Request& request, std::vector<std::string
 std::optional<CellValue> CalcEvaluator::valueOf(Request& request, const std::string& argument) {
   const int depth = request.depth;
   try {
-    return oneValue(request.workbooks, answer(request, argument));
+    return oneValue(request.workbooks, answer(request, argument), request.limits);
   } catch (const TooManyCells&) {
     request.depth = depth;
     return std::nullopt;
@@ -158,7 +164,7 @@ std::optional<CellValue> CalcEvaluator::valueOf(Request& request, const std::str
 // The cells are found without looking at all that the workbook holds, where the argument gives one
 // text that names them.
 std::optional<std::string> CalcEvaluator::referent(Request& request, const std::string& argument) {
-  const auto value = oneValue(request.workbooks, answer(request, argument));
+  const auto value = oneValue(request.workbooks, answer(request, argument), request.limits);
   const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
   return text != nullptr ? namedByText(request.workbooks, *text, request.from) : std::nullopt;
 }
@@ -185,11 +191,12 @@ Evaluation CalcEvaluator::inMirror(Request& request, const std::string& expressi
   const CalcExpression calc = calcExpression(expression, context).value();
   mirror.bring(workbooks, calc.reach, request.limits);
   if (!calc.reach.anywhere) {
-    return mirror.formulaCells().valueOf(calc);
+    return mirror.formulaCells().valueOf(calc, request.limits);
   }
   mirror.bringNames(*original, request.limits);
   const auto [row, column] = mirror.freePlace();
-  return FormulaCells(mirror.workbook(), context.from.sheet, row, column).valueOf(calc);
+  return FormulaCells(mirror.workbook(), context.from.sheet, row, column)
+      .valueOf(calc, request.limits);
 }
 
 // Only for what values do not tell. The office does nothing else while the copy is made.
@@ -217,7 +224,7 @@ Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression
   Reference<css::sheet::XSpreadsheets>(copy.workbook().sheets, UNO_QUERY_THROW)
       ->insertNewByName(toUno(formulaSheet), std::numeric_limits<sal_Int16>::max());
   return FormulaCells(copy.workbook(), formulaSheet, 1, 1)
-      .valueOf(calcExpression(expression, context).value());
+      .valueOf(calcExpression(expression, context).value(), request.limits);
 }
 
 }  // namespace quorin::host::calc

@@ -55,9 +55,11 @@ Shown shownLines(const Workbook& workbook, const std::string& sheet, const Area&
 
 }  // namespace
 
-std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines) {
+std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines,
+                              const CallLimits& limits) {
   long long total = 0, visible = 0;
   for (const Area& area : range.areas) {
+    limits.check();
     total += lineCount(area, lines);
     // In a part of a line, hidden lines the other way would count.
     const Shown shown = shownLines(workbook, range.sheet.sheet, wholeLines(area, lines));
@@ -96,10 +98,16 @@ void setLinesHidden(QuietChanges& changes, const Workbook& workbook, const Range
   }
 }
 
-std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range) {
+std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range,
+                                         const CallLimits& limits) {
+  constexpr std::size_t mostPieces = 1'000'000;
   RangeRef visible{range.sheet, {}};
   for (const Area& area : range.areas) {
+    limits.check();
     const Shown shown = shownLines(workbook, range.sheet.sheet, area);
+    if (shown.rows.size() * shown.columns.size() > mostPieces) {
+      throw SpreadsheetError(-10000, "Too many of the rows and columns are hidden");
+    }
     for (const Run& rows : shown.rows) {
       for (const Run& columns : shown.columns) {
         visible.areas.push_back({rows.first, columns.first, rows.last, columns.last});

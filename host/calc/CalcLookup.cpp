@@ -17,6 +17,7 @@
 
 #include "host/Address.h"
 #include "host/SheetPrefix.h"
+#include "host/calc/AreaGrid.h"
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTables.h"
@@ -28,7 +29,6 @@
 namespace quorin::host::calc {
 namespace {
 
-using css::container::XNameAccess;
 using css::uno::Reference;
 using css::uno::Sequence;
 using css::uno::UNO_QUERY;
@@ -49,20 +49,6 @@ Area enclosing(const Area& a, const Area& b) {
 
 }  // namespace
 
-Reference<css::uno::XInterface> namedEntry(const Reference<css::uno::XInterface>& owner,
-                                           const char* property, const std::string& name) {
-  const Reference<css::beans::XPropertySet> properties(owner, UNO_QUERY_THROW);
-  const Reference<XNameAccess> entries(
-      properties->getPropertyValue(rtl::OUString::createFromAscii(property)), UNO_QUERY);
-  if (!entries.is()) return nullptr;
-  for (const rtl::OUString& candidate : entries->getElementNames()) {
-    if (caselesslyEqual(toText(candidate), name)) {
-      return {entries->getByName(candidate), UNO_QUERY};
-    }
-  }
-  return nullptr;
-}
-
 std::optional<RangeRef> referredCells(const Workbook& workbook,
                                       const Reference<css::uno::XInterface>& entry) {
   const Reference<css::sheet::XCellRangeReferrer> referrer(entry, UNO_QUERY);
@@ -75,9 +61,8 @@ namespace {
 
 Reference<css::uno::XInterface> definedName(const Workbook& workbook, const std::string& sheet,
                                             const std::string& name) {
-  const auto own =
-      sheet.empty() ? nullptr : namedEntry(sheetOf(workbook, sheet), "NamedRanges", name);
-  return own.is() ? own : namedEntry(workbook.document, "NamedRanges", name);
+  const auto own = sheet.empty() ? nullptr : workbook.entries.name(workbook, sheet, name);
+  return own.is() ? own : workbook.entries.name(workbook, {}, name);
 }
 
 // The areas that a name unites, which Calc itself does not tell; nothing when one of them is not on
@@ -206,22 +191,25 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
   };
   std::vector<Area> found;
   FormulaTranslator translator(ReferenceStyle::a1, sheetTest(workbook));
+  const auto look = [&](const std::string& text, int row, int column) {
+    limits.check();
+    const auto reached = cellsIn(translator.excelFormula(text, {row, column}), context);
+    if (std::any_of(reached.begin(), reached.end(), [&](const RangeRef& cells) {
+          return caselesslyEqual(cells.sheet.sheet, range.sheet.sheet) &&
+                 cells.sheet.book == range.sheet.book && touch(cells.areas, sources);
+        })) {
+      found.push_back({row, column, row, column});
+    }
+  };
   for (const auto& address : query->queryFormulaCells(anyResult)->getRangeAddresses()) {
-    const Area part = areaOf(address);
-    const auto rows = Reference<css::sheet::XCellRangeFormula>(
-                          cellsOf(workbook, range.sheet.sheet, part), UNO_QUERY_THROW)
-                          ->getFormulaArray();
-    for (int row = part.firstRow; row <= part.lastRow; ++row) {
+    for (const Area& piece : piecesOf(areaOf(address))) {
       limits.check();
-      for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
-        const std::string text = translator.excelFormula(
-            toText(rows[row - part.firstRow][column - part.firstColumn]), {row, column});
-        const auto reached = cellsIn(text, context);
-        if (std::any_of(reached.begin(), reached.end(), [&](const RangeRef& cells) {
-              return caselesslyEqual(cells.sheet.sheet, range.sheet.sheet) &&
-                     cells.sheet.book == range.sheet.book && touch(cells.areas, sources);
-            })) {
-          found.push_back({row, column, row, column});
+      const auto rows = Reference<css::sheet::XCellRangeFormula>(
+                            cellsOf(workbook, range.sheet.sheet, piece), UNO_QUERY_THROW)
+                            ->getFormulaArray();
+      for (int row = piece.firstRow; row <= piece.lastRow; ++row) {
+        for (int column = piece.firstColumn; column <= piece.lastColumn; ++column) {
+          look(toText(rows[row - piece.firstRow][column - piece.firstColumn]), row, column);
         }
       }
     }
@@ -247,11 +235,17 @@ std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef&
         rangeOf(workbook, query->queryDependents(levels == DependentLevels::all));
     if (!dependents) continue;
     std::vector<Area> fresh = dependents->areas;  // and nothing twice
-    for (const Area& known : found.areas) fresh = without(fresh, known);
+    for (const Area& known : found.areas) {
+      limits.check();
+      fresh = without(fresh, known);
+    }
     found.areas.insert(found.areas.end(), fresh.begin(), fresh.end());
   }
   // Calc counts the range itself among them, whatever stands there.
-  for (const Area& own : range.areas) found.areas = without(found.areas, own);
+  for (const Area& own : range.areas) {
+    limits.check();
+    found.areas = without(found.areas, own);
+  }
   std::vector<Area> sources = range.areas;
   if (levels == DependentLevels::all) {
     sources.insert(sources.end(), found.areas.begin(), found.areas.end());

@@ -15,10 +15,6 @@ std::optional<RangeRef> findNamed(const Workbook& workbook, const std::string& s
 std::optional<std::string> nameContent(const Workbook& workbook, const std::string& sheet,
                                        const std::string& name);
 
-// The entry of that name, in any case, in a collection that the property of the owner holds.
-css::uno::Reference<css::uno::XInterface> namedEntry(
-    const css::uno::Reference<css::uno::XInterface>& owner, const char* property,
-    const std::string& name);
 // The cells that a defined name or a table refers to, if they are a range.
 std::optional<RangeRef> referredCells(const Workbook& workbook,
                                       const css::uno::Reference<css::uno::XInterface>& entry);

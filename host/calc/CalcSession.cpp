@@ -31,6 +31,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       desktop_(css::frame::Desktop::create(connection_.context())),
       workbooks_(desktop_, connection_.context()),
       evaluator_(connection_.context()),
+      names_(connection_.context()),
       scratch_(connection_.context(), workbooks_),
       changes_(connection_.context()),
       shown_(connection_.context()),

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/calc/CalcEvaluator.h"
+#include "host/calc/CalcNames.h"
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/LineTraces.h"
 #include "host/calc/MarksKeeper.h"
@@ -34,6 +35,7 @@ class CalcSession {
   OfficeConnection& connection() { return connection_; }
   CalcWorkbooks& workbooks() { return workbooks_; }
   CalcEvaluator& evaluator() { return evaluator_; }
+  CalcNames& names() { return names_; }
   ScratchWorkbooks& scratch() { return scratch_; }
   Workbook& workbook(const std::string& book);  // the user's or a scratch one; -1728
   std::vector<std::string> workbookNames();     // the user's, then the scratch ones
@@ -92,6 +94,7 @@ class CalcSession {
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
   CalcWorkbooks workbooks_;
   CalcEvaluator evaluator_;
+  CalcNames names_;
   ScratchWorkbooks scratch_;
   QuietChanges changes_;
   ShownLines shown_;

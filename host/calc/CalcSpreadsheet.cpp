@@ -6,7 +6,6 @@
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLines.h"
 #include "host/calc/CalcLookup.h"
-#include "host/calc/CalcNames.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcTexts.h"
 #include "host/calc/CalcView.h"
@@ -215,8 +214,9 @@ Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
   const auto first = memory_.takeFirstColumn(range);
   RangeRef rest = range;
   if (first) ++rest.areas.front().firstColumn;
-  Grid<CellValue> values = call(
-      [&](CalcSession& office) { return readValues(office.workbook(range.sheet.book), rest); });
+  Grid<CellValue> values = call([&](CalcSession& office) {
+    return readValues(office.workbook(range.sheet.book), rest, limits_);
+  });
   if (first) values = withFirstColumn(*std::move(first), std::move(values));
   memory_.noteErrors(range, values);
   if (values.columns == 1) memory_.keepValues(range, values);
@@ -225,26 +225,27 @@ Grid<CellValue> CalcSpreadsheet::values(const RangeRef& range) {
 
 Grid<CellValue> CalcSpreadsheet::formulas(const RangeRef& range, ReferenceStyle style) {
   return call([&](CalcSession& office) {
-    if (auto* scratch = office.scratch().find(range.sheet.book)) return scratch->formulas(range);
+    // A chain that was given up is found by what stands in it, and closed.
+    if (auto* scratch = office.scratch().find(range.sheet.book))
+      return scratch->formulas(range, CallLimits());
     Workbook& workbook = office.workbook(range.sheet.book);
-    Grid<CellValue> values = readValues(workbook, range);
-    Grid<CellValue> formulas = readFormulas(workbook, range, style, values);
+    Grid<CellValue> values = readValues(workbook, range, limits_);
     memory_.noteErrors(range, values);
-    memory_.keepValues(range, std::move(values));
-    return formulas;
+    memory_.keepValues(range, values);
+    return readFormulas(workbook, range, style, std::move(values), limits_);
   });
 }
 
 Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return readLocalFormulas(office.workbook(range.sheet.book), range);
+    return readLocalFormulas(office.workbook(range.sheet.book), range, limits_);
   });
 }
 
 Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
   const Errors errors = memory_.hasNoErrors(range) ? Errors::none : Errors::possible;
   return call([&](CalcSession& office) {
-    return readTexts(office.workbook(range.sheet.book), range, errors);
+    return readTexts(office.workbook(range.sheet.book), range, errors, limits_);
   });
 }
 
@@ -260,13 +261,14 @@ std::optional<RangeRef> CalcSpreadsheet::visibleRange() {
 
 std::vector<DefinedName> CalcSpreadsheet::definedNames(const std::string& book) {
   return memory_.definedNames(book, [&] {
-    return call([&](CalcSession& office) { return listNames(office.workbook(book), limits_); });
+    return call(
+        [&](CalcSession& office) { return office.names().of(office.workbook(book), limits_); });
   });
 }
 
 std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) {
   return call([&](CalcSession& office) {
-    return areHidden(office.workbook(range.sheet.book), range, lines);
+    return areHidden(office.workbook(range.sheet.book), range, lines, limits_);
   });
 }
 
@@ -281,7 +283,7 @@ void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
 
 std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {
   return call([&](CalcSession& office) {
-    return findVisibleCells(office.workbook(range.sheet.book), range);
+    return findVisibleCells(office.workbook(range.sheet.book), range, limits_);
   });
 }
 

@@ -26,7 +26,7 @@ bool flag(const Reference<XPropertySet>& properties, const char* name) {
 
 // The column whose header has that text; 0 when none has.
 int columnNamed(const Workbook& workbook, const RangeRef& headers, const std::string& name) {
-  const Grid<std::string> texts = readTexts(workbook, headers);
+  const Grid<std::string> texts = readTexts(workbook, headers, Errors::none, CallLimits());
   for (std::size_t i = 0; i < texts.cells.size(); ++i) {
     if (caselesslyEqual(texts.cells[i], name)) {
       return headers.areas.front().firstColumn + static_cast<int>(i);
@@ -57,8 +57,7 @@ bool chooseRows(Area& area, bool header, bool total, const TableItems& items,
 
 std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& table,
                                   const TableItems& items, std::optional<int> row) {
-  const Reference<css::uno::XInterface> entry =
-      namedEntry(workbook.document, "DatabaseRanges", table);
+  const Reference<css::uno::XInterface> entry = workbook.entries.table(workbook, table);
   if (!entry.is()) return std::nullopt;
   auto range = referredCells(workbook, entry);
   if (!range) return std::nullopt;

@@ -27,10 +27,12 @@ using css::uno::Sequence;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
-Grid<std::string> textsOneByOne(const Reference<XCellRange>& cells, const Area& area) {
+Grid<std::string> textsOneByOne(const Reference<XCellRange>& cells, const Area& area,
+                                const CallLimits& limits) {
   Grid<std::string> grid = gridFor<std::string>(area);
   for (int row = 0; row < grid.rows; ++row) {
     for (int column = 0; column < grid.columns; ++column) {
+      limits.check();
       const Reference<css::text::XTextRange> cell(cells->getCellByPosition(column, row),
                                                   UNO_QUERY_THROW);
       cellAt(grid, row, column) = toText(cell->getString());
@@ -58,11 +60,13 @@ Sequence<rtl::OUString> shownTexts(const Workbook& workbook, const std::string& 
 }
 
 // An error shows as Excel's text for it, whatever Calc calls it in the user's language.
-void nameErrors(const Reference<XCellRange>& cells, const Area& area, Grid<std::string>& texts) {
+void nameErrors(const Reference<XCellRange>& cells, const Area& area, Grid<std::string>& texts,
+                const CallLimits& limits) {
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
   std::map<std::string, std::string> names;
   const auto errors = query->queryFormulaCells(css::sheet::FormulaResult::ERROR);
   forEachCell(errors, area, [&](int row, int column) {
+    limits.check();
     std::string& text = cellAt(texts, row, column);
     auto name = names.find(text);
     if (name == names.end() || text.empty()) {
@@ -76,7 +80,8 @@ void nameErrors(const Reference<XCellRange>& cells, const Area& area, Grid<std::
 }  // namespace
 
 // All of them in one call, or in two: of exactly the filled part when something was cut off.
-Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area) {
+Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area,
+                            const CallLimits& limits) {
   Grid<std::string> grid = gridFor<std::string>(area);
   Area told = area;
   Sequence<rtl::OUString> texts = shownTexts(workbook, sheet, told);
@@ -86,7 +91,7 @@ Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, 
     if (!filled) return grid;
     told = *filled;
     texts = shownTexts(workbook, sheet, told);
-    if (texts.getLength() != cellCount({told})) return textsOneByOne(cells, area);
+    if (texts.getLength() != cellCount({told})) return textsOneByOne(cells, area, limits);
   }
   const int rows = rowCount(told);
   for (sal_Int32 i = 0; i < texts.getLength(); ++i) {
@@ -96,15 +101,33 @@ Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, 
   return grid;
 }
 
-Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors) {
-  const Area& area = firstArea(range);
+namespace {
+
+Grid<std::string> readPiece(const Workbook& workbook, const std::string& sheet, const Area& area,
+                            Errors errors, const CallLimits& limits) {
   const bool several = area.firstRow != area.lastRow || area.firstColumn != area.lastColumn;
-  if (several && errors == Errors::none) return bulkTexts(workbook, range.sheet.sheet, area);
-  const Reference<XCellRange> cells = cellsOf(workbook, range.sheet.sheet, area);
+  if (several && errors == Errors::none) return bulkTexts(workbook, sheet, area, limits);
+  const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
   Grid<std::string> texts =
-      several ? bulkTexts(workbook, range.sheet.sheet, area) : textsOneByOne(cells, area);
-  if (errors == Errors::possible) nameErrors(cells, area, texts);
+      several ? bulkTexts(workbook, sheet, area, limits) : textsOneByOne(cells, area, limits);
+  if (errors == Errors::possible) nameErrors(cells, area, texts, limits);
   return texts;
+}
+
+}  // namespace
+
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
+                            const CallLimits& limits) {
+  const Area& area = firstArea(range);
+  Grid<std::string> grid = gridFor<std::string>(area);
+  TextRoom room;
+  for (const Area& piece : piecesOf(area)) {
+    limits.check();
+    Grid<std::string> part = readPiece(workbook, range.sheet.sheet, piece, errors, limits);
+    for (const std::string& text : part.cells) room.take(text.size());
+    place(std::move(part), piece, grid, area);
+  }
+  return grid;
 }
 
 }  // namespace quorin::host::calc

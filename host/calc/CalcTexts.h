@@ -5,6 +5,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
@@ -13,11 +14,12 @@ namespace quorin::host::calc {
 enum class Errors { possible, none };
 
 // All of the first area.
-Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range,
-                            Errors errors = Errors::possible);
+Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
+                            const CallLimits& limits);
 
 // Errors in the user's language. A call or two for all of them, which for one cell takes longer
 // than its own text.
-Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area);
+Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, const Area& area,
+                            const CallLimits& limits);
 
 }  // namespace quorin::host::calc

@@ -45,6 +45,7 @@ void CalcWorkbooks::keepReading(bool keep) {
   kept_ = false;
   active_.reset();
   sheets_.clear();
+  for (const auto& workbook : workbooks_) workbook->entries.keep(keep);
 }
 
 void CalcWorkbooks::forgetActive() {
@@ -105,6 +106,7 @@ std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::
     workbook->document.set(model, UNO_QUERY_THROW);
     workbook->sheets.set(workbook->document->getSheets(), UNO_QUERY_THROW);
     workbook->uid = uidOf(model);
+    workbook->entries.keep(keeping_);
     QuietChanges::heal(*workbook);
   }
   workbook->url = toText(model->getURL());

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/NamedEntries.h"
 #include "host/calc/WorkbookNames.h"
 
 namespace quorin::host::calc {
@@ -41,6 +42,7 @@ struct Workbook {
   std::map<sal_Int32, bool> booleanFormats;  // number format key: is it a format of booleans?
   // Tells displayed texts; made when they are first asked for.
   mutable css::uno::Reference<css::chart2::data::XDataProvider> shownTexts;
+  mutable KeptEntries entries;  // names and tables
 };
 
 // What a document is known by as long as it is open, whatever it is called.

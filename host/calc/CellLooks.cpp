@@ -70,7 +70,7 @@ std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const
   const auto target = cellsOf(ours, sheet, standIn);
   const Reference<XPropertySet> from(source, UNO_QUERY_THROW), to(target, UNO_QUERY_THROW);
   try {
-    writeValues(sheetOf(ours, sheet), standIn, readValues(theirs, cell));
+    writeValues(sheetOf(ours, sheet), standIn, readValues(theirs, cell, CallLimits()));
     adopt(to, from, {"HoriJustify", "CellProtection"});
     to->setPropertyValue("NumberFormat",
                          sameFormat(ours, theirs, from->getPropertyValue("NumberFormat")));
@@ -82,8 +82,8 @@ std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const
   } catch (const css::uno::Exception&) {
     return std::nullopt;
   }
-  const Evaluation told =
-      formulas.valueOf({"CELL(\"" + kind + "\";" + calcAddress(sheet, standIn) + ")", {}, true});
+  const Evaluation told = formulas.valueOf(
+      {"CELL(\"" + kind + "\";" + calcAddress(sheet, standIn) + ")", {}, true}, CallLimits());
   constexpr sal_Int32 everything = 1023;
   Reference<css::sheet::XSheetOperation>(target, UNO_QUERY_THROW)->clearContents(everything);
   const auto* value = std::get_if<CellValue>(&told);

@@ -33,9 +33,10 @@ Reference<css::table::XTableRows> rowsOf(const Workbook& workbook, const std::st
 }
 
 // The runs of rows between those of which something is shown.
-std::vector<RowRun> hiddenRuns(const Workbook& workbook, const SheetRef& sheet, const Area& area) {
+std::vector<RowRun> hiddenRuns(const Workbook& workbook, const SheetRef& sheet, const Area& area,
+                               const CallLimits& limits) {
   const auto shown =
-      findVisibleCells(workbook, {sheet, {{area.firstRow, 1, area.lastRow, maxColumn}}});
+      findVisibleCells(workbook, {sheet, {{area.firstRow, 1, area.lastRow, maxColumn}}}, limits);
   std::vector<RowRun> runs;
   int next = area.firstRow;
   for (const Area& part : shown ? shown->areas : std::vector<Area>()) {
@@ -46,16 +47,18 @@ std::vector<RowRun> hiddenRuns(const Workbook& workbook, const SheetRef& sheet, 
   return runs;
 }
 
-std::vector<RowRun> hiddenRows(const Workbook& workbook, const SheetRef& sheet, const Area& area) {
+std::vector<RowRun> hiddenRows(const Workbook& workbook, const SheetRef& sheet, const Area& area,
+                               const CallLimits& limits) {
   std::vector<RowRun> result;
   int asked = 0;
-  for (const RowRun& run : hiddenRuns(workbook, sheet, area)) {
+  for (const RowRun& run : hiddenRuns(workbook, sheet, area, limits)) {
     const auto rows = rowsOf(workbook, sheet.sheet, run.first, run.last);
     asked += run.last - run.first + 1;
     if (asked > mostHiddenRows) {
       throw SpreadsheetError(-50, "Too many of the rows that the expression looks at are hidden");
     }
     for (int row = run.first; row <= run.last; ++row) {
+      limits.check();
       bool filtered = false;
       Reference<XPropertySet>(rows->getByIndex(row - run.first), UNO_QUERY_THROW)
           ->getPropertyValue("IsFiltered") >>= filtered;
@@ -78,7 +81,7 @@ bool isSubtotal(const rtl::OUString& formula) {
   return false;
 }
 
-CellKinds readKinds(const Workbook& workbook, const RangeRef& range) {
+CellKinds readKinds(const Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
   constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
                                   css::sheet::FormulaResult::STRING |
                                   css::sheet::FormulaResult::ERROR;
@@ -94,6 +97,7 @@ CellKinds readKinds(const Workbook& workbook, const RangeRef& range) {
   for (const auto& address : formulas) {
     const Area part = areaOf(address);
     for (int row = part.firstRow; row <= part.lastRow; ++row) {
+      limits.check();
       for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
         const int down = row - area.firstRow, across = column - area.firstColumn;
         const long long place = static_cast<long long>(down) * columnCount(area) + across;
@@ -107,8 +111,9 @@ CellKinds readKinds(const Workbook& workbook, const RangeRef& range) {
 
 }  // namespace
 
-CellTraits readTraits(const Workbook& workbook, const RangeRef& range) {
-  return {hiddenRows(workbook, range.sheet, firstArea(range)), readKinds(workbook, range)};
+CellTraits readTraits(const Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
+  return {hiddenRows(workbook, range.sheet, firstArea(range), limits),
+          readKinds(workbook, range, limits)};
 }
 
 void hideRows(Workbook& ours, const std::string& sheet, const std::vector<RowRun>& runs,

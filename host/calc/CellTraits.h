@@ -8,6 +8,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 #include "host/calc/CellWriter.h"
 
 namespace quorin::host::calc {
@@ -25,7 +26,7 @@ struct CellTraits {
 };
 
 // Of one area. SpreadsheetError -50 when more of its rows are hidden than can be asked about.
-CellTraits readTraits(const Workbook& workbook, const RangeRef& range);
+CellTraits readTraits(const Workbook& workbook, const RangeRef& range, const CallLimits& limits);
 
 // Hides the rows, or shows them again.
 void hideRows(Workbook& ours, const std::string& sheet, const std::vector<RowRun>& runs,

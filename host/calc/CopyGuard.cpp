@@ -58,8 +58,8 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
     for (const auto& address : formulas->getRangeAddresses()) {
       limits.check();
       const RangeRef cells{context.from, {areaOf(address)}};
-      const Grid<CellValue> texts =
-          readFormulas(workbook, cells, ReferenceStyle::a1, readValues(workbook, cells));
+      const Grid<CellValue> texts = readFormulas(workbook, cells, ReferenceStyle::a1,
+                                                 readValues(workbook, cells, limits), limits);
       for (const CellValue& text : texts.cells) {
         if (const auto* formula = std::get_if<std::string>(&text)) refuseFormula(*formula, context);
       }

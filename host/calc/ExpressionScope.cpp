@@ -59,11 +59,13 @@ std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& b
   return std::nullopt;
 }
 
-std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeRef& cells) {
+std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeRef& cells,
+                                          const CallLimits& limits) {
   constexpr long long most = 1000;
   if (cellCount(cells.areas) > most) return std::nullopt;
   Workbook& workbook = *workbooks.named(cells.sheet.book);
-  return readFormulas(workbook, cells, ReferenceStyle::a1, readValues(workbook, cells));
+  return readFormulas(workbook, cells, ReferenceStyle::a1, readValues(workbook, cells, limits),
+                      limits);
 }
 
 std::string fileNameOf(CalcWorkbooks& workbooks, const SheetRef& sheet) {
@@ -130,7 +132,7 @@ void lookElsewhere(ExpressionContext& context, CalcWorkbooks& workbooks) {
 }
 
 ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
-                                  std::vector<std::string> sheets) {
+                                  std::vector<std::string> sheets, const CallLimits& limits) {
   ExpressionContext context{.from = from, .sheets = std::move(sheets)};
   lookElsewhere(context, workbooks);
   context.here = [&workbooks, from] { return activePlace(workbooks, from); };
@@ -150,7 +152,9 @@ ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from
                                          const TableItems& items) {
     return tablePartText(workbooks, from, book, table, items);
   };
-  context.formulas = [&workbooks](const RangeRef& cells) { return formulasOf(workbooks, cells); };
+  context.formulas = [&workbooks, &limits](const RangeRef& cells) {
+    return formulasOf(workbooks, cells, limits);
+  };
   context.fileName = [&workbooks](const SheetRef& sheet) { return fileNameOf(workbooks, sheet); };
   return context;
 }

@@ -4,12 +4,14 @@
 
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
-// The context refers to both arguments, which have to outlive it. The caller adds `elsewhere`.
+// The context refers to the workbooks and the limits, which have to outlive it. The caller adds
+// `elsewhere`.
 ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
-                                  std::vector<std::string> sheets);
+                                  std::vector<std::string> sheets, const CallLimits& limits);
 
 // Lets an expression of a workbook of ours name what is in the user's. The context refers to the
 // workbooks, which have to outlive it.
@@ -23,7 +25,8 @@ std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& b
 std::string excelText(const RangeRef& range, const std::string& book);
 
 // What stands in the cells; nothing where these are too many to be told one by one.
-std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeRef& cells);
+std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeRef& cells,
+                                          const CallLimits& limits);
 
 // "/folder/[Book.xlsx]Sheet"; empty when the workbook has no file.
 std::string fileNameOf(CalcWorkbooks& workbooks, const SheetRef& sheet);

@@ -79,21 +79,20 @@ ResultSize FormulaCells::sizeOf(const CalcExpression& expression) {
   return sizeFrom(data_->getDataArray()[0][0]);
 }
 
-Evaluation FormulaCells::valueOf(const CalcExpression& expression) {
+Evaluation FormulaCells::valueOf(const CalcExpression& expression, const CallLimits& limits) {
   const ResultSize size = sizeOf(expression);
   if (size.isTooLarge()) throw SpreadsheetError(-50, "The result has too many cells");
   const std::string text = "=" + expression.text;
   if (size.rows == 1 && size.columns == 1) {
     const Formula formula(formula_, contents_, text);
-    auto one = valuesFrom(data_->getDataArray(), workbook_, sheet_, first_, cell_);
+    auto one = valuesFrom(data_->getDataArray(), workbook_, sheet_, first_, cell_, limits);
     return std::move(one.cells.front());
   }
   const Area area{first_.firstRow, first_.firstColumn, first_.firstRow + size.rows - 1,
                   first_.firstColumn + size.columns - 1};
   const Reference<XCellRange> cells = cellsOf(workbook_, sheet_, area);
   const Formula formula({cells, UNO_QUERY_THROW}, {cells, UNO_QUERY_THROW}, text);
-  const Reference<css::sheet::XCellRangeData> data(cells, UNO_QUERY_THROW);
-  return valuesFrom(data->getDataArray(), workbook_, sheet_, area, cells);
+  return readValues(workbook_, {{{}, sheet_}, {area}}, limits);
 }
 
 }  // namespace quorin::host::calc

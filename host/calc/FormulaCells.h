@@ -11,6 +11,7 @@
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
@@ -27,8 +28,9 @@ class FormulaCells {
 
   // How many cells the expression, in Calc's grammar without "=", fills.
   ResultSize sizeOf(const CalcExpression& expression);
-  // What it gives as an array formula. SpreadsheetError -50 when that is too many cells.
-  Evaluation valueOf(const CalcExpression& expression);
+  // What it gives as an array formula. SpreadsheetError -50 when that is too many cells
+  // or too much text.
+  Evaluation valueOf(const CalcExpression& expression, const CallLimits& limits);
 
  private:
   // One array formula in some of the cells, which are blank again afterwards.

@@ -1,15 +1,12 @@
 #include "host/calc/QuietChanges.h"
 
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/container/XNameContainer.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
-#include <com/sun/star/script/XLibraryContainer.hpp>
-#include <com/sun/star/script/provider/XScriptProviderSupplier.hpp>
 #include <com/sun/star/util/NotLockedException.hpp>
+#include <optional>
 #include <utility>
 
 #include "host/calc/Arguments.h"
-#include "host/calc/HiddenWorkbook.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -24,7 +21,7 @@ using css::uno::XInterface;
 // in between; ours does not. A shape that is gone already is left alone without an error, hence the
 // counting: the fresh one must not come where the old one was taken out to be saved without it.
 constexpr const char* macroText = R"(
-Function change(model, what, target, first, second)
+Function perform(model, what, target, first, second)
   EnableReschedule False
   On Error Goto failed
   Dim undo, modified, locked, count, message
@@ -57,7 +54,7 @@ leave:
     If Not modified Then model.setModified(False)
   End If
   EnableReschedule True
-  change = message
+  perform = message
   Exit Function
 failed:
   message = "Error " & Err & ": " & Error$
@@ -78,40 +75,18 @@ void unlock(const Reference<css::document::XUndoManager>& undo) {
   }
 }
 
-Reference<css::script::provider::XScript> installMacro(const Workbook& home) {
-  const Reference<css::script::XLibraryContainer> libraries(
-      Reference<css::beans::XPropertySet>(home.model, UNO_QUERY_THROW)
-          ->getPropertyValue("BasicLibraries"),
-      UNO_QUERY_THROW);
-  libraries->createLibrary("Quorin")->insertByName("Changes", Any(toUno(macroText)));
-  return Reference<css::script::provider::XScriptProviderSupplier>(home.model, UNO_QUERY_THROW)
-      ->getScriptProvider()
-      ->getScript("vnd.sun.star.script:Quorin.Changes.change?language=Basic&location=document");
-}
-
 }  // namespace
 
 QuietChanges::QuietChanges(Reference<css::uno::XComponentContext> context)
-    : context_(std::move(context)) {}
-
-QuietChanges::~QuietChanges() = default;
-
-void QuietChanges::prepare() {
-  std::call_once(prepared_, [this] {
-    try {
-      home_ = std::make_unique<HiddenWorkbook>(context_);
-      macro_ = installMacro(home_->workbook());
-    } catch (const css::uno::Exception&) {
-      home_.reset();
-    }
-  });
-}
+    : macro_(std::move(context), macroText) {}
 
 void QuietChanges::change(const Workbook& workbook, const char* what,
                           const Reference<XInterface>& target, const Any& first, const Any& second,
                           const std::function<void()>& otherwise) {
-  prepare();
-  if (!macro_.is()) {
+  const std::optional<Any> told =
+      macro_.run(sequenceOf<Any>({Any(workbook.model), Any(rtl::OUString::createFromAscii(what)),
+                                  Any(target), first, second}));
+  if (!told) {
     const Reference<css::document::XUndoManager> undo = undoManagerOf(workbook);
     undo->lock();
     try {
@@ -122,12 +97,8 @@ void QuietChanges::change(const Workbook& workbook, const char* what,
     }
     return unlock(undo);
   }
-  css::uno::Sequence<sal_Int16> places;
-  css::uno::Sequence<Any> results;
   rtl::OUString message;
-  macro_->invoke(sequenceOf<Any>({Any(workbook.model), Any(rtl::OUString::createFromAscii(what)),
-                                  Any(target), first, second}),
-                 places, results) >>= message;
+  *told >>= message;
   if (!message.isEmpty()) throw css::uno::RuntimeException(message, nullptr);
 }
 

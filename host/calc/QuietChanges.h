@@ -10,17 +10,13 @@
 
 #include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/drawing/XShape.hpp>
-#include <com/sun/star/script/provider/XScript.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <functional>
-#include <memory>
-#include <mutex>
 
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/OfficeMacro.h"
 
 namespace quorin::host::calc {
-
-class HiddenWorkbook;
 
 class QuietChanges {
  public:
@@ -28,12 +24,9 @@ class QuietChanges {
   using Shape = css::uno::Reference<css::drawing::XShape>;
 
   explicit QuietChanges(css::uno::Reference<css::uno::XComponentContext> context);
-  ~QuietChanges();
-  QuietChanges(const QuietChanges&) = delete;
-  QuietChanges& operator=(const QuietChanges&) = delete;
 
   // What the first change would do otherwise, about a tenth of a second.
-  void prepare();
+  void prepare() { macro_.prepare(); }
 
   // All of these throw UNO's exceptions, with nothing changed.
   void add(const Workbook& workbook, const Page& page, const Shape& shape);
@@ -51,10 +44,7 @@ class QuietChanges {
               const css::uno::Reference<css::uno::XInterface>& target, const css::uno::Any& first,
               const css::uno::Any& second, const std::function<void()>& otherwise);
 
-  const css::uno::Reference<css::uno::XComponentContext> context_;
-  std::once_flag prepared_;
-  std::unique_ptr<HiddenWorkbook> home_;                       // of the macro
-  css::uno::Reference<css::script::provider::XScript> macro_;  // none: the office runs no macros
+  OfficeMacro macro_;
 };
 
 }  // namespace quorin::host::calc

@@ -71,8 +71,8 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   };
   lookElsewhere(context, workbooks);
   context.formulas = [&](const RangeRef& cells) {
-    return cells.sheet.book == name_ ? std::optional(formulas(cells))
-                                     : formulasOf(workbooks, cells);
+    return cells.sheet.book == name_ ? std::optional(formulas(cells, limits))
+                                     : formulasOf(workbooks, cells, limits);
   };
   context.fileName = [&](const SheetRef& sheet) {
     return sheet.book == name_ ? std::string() : fileNameOf(workbooks, sheet);
@@ -124,8 +124,8 @@ bool ScratchWorkbook::isBlank(const Area& area) {
   return !findFilledPart(cellsOf(workbook(), onlySheet, area));
 }
 
-Grid<CellValue> ScratchWorkbook::formulas(const RangeRef& range) {
-  Grid<CellValue> grid = readValues(workbook(), range);
+Grid<CellValue> ScratchWorkbook::formulas(const RangeRef& range, const CallLimits& limits) {
+  Grid<CellValue> grid = readValues(workbook(), range, limits);
   const Area& area = firstArea(range);
   for (const auto& [cell, text] : written_) {
     const auto [row, column] = cell;

@@ -29,7 +29,7 @@ class ScratchWorkbook {
   void setFormula(CalcWorkbooks& workbooks, const RangeRef& range, const std::string& formula,
                   const CallLimits& limits);
   // As they were written, and the values of cells without one.
-  Grid<CellValue> formulas(const RangeRef& range);
+  Grid<CellValue> formulas(const RangeRef& range, const CallLimits& limits);
 
  private:
   using Cell = std::pair<int, int>;  // row and column

@@ -8,6 +8,7 @@
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
 
 #include "host/Address.h"
+#include "host/calc/AreaGrid.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
@@ -226,13 +227,15 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const Call
     for (const Area& area : covering) areas.push_back({range.sheet, {area}});
   }
   std::vector<Block> blocks;
+  TextRoom room;
   for (const RangeRef& range : areas) {
     for (const Area& piece : pieces(range.areas.front())) {
       limits.check();
       const std::shared_ptr<Workbook> source = workbooks.named(range.sheet.book);
       const RangeRef part{range.sheet, {piece}};
-      blocks.push_back({mirrored(range.sheet), piece, readValues(*source, part),
-                        reach.traits ? readTraits(*source, part) : CellTraits()});
+      blocks.push_back({mirrored(range.sheet), piece, readValues(*source, part, limits),
+                        reach.traits ? readTraits(*source, part, limits) : CellTraits()});
+      room.take(blocks.back().values);
     }
   }
   if (blocks == blocks_) return;

@@ -98,6 +98,22 @@ bool caselesslyEqual(std::string_view a, std::string_view b) {
   return lowerCodePoints(a) == lowerCodePoints(b);
 }
 
+std::string withoutCase(std::string_view text) {
+  std::string lower(text);
+  if (asciiPrefix(text) == text.size()) {
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowerASCII);
+    return lower;
+  }
+  if (!isValidUTF8(text)) return lower;
+  lower.clear();
+  for (const utf8proc_int32_t point : lowerCodePoints(text)) {
+    utf8proc_uint8_t bytesOfPoint[4];
+    const auto length = utf8proc_encode_char(point, bytesOfPoint);
+    lower.append(reinterpret_cast<const char*>(bytesOfPoint), static_cast<std::size_t>(length));
+  }
+  return lower;
+}
+
 std::optional<std::size_t> graphemeCount(std::string_view text) {
   std::size_t count = 0;
   std::size_t position = 0;

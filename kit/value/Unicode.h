@@ -44,6 +44,9 @@ bool canonicallyEqual(std::string_view a, std::string_view b);
 // Text that is not valid UTF-8 equals only the same bytes.
 bool caselesslyEqual(std::string_view a, std::string_view b);
 
+// The same for all texts that are caselesslyEqual, and for no others.
+std::string withoutCase(std::string_view text);
+
 // User-perceived characters (extended grapheme clusters); none when the text is not valid UTF-8.
 std::optional<std::size_t> graphemeCount(std::string_view text);
 

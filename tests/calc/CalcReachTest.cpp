@@ -122,5 +122,35 @@ TEST_F(CalcReach, AsksOnceTheUserWantsItAndNeverForTheNextRequest) {
   EXPECT_EQ(deep({call, "LEN(A1)"}), refusal("WEBSERVICE"));
 }
 
+TEST_F(CalcReach, LeavesNothingBehindOfWhatWasAskedForAndFailed) {
+  const std::string call = "LEN(WEBSERVICE(\"" + listener->url() + "fails\"))";
+  const auto asked = [&] {
+    const auto all = listener->requests();
+    return std::count_if(all.begin(), all.end(), [](const std::string& each) {
+      return each.find("/fails") != std::string::npos;
+    });
+  };
+  // Too many cells for an answer.
+  const std::string large = "ROW(A1:A300000)*" + call;
+  EXPECT_THAT(ask("evaluate", {large, "asked"}), HasSubstr("too many cells"));
+  const auto before = asked();
+  EXPECT_GT(before, 0);
+  EXPECT_EQ(ask("evaluate", {call, "asked"}), R"({"ok":true,"value":4})");
+  EXPECT_GT(asked(), before) << "answered by what the first one left";
+}
+
+TEST_F(CalcReach, LeavesNothingOfACallThatTimedOutToTheNext) {
+  listener->hold();
+  try {
+    road->thread().call("qx_evaluate", {"LEN(W)+1"}, 0, true);
+    ADD_FAILURE() << "no time-out";
+  } catch (const ExcelError& failure) {
+    EXPECT_EQ(failure.code(), ExcelError::timedOut);
+  }
+  listener->release();
+  EXPECT_EQ(evaluate("LEN(W)+1"), refusal("WEBSERVICE"));
+  EXPECT_EQ(evaluate("A1*2"), R"({"ok":true,"value":10})");
+}
+
 }  // namespace
 }  // namespace quorin::host::calc

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <arpa/inet.h>
+#include <condition_variable>
 #include <mutex>
 #include <netinet/in.h>
 #include <string>
@@ -28,6 +29,7 @@ class LoopbackListener {
     thread_ = std::thread([this] { serve(); });
   }
   ~LoopbackListener() {
+    release();
     ::shutdown(socket_, SHUT_RDWR);
     thread_.join();
     ::close(socket_);
@@ -38,6 +40,10 @@ class LoopbackListener {
   // "http://127.0.0.1:40123/"
   std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
 
+  // Requests are answered only after release().
+  void hold() { hold(true); }
+  void release() { hold(false); }
+
   // The first lines of all requests so far; a connection without one counts as an empty line.
   std::vector<std::string> requests() {
     const std::lock_guard lock(mutex_);
@@ -45,14 +51,21 @@ class LoopbackListener {
   }
 
  private:
+  void hold(bool held) {
+    const std::lock_guard lock(mutex_);
+    held_ = held;
+    changed_.notify_all();
+  }
+
   void serve() {
     for (int peer; (peer = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
       char bytes[4096];
       const ssize_t count = ::recv(peer, bytes, sizeof bytes, 0);
       const std::string text(bytes, count > 0 ? static_cast<std::size_t>(count) : 0);
       {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
         requests_.push_back(text.substr(0, text.find('\r')));
+        changed_.wait(lock, [this] { return !held_; });
       }
       const std::string reply =
           "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 4\r\n"
@@ -64,8 +77,10 @@ class LoopbackListener {
 
   int socket_;
   int port_ = 0;
-  std::mutex mutex_;  // guards the next field
+  std::mutex mutex_;  // guards the next two
+  bool held_ = false;
   std::vector<std::string> requests_;
+  std::condition_variable changed_;
   std::thread thread_;  // last: it uses the others
 };
 

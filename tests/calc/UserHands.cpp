@@ -227,6 +227,16 @@ void UserHands::removeRows(const std::string& book, const std::string& sheet, in
       ->removeByIndex(row - 1, count);
 }
 
+void UserHands::renameName(const std::string& book, const std::string& name,
+                           const std::string& fresh) {
+  const Reference<css::container::XNameAccess> names(
+      Reference<css::beans::XPropertySet>(objects_->workbook(book), UNO_QUERY_THROW)
+          ->getPropertyValue("NamedRanges"),
+      UNO_QUERY_THROW);
+  Reference<css::container::XNamed>(names->getByName(toUno(name)), UNO_QUERY_THROW)
+      ->setName(toUno(fresh));
+}
+
 void UserHands::renameSheet(const std::string& book, const std::string& sheet,
                             const std::string& name) {
   Reference<css::container::XNamed>(objects_->sheet(book, sheet), UNO_QUERY_THROW)

@@ -45,6 +45,7 @@ class UserHands {
   void saveAs(const std::string& book, const std::string& file);  // as a workbook of Excel's
   void insertRows(const std::string& book, const std::string& sheet, int row, int count);
   void removeRows(const std::string& book, const std::string& sheet, int row, int count);
+  void renameName(const std::string& book, const std::string& name, const std::string& fresh);
   void renameSheet(const std::string& book, const std::string& sheet, const std::string& name);
   void copySheet(const std::string& book, const std::string& sheet, const std::string& copy);
   void deleteSheet(const std::string& book, const std::string& sheet);

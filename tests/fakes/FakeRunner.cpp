@@ -40,6 +40,11 @@ class FakeExcel::Runner : public ScriptRunner {
     return excel_.compileError_;
   }
 
+  void prepare(const CallTerms& terms) override {
+    const std::lock_guard lock(excel_.mutex_);
+    excel_.terms_.push_back(terms);
+  }
+
   ScriptReply execute(const AppleEvent& event) override {
     Answer answer;
     {
@@ -100,6 +105,11 @@ std::vector<FakeExcel::Call> FakeExcel::calls() const {
 std::vector<AppleEvent> FakeExcel::events() const {
   const std::lock_guard lock(mutex_);
   return events_;
+}
+
+std::vector<CallTerms> FakeExcel::terms() const {
+  const std::lock_guard lock(mutex_);
+  return terms_;
 }
 
 std::vector<std::string> FakeExcel::threads() const {

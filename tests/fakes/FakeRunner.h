@@ -39,6 +39,7 @@ class FakeExcel {
 
   std::vector<Call> calls() const;
   std::vector<AppleEvent> events() const;
+  std::vector<CallTerms> terms() const;      // of each call; they may be asked while it runs
   std::vector<std::string> threads() const;  // names of the threads that compiled and executed
   std::string source() const;                // as it was given to the compiler
   int runnersAlive() const;
@@ -54,6 +55,7 @@ class FakeExcel {
   std::optional<ScriptErrorInfo> compileError_;
   std::function<void()> onCompile_;
   std::vector<AppleEvent> events_;
+  std::vector<CallTerms> terms_;
   std::vector<std::string> threads_;
   std::string source_;
   int runnersAlive_ = 0;

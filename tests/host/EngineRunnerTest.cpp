@@ -110,6 +110,16 @@ on sheetNames()
 end sheetNames
 )script";
 
+// Remembers under which terms its handlers ran.
+class TermsSpreadsheet : public fakes::MemorySpreadsheet {
+ public:
+  void handlerBegins(const CallTerms& terms) override { asked.push_back(terms.asked); }
+  void handlerEnds() override { ++ended; }
+
+  std::vector<bool> asked;
+  int ended = 0;
+};
+
 class EngineRunnerTest : public ::testing::Test {
  protected:
   EngineRunnerTest() {
@@ -244,6 +254,20 @@ TEST_F(EngineRunnerTest, PassesTheSpreadsheetsErrorsOn) {
   ASSERT_TRUE(reply.error);
   EXPECT_EQ(reply.error->number, -609);
   EXPECT_EQ(reply.error->message, "Microsoft Excel got an error: Connection is invalid.");
+}
+
+TEST_F(EngineRunnerTest, RunsOneHandlerAloneUnderTheTermsOfItsCall) {
+  auto owned = std::make_unique<TermsSpreadsheet>();
+  TermsSpreadsheet& memory = *owned;
+  memory.open(fakes::knownWorkbook());
+  memory.script.atEvery("activeCell", {.number = -609, .message = "Connection is invalid."});
+  EngineRunner runner(std::make_unique<ExcelObjectModel>(std::move(owned)));
+  ASSERT_FALSE(runner.compile(library));
+  runner.prepare({.asked = true});
+  EXPECT_TRUE(runner.execute(call("whereAmI", {})).error);
+  EXPECT_FALSE(runner.execute(call("whatIsOpen", {})).error);
+  EXPECT_EQ(memory.asked, (std::vector<bool>{true, false}));
+  EXPECT_EQ(memory.ended, 2);
 }
 
 TEST_F(EngineRunnerTest, ReportsWhereTheLibraryDoesNotCompile) {

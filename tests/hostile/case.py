@@ -29,6 +29,7 @@ class Case:
     cells: tuple = ("A1",)  # "A1", or "Sheet!A1" as a reference writes it
     ask: tuple = ()  # expressions, beside the formulas of the cells and their parts
     ranges: tuple = ()  # addresses to be read and marked
+    names: int | None = None  # so many the map of the workbook has to tell
     loads: bool | None = True  # whether the office opens it; None: it may or may not
     calc_fetches: tuple = ()  # what of the server Calc asks itself for, to show the file
 

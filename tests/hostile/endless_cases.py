@@ -46,14 +46,14 @@ def names_in_a_circle(path, place):
              names=[("P", "Q+Q"), ("Q", "R_&P"), ("R_", "P*Q"), ("S", "S+S")]).save(path)
 
 
-@case("names-many.xlsx", guard=DEADLINE, cells=("A1", "A2"), ask=("Many_99999", "Nobody"))
+@case("names-many.xlsx", guard=DEADLINE, names=20000, cells=("A1", "A2"), ask=("Many_99999", "Nobody"))
 def many_names(path, place):
     """As many as the office opens in a few seconds."""
     Workbook(Sheet("Sheet1", {"A1": "=Many_1+Many_20000", "A2": "=LEN(Many_19999)"}),
              names=[(f"Many_{i}", f"Sheet1!$A${i}") for i in range(1, 20001)]).save(path)
 
 
-@case("sheets-many.xlsx", guard=DEADLINE, cells=("S1!A1", "S60!A1"), ask=("SUM(S1:S60!A1)", "S60!Own0", "Own499"))
+@case("sheets-many.xlsx", guard=DEADLINE, names=30000, cells=("S1!A1", "S60!A1"), ask=("SUM(S1:S60!A1)", "S60!Own0", "Own499"))
 def many_sheets_with_names_of_their_own(path, place):
     """30,000 names of 60 sheets."""
     sheets = [Sheet(f"S{i}", {"A1": "=Own0" if i > 1 else "=SUM(S2:S60!A1)"}) for i in range(1, 61)]
@@ -105,12 +105,27 @@ def big_arrays(path, place):
 
 
 @case("huge-strings.xlsx", guard=SIZE, cells=("A1", "B1", "B2"), ranges=("A1:A400", "A1:B400"),
-      ask=("A1&A2&A3&A4", "TEXTJOIN(\"\",TRUE,A1:A400)"))
+      ask=("A1&A2&A3&A4", "TEXTJOIN(\"\",TRUE,A1:A399)"))
 def huge_strings(path, place):
     """In one of them two writing directions and emoji; the office takes a second for each such."""
     cells = {f"A{i}": "<x&" * 10900 for i in range(1, 401)}
     cells["A400"] = "\u05d0\U0001f600x<" * 6500
     Workbook(Sheet("Sheet1", {**cells, "B1": "=A1&A2", "B2": "=LEN(A400)"})).save(path)
+
+
+@case("shared-strings.xlsx", guard=SIZE, cells=("A1", "B1"), ranges=("A1:A20000", "A1:B5000"),
+      ask=("A1:A20000", "SUM(LEN(A1:A20000))", "COUNTIF(A1:A20000,\"x*\")"))
+def one_long_string_in_many_cells(path, place):
+    """654 MB of text in a file of 60 kB."""
+    sheet = Sheet("Sheet1")
+    sheet.raw = "".join(
+        f'<row r="{i}" ht="15" customHeight="1"><c r="A{i}" t="s"><v>0</v></c>'
+        + ('<c r="B1"><f>LEN(A20000)</f><v>1</v></c>' if i == 1 else "") + "</row>"
+        for i in range(1, 20001))
+    book = Workbook(sheet)
+    book.strings = (f'{HEAD}<sst xmlns="{MAIN}" count="20000" uniqueCount="1"><si><t>'
+                    f'{"x" * 32700}</t></si></sst>')
+    book.save(path)
 
 
 @case("dependents.xlsx", guard=DEADLINE, cells=("A1", "C1", "C40000"), ranges=("A1", "B1", "C1:D20000"))

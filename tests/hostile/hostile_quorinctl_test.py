@@ -127,6 +127,10 @@ class Trial:
             return wrong + (["the office does not open it"] if case.loads else [])
         try:
             walk(case, sheets, self.tool.value)
+            if case.names is not None:
+                told = (self.tool.value("workbookMap") or {}).get("names")
+                if told is None or len(told) != case.names:
+                    wrong.append(f"the map tells {told and len(told)} names of {case.names}")
             wrong += self.reached("with Quorin")
             if (most := self.tool.peak()) > MOST_MEMORY:
                 wrong.append(f"{most:.0f} MB of memory")

@@ -28,9 +28,9 @@ class ExcelThreadTiming : public testing::Test {
     excel_.returns("qx_quick", "quick");
   }
 
-  std::string outcome(const std::string& handler, double timeout) {
+  std::string outcome(const std::string& handler, double timeout, bool asked = false) {
     try {
-      const JSONValue result = thread_.call(handler, {}, timeout);
+      const JSONValue result = thread_.call(handler, {}, timeout, asked);
       return result.string() ? *result.string() : "(no text)";
     } catch (const ExcelError& error) {
       return std::to_string(error.code()) + " " + error.message();
@@ -107,6 +107,30 @@ TEST_F(ExcelThreadTiming, GoesOnWhenTheLateCallHasEndedAndDropsItsResult) {
   forgetWaits();
   EXPECT_EQ(outcome("qx_quick", 3), "quick");
   EXPECT_THAT(waits(), ElementsAre(seconds(3))) << "nothing is pending any more";
+}
+
+TEST_F(ExcelThreadTiming, LeavesNothingOfALateCallsTermsToTheNext) {
+  bool lateIsOver = false, nextIsOver = true;
+  excel_.answer("qx_asked", [&](const AppleEvent&) {
+    slowBegan_.signal();
+    slowMayEnd_.wait();
+    lateIsOver = excel_.terms().back().isOver();
+    return ScriptReply{};
+  });
+  excel_.answer("qx_next", [&](const AppleEvent&) {
+    nextIsOver = excel_.terms().back().isOver();
+    return ScriptReply{AppleEventDescriptor::text("next"), std::nullopt};
+  });
+  clock_.timesOut([this] { slowBegan_.wait(); });
+  EXPECT_EQ(outcome("qx_asked", 3, true), "-9990 Excel did not respond within 3s");
+  slowMayEnd_.signal();
+  EXPECT_EQ(outcome("qx_next", 3), "next");
+  const auto terms = excel_.terms();
+  ASSERT_EQ(terms.size(), 2u);
+  EXPECT_TRUE(terms[0].asked);
+  EXPECT_TRUE(lateIsOver);
+  EXPECT_FALSE(terms[1].asked);
+  EXPECT_FALSE(nextIsOver);
 }
 
 TEST_F(ExcelThreadTiming, TakesTheWaitForTheLateCallOffTheBudget) {

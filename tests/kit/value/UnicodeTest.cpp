@@ -50,6 +50,14 @@ TEST(Unicode, ComparesWithoutRegardToCase) {
   EXPECT_FALSE(caselesslyEqual("A\xFF", "a\xFF"));
 }
 
+TEST(Unicode, LeavesTheCaseOfLettersOut) {
+  EXPECT_EQ(withoutCase("dATA [2]"), "data [2]");
+  EXPECT_EQ(withoutCase("A\u0308RGER"), "\u00E4rger");
+  EXPECT_EQ(withoutCase("\u0394\u0416"), "\u03B4\u0436");
+  EXPECT_EQ(withoutCase("\u00DF"), "\u00DF");
+  EXPECT_EQ(withoutCase("A\xFF"), "A\xFF");
+}
+
 TEST(Unicode, CountsGraphemes) {
   EXPECT_EQ(graphemeCount(""), 0u);
   EXPECT_EQ(graphemeCount("abc"), 3u);

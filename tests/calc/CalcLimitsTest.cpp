@@ -1,0 +1,88 @@
+// A call that nobody waits for any more stops working, wherever it is.
+#include <functional>
+
+#include "tests/calc/CalcReads.h"
+
+namespace quorin::host::calc {
+namespace {
+
+class CalcLimitsTest : public CalcReads {
+ protected:
+  static inline const SheetRef sheet{"Long.xlsx", "Data"};
+
+  static void SetUpTestSuite() {
+    CalcReads::SetUpTestSuite();
+    fakes::SheetDescription data{"Data", {{"A1", 1.0}}};
+    for (int row = 1; row <= 3000; ++row) {
+      data.cells.push_back({"B" + std::to_string(row), 1.0, "=$A$1"});
+      data.cells.push_back({"C" + std::to_string(row), CellError{"#DIV/0!"}, "=1/0"});
+    }
+    fakes::WorkbookDescription book{.name = "Long.xlsx", .sheets = {data}};
+    for (int i = 0; i < 1500; ++i) book.names.push_back({"N" + std::to_string(i) + "_", "=1"});
+    open(book);
+  }
+  void SetUp() override {
+    road->use([](CalcSpreadsheet& calc) {
+      calc.activateWorkbook(sheet.book);
+      calc.activateSheet(sheet);
+    });
+  }
+
+  static RangeRef cells(const char* address) { return {sheet, parseA1(address).value()}; }
+
+  // What the work comes to when the caller leaves after it has been asked so many times whether it
+  // is still there.
+  static std::string outcome(int questions, const std::function<void(CalcSpreadsheet&)>& work) {
+    std::string told = "no end";
+    road->use([&](CalcSpreadsheet& calc) {
+      int asked = 0;
+      calc.handlerBegins({.isOver = [&] { return ++asked > questions; }});
+      try {
+        work(calc);
+      } catch (const SpreadsheetError& failure) {
+        told = std::to_string(failure.number()) + (asked > questions + 1 ? " late" : "");
+      }
+      calc.handlerEnds();
+    });
+    return told;
+  }
+};
+
+TEST_F(CalcLimitsTest, EndsEveryKindOfWork) {
+  const std::map<std::string, std::function<void(CalcSpreadsheet&)>> kinds = {
+      {"values", [](CalcSpreadsheet& calc) { calc.values(cells("A1:C3000")); }},
+      {"formulas", [](CalcSpreadsheet& calc) { calc.formulas(cells("B1:C3000"), {}); }},
+      {"local", [](CalcSpreadsheet& calc) { calc.localFormulas(cells("B1:C3000")); }},
+      {"texts", [](CalcSpreadsheet& calc) { calc.displayedTexts(cells("B1:C3000")); }},
+      {"dependents", [](CalcSpreadsheet& calc) { calc.dependents(cells("A1:C3000"), {}); }},
+      {"names", [](CalcSpreadsheet& calc) { calc.definedNames(sheet.book); }},
+      {"visible", [](CalcSpreadsheet& calc) { calc.visibleCells(cells("A1:C9,E1:F9,H1:I9")); }},
+      {"hidden", [](CalcSpreadsheet& calc) { calc.hidden(cells("1:2,4:5,7:8"), Lines::rows); }},
+      {"evaluate", [](CalcSpreadsheet& calc) { calc.evaluate("SUM(A1:B3000)+N1_", sheet); }},
+      {"subtotal", [](CalcSpreadsheet& calc) { calc.evaluate("SUBTOTAL(9,A1:C3000)", sheet); }}};
+  for (const auto& [name, work] : kinds) {
+    EXPECT_EQ(outcome(1'000'000, work), "no end") << name;  // it ends well by itself
+    EXPECT_EQ(outcome(0, work), "-1712") << name;
+    EXPECT_EQ(outcome(2, work), "-1712") << name;
+  }
+}
+
+// Not only before they begin, but among the cells.
+TEST_F(CalcLimitsTest, AreLookedAtAmongTheCells) {
+  const auto values = [](CalcSpreadsheet& calc) { calc.values(cells("A1:C3000")); };
+  const auto formulas = [](CalcSpreadsheet& calc) { calc.formulas(cells("B1:C3000"), {}); };
+  const auto local = [](CalcSpreadsheet& calc) { calc.localFormulas(cells("B1:C3000")); };
+  const auto texts = [](CalcSpreadsheet& calc) { calc.displayedTexts(cells("B1:C3000")); };
+  EXPECT_EQ(outcome(1000, values), "-1712");
+  EXPECT_EQ(outcome(9000, formulas), "-1712");
+  EXPECT_EQ(outcome(9000, local), "-1712");
+  EXPECT_EQ(outcome(1000, texts), "-1712");
+}
+
+TEST_F(CalcLimitsTest, LeaveTheNextCallAlone) {
+  EXPECT_EQ(outcome(3, [](CalcSpreadsheet& calc) { calc.values(cells("A1:C3000")); }), "-1712");
+  EXPECT_EQ(evaluate("SUM(A1:B3000)"), R"({"ok":true,"value":3001})");
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
