@@ -47,10 +47,13 @@ ScriptReply EngineRunner::execute(const AppleEvent& event) {
       throw;
     }
   }();
-  excel_->handlerEnds();
+  const std::optional<AppleEventError> late = excel_->handlerEnds();
   if (outcome.error)
     return {std::nullopt,
             ScriptErrorInfo{outcome.error->number, std::move(outcome.error->message)}};
+  if (late)
+    return {std::nullopt, ScriptErrorInfo{late->number, std::string(excel_->name()) +
+                                                            " got an error: " + late->message}};
   return {std::move(outcome.result), std::nullopt};
 }
 

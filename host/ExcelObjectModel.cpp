@@ -27,10 +27,15 @@ void ExcelObjectModel::handlerBegins(const CallTerms& terms) {
   session_.spreadsheet.handlerBegins(terms);
 }
 
-void ExcelObjectModel::handlerEnds() {
+std::optional<AppleEventError> ExcelObjectModel::handlerEnds() {
   session_.inHandler = false;
   session_.toldBook.clear();
-  session_.spreadsheet.handlerEnds();
+  try {
+    session_.spreadsheet.handlerEnds();
+    return std::nullopt;
+  } catch (const SpreadsheetError& error) {
+    return AppleEventError{error.number(), error.what(), {}};
+  }
 }
 
 AppleEventReply ExcelObjectModel::send(const AppleEvent& event, std::chrono::milliseconds timeout) {

@@ -24,7 +24,7 @@ class ExcelObjectModel : public script::Application {
   const script::Terminology& terminology() const override;
   bool isRunning() override;
   void handlerBegins(const CallTerms& terms) override;
-  void handlerEnds() override;
+  std::optional<AppleEventError> handlerEnds() override;
 
   // The spreadsheet is not interrupted: an answer that took longer than the time-out is thrown
   // away for -1712. What it did stays done, as with an Excel that answers too late.

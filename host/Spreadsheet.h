@@ -133,7 +133,8 @@ class Spreadsheet {
 
   // Around the run of one handler, in which what only the user changes may be read once and kept:
   // which workbooks are open, and their conditions. Without them everything is asked anew. The
-  // terms hold until the handler ends.
+  // terms hold until the handler ends. What setHidden() changes may be put off until something else
+  // is asked for or the handler ends, which then throws a SpreadsheetError when it fails.
   virtual void handlerBegins(const CallTerms&) {}
   virtual void handlerEnds() {}
   // After that time nobody waits for what the next calls say: work that takes longer ends with

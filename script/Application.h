@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string_view>
 
 #include "kit/value/AppleEvent.h"
@@ -19,10 +20,10 @@ class Application {
   virtual const Terminology& terminology() const = 0;
   virtual bool isRunning() = 0;
 
-  // Around each run of a handler from outside, for what is remembered that long and the terms that
-  // hold that long. Never throws.
+  // Around each run of a handler from outside, for what is remembered or put off that long and the
+  // terms that hold that long. The end gives the error of what an event had put off. Never throws.
   virtual void handlerBegins(const CallTerms&) {}
-  virtual void handlerEnds() {}
+  virtual std::optional<AppleEventError> handlerEnds() { return std::nullopt; }
 
   // Sends one event and waits for its answer, at most for `timeout`; an answer that comes too late
   // is error -1712. A timeout of zero asks to deliver the event without waiting; the reply is then

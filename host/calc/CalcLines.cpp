@@ -1,11 +1,9 @@
 #include "host/calc/CalcLines.h"
 
 #include <algorithm>
-#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/sheet/XViewPane.hpp>
-#include <com/sun/star/table/XColumnRowRange.hpp>
 #include <utility>
 
 #include "host/Address.h"
@@ -69,33 +67,6 @@ std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, L
   }
   if (visible != 0 && visible != total) return std::nullopt;
   return visible == 0;
-}
-
-namespace {
-
-bool isFiltered(const Reference<css::uno::XInterface>& rows) {
-  bool filtered = false;
-  Reference<css::beans::XPropertySet>(rows, UNO_QUERY_THROW)->getPropertyValue("IsFiltered") >>=
-      filtered;
-  return filtered;
-}
-
-}  // namespace
-
-// A row that a filter hides stays the filter's while it is shown: it does not count in subtotals,
-// and ending the filter shows it again. Showing it would make it the user's own.
-void setLinesHidden(QuietChanges& changes, const Workbook& workbook, const RangeRef& range,
-                    Lines lines, bool hidden) {
-  for (const Area& area : range.areas) {
-    const Reference<css::table::XColumnRowRange> cells(cellsOf(workbook, range.sheet.sheet, area),
-                                                       UNO_QUERY_THROW);
-    const Reference<css::uno::XInterface> group =
-        lines == Lines::rows ? Reference<css::uno::XInterface>(cells->getRows())
-                             : Reference<css::uno::XInterface>(cells->getColumns());
-    const bool filtered = lines == Lines::rows && isFiltered(group);
-    changes.set(workbook, group, "IsVisible", !hidden);
-    if (filtered) changes.set(workbook, group, "IsFiltered", true);
-  }
 }
 
 std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range,

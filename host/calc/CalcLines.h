@@ -6,14 +6,11 @@
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/CallLimits.h"
-#include "host/calc/QuietChanges.h"
 
 namespace quorin::host::calc {
 
 std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines,
                               const CallLimits& limits);
-void setLinesHidden(QuietChanges& changes, const Workbook& workbook, const RangeRef& range,
-                    Lines lines, bool hidden);
 // SpreadsheetError -10000 when they are in more pieces than anything could be done with.
 std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range,
                                          const CallLimits& limits);

@@ -8,18 +8,27 @@
 #include <com/sun/star/document/UpdateDocMode.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/frame/XFrames.hpp>
+#include <set>
 #include <utility>
 
 #include "host/Address.h"
 #include "host/Spreadsheet.h"
 #include "host/calc/Arguments.h"
-#include "host/calc/CalcLines.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcView.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
+namespace {
+
+constexpr int noKeeper = -10000;  // can be had
+
+Area areaOf(Lines kind, int number) {
+  return kind == Lines::rows ? Area{number, 1, number, maxColumn} : Area{1, number, maxRow, number};
+}
+
+}  // namespace
 
 using css::uno::Any;
 using css::uno::Reference;
@@ -69,7 +78,7 @@ SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
 }
 
 void CalcSession::takeTurn(const Workbook& workbook, bool adding) {
-  const std::string uid = workbook.uid.empty() ? uidOf(workbook.model) : workbook.uid;
+  const std::string uid = uidOf(workbook);
   if (turn_ && turnWorkbook_ == uid) return;
   endTurn();
   turnWorkbook_ = uid;
@@ -77,7 +86,6 @@ void CalcSession::takeTurn(const Workbook& workbook, bool adding) {
     turn_.emplace(keeper_, turnWorkbook_);
   } catch (const SpreadsheetError& failure) {
     // Marks that are there can still be read and taken away.
-    constexpr int noKeeper = -10000;
     if (adding || failure.number() != noKeeper) throw;
   }
 }
@@ -129,9 +137,11 @@ void CalcSession::removeUnreachableMarks(const std::string& book) {
 void CalcSession::protectMarks() {
   try {
     for (const std::string& book : workbooks_.names()) {
-      for (const std::string& sheet : sheetNames(workbook(book))) {
-        const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
-        if (!marks.empty()) conditions({book, sheet});
+      try {
+        protectMarks(book);
+      } catch (const SpreadsheetError& failure) {
+        if (failure.number() != noKeeper) throw;
+        takeBackUnprotected(book);
       }
     }
   } catch (const SpreadsheetError&) {
@@ -140,55 +150,186 @@ void CalcSession::protectMarks() {
   releaseConditions();
 }
 
-// But for those that the user is looking at.
+void CalcSession::protectMarks(const std::string& book) {
+  for (const std::string& sheet : sheetNames(workbook(book))) {
+    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+    if (!marks.empty()) conditions({book, sheet}, true);
+  }
+  if (!shown_.entries(workbook(book)).empty()) takeTurn(workbook(book), true);
+}
+
+// The records that are left ask for it again: then there is nothing to do any more.
+void CalcSession::takeBackUnprotected(const std::string& book) {
+  for (const std::string& sheet : sheetNames(workbook(book))) {
+    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+    if (!marks.empty()) conditions({book, sheet}).removeMarks();
+  }
+  const auto entries = shown_.entries(workbook(book));
+  hideShownLines(changes_, workbook(book), entries, entries);
+  shown_.settle(entries);
+}
+
+void CalcSession::hideLeftLines() {
+  if (!std::exchange(linesLeft_, false)) return;
+  try {
+    for (const std::string& book : workbooks_.names()) hideUnreachableLines(book);
+  } catch (const SpreadsheetError&) {
+    linesLeft_ = true;
+  } catch (const css::uno::Exception&) {
+    linesLeft_ = true;
+  }
+  releaseConditions();
+}
+
+// But for those that the user is looking at. What is on a sheet that was removed is left until the
+// sheet comes back, or we end.
 void CalcSession::hideUnreachableLines(const std::string& book) {
   const auto window = workbooks_.active();
   const RangeRef cell = window ? activeCellOf(*window) : RangeRef();
-  for (const ShownLines::Unreachable& each : shown_.unreachable(workbook(book))) {
-    if (cell.sheet == each.now.sheet && touch(cell.areas, each.now.areas)) continue;
-    setLinesHidden(changes_, workbook(book), each.now, each.kind, true);
-    linesChanged(each.now.sheet);
-    shown_.forget(each.key);
-    if (traces_) traces_->forget(each.asked.sheet, each.asked.areas.front(), each.kind);
+  const Workbook itself = workbook(book);
+  const auto entries = shown_.entries(itself);
+  ShownLines::Entries due;
+  for (const ShownLines::Entry& each : entries) {
+    if (!each.place && !each.isSettled) forgetTrace(each.asked);
+    if (!each.place) continue;
+    const SheetRef sheet{book, each.place->name};
+    if (each.asked.sheet == sheet) continue;
+    const bool isLookedAt =
+        cell.sheet == sheet && touch(cell.areas, {areaOf(each.asked.kind, each.place->number)});
+    linesLeft_ = linesLeft_ || isLookedAt;
+    if (!isLookedAt) due.push_back(each);
   }
+  if (due.empty()) return;
+  takeTurn(itself, false);
+  for (const HiddenLines& each : hideShownLines(changes_, itself, due, entries).lines)
+    linesChanged({book, each.name});
+  shown_.forget(due);
+  for (const ShownLines::Entry& each : due) forgetTrace(each.asked);
 }
 
-std::vector<Area> CalcSession::setHidden(const RangeRef& lines, Lines kind, bool hide) {
-  if (!hide) {
-    for (const Area& area : lines.areas)
-      if (traces_)
-        traces_->remember(lines.sheet, area, kind, linesOf(lines.sheet, kind).traceOf(area));
-    shown_.remember(workbook(lines.sheet.book), lines, kind);
-  }
-  std::vector<Area> lost;
-  for (const Area& area : lines.areas) {
-    const RangeRef asked{lines.sheet, {area}};
-    for (const RangeRef& place : hide ? placesOf(asked, kind) : std::vector{asked}) {
-      if (place.areas.empty()) {
-        lost.push_back(area);
-      } else {
-        setLinesHidden(changes_, workbook(place.sheet.book), place, kind, hide);
-        linesChanged(place.sheet);
-      }
+std::vector<CalcSession::VisibleLine> CalcSession::setHidden(
+    const std::vector<LineRequest>& requests) {
+  const struct Release {
+    CalcSession& office;
+    ~Release() {
+      if (!office.keeping_) office.lines_.clear();
+      office.releaseConditions();
     }
-    if (!hide) continue;
-    shown_.forget(workbook(lines.sheet.book), asked, kind);
-    if (traces_) traces_->forget(lines.sheet, area, kind);
+  } release{*this};
+  std::vector<VisibleLine> visible;
+  for (auto first = requests.begin(); first != requests.end();) {
+    const AskedLine& line = first->line;
+    const bool hides = first->hide;
+    std::vector<int> numbers;
+    auto end = first;
+    for (; end != requests.end() && end->hide == hides && end->line.kind == line.kind &&
+           end->line.sheet == line.sheet;
+         ++end)
+      numbers.push_back(end->line.number);
+    if (hides) {
+      hide(line.sheet, line.kind, numbers, visible);
+    } else {
+      show(line.sheet, line.kind, numbers);
+    }
+    first = end;
   }
-  if (!keeping_) lines_.clear();
-  return lost;
+  return visible;
 }
 
-// Where the lines of one area are now that were shown. In a workbook that was opened again since
-// then they are told by what they hold.
-std::vector<RangeRef> CalcSession::placesOf(const RangeRef& lines, Lines kind) {
-  const Area& area = lines.areas.front();
-  std::vector<RangeRef> places = shown_.find(workbook(lines.sheet.book), lines, kind);
-  if (!places.empty()) return places;
-  const AreaTrace* const trace = traces_ ? traces_->find(lines.sheet, area, kind) : nullptr;
-  if (!trace) return {lines};
-  const std::optional<Area> found = linesOf(lines.sheet, kind).find(*trace, area);
-  return {{lines.sheet, found ? std::vector{*found} : std::vector<Area>()}};
+// Those that are visible already are not ours to hide, though a handler may ask for that later.
+void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers) {
+  const Workbook book = workbook(sheet.book);
+  LineStates states(sheetOf(book, sheet.sheet), kind);
+  try {
+    takeTurn(book, true);
+  } catch (const SpreadsheetError& failure) {
+    // Somebody has recorded them all the same, and what the user shows is not to be hidden.
+    if (failure.number() == noKeeper) shown_.remember(book, sheet, kind, {}, states, numbers);
+    throw;
+  }
+  ShownLines::Entries outdated;
+  std::set<int> known;
+  const std::set<int> asked(numbers.begin(), numbers.end());
+  for (const ShownLines::Entry& each : shown_.entries(book)) {
+    if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
+      continue;
+    const bool isThere =
+        each.place && each.place->name == sheet.sheet && each.place->number == each.asked.number;
+    if (states.isHidden(each.asked.number) && (isThere || !each.place)) {
+      outdated.push_back(each);
+    } else {
+      known.insert(each.asked.number);
+    }
+  }
+  std::vector<int> hidden, visible;
+  for (const int number : asked) {
+    if (states.isHidden(number)) {
+      hidden.push_back(number);
+    } else if (keeping_ && !known.contains(number)) {
+      visible.push_back(number);
+    }
+  }
+  if (traces_) {
+    for (const int number : hidden) {
+      const Area area = areaOf(kind, number);
+      traces_->remember(sheet, area, kind, linesOf(sheet, kind).traceOf(area));
+    }
+  }
+  shown_.forget(outdated);
+  shown_.remember(book, sheet, kind, hidden, states, visible);
+  states.setHidden(changes_, book, hidden, false);
+  linesChanged(sheet);
+}
+
+void CalcSession::hide(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers,
+                       std::vector<VisibleLine>& visible) {
+  const Workbook book = workbook(sheet.book);
+  const auto sheetItself = sheetOf(book, sheet.sheet);
+  takeTurn(book, false);
+  const auto entries = shown_.entries(book);
+  const std::set<int> asked(numbers.begin(), numbers.end());
+  ShownLines::Entries known;
+  std::set<int> remembered;
+  for (const ShownLines::Entry& each : entries) {
+    if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
+      continue;
+    known.push_back(each);
+    remembered.insert(each.asked.number);
+    if (!each.isSettled && !each.place) visible.push_back({each.asked, "no longer told apart"});
+  }
+  std::vector<int> byNumber;
+  for (const int number : asked) {
+    if (remembered.contains(number)) continue;
+    if (const auto found = tracedLine({sheet, kind, number})) {
+      byNumber.push_back(*found);
+    } else {
+      visible.push_back({{sheet, kind, number}, "no longer told apart"});
+    }
+  }
+  const HiddenAgain again = hideShownLines(changes_, book, known, entries);
+  for (const ShownLines::Entry& each : again.opened)
+    visible.push_back({each.asked, "made visible by the user"});
+  for (const HiddenLines& each : again.lines) linesChanged({sheet.book, each.name});
+  if (!byNumber.empty()) {
+    LineStates(sheetItself, kind).setHidden(changes_, book, byNumber, true);
+    linesChanged(sheet);
+  }
+  shown_.forget(known);
+  for (const int number : asked) forgetTrace({sheet, kind, number});
+}
+
+void CalcSession::forgetTrace(const AskedLine& line) {
+  if (traces_) traces_->forget(line.sheet, areaOf(line.kind, line.number), line.kind);
+}
+
+// Where the line is in a workbook that was opened again since it was shown, told by what it holds;
+// its own number where there is nothing to tell it by, and nothing when it is not to be found.
+std::optional<int> CalcSession::tracedLine(const AskedLine& line) {
+  const Area area = areaOf(line.kind, line.number);
+  const AreaTrace* const trace = traces_ ? traces_->find(line.sheet, area, line.kind) : nullptr;
+  if (!trace) return line.number;
+  const auto found = linesOf(line.sheet, line.kind).find(*trace, area);
+  return found ? std::optional(firstLine(*found, line.kind)) : std::nullopt;
 }
 
 SheetLines& CalcSession::linesOf(const SheetRef& sheet, Lines kind) {

@@ -51,16 +51,29 @@ class CalcSession {
     } release{*this};
     return work(conditions(sheet, adding));
   }
-  // Shows lines and remembers them, or hides those that were shown, wherever they are now. Gives
-  // the areas that cannot be told any more, which stay as they are. What is known of them by no
-  // means is told by its numbers.
-  std::vector<Area> setHidden(const RangeRef& lines, Lines kind, bool hide);
+  // Shows lines and remembers them, or hides those that were shown, wherever they are now, but for
+  // those that the user has made visible himself. What is known of a line by no means is told by
+  // its number. Requests for one sheet that follow each other are one change. Gives what stays
+  // visible.
+  struct LineRequest {
+    AskedLine line;
+    bool hide = false;
+  };
+  struct VisibleLine {
+    AskedLine line;
+    const char* why;
+  };
+  std::vector<VisibleLine> setHidden(const std::vector<LineRequest>& requests);
   // Takes back what no request can reach any more: marks on the copy of a sheet or under a name
   // that a workbook or a sheet had before, and shown lines under such a name when somebody looked
   // for it. False when some of it failed, and is to be done again.
   enum class Unreachable { marks, all };
   bool takeBack(Unreachable what);
-  // Has a keeper watch every workbook with marks. What fails is left to the next turn.
+  // Shown lines that a look for them left visible, because the user had the cursor there, and that
+  // no record knows: hides those that he has left.
+  void hideLeftLines();
+  // Has a keeper watch every workbook with marks or shown lines. Where none can be had they are all
+  // taken back, for they would get into files. What fails else is left to the next turn.
   void protectMarks();
 
   // Makes calls in progress fail. From any thread.
@@ -80,11 +93,17 @@ class CalcSession {
   SheetConditions& conditions(const SheetRef& sheet, bool adding = false);
   void releaseConditions();
   void takeTurn(const Workbook& workbook, bool adding);
+  void protectMarks(const std::string& book);
+  void takeBackUnprotected(const std::string& book);
   void endTurn();
   void removeUnreachableMarks(const std::string& book);
   void hideUnreachableLines(const std::string& book);
   SheetLines& linesOf(const SheetRef& sheet, Lines kind);
-  std::vector<RangeRef> placesOf(const RangeRef& lines, Lines kind);
+  void show(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers);
+  void hide(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers,
+            std::vector<VisibleLine>& visible);
+  std::optional<int> tracedLine(const AskedLine& line);
+  void forgetTrace(const AskedLine& line);
   // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
   // readings are no longer kept.
   void linesChanged(const SheetRef& sheet);
@@ -107,6 +126,7 @@ class CalcSession {
   std::string turnWorkbook_;                               // its "RuntimeUID"
   std::optional<MarksKeeper::Turn> turn_;
   std::vector<SheetRef> changedLines_;  // sheets, while readings are kept
+  bool linesLeft_ = false;              // there is something to do for hideLeftLines()
   bool keeping_ = false;
   std::string version_;
 };

@@ -1,7 +1,10 @@
 #include "host/calc/CalcSpreadsheet.h"
 
 #include <algorithm>
+#include <exception>
+#include <utility>
 
+#include "host/Address.h"
 #include "host/calc/CalcActive.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLines.h"
@@ -10,17 +13,18 @@
 #include "host/calc/CalcTexts.h"
 #include "host/calc/CalcView.h"
 #include "host/calc/OfficeCalls.h"
+#include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
 namespace {
 
-// "rows 12-14 sheet=Data"
-std::string lostText(const RangeRef& range, const Area& lost, Lines lines) {
-  const bool rows = lines == Lines::rows;
-  const int first = rows ? lost.firstRow : lost.firstColumn;
-  const int last = rows ? lost.lastRow : lost.lastColumn;
-  return (rows ? "rows " : "columns ") + std::to_string(first) + "-" + std::to_string(last) +
-         " sheet=" + range.sheet.sheet;
+// "no longer told apart, stays visible: rows 12-12 sheet=Data"
+std::string visibleText(const CalcSession::VisibleLine& visible) {
+  const auto& [sheet, kind, line] = visible.line;
+  const std::string number = std::to_string(line);
+  return std::string(visible.why) +
+         ", stays visible: " + (kind == Lines::rows ? "rows " : "columns ") + number + "-" +
+         number + " sheet=" + sheet.sheet;
 }
 
 // Going anywhere in the user's workbooks puts those that are ours behind them.
@@ -47,6 +51,7 @@ void CalcSpreadsheet::quit() {
 
 template <typename Work>
 auto CalcSpreadsheet::call(Work work) {
+  setLines();
   findings_.askedForMore();
   return office_->run(work);
 }
@@ -79,11 +84,19 @@ void CalcSpreadsheet::handlerBegins(const CallTerms& terms) {
 
 void CalcSpreadsheet::handlerEnds() {
   limits_.end();
+  std::exception_ptr failure;
+  try {
+    setLines();
+  } catch (const SpreadsheetError&) {
+    failure = std::current_exception();
+  }
   takeBackUnreachable();
+  if (CalcSession* const office = office_->session()) office->hideLeftLines();
   inHandler_ = false;
   memory_.end();
   office_->keepReadings(false);
   flushTraces();
+  if (failure) std::rethrow_exception(failure);
 }
 
 void CalcSpreadsheet::eventBegins(std::chrono::steady_clock::time_point until) {
@@ -125,15 +138,16 @@ void CalcSpreadsheet::activate() {
   });
 }
 
+// These two do not end what setHidden() has put off: a handler asks for names with each line.
 std::vector<std::string> CalcSpreadsheet::workbooks() {
   const HandlerFindings::NamesAsked note(findings_);
   return memory_.workbooks(
-      [this] { return call([](CalcSession& office) { return office.workbookNames(); }); });
+      [this] { return office_->run([](CalcSession& office) { return office.workbookNames(); }); });
 }
 
 std::vector<std::string> CalcSpreadsheet::worksheets(const std::string& book) {
   const HandlerFindings::NamesAsked note(findings_);
-  return call([&](CalcSession& office) { return office.worksheets(book); });
+  return office_->run([&](CalcSession& office) { return office.worksheets(book); });
 }
 
 std::optional<Bounds> CalcSpreadsheet::windowBounds(int index) {
@@ -272,13 +286,37 @@ std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) 
   });
 }
 
+// A handler sets line after line, and a change of one costs the office as much as one of many.
 void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
-  change([&](CalcSession& office) {
-    for (const Area& lost : office.setHidden(range, lines, hide)) {
-      if (notice_) notice_("no longer told apart, stays visible: " + lostText(range, lost, lines));
-    }
+  constexpr int mostAtATime = 1000;
+  memory_.forget();
+  findings_.askedForMore();
+  const SheetRef sheet = office_->run([&](CalcSession& office) {
+    office.workbooks().forgetActive();
+    const auto names = office.worksheets(range.sheet.book);
+    const auto its = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
+      return caselesslyEqual(name, range.sheet.sheet);
+    });
+    if (its == names.end()) throw noSuchSheet(range.sheet.sheet);
+    return SheetRef{range.sheet.book, *its};
   });
-  if (!inHandler_) flushTraces();
+  for (const Area& area : range.areas) {
+    if (lineCount(area, lines) > mostAtATime)
+      throw SpreadsheetError(-10000, "No more than 1000 rows or columns at a time");
+    for (int number = firstLine(area, lines); number <= lastLine(area, lines); ++number)
+      lineRequests_.push_back({{sheet, lines, number}, hide});
+  }
+  if (!inHandler_) setLines();
+}
+
+// Does what setHidden() has put off.
+void CalcSpreadsheet::setLines() {
+  if (lineRequests_.empty()) return;
+  const auto requests = std::exchange(lineRequests_, {});
+  office_->run([&](CalcSession& office) {
+    for (const CalcSession::VisibleLine& each : office.setHidden(requests))
+      if (notice_) notice_(visibleText(each));
+  });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::visibleCells(const RangeRef& range) {

@@ -9,8 +9,10 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/CalcSession.h"
 #include "host/calc/CallLimits.h"
 #include "host/calc/HandlerFindings.h"
 #include "host/calc/LineTraces.h"
@@ -95,6 +97,7 @@ class CalcSpreadsheet : public Spreadsheet {
  private:
   void takeBackUnreachable();
   void flushTraces();
+  void setLines();
   template <typename Work>
   auto call(Work work);
   template <typename Work>
@@ -107,6 +110,7 @@ class CalcSpreadsheet : public Spreadsheet {
   CallLimits limits_;
   std::function<void(const std::string&)> notice_;  // or none
   HandlerFindings findings_;
+  std::vector<CalcSession::LineRequest> lineRequests_;  // while a handler runs
   bool inHandler_ = false;
   // Not before then; none when nothing is to be done again.
   std::optional<std::chrono::steady_clock::time_point> takeBackAgain_;

@@ -27,6 +27,10 @@ std::string uidOf(const Reference<css::frame::XModel>& document) {
   return toText(uid);
 }
 
+std::string uidOf(const Workbook& workbook) {
+  return workbook.uid.empty() ? uidOf(workbook.model) : workbook.uid;
+}
+
 CalcWorkbooks::CalcWorkbooks(Reference<css::frame::XDesktop2> desktop,
                              const Reference<css::uno::XComponentContext>& context)
     : desktop_(std::move(desktop)), names_(context) {}

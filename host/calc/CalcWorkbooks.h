@@ -47,6 +47,7 @@ struct Workbook {
 
 // What a document is known by as long as it is open, whatever it is called.
 std::string uidOf(const css::uno::Reference<css::frame::XModel>& document);
+std::string uidOf(const Workbook& workbook);
 
 struct Window {
   std::shared_ptr<Workbook> workbook;

@@ -2,6 +2,7 @@
 
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
 #include <com/sun/star/util/NotLockedException.hpp>
 #include <optional>
 #include <utility>
@@ -20,13 +21,16 @@ using css::uno::XInterface;
 // Answers with what went wrong. A macro that takes its time would let the user's next key stroke
 // in between; ours does not. A shape that is gone already is left alone without an error, hence the
 // counting: the fresh one must not come where the old one was taken out to be saved without it.
+// What lines change costs mostly in what the office shows and computes after each of them, hence
+// the locked controllers. Its first change opens the undo list, whatever was locked before.
 constexpr const char* macroText = R"(
 Function perform(model, what, target, first, second)
   EnableReschedule False
   On Error Goto failed
-  Dim undo, modified, locked, count, message
+  Dim undo, modified, locked, still, count, message
   message = ""
   locked = False
+  still = False
   undo = model.getUndoManager()
   modified = model.isModified()
   undo.lock()
@@ -44,11 +48,14 @@ Function perform(model, what, target, first, second)
       Else
         target.add(second)
       End If
-    Case "set"
-      target.setPropertyValue(first, second)
+    Case Else
+      model.lockControllers()
+      still = True
+      setLines(undo, target, what, first, second)
   End Select
 leave:
   On Error Resume Next
+  If still Then model.unlockControllers()
   If locked Then
     undo.unlock()
     If Not modified Then model.setModified(False)
@@ -59,6 +66,30 @@ leave:
 failed:
   message = "Error " & Err & ": " & Error$
   Resume leave
+End Function
+
+Sub setLines(undo, sheet, what, spans, filtered)
+  Dim i, group
+  For i = 0 To UBound(spans) Step 2
+    group = linesOf(sheet, what, spans(i), spans(i + 1))
+    group.IsVisible = (Left(what, 4) = "show")
+    undo.unlock()
+    undo.lock()
+  Next
+  For i = 0 To UBound(filtered) Step 2
+    group = linesOf(sheet, what, filtered(i), filtered(i + 1))
+    group.IsFiltered = True
+    undo.unlock()
+    undo.lock()
+  Next
+End Sub
+
+Function linesOf(sheet, what, first, last)
+  If Right(what, 4) = "rows" Then
+    linesOf = sheet.getCellRangeByPosition(0, first, 0, last).getRows()
+  Else
+    linesOf = sheet.getCellRangeByPosition(first, 0, last, 0).getColumns()
+  End If
 End Function
 )";
 
@@ -73,6 +104,31 @@ void unlock(const Reference<css::document::XUndoManager>& undo) {
     undo->unlock();
   } catch (const css::util::NotLockedException&) {
   }
+}
+
+// Pairs of positions, from 0.
+css::uno::Sequence<sal_Int32> positionsOf(const QuietChanges::LineSpans& spans) {
+  std::vector<sal_Int32> positions;
+  for (const auto& [first, last] : spans) {
+    positions.push_back(first - 1);
+    positions.push_back(last - 1);
+  }
+  return {positions.data(), static_cast<sal_Int32>(positions.size())};
+}
+
+Reference<css::beans::XPropertySet> groupOf(const Reference<css::sheet::XSpreadsheet>& sheet,
+                                            bool rows, const std::pair<int, int>& span) {
+  const auto [first, last] = std::pair(span.first - 1, span.second - 1);
+  const Reference<css::table::XColumnRowRange> cells(
+      rows ? sheet->getCellRangeByPosition(0, first, 0, last)
+           : sheet->getCellRangeByPosition(first, 0, last, 0),
+      UNO_QUERY_THROW);
+  if (rows) return {cells->getRows(), UNO_QUERY_THROW};
+  return {cells->getColumns(), UNO_QUERY_THROW};
+}
+
+void setFlag(const Reference<css::beans::XPropertySet>& object, const char* name, bool value) {
+  object->setPropertyValue(rtl::OUString::createFromAscii(name), Any(value));
 }
 
 }  // namespace
@@ -118,12 +174,15 @@ void QuietChanges::replace(const Workbook& workbook, const Page& page, const Sha
   });
 }
 
-void QuietChanges::set(const Workbook& workbook, const Reference<XInterface>& object,
-                       const char* property, bool value) {
-  const rtl::OUString name = rtl::OUString::createFromAscii(property);
-  const Reference<css::beans::XPropertySet> properties(object, UNO_QUERY_THROW);
-  change(workbook, "set", properties, Any(name), Any(value),
-         [&] { properties->setPropertyValue(name, Any(value)); });
+void QuietChanges::setLines(const Workbook& workbook,
+                            const Reference<css::sheet::XSpreadsheet>& sheet, Lines kind,
+                            const LineSpans& spans, const LineSpans& filtered, bool hide) {
+  const bool rows = kind == Lines::rows;
+  const std::string what = std::string(hide ? "hide " : "show ") + (rows ? "rows" : "columns");
+  change(workbook, what.c_str(), sheet, Any(positionsOf(spans)), Any(positionsOf(filtered)), [&] {
+    for (const auto& span : spans) setFlag(groupOf(sheet, rows, span), "IsVisible", !hide);
+    for (const auto& span : filtered) setFlag(groupOf(sheet, rows, span), "IsFiltered", true);
+  });
 }
 
 void QuietChanges::heal(const Workbook& workbook) {

@@ -10,8 +10,11 @@
 
 #include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/drawing/XShape.hpp>
+#include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/OfficeMacro.h"
@@ -28,13 +31,18 @@ class QuietChanges {
   // What the first change would do otherwise, about a tenth of a second.
   void prepare() { macro_.prepare(); }
 
-  // All of these throw UNO's exceptions, with nothing changed.
+  // All of these throw UNO's exceptions, with nothing changed; setLines() with some lines changed.
   void add(const Workbook& workbook, const Page& page, const Shape& shape);
   void remove(const Workbook& workbook, const Page& page, const Shape& shape);
   // Fails where the old one is no longer there.
   void replace(const Workbook& workbook, const Page& page, const Shape& old, const Shape& fresh);
-  void set(const Workbook& workbook, const css::uno::Reference<css::uno::XInterface>& object,
-           const char* property, bool value);
+
+  // Shows or hides all lines of the spans, the numbers of their first and last, from 1. The
+  // filtered ones are the filter's as before.
+  using LineSpans = std::vector<std::pair<int, int>>;
+  void setLines(const Workbook& workbook,
+                const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, Lines kind,
+                const LineSpans& spans, const LineSpans& filtered, bool hide);
 
   // Opens an undo list that a process which died in the middle of a change left locked.
   static void heal(const Workbook& workbook);

@@ -120,6 +120,12 @@ void SheetConditions::removeUnreachable() {
   draw(std::move(wanted));
 }
 
+void SheetConditions::removeMarks() {
+  std::vector<PlacedMark> wanted = marks_;
+  for (PlacedMark& each : wanted) each.mark.areas.clear();
+  draw(std::move(wanted));
+}
+
 void SheetConditions::redraw() {
   changing_ = true;
   const auto drawn = drawnOf(marks_);

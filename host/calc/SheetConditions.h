@@ -34,6 +34,7 @@ class SheetConditions {
   // Takes off what nobody can ask for any more: it was asked for under another name of the workbook
   // or the sheet.
   void removeUnreachable();
+  void removeMarks();  // all of them
   // Draws all marks where their cells are now, after rows or columns were shown or hidden.
   void redraw();
 

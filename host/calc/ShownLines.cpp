@@ -1,13 +1,22 @@
 #include "host/calc/ShownLines.h"
 
-#include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <algorithm>
+#include <array>
+#include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
-#include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
-#include <regex>
+#include <com/sun/star/sheet/XCellRangesQuery.hpp>
+#include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <list>
+#include <map>
+#include <random>
+#include <set>
+#include <tuple>
+#include <utility>
 
 #include "host/Address.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/MarkShape.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -15,150 +24,336 @@ namespace {
 
 using css::uno::Any;
 using css::uno::Reference;
-using css::uno::UNO_QUERY;
+using css::uno::Sequence;
 using css::uno::UNO_QUERY_THROW;
-
-constexpr const char* rowsMark = "rows ";
-constexpr const char* columnsMark = "columns ";
+using Cells = Reference<css::sheet::XSheetCellRanges>;
+using Page = Reference<css::drawing::XDrawPage>;
 
 // All of what is remembered of a workbook. Its own name can change; this one cannot.
 std::string prefixOf(const Workbook& workbook) {
-  rtl::OUString uid;
-  Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
-      ->getPropertyValue("RuntimeUID") >>= uid;
-  return "/quorin/shown/" + toText(uid) + "\n";
+  return "/quorin/shown/" + uidOf(workbook) + "\n";
 }
 
-std::string nameOf(const SheetRef& sheet) {
-  return "\n" + sheet.book + "\n" + sheet.sheet;
+std::string newKey(const Workbook& workbook) {
+  std::random_device random;
+  return prefixOf(workbook) + std::to_string(random()) + "-" + std::to_string(random());
 }
 
-// The lines that had these numbers, then those that had them later, and so on.
-class Keys {
+// Lines as they are kept, with the numbers that they had when they were shown.
+struct Line {
+  int number = 0;
+  bool isFiltered = false, isSettled = false;
+  Cells cells;                         // none once it is settled
+  std::array<int, 2> besides{-1, -1};  // places among the others' cells, or none
+};
+struct Kept {
+  SheetRef sheet;
+  Lines kind = Lines::rows;
+  Page page;
+  std::vector<Line> lines;
+  std::vector<Cells> besides;
+};
+
+// The order of the parts, each a sequence of one kind of thing for all lines.
+enum Part { namesPart, rowsPart, pagePart, numbersPart, cellsPart, besidesPart, partCount };
+// What is told of a line by numbers.
+enum Field { numberField, filteredField, settledField, firstBeside, secondBeside, fieldCount };
+
+template <typename T>
+Sequence<T> sequenceFrom(const std::vector<T>& items) {
+  return {items.data(), static_cast<sal_Int32>(items.size())};
+}
+
+Any written(const Kept& kept) {
+  std::vector<sal_Int32> numbers;
+  std::vector<Cells> cells;
+  for (const Line& line : kept.lines) {
+    numbers.insert(numbers.end(), {line.number, line.isFiltered ? 1 : 0, line.isSettled ? 1 : 0,
+                                   line.besides[0], line.besides[1]});
+    cells.push_back(line.cells);
+  }
+  const std::vector<rtl::OUString> names{toUno(kept.sheet.book), toUno(kept.sheet.sheet)};
+  return Any(sequenceFrom<Any>({Any(sequenceFrom(names)), Any(kept.kind == Lines::rows),
+                                Any(kept.page), Any(sequenceFrom(numbers)),
+                                Any(sequenceFrom(cells)), Any(sequenceFrom(kept.besides))}));
+}
+
+// Nothing for what others have put there.
+std::optional<Kept> keptIn(const Any& value) {
+  Sequence<Any> parts;
+  if (!(value >>= parts) || parts.getLength() != partCount) return std::nullopt;
+  Kept kept;
+  bool rows = true;
+  Sequence<rtl::OUString> names;
+  Sequence<sal_Int32> numbers;
+  Sequence<Cells> cells, besides;
+  const bool whole = (parts[namesPart] >>= names) && (parts[rowsPart] >>= rows) &&
+                     (parts[numbersPart] >>= numbers) && (parts[cellsPart] >>= cells) &&
+                     (parts[besidesPart] >>= besides) && names.getLength() == 2 &&
+                     numbers.getLength() == cells.getLength() * fieldCount;
+  if (!whole) return std::nullopt;
+  parts[pagePart] >>= kept.page;
+  kept.sheet = {toText(names[0]), toText(names[1])};
+  kept.kind = rows ? Lines::rows : Lines::columns;
+  kept.besides.assign(besides.begin(), besides.end());
+  for (sal_Int32 i = 0; i < cells.getLength(); ++i) {
+    const sal_Int32* const fields = numbers.getConstArray() + i * fieldCount;
+    kept.lines.push_back({fields[numberField],
+                          fields[filteredField] != 0,
+                          fields[settledField] != 0,
+                          cells[i],
+                          {fields[firstBeside], fields[secondBeside]}});
+  }
+  return kept;
+}
+
+// Makes what follows the cells of a line of the sheet: one call each.
+class CellsOfLines {
  public:
-  // `prefix`: that of the workbook.
-  Keys(const std::string& prefix, const SheetRef& sheet, const Area& area, Lines kind)
-      : start_(prefix + (kind == Lines::rows ? rowsMark : columnsMark) +
-               std::to_string(firstLine(area, kind)) + "-" + std::to_string(lastLine(area, kind))),
-        name_(nameOf(sheet)) {}
-  std::string next() { return start_ + std::string(count_++, '+') + name_; }
+  CellsOfLines(const Reference<css::sheet::XSpreadsheet>& sheet, Lines kind)
+      : query_(sheet, UNO_QUERY_THROW),
+        address_(Reference<css::sheet::XCellRangeAddressable>(sheet, UNO_QUERY_THROW)
+                     ->getRangeAddress()),
+        kind_(kind) {}
+
+  Cells of(int number) const {
+    css::table::CellRangeAddress address = address_;
+    if (kind_ == Lines::rows) {
+      address.StartRow = address.EndRow = number - 1;
+    } else {
+      address.StartColumn = address.EndColumn = number - 1;
+    }
+    return query_->queryIntersection(address);
+  }
 
  private:
-  const std::string start_, name_;
-  std::size_t count_ = 0;
+  const Reference<css::sheet::XCellRangesQuery> query_;
+  const css::table::CellRangeAddress address_;
+  const Lines kind_;
 };
 
-struct Asked {
-  Lines kind;
-  RangeRef lines;
-};
+// The sheet with that page, which is probably at that position. Where sheets were removed the
+// office's ranges of their cells go on as those of another sheet; the page that a sheet is drawn on
+// goes with it, and comes back with it.
+Reference<css::sheet::XSpreadsheet> sheetWith(const Workbook& workbook, const Page& page,
+                                              sal_Int32 position) {
+  const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
+  const sal_Int32 count = sheets->getCount();
+  const auto sheetAt = [&](sal_Int32 i) {
+    const Reference<css::sheet::XSpreadsheet> sheet(sheets->getByIndex(i), UNO_QUERY_THROW);
+    return drawPageOf(sheet) == page ? sheet : Reference<css::sheet::XSpreadsheet>();
+  };
+  if (position < count)
+    if (auto sheet = sheetAt(position); sheet.is()) return sheet;
+  for (sal_Int32 i = 0; i < count; ++i)
+    if (auto sheet = sheetAt(i); sheet.is()) return sheet;
+  return {};
+}
 
-// What stands in a key behind the prefix; nothing for a text of others.
-std::optional<Asked> askedIn(const std::string& text) {
-  static const std::regex form("(rows|columns) ([0-9]{1,7})-([0-9]{1,7})\\+*\n([^\n]*)\n([^\n]*)");
-  std::smatch parts;
-  if (!std::regex_match(text, parts, form)) return std::nullopt;
-  const int first = std::stoi(parts[2]), last = std::stoi(parts[3]);
-  const bool rows = parts[1] == "rows";
-  return Asked{rows ? Lines::rows : Lines::columns,
-               {{parts[4], parts[5]},
-                {rows ? Area{first, 1, last, maxColumn} : Area{1, first, maxRow, last}}}};
+// Where the cells are that were one line; nothing where it is deleted or has another size.
+std::optional<std::pair<sal_Int32, int>> lineAt(const Cells& cells, Lines kind) {
+  if (!cells.is()) return std::nullopt;
+  const auto addresses = cells->getRangeAddresses();
+  if (addresses.getLength() != 1) return std::nullopt;
+  const Area area = areaOf(addresses[0]);
+  if (lineCount(area, kind) != 1) return std::nullopt;
+  return std::pair(sal_Int32{addresses[0].Sheet}, firstLine(area, kind));
+}
+
+// The places among the entries' own of those that stand under that key.
+std::set<std::size_t> placesUnder(const std::string& key, const ShownLines::Entries& entries) {
+  std::set<std::size_t> places;
+  for (const ShownLines::Entry& each : entries)
+    if (each.key == key) places.insert(each.index);
+  return places;
+}
+
+std::set<std::string> keysOf(const ShownLines::Entries& entries) {
+  std::set<std::string> keys;
+  for (const ShownLines::Entry& each : entries) keys.insert(each.key);
+  return keys;
 }
 
 }  // namespace
 
 ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
-    : memory_(context, UNO_QUERY) {}
+    : memory_(context, css::uno::UNO_QUERY) {}
 
-void ShownLines::remember(const Workbook& workbook, const RangeRef& lines, Lines kind) {
+void ShownLines::put(const std::string& key, const Any& value) const {
+  if (memory_->hasByName(toUno(key))) memory_->removeByName(toUno(key));
+  memory_->insertByName(toUno(key), value);
+}
+
+void ShownLines::remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
+                          const std::vector<int>& numbers, const LineStates& states,
+                          const std::vector<int>& others) const {
   if (!memory_.is()) return;
-  const std::string prefix = prefixOf(workbook);
-  for (const Area& area : lines.areas) {
-    const Reference<css::sheet::XSheetCellRangeContainer> cells(
-        Reference<css::lang::XMultiServiceFactory>(workbook.model, UNO_QUERY_THROW)
-            ->createInstance("com.sun.star.sheet.SheetCellRanges"),
-        UNO_QUERY_THROW);
-    cells->addRangeAddress(Reference<css::sheet::XCellRangeAddressable>(
-                               cellsOf(workbook, lines.sheet.sheet, area), UNO_QUERY_THROW)
-                               ->getRangeAddress(),
-                           false);
-    Keys keys(prefix, lines.sheet, area, kind);
-    std::string key = keys.next();
-    bool known = false;
-    while ((known = memory_->hasByName(toUno(key))) &&
-           !isAt(workbook, key, lines.sheet, area, kind))
-      key = keys.next();
-    if (known) memory_->removeByName(toUno(key));
-    memory_->insertByName(toUno(key), Any(cells));
+  const auto itself = sheetOf(workbook, sheet.sheet);
+  const CellsOfLines cells(itself, kind);
+  Kept kept{sheet, kind, drawPageOf(itself), {}, {}};
+  std::vector<int> sorted = numbers;
+  std::sort(sorted.begin(), sorted.end());
+  for (auto first = sorted.begin(); first != sorted.end();) {
+    auto end = first + 1;
+    while (end != sorted.end() && *end <= *(end - 1) + 1) ++end;
+    std::array<int, 2> besides{-1, -1};
+    for (const std::size_t side : {0U, 1U}) {
+      const int beside = side == 0 ? *first - 1 : *(end - 1) + 1;
+      if (!states.isHidden(beside)) continue;
+      besides[side] = static_cast<int>(kept.besides.size());
+      kept.besides.push_back(cells.of(beside));
+    }
+    for (; first != end; ++first)
+      kept.lines.push_back({*first, states.isFiltered(*first), false, cells.of(*first), besides});
+  }
+  for (const int number : others) kept.lines.push_back({number, false, true, {}, {-1, -1}});
+  if (!kept.lines.empty()) put(newKey(workbook), written(kept));
+}
+
+void ShownLines::settle(const Entries& entries) const {
+  for (const std::string& key : keysOf(entries)) {
+    auto kept = keptIn(memory_->getByName(toUno(key)));
+    if (!kept) continue;
+    for (const std::size_t place : placesUnder(key, entries)) {
+      Line& line = kept->lines.at(place);
+      line.isSettled = true;
+      line.cells.clear();
+    }
+    put(key, written(*kept));
   }
 }
 
-void ShownLines::forget(const Workbook& workbook, const RangeRef& lines, Lines kind) {
-  const std::string prefix = prefixOf(workbook);
-  for (const Area& area : lines.areas) {
-    Keys keys(prefix, lines.sheet, area, kind);
-    while (forget(keys.next())) continue;
+void ShownLines::forget(const Entries& entries) const {
+  for (const std::string& key : keysOf(entries)) {
+    if (!memory_->hasByName(toUno(key))) continue;
+    auto kept = keptIn(memory_->getByName(toUno(key)));
+    const auto gone = placesUnder(key, entries);
+    if (kept && gone.size() < kept->lines.size()) {
+      std::vector<Line> left;
+      for (std::size_t i = 0; i < kept->lines.size(); ++i)
+        if (!gone.contains(i)) left.push_back(kept->lines[i]);
+      kept->lines = std::move(left);
+      put(key, written(*kept));
+    } else {
+      memory_->removeByName(toUno(key));
+    }
   }
 }
 
-bool ShownLines::forget(const std::string& key) {
-  if (!memory_.is() || !memory_->hasByName(toUno(key))) return false;
-  memory_->removeByName(toUno(key));
-  return true;
-}
-
-// Whether what the key stands for has not moved.
-bool ShownLines::isAt(const Workbook& workbook, const std::string& key, const SheetRef& sheet,
-                      const Area& area, Lines kind) const {
-  const auto place = now(workbook, key, kind);
-  if (!place || place->areas.empty()) return true;
-  const Area& there = place->areas.front();
-  const bool same = firstLine(there, kind) == firstLine(area, kind) &&
-                    lastLine(there, kind) == lastLine(area, kind);
-  return same && place->sheet.sheet == sheet.sheet;
-}
-
-std::vector<RangeRef> ShownLines::find(const Workbook& workbook, const RangeRef& lines,
-                                       Lines kind) const {
-  std::vector<RangeRef> places;
-  if (!memory_.is()) return places;
-  const Area& area = firstArea(lines);
-  Keys keys(prefixOf(workbook), lines.sheet, area, kind);
-  while (auto place = now(workbook, keys.next(), kind)) {
-    if (!place->areas.empty() && lineCount(place->areas[0], kind) != lineCount(area, kind))
-      place->areas.clear();
-    places.push_back(*std::move(place));
+void ShownLines::read(const Workbook& workbook, const std::string& key, Entries& found) const {
+  const auto kept = keptIn(memory_->getByName(toUno(key)));
+  if (!kept) return;
+  std::vector<std::optional<int>> besides;
+  for (const Cells& cells : kept->besides) {
+    const auto line = lineAt(cells, kept->kind);
+    besides.push_back(line ? std::optional(line->second) : std::nullopt);
   }
-  return places;
+  Reference<css::sheet::XSpreadsheet> sheet;
+  std::string name;
+  bool isSought = false;
+  for (std::size_t i = 0; i < kept->lines.size(); ++i) {
+    const Line& line = kept->lines[i];
+    Entry& entry = found.emplace_back();
+    entry.key = key;
+    entry.index = i;
+    entry.asked = {kept->sheet, kept->kind, line.number};
+    entry.isSettled = line.isSettled;
+    entry.isFiltered = line.isFiltered;
+    const auto place = line.isSettled ? std::nullopt : lineAt(line.cells, kept->kind);
+    if (!place) continue;
+    if (!std::exchange(isSought, true)) {
+      sheet = sheetWith(workbook, kept->page, place->first);
+      if (sheet.is())
+        name = toText(Reference<css::container::XNamed>(sheet, UNO_QUERY_THROW)->getName());
+    }
+    if (!sheet.is()) continue;
+    entry.place = Place{sheet, name, place->second};
+    for (const int beside : line.besides)
+      if (beside >= 0 && besides.at(static_cast<std::size_t>(beside)))
+        entry.neighbours.push_back(*besides[static_cast<std::size_t>(beside)]);
+  }
 }
 
-std::optional<RangeRef> ShownLines::now(const Workbook& workbook, const std::string& key,
-                                        Lines kind) const {
-  if (!memory_->hasByName(toUno(key))) return std::nullopt;
-  const Reference<css::sheet::XSheetCellRanges> cells(memory_->getByName(toUno(key)), UNO_QUERY);
-  if (!cells.is()) return std::nullopt;
-  const auto addresses = cells->getRangeAddresses();
-  RangeRef place{{workbook.name, {}}, {}};
-  if (addresses.getLength() != 1) return place;
-  place.sheet.sheet = sheetNames(workbook).at(static_cast<std::size_t>(addresses[0].Sheet));
-  place.areas = {wholeLines(areaOf(addresses[0]), kind)};
-  return place;
-}
-
-std::vector<ShownLines::Unreachable> ShownLines::unreachable(const Workbook& workbook) const {
-  std::vector<Unreachable> found;
+ShownLines::Entries ShownLines::entries(const Workbook& workbook) const {
+  Entries found;
   if (!memory_.is()) return found;
   const std::string prefix = prefixOf(workbook);
-  for (const rtl::OUString& name : memory_->getElementNames()) {
-    const std::string key = toText(name);
-    if (!key.starts_with(prefix)) continue;
-    auto asked = askedIn(key.substr(prefix.size()));
-    if (!asked) continue;
-    auto place = now(workbook, key, asked->kind);
-    if (place && !place->areas.empty() && place->sheet != asked->lines.sheet)
-      found.push_back({key, asked->kind, std::move(asked->lines), *std::move(place)});
-  }
+  for (const rtl::OUString& name : memory_->getElementNames())
+    if (const std::string key = toText(name); key.starts_with(prefix)) read(workbook, key, found);
   return found;
+}
+
+namespace {
+
+// Tells which shown lines of a workbook the user has made visible himself.
+class OpenedLines {
+ public:
+  explicit OpenedLines(const ShownLines::Entries& all) {
+    for (const ShownLines::Entry& each : all)
+      if (!each.isSettled && each.place)
+        ours_[{each.asked.kind, each.place->name, each.place->number}] = &each;
+  }
+
+  // `states` are those of the entry's sheet; it has a place.
+  bool contains(const ShownLines::Entry& entry, const LineStates& states) const {
+    if (entry.isFiltered && !states.isFiltered(entry.place->number)) return true;
+    bool isBeside = false;
+    std::set<int> seen;
+    std::vector<const ShownLines::Entry*> left{&entry};
+    while (!left.empty()) {
+      const ShownLines::Entry& next = *left.back();
+      left.pop_back();
+      for (const int beside : next.neighbours) {
+        if (!seen.insert(beside).second) continue;
+        const auto own = ours_.find({entry.asked.kind, entry.place->name, beside});
+        if (own != ours_.end()) {
+          left.push_back(own->second);
+        } else if (states.isHidden(beside)) {
+          return false;
+        } else {
+          isBeside = true;
+        }
+      }
+    }
+    return isBeside;
+  }
+
+ private:
+  std::map<std::tuple<Lines, std::string, int>, const ShownLines::Entry*> ours_;
+};
+
+}  // namespace
+
+HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
+                           const ShownLines::Entries& entries, const ShownLines::Entries& all) {
+  struct Group {
+    LineStates states;
+    HiddenLines lines;
+  };
+  HiddenAgain again;
+  const OpenedLines opened(all);
+  std::list<Group> groups;
+  for (const ShownLines::Entry& entry : entries) {
+    if (entry.isSettled || !entry.place) continue;
+    const auto& [sheet, name, number] = *entry.place;
+    const Lines kind = entry.asked.kind;
+    auto group = std::find_if(groups.begin(), groups.end(), [&, &its = name](const Group& each) {
+      return each.lines.name == its && each.lines.kind == kind;
+    });
+    if (group == groups.end())
+      group = groups.insert(group, {LineStates(sheet, kind), {sheet, name, kind, {}}});
+    if (group->states.isHidden(number)) continue;
+    if (opened.contains(entry, group->states)) {
+      again.opened.push_back(entry);
+    } else {
+      group->lines.numbers.push_back(number);
+    }
+  }
+  for (Group& group : groups) {
+    group.states.setHidden(changes, workbook, group.lines.numbers, true);
+    again.lines.push_back(std::move(group.lines));
+  }
+  return again;
 }
 
 }  // namespace quorin::host::calc

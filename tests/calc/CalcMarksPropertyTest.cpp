@@ -1,13 +1,14 @@
 // Random sequences of marking, revealing and clearing in an office, between what the user does
-// there: entering, undoing, inserting and deleting rows, renaming and copying sheets, saving,
-// saving under another name, closing and opening again. At no time is anything marked or hidden
-// that the records do not account for, and in the end nothing is left. $QUORIN_SEQUENCES sets their
-// number, $QUORIN_SEED where they begin.
+// there: entering, undoing, inserting and deleting rows, renaming, copying and deleting sheets,
+// saving, saving under another name, closing and opening again. At no time is anything hidden that
+// was not, or marked that the records do not account for, and in the end nothing is left: every
+// line is hidden again that was, on whichever sheet and wherever the edits have moved it.
+// $QUORIN_SEQUENCES sets their number, $QUORIN_SEED where they begin.
 //
 // What the user's edits leave: marks go with their cells, and a request for what the records know
 // takes them away also where they have moved to, or where a sheet or the workbook has another name
-// now. There is none on the copy of a sheet. Lines that were shown on a sheet that has another name
-// now may stay visible, and leave the record.
+// now. There is none on the copy of a sheet. On such a copy, a line is visible that was shown when
+// the user copied it: the copy is as he saw it.
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
@@ -31,8 +32,13 @@ int numberFrom(const char* variable, int otherwise) {
 
 class CalcMarksProperty : public testing::Test {
  protected:
-  // Hidden lines are among these, and row edits below them: what has moved cannot be told apart.
-  static constexpr int rows = 9, columns = 6;
+  static constexpr int rows = 9, columns = 6;  // among which some are hidden at first
+  static constexpr int labelled = 30;          // rows with a label of their own in column H
+  static constexpr int lookedAt = 80;          // rows; edits have not moved labels beyond
+  struct Sheet {
+    std::string name, otherName;
+    std::set<Line> hidden;  // rows by their labels, columns by their numbers
+  };
 
   int pick(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
   bool once(int in) { return pick(1, in) == 1; }
@@ -40,54 +46,42 @@ class CalcMarksProperty : public testing::Test {
   RangeRef on(const std::string& sheet, const std::string& address) const {
     return {{book_, sheet}, parseA1(address).value()};
   }
-  static RangeRef place(const RangeRef& sheet, const Line& line) {
-    RangeRef range = sheet;
-    const auto [lines, number] = line;
-    range.areas = {lines == Lines::rows ? Area{number, 1, number, maxColumn}
-                                        : Area{1, number, maxRow, number}};
-    return range;
-  }
 
   std::string cell() {
     return columnLetters(pick(1, columns)) + std::to_string(pick(1, once(3) ? 40 : rows));
   }
-  std::string anySheet() { return once(2) ? first_ : "Two"; }
+  Sheet& anySheet() { return sheets_.at(static_cast<std::size_t>(pick(1, ssize(sheets_))) - 1); }
+  static int ssize(const std::vector<Sheet>& sheets) { return static_cast<int>(sheets.size()); }
 
-  // In the workbook of the sequence before, as that left it but for the lines that stayed visible.
+  // In the workbook of the sequence before, as that left it.
   void goOn(unsigned seed) {
     random_.seed(seed);
-    for (const Line& line : free_) hide(line);
-    free_.clear();
     goTo("Home", "A1");
-  }
-
-  void hide(const Line& line) {
-    const auto [lines, number] = line;
-    if (lines == Lines::rows) {
-      hands_.hideRows(book_, first_, "A" + std::to_string(number));
-    } else {
-      hands_.hideColumns(book_, first_, columnLetters(number) + "1");
-    }
   }
 
   void begin(unsigned seed) {
     random_.seed(seed);
-    first_ = "One";
     book_ = "Property" + std::to_string(seed) + ".xlsx";
     file_ = folder_ / book_;
-    hidden_.clear();
-    free_.clear();
-    for (int i = pick(1, 4); i > 0; --i) {
-      const bool row = once(2);
-      hidden_.insert({row ? Lines::rows : Lines::columns, pick(1, row ? rows : columns)});
+    sheets_ = {{"One", "Uno", {}}, {"Two", "Due", {}}};
+    fakes::SheetDescription one{"One", {{"A1", 1.0}}, false, {{"B2:B5", "=$B2>1"}}};
+    fakes::SheetDescription two{"Two", {{"C3", 2.0}}};
+    for (int row = 1; row <= labelled; ++row) {
+      one.cells.push_back({"H" + std::to_string(row), 100.0 + row});
+      two.cells.push_back({"H" + std::to_string(row), 200.0 + row});
     }
-    fakes::writeXlsx({.name = book_,
-                      .sheets = {{"One", {{"A1", 1.0}}, false, {{"B2:B5", "=$B2>1"}}},
-                                 {"Two", {{"C3", 2.0}}},
-                                 {"Home", {{"A1", 1.0}}}}},
-                     file_);
+    fakes::writeXlsx({.name = book_, .sheets = {one, two, {"Home", {{"A1", 1.0}}}}}, file_);
     open();
-    for (const Line& line : hidden_) hide(line);
+    for (Sheet& sheet : sheets_) {
+      for (int i = pick(1, 4); i > 0; --i) {
+        if (once(2)) {
+          hands_.hideRows(book_, sheet.name, "A" + std::to_string(pick(1, rows)));
+        } else {
+          hands_.hideColumns(book_, sheet.name, columnLetters(pick(1, columns)) + "1");
+        }
+      }
+      sheet.hidden = hiddenNow(sheet);
+    }
     hands_.save(book_);
   }
 
@@ -105,13 +99,6 @@ class CalcMarksProperty : public testing::Test {
     return Marshal::encode(reply.payload);
   }
 
-  // What is shown of the lines is the user's now: the records know another name.
-  void freeShown() {
-    const std::set<Line> now = hiddenNow();
-    for (const Line& line : hidden_)
-      if (!now.contains(line)) free_.insert(line);
-  }
-
   void verb() {
     switch (pick(0, 5)) {
       case 0:
@@ -119,41 +106,69 @@ class CalcMarksProperty : public testing::Test {
         break;
       case 1:
       case 2:
-        ask("reveal", {Array{first_ + "!" + cell() + (once(3) ? ":F9" : "")}, 0});
+        ask("reveal", {Array{anySheet().name + "!" + cell() + (once(3) ? ":F9" : "")}, 0});
         break;
       default: {
         Array addresses;
-        const std::string one = anySheet();
+        const std::string one = anySheet().name;
         for (int i = pick(1, 6); i > 0; --i)
-          addresses.push_back((once(5) ? anySheet() : one) + "!" + cell());
+          addresses.push_back((once(5) ? anySheet().name : one) + "!" + cell());
         ask("markCells", {addresses, Array{pick(0, 1) * 255, 0, 0}});
       }
     }
   }
 
+  // Of the first rows; 0 for one without.
+  std::vector<int> labelsOf(const Sheet& sheet) {
+    std::vector<int> labels;
+    road_.use([&](CalcSpreadsheet& calc) {
+      const auto values = calc.values(on(sheet.name, "H1:H" + std::to_string(lookedAt)));
+      for (const CellValue& value : values.cells) {
+        const double* const number = std::get_if<double>(&value);
+        labels.push_back(number ? static_cast<int>(*number) : 0);
+      }
+    });
+    return labels;
+  }
+
+  // The office hides a row that is inserted below a hidden one.
+  void insertRows(Sheet& sheet) {
+    const int first = pick(1, labelled), count = pick(1, 3);
+    hands_.insertRows(book_, sheet.name, first, count);
+    for (int row = first; row < first + count; ++row)
+      hands_.enter(book_, sheet.name, "H" + std::to_string(row), std::to_string(++lastLabel_));
+    for (const Line& line : hiddenNow(sheet))
+      if (line.second > lastLabel_ - count) sheet.hidden.insert(line);
+  }
+
+  void removeRows(Sheet& sheet) {
+    const int first = pick(1, labelled), count = pick(1, 3);
+    const std::vector<int> labels = labelsOf(sheet);
+    for (int row = first; row < first + count; ++row)
+      sheet.hidden.erase({Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)});
+    hands_.removeRows(book_, sheet.name, first, count);
+  }
+
   void userEdit() {
-    switch (pick(0, 9)) {
+    Sheet& sheet = anySheet();
+    switch (pick(0, 10)) {
       case 0:
-        hands_.insertRows(book_, first_, pick(rows + 1, 30), pick(1, 3));
+        insertRows(sheet);
         break;
       case 1:
-        hands_.removeRows(book_, first_, pick(rows + 1, 30), pick(1, 3));
+        removeRows(sheet);
         break;
-      case 2: {
-        freeShown();
-        const std::string name = first_ == "One" ? "Uno" : "One";
-        hands_.renameSheet(book_, first_, name);
-        first_ = name;
+      case 2:
+        hands_.renameSheet(book_, sheet.name, sheet.otherName);
+        std::swap(sheet.name, sheet.otherName);
         break;
-      }
       case 3:
-        goTo(anySheet(), cell());
+        goTo(sheet.name, cell());
         break;
       case 4:
         hands_.save(book_);
         break;
       case 5: {
-        freeShown();
         const std::string name = std::to_string(++saved_) + ".xlsx";
         hands_.saveAs(book_, folder_ / name);
         book_ = name;
@@ -166,22 +181,38 @@ class CalcMarksProperty : public testing::Test {
         open();
         break;
       case 7:
-        hands_.copySheet(book_, anySheet(), "Copy" + std::to_string(++saved_));
+        hands_.copySheet(book_, sheet.name, "Copy" + std::to_string(++saved_));
+        break;
+      case 8:
+        if (sheets_.size() < 2 || once(2)) break;
+        hands_.deleteSheet(book_, sheet.name);
+        std::erase_if(sheets_,
+                      [gone = sheet.name](const Sheet& each) { return each.name == gone; });
         break;
       default:
-        hands_.enter(book_, "Two", cell(), "5");
+        hands_.enter(book_, sheet.name, cell(), "5");
         if (once(2)) hands_.undo(book_);
     }
   }
 
-  std::set<Line> hiddenNow() {
+  std::set<Line> hiddenNow(const Sheet& sheet) {
+    const std::vector<int> labels = labelsOf(sheet);
     std::set<Line> now;
-    road_.use([&](CalcSpreadsheet& calc) {
-      for (const Lines lines : {Lines::rows, Lines::columns})
-        for (int number = 1; number <= (lines == Lines::rows ? rows : columns); ++number)
-          if (calc.hidden(place(on(first_, "A1"), {lines, number}), lines) == true)
-            now.insert({lines, number});
-    });
+    for (const int label : labels) now.insert({Lines::rows, label});
+    for (int column = 1; column <= columns; ++column) now.insert({Lines::columns, column});
+    const auto seen = [&](const std::string& cells) {
+      std::vector<Area> areas;
+      road_.use([&](CalcSpreadsheet& calc) {
+        if (const auto visible = calc.visibleCells(on(sheet.name, cells))) areas = visible->areas;
+      });
+      return areas;
+    };
+    for (const Area& area : seen("H1:H" + std::to_string(lookedAt)))
+      for (int row = area.firstRow; row <= area.lastRow; ++row)
+        now.erase({Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)});
+    for (const Area& area : seen("A90:F90"))
+      for (int column = area.firstColumn; column <= area.lastColumn; ++column)
+        now.erase({Lines::columns, column});
     return now;
   }
 
@@ -204,29 +235,19 @@ class CalcMarksProperty : public testing::Test {
 
   void expectRecorded() {
     EXPECT_TRUE(!road_.store().load().empty() || marks() == 0);
-    std::set<Line> shown = free_;
-    for (const UnhideStore::Record& record : road_.unhidden().load()) {
-      for (const auto& run : record.rows)
-        for (auto i = run[0]; i <= run[1]; ++i) shown.insert({Lines::rows, static_cast<int>(i)});
-      for (const auto& run : record.cols)
-        for (auto i = run[0]; i <= run[1]; ++i) shown.insert({Lines::columns, static_cast<int>(i)});
+    for (const Sheet& sheet : sheets_) {
+      for (const Line& line : hiddenNow(sheet))
+        EXPECT_TRUE(sheet.hidden.contains(line)) << sheet.name << " " << line.second;
     }
-    const std::set<Line> now = hiddenNow();
-    for (const Line& line : hidden_)
-      EXPECT_TRUE(now.contains(line) || shown.contains(line)) << line.second;
-    for (const Line& line : now) EXPECT_TRUE(hidden_.contains(line)) << line.second;
   }
 
   void expectNothingLeft() {
-    goTo("Home", "A1");
+    ask("select", {Array{"Home!A1"}});
     road_.bridge().restoreStranded();
     EXPECT_EQ(marks(), 0U);
     EXPECT_FALSE(std::filesystem::exists(road_.store().url()));
     EXPECT_FALSE(std::filesystem::exists(road_.unhidden().url()));
-    const std::set<Line> now = hiddenNow();
-    for (const Line& line : hidden_)
-      EXPECT_TRUE(now.contains(line) || free_.contains(line)) << line.second;
-    for (const Line& line : now) EXPECT_TRUE(hidden_.contains(line)) << line.second;
+    for (const Sheet& sheet : sheets_) EXPECT_EQ(hiddenNow(sheet), sheet.hidden) << sheet.name;
     hands_.setModified(book_, false);
     hands_.enter(book_, "Home", "A1", "7");
     EXPECT_NE(hands_.stateOf(book_).find("locked: 0\nmodified: 1"), std::string::npos);
@@ -238,10 +259,10 @@ class CalcMarksProperty : public testing::Test {
   UserHands hands_{connected().open()};
   std::mt19937 random_;
   int saved_ = 0;  // under another name, or copied
-  std::string book_, first_;
+  int lastLabel_ = 1000;
+  std::string book_;
   std::filesystem::path file_;
-  std::set<Line> hidden_;  // at first, on the first sheet
-  std::set<Line> free_;    // those that may stay visible
+  std::vector<Sheet> sheets_;
 };
 
 TEST_F(CalcMarksProperty, EveryMarkCanBeTakenBack) {

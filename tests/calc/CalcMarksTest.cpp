@@ -2,13 +2,12 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <signal.h>
-#include <sstream>
-#include <unistd.h>
 
 #include "host/Address.h"
 #include "host/calc/MarkText.h"
 #include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
+#include "tests/calc/KeeperProcess.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/Eventually.h"
@@ -26,23 +25,6 @@ using testing::Not;
 using testing::SizeIs;
 using Array = JSONValue::Array;
 using Colour = std::vector<std::int64_t>;
-
-// The marks keeper of this process that lives; 0 for none.
-pid_t keeper() {
-  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-    const int number = std::atoi(entry.path().filename().c_str());
-    if (number == 0) continue;
-    const std::string status = readFile(entry.path() / "stat");
-    const std::size_t name = status.find("(quorin-marks-ke) ");
-    if (name == std::string::npos) continue;
-    std::istringstream rest(status.substr(status.rfind(") ") + 2));
-    char state = 0;
-    pid_t parent = 0;
-    rest >> state >> parent;
-    if (parent == ::getpid() && state != 'Z') return number;
-  }
-  return 0;
-}
 
 // One office for all tests. What two connections of a process share belongs to the first of them,
 // so the road's has to be that one.

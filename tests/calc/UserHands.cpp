@@ -290,12 +290,27 @@ void UserHands::hideRows(const std::string& book, const std::string& sheet,
        false);
 }
 
+void UserHands::showRows(const std::string& book, const std::string& sheet,
+                         const std::string& rows) {
+  show(Reference<css::table::XColumnRowRange>(objects_->cells(book, sheet, rows), UNO_QUERY_THROW)
+           ->getRows(),
+       true);
+}
+
 void UserHands::hideColumns(const std::string& book, const std::string& sheet,
                             const std::string& columns) {
   show(
       Reference<css::table::XColumnRowRange>(objects_->cells(book, sheet, columns), UNO_QUERY_THROW)
           ->getColumns(),
       false);
+}
+
+void UserHands::showColumns(const std::string& book, const std::string& sheet,
+                            const std::string& columns) {
+  show(
+      Reference<css::table::XColumnRowRange>(objects_->cells(book, sheet, columns), UNO_QUERY_THROW)
+          ->getColumns(),
+      true);
 }
 
 void UserHands::groupRows(const std::string& book, const std::string& sheet,
@@ -308,6 +323,12 @@ void UserHands::collapseRows(const std::string& book, const std::string& sheet,
                              const std::string& rows) {
   Reference<css::sheet::XSheetOutline>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
       ->hideDetail(objects_->addressOf(book, sheet, rows));
+}
+
+void UserHands::expandRows(const std::string& book, const std::string& sheet,
+                           const std::string& rows) {
+  Reference<css::sheet::XSheetOutline>(objects_->sheet(book, sheet), UNO_QUERY_THROW)
+      ->showDetail(objects_->addressOf(book, sheet, rows));
 }
 
 void UserHands::merge(const std::string& book, const std::string& sheet, const std::string& cells) {
@@ -328,6 +349,13 @@ void UserHands::filter(const std::string& book, const std::string& sheet, const 
   Reference<css::beans::XPropertySet>(descriptor, UNO_QUERY_THROW)
       ->setPropertyValue("ContainsHeader", css::uno::Any(true));
   range->filter(descriptor);
+}
+
+void UserHands::endFilter(const std::string& book, const std::string& sheet,
+                          const std::string& cells) {
+  const Reference<css::sheet::XSheetFilterable> range(objects_->cells(book, sheet, cells),
+                                                      UNO_QUERY_THROW);
+  range->filter(range->createFilterDescriptor(true));
 }
 
 bool UserHands::showsSheet(const std::string& book, const std::string& sheet) {

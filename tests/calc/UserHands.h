@@ -54,13 +54,17 @@ class UserHands {
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);
+  void showRows(const std::string& book, const std::string& sheet, const std::string& rows);
   void hideColumns(const std::string& book, const std::string& sheet, const std::string& columns);
+  void showColumns(const std::string& book, const std::string& sheet, const std::string& columns);
   void groupRows(const std::string& book, const std::string& sheet, const std::string& rows);
   void collapseRows(const std::string& book, const std::string& sheet, const std::string& rows);
+  void expandRows(const std::string& book, const std::string& sheet, const std::string& rows);
   void merge(const std::string& book, const std::string& sheet, const std::string& cells);
   // Shows the rows alone whose cell in that column, counted from 0, holds the text.
   void filter(const std::string& book, const std::string& sheet, const std::string& cells,
               int column, const std::string& text);
+  void endFilter(const std::string& book, const std::string& sheet, const std::string& cells);
   bool showsSheet(const std::string& book, const std::string& sheet);
   void freeze(const std::string& book, int columns, int rows);  // on the sheet on top
   void lockUndo(const std::string& book);  // as a process that died in the middle of a change

@@ -73,8 +73,9 @@ Keeper::Keeper(const OfficeAddress& office, int owner)
       connection_(office, firstAnswer),
       events_(css::frame::theGlobalEventBroadcaster::get(connection_.context()), UNO_QUERY_THROW),
       changes_(connection_.context()),
+      shown_(connection_.context()),
       hook_(new SaveHook(
-          changes_, [this] { wake_(); },
+          changes_, shown_, [this] { wake_(); },
           [this] {
             opened_ = true;
             wake_();
@@ -239,6 +240,14 @@ void Keeper::removeAll() {
   }
 }
 
+// The records that are left ask for these lines again: then there is nothing to do any more, or the
+// user has shown them himself since.
+void Keeper::hideLines(const Workbook& workbook) {
+  const auto entries = shown_.entries(workbook);
+  hideShownLines(changes_, workbook, entries, entries);
+  shown_.settle(entries);
+}
+
 // False when it may be worth another try.
 bool Keeper::removeOnce() {
   bool done = true;
@@ -246,6 +255,7 @@ bool Keeper::removeOnce() {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       try {
         removeMarks(changes_, workbook);
+        hideLines(workbook);
       } catch (const css::uno::Exception&) {
         done = false;  // it may have been closed: then the next try does not find it
       }

@@ -38,7 +38,8 @@ class Keeper {
   Keeper(const Keeper&) = delete;
   Keeper& operator=(const Keeper&) = delete;
 
-  // Returns when the owner or the office is gone, with every mark taken back in the first case.
+  // Returns when the owner or the office is gone, with every mark taken back and every shown line
+  // hidden in the first case.
   void run();
 
  private:
@@ -56,12 +57,14 @@ class Keeper {
   int patience() const;
   void removeAll();
   bool removeOnce();
+  void hideLines(const Workbook& workbook);
 
   const int owner_, office_;
   const Wake wake_;
   OfficeConnection connection_;
   css::uno::Reference<css::document::XDocumentEventBroadcaster> events_;
   QuietChanges changes_;
+  const ShownLines shown_;
   const rtl::Reference<SaveHook> hook_;
   std::list<MarkFollower> followers_;
   bool all_ = false;  // they are of every workbook that had a window when this was looked at last

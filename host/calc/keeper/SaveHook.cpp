@@ -57,9 +57,28 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
   }
   std::vector<TakenMark> marks;
   takeMarks(changes_, *workbook, marks);
+  std::vector<HiddenLines> lines;
+  try {
+    const auto entries = shown_.entries(*workbook);
+    lines = hideShownLines(changes_, *workbook, entries, entries).lines;
+  } catch (const css::uno::Exception&) {
+    // The workbook or the office is gone, or refuses: it is saved as it is.
+  }
   const std::lock_guard lock(mutex_);
   --taking_;
-  if (!marks.empty()) savings_.push_back({*workbook, std::move(marks)});
+  if (!marks.empty() || !lines.empty())
+    savings_.push_back({*workbook, std::move(marks), std::move(lines)});
+}
+
+// A line that the office refuses to show, or whose sheet is gone, stays hidden.
+void SaveHook::showAgain(const Saving& saving) {
+  for (const HiddenLines& lines : saving.lines) {
+    try {
+      LineStates(lines.sheet, lines.kind)
+          .setHidden(changes_, saving.workbook, lines.numbers, false);
+    } catch (const css::uno::Exception&) {
+    }
+  }
 }
 
 void SaveHook::putBackInto(const Reference<css::uno::XInterface>& document) {
@@ -74,6 +93,7 @@ void SaveHook::putBackInto(const Reference<css::uno::XInterface>& document) {
   if (over.empty()) return;
   std::erase_if(made_, [&](const Made& made) { return made.document == model; });
   for (const Saving& saving : over) {
+    if (!letGo_) showAgain(saving);
     for (const TakenMark& mark : saving.marks) {
       if (!letGo_) made_.push_back({model, putBack(changes_, saving.workbook, mark)});
     }

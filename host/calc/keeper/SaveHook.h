@@ -1,6 +1,7 @@
 // SaveHook: hears of every workbook that the office is about to save, export or mail, takes our
-// marks out of it before the office goes on, and puts them back when it is through. It also hears
-// when the user has got another workbook to look at. The office
+// marks out of it and hides the lines that we have shown before the office goes on, and puts them
+// back and shows them when it is through. It also hears when the user has got another workbook to
+// look at. The office
 // waits for the callback, which therefore makes its calls inline and never waits for a thread that
 // may be in a call itself. Callbacks come on threads of the bridge; the rest is for any thread.
 #pragma once
@@ -12,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/calc/ShownLines.h"
 #include "host/calc/keeper/DocumentMarks.h"
 
 namespace quorin::host::calc {
@@ -20,8 +22,9 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
  public:
   // On any thread `over` is told when marks that were taken out are back, and `opened` when a
   // document has been loaded or has got a window.
-  SaveHook(QuietChanges& changes, std::function<void()> over, std::function<void()> opened)
-      : changes_(changes), over_(std::move(over)), opened_(std::move(opened)) {}
+  SaveHook(QuietChanges& changes, const ShownLines& shown, std::function<void()> over,
+           std::function<void()> opened)
+      : changes_(changes), shown_(shown), over_(std::move(over)), opened_(std::move(opened)) {}
 
   // From now on nothing is put back. Waits for a callback that is doing so, hence never to be
   // called in one.
@@ -38,15 +41,18 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
   struct Saving {
     Workbook workbook;
     std::vector<TakenMark> marks;
+    std::vector<HiddenLines> lines;
   };
   struct Made {
     css::uno::Reference<css::frame::XModel> document;
     css::uno::Reference<css::drawing::XShape> shape;
   };
   void takeOut(const css::uno::Reference<css::uno::XInterface>& document);
+  void showAgain(const Saving& saving);
   void putBackInto(const css::uno::Reference<css::uno::XInterface>& document);
 
   QuietChanges& changes_;
+  const ShownLines& shown_;
   const std::function<void()> over_, opened_;
   std::mutex puttingBack_;    // held while marks are put back
   bool letGo_ = false;        // under it, like the next
