@@ -1,18 +1,23 @@
 // Random sequences of marking, revealing and clearing in an office, between what the user does
-// there: entering, undoing, inserting and deleting rows, renaming, copying and deleting sheets,
-// saving, saving under another name, closing and opening again. At no time is anything hidden that
-// was not, or marked that the records do not account for, and in the end nothing is left: every
-// line is hidden again that was, on whichever sheet and wherever the edits have moved it.
-// $QUORIN_SEQUENCES sets their number, $QUORIN_SEED where they begin.
+// there in two workbooks of one name: entering, undoing, inserting and deleting rows, filtering,
+// grouping, renaming, copying and deleting sheets, copying them to the other workbook, saving,
+// saving under another name, closing and opening again. At no time is anything hidden that was not,
+// or marked that the records do not account for, and in the end nothing is left: every line is
+// hidden again that was, on whichever sheet and wherever the edits have moved it, and no sheet has
+// a mark. $QUORIN_SEQUENCES sets their number, $QUORIN_SEED where they begin.
 //
-// What the user's edits leave: marks go with their cells, and a request for what the records know
-// takes them away also where they have moved to, or where a sheet or the workbook has another name
-// now. There is none on the copy of a sheet. On such a copy, a line is visible that was shown when
-// the user copied it: the copy is as he saw it.
+// What no program could tell is left open. A line that we had shown when the user filtered or
+// grouped it, or opened its whole group, may be his or ours. A line that was shown when he copied
+// its sheet is visible on the copy: no line of that sheet was ever hidden.
+#include <algorithm>
+#include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 #include <set>
+#include <utility>
 
 #include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
@@ -35,58 +40,103 @@ class CalcMarksProperty : public testing::Test {
   static constexpr int rows = 9, columns = 6;  // among which some are hidden at first
   static constexpr int labelled = 30;          // rows with a label of their own in column H
   static constexpr int lookedAt = 80;          // rows; edits have not moved labels beyond
+  // Rows that the user filters, the first of which is the header, and those that he groups.
+  using Span = std::pair<int, int>;
+  static constexpr Span toFilter{12, 17}, toGroup{20, 23};
   struct Sheet {
     std::string name, otherName;
-    std::set<Line> hidden;  // rows by their labels, columns by their numbers
+    int labels = 0;               // that of row 1 was one more at first
+    std::set<Line> hidden = {};   // rows by their labels, columns by their numbers
+    std::set<Line> open = {};     // what may be hidden or not
+    std::set<int> filtered = {};  // labels of the rows that a filter hides
+    bool isFiltered = false, isGrouped = false, isCollapsed = false;
+  };
+  struct Book {
+    std::string path;  // the end of it, by which the user's hands know it
+    std::filesystem::path file;
+    std::string name;  // as it is called to us
+    std::vector<Sheet> sheets;
   };
 
   int pick(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
   bool once(int in) { return pick(1, in) == 1; }
 
-  RangeRef on(const std::string& sheet, const std::string& address) const {
-    return {{book_, sheet}, parseA1(address).value()};
+  Book& front() { return books_.at(front_); }
+  Book& other() { return books_.at(1 - front_); }
+
+  RangeRef on(const std::string& sheet, const std::string& address) {
+    return {{front().name, sheet}, parseA1(address).value()};
   }
 
   std::string cell() {
     return columnLetters(pick(1, columns)) + std::to_string(pick(1, once(3) ? 40 : rows));
   }
-  Sheet& anySheet() { return sheets_.at(static_cast<std::size_t>(pick(1, ssize(sheets_))) - 1); }
+  Sheet& anySheet() {
+    return front().sheets.at(static_cast<std::size_t>(pick(1, ssize(front().sheets))) - 1);
+  }
   static int ssize(const std::vector<Sheet>& sheets) { return static_cast<int>(sheets.size()); }
 
-  // In the workbook of the sequence before, as that left it.
+  void bringToFront(std::size_t book) {
+    front_ = book;
+    goTo("Home", "A1");
+  }
+
+  // In the workbooks of the sequence before, as that left them.
   void goOn(unsigned seed) {
     random_.seed(seed);
-    goTo("Home", "A1");
+    bringToFront(static_cast<std::size_t>(pick(0, 1)));
   }
 
   void begin(unsigned seed) {
     random_.seed(seed);
-    book_ = "Property" + std::to_string(seed) + ".xlsx";
-    file_ = folder_ / book_;
-    sheets_ = {{"One", "Uno", {}}, {"Two", "Due", {}}};
+    for (const Book& book : books_)
+      if (!book.path.empty()) hands_.close(book.path);
+    books_ = {};
+    for (front_ = 0; front_ < books_.size(); ++front_) {
+      front().path =
+          (front_ == 0 ? "left/Property" : "right/Property") + std::to_string(seed) + ".xlsx";
+      front().file = folder_ / front().path;
+      std::filesystem::create_directories(front().file.parent_path());
+      makeWorkbook(front());
+    }
+    bringToFront(static_cast<std::size_t>(pick(0, 1)));
+  }
+
+  void makeWorkbook(Book& book) {
+    book.sheets = {{"One", "Uno", 100}, {"Two", "Due", 200}};
     fakes::SheetDescription one{"One", {{"A1", 1.0}}, false, {{"B2:B5", "=$B2>1"}}};
     fakes::SheetDescription two{"Two", {{"C3", 2.0}}};
     for (int row = 1; row <= labelled; ++row) {
       one.cells.push_back({"H" + std::to_string(row), 100.0 + row});
       two.cells.push_back({"H" + std::to_string(row), 200.0 + row});
     }
-    fakes::writeXlsx({.name = book_, .sheets = {one, two, {"Home", {{"A1", 1.0}}}}}, file_);
-    open();
-    for (Sheet& sheet : sheets_) {
+    fakes::writeXlsx({.name = book.path, .sheets = {one, two, {"Home", {{"A1", 1.0}}}}}, book.file);
+    open(book);
+    for (Sheet& sheet : book.sheets) {
       for (int i = pick(1, 4); i > 0; --i) {
         if (once(2)) {
-          hands_.hideRows(book_, sheet.name, "A" + std::to_string(pick(1, rows)));
+          hands_.hideRows(book.path, sheet.name, "A" + std::to_string(pick(1, rows)));
         } else {
-          hands_.hideColumns(book_, sheet.name, columnLetters(pick(1, columns)) + "1");
+          hands_.hideColumns(book.path, sheet.name, columnLetters(pick(1, columns)) + "1");
         }
       }
       sheet.hidden = hiddenNow(sheet);
     }
-    hands_.save(book_);
+    hands_.save(book.path);
   }
 
-  void open() {
-    road_.open(file_);
+  // Asks how the workbook is called; the other one keeps its name.
+  void nameAnew(Book& book) {
+    const Book& another = &book == &front() ? other() : front();
+    road_.use([&](CalcSpreadsheet& calc) {
+      for (const std::string& name : calc.workbooks())
+        if (name != another.name) book.name = name;
+    });
+  }
+
+  void open(Book& book) {
+    road_.open(book.file);
+    nameAnew(book);
     goTo("Home", "A1");
   }
   void goTo(const std::string& sheet, const std::string& address) {
@@ -134,9 +184,10 @@ class CalcMarksProperty : public testing::Test {
   // The office hides a row that is inserted below a hidden one.
   void insertRows(Sheet& sheet) {
     const int first = pick(1, labelled), count = pick(1, 3);
-    hands_.insertRows(book_, sheet.name, first, count);
+    hands_.insertRows(front().path, sheet.name, first, count);
     for (int row = first; row < first + count; ++row)
-      hands_.enter(book_, sheet.name, "H" + std::to_string(row), std::to_string(++lastLabel_));
+      hands_.enter(front().path, sheet.name, "H" + std::to_string(row),
+                   std::to_string(++lastLabel_));
     for (const Line& line : hiddenNow(sheet))
       if (line.second > lastLabel_ - count) sheet.hidden.insert(line);
   }
@@ -146,12 +197,102 @@ class CalcMarksProperty : public testing::Test {
     const std::vector<int> labels = labelsOf(sheet);
     for (int row = first; row < first + count; ++row)
       sheet.hidden.erase({Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)});
-    hands_.removeRows(book_, sheet.name, first, count);
+    hands_.removeRows(front().path, sheet.name, first, count);
+  }
+
+  // Where those of the rows are now that are left; none when none is.
+  std::optional<Span> placeOf(const Sheet& sheet, const Span& rowsAtFirst) {
+    std::optional<Span> place;
+    int row = 0;
+    for (const int label : labelsOf(sheet)) {
+      ++row;
+      if (label < sheet.labels + rowsAtFirst.first || label > sheet.labels + rowsAtFirst.second)
+        continue;
+      if (!place) place = {row, row};
+      place->second = row;
+    }
+    return place;
+  }
+
+  // Has the user change what is hidden in these rows. Those are as he has made them then; what we
+  // had shown there may be either, but for `his`, which he has opened.
+  template <typename Change>
+  void rehide(Sheet& sheet, const Span& place, const std::set<int>& his, Change change) {
+    const std::set<Line> before = hiddenNow(sheet);
+    change();
+    const std::set<Line> after = hiddenNow(sheet);
+    const std::vector<int> labels = labelsOf(sheet);
+    for (int row = place.first; row <= place.second; ++row) {
+      const int label = labels.at(static_cast<std::size_t>(row) - 1);
+      const Line line{Lines::rows, label};
+      const bool wasShown = sheet.hidden.contains(line) && !before.contains(line);
+      if (wasShown && !his.contains(label)) sheet.open.insert(line);
+      sheet.hidden.erase(line);
+      if (after.contains(line)) sheet.hidden.insert(line);
+    }
+  }
+
+  void filter(Sheet& sheet) {
+    const auto place = placeOf(sheet, toFilter);
+    if (!place || place->first == place->second) return;
+    const std::string cells =
+        "H" + std::to_string(place->first) + ":H" + std::to_string(place->second);
+    rehide(sheet, *place, std::exchange(sheet.filtered, {}), [&] {
+      if (std::exchange(sheet.isFiltered, !sheet.isFiltered)) {
+        hands_.endFilter(front().path, sheet.name, cells);
+      } else {
+        hands_.filter(front().path, sheet.name, cells, 0, std::to_string(sheet.labels + 14));
+      }
+    });
+    if (!sheet.isFiltered) return;
+    const std::vector<int> labels = labelsOf(sheet);
+    for (int row = place->first; row <= place->second; ++row)
+      if (sheet.hidden.contains({Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)}))
+        sheet.filtered.insert(labels.at(static_cast<std::size_t>(row) - 1));
+  }
+
+  // That a group is open tells only what is visible of it: rows of it that were hidden, and none
+  // beside it that is.
+  void group(Sheet& sheet) {
+    const auto place = placeOf(sheet, toGroup);
+    if (!place) return;
+    const std::string cells =
+        "A" + std::to_string(place->first) + ":A" + std::to_string(place->second);
+    const std::set<Line> before = hiddenNow(sheet);
+    const std::vector<int> labels = labelsOf(sheet);
+    std::set<int> his;
+    bool isToBeSeen = false;
+    for (int row = place->first - 1; row <= place->second + 1; ++row) {
+      const int label = labels.at(static_cast<std::size_t>(row) - 1);
+      const bool isHidden = before.contains({Lines::rows, label});
+      const bool isBeside = row < place->first || row > place->second;
+      if (isBeside && isHidden) return;
+      if (!isBeside) his.insert(label);
+      isToBeSeen = isToBeSeen || isHidden;
+    }
+    if (!sheet.isCollapsed || !isToBeSeen) his.clear();
+    rehide(sheet, *place, his, [&] {
+      if (!std::exchange(sheet.isGrouped, true)) hands_.groupRows(front().path, sheet.name, cells);
+      if (std::exchange(sheet.isCollapsed, !sheet.isCollapsed)) {
+        hands_.expandRows(front().path, sheet.name, cells);
+      } else {
+        hands_.collapseRows(front().path, sheet.name, cells);
+      }
+    });
+  }
+
+  void copyToOther(const Sheet& sheet) {
+    const std::vector<std::string> before = hands_.sheets(other().path);
+    hands_.copySheetTo(front().path, sheet.name, other().path);
+    for (const std::string& name : hands_.sheets(other().path))
+      if (std::find(before.begin(), before.end(), name) == before.end())
+        hands_.renameSheet(other().path, name, "Copy" + std::to_string(++saved_));
   }
 
   void userEdit() {
     Sheet& sheet = anySheet();
-    switch (pick(0, 10)) {
+    Book& book = front();
+    switch (pick(0, 14)) {
       case 0:
         insertRows(sheet);
         break;
@@ -159,39 +300,56 @@ class CalcMarksProperty : public testing::Test {
         removeRows(sheet);
         break;
       case 2:
-        hands_.renameSheet(book_, sheet.name, sheet.otherName);
+        hands_.renameSheet(book.path, sheet.name, sheet.otherName);
         std::swap(sheet.name, sheet.otherName);
         break;
       case 3:
         goTo(sheet.name, cell());
         break;
       case 4:
-        hands_.save(book_);
+        hands_.save(book.path);
         break;
       case 5: {
         const std::string name = std::to_string(++saved_) + ".xlsx";
-        hands_.saveAs(book_, folder_ / name);
-        book_ = name;
-        file_ = folder_ / name;
+        book.file = book.file.parent_path() / name;
+        hands_.saveAs(book.path, book.file);
+        book.path = (book.file.parent_path().filename() / name).string();
+        nameAnew(book);
         break;
       }
       case 6:
-        hands_.save(book_);
-        hands_.close(book_);
-        open();
+        hands_.save(book.path);
+        hands_.close(book.path);
+        open(book);
+        for (Sheet& each : book.sheets) {  // an unnamed filter is not in the file, what it hid is
+          each.isFiltered = false;
+          each.filtered.clear();
+        }
         break;
       case 7:
-        hands_.copySheet(book_, sheet.name, "Copy" + std::to_string(++saved_));
+        hands_.copySheet(book.path, sheet.name, "Copy" + std::to_string(++saved_));
         break;
       case 8:
-        if (sheets_.size() < 2 || once(2)) break;
-        hands_.deleteSheet(book_, sheet.name);
-        std::erase_if(sheets_,
+        copyToOther(sheet);
+        break;
+      case 9:
+        if (book.sheets.size() < 2 || once(2)) break;
+        hands_.deleteSheet(book.path, sheet.name);
+        std::erase_if(book.sheets,
                       [gone = sheet.name](const Sheet& each) { return each.name == gone; });
         break;
+      case 10:
+        filter(sheet);
+        break;
+      case 11:
+        group(sheet);
+        break;
+      case 12:
+        bringToFront(1 - front_);
+        break;
       default:
-        hands_.enter(book_, sheet.name, cell(), "5");
-        if (once(2)) hands_.undo(book_);
+        hands_.enter(book.path, sheet.name, cell(), "5");
+        if (once(2)) hands_.undo(book.path);
     }
   }
 
@@ -216,12 +374,15 @@ class CalcMarksProperty : public testing::Test {
     return now;
   }
 
+  // On all sheets of all workbooks.
   std::size_t marks() {
     std::size_t count = 0;
     road_.use([&](CalcSpreadsheet& calc) {
-      for (const std::string& sheet : calc.worksheets(book_))
-        for (const FormatCondition& each : calc.formatConditions(on(sheet, "A1:XFD1048576")))
-          count += each.formula == "=\"QXZ\"=\"QXZ\"" ? 1 : 0;
+      for (const std::string& book : calc.workbooks())
+        for (const std::string& sheet : calc.worksheets(book))
+          for (const FormatCondition& each :
+               calc.formatConditions({{book, sheet}, {{1, 1, maxRow, maxColumn}}}))
+            count += each.formula == "=\"QXZ\"=\"QXZ\"" ? 1 : 0;
     });
     return count;
   }
@@ -235,9 +396,10 @@ class CalcMarksProperty : public testing::Test {
 
   void expectRecorded() {
     EXPECT_TRUE(!road_.store().load().empty() || marks() == 0);
-    for (const Sheet& sheet : sheets_) {
+    for (const Sheet& sheet : front().sheets) {
       for (const Line& line : hiddenNow(sheet))
-        EXPECT_TRUE(sheet.hidden.contains(line)) << sheet.name << " " << line.second;
+        EXPECT_TRUE(sheet.hidden.contains(line) || sheet.open.contains(line))
+            << sheet.name << " " << line.second;
     }
   }
 
@@ -247,11 +409,21 @@ class CalcMarksProperty : public testing::Test {
     EXPECT_EQ(marks(), 0U);
     EXPECT_FALSE(std::filesystem::exists(road_.store().url()));
     EXPECT_FALSE(std::filesystem::exists(road_.unhidden().url()));
-    for (const Sheet& sheet : sheets_) EXPECT_EQ(hiddenNow(sheet), sheet.hidden) << sheet.name;
-    hands_.setModified(book_, false);
-    hands_.enter(book_, "Home", "A1", "7");
-    EXPECT_NE(hands_.stateOf(book_).find("locked: 0\nmodified: 1"), std::string::npos);
-    hands_.undo(book_);
+    for (int i = 0; i < 2; ++i) {
+      front_ = 1 - front_;
+      for (const Sheet& sheet : front().sheets) {
+        std::set<Line> now = hiddenNow(sheet), then = sheet.hidden;
+        for (const Line& line : sheet.open) {
+          now.erase(line);
+          then.erase(line);
+        }
+        EXPECT_EQ(now, then) << front().name << " " << sheet.name;
+      }
+      hands_.setModified(front().path, false);
+      hands_.enter(front().path, "Home", "A1", "7");
+      EXPECT_NE(hands_.stateOf(front().path).find("locked: 0\nmodified: 1"), std::string::npos);
+      hands_.undo(front().path);
+    }
   }
 
   TemporaryFolder folder_;
@@ -260,9 +432,8 @@ class CalcMarksProperty : public testing::Test {
   std::mt19937 random_;
   int saved_ = 0;  // under another name, or copied
   int lastLabel_ = 1000;
-  std::string book_;
-  std::filesystem::path file_;
-  std::vector<Sheet> sheets_;
+  std::array<Book, 2> books_;
+  std::size_t front_ = 0;  // the one of them that is in front
 };
 
 TEST_F(CalcMarksProperty, EveryMarkCanBeTakenBack) {
@@ -274,7 +445,6 @@ TEST_F(CalcMarksProperty, EveryMarkCanBeTakenBack) {
     const int start = seed - (seed - first) % each;
     SCOPED_TRACE("QUORIN_SEED=" + std::to_string(start) + ", at " + std::to_string(seed));
     if (seed == start) {
-      if (!book_.empty()) hands_.close(book_);
       begin(static_cast<unsigned>(seed));
     } else {
       goOn(static_cast<unsigned>(seed));
