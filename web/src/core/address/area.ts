@@ -1,10 +1,42 @@
-// Address texts as the spreadsheet gives them: "$B$4:$D$9", "$C:$C", "$2:$5", several joined by a
-// separator. Only what the page shows of them; the formula parser has references of its own.
+// Areas of a sheet, and address texts as the spreadsheet gives them: "$B$4:$D$9", "$C:$C", "$2:$5",
+// several joined by a separator. Only what the page shows of them; the formula parser has references
+// of its own. Pure.
 
 export const maxRows = 1_048_576;
 export const maxColumns = 16_384;
 
 export type Area = { top: number; left: number; bottom: number; right: number };
+
+export function meet(one: Area, other: Area): Area | undefined {
+  const top = Math.max(one.top, other.top);
+  const left = Math.max(one.left, other.left);
+  const bottom = Math.min(one.bottom, other.bottom);
+  const right = Math.min(one.right, other.right);
+  return top <= bottom && left <= right ? { top, left, bottom, right } : undefined;
+}
+
+export function covers(outer: Area, inner: Area): boolean {
+  return (
+    outer.top <= inner.top &&
+    outer.left <= inner.left &&
+    outer.bottom >= inner.bottom &&
+    outer.right >= inner.right
+  );
+}
+
+export function cellCount({ top, left, bottom, right }: Area): number {
+  return (bottom - top + 1) * (right - left + 1);
+}
+
+/** The smallest area that has both. */
+export function union(one: Area, other: Area): Area {
+  return {
+    top: Math.min(one.top, other.top),
+    left: Math.min(one.left, other.left),
+    bottom: Math.max(one.bottom, other.bottom),
+    right: Math.max(one.right, other.right),
+  };
+}
 
 const cellPattern = /^([A-Z]{1,3})([1-9]\d{0,6})$/;
 const columnPattern = /^([A-Z]{1,3})$/;
@@ -55,6 +87,16 @@ export function parseArea(text: string): Area | undefined {
     right: Math.max(...cols),
   };
   return area.bottom <= maxRows && area.right <= maxColumns ? area : undefined;
+}
+
+/** "B4:D9", "C:C", "2:5". */
+export function areaAddress({ top, left, bottom, right }: Area): string {
+  if (top === 1 && bottom === maxRows) return `${columnLetters(left)}:${columnLetters(right)}`;
+  if (left === 1 && right === maxColumns) return `${String(top)}:${String(bottom)}`;
+  const first = columnLetters(left) + String(top);
+  return top === bottom && left === right
+    ? first
+    : `${first}:${columnLetters(right)}${String(bottom)}`;
 }
 
 /** The parts of an address list; separators inside quotes and brackets do not part. */

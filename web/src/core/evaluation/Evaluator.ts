@@ -2,7 +2,7 @@
 // outward, one question at a time. A new formula raises the generation, and answers of an older one
 // are let go (what they say stays in the cache while it holds).
 
-import type { Area } from '../address/area';
+import { cellCount, covers, type Area } from '../address/area';
 import type { CellFormat } from '../format/cellFormat';
 import type { Item, Outline } from '../outline/Item';
 import type { Job, Source } from '../protocol/Conveyor';
@@ -12,7 +12,7 @@ import { derive, takesArgument } from './derive';
 import type { Home } from './expression';
 import { firstFailure, type FirstFailure } from './firstFailure';
 import { Formats } from './Formats';
-import { cellCount, contains, planReads } from './readPlan';
+import { planReads } from './readPlan';
 import { resultOfCells, type Result } from './Result';
 import type { ResultCache } from './ResultCache';
 import { routeOf, type Route, type RouteOf } from './routes';
@@ -254,7 +254,7 @@ export class Evaluator implements Source {
       : named.filter(({ item, route }) => route.sheet === sheet && !this.alone.has(item));
     const area = planReads(ofSheet.map(({ route }) => route.area))[0];
     if (!area) return undefined;
-    const inside = ofSheet.filter(({ route }) => contains(area, route.area));
+    const inside = ofSheet.filter(({ route }) => covers(area, route.area));
     return this.job(
       inside.map(({ item }) => item),
       { by: 'cells', sheet, area },

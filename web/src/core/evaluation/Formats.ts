@@ -1,14 +1,13 @@
 // How cells show their numbers: several asked for at once, because CELL tells one at a time and its
 // answers can be joined.
 
-import { qualified } from '../address/area';
+import { areaAddress, cellCount, qualified } from '../address/area';
 import { parseCellFormat, type CellFormat } from '../format/cellFormat';
 import type { Item } from '../outline/Item';
 import type { Job } from '../protocol/Conveyor';
 import type { EvaluationQuestions } from './Asker';
 import { addressOf, type Home } from './expression';
 import { keyOf, toldOf } from './front';
-import { areaAddress, cellCount } from './readPlan';
 import type { Result } from './Result';
 import type { ResultCache } from './ResultCache';
 import { expressionLimit, type Route } from './routes';

@@ -77,20 +77,14 @@ function withBound(node: Node, bound: Bound): [Node, Bound][] {
   if (node.kind !== 'call' || (which !== 'LET' && which !== 'LAMBDA')) {
     return children(node).map((part) => [part, bound]);
   }
-  const parts: [Node, Bound][] = [];
-  let given: string | undefined;
   let inside = bound;
-  for (const part of node.args) {
-    parts.push([part, inside]);
+  return node.args.map((part, i) => {
+    const here = inside;
     // A name of LET counts only behind its own value.
-    if (given !== undefined) inside = new Set(inside).add(given);
-    given = part.kind === 'parameter' ? plainName(part.name) : undefined;
-    if (which === 'LAMBDA' && given !== undefined) {
-      inside = new Set(inside).add(given);
-      given = undefined;
-    }
-  }
-  return parts;
+    const named = which === 'LET' ? node.args[i - 1] : part;
+    if (named?.kind === 'parameter') inside = new Set(inside).add(plainName(named.name));
+    return [part, here];
+  });
 }
 
 function reachOf(expression: string): Reach {

@@ -1,9 +1,8 @@
 // What is known of a workbook: results by the text they were asked with, and cells in the boxes they
 // were read in. Known only as long as nothing can have changed: the owner clears it when it may.
 
-import type { Area } from '../address/area';
+import { covers, type Area } from '../address/area';
 import type { Grid } from '../protocol/json';
-import { contains } from './readPlan';
 import type { Result } from './Result';
 
 export const resultLimit = 5_000;
@@ -57,7 +56,7 @@ export class ResultCache {
   }
 
   cells(sheet: string, area: Area): Grid | undefined {
-    const box = this.boxes.find((one) => one.sheet === sheet && contains(one.area, area));
+    const box = this.boxes.find((one) => one.sheet === sheet && covers(one.area, area));
     if (!box) return undefined;
     const { top, left } = box.area;
     return box.values

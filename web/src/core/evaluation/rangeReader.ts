@@ -1,11 +1,10 @@
 // Reads a range whole. A range of several columns with an error in its first one is refused as a
 // grid; its first column alone is not, so such a range is read in two parts.
 
-import { qualified, type Area } from '../address/area';
+import { type Area, areaAddress, qualified } from '../address/area';
 import type { Grid } from '../protocol/json';
 import { failed, succeeded, type Outcome } from '../protocol/Outcome';
 import type { RangeTooBig, RangeValues } from '../protocol/verbs';
-import { areaAddress } from './readPlan';
 
 export type ReadRange = (address: string) => Promise<Outcome<RangeValues | RangeTooBig>>;
 

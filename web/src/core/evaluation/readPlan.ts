@@ -1,33 +1,11 @@
 // Which ranges to read so that all wanted areas of a sheet are covered in few trips. Pure.
 
-import { columnLetters, maxColumns, maxRows, type Area } from '../address/area';
+import { cellCount, covers, union, type Area } from '../address/area';
 
 /** The most cells the spreadsheet is asked for at once. */
 export const readLimit = 20_000;
 /** A box may hold this many times the cells that are wanted of it. */
 const wasteLimit = 4;
-
-export function cellCount(area: Area): number {
-  return (area.bottom - area.top + 1) * (area.right - area.left + 1);
-}
-
-export function contains(outer: Area, inner: Area): boolean {
-  return (
-    outer.top <= inner.top &&
-    outer.left <= inner.left &&
-    inner.bottom <= outer.bottom &&
-    inner.right <= outer.right
-  );
-}
-
-function union(one: Area, other: Area): Area {
-  return {
-    top: Math.min(one.top, other.top),
-    left: Math.min(one.left, other.left),
-    bottom: Math.max(one.bottom, other.bottom),
-    right: Math.max(one.right, other.right),
-  };
-}
 
 type Box = { area: Area; wanted: number };
 
@@ -41,7 +19,7 @@ function merged(boxes: readonly Box[]): Box[] {
     const other = result[partner];
     if (!other) result.push(box);
     else {
-      const overlap = contains(other.area, box.area) || contains(box.area, other.area);
+      const overlap = covers(other.area, box.area) || covers(box.area, other.area);
       const wanted = overlap
         ? Math.max(box.wanted, other.wanted)
         : Math.min(box.wanted + other.wanted, cellCount(union(box.area, other.area)));
@@ -59,14 +37,4 @@ export function planReads(areas: readonly Area[]): Area[] {
     boxes = merged(boxes);
   }
   return boxes.map((box) => box.area);
-}
-
-/** "B4:D9", "C:C", "2:5". */
-export function areaAddress({ top, left, bottom, right }: Area): string {
-  if (top === 1 && bottom === maxRows) return `${columnLetters(left)}:${columnLetters(right)}`;
-  if (left === 1 && right === maxColumns) return `${String(top)}:${String(bottom)}`;
-  const first = columnLetters(left) + String(top);
-  return top === bottom && left === right
-    ? first
-    : `${first}:${columnLetters(right)}${String(bottom)}`;
 }

@@ -1,11 +1,11 @@
 // How the value of a part of a formula is come by. Pure: what to ask, not the asking.
 
-import { columnNumber, parseArea, type Area } from '../address/area';
+import { type Area, cellCount, columnNumber, parseArea } from '../address/area';
 import type { Node, NodeOf } from '../formula/syntax';
 import { expressionFor, farText, type Expression, type Home } from './expression';
 import type { Bound } from './front';
 import { literalResult } from './literals';
-import { cellCount, readLimit } from './readPlan';
+import { readLimit } from './readPlan';
 import type { Result } from './Result';
 import { callOf, lookUp, scopeInLet, type Scope } from './Scope';
 import { scratchPlan } from './scratchPlan';

@@ -1,8 +1,7 @@
 // Which cells of the workbook a part of a formula stands for. Pure.
 
-import { qualified } from '../address/area';
+import { areaAddress, qualified } from '../address/area';
 import type { Home } from '../evaluation/expression';
-import { areaAddress } from '../evaluation/readPlan';
 import { targetOf } from '../evaluation/routes';
 import { lookUp } from '../evaluation/Scope';
 import type { Destination } from '../follow/SheetFollower';

@@ -1,13 +1,12 @@
 // Where a name's cells are, as the spreadsheet tells it: marking and showing take a name for cells
 // of the sheet in front.
 
-import { areaAddress } from '../evaluation/readPlan';
 import type { EvaluationQuestions } from '../evaluation/Asker';
 import type { Home } from '../evaluation/expression';
 import { keyOf, toldOf } from '../evaluation/front';
 import type { ResultCache } from '../evaluation/ResultCache';
 import { expressionLimit } from '../evaluation/routes';
-import { qualified } from '../address/area';
+import { areaAddress, qualified } from '../address/area';
 import type { Json } from '../protocol/json';
 import { whereAnswer, whereQuestion } from '../workbook/places';
 

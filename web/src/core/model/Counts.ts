@@ -1,8 +1,7 @@
 // How many cells of a kind lie in any area of a sheet, told at once: sums over the rectangle that was
 // read, kept for every corner. And the other way round: marks laid over rectangles, told for a cell.
 
-import type { Area } from '../address/area';
-import { meet } from './rectangles';
+import { meet, type Area } from '../address/area';
 
 export class Counts {
   private readonly sums: Int32Array;

@@ -2,10 +2,9 @@
 // for each of their references the box that it sweeps. Questions are answered for whole areas at
 // once and cost by regions, not by cells. Built once; a workbook read anew gets a new one.
 
-import { maxColumns, maxRows, type Area } from '../address/area';
+import { type Area, covers, maxColumns, maxRows, meet } from '../address/area';
 import { BoxTree } from './BoxTree';
 import type { Definitions } from './Definitions';
-import { covers, meet } from './rectangles';
 import { distanceWithin, findRegions, partsWithin } from './regions';
 import { Rows } from './Rows';
 import type { SheetCells } from './SheetCells';

@@ -1,10 +1,9 @@
 // What was read of one sheet: for each cell its formula and its value, in arrays, as the pieces were
 // read. Texts and formulas are numbers into tables that all sheets share.
 
-import type { Area } from '../address/area';
+import { cellCount, covers, meet, type Area } from '../address/area';
 import { isErrorText } from '../evaluation/Result';
 import type { Grid, Scalar } from '../protocol/json';
-import { covers, meet, sizeOf } from './rectangles';
 
 export const enum Kind {
   Blank,
@@ -68,7 +67,7 @@ export class SheetCells {
 
   /** Takes a piece; pieces of one sheet do not overlap. */
   add(area: Area, formulas: readonly (readonly string[])[], values: Grid): void {
-    const count = sizeOf(area);
+    const count = cellCount(area);
     const block: Block = {
       area,
       formulas: new Int32Array(count),
@@ -143,9 +142,9 @@ export class SheetCells {
     if (this.blocks.some((block) => covers(block.area, area))) return true;
     const read = this.blocks.reduce((sum, { area: own }) => {
       const part = meet(own, area);
-      return part ? sum + sizeOf(part) : sum;
+      return part ? sum + cellCount(part) : sum;
     }, 0);
-    return read === sizeOf(area);
+    return read === cellCount(area);
   }
 
   private blockAt(row: number, col: number): Block | undefined {

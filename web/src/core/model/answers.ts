@@ -1,8 +1,7 @@
 // The model's answers in the words of the page: rows with address, formula, label and value.
 
-import type { Area } from '../address/area';
-import { parse } from '../formula/Parser';
-import { printInStyle } from '../formula/print';
+import { cellCount, meet, type Area } from '../address/area';
+import { formulaAt } from '../formula/relative';
 import { impactOf } from './impact';
 import { driversOf } from './drivers';
 import { findErrorCauses } from './errors';
@@ -17,7 +16,6 @@ import type {
   RunTimeAnswer,
   WaysAnswer,
 } from './messages';
-import { meet, sizeOf } from './rectangles';
 import { waysBetween } from './ways';
 import type { WorkbookModel } from './WorkbookModel';
 
@@ -32,8 +30,8 @@ const formulaLimit = 240;
 
 /** As it stands in the first of its cells: worked out here, so that the page's own thread need not. */
 function shownFormula(relative: string, area: Area): string {
-  const text = printInStyle(parse(relative, 'r1c1'), 'a1', { row: area.top, col: area.left });
-  return text.length > formulaLimit ? `=${text.slice(0, formulaLimit)}…` : `=${text}`;
+  const text = formulaAt(relative, { row: area.top, col: area.left });
+  return text.length > formulaLimit ? `${text.slice(0, formulaLimit)}…` : text;
 }
 
 function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number): Row {
@@ -43,7 +41,7 @@ function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number
     formula: formula === 0 ? '' : shownFormula(model.formulas.at(formula), area),
     label: model.label({ sheet, area }),
     value: model.value({ sheet, area }),
-    cells: sizeOf(area),
+    cells: cellCount(area),
   };
 }
 
@@ -65,7 +63,7 @@ type Listed = { rows: Row[]; cells: number; left: number };
 
 function listed(model: WorkbookModel, index: Index, parts: Part[]): Listed {
   const chosen = inOrder(index, parts).slice(0, rowsLimit);
-  const count = (some: Part[]) => some.reduce((sum, { area }) => sum + sizeOf(area), 0);
+  const count = (some: Part[]) => some.reduce((sum, { area }) => sum + cellCount(area), 0);
   const cells = count(parts);
   const rows = chosen.map((part) => partRow(model, index, part));
   return { rows, cells, left: cells - count(chosen) };
@@ -119,7 +117,7 @@ function runTimeParts(model: WorkbookModel, index: Index): { parts: Part[]; cell
     const oddity = model.definition.oddity(index.definitionOf(region));
     if (oddity && oddity.runTime.size > 0) parts.push({ region, area: index.areaOf(region) });
   }
-  return { parts, cells: parts.reduce((sum, { area }) => sum + sizeOf(area), 0) };
+  return { parts, cells: parts.reduce((sum, { area }) => sum + cellCount(area), 0) };
 }
 
 export function* runTimeAnswer(model: WorkbookModel): Generator<undefined, RunTimeAnswer> {
@@ -199,7 +197,7 @@ export function* stateAnswer(model: WorkbookModel): Generator<undefined, BookSta
   let formulas = 0;
   for (let region = 0; region < index.regionCount; region++) {
     const area = index.areaOf(region);
-    formulas += sizeOf(area);
+    formulas += cellCount(area);
     const oddity = model.definition.oddity(index.definitionOf(region));
     if (oddity?.unread === true) unread.push({ region, area });
   }
@@ -212,7 +210,7 @@ export function* stateAnswer(model: WorkbookModel): Generator<undefined, BookSta
         ...partRow(model, index, part),
         formula: model.formulas.at(index.formulaOf(part.region)),
       })),
-    unreadCells: unread.reduce((sum, { area }) => sum + sizeOf(area), 0),
+    unreadCells: unread.reduce((sum, { area }) => sum + cellCount(area), 0),
     tables: model.tableQuestions,
   };
 }

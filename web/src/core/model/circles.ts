@@ -2,10 +2,9 @@
 // mostly finds none that matters (a column in which each cell uses the one above does); then their
 // cells one by one. Pure.
 
-import type { Area } from '../address/area';
+import { cellCount, meet, type Area } from '../address/area';
 import { findLoops } from './components';
 import type { Index, SheetArea } from './Index';
-import { meet, sizeOf } from './rectangles';
 
 export type Circles = {
   /** Each circle's cells, in no order. */
@@ -43,7 +42,7 @@ class Cells {
     let total = 0;
     for (const area of this.areas) {
       this.starts.push(total);
-      total += sizeOf(area);
+      total += cellCount(area);
     }
     this.total = total;
   }

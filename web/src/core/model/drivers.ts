@@ -1,10 +1,10 @@
 // The inputs that some cells finally rest on: what was typed in, and what is blank though a formula
 // names it. The ones that matter come first. Pure.
 
-import type { Area } from '../address/area';
+import { cellCount, meet, type Area } from '../address/area';
 import { restedOnBy, type Reached } from './closure';
 import { directUsers, type Index, type SheetArea } from './Index';
-import { AreaSet, meet, sizeOf } from './rectangles';
+import { AreaSet } from './rectangles';
 import { Kind, type SheetCells } from './SheetCells';
 
 export type Driver = SheetArea & {
@@ -43,7 +43,7 @@ export function* driversOf(
     const extent = index.sheets[sheet]?.extent;
     const inside = extent && meet(area, extent);
     // Beyond what is filled a formula may name single blank cells.
-    const part = inside ?? (extent && sizeOf(area) <= blankLimit ? area : undefined);
+    const part = inside ?? (extent && cellCount(area) <= blankLimit ? area : undefined);
     if (!part) return;
     let set = seen.get(sheet);
     if (!set) {
@@ -62,7 +62,7 @@ export function* driversOf(
     if (!cells) continue;
     for (const { area, step } of list) {
       for (const found of inputsIn(cells, area, step)) {
-        if (found.kind !== 'blank') inputs += sizeOf(found.area);
+        if (found.kind !== 'blank') inputs += cellCount(found.area);
         const depth = (steps[step] ?? 0) + 1;
         drivers.push({ sheet, area: found.area, kind: found.kind, uses: 0, steps: depth });
       }
@@ -72,7 +72,7 @@ export function* driversOf(
   // Numbers before texts, single cells and near ones first; how often they are used is worked out for
   // those alone that are listed.
   drivers.sort(
-    (a, b) => order(a) - order(b) || a.steps - b.steps || sizeOf(a.area) - sizeOf(b.area),
+    (a, b) => order(a) - order(b) || a.steps - b.steps || cellCount(a.area) - cellCount(b.area),
   );
   const chosen = drivers.slice(0, listed);
   for (const driver of chosen) {
@@ -131,7 +131,7 @@ function inputsIn(cells: SheetCells, area: Area, step: number): Found[] {
   });
   close();
   // A whole range has blanks as a matter of course; a single cell that is named ought not to be one.
-  if (filled === 0 && sizeOf(area) <= blankLimit) found.push({ area, kind: 'blank', step });
+  if (filled === 0 && cellCount(area) <= blankLimit) found.push({ area, kind: 'blank', step });
   return found;
 }
 
@@ -140,7 +140,7 @@ function usesWithin(index: Index, driver: SheetArea, reached: Reached): number {
   for (const { region, area } of directUsers(index, driver)) {
     for (const own of reached.areasOf(region)) {
       const part = meet(own, area);
-      if (part) uses += sizeOf(part);
+      if (part) uses += cellCount(part);
     }
   }
   return uses;

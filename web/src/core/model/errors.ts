@@ -1,11 +1,10 @@
 // Where errors start: the error cells that use no other error, and how many error cells each of them
 // spoils. Pure.
 
-import type { Area } from '../address/area';
+import { cellCount, meet, type Area } from '../address/area';
 import { restingOn } from './closure';
 import { Counts } from './Counts';
 import type { Index, SheetArea } from './Index';
-import { meet, sizeOf } from './rectangles';
 import { Kind } from './SheetCells';
 
 export type ErrorCause = SheetArea & {
@@ -68,7 +67,7 @@ export function* findErrorCauses(index: Index): Generator<undefined, ErrorCauses
     cause.spoils = yield* spoiledBy(index, sheets, cause, reached);
   }
   causes.sort((a, b) => (b.spoils ?? 0) - (a.spoils ?? 0));
-  const cells = causes.reduce((sum, { area }) => sum + sizeOf(area), 0);
+  const cells = causes.reduce((sum, { area }) => sum + cellCount(area), 0);
   const isWhole = causes.length <= followed;
   return { total, causes, circular: isWhole ? total - cells - reached.size : 0 };
 }

@@ -1,27 +1,6 @@
 // Sets of cells of one sheet as rectangles. Pure.
 
-import type { Area } from '../address/area';
-
-export function meet(one: Area, other: Area): Area | undefined {
-  const top = Math.max(one.top, other.top);
-  const left = Math.max(one.left, other.left);
-  const bottom = Math.min(one.bottom, other.bottom);
-  const right = Math.min(one.right, other.right);
-  return top <= bottom && left <= right ? { top, left, bottom, right } : undefined;
-}
-
-export function covers(outer: Area, inner: Area): boolean {
-  return (
-    outer.top <= inner.top &&
-    outer.left <= inner.left &&
-    outer.bottom >= inner.bottom &&
-    outer.right >= inner.right
-  );
-}
-
-export function sizeOf({ top, left, bottom, right }: Area): number {
-  return (bottom - top + 1) * (right - left + 1);
-}
+import { cellCount, covers, meet, type Area } from '../address/area';
 
 /** What of `area` is not in `taken`: up to four rectangles. */
 export function without(area: Area, taken: Area): Area[] {
@@ -55,7 +34,7 @@ export class AreaSet {
   }
 
   get size(): number {
-    return this.areas.reduce((sum, area) => sum + sizeOf(area), 0);
+    return this.areas.reduce((sum, area) => sum + cellCount(area), 0);
   }
 
   private put(area: Area): void {

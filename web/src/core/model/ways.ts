@@ -2,10 +2,9 @@
 // shortest first. Two chains are told apart by the formulas they go through, not by cells: the forty
 // months of a roll-forward are one way. Their number and length are bounded. Pure.
 
-import type { Area } from '../address/area';
+import { covers, meet, union, type Area } from '../address/area';
 import { along, type Reached } from './closure';
 import type { Index, Part, SheetArea } from './Index';
-import { covers, meet } from './rectangles';
 
 export type Ways = {
   /** Each from the cell that uses the beginning to the end itself. */
@@ -123,7 +122,7 @@ export function* waysBetween(
         if (used.region === region) {
           const longer = along(index, used, reference, area);
           for (const part of longer.flatMap((one) => restingIn(reached, one))) {
-            const whole = { region, area: around(area, part.area) };
+            const whole = { region, area: union(area, part.area) };
             if (!covers(area, part.area)) put(whole, at.next, at.through, true);
           }
           if (longer.length > 0) return;
@@ -149,15 +148,6 @@ function restingIn(reached: Reached, { region, area }: Part): Part[] {
     const both = meet(known, area);
     return both ? [{ region, area: both }] : [];
   });
-}
-
-function around(one: Area, other: Area): Area {
-  return {
-    top: Math.min(one.top, other.top),
-    left: Math.min(one.left, other.left),
-    bottom: Math.max(one.bottom, other.bottom),
-    right: Math.max(one.right, other.right),
-  };
 }
 
 function wasThere(trace: Trace, part: Part): boolean {

@@ -1,8 +1,7 @@
 // MAP and its relatives call a LAMBDA again and again; what they give it the first time. That call
 // stands for all of them in the tree. Pure.
 
-import { parseArea } from '../address/area';
-import { areaAddress } from '../evaluation/readPlan';
+import { areaAddress, parseArea } from '../address/area';
 import { plainName, type Node, type NodeOf } from '../formula/syntax';
 
 function number(text: string, { start, end }: Node): Node {

@@ -1,8 +1,7 @@
 // Reads one workbook piece by piece into the model, and knows what it has read, what it could not
 // read, and which sheets have changed since. One question at a time; stops between two of them.
 
-import type { Area } from '../address/area';
-import { areaAddress, cellCount } from '../evaluation/readPlan';
+import { areaAddress, cellCount, type Area } from '../address/area';
 import { isErrorText } from '../evaluation/Result';
 import type { ModelClient } from '../model/ModelClient';
 import { whereAnswer, whereQuestion } from '../workbook/places';

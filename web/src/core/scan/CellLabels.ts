@@ -1,7 +1,7 @@
 // What a human would call cells that are shown by their address alone. The model knows it where their
 // sheet was read; it is asked for all that were looked at together, a moment later.
 
-import { areaAddress } from '../evaluation/readPlan';
+import { areaAddress } from '../address/area';
 import type { Cells } from '../model/messages';
 import type { Scans } from './Scans';
 

@@ -1,8 +1,7 @@
 // Where cells are filled in a range that is mostly blank: the spreadsheet counts one half and the
 // other, and so on where it counts any.
 
-import type { Area } from '../address/area';
-import { areaAddress, cellCount } from '../evaluation/readPlan';
+import { areaAddress, cellCount, type Area } from '../address/area';
 import type { Json } from '../protocol/json';
 import type { Outcome } from '../protocol/Outcome';
 import { halves, inBook, pieceLimit } from './plan';

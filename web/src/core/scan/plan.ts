@@ -1,7 +1,6 @@
 // Which pieces to read so that a workbook is read whole. Pure.
 
-import { maxColumns, maxRows, parseArea, type Area } from '../address/area';
-import { cellCount } from '../evaluation/readPlan';
+import { type Area, cellCount, maxColumns, maxRows, parseArea } from '../address/area';
 import type { WorkbookMap } from '../protocol/verbs';
 
 /** Larger pieces come without the texts of errors. */

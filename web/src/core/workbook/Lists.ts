@@ -1,8 +1,8 @@
 // The two lists beside the tree, each asked for when it is looked at. Dependents are told by the
 // spreadsheet first, for the sheet in front, and by the model of the workbook as far as it was read.
 
-import { parseArea, qualified } from '../address/area';
-import { cellCount, readLimit } from '../evaluation/readPlan';
+import { cellCount, parseArea, qualified } from '../address/area';
+import { readLimit } from '../evaluation/readPlan';
 import { count } from '../format/words';
 import type { DependentsAnswer, ErrorsAnswer } from '../model/messages';
 import type { ViewName } from '../protocol/events';

@@ -2,8 +2,6 @@
 // across is the same text everywhere. Pure.
 
 import type { Area } from '../address/area';
-import { parse } from '../formula/Parser';
-import { printInStyle } from '../formula/print';
 
 export type Block = {
   area: Area;
@@ -39,9 +37,4 @@ export function blocksOf(area: Area, formulas: readonly (readonly string[])[]): 
     above = here;
   });
   return blocks;
-}
-
-/** A relative formula as it stands in one cell. */
-export function formulaAt(formula: string, row: number, col: number): string {
-  return `=${printInStyle(parse(formula, 'r1c1'), 'a1', { row, col })}`;
 }

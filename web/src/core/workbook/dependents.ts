@@ -1,11 +1,11 @@
 // The cells that use a cell, as a list: by sheet, and there cells with the same relative formula
 // together. Pure.
 
-import { areaAddress, cellCount } from '../evaluation/readPlan';
 import { count, grouped } from '../format/words';
-import { parseArea, type Area } from '../address/area';
+import { type Area, areaAddress, cellCount, parseArea } from '../address/area';
 import { extentOf } from '../address/extent';
-import { formulaAt, type Block } from './blocks';
+import { formulaAt } from '../formula/relative';
+import type { Block } from './blocks';
 import { group, type PlaceRow } from './PlaceList';
 import { placesOf, type Place } from './places';
 
@@ -29,6 +29,10 @@ function placeAt(sheet: string, area: Area): Place {
   return { sheet, address, size: extentOf(address).size, first };
 }
 
+function inFirstCell(formula: string, { top, left }: Area): string {
+  return formulaAt(formula, { row: top, col: left });
+}
+
 function cellRows(sheet: string, { area, formula }: Block): PlaceRow[] {
   const rows: PlaceRow[] = [];
   const cells = cellCount(area);
@@ -39,7 +43,7 @@ function cellRows(sheet: string, { area, formula }: Block): PlaceRow[] {
         return [...rows, { text: '…', detail, tag: '', place: undefined }];
       }
       const place = placeAt(sheet, { top: row, left: col, bottom: row, right: col });
-      const detail = formula === undefined ? '' : formulaAt(formula, row, col);
+      const detail = formula === undefined ? '' : formulaAt(formula, { row, col });
       rows.push({ text: place.address, detail, tag: '', place });
     }
   }
@@ -50,14 +54,14 @@ function blockRow(sheet: string, block: Block): PlaceRow {
   const { area, formula } = block;
   const place = placeAt(sheet, area);
   const cells = cellCount(area);
-  const text = formula === undefined ? place.size : formulaAt(formula, area.top, area.left);
+  const text = formula === undefined ? place.size : inFirstCell(formula, area);
   const times = formula === undefined || cells === 1 ? '' : `  ×${grouped(String(cells))}`;
   const row: PlaceRow = { text: place.address, detail: text + times, tag: '', place };
   return cells === 1 ? row : { ...row, inner: () => cellRows(sheet, block) };
 }
 
 /** Blocks of one formula in one row, which opens to them where they are several. */
-function formulaRow(sheet: string, blocks: readonly Block[]): PlaceRow[] {
+function rowsOfFormula(sheet: string, blocks: readonly Block[]): PlaceRow[] {
   const [first] = blocks;
   if (!first) return [];
   if (blocks.length === 1 || first.formula === undefined) {
@@ -65,7 +69,7 @@ function formulaRow(sheet: string, blocks: readonly Block[]): PlaceRow[] {
   }
   const cells = blocks.reduce((sum, { area }) => sum + cellCount(area), 0);
   const inner = blocks.map((block) => blockRow(sheet, block));
-  const formula = formulaAt(first.formula, first.area.top, first.area.left);
+  const formula = inFirstCell(first.formula, first.area);
   return [
     {
       text: `${areaAddress(first.area)} and ${count(blocks.length - 1, 'more area')}`,
@@ -91,7 +95,7 @@ export function dependentRows(dependents: readonly Dependent[], sheet: string): 
       else formulas.set(block.formula, [block]);
     }
     const cells = blocks.reduce((sum, { area }) => sum + cellCount(area), 0);
-    const rows = [...formulas.values()].flatMap((alike) => formulaRow(name, alike));
+    const rows = [...formulas.values()].flatMap((alike) => rowsOfFormula(name, alike));
     return group(name === sheet ? 'This sheet' : name, count(cells, 'cell'), rows);
   });
 }

@@ -1,11 +1,11 @@
 // The model's answers as rows of a list: who uses the cell on every sheet, each opening to its own
 // users; what rests on it in the end; what it rests on; where errors start.
 
+import { covers, meet } from '../address/area';
 import { count, grouped } from '../format/words';
 import type { Cells, DependentsAnswer, DriverRow, ErrorsAnswer, Row } from '../model/messages';
-import { covers, meet } from '../model/rectangles';
 import { closed, group, remark, type PlaceRow } from './PlaceList';
-import { joined, placed, times, valueText, type Asked } from './rows';
+import { formulaRow, joined, placed, times, valueText, type Asked } from './rows';
 import { waysRows } from './ways';
 
 const contains = (outer: Cells, inner: Cells) =>
@@ -19,8 +19,7 @@ function more(left: number): PlaceRow[] {
 
 /** `way`: the cells through which the row was come to, the asked ones first. */
 function userRow(asked: Asked, row: Row, home: string, way: readonly Cells[]): PlaceRow {
-  const value = row.cells === 1 ? valueText(row.value) : '';
-  const shown = placed(row, joined(value, row.formula, times(row.cells)), home);
+  const shown = formulaRow(row, home);
   const [start] = way;
   if (start && touch(start, row)) return { ...shown, tag: 'Circle' };
   if (way.some((cells) => contains(cells, row))) {

@@ -1,8 +1,7 @@
 // Where things are, from the texts that the spreadsheets give: 'Sheet'!$B$4, [Book.xlsx]Sheet!$B$4,
 // Calc's $Sheet.$B$4.
 
-import { parseArea, splitAreas, type Area } from '../address/area';
-import { areaAddress } from '../evaluation/readPlan';
+import { type Area, areaAddress, parseArea, splitAreas } from '../address/area';
 import { extentOf } from '../address/extent';
 import type { Json } from '../protocol/json';
 

@@ -1,9 +1,8 @@
 // What the rows of the lists about the whole workbook have in common: cells as the model tells them,
 // in words. Pure.
 
-import { columnLetters } from '../address/area';
+import { areaAddress, columnLetters } from '../address/area';
 import { extentOf } from '../address/extent';
-import { areaAddress } from '../evaluation/readPlan';
 import { formatNumber } from '../format/number';
 import { grouped } from '../format/words';
 import type { ModelClient } from '../model/ModelClient';
@@ -49,4 +48,10 @@ export function placed(row: Row, detail: string, home: string): PlaceRow {
   const place = placeOfCells(row);
   const text = row.sheet === home ? place.address : `${shortSheet(row.sheet)}!${place.address}`;
   return { text, detail, tag: '', place, label: row.label };
+}
+
+/** With the value where it is one cell, the formula, and how many cells have it. */
+export function formulaRow(row: Row, home: string): PlaceRow {
+  const value = row.cells === 1 ? valueText(row.value) : '';
+  return placed(row, joined(value, row.formula, times(row.cells)), home);
 }

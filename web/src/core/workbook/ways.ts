@@ -1,22 +1,17 @@
 // How cells get into others, as rows of a list: a row for each way, which opens to its steps.
 
 import { count } from '../format/words';
-import type { Cells, Row, WaysAnswer } from '../model/messages';
+import type { Cells, WaysAnswer } from '../model/messages';
 import { closed, group, remark, type PlaceRow } from './PlaceList';
-import { joined, placed, placeOfCells, times, valueText, type Asked } from './rows';
+import { formulaRow, placed, placeOfCells, type Asked } from './rows';
 
 type Way = WaysAnswer['ways'][number];
 
 /** Of a longer way the beginning and the end stand in its row. */
 const shownSteps = 4;
 
-function stepRow(row: Row, home: string): PlaceRow {
-  const value = row.cells === 1 ? valueText(row.value) : '';
-  return placed(row, joined(value, row.formula, times(row.cells)), home);
-}
-
 function stepRows({ steps, left, leftAfter }: Way, home: string): PlaceRow[] {
-  const rows = steps.map((step) => stepRow(step, home));
+  const rows = steps.map((step) => formulaRow(step, home));
   if (left > 0) rows.splice(leftAfter, 0, remark('…', `and ${count(left, 'more step')}`));
   return rows;
 }

@@ -1,7 +1,7 @@
 import { describe, expect, test } from 'vitest';
 
-import { parseArea, type Area } from '../../../src/core/address/area';
-import { areaAddress, planReads } from '../../../src/core/evaluation/readPlan';
+import { type Area, areaAddress, parseArea } from '../../../src/core/address/area';
+import { planReads } from '../../../src/core/evaluation/readPlan';
 
 const plan = (text: string): string[] =>
   planReads(text.split(' ').map((part) => parseArea(part) as Area)).map(areaAddress);

@@ -1,6 +1,6 @@
 import { describe, expect, test } from 'vitest';
 
-import { blocksOf, formulaAt } from '../../../src/core/workbook/blocks';
+import { blocksOf } from '../../../src/core/workbook/blocks';
 
 const at = (top: number, left: number, bottom: number, right: number) => ({
   top,
@@ -26,13 +26,5 @@ describe('blocks', () => {
       { area: at(3, 1, 3, 1), formula: '=RC[1]' },
     ]);
     expect(blocksOf(at(1, 1, 1, 1), [['']])).toEqual([]);
-  });
-
-  test.each([
-    ['=RC[-1]*R2C2', 7, 4, '=C7*$B$2'],
-    ["=SUM('My sheet'!R[-2]C:R[-1]C)", 9, 3, "=SUM('My sheet'!C7:C8)"],
-    ['=C[-2]', 1, 3, '=A:A'],
-  ])('%s in one cell', (formula, row, col, text) => {
-    expect(formulaAt(formula, row, col)).toBe(text);
   });
 });

@@ -1,0 +1,9 @@
+// A relative formula, in R1C1, as it stands in one cell. Pure.
+
+import { parse } from './Parser';
+import { printInStyle } from './print';
+import type { CellPosition } from './reference';
+
+export function formulaAt(relative: string, at: CellPosition): string {
+  return `=${printInStyle(parse(relative, 'r1c1'), 'a1', at)}`;
+}
