@@ -10,11 +10,10 @@ void refuseTooMany(const Area& area) {
   if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
 }
 
-std::vector<Area> piecesOf(const Area& area) {
-  constexpr int cellsAtOnce = 2'000;
+std::vector<Area> piecesOf(const Area& area, int most) {
   std::vector<Area> pieces;
-  const int columns = std::min(columnCount(area), cellsAtOnce);
-  const int rows = columns < columnCount(area) ? 1 : cellsAtOnce / columns;
+  const int columns = std::min(columnCount(area), most);
+  const int rows = columns < columnCount(area) ? 1 : most / columns;
   for (int row = area.firstRow; row <= area.lastRow; row += rows) {
     for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
       pieces.push_back({row, column, std::min(row + rows - 1, area.lastRow),
@@ -28,6 +27,10 @@ void TextRoom::take(const Grid<CellValue>& values) {
   for (const CellValue& value : values.cells) {
     if (const auto* text = std::get_if<std::string>(&value)) take(text->size());
   }
+}
+
+void TextRoom::take(const Grid<std::string>& texts) {
+  for (const std::string& text : texts.cells) take(text.size());
 }
 
 void forEachCell(const css::uno::Reference<css::sheet::XSheetCellRanges>& found, const Area& area,

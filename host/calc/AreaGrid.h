@@ -7,6 +7,7 @@
 
 #include "host/Address.h"
 #include "host/Spreadsheet.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
@@ -14,10 +15,13 @@ namespace quorin::host::calc {
 inline constexpr long long mostCells = 4'000'000;
 void refuseTooMany(const Area& area);
 
-// The area in parts that are read one after the other, so that the work can end between them and
-// no more is held at once than a part may hold, at most 130 MB of text. They follow each other as
-// the cells do, or lie side by side in one row.
-std::vector<Area> piecesOf(const Area& area);
+// At most as many are read at once, so that the work can end between pieces and no more is held
+// than one may hold, 130 MB of text.
+inline constexpr int cellsOfPiece = 2'000;
+
+// The area in pieces of at most so many cells. They follow each other as the cells do, or lie side
+// by side in one row.
+std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
 
 // How many bytes of text one reading may bring: SpreadsheetError -50 for more. A file of a few
 // kilobytes can hold gigabytes of it.
@@ -29,6 +33,7 @@ class TextRoom {
     if (taken_ > most) throw SpreadsheetError(-50, "The cells hold too much text");
   }
   void take(const Grid<CellValue>& values);
+  void take(const Grid<std::string>& texts);
 
  private:
   std::size_t taken_ = 0;
@@ -59,6 +64,21 @@ void place(Grid<T> part, const Area& at, Grid<T>& whole, const Area& area) {
           std::move(cellAt(part, row, column));
     }
   }
+}
+
+// What `read` gives for each piece of the area, put together. SpreadsheetError for too many cells,
+// too much text, or when the limits are reached.
+template <typename T, typename Read>
+Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read) {
+  Grid<T> grid = gridFor<T>(area);
+  TextRoom room;
+  for (const Area& piece : piecesOf(area)) {
+    limits.check();
+    Grid<T> part = read(piece);
+    room.take(part);
+    place(std::move(part), piece, grid, area);
+  }
+  return grid;
 }
 
 // Calls `visit` with the 0-based position of every cell of `found` that lies in the area.

@@ -225,16 +225,9 @@ void readPiece(const Workbook& workbook, const std::string& sheet, const Area& a
 }  // namespace
 
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
-  const Area& area = firstArea(range);
-  Grid<CellValue> grid = gridFor<CellValue>(area);
-  TextRoom room;
-  for (const Area& piece : piecesOf(area)) {
-    limits.check();
-    Grid<CellValue> part = readPiece(workbook, range.sheet.sheet, piece, limits);
-    room.take(part);
-    place(std::move(part), piece, grid, area);
-  }
-  return grid;
+  return readInPieces<CellValue>(firstArea(range), limits, [&](const Area& piece) {
+    return readPiece(workbook, range.sheet.sheet, piece, limits);
+  });
 }
 
 Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,

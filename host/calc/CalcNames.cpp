@@ -54,6 +54,11 @@ Sequence<rtl::OUString> contentsOneByOne(const Reference<XNamedRanges>& entries,
 
 }  // namespace
 
+Reference<XNamedRanges> definedNamesOf(const Reference<css::uno::XInterface>& owner) {
+  const Reference<css::beans::XPropertySet> properties(owner, UNO_QUERY_THROW);
+  return {properties->getPropertyValue("NamedRanges"), UNO_QUERY_THROW};
+}
+
 CalcNames::CalcNames(const Reference<css::uno::XComponentContext>& context)
     : macro_(context, macroText) {}
 
@@ -71,9 +76,7 @@ void CalcNames::add(std::vector<DefinedName>& list, const Reference<css::uno::XI
                     const std::string& sheet, FormulaTranslator& translator,
                     const CallLimits& limits) {
   limits.check();
-  const Reference<XNamedRanges> entries(
-      Reference<css::beans::XPropertySet>(owner, UNO_QUERY_THROW)->getPropertyValue("NamedRanges"),
-      UNO_QUERY_THROW);
+  const Reference<XNamedRanges> entries = definedNamesOf(owner);
   const Sequence<rtl::OUString> names = entries->getElementNames();
   for (sal_Int32 first = 0; first < names.getLength(); first += namesAtOnce) {
     limits.check();

@@ -13,6 +13,10 @@
 
 namespace quorin::host::calc {
 
+// The names of a workbook's document or of a sheet.
+css::uno::Reference<css::sheet::XNamedRanges> definedNamesOf(
+    const css::uno::Reference<css::uno::XInterface>& owner);
+
 class CalcNames {
  public:
   explicit CalcNames(const css::uno::Reference<css::uno::XComponentContext>& context);

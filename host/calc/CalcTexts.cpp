@@ -118,16 +118,9 @@ Grid<std::string> readPiece(const Workbook& workbook, const std::string& sheet, 
 
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
                             const CallLimits& limits) {
-  const Area& area = firstArea(range);
-  Grid<std::string> grid = gridFor<std::string>(area);
-  TextRoom room;
-  for (const Area& piece : piecesOf(area)) {
-    limits.check();
-    Grid<std::string> part = readPiece(workbook, range.sheet.sheet, piece, errors, limits);
-    for (const std::string& text : part.cells) room.take(text.size());
-    place(std::move(part), piece, grid, area);
-  }
-  return grid;
+  return readInPieces<std::string>(firstArea(range), limits, [&](const Area& piece) {
+    return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
+  });
 }
 
 }  // namespace quorin::host::calc

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/Address.h"
+#include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -14,15 +15,10 @@ bool contains(const std::array<std::string_view, count>& words, std::string_view
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-bool isBlank(std::string_view text) {
-  return text.find_first_not_of(" \n\r\t") == std::string_view::npos;
-}
-
 // A number that stands there, with a sign perhaps.
 std::optional<double> constant(std::string_view text) {
   constexpr std::size_t longest = 9;
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  text = trimmed(text);
   const bool negative = text.starts_with('-');
   if (negative) text.remove_prefix(1);
   const bool digits =
@@ -69,7 +65,7 @@ void leaveOutOfIndex(Reach& reach, std::span<const CallArgument> arguments,
   constexpr std::array<Lines, 2> both{Lines::rows, Lines::columns};
   for (std::size_t i = 1; i < arguments.size(); ++i) {
     const Lines lines = isRow ? Lines::columns : both[i - 1];
-    if (isBlank(arguments[i].calc) || lineCount(whole, lines) == 1) continue;
+    if (trimmed(arguments[i].calc).empty() || lineCount(whole, lines) == 1) continue;
     if (const auto number = numberOf(arguments[i], context)) keepLine(area, lines, *number);
   }
 }
@@ -97,7 +93,7 @@ bool leaveOutOfOffset(Reach& reach, std::span<const CallArgument> arguments,
   Area area = range->areas.front();
   std::array<int, 4> numbers{0, 0, rowCount(area), columnCount(area)};
   for (std::size_t i = 1; i < arguments.size(); ++i) {
-    if (isBlank(arguments[i].calc)) continue;
+    if (trimmed(arguments[i].calc).empty()) continue;
     const auto number = numberOf(arguments[i], context);
     if (!number) return false;
     numbers[i - 1] = *number;

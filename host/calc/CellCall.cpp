@@ -16,9 +16,9 @@ namespace {
 std::optional<std::string> kindOf(const FunctionCall& call, const ExpressionContext& context) {
   if (call.parts.empty()) return std::nullopt;
   const CallArgument& argument = call.parts.front();
-  const std::string text = trimmed(argument.calc);
+  const std::string_view text = trimmed(argument.calc);
   if (text.starts_with('"') && text.find('"', 1) == text.size() - 1) {
-    return text.substr(1, text.size() - 2);
+    return std::string(text.substr(1, text.size() - 2));
   }
   if (!context.valueOf || argument.excel.empty()) return std::nullopt;
   const auto value = context.valueOf(std::string(argument.excel));
@@ -90,7 +90,7 @@ std::optional<std::string> cellCall(const FunctionCall& call, const ExpressionCo
                                     [&](const RangeRef& range) { return range.sheet == sheet; });
   const bool known = asked && oneSheet && !reach.anywhere;
   if (known && kind == "FILENAME" && context.fileName) return inQuotes(context.fileName(sheet));
-  const std::string reference = call.parts.size() == 2 ? trimmed(call.parts[1].calc) : "";
+  const std::string reference(call.parts.size() == 2 ? trimmed(call.parts[1].calc) : "");
   if (!known || reference.empty()) {  // of the cell that was changed last
     reach.untold = true;
     return std::nullopt;

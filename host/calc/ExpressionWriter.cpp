@@ -123,20 +123,14 @@ void ExpressionWriter::close() {
   endArgument();
   const Frame frame = frames_.back();
   if (operandExpected_ && frame.function.empty()) throw Malformed();
-  const std::vector<CallArgument> arguments = argumentsOf(frame);
-  leaveOut(reach_, frame.function, arguments, context_);
-  if (frame.function == "INDIRECT") keepInside(frame);
   const std::size_t begin = frame.begin;
-  const FunctionCall call{frame.function, out_.substr(frame.content),
-                          std::span(reach_.cells).subspan(frame.reached), isCells(frame.content),
-                          arguments};
-  if (const auto instead = writtenAnew(call, context_, reach_)) {
+  const auto instead = frame.function.empty() ? std::nullopt : callInstead(frame);
+  if (instead) {
     out_.erase(begin);
     out_ += *instead;
   } else {
     out_ += ')';
   }
-  addBeyond(reach_, frame.function, frame.reached);
   frames_.pop_back();
   std::erase_if(parameters_, [&](const Parameter& one) { return one.frame == frames_.size(); });
   open_ -= 1 + frame.signs;
@@ -149,6 +143,18 @@ void ExpressionWriter::close() {
   if (truth && isJoinedFrom(begin)) out_ = out_.substr(0, begin) + namedTruth(out_.substr(begin));
   operandExpected_ = false;
   reference_ = true;
+}
+
+// Notes what the call reaches, and gives what stands for it if it is to be written otherwise.
+std::optional<std::string> ExpressionWriter::callInstead(const Frame& frame) {
+  const std::vector<CallArgument> arguments = argumentsOf(frame);
+  leaveOut(reach_, frame.function, arguments, context_);
+  if (frame.function == "INDIRECT") keepInside(frame);
+  const FunctionCall call{frame.function, out_.substr(frame.content),
+                          std::span(reach_.cells).subspan(frame.reached), arguments};
+  auto instead = writtenAnew(call, context_, reach_);
+  addBeyond(reach_, frame.function, frame.reached);
+  return instead;
 }
 
 // Whether what was written from there on is a reference and nothing else.

@@ -87,6 +87,7 @@ class ExpressionWriter {
   void close();
   void endArgument();
   std::vector<CallArgument> argumentsOf(const Frame& frame) const;
+  std::optional<std::string> callInstead(const Frame& frame);
   void separator(char c);
   void sign(char c);
   void crossing();

@@ -16,42 +16,23 @@ bool contains(const std::array<std::string_view, count>& words, std::string_view
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-// The arguments of a call in Calc's grammar, one by one.
-std::vector<std::string> argumentsOf(std::string_view text) {
-  std::vector<std::string> arguments{{}};
-  int depth = 0;
-  char quote = '\0';
-  for (const char c : text) {
-    if (quote != '\0') {
-      if (c == quote) quote = '\0';
-    } else if (c == '"' || c == '\'') {
-      quote = c;
-    } else if (c == '(' || c == '{') {
-      ++depth;
-    } else if (c == ')' || c == '}') {
-      --depth;
-    } else if (c == ';' && depth == 0) {
-      arguments.emplace_back();
-      continue;
-    }
-    arguments.back() += c;
-  }
-  return arguments;
-}
-
 // The text that is shown, and not the address with it, which Calc tells as a second value.
 std::optional<std::string> linkText(const FunctionCall& call) {
-  const std::vector<std::string> arguments = argumentsOf(call.arguments);
-  const std::string& shown = arguments.size() == 2 ? arguments[1] : arguments[0];
-  if (arguments.size() > 2 || trimmed(shown).empty()) return std::nullopt;
+  const std::string& shown = call.parts.back().calc;
+  if (call.parts.size() > 2 || trimmed(shown).empty()) return std::nullopt;
   return "(" + shown + ")";
+}
+
+// The range that is the only argument, as it stands.
+const RangeRef* onlyRange(const FunctionCall& call) {
+  const bool only = call.parts.size() == 1 && call.parts[0].isCells && call.cells.size() == 1;
+  return only ? &call.cells[0] : nullptr;
 }
 
 // Of a range Excel takes the first cell.
 std::optional<std::string> ofFirstCell(const FunctionCall& call) {
-  if (!call.isCells || call.cells.size() != 1 || cellCount(call.cells.front().areas) == 1) {
-    return std::nullopt;
-  }
+  const RangeRef* const range = onlyRange(call);
+  if (range == nullptr || cellCount(range->areas) == 1) return std::nullopt;
   return call.name + "(INDEX(" + call.arguments + ";1;1))";
 }
 
@@ -66,8 +47,9 @@ std::optional<std::string> sheetNumber(const ExpressionContext& context) {
 // The formulas of the cells, as one text or an array of them.
 std::optional<std::string> formulaText(const FunctionCall& call, const ExpressionContext& context) {
   constexpr std::size_t mostCells = 1000, longestText = 1000;
-  if (!call.isCells || call.cells.size() != 1 || !context.formulas) return std::nullopt;
-  const auto formulas = context.formulas(call.cells.front());
+  const RangeRef* const range = onlyRange(call);
+  if (range == nullptr || !context.formulas) return std::nullopt;
+  const auto formulas = context.formulas(*range);
   if (!formulas || formulas->cells.size() > mostCells) return std::nullopt;
   std::string text;
   for (int row = 0; row < formulas->rows; ++row) {
@@ -83,21 +65,6 @@ std::optional<std::string> formulaText(const FunctionCall& call, const Expressio
 }
 
 }  // namespace
-
-std::string trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \n\r\t");
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(" \n\r\t") + 1 - first));
-}
-
-std::string inQuotes(std::string_view text) {
-  std::string result = "\"";
-  for (const char c : text) {
-    if (c == '"') result += c;
-    result += c;
-  }
-  return result + '"';
-}
 
 std::optional<std::string_view> readOnlyArgument(std::string_view text, std::size_t& position) {
   const std::size_t from = position + 1;

@@ -19,19 +19,12 @@ struct FunctionCall {
   std::string name;                          // in capitals
   std::string arguments;                     // in Calc's grammar
   std::span<const RangeRef> cells;           // that the arguments reach
-  bool isCells = false;                      // the only argument is these cells, as they stand
-  std::span<const CallArgument> parts = {};  // the arguments, one by one
+  std::span<const CallArgument> parts = {};  // the arguments, one by one; at least one
 };
 
 // What stands for the call; nothing for it to stay as it is. Sets what the answer depends on.
 std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
                                        Reach& reach);
-
-// Without the blanks around it.
-std::string trimmed(std::string_view text);
-
-// The text in quotation marks, as it stands in a formula.
-std::string inQuotes(std::string_view text);
 
 // Whether the function gives a truth value or an error, and nothing else.
 bool givesTruth(std::string_view function);

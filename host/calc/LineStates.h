@@ -31,7 +31,6 @@ class LineStates {
  private:
   void look() const;
   bool allShown(int first, int last) const;
-  bool flag(int number, const char* name) const;
 
   const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;
   const Lines kind_;

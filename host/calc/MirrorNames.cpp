@@ -9,6 +9,7 @@
 #include <com/sun/star/sheet/XNamedRange.hpp>
 #include <com/sun/star/sheet/XNamedRanges.hpp>
 
+#include "host/calc/CalcNames.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/Text.h"
 
@@ -22,10 +23,6 @@ using css::uno::UNO_QUERY_THROW;
 css::uno::Any propertyOf(const Reference<css::uno::XInterface>& owner, const char* name) {
   return Reference<XPropertySet>(owner, UNO_QUERY_THROW)
       ->getPropertyValue(rtl::OUString::createFromAscii(name));
-}
-
-Reference<css::sheet::XNamedRanges> namesOf(const Reference<css::uno::XInterface>& owner) {
-  return {propertyOf(owner, "NamedRanges"), UNO_QUERY_THROW};
 }
 
 // Calc takes a name like "Rate.2024" from a file, and by renaming, but not for a new name.
@@ -48,7 +45,8 @@ bool isOfCells(const Reference<css::uno::XInterface>& name) {
 
 void copyDefinedNames(const Reference<css::uno::XInterface>& from,
                       const Reference<css::uno::XInterface>& to, const CallLimits& limits) {
-  const Reference<css::sheet::XNamedRanges> source = namesOf(from), target = namesOf(to);
+  const Reference<css::sheet::XNamedRanges> source = definedNamesOf(from),
+                                            target = definedNamesOf(to);
   for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
   for (const rtl::OUString& name : source->getElementNames()) {
     limits.check();

@@ -113,7 +113,7 @@ css::uno::Sequence<sal_Int32> positionsOf(const QuietChanges::LineSpans& spans) 
     positions.push_back(first - 1);
     positions.push_back(last - 1);
   }
-  return {positions.data(), static_cast<sal_Int32>(positions.size())};
+  return sequenceOf(positions);
 }
 
 Reference<css::beans::XPropertySet> groupOf(const Reference<css::sheet::XSpreadsheet>& sheet,

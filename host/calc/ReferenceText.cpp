@@ -234,6 +234,22 @@ std::optional<std::string> readQuoted(std::string_view text, std::size_t& positi
   return std::nullopt;
 }
 
+std::string inQuotes(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"') result += c;
+    result += c;
+  }
+  return result + '"';
+}
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \n\r\t";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
 std::string_view errorLiteral(std::string_view text, std::size_t position) {
   static constexpr std::array<std::string_view, 8> literals{
       "#NULL!", "#DIV/0!", "#VALUE!", "#REF!", "#NAME?", "#NUM!", "#N/A", "#CALC!"};

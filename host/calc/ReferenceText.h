@@ -60,6 +60,12 @@ std::string calcSheet(const std::string& name);
 // Reads 'quoted text' with doubled quotes at `position`, and moves it behind the closing quote.
 std::optional<std::string> readQuoted(std::string_view text, std::size_t& position);
 
+// The text in quotation marks, as it stands in a formula.
+std::string inQuotes(std::string_view text);
+
+// Without the blanks around it.
+std::string_view trimmed(std::string_view text);
+
 // The error literal at `position` in its usual spelling ("#REF!"), in any case; empty for none.
 std::string_view errorLiteral(std::string_view text, std::size_t position);
 

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/MarkShape.h"
 #include "host/calc/Text.h"
@@ -59,11 +60,6 @@ enum Part { namesPart, rowsPart, pagePart, numbersPart, cellsPart, besidesPart, 
 // What is told of a line by numbers.
 enum Field { numberField, filteredField, settledField, firstBeside, secondBeside, fieldCount };
 
-template <typename T>
-Sequence<T> sequenceFrom(const std::vector<T>& items) {
-  return {items.data(), static_cast<sal_Int32>(items.size())};
-}
-
 Any written(const Kept& kept) {
   std::vector<sal_Int32> numbers;
   std::vector<Cells> cells;
@@ -73,9 +69,9 @@ Any written(const Kept& kept) {
     cells.push_back(line.cells);
   }
   const std::vector<rtl::OUString> names{toUno(kept.sheet.book), toUno(kept.sheet.sheet)};
-  return Any(sequenceFrom<Any>({Any(sequenceFrom(names)), Any(kept.kind == Lines::rows),
-                                Any(kept.page), Any(sequenceFrom(numbers)),
-                                Any(sequenceFrom(cells)), Any(sequenceFrom(kept.besides))}));
+  return Any(sequenceOf<Any>({Any(sequenceOf(names)), Any(kept.kind == Lines::rows), Any(kept.page),
+                              Any(sequenceOf(numbers)), Any(sequenceOf(cells)),
+                              Any(sequenceOf(kept.besides))}));
 }
 
 // Nothing for what others have put there.

@@ -27,9 +27,9 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 constexpr long long mostCellsReached = 1'000'000;
-constexpr long long cellsAtOnce = 10'000;  // the office does nothing else for these
-constexpr long long fewCells = 2'000;      // not worth asking which of them are filled
-constexpr sal_Int32 everything = 1023;     // contents and formats of every kind
+constexpr int cellsAtOnce = 10'000;     // the office does nothing else for these
+constexpr long long fewCells = 2'000;   // not worth asking which of them are filled
+constexpr sal_Int32 everything = 1023;  // contents and formats of every kind
 const Area wholeSheet{1, 1, maxRow, maxColumn};
 
 bool contains(const RangeRef& outer, const RangeRef& inner) {
@@ -82,18 +82,6 @@ void cover(std::vector<Area> parts, std::vector<Area>& found) {
   const auto middle = parts.begin() + static_cast<std::ptrdiff_t>(cut);
   cover({parts.begin(), middle}, found);
   cover({middle, parts.end()}, found);
-}
-
-// Whole rows of the area, as many as may be read at once.
-std::vector<Area> pieces(const Area& area) {
-  std::vector<Area> result;
-  const long long columns = columnCount(area);
-  const int rows = static_cast<int>(std::max(1LL, cellsAtOnce / columns));
-  for (int row = area.firstRow; row <= area.lastRow; row += rows) {
-    result.push_back(
-        {row, area.firstColumn, std::min(row + rows - 1, area.lastRow), area.lastColumn});
-  }
-  return result;
 }
 
 }  // namespace
@@ -229,7 +217,7 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const Call
   std::vector<Block> blocks;
   TextRoom room;
   for (const RangeRef& range : areas) {
-    for (const Area& piece : pieces(range.areas.front())) {
+    for (const Area& piece : piecesOf(range.areas.front(), cellsAtOnce)) {
       limits.check();
       const std::shared_ptr<Workbook> source = workbooks.named(range.sheet.book);
       const RangeRef part{range.sheet, {piece}};

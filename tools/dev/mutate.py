@@ -13,9 +13,9 @@ usage: mutate.py [--folder NAME ...] [--sample N] [--seed N] [--jobs N] [--list]
   --list          says what it would do
   --change        one change: the only place in FILE that holds OLD
 
-First the programs are run without a change. Prints for each change whether the tests noticed it (killed, with the test that failed), or not
-(survived), or whether it cannot be tried (refused: it does not compile). Exits 1 when fewer than 90
-of a hundred were noticed.
+First the programs are run without a change. Prints for each change whether the tests noticed it
+(killed, with the test that failed), or not (survived), or whether it cannot be tried (refused: it
+does not compile). Exits 1 when fewer than 90 of a hundred were noticed.
 """
 import argparse
 import collections
