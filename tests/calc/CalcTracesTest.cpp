@@ -30,7 +30,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Each takes another way: the values it reaches, a name, cells named by text, a whole copy.
+// Each takes another way: the values it reaches, a name, cells named by text, how a cell looks.
 const std::vector<std::string> expressions{"B2*2+A7", "SUM(Prices)*1", "INDIRECT(\"B2\")+1",
                                            "CELL(\"width\",B2)+0"};
 
