@@ -15,7 +15,7 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 // In one step of the office's, which the user waits for.
-constexpr std::size_t mostSpans = 25;
+constexpr std::size_t mostSpans = 50;
 
 Reference<css::container::XIndexAccess> linesOf(const Reference<css::sheet::XSpreadsheet>& sheet,
                                                 Lines kind) {

@@ -7,6 +7,7 @@
 
 #include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
+#include "tests/calc/SheetHands.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 
@@ -25,11 +26,15 @@ class CalcReveal : public testing::Test {
     fakes::SheetDescription list{"List", {{"A1", "Kind"}, {"B1", "Size"}}};
     for (int row = 2; row <= 9; ++row)
       list.cells.push_back({"A" + std::to_string(row), row % 2 == 0 ? "even" : "odd"});
+    fakes::SheetDescription many{"Many", {{"C70", 1830.0, "=SUBTOTAL(109,A1:A60)"}}};
+    for (int row = 1; row <= 60; ++row)
+      many.cells.push_back({"A" + std::to_string(row), static_cast<double>(row)});
     fakes::writeXlsx({.name = book,
                       .sheets = {list,
                                  {"Two", {{"A1", 1.0}}},
                                  {"Three", {{"A1", 1.0}}},
                                  {"Four", {{"A1", 1.0}}},
+                                 many,
                                  {"Home", {{"A1", 1.0}}}},
                       .names = {{"Sizes", "=List!$B$3:$B$5"}}},
                      *folder / book);
@@ -173,6 +178,32 @@ TEST_F(CalcReveal, ShowsHiddenRowsUnderAMergedCell) {
   hands->setModified(book, false);
   revealAndTakeBack("Four!B20:D23", "rows 21\u201322");
   revealAndTakeBack("Four!C21", "row 21");
+}
+
+// Subtotals, drawings and charts are as after the user's own hiding.
+TEST_F(CalcReveal, LeavesWhatFollowsManyRowsAsItWas) {
+  SheetHands sheets(road->office().open(), book);
+  sheets.draw("Many", "E65");
+  sheets.addChart("Home", "Many", "A20:A40");
+  const int shown = sheets.topOfDrawing("Many");
+  for (int row = 5; row <= 45; row += 2) hands->hideRows(book, "Many", "A" + std::to_string(row));
+  const int hidden = sheets.topOfDrawing("Many");
+  EXPECT_LT(hidden, shown);
+  hands->setModified(book, false);
+  const std::string state = hands->stateOf(book);
+
+  reveal("Many!A5:A45");
+  EXPECT_EQ(hiddenOn("Many"), 0);
+  EXPECT_EQ(sheets.number("Many", "C70"), 1830);
+  EXPECT_EQ(sheets.topOfDrawing("Many"), shown);
+  EXPECT_EQ(sheets.hiddenInChart("Home"), 0);
+  ask("select", {Array{"Home!A1"}});
+  ask("clearMarks");
+  EXPECT_EQ(hiddenOn("Many"), 13) << "of 30";
+  EXPECT_EQ(sheets.number("Many", "C70"), 1305);
+  EXPECT_EQ(sheets.topOfDrawing("Many"), hidden);
+  EXPECT_EQ(sheets.hiddenInChart("Home"), 10);
+  EXPECT_EQ(hands->stateOf(book), state);
 }
 
 // In a workbook where the office takes some 10 ms for each change of lines, and 100 ms while it

@@ -3,18 +3,27 @@
 #include <algorithm>
 #include <array>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/chart2/XChartDocument.hpp>
+#include <com/sun/star/chart2/XChartTypeContainer.hpp>
+#include <com/sun/star/chart2/XCoordinateSystemContainer.hpp>
+#include <com/sun/star/chart2/XDataSeriesContainer.hpp>
+#include <com/sun/star/chart2/data/XDataSource.hpp>
 #include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/document/XDocumentRecovery.hpp>
+#include <com/sun/star/document/XEmbeddedObjectSupplier.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/drawing/FillStyle.hpp>
 #include <com/sun/star/drawing/PointSequenceSequence.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/io/IOException.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangeMovement.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
+#include <com/sun/star/table/XTableCharts.hpp>
+#include <com/sun/star/table/XTableChartsSupplier.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <map>
 #include <set>
@@ -117,6 +126,10 @@ struct SheetHands::Objects {
   }
   Reference<css::table::XTableColumns> columns(const std::string& name) const {
     return Reference<css::table::XColumnRowRange>(sheet(name), UNO_QUERY_THROW)->getColumns();
+  }
+  Reference<css::table::XTableCharts> charts(const std::string& name) const {
+    const Reference<css::table::XTableChartsSupplier> supplier(sheet(name), UNO_QUERY_THROW);
+    return supplier->getCharts();
   }
   Reference<css::document::XUndoManager> undoManager() const {
     return Reference<css::document::XUndoManagerSupplier>(document, UNO_QUERY_THROW)
@@ -240,6 +253,57 @@ void SheetHands::undo() {
 
 void SheetHands::redo() {
   objects_->undoManager()->redo();
+}
+
+void SheetHands::draw(const std::string& sheet, const std::string& cell) {
+  const Reference<css::lang::XMultiServiceFactory> factory(objects_->document, UNO_QUERY_THROW);
+  const Reference<css::drawing::XShape> shape(
+      factory->createInstance("com.sun.star.drawing.RectangleShape"), UNO_QUERY_THROW);
+  shape->setSize({2000, 1000});
+  const auto place = objects_->sheet(sheet);
+  const auto anchor = place->getCellRangeByName(toUno(cell));
+  drawPageOf(place)->add(shape);
+  shape->setPosition(property<css::awt::Point>(anchor, "Position"));
+  setProperty(shape, "Anchor",
+              Reference<css::table::XCell>(anchor->getCellByPosition(0, 0), UNO_QUERY_THROW));
+}
+
+int SheetHands::topOfDrawing(const std::string& sheet) {
+  return Reference<css::drawing::XShape>(drawPageOf(objects_->sheet(sheet))->getByIndex(0),
+                                         UNO_QUERY_THROW)
+      ->getPosition()
+      .Y;
+}
+
+void SheetHands::addChart(const std::string& sheet, const std::string& otherSheet,
+                          const std::string& cells) {
+  const Reference<css::sheet::XCellRangeAddressable> range(
+      objects_->sheet(otherSheet)->getCellRangeByName(toUno(cells)), UNO_QUERY_THROW);
+  objects_->charts(sheet)->addNewByName("Chart", {1000, 1000, 8000, 6000},
+                                        sequenceOf({range->getRangeAddress()}), false, false);
+}
+
+int SheetHands::hiddenInChart(const std::string& sheet) {
+  const Reference<css::document::XEmbeddedObjectSupplier> chart(
+      objects_->charts(sheet)->getByName("Chart"), UNO_QUERY_THROW);
+  const Reference<css::chart2::XCoordinateSystemContainer> diagram(
+      Reference<css::chart2::XChartDocument>(chart->getEmbeddedObject(), UNO_QUERY_THROW)
+          ->getFirstDiagram(),
+      UNO_QUERY_THROW);
+  const Reference<css::chart2::XChartTypeContainer> types(diagram->getCoordinateSystems()[0],
+                                                          UNO_QUERY_THROW);
+  const Reference<css::chart2::XDataSeriesContainer> series(types->getChartTypes()[0],
+                                                            UNO_QUERY_THROW);
+  const Reference<css::chart2::data::XDataSource> data(series->getDataSeries()[0], UNO_QUERY_THROW);
+  const auto values = data->getDataSequences()[0]->getValues();
+  return property<css::uno::Sequence<sal_Int32>>(values, "HiddenValues").getLength();
+}
+
+double SheetHands::number(const std::string& sheet, const std::string& cell) {
+  return objects_->sheet(sheet)
+      ->getCellRangeByName(toUno(cell))
+      ->getCellByPosition(0, 0)
+      ->getValue();
 }
 
 bool SheetHands::isModified() {

@@ -35,6 +35,14 @@ class SheetHands {
   void enter(const std::string& sheet, const std::string& cell, const std::string& formula);
   void undo();
   void redo();
+  // A drawing that is tied to that cell, and how far from the top of its sheet it is, in hundredths
+  // of a mm.
+  void draw(const std::string& sheet, const std::string& cell);
+  int topOfDrawing(const std::string& sheet);
+  // A chart on the sheet of cells of another, and how many of these it takes for hidden.
+  void addChart(const std::string& sheet, const std::string& otherSheet, const std::string& cells);
+  int hiddenInChart(const std::string& sheet);
+  double number(const std::string& sheet, const std::string& cell);
   bool isModified();
   void setModified(bool modified);
 
