@@ -21,6 +21,8 @@ class CalcReach : public CalcReads {
                        {"A4", "secret"},
                        {"A5", "'" + url + "a.ods'#$Sheet1.A1"},
                        {"A6", "[" + url + "a.xlsx]Sheet1!A1"},
+                       {"A7", "'[" + url + "a.xlsx]She\net1'!A1"},
+                       {"A8", "'" + url + "[[a.xlsx]She\xE2\x80\xA8t!1'!A1"},
                        {"B1", 4.0, "=LEN(" + call + ")"},
                        {"B2", "x", "=HYPERLINK(\"" + url + "\",\"x\")"}}},
                      {"Own", {{"A1", 1.0}}}},
@@ -77,7 +79,8 @@ TEST_F(CalcReach, CallsNothingThatReachesOutUnlessTheUserAsked) {
 
 TEST_F(CalcReach, FindsNothingOutsideByText) {
   // Arrays and second arguments leave it to Calc what the text names.
-  for (const char* text : {"A5", "A6", "A5:A6", "\"W\"", "\"Nested\"", "\"Own!Local\""}) {
+  for (const char* text :
+       {"A5", "A6", "A7", "A8", "A5:A8", "\"W\"", "\"Nested\"", "\"Own!Local\""}) {
     for (const char* style : {"", ",TRUE", ",FALSE"}) {
       evaluate("IFERROR(INDIRECT(" + std::string(text) + style + "),0)+1");
       evaluate("SUM(INDIRECT({\"A1\",\"A4\"}&\"\"),INDIRECT(" + std::string(text) + style + "))");
@@ -89,6 +92,15 @@ TEST_F(CalcReach, FindsNothingOutsideByText) {
   EXPECT_EQ(evaluate("'" + listener->url() + "[a.xlsx]Sheet1'!A1+1"),
             R"({"kind":"excelError","message":"#REF!","ok":false})");
   EXPECT_THAT(listener->requests(), IsEmpty());
+}
+
+TEST_F(CalcReach, LooksAtATextOfAnyLengthOnce) {
+  for (const char* text :
+       {"REPT(\"[\",30000)", "REPT(\"' #\",10000)&\"!\"", "REPT(\"[\",30000)&\"!\""})
+    EXPECT_EQ(evaluate("INDIRECT(" + std::string(text) + ")"),
+              R"({"kind":"excelError","message":"#REF!","ok":false})")
+        << text;
+  EXPECT_EQ(evaluate("INDIRECT(\"Data\"&\"!A4\")"), R"({"ok":true,"value":"secret"})");
 }
 
 TEST_F(CalcReach, ReadsCellsAndTheirFormatsWithoutCalculatingThemAnew) {

