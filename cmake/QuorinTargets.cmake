@@ -25,13 +25,13 @@ target_link_libraries(quorin_options INTERFACE Threads::Threads)
 
 # Reading headers is most of what it takes to compile for tests, so the common ones of the standard
 # library are read once for all. The compiler then misses none of them: tests/lint/std_includes.py
-# does, and so do releases, builds under sanitizers and the macOS check, which read them where they
-# are included.
+# does, and so do releases, the fuzzers and the macOS check, which read them where they are
+# included.
 set(QUORIN_HEADERS
   <algorithm> <array> <atomic> <charconv> <chrono> <cmath> <condition_variable> <cstdint>
   <filesystem> <fstream> <functional> <map> <memory> <mutex> <optional> <set> <sstream> <string>
   <string_view> <thread> <utility> <variant> <vector>)
-if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_SANITIZE AND NOT APPLE)
+if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_FUZZ AND NOT APPLE)
   file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/headers.cpp CONTENT "")
   add_library(quorin_headers STATIC ${CMAKE_BINARY_DIR}/headers.cpp)
   target_link_libraries(quorin_headers PRIVATE quorin_options)
@@ -58,7 +58,7 @@ endfunction()
 # Tests are most of what there is to compile, and each is run once or twice: code that takes less
 # time to make is better there than code that takes less time to run.
 function(quorin_compile_quickly target)
-  if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_SANITIZE)
+  if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_FUZZ)
     target_compile_options(${target} PRIVATE -O0 -g0)
   endif()
 endfunction()

@@ -3,7 +3,8 @@
 // takes everything back.
 //
 // With $QUORIN_EVERY_POINT set these are all points. Otherwise, to be quick, of the calls that only
-// read from the spreadsheet it is every fifth: before and after one everything is the same.
+// read from the spreadsheet it is every fifth: before and after one everything is the same. Under a
+// sanitizer it is every fifth point: what it finds does not depend on which one it is.
 #include <gmock/gmock.h>
 #include <set>
 
@@ -58,8 +59,15 @@ std::vector<Request> inPieces() {
   return {mark(many), {"clearMarks"}};
 }
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
 bool isChosen(std::size_t number, const std::string& point) {
   if (std::getenv("QUORIN_EVERY_POINT") != nullptr || number % 5 == 0) return true;
+  if (isSanitized) return false;
   for (const char* const reading :
        {"workbooks", "worksheets", "active", "visible", "named", "hidden", "formatConditions"})
     if (point.starts_with(reading)) return false;
@@ -237,7 +245,7 @@ TEST_F(MarksCrash, MarksNothingThatItCannotRecord) {
   for (const bool lasting : {false, true}) {
     for (std::size_t point = 0; point < whole.points.size() && !HasFailure(); ++point) {
       if (whole.points[point].find(' ') == std::string::npos) continue;  // a call
-      if (lasting && !isChosen(point, "active")) continue;
+      if (!isChosen(point, lasting ? "active" : whole.points[point])) continue;
       SCOPED_TRACE(std::to_string(point) + ": " + whole.points[point] + (lasting ? " on" : ""));
       begin();
       const int number = point % 2 == 0 ? ENOSPC : EACCES;
