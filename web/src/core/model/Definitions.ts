@@ -27,6 +27,10 @@ const enum Field {
 }
 const fields = 6;
 
+function keyOf(formula: number, sheet: number): string {
+  return `${String(formula)} ${String(sheet)}`;
+}
+
 export class Definitions {
   private readonly references = new Rows(fields);
   private readonly starts: number[] = [0];
@@ -45,11 +49,9 @@ export class Definitions {
   of(formula: number, sheet: number): number {
     const known = this.numbers.get(formula);
     if (known !== undefined && known >= 0) return known;
-    const key = `${String(formula)} ${String(sheet)}`;
-    if (known === -1) {
-      const own = this.perSheet.get(key);
-      if (own !== undefined) return own;
-    }
+    const key = known === -1 ? keyOf(formula, sheet) : '';
+    const own = this.perSheet.get(key);
+    if (own !== undefined) return own;
     const text = this.formulas.at(formula);
     const read = parse(text, 'r1c1');
     const depends = namesOf(read).some((name) => this.names.dependsOnSheet(name));
@@ -70,7 +72,7 @@ export class Definitions {
       this.odd.set(number, { runTime, external, broken, unread });
     }
     this.numbers.set(formula, depends ? -1 : number);
-    if (depends) this.perSheet.set(key, number);
+    if (depends) this.perSheet.set(keyOf(formula, sheet), number);
     return number;
   }
 

@@ -4,6 +4,7 @@
 
 import { type Area, covers, maxColumns, maxRows, meet } from '../address/area';
 import { BoxTree } from './BoxTree';
+import { CellPlaces, CellUsers } from './CellUsers';
 import type { Definitions } from './Definitions';
 import { distanceWithin, findRegions, partsWithin } from './regions';
 import { Rows } from './Rows';
@@ -14,6 +15,9 @@ export type SheetArea = { sheet: number; area: Area };
 
 /** Cells of one region. */
 export type Part = { region: number; area: Area };
+
+/** For each box its region and its reference. */
+type Boxes = { tree: BoxTree; owners: Int32Array };
 
 const enum Field {
   Sheet,
@@ -33,8 +37,10 @@ export class Index {
   private readonly regions = new Rows(fields);
   /** By sheet: the regions on it, and their numbers. */
   private readonly places: { tree: BoxTree; first: number }[] = [];
-  /** By sheet: the boxes on it, and for each box its region and its reference. */
-  private readonly boxes: { tree: BoxTree; owners: Int32Array }[] = [];
+  /** By sheet: the boxes on it. Single cells that single cells name stand apart. */
+  private readonly boxes: Boxes[] = [];
+  private readonly points: Boxes[] = [];
+  private cellUsers: CellUsers | undefined;
 
   private constructor(
     readonly sheets: readonly SheetCells[],
@@ -93,9 +99,37 @@ export class Index {
     });
   }
 
+  /** Whether the region is a single cell. */
+  isCell(region: number): boolean {
+    const { regions } = this;
+    return (
+      regions.get(region, Field.Top) === regions.get(region, Field.Bottom) &&
+      regions.get(region, Field.Left) === regions.get(region, Field.Right)
+    );
+  }
+
   /** The cells that name any cell of the area, by region and reference; some more than once. */
-  usersOf({ sheet, area }: SheetArea, tell: (part: Part, reference: number) => void): void {
-    const held = this.boxes[sheet];
+  usersOf(cells: SheetArea, tell: (part: Part, reference: number) => void): void {
+    this.searched(this.boxes[cells.sheet], cells.area, tell);
+    this.searched(this.points[cells.sheet], cells.area, tell);
+  }
+
+  /** The same for a region that is a single cell: users that are single cells go to `tellCell`. */
+  usersOfCell(
+    region: number,
+    tellCell: (region: number) => void,
+    tell: (part: Part, reference: number) => void,
+  ): void {
+    this.cellUsers?.each(region, tellCell);
+    const held = this.boxes[this.sheetOf(region)];
+    if (held && held.owners.length > 0) this.searched(held, this.areaOf(region), tell);
+  }
+
+  private searched(
+    held: Boxes | undefined,
+    area: Area,
+    tell: (part: Part, reference: number) => void,
+  ): void {
     held?.tree.search(area, (box) => {
       const region = held.owners[box * 2] as number;
       const reference = held.owners[box * 2 + 1] as number;
@@ -123,12 +157,13 @@ export class Index {
 
   /** Every box that meets the area: what a region's formulas name together by one reference. */
   eachBox({ sheet, area }: SheetArea, tell: (box: Area) => void): void {
-    const held = this.boxes[sheet];
-    held?.tree.search(area, (box) => {
-      const region = held.owners[box * 2] as number;
-      const reference = held.owners[box * 2 + 1] as number;
-      tell(this.boxOf(region, reference, this.areaOf(region)));
-    });
+    for (const held of [this.boxes[sheet], this.points[sheet]]) {
+      held?.tree.search(area, (box) => {
+        const region = held.owners[box * 2] as number;
+        const reference = held.owners[box * 2 + 1] as number;
+        tell(this.boxOf(region, reference, this.areaOf(region)));
+      });
+    }
   }
 
   /** What cells of a region name, a rectangle for each reference. */
@@ -158,18 +193,29 @@ export class Index {
 
   private *addRegions(sheet: number): Generator<undefined, void> {
     const { definitions, regions } = this;
-    const found: number[] = [];
+    const found = new Rows(5);
     const cells = this.sheets[sheet];
-    if (cells) findRegions(cells, (...region) => found.push(...region));
-    for (let i = 0; i < found.length; i += 5) {
-      const [top = 0, left = 0, bottom = 0, right = 0, formula = 0] = found.slice(i, i + 5);
+    if (cells) findRegions(cells, (...region) => found.add(region));
+    for (let i = 0; i < found.count; i++) {
+      const area = {
+        top: found.get(i, 0),
+        left: found.get(i, 1),
+        bottom: found.get(i, 2),
+        right: found.get(i, 3),
+      };
+      const formula = found.get(i, 4);
       const definition = definitions.of(formula, sheet);
-      const { rows, cols } = definitions.distances(definition);
-      for (const part of partsWithin({ top, left, bottom, right }, rows, cols)) {
-        regions.add([sheet, part.top, part.left, part.bottom, part.right, formula, definition]);
+      for (const { top, left, bottom, right } of this.partsOf(area, definition)) {
+        regions.add([sheet, top, left, bottom, right, formula, definition]);
       }
-      if (i % (5 * turn) === 0) yield undefined;
+      if (i % turn === 0) yield undefined;
     }
+  }
+
+  private partsOf(area: Area, definition: number): Area[] {
+    if (area.top === area.bottom && area.left === area.right) return [area];
+    const { rows, cols } = this.definitions.distances(definition);
+    return partsWithin(area, rows, cols);
   }
 
   private treeOf(first: number): BoxTree {
@@ -182,19 +228,43 @@ export class Index {
   }
 
   private *addBoxes(): Generator<undefined, void> {
-    const held = this.sheets.map(() => ({ bounds: new Rows(4), owners: new Rows(2) }));
+    const kinds = [this.boxes, this.points].map((boxes) => ({
+      boxes,
+      held: this.sheets.map(() => ({ bounds: new Rows(4), owners: new Rows(2) })),
+    }));
+    const places = new CellPlaces(this.cellsAlone());
+    yield undefined;
+    const pairs = new Rows(2);
     for (let region = 0; region < this.regions.count; region++) {
+      const isCell = this.isCell(region);
       this.usedBy({ region, area: this.areaOf(region) }, ({ sheet, area }, reference) => {
-        const own = held[sheet];
-        own?.bounds.add([area.top, area.left, area.bottom, area.right]);
+        const { top, left, bottom, right } = area;
+        const isPoint = isCell && top === bottom && left === right;
+        const own = kinds[isPoint ? 1 : 0]?.held[sheet];
+        own?.bounds.add([top, left, bottom, right]);
         own?.owners.add([region, reference]);
+        const used = isPoint ? places.at(sheet, top, left) : -1;
+        if (used >= 0) pairs.add([used, region]);
       });
       if (region % turn === 0) yield undefined;
     }
-    for (const { bounds, owners } of held) {
-      this.boxes.push({ tree: new BoxTree(bounds.all), owners: owners.all.slice() });
-      yield undefined;
+    for (const { boxes, held } of kinds) {
+      for (const { bounds, owners } of held) {
+        boxes.push({ tree: new BoxTree(bounds.all), owners: owners.all.slice() });
+        yield undefined;
+      }
     }
+    this.cellUsers = new CellUsers(this.regions.count, pairs);
+  }
+
+  /** Sheet, row and column of the regions that are single cells, and a row of 0 for others. */
+  private cellsAlone(): Rows {
+    const cells = new Rows(3);
+    for (let region = 0; region < this.regions.count; region++) {
+      const row = this.isCell(region) ? this.regions.get(region, Field.Top) : 0;
+      cells.add([this.sheetOf(region), row, this.regions.get(region, Field.Left)]);
+    }
+    return cells;
   }
 }
 

@@ -18,23 +18,35 @@ const turn = 500;
 /** Formula cells that were reached, and on which way. */
 export class Reached {
   readonly steps: Step[] = [];
+  /** Regions of several cells; those of one are reached or not. */
   private readonly byRegion = new Map<number, AreaSet>();
+  private readonly single: Uint8Array;
+  private readonly singles: number[] = [];
+
+  constructor(private readonly index: Index) {
+    this.single = new Uint8Array(index.regionCount);
+  }
 
   get cells(): number {
-    let sum = 0;
+    let sum = this.singles.length;
     for (const set of this.byRegion.values()) sum += set.size;
     return sum;
   }
 
   areasOf(region: number): readonly Area[] {
+    if (this.single[region] === 1) return [this.index.areaOf(region)];
     return this.byRegion.get(region)?.areas ?? [];
   }
 
   get regions(): Iterable<number> {
-    return this.byRegion.keys();
+    return [...this.byRegion.keys(), ...this.singles];
   }
 
   add(part: Part, from: number): void {
+    if (this.index.isCell(part.region)) {
+      this.addCell(part.region, from);
+      return;
+    }
     let set = this.byRegion.get(part.region);
     if (!set) {
       set = new AreaSet();
@@ -42,23 +54,36 @@ export class Reached {
     }
     for (const area of set.add(part.area)) this.steps.push({ region: part.region, area, from });
   }
+
+  /** The same for a region that is a single cell. */
+  addCell(region: number, from: number): void {
+    if (this.single[region] === 1) return;
+    this.single[region] = 1;
+    this.singles.push(region);
+    this.steps.push({ region, area: this.index.areaOf(region), from });
+  }
 }
 
 /** The cells that rest on `start`, without `start` itself unless it rests on itself. */
 export function* restingOn(index: Index, start: SheetArea): Generator<undefined, Reached> {
-  const reached = new Reached();
+  const reached = new Reached(index);
   index.usersOf(start, (part) => {
     reached.add(part, -1);
   });
-  for (let at = 0; at < reached.steps.length; at++) {
-    const step = reached.steps[at] as Step;
-    const { region, area } = step;
-    index.usersOf({ sheet: index.sheetOf(region), area }, (part, reference) => {
+  let at = 0;
+  const addCell = (region: number): void => {
+    reached.addCell(region, at);
+  };
+  for (; at < reached.steps.length; at++) {
+    const { region, area } = reached.steps[at] as Step;
+    const add = (part: Part, reference: number): void => {
       if (part.region === region) {
         for (const longer of along(index, part, reference, area)) reached.add(longer, at);
       }
       reached.add(part, at);
-    });
+    };
+    if (index.isCell(region)) index.usersOfCell(region, addCell, add);
+    else index.usersOf({ sheet: index.sheetOf(region), area }, add);
     if (at % turn === turn - 1) yield undefined;
   }
   return reached;
@@ -104,7 +129,7 @@ export function* restedOnBy(
   start: SheetArea,
   inputs: (cells: SheetArea, step: number) => void,
 ): Generator<undefined, Reached> {
-  const reached = new Reached();
+  const reached = new Reached(index);
   index.formulasIn(start, (part) => {
     reached.add(part, -1);
   });

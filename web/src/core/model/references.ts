@@ -281,17 +281,12 @@ function fixedArea(area: {
 }
 
 function keyOf({ sheet, rows, cols }: Reference): string {
-  return [
-    sheet,
-    rows.a,
-    rows.aFixed,
-    rows.b,
-    rows.bFixed,
-    cols.a,
-    cols.aFixed,
-    cols.b,
-    cols.bFixed,
-  ].join();
+  const fixed =
+    Number(rows.aFixed) +
+    2 * Number(rows.bFixed) +
+    4 * Number(cols.aFixed) +
+    8 * Number(cols.bFixed);
+  return `${String(sheet)} ${String(rows.a)} ${String(rows.b)} ${String(cols.a)} ${String(cols.b)} ${String(fixed)}`;
 }
 
 /** What the formula names, each thing once. `home`: the sheet from which its names are seen. */
