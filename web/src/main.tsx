@@ -225,7 +225,12 @@ const conveyor = new Conveyor(
       next: () =>
         asleep || selection().status !== 'ready' ? undefined : explorer.evaluator.next(),
     },
-    { next: () => (asleep ? undefined : paced.next()) },
+    {
+      next: () => (asleep ? undefined : paced.next()),
+      get atOnce() {
+        return paced.atOnce;
+      },
+    },
   ],
   {
     clock,

@@ -1,5 +1,7 @@
 // One question to the spreadsheet at a time, the most urgent first. Whoever has questions is a
-// source; when nothing is asked, the first source that has one is taken at its word.
+// source; when nothing is asked, the first source that has one is taken at its word. A source that
+// lets others pass may have several questions open, so that the spreadsheet need not wait for the
+// page between two of them; a more urgent one is asked at once and answered after these.
 
 import type { Clock } from '../time/Clock';
 import type { Outcome } from './Outcome';
@@ -9,6 +11,8 @@ export type Job = () => Promise<void>;
 export type Source = {
   /** The source's most urgent question now, or nothing. */
   next(): Job | undefined;
+  /** Others need not wait for its answers, of which it may await so many at once. */
+  readonly atOnce?: number;
 };
 
 /** A question open for longer than this is announced. */
@@ -41,14 +45,26 @@ export class Conveyor {
 
   /** A source may have something new to ask. */
   wake(): void {
-    if (this.open.some(({ late }) => !late)) return;
-    const below = Math.min(this.sources.length, ...this.open.map(({ level }) => level));
-    for (let level = 0; level < below; level++) {
-      const job = this.sources[level]?.next();
+    while (this.askOne());
+  }
+
+  /** Gives whether another question may be asked beside it. */
+  private askOne(): boolean {
+    if (this.open.some(({ level, late }) => !late && !this.letsPass(level))) return false;
+    const lowest = Math.min(this.sources.length, ...this.open.map(({ level }) => level));
+    for (const [level, source] of this.sources.entries()) {
+      const isBeside = level === lowest && this.open.length < (source.atOnce ?? 0);
+      if (level >= lowest && !isBeside) return false;
+      const job = source.next();
       if (!job) continue;
       this.put(job, level);
-      return;
+      return this.letsPass(level);
     }
+    return false;
+  }
+
+  private letsPass(level: number): boolean {
+    return this.sources[level]?.atOnce !== undefined;
   }
 
   private put(job: Job, level: number): void {

@@ -11,6 +11,7 @@ import { failed, notRunningCode, type Failure, type Outcome } from '../protocol/
 import type { CellPlace, RangeFormulas, WorkbookMap } from '../protocol/verbs';
 import type { Clock } from '../time/Clock';
 import { findFilled } from './filled';
+import { HandOver } from './HandOver';
 import { PieceSize } from './PieceSize';
 import {
   cellsIn,
@@ -52,6 +53,8 @@ export type ScanState = {
   read: number;
   sheets: number;
   sheetsRead: number;
+  /** How many are to be read, whether for the first time or again. */
+  sheetsLeft: number;
   /** The sheet that is being read; empty while tables are looked up, after the last one. */
   sheet: string;
   /** Whether the spreadsheet is busy, so that the scan waits. */
@@ -69,6 +72,8 @@ const waits = [1_000, 2_000, 5_000];
 const refusalsLimit = 8;
 /** So long after a change was seen its sheet is read again. */
 const againAfter = 3_000;
+/** So often at most is told how far it has come on a sheet. */
+const tellEvery = 100;
 
 class Stopped extends Error {}
 class Lost extends Error {}
@@ -81,6 +86,7 @@ export class BookScan {
     read: 0,
     sheets: 0,
     sheetsRead: 0,
+    sheetsLeft: 0,
     sheet: '',
     waiting: false,
     notRead: [],
@@ -98,11 +104,15 @@ export class BookScan {
   private refusals = 0;
   private size = new PieceSize();
   private again = false;
+  private telling = false;
+  private readonly handOver: HandOver;
 
   constructor(
     readonly book: string,
     private readonly ports: ScanPorts,
-  ) {}
+  ) {
+    this.handOver = new HandOver(ports.clock);
+  }
 
   /** Whether anything of the workbook was read whole. */
   get hasSheets(): boolean {
@@ -227,16 +237,12 @@ export class BookScan {
 
   private async readAll(): Promise<void> {
     const left = cellsIn(this.toRead);
-    this.change({ status: 'reading', read: Math.max(0, this.state.cells - left) });
-    while (this.toRead.length > 0) {
-      const [sheet] = this.toRead as [PlannedSheet];
-      await this.readSheet(sheet);
-      this.known.add(sheet.name);
-      this.version += 1;
-      this.toRead = this.toRead.slice(1);
-      const changed = this.state.changed.filter((name) => name !== sheet.name);
-      this.change({ sheetsRead: this.known.size, changed, readAt: this.ports.time() });
-    }
+    const sheetsLeft = this.toRead.length;
+    const read = Math.max(0, this.state.cells - left);
+    this.change({ status: 'reading', read, sheetsLeft });
+    await this.handOver.done();
+    for (const sheet of this.toRead) await this.readSheet(sheet);
+    await this.handOver.done();
     this.change({ sheet: '', read: this.state.cells });
     await this.findTables();
     this.change({ status: 'done', sheet: '', read: this.state.cells });
@@ -248,17 +254,38 @@ export class BookScan {
     const before = this.state.read;
     this.change({ sheet: name, notRead });
     this.refusals = 0;
-    await model.ask(this.book, 'beginSheet', { sheet: name });
+    await this.handOver.give(() => model.ask(this.book, 'beginSheet', { sheet: name }));
     this.size = new PieceSize();
     for (const area of await this.filledOf(name, used)) {
+      // While one piece is taken the next is asked for.
+      let taken = Promise.resolve();
       for (const piece of piecesOf(area, () => this.size.cells)) {
-        await this.readPiece(name, piece);
-        this.change({ read: this.state.read + (used ? cellCount(piece) : 0) });
+        const asked = this.read(name, piece);
+        asked.catch(() => undefined); // told when it is taken
+        await taken;
+        taken = this.takePiece(name, piece, asked).then(() => {
+          if (used) this.advance(cellCount(piece));
+        });
+        taken.catch(() => undefined); // told with the next piece, or at the end
       }
+      await taken;
     }
-    await model.ask(this.book, 'endSheet', { sheet: name });
+    await this.handOver.give(async () => {
+      await model.ask(this.book, 'endSheet', { sheet: name });
+      this.finish(name);
+    });
     // What was counted as blank is done with, too.
     if (used) this.change({ read: before + cellCount(used) });
+  }
+
+  /** The model has all of the sheet. */
+  private finish(name: string): void {
+    this.known.add(name);
+    this.version += 1;
+    this.toRead = this.toRead.filter((sheet) => sheet.name !== name);
+    const changed = this.state.changed.filter((sheet) => sheet !== name);
+    const sheetsLeft = this.toRead.length;
+    this.change({ sheetsRead: this.known.size, sheetsLeft, changed, readAt: this.ports.time() });
   }
 
   private async filledOf(sheet: string, used: Area | undefined): Promise<Area[]> {
@@ -271,11 +298,19 @@ export class BookScan {
   }
 
   private async readPiece(sheet: string, area: Area): Promise<void> {
-    if (this.refusals >= refusalsLimit) {
+    await this.takePiece(sheet, area, this.read(sheet, area));
+  }
+
+  private async takePiece(
+    sheet: string,
+    area: Area,
+    asked: Promise<Outcome<RangeFormulas> | undefined>,
+  ): Promise<void> {
+    const outcome = await asked;
+    if (!outcome) {
       this.refuse(sheet, area, 'Given up after other parts of the sheet could not be read.');
       return;
     }
-    const outcome = await this.read(sheet, area);
     if (!outcome.ok) {
       await this.readParts(sheet, area, outcome.failure);
       return;
@@ -289,7 +324,10 @@ export class BookScan {
       await this.readPiece(sheet, { ...area, left: area.left + 1 });
       return;
     }
-    await this.ports.model.ask(this.book, 'piece', { sheet, area, formulas, values });
+    const { model } = this.ports;
+    await this.handOver.give(() =>
+      model.ask(this.book, 'piece', { sheet, area, formulas, values }),
+    );
   }
 
   /** A piece that was refused: the half with the trouble is found, the other is read. */
@@ -317,11 +355,12 @@ export class BookScan {
     }
     if (formulas === 0) return false;
     const first = await this.read(sheet, { ...area, right: area.left });
-    return first.ok && first.value.values.some(([value]) => isErrorText(value ?? null));
+    return first?.ok === true && first.value.values.some(([value]) => isErrorText(value ?? null));
   }
 
-  /** One piece as it was asked for; another size is no answer. */
-  private async read(sheet: string, area: Area): Promise<Outcome<RangeFormulas>> {
+  /** One piece as it was asked for; another size is no answer. Nothing for a sheet that is given up. */
+  private async read(sheet: string, area: Area): Promise<Outcome<RangeFormulas> | undefined> {
+    if (this.refusals >= refusalsLimit) return undefined;
     const address = inBook(this.book, sheet, areaAddress(area));
     const rows = area.bottom - area.top + 1;
     const cols = area.right - area.left + 1;
@@ -377,6 +416,17 @@ export class BookScan {
   private refuse(sheet: string, area: Area, reason: string): void {
     const { notRead } = this.state;
     this.change({ notRead: [...notRead, { sheet, address: areaAddress(area), reason }] });
+  }
+
+  /** So many more cells were read; drawn now and then, as nobody sees each piece. */
+  private advance(cells: number): void {
+    this.state = { ...this.state, read: this.state.read + cells };
+    if (this.telling) return;
+    this.telling = true;
+    this.ports.clock.after(tellEvery, () => {
+      this.telling = false;
+      this.ports.changed();
+    });
   }
 
   private change(part: Partial<ScanState>): void {

@@ -1,5 +1,6 @@
-// The questions of a scan: asked when nobody else has one, and where the user is at work only after
-// the spreadsheet had as much time for the user as it gave to the last question.
+// The questions of a scan: asked when nobody else has one, two at once so that the spreadsheet is
+// not idle between them. Where the user is at work one by one, and only after the spreadsheet had as
+// much time for the user as it gave to the last question.
 
 import type { Job, Source } from '../protocol/Conveyor';
 import type { Outcome } from '../protocol/Outcome';
@@ -27,6 +28,10 @@ export class PacedErrands implements Source {
     this.lastSign = this.ports.now();
   }
 
+  get atOnce(): number {
+    return this.isUserAtWork() ? 1 : 2;
+  }
+
   next(): Job | undefined {
     if (this.resting) return undefined;
     return this.waiting.shift();
@@ -43,8 +48,12 @@ export class PacedErrands implements Source {
     });
   }
 
+  private isUserAtWork(): boolean {
+    return this.ports.now() - this.lastSign <= atWorkFor;
+  }
+
   private rest(milliseconds: number): void {
-    if (this.ports.now() - this.lastSign > atWorkFor) return;
+    if (!this.isUserAtWork()) return;
     this.resting = true;
     this.ports.clock.after(milliseconds, () => {
       this.resting = false;

@@ -33,7 +33,7 @@ function isLookingUp({ status, sheet, sheets, sheetsRead }: ScanState): boolean 
 
 /** The line about the scan itself; empty when there is nothing to say. */
 export function progressOf(state: ScanState): string {
-  const { status, cells, read, sheet, waiting, sheets, sheetsRead } = state;
+  const { status, cells, read, sheet, waiting, sheets, sheetsLeft } = state;
   const share = cells === 0 ? 0 : Math.min(100, Math.floor((100 * read) / cells));
   switch (status) {
     case 'none':
@@ -46,7 +46,7 @@ export function progressOf(state: ScanState): string {
     case 'reading':
       if (isLookingUp(state)) return 'Looking up where tables are…';
       if (waiting) return `The spreadsheet is busy; reading waits at “${sheet}”.`;
-      return `Reading “${sheet}”, sheet ${String(sheetsRead + 1)} of ${String(sheets)}: ${String(share)} %`;
+      return `Reading “${sheet}”, sheet ${String(sheets - sheetsLeft + 1)} of ${String(sheets)}: ${String(share)} %`;
     case 'stopped':
       return `Stopped at “${sheet}”, ${String(share)} % read.`;
     case 'failed':

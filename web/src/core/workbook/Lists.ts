@@ -9,7 +9,7 @@ import type { ViewName } from '../protocol/events';
 import type { Outcome } from '../protocol/Outcome';
 import type { CellPlace, RangeFormulas, ReferenceStyle, WorkbookMap } from '../protocol/verbs';
 import { blocksOf } from './blocks';
-import type { BookScan } from '../scan/BookScan';
+import type { BookScan, ScanState } from '../scan/BookScan';
 import { coverageOf } from '../scan/coverage';
 import type { Scans } from '../scan/Scans';
 import { dependentRows, dependentsOf, type Dependent } from './dependents';
@@ -54,9 +54,24 @@ type Known = {
   quickNote: string;
   everywhere: DependentsAnswer | undefined;
   errors: ErrorsAnswer | undefined;
+  /** The scan when the model was asked, and whether it had read the sheet of the cells by then. */
+  covered: (ScanState & { own: boolean }) | undefined;
   /** What of the scan is in it. */
   version: number;
+  /** Whether the model is asked; it works out one answer at a time. */
+  asking: boolean;
 };
+
+/**
+ * Whether the model is to be asked anew. Each answer costs it the work over all that was read, and the
+ * scan waits for it: so the more was read, the more sheets must be new.
+ */
+function isDue({ covered, sheet }: Known, scan: BookScan): boolean {
+  const { status, sheets, sheetsRead } = scan.state;
+  if (!covered || status !== 'reading') return true;
+  if (!covered.own && scan.hasRead(sheet)) return true;
+  return sheetsRead > covered.sheetsRead && sheetsRead >= Math.min(sheets, 2 * covered.sheetsRead);
+}
 
 export class Lists {
   readonly dependents: PlaceView;
@@ -108,18 +123,18 @@ export class Lists {
   /** What the list of dependents covers, in words. */
   get coverage(): string {
     const { known, scan } = this;
-    if (!known) return '';
-    return scan ? coverageOf(scan.state, known.everywhere === undefined) : '';
+    if (!known || !scan) return '';
+    const { covered } = known;
+    if (!covered) return coverageOf({ ...scan.state, sheetsRead: 0 }, true);
+    const { sheetsRead, readAt } = covered;
+    const changed = [...new Set([...covered.changed, ...scan.state.changed])];
+    return coverageOf({ ...scan.state, sheetsRead, readAt, changed }, false);
   }
 
   /** Whether every sheet was read, so that an empty list means that nothing uses the cells. */
   get isWhole(): boolean {
-    const state = this.scan?.state;
-    return (
-      this.known?.everywhere !== undefined &&
-      state !== undefined &&
-      state.sheetsRead >= state.sheets
-    );
+    const covered = this.known?.covered;
+    return covered !== undefined && covered.sheetsRead >= covered.sheets;
   }
 
   /** More of the workbook was read, perhaps. */
@@ -153,7 +168,9 @@ export class Lists {
       quickNote: '',
       everywhere: undefined,
       errors: undefined,
+      covered: undefined,
       version: 0,
+      asking: false,
     };
     this.known = known;
     const loading = this.dependents.load(
@@ -183,21 +200,29 @@ export class Lists {
   private async askModel(known: Known): Promise<void> {
     const scan = this.scans?.of(known.book);
     const { asked } = known;
-    if (!asked || !scan?.hasSheets || known.version === scan.version) return;
+    if (!asked || !scan?.hasSheets || known.asking || known.version === scan.version) return;
+    if (!isDue(known, scan)) return;
+    known.asking = true;
     known.version = scan.version;
+    const covered = { ...scan.state, own: scan.hasRead(known.sheet) };
     try {
       const { model, book, cells } = asked;
       const told = await model.ask(book, 'dependents', cells);
-      const errors = scan.state.sheetsRead >= scan.state.sheets;
+      const errors = covered.sheetsRead >= covered.sheets;
       if (this.known === known) known.everywhere = told;
+      known.covered = covered;
       if (errors) known.errors = await model.ask(book, 'errors', {});
     } catch {
       // The model was lost; it is read anew, and asked again then.
       return;
+    } finally {
+      known.asking = false;
     }
     if (this.known !== known) return;
     this.refine(known);
     this.changed();
+    // Sheets that were read meanwhile are asked for together.
+    void this.askModel(known);
   }
 
   private refine(known: Known): void {
@@ -206,7 +231,7 @@ export class Lists {
   }
 
   private hasModelOf(known: Known, sheet: string): boolean {
-    return known.everywhere !== undefined && this.scans?.of(known.book).hasRead(sheet) === true;
+    return known.everywhere !== undefined && sheet === known.sheet && known.covered?.own === true;
   }
 
   /** The spreadsheet's own answer for a sheet only as long as the model has none for it. */

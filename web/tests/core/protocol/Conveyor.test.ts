@@ -117,3 +117,53 @@ describe('a question without an answer', () => {
     expect(said).toEqual([true, false]);
   });
 });
+
+describe('a source that lets others pass', () => {
+  const held = (name: string, order: string[], finish: (() => void)[]): Job => {
+    return () =>
+      new Promise((resolve) => {
+        order.push(name);
+        finish.push(resolve);
+      });
+  };
+
+  test('has as many questions open as it may, and others are asked at once', async () => {
+    const urgent = new Queue();
+    const patient = Object.assign(new Queue(), { atOnce: 2 });
+    const order: string[] = [];
+    const finish: (() => void)[] = [];
+    for (const name of ['1', '2', '3', '4']) patient.jobs.push(held(name, order, finish));
+    const conveyor = new Conveyor([urgent, patient], ports());
+    conveyor.wake();
+    expect(order).toEqual(['1', '2']);
+    urgent.jobs.push(held('a', order, finish), held('b', order, finish));
+    conveyor.wake();
+    expect(order).toEqual(['1', '2', 'a']);
+    // While another's is open nothing more is asked.
+    finish[0]?.();
+    finish[1]?.();
+    await turn();
+    expect(order).toEqual(['1', '2', 'a']);
+    finish[2]?.();
+    await turn();
+    expect(order).toEqual(['1', '2', 'a', 'b']);
+    finish[3]?.();
+    await turn();
+    expect(order).toEqual(['1', '2', 'a', 'b', '3', '4']);
+  });
+
+  test('has one open where it may have one, and is asked last', async () => {
+    const urgent = new Queue();
+    const patient = Object.assign(new Queue(), { atOnce: 1 });
+    const order: string[] = [];
+    const finish: (() => void)[] = [];
+    for (const name of ['1', '2']) patient.jobs.push(held(name, order, finish));
+    const conveyor = new Conveyor([urgent, patient], ports());
+    conveyor.wake();
+    expect(order).toEqual(['1']);
+    urgent.jobs.push(held('a', order, finish));
+    finish[0]?.();
+    await turn();
+    expect(order).toEqual(['1', 'a']);
+  });
+});

@@ -1,7 +1,7 @@
 import { beforeEach, describe, expect, test } from 'vitest';
 
 import { parseArea, type Area } from '../../../src/core/address/area';
-import { CarriedModel, SlicedCarrier } from '../../../src/core/model/ModelClient';
+import { CarriedModel, SlicedCarrier, type ModelClient } from '../../../src/core/model/ModelClient';
 import type { Json, Scalar } from '../../../src/core/protocol/json';
 import { succeeded, type Failure, type Outcome } from '../../../src/core/protocol/Outcome';
 import type { RangeFormulas, WorkbookMap } from '../../../src/core/protocol/verbs';
@@ -99,17 +99,31 @@ class Spreadsheet {
 let spreadsheet: Spreadsheet;
 let clock: FakeClock;
 let scans: Scans;
+/** How often was told that something changed. */
+let told: number;
+/** Until this is over the model takes no piece. */
+let held: Promise<void> | undefined;
 
 beforeEach(() => {
   spreadsheet = new Spreadsheet();
   clock = new FakeClock();
   let time = 0;
-  const model = new CarriedModel(new SlicedCarrier(clock, () => (time += 1)), () => undefined);
+  told = 0;
+  held = undefined;
+  const carried = new CarriedModel(new SlicedCarrier(clock, () => (time += 1)), () => undefined);
+  const model: ModelClient = {
+    ask: async (of, ask, args) => {
+      if (ask === 'piece') await held;
+      return carried.ask(of, ask, args);
+    },
+  };
   scans = new Scans(model, {
     questions: spreadsheet,
     clock,
     time: () => '10:42',
-    changed: () => undefined,
+    changed: () => {
+      told += 1;
+    },
   });
   scans.enter(book);
 });
@@ -145,9 +159,10 @@ describe('a scan', () => {
       "read '[Ann''s model.xlsx]Inputs'!A1:B2",
       "read '[Ann''s model.xlsx]Ann''s'!A1:A3",
       "read '[Ann''s model.xlsx]Long'!A1:J125",
-      "read '[Ann''s model.xlsx]Long'!A126:J375",
-      "read '[Ann''s model.xlsx]Long'!A376:J875",
-      "read '[Ann''s model.xlsx]Long'!A876:J1200",
+      "read '[Ann''s model.xlsx]Long'!A126:J250",
+      "read '[Ann''s model.xlsx]Long'!A251:J500",
+      "read '[Ann''s model.xlsx]Long'!A501:J1000",
+      "read '[Ann''s model.xlsx]Long'!A1001:J1200",
     ]);
     const { state } = scans.of(book);
     expect(state).toMatchObject({ status: 'done', sheets: 3, sheetsRead: 3, notRead: [] });
@@ -166,8 +181,8 @@ describe('a scan', () => {
     );
     scans.of(book).go();
     await settled();
-    // 48 rows, 96 rows, and from then on 192.
-    expect(spreadsheet.asked).toHaveLength(1 + 2 + 10);
+    // Twice 48 rows, as the second piece is asked for before the first has come, 96, then 192.
+    expect(spreadsheet.asked).toHaveLength(1 + 3 + 10);
     expect(scans.of(book).state.status).toBe('done');
   });
 
@@ -186,9 +201,90 @@ describe('a scan', () => {
     scans.of(book).begin();
     await settled();
     expect(scans.of(book).state).toMatchObject({ status: 'done', read: 4000, notRead: [] });
-    expect(read.slice(0, 3)).toEqual(['A1:J125', 'A126:J143', 'A144:J161']);
-    expect(read.at(-1)).toBe('A396:J400');
-    expect(Math.max(...replies.slice(1))).toBeLessThan(62_500);
+    expect(read.slice(0, 3)).toEqual(['A1:J125', 'A126:J250', 'A251:J268']);
+    expect(read.at(-1)).toBe('A395:J400');
+    expect(Math.max(...replies.slice(2))).toBeLessThan(62_500);
+  });
+
+  test('asks for the next pieces while the model takes the last, and then waits for it', async () => {
+    spreadsheet.sheets = { Long: { used: '$A$1:$J$1200', cells: {} } };
+    let release = (): void => undefined;
+    held = new Promise((resolve) => (release = resolve));
+    const scan = scans.of(book);
+    scan.begin();
+    await settled();
+    const asked = () => spreadsheet.asked.map((one) => one.split('!')[1]);
+    expect(asked()).toEqual([undefined, 'A1:J125', 'A126:J250', 'A251:J500']);
+    expect(scan.state.sheetsRead).toBe(0);
+    release();
+    await settled();
+    expect(asked().slice(4)).toEqual(['A501:J1000', 'A1001:J1200']);
+    expect(scan.state).toMatchObject({ status: 'done', sheetsRead: 1 });
+  });
+
+  test('asks for a piece before the one before it has come', async () => {
+    spreadsheet.sheets = { Long: { used: '$A$1:$J$1200', cells: {} } };
+    let open = 0;
+    let most = 0;
+    const { readFormulas } = spreadsheet;
+    spreadsheet.readFormulas = async (address) => {
+      open += 1;
+      most = Math.max(most, open);
+      for (let i = 0; i < 20; i++) await Promise.resolve();
+      open -= 1;
+      return readFormulas(address);
+    };
+    scans.of(book).begin();
+    await settled();
+    expect(scans.of(book).state.status).toBe('done');
+    expect(most).toBe(2);
+    expect(await users('Long', 'A1')).toEqual([]);
+  });
+
+  test('whose pieces the model does not take ends, and can begin again', async () => {
+    spreadsheet.sheets = two();
+    held = Promise.reject(new Error('It is lost.'));
+    held.catch(() => undefined);
+    const scan = scans.of(book);
+    scan.begin();
+    await settled();
+    expect(scan.state).toMatchObject({ status: 'failed', reason: 'It is lost.', sheetsRead: 0 });
+    held = undefined;
+    scan.go();
+    await settled();
+    expect(scan.state).toMatchObject({ status: 'done', sheetsRead: 2 });
+    expect(await users('Inputs', 'B1')).toEqual(["Ann's 1,1"]);
+  });
+
+  test('tells now and then how far it has come on a sheet, not at each piece', async () => {
+    spreadsheet.sheets = { Data: { used: '$A$1:$Z$1900', cells: {} } };
+    scans.of(book).begin();
+    await settled();
+    expect(spreadsheet.asked.length).toBeGreaterThan(10);
+    expect(scans.of(book).state).toMatchObject({ status: 'done', read: 49_400 });
+    const before = told;
+    // Starting, what there is, reading, the sheet, its end, the tables, done.
+    expect(before).toBeLessThan(10);
+    clock.advance(100);
+    expect(told).toBe(before + 1);
+  });
+
+  test('again counts the sheets anew', async () => {
+    spreadsheet.sheets = two();
+    const scan = scans.of(book);
+    scan.begin();
+    await settled();
+    const seen: string[] = [];
+    spreadsheet.twist = (_, answer) => {
+      seen.push(progressOf(scan.state));
+      return answer;
+    };
+    scan.readAgain();
+    await settled();
+    expect(seen).toEqual([
+      'Reading “Inputs”, sheet 1 of 2: 0 %',
+      "Reading “Ann's”, sheet 2 of 2: 57 %",
+    ]);
   });
 
   test('stops between two pieces, keeps what it has and goes on from there', async () => {

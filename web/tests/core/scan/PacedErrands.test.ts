@@ -34,3 +34,19 @@ test('a scan rests as long as it asked while the user is at work, and never othe
   void ask();
   expect(paced.next()).toBeDefined();
 });
+
+test('a scan has two questions open, and one while the user is at work', () => {
+  let now = 0;
+  const paced = new PacedErrands({
+    clock: new FakeClock(),
+    now: () => now,
+    wake: () => undefined,
+  });
+  expect(paced.atOnce).toBe(2);
+  paced.userAtWork();
+  expect(paced.atOnce).toBe(1);
+  now = atWorkFor;
+  expect(paced.atOnce).toBe(1);
+  now += 1;
+  expect(paced.atOnce).toBe(2);
+});

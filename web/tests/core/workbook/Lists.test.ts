@@ -1,9 +1,12 @@
 import { beforeEach, describe, expect, test } from 'vitest';
 
+import { CarriedModel, SlicedCarrier, type ModelClient } from '../../../src/core/model/ModelClient';
 import { failed, succeeded, type Outcome } from '../../../src/core/protocol/Outcome';
 import type { RangeFormulas } from '../../../src/core/protocol/verbs';
+import { Scans } from '../../../src/core/scan/Scans';
 import { areasRead, Lists } from '../../../src/core/workbook/Lists';
 import type { PlaceView } from '../../../src/core/workbook/PlaceView';
+import { FakeClock } from '../../fakes/FakeClock';
 import { settled } from '../evaluation/bench';
 
 const place = { book: 'Model.xlsx', sheet: 'Data', addr: 'C7' };
@@ -143,5 +146,113 @@ describe('dependents', () => {
     list.move('in', 10);
     expect(list.rows).toHaveLength(1_003);
     expect(shown(list).at(-1)).toBe('3 | … | and 500 more');
+  });
+});
+
+describe('while a workbook of many sheets is read', () => {
+  const first = { book: 'Model.xlsx', sheet: 'S1', addr: 'A1' };
+  let clock: FakeClock;
+  let everywhere: Lists;
+  let scans: Scans;
+  /** What the list covered whenever the model was asked. */
+  let asks: string[];
+  /** Until this is over the model answers nothing about dependents. */
+  let until: Promise<void> | undefined;
+
+  function open(count: number): void {
+    clock = new FakeClock();
+    asks = [];
+    until = undefined;
+    let time = 0;
+    const carried = new CarriedModel(new SlicedCarrier(clock, () => (time += 1)), () => undefined);
+    const model: ModelClient = {
+      ask: async (of, ask, args) => {
+        if (ask === 'dependents') {
+          asks.push(String(scans.of(first.book).state.sheetsRead));
+          await until;
+        }
+        return carried.ask(of, ask, args);
+      },
+    };
+    const formulas = [[''], ['=S1!R1C1']];
+    const sheets = Array.from({ length: count }, (_, i) => ({
+      name: `S${String(i + 1)}`,
+      usedRange: '$A$1:$A$2',
+    }));
+    const map = { book: first.book, sheets, sheetsTruncated: false, names: [] };
+    scans = new Scans(model, {
+      questions: {
+        workbookMap: () => Promise.resolve(succeeded(map)),
+        readFormulas: () =>
+          Promise.resolve(succeeded({ rows: 2, cols: 1, formulas, values: [[1], [1]] })),
+        evaluate: () => Promise.reject(new Error('not asked here')),
+        pollCell: () => Promise.resolve(succeeded(first)),
+      },
+      clock,
+      time: () => '10:42',
+      changed: () => {
+        everywhere.scanned();
+      },
+    });
+    scans.enter(first.book);
+    everywhere = new Lists(
+      {
+        dependents: () => Promise.resolve(succeeded("'S1'!$A$2")),
+        workbookMap: () => Promise.reject(new Error('not asked here')),
+        readFormulas: () => Promise.resolve(failed('transport', 'not read here')),
+      },
+      () => undefined,
+      scans,
+    );
+  }
+
+  async function passed(): Promise<void> {
+    for (let i = 0; i < 300; i++) {
+      clock.advance(0);
+      await settled();
+    }
+  }
+
+  const groups = () =>
+    everywhere.dependents.rows.filter(({ level }) => level === 1).map(({ row }) => row.text);
+
+  test('the model is asked once for all sheets that were read while it worked', async () => {
+    open(6);
+    let release = (): void => undefined;
+    until = new Promise((resolve) => (release = resolve));
+    everywhere.load('deps', first);
+    await passed();
+    expect(scans.of(first.book).state.status).toBe('done');
+    expect(asks).toEqual(['1']);
+    // Nothing of the model's is listed yet, and nothing of it is claimed.
+    expect(groups()).toEqual(['This sheet']);
+    expect(everywhere.coverage).toMatch(/^As the spreadsheet tells it/);
+    expect(everywhere.isWhole).toBe(false);
+    release();
+    await passed();
+    expect(asks).toEqual(['1', '6']);
+    expect(groups().slice(0, 6)).toEqual(['This sheet', 'S2', 'S3', 'S4', 'S5', 'S6']);
+    expect(everywhere.coverage).toBe('All 6 sheets, as read at 10:42.');
+    expect(everywhere.isWhole).toBe(true);
+  });
+
+  test('the model is asked when as many sheets more were read as before', async () => {
+    open(40);
+    everywhere.load('deps', first);
+    await passed();
+    expect(scans.of(first.book).state.status).toBe('done');
+    const read = asks.map(Number);
+    expect(read[0]).toBe(1);
+    expect(read.at(-1)).toBe(40);
+    read.slice(1, -1).forEach((sheets, i) => {
+      expect(sheets).toBeGreaterThanOrEqual(Math.min(40, 2 * (read[i] ?? 0)));
+    });
+    expect(read.length).toBeLessThanOrEqual(8);
+    expect(groups()[39]).toBe('S40');
+    asks = [];
+    // Read again the list stays as it was, until all is read.
+    scans.of(first.book).readAgain();
+    await passed();
+    expect(asks).toEqual(['40']);
   });
 });
