@@ -6,14 +6,12 @@ usage: try_dependents.py QUORIN WORKBOOK OUTPUT_FOLDER CELL
 CELL is an input, "'My sheet'!B4". Reads the workbook, opens the cells that use the input three levels
 deep, marks an entry, goes to a result that rests on the input and opens what that rests on and how it
 gets there. Prints the rows, writes screenshots, and measures how long the page's main thread was kept
-at a stretch and how long a selection took to be shown, each without a scan and during one. Status 0
-when users on other sheets were listed, three levels opened and the result led back to the input.
+at a stretch. Status 0 when users on other sheets were listed and the result led back to the input.
 """
 import json
 import sys
 import time
 
-from measure_panel import at
 from try_panel import Trial, Trouble, wait_for
 
 TOOLS = """(() => {
@@ -155,19 +153,6 @@ def gaps(tried, what, work):
           f"model {sorted((p[1] for p in parts if p[0] == 'post'), reverse=True)[:4]}")
 
 
-def delays(tried, count):
-    """From the key to the page's new address."""
-    found = []
-    for number in range(count):
-        before = tried.eval("trial.says('address')")
-        begun = time.monotonic()
-        tried.trial.tool("xdotool", "key", "Down" if number % 2 else "Right")
-        wait_for("the next cell", lambda: tried.eval("trial.says('address')") != before)
-        found.append((time.monotonic() - begun) * 1000)
-        time.sleep(0.05)
-    return found
-
-
 def three_levels(tried):
     """Opens users of users; gives how deep it came."""
     depth, above = 0, 0
@@ -248,17 +233,6 @@ def main():
         good &= bool(hit)
         tried.open("", above=number)
         tried.picture("drivers")
-
-        trial.keys("ctrl+Home")
-        time.sleep(2)
-        quiet = delays(tried, 20)
-        tried.eval("trial.press('tab-deps'); 0")
-        wait_for("the button", lambda: tried.eval("trial.press('scan-go')"))
-        busy = delays(tried, 20)
-        during = not tried.whole()
-        print(f"key to shown cell, ms: without a scan p50 {at(quiet, .5):.0f} p95 {at(quiet, .95):.0f}, "
-              f"during one p50 {at(busy, .5):.0f} p95 {at(busy, .95):.0f}"
-              f"{'' if during else ' (the scan ended before)'}")
     finally:
         trial.end()
     sys.exit(0 if good else 1)
