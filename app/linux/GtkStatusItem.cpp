@@ -10,9 +10,9 @@ namespace {
 constexpr const char* identifier = "quorin";
 constexpr const char* library = "libayatana-appindicator";  // as its messages are marked
 
-// Newer versions of the library say on the terminal that there is a successor. It has no GTK menus
-// and Debian 13 does not have it: nobody who reads that could do anything about it. Whatever else
-// the library says is said.
+// Newer versions of the library say to compilers and on the terminal that there is a successor. It
+// has no GTK menus and Debian 13 does not have it: nobody who reads that could do anything about
+// it. Whatever else the library says is said.
 void sayAllButThat(const gchar* domain, GLogLevelFlags level, const gchar* message, gpointer) {
   if (std::string_view(message).starts_with("libayatana-appindicator is deprecated.")) return;
   g_log_default_handler(domain, level, message, nullptr);
@@ -20,9 +20,11 @@ void sayAllButThat(const gchar* domain, GLogLevelFlags level, const gchar* messa
 
 AppIndicator* newIndicator(const std::string& iconName, const std::filesystem::path& iconFolder) {
   const guint handler = g_log_set_handler(library, G_LOG_LEVEL_WARNING, sayAllButThat, nullptr);
+  G_GNUC_BEGIN_IGNORE_DEPRECATIONS
   AppIndicator* const made = app_indicator_new_with_path(
       identifier, iconName.c_str(), APP_INDICATOR_CATEGORY_APPLICATION_STATUS,
       iconFolder.empty() ? nullptr : iconFolder.c_str());
+  G_GNUC_END_IGNORE_DEPRECATIONS
   g_log_remove_handler(library, handler);
   return made;
 }

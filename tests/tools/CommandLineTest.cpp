@@ -33,6 +33,13 @@ TEST(CommandLine, HelpsWithStatusZero) {
   EXPECT_THAT(std::get<Notice>(command).text, testing::HasSubstr("--workbook FILE"));
 }
 
+TEST(CommandLine, TellsItsVersionWithStatusZero) {
+  const Command command = parseCommandLine({"--version"});
+  ASSERT_TRUE(std::holds_alternative<Notice>(command));
+  EXPECT_EQ(std::get<Notice>(command).status, 0);
+  EXPECT_THAT(std::get<Notice>(command).text, testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
+}
+
 TEST(CommandLine, RefusesBadCallsInOneLine) {
   for (const Arguments& arguments :
        {Arguments{"--workbook"}, Arguments{"--attach", "--workbook", "a.xlsx"},

@@ -30,6 +30,7 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       app.add_option("--data", data, "Keep the private run's log and records here")
           ->type_name("DIR");
   app.add_flag("--timing", serve.timing, "Say in each reply how many milliseconds it took");
+  app.set_version_flag("--version", QUORIN_VERSION);
   workbookOption->excludes(attachOption);
   dataOption->excludes(attachOption);
   CLI::App* const lintCommand = app.add_subcommand("lint", "Check a handler library");
@@ -40,6 +41,8 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
     app.parse(std::move(reversed));
   } catch (const CLI::CallForHelp&) {
     return Notice{app.help(), 0};
+  } catch (const CLI::CallForVersion& version) {
+    return Notice{version.what(), 0};
   } catch (const CLI::ParseError& error) {
     return refusal(error.what());
   }
