@@ -41,6 +41,7 @@ export class Scans {
 
   /** The model is lost: what is looked at is read anew. */
   forget(): void {
+    for (const scan of this.books.values()) scan.stop();
     this.books.clear();
     this.ports.changed();
   }

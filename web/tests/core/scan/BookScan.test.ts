@@ -541,3 +541,50 @@ describe('a sheet that changes', () => {
     expect(await users('Inputs', 'B1')).toEqual(['Inputs 2,2', "Ann's 1,1"]);
   });
 });
+
+test('a model that is lost takes what it was told with it; the next look begins anew', async () => {
+  spreadsheet.sheets = two();
+  let now = 0;
+  let lose = (): void => undefined;
+  // As the page has it: a model is begun when it is first needed, and once more when it was lost.
+  let current: ModelClient | undefined;
+  const begun = (): ModelClient => {
+    const carrier = new SlicedCarrier(clock, () => (now += 1));
+    const client = new CarriedModel(carrier, () => {
+      current = undefined;
+      anew.forget();
+    });
+    lose = () => {
+      carrier.hear(undefined);
+    };
+    return client;
+  };
+  const model: ModelClient = { ask: (of, ask, args) => (current ??= begun()).ask(of, ask, args) };
+  const anew: Scans = new Scans(model, {
+    questions: spreadsheet,
+    clock,
+    time: () => '10:42',
+    changed: () => undefined,
+  });
+  anew.enter(book);
+  const first = anew.of(book);
+  first.begin();
+  // In the middle of its first sheet.
+  for (let i = 0; i < 8; i++) {
+    clock.advance(0);
+    await Promise.resolve();
+  }
+  expect(first.state.status).not.toBe('done');
+  const before = spreadsheet.asked.length;
+  lose();
+  expect(anew.begun(book)).toBeUndefined();
+  anew.of(book).begin();
+  await settled();
+  expect(['failed', 'stopped']).toContain(first.state.status);
+  expect(anew.of(book).state).toMatchObject({ status: 'done', sheetsRead: 2 });
+  // The first one asks nothing more.
+  expect(spreadsheet.asked.length - before).toBe(3);
+  const asked = anew.model.ask(book, 'users', { sheet: 'Inputs', area: parseArea('B1') as Area });
+  await settled();
+  expect((await asked).rows).toHaveLength(1);
+});
