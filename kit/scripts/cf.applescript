@@ -167,23 +167,24 @@ end qx_cf_apply
 
 -- Deletes the sentinel conditions of these addresses, together and each alone, and returns how many
 -- that were. An address that no longer binds is passed over; a name is looked up in the workbook
--- that it was recorded for too, which need not be in front. Backwards, for the numbers move up.
+-- that it was recorded for too, which need not be in front. Where the records lead nowhere any more,
+-- what they stood for is looked for everywhere, and not counted.
 on qx_cf_clear(addrs, bookName, sheetName)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
-			set sh to my qx_cf_sheet(bookName, sheetName)
 			try
-				set places to my qx_cf_places(addrs, bookName, sh)
+				set sh to my qx_cf_sheet(bookName, sheetName)
+			on error msg number n
+				if n is -1728 then my qx_cf_strays(bookName)
+				error msg number n
+			end try
+			try
+				set {places, allBound} to my qx_cf_places(addrs, bookName, sh)
 				set gone to 0
 				repeat with k from 1 to count of places
-					set rg to item k of places
-					repeat with i from (count of format conditions of rg) to 1 by -1
-						if my qx_cf_ours(rg, i) then
-							delete format condition i of rg
-							set gone to gone + 1
-						end if
-					end repeat
+					set gone to gone + (my qx_cf_remove(item k of places))
 				end repeat
+				if not allBound then my qx_cf_sweep(bookName)
 				return gone
 			on error msg number n
 				-- The sheet was there: what is missing now must not pass for a sheet that is gone.
@@ -194,7 +195,55 @@ on qx_cf_clear(addrs, bookName, sheetName)
 	end tell
 end qx_cf_clear
 
--- The ranges of these addresses: all together, and each alone.
+-- Deletes the sentinel conditions of rg and returns how many that were. Backwards, for the numbers
+-- move up.
+on qx_cf_remove(rg)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set gone to 0
+			repeat with i from (count of format conditions of rg) to 1 by -1
+				if my qx_cf_ours(rg, i) then
+					delete format condition i of rg
+					set gone to gone + 1
+				end if
+			end repeat
+			return gone
+		end timeout
+	end tell
+end qx_cf_remove
+
+-- Deletes every sentinel condition of a workbook: a sheet may have another name now, or the name
+-- that cells were marked by may be gone, and they may lie on any sheet. Whoever clears clears all.
+on qx_cf_sweep(bookName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set sheetNames to name of every worksheet of workbook bookName
+			if class of sheetNames is not list then set sheetNames to {sheetNames}
+			repeat with k from 1 to count of sheetNames
+				my qx_cf_remove(entire row of range "A:A" of worksheet (item k of sheetNames) of workbook bookName)
+			end repeat
+		end timeout
+	end tell
+end qx_cf_sweep
+
+-- The same in a workbook whose sheet is gone, or in all of them when the workbook itself is: it may
+-- have been saved under another name. The record goes whatever comes of it, so an error is none.
+on qx_cf_strays(bookName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			try
+				set bookNames to name of every workbook
+				if class of bookNames is not list then set bookNames to {bookNames}
+				if bookNames contains {bookName} then set bookNames to {bookName}
+				repeat with k from 1 to count of bookNames
+					my qx_cf_sweep(item k of bookNames)
+				end repeat
+			end try
+		end timeout
+	end tell
+end qx_cf_strays
+
+-- The ranges of these addresses, all together and each alone, and whether each of them binds.
 on qx_cf_places(addrs, bookName, sh)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
@@ -204,6 +253,7 @@ on qx_cf_places(addrs, bookName, sh)
 				if class of theirNames is not list then set theirNames to {theirNames}
 			end if
 			set places to {}
+			set allBound to true
 			if (count of addrs) > 1 then
 				try
 					set end of places to my qx_rangefromaddrs(addrs, sh)
@@ -212,6 +262,7 @@ on qx_cf_places(addrs, bookName, sh)
 				end try
 			end if
 			repeat with i from 1 to count of addrs
+				set placesBefore to count of places
 				try
 					set end of places to my qx_bindaddr(item i of addrs, sh)
 				on error msg number n
@@ -224,8 +275,9 @@ on qx_cf_places(addrs, bookName, sh)
 						if my qx_cf_mute(n) then error msg number n
 					end try
 				end if
+				if (count of places) is placesBefore then set allBound to false
 			end repeat
-			return places
+			return {places, allBound}
 		end timeout
 	end tell
 end qx_cf_places

@@ -459,6 +459,16 @@ TEST_F(MovedMarks, AreClearedAddressByAddress) {
   EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
 }
 
+TEST_F(MovedMarks, GoWithTheRequestForANameThatIsGone) {
+  ask("clearMarks");
+  ASSERT_THAT(mark({"Spot"}), HasSubstr(R"("applied":1)"));
+  ASSERT_THAT(desk->hands.shapes(book, "Data"), SizeIs(1));
+  desk->hands.deleteName(book, "Spot");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":1})");
+  EXPECT_THAT(desk->hands.shapes(book, "Data"), IsEmpty());
+  EXPECT_FALSE(std::filesystem::exists(desk->road.store().url()));
+}
+
 TEST_F(MovedMarks, GoWithTheRequestForASheetThatHasAnotherName) {
   desk->hands.renameSheet(book, "Data", "Renamed");
   ASSERT_EQ(here("Renamed"), "$A$1,$B$2,$B$3");

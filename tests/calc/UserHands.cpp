@@ -16,6 +16,7 @@
 #include <com/sun/star/sheet/TableFilterField.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XFormulaOpCodeMapper.hpp>
+#include <com/sun/star/sheet/XNamedRanges.hpp>
 #include <com/sun/star/sheet/XSheetFilterable.hpp>
 #include <com/sun/star/sheet/XSheetOutline.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
@@ -260,6 +261,14 @@ void UserHands::copySheetTo(const std::string& book, const std::string& sheet,
   Reference<css::sheet::XSpreadsheets2>(to, UNO_QUERY_THROW)
       ->importSheet(objects_->workbook(book), toUno(sheet), to->getElementNames().getLength());
   setModified(otherBook, true);  // as the office's own command does
+}
+
+void UserHands::deleteName(const std::string& book, const std::string& name) {
+  Reference<css::sheet::XNamedRanges>(
+      Reference<css::beans::XPropertySet>(objects_->workbook(book), UNO_QUERY_THROW)
+          ->getPropertyValue("NamedRanges"),
+      UNO_QUERY_THROW)
+      ->removeByName(toUno(name));
 }
 
 void UserHands::setModified(const std::string& book, bool modified) {

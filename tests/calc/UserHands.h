@@ -51,6 +51,7 @@ class UserHands {
   void deleteSheet(const std::string& book, const std::string& sheet);
   // To the end of the other workbook's sheets, whose name for it the office chooses.
   void copySheetTo(const std::string& book, const std::string& sheet, const std::string& otherBook);
+  void deleteName(const std::string& book, const std::string& name);
   void setModified(const std::string& book, bool modified);
   // Addresses as "A1:B5"; a row of them for rows, a column for columns.
   void hideRows(const std::string& book, const std::string& sheet, const std::string& rows);

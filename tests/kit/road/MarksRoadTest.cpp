@@ -150,6 +150,31 @@ TEST_F(MarksRoad, PassesAddressesOverThatAreNoMore) {
   EXPECT_EQ(marked("Known.xlsx", "Data"), "");
 }
 
+// Its name was deleted; it may have stood for cells of any sheet.
+TEST_F(MarksRoad, TakesBackWhatANameStoodForThatIsNoMore) {
+  store_.recordApplied({{"Known.xlsx", "Data", {"NoSuchName", "A1"}, Colour{1, 2, 3}}});
+  for (const char* const sheet : {"Data", "Blank"})
+    memory_->addFormatCondition(on("Known.xlsx", sheet, "A1:C3"), sentinel);
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
+  EXPECT_EQ(marked("Known.xlsx", "Data") + marked("Known.xlsx", "Blank"), "");
+}
+
+TEST_F(MarksRoad, TakesHighlightsBackThatTheUserHasCarriedAway) {
+  mark({"Data!B2"});
+  memory_->userInsertsRows({"Known.xlsx", "Data"}, 1, 3);
+  memory_->userCopiesSheet({"Known.xlsx", "Data"}, "Copy");
+  memory_->userRenamesSheet({"Known.xlsx", "Data"}, "Figures");
+  EXPECT_EQ(marked("Known.xlsx", "Figures") + marked("Known.xlsx", "Copy"), "$B$5$B$5");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_EQ(marked("Known.xlsx", "Figures") + marked("Known.xlsx", "Copy"), "");
+
+  mark({"Figures!B2"});
+  memory_->userSavesAs("Known.xlsx", "Other.xlsx");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_EQ(marked("Other.xlsx", "Figures"), "");
+  EXPECT_FALSE(std::filesystem::exists(store_.url()));
+}
+
 TEST_F(MarksRoad, SaysWhatItCannotBind) {
   EXPECT_THAT(mark({"NoSuchName"}), HasSubstr("range does not exist: NoSuchName"));
   EXPECT_THAT(store_.load(), SizeIs(1)) << "recorded first";
