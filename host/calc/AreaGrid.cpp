@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/calc/Answered.h"
 #include "host/calc/CalcRanges.h"
 
 namespace quorin::host::calc {
@@ -35,7 +36,7 @@ void TextRoom::take(const Grid<std::string>& texts) {
 
 void forEachCell(const css::uno::Reference<css::sheet::XSheetCellRanges>& found, const Area& area,
                  const std::function<void(int row, int column)>& visit) {
-  for (const auto& address : found->getRangeAddresses()) {
+  for (const auto& address : answered(found)->getRangeAddresses()) {
     const Area part = areaOf(address);
     for (int row = std::max(part.firstRow, area.firstRow);
          row <= std::min(part.lastRow, area.lastRow); ++row) {

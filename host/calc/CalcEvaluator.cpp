@@ -7,6 +7,7 @@
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
 
 #include "host/Address.h"
+#include "host/calc/Answered.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CopyGuard.h"
@@ -30,7 +31,7 @@ long long filledCells(const Workbook& workbook, const std::vector<std::string>& 
   long long cells = 0;
   for (const std::string& sheet : sheets) {
     const Reference<css::sheet::XCellRangesQuery> query(sheetOf(workbook, sheet), UNO_QUERY_THROW);
-    for (const auto& address : query->queryContentCells(contents)->getRangeAddresses()) {
+    for (const auto& address : answered(query->queryContentCells(contents))->getRangeAddresses()) {
       cells += cellCount({areaOf(address)});
     }
     if (cells > mostCellsToCopy) break;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/Answered.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcView.h"
 
@@ -43,7 +44,7 @@ Shown shownLines(const Workbook& workbook, const std::string& sheet, const Area&
   const Reference<css::sheet::XCellRangesQuery> query(cellsOf(workbook, sheet, area),
                                                       UNO_QUERY_THROW);
   Shown shown;
-  for (const auto& address : query->queryVisibleCells()->getRangeAddresses()) {
+  for (const auto& address : answered(query->queryVisibleCells())->getRangeAddresses()) {
     const Area part = areaOf(address);
     shown.rows.push_back({part.firstRow, part.lastRow});
     shown.columns.push_back({part.firstColumn, part.lastColumn});

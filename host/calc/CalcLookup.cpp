@@ -17,6 +17,7 @@
 
 #include "host/Address.h"
 #include "host/SheetPrefix.h"
+#include "host/calc/Answered.h"
 #include "host/calc/AreaGrid.h"
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CalcRanges.h"
@@ -39,7 +40,7 @@ Sequence<css::table::CellRangeAddress> filledParts(const Reference<css::uno::XIn
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
   constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
                                  css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
-  return query->queryContentCells(contents)->getRangeAddresses();
+  return answered(query->queryContentCells(contents))->getRangeAddresses();
 }
 
 Area enclosing(const Area& a, const Area& b) {
@@ -114,7 +115,8 @@ std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeR
   const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
   const Reference<css::sheet::XSheetCellRange> cells(cellsOf(sheet, firstArea(range)),
                                                      UNO_QUERY_THROW);
-  const Reference<css::sheet::XSheetCellCursor> cursor = sheet->createCursorByRange(cells);
+  const Reference<css::sheet::XSheetCellCursor> cursor =
+      answered(sheet->createCursorByRange(cells));
   cursor->collapseToCurrentRegion();
   std::optional<RangeRef> region = rangeOf(workbook, cursor);
   if (!region) return std::nullopt;
@@ -129,7 +131,8 @@ std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeR
 }
 
 std::optional<RangeRef> findUsedRange(const Workbook& workbook, const std::string& sheet) {
-  const Reference<css::sheet::XSheetCellCursor> cursor = sheetOf(workbook, sheet)->createCursor();
+  const Reference<css::sheet::XSheetCellCursor> cursor =
+      answered(sheetOf(workbook, sheet)->createCursor());
   const Reference<css::sheet::XUsedAreaCursor> used(cursor, UNO_QUERY_THROW);
   used->gotoStartOfUsedArea(false);
   used->gotoEndOfUsedArea(true);
@@ -201,7 +204,7 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
       found.push_back({row, column, row, column});
     }
   };
-  for (const auto& address : query->queryFormulaCells(anyResult)->getRangeAddresses()) {
+  for (const auto& address : answered(query->queryFormulaCells(anyResult))->getRangeAddresses()) {
     for (const Area& piece : piecesOf(areaOf(address))) {
       limits.check();
       const auto rows = Reference<css::sheet::XCellRangeFormula>(
@@ -232,7 +235,7 @@ std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef&
   for (const Area& area : range.areas) {
     const Reference<css::sheet::XFormulaQuery> query(cellsOf(sheet, area), UNO_QUERY_THROW);
     const auto dependents =
-        rangeOf(workbook, query->queryDependents(levels == DependentLevels::all));
+        rangeOf(workbook, answered(query->queryDependents(levels == DependentLevels::all)));
     if (!dependents) continue;
     std::vector<Area> fresh = dependents->areas;  // and nothing twice
     for (const Area& known : found.areas) {

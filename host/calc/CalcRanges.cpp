@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/container/NoSuchElementException.hpp>
-#include <com/sun/star/lang/IllegalArgumentException.hpp>
 #include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
@@ -61,14 +60,6 @@ Reference<css::table::XCellRange> cellsOf(const Reference<css::sheet::XSpreadshe
 
 Reference<css::table::XCellRange> cellsOf(const Workbook& workbook, const std::string& sheet,
                                           const Area& area) {
-  Reference<css::sheet::XCellRangesAccess>& addresses = workbook.addresses;
-  if (!addresses.is()) addresses.set(workbook.sheets, UNO_QUERY_THROW);
-  try {
-    const auto found = addresses->getCellRangesByName(toUno(calcAddress(sheet, area)));
-    if (found.getLength() == 1) return found[0];
-  } catch (const css::lang::IllegalArgumentException&) {
-    // Which of the two is missing is told below.
-  }
   return cellsOf(sheetOf(workbook, sheet), area);
 }
 

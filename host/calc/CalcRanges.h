@@ -28,6 +28,7 @@ IsSheet sheetTest(const Workbook& workbook);
 Area areaOf(const css::table::CellRangeAddress& address);
 css::uno::Reference<css::table::XCellRange> cellsOf(
     const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, const Area& area);
+// Not in one call by their address: Calc ends when a workbook that was closed is asked so.
 css::uno::Reference<css::table::XCellRange> cellsOf(const Workbook& workbook,
                                                     const std::string& sheet, const Area& area);
 

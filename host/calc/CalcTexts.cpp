@@ -16,6 +16,7 @@
 #include "host/calc/CalcLookup.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellErrors.h"
+#include "host/calc/ShownTexts.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -41,14 +42,21 @@ Grid<std::string> textsOneByOne(const Reference<XCellRange>& cells, const Area& 
   return grid;
 }
 
+// Nothing for a user's workbook that was closed.
+Reference<css::chart2::data::XDataProvider> textSource(const Workbook& workbook) {
+  if (workbook.texts) return workbook.texts->of(workbook.document);
+  const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
+  return {factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW};
+}
+
 // The displayed texts of a rectangle in one call, whether its rows are hidden or not, column by
 // column. What lies beyond a sheet's contents is cut off without a word.
 Sequence<rtl::OUString> shownTexts(const Workbook& workbook, const std::string& sheet,
                                    const Area& area) {
   Reference<css::chart2::data::XDataProvider>& provider = workbook.shownTexts;
   if (!provider.is()) {
-    const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
-    provider.set(factory->createInstance("com.sun.star.chart2.data.DataProvider"), UNO_QUERY_THROW);
+    provider = textSource(workbook);
+    if (!provider.is()) return {};
     // A workbook may say that charts leave hidden rows and columns out.
     Reference<css::beans::XPropertySet>(provider, UNO_QUERY_THROW)
         ->setPropertyValue("IncludeHiddenCells", css::uno::Any(true));

@@ -11,6 +11,7 @@
 #include <com/sun/star/sheet/XViewFreezable.hpp>
 #include <com/sun/star/view/XSelectionSupplier.hpp>
 
+#include "host/calc/Answered.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellEdit.h"
 #include "host/calc/Text.h"
@@ -97,7 +98,7 @@ Reference<css::sheet::XViewPane> scrollingPane(const Window& window) {
 }
 
 std::optional<Bounds> boundsOf(const Window& window) {
-  const Reference<css::awt::XWindow> shown = window.frame->getContainerWindow();
+  const Reference<css::awt::XWindow> shown = answered(window.frame->getContainerWindow());
   const css::awt::Rectangle place = shown->getPosSize();
   return Bounds{static_cast<double>(place.X), static_cast<double>(place.Y),
                 static_cast<double>(place.X) + place.Width,

@@ -8,6 +8,7 @@
 
 #include "host/calc/CalcRanges.h"
 #include "host/calc/QuietChanges.h"
+#include "host/calc/ShownTexts.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -33,7 +34,9 @@ std::string uidOf(const Workbook& workbook) {
 
 CalcWorkbooks::CalcWorkbooks(Reference<css::frame::XDesktop2> desktop,
                              const Reference<css::uno::XComponentContext>& context)
-    : desktop_(std::move(desktop)), names_(context) {}
+    : desktop_(std::move(desktop)),
+      texts_(std::make_shared<ShownTexts>(context)),
+      names_(context) {}
 
 void CalcWorkbooks::forget() {
   windows_.clear();
@@ -110,6 +113,7 @@ std::shared_ptr<Workbook> CalcWorkbooks::workbookOf(const Reference<css::frame::
     workbook->document.set(model, UNO_QUERY_THROW);
     workbook->sheets.set(workbook->document->getSheets(), UNO_QUERY_THROW);
     workbook->uid = uidOf(model);
+    workbook->texts = texts_;
     workbook->entries.keep(keeping_);
     QuietChanges::heal(*workbook);
   }

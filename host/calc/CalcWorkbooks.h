@@ -15,7 +15,6 @@
 #include <com/sun/star/frame/XDesktop2.hpp>
 #include <com/sun/star/frame/XFrame.hpp>
 #include <com/sun/star/frame/XModel.hpp>
-#include <com/sun/star/sheet/XCellRangesAccess.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <map>
@@ -30,6 +29,8 @@
 
 namespace quorin::host::calc {
 
+class ShownTexts;
+
 struct Workbook {
   std::string name;
   std::string uid;  // its "RuntimeUID"
@@ -37,9 +38,8 @@ struct Workbook {
   css::uno::Reference<css::frame::XModel> model;
   css::uno::Reference<css::sheet::XSpreadsheetDocument> document;
   css::uno::Reference<css::container::XNameAccess> sheets;
-  // Finds cells by their address in one call; asked for when it is first needed.
-  mutable css::uno::Reference<css::sheet::XCellRangesAccess> addresses;
   std::map<sal_Int32, bool> booleanFormats;  // number format key: is it a format of booleans?
+  std::shared_ptr<ShownTexts> texts;         // none for a workbook of ours
   // Tells displayed texts; made when they are first asked for.
   mutable css::uno::Reference<css::chart2::data::XDataProvider> shownTexts;
   mutable KeptEntries entries;  // names and tables
@@ -86,6 +86,7 @@ class CalcWorkbooks {
   void nameWorkbooks();
 
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
+  const std::shared_ptr<ShownTexts> texts_;
   css::uno::Reference<css::container::XIndexAccess> frames_;  // the desktop's, once asked for
   WorkbookNames names_;
   std::vector<std::shared_ptr<Workbook>> workbooks_;

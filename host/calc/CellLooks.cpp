@@ -8,6 +8,7 @@
 #include <com/sun/star/table/XColumnRowRange.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
 
+#include "host/calc/Answered.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CellWriter.h"
@@ -25,14 +26,14 @@ const Area standIn{1, 3, 1, 3};  // beside the formula
 
 Reference<XPropertySet> columnOf(const Reference<css::table::XCellRange>& cell) {
   const Reference<css::table::XColumnRowRange> lines(cell, UNO_QUERY_THROW);
-  return {lines->getColumns()->getByIndex(0), UNO_QUERY_THROW};
+  return {answered(lines->getColumns())->getByIndex(0), UNO_QUERY_THROW};
 }
 
 // The style that says in which font a column's width counts.
 Reference<XPropertySet> defaultStyle(const Workbook& workbook) {
   const Reference<css::style::XStyleFamiliesSupplier> supplier(workbook.document, UNO_QUERY_THROW);
   const Reference<css::container::XNameAccess> styles(
-      supplier->getStyleFamilies()->getByName("CellStyles"), UNO_QUERY_THROW);
+      answered(supplier->getStyleFamilies())->getByName("CellStyles"), UNO_QUERY_THROW);
   return {styles->getByName("Default"), UNO_QUERY_THROW};
 }
 

@@ -9,6 +9,7 @@
 #include <com/sun/star/table/XColumnRowRange.hpp>
 
 #include "host/Address.h"
+#include "host/calc/Answered.h"
 #include "host/calc/CalcLines.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/Text.h"
@@ -27,9 +28,9 @@ constexpr int mostHiddenRows = 10'000;
 
 Reference<css::table::XTableRows> rowsOf(const Workbook& workbook, const std::string& sheet,
                                          int first, int last) {
-  return Reference<css::table::XColumnRowRange>(cellsOf(workbook, sheet, {first, 1, last, 1}),
-                                                UNO_QUERY_THROW)
-      ->getRows();
+  return answered(Reference<css::table::XColumnRowRange>(
+                      cellsOf(workbook, sheet, {first, 1, last, 1}), UNO_QUERY_THROW)
+                      ->getRows());
 }
 
 // The runs of rows between those of which something is shown.
@@ -87,9 +88,8 @@ CellKinds readKinds(const Workbook& workbook, const RangeRef& range, const CallL
                                   css::sheet::FormulaResult::ERROR;
   const Area& area = firstArea(range);
   const auto cells = cellsOf(workbook, range.sheet.sheet, area);
-  const auto formulas = Reference<css::sheet::XCellRangesQuery>(cells, UNO_QUERY_THROW)
-                            ->queryFormulaCells(anyResult)
-                            ->getRangeAddresses();
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  const auto formulas = answered(query->queryFormulaCells(anyResult))->getRangeAddresses();
   if (!formulas.hasElements()) return {};
   const Sequence<Sequence<rtl::OUString>> texts =
       Reference<css::sheet::XCellRangeFormula>(cells, UNO_QUERY_THROW)->getFormulaArray();

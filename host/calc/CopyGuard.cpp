@@ -6,6 +6,7 @@
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 
+#include "host/calc/Answered.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcRanges.h"
 
@@ -54,7 +55,7 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
   for (const std::string& sheet : context.sheets) {
     context.from.sheet = sheet;
     const Reference<css::sheet::XCellRangesQuery> query(sheetOf(workbook, sheet), UNO_QUERY_THROW);
-    const auto formulas = query->queryContentCells(css::sheet::CellFlags::FORMULA);
+    const auto formulas = answered(query->queryContentCells(css::sheet::CellFlags::FORMULA));
     for (const auto& address : formulas->getRangeAddresses()) {
       limits.check();
       const RangeRef cells{context.from, {areaOf(address)}};

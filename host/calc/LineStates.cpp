@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/Answered.h"
 #include "host/calc/CalcRanges.h"
 
 namespace quorin::host::calc {
@@ -52,7 +53,7 @@ void LineStates::look() const {
         rows ? Area{1, crossing, count_, crossing} : Area{crossing, 1, crossing, count_};
     const Reference<css::sheet::XCellRangesQuery> query(cellsOf(sheet_, strip), UNO_QUERY_THROW);
     shown_.emplace();
-    for (const auto& address : query->queryVisibleCells()->getRangeAddresses()) {
+    for (const auto& address : answered(query->queryVisibleCells())->getRangeAddresses()) {
       const Area part = areaOf(address);
       shown_->emplace_back(firstLine(part, kind_), lastLine(part, kind_));
     }

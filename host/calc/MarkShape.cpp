@@ -16,6 +16,7 @@
 #include <limits>
 #include <map>
 
+#include "host/calc/Answered.h"
 #include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/Text.h"
@@ -58,8 +59,8 @@ sal_Int32 colorNumber(const Color& color) {
 // The cells with all of the merged ones that they touch.
 Reference<css::table::XCellRange> withMerged(const Reference<css::sheet::XSpreadsheet>& sheet,
                                              const Reference<css::table::XCellRange>& cells) {
-  const auto cursor =
-      sheet->createCursorByRange(Reference<css::sheet::XSheetCellRange>(cells, UNO_QUERY_THROW));
+  const auto cursor = answered(
+      sheet->createCursorByRange(Reference<css::sheet::XSheetCellRange>(cells, UNO_QUERY_THROW)));
   cursor->collapseToMergedArea();
   return {cursor, UNO_QUERY_THROW};
 }
@@ -97,7 +98,8 @@ Box boxAround(const PointSequenceSequence& outlines) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 Reference<css::drawing::XDrawPage> drawPageOf(const Reference<css::sheet::XSpreadsheet>& sheet) {
-  return Reference<css::drawing::XDrawPageSupplier>(sheet, UNO_QUERY_THROW)->getDrawPage();
+  return answered(
+      Reference<css::drawing::XDrawPageSupplier>(sheet, UNO_QUERY_THROW)->getDrawPage());
 }
 #pragma GCC diagnostic pop
 

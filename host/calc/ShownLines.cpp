@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/Answered.h"
 #include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/MarkShape.h"
@@ -119,7 +120,7 @@ class CellsOfLines {
     } else {
       address.StartColumn = address.EndColumn = number - 1;
     }
-    return query_->queryIntersection(address);
+    return answered(query_->queryIntersection(address));
   }
 
  private:

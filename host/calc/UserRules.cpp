@@ -11,6 +11,7 @@
 #include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 
 #include "host/Address.h"
+#include "host/calc/Answered.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/MarkText.h"
 #include "host/calc/Text.h"
@@ -58,8 +59,8 @@ std::string formulaOf(const Reference<XPropertySet>& entry) {
 std::optional<Color> fillOf(const Reference<css::sheet::XSpreadsheetDocument>& document,
                             const Reference<XPropertySet>& entry) {
   const Reference<css::container::XNameAccess> styles(
-      Reference<css::style::XStyleFamiliesSupplier>(document, UNO_QUERY_THROW)
-          ->getStyleFamilies()
+      answered(Reference<css::style::XStyleFamiliesSupplier>(document, UNO_QUERY_THROW)
+                   ->getStyleFamilies())
           ->getByName("CellStyles"),
       UNO_QUERY_THROW);
   const auto name = propertyOf(entry, "StyleName", rtl::OUString());

@@ -55,6 +55,16 @@ class PanelDesk(Desk):
         super().start_display(*given, **named)
         self.environment.update(self.watch, HOME=str(self.folder))
 
+    def refuse_questions(self):
+        """Closes what the office asks in a window of its own, such as whether to repair a file."""
+        for window in self.clients():
+            try:
+                told = self.tool("xprop", "-id", window, "WM_CLASS", "_NET_WM_WINDOW_TYPE")
+                if "TYPE_DIALOG" in told and re.search("soffice|libreoffice", told, re.IGNORECASE):
+                    self.tool("xdotool", "windowactivate", window, "key", "Escape")
+            except PanelTrouble:
+                continue  # it has just gone
+
     def bring_book_forward(self, stem):
         """The window of Calc with this workbook; without a name the one with another than the
         desk's own and Ordinary."""
@@ -114,13 +124,13 @@ class Trial:
         self.quorin.panel.eval(CLICK % name)
 
     def in_office(self, do, *given):
-        reply = self.client.ask({"do": do, "with": list(given)}, 20)
+        reply = self.client.ask({"do": do, "with": list(given)}, 1)
         end = time.monotonic() + PATIENCE
         while reply is None:
             if time.monotonic() > end:
                 raise Trouble(f"the office does not {do}")
-            self.desk.tool("xdotool", "key", "Escape")  # it asks something
-            reply = self.client.line(5)
+            self.desk.refuse_questions()
+            reply = self.client.line(1)
         if "trouble" in reply:
             raise Trouble(f"the office does not {do}: {reply['trouble']}")
         return reply["ok"]

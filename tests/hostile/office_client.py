@@ -15,6 +15,8 @@ from com.sun.star.beans import PropertyValue
 
 REJECT_MACROS_THAT_ASK = 5  # com.sun.star.document.MacroExecMode.USE_CONFIG_REJECT_CONFIRMATION
 AS_CONFIGURED = 2  # com.sun.star.document.UpdateDocMode.ACCORDING_TO_CONFIG
+# What a user would answer when the office asks how to read text: commas, quotes, UTF-8.
+TEXT = {"FilterName": "Text - txt - csv (StarCalc)", "FilterOptions": "44,34,76,1"}
 
 
 def properties(**given):
@@ -40,7 +42,7 @@ class Client:
         document = self.desktop.loadComponentFromURL(
             uno.systemPathToFileUrl(path), "_blank", 0, properties(
                 MacroExecutionMode=REJECT_MACROS_THAT_ASK, UpdateDocMode=AS_CONFIGURED,
-                OnMainThread=True))
+                OnMainThread=True, **(TEXT if path.endswith(".csv") else {})))
         if document is None:
             return None
         self.books[path] = document
