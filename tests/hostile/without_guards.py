@@ -69,7 +69,8 @@ GUARDS = (
     Guard("copies", ((CALC + "CalcEvaluator.cpp",
                       "  if (!context.asked) refuseCopyThatReaches(",
                       "  if (context.asked) refuseCopyThatReaches("),),
-          tests=(("calc_reads_test", "tests/calc/calc_reads_test", "CalcReach.*"),)),
+          cases=("texts-that-name-files-in-a-copy",),
+          tests=(("calc_reads_test", "tests/calc/calc_reads_test", "CalcReach.Copies*"),)),
     Guard("settings of a private office", ((
         CALC + "PrivateOffice.cpp", "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>true",
         "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>false"),),
