@@ -7,7 +7,6 @@ from case import case
 from xlsx_writer import BOOK, HEAD, MAIN, RELATIONS, Sheet, Workbook
 
 ALLOWED = "list of allowed functions"
-COPIES = "no copy of a workbook that reaches out"
 LOADING = "how a workbook is opened"
 CONTENT = "nothing of a workbook is run"
 
@@ -81,15 +80,6 @@ def webservice_in_a_text_of_indirect(path, place):
                 "A5": f"=INDIRECT(\"'{place.file('secret.fods')}'#$Sheet1.A1\")",
                 "A6": f"=INDIRECT(\"'[{place.file('secret.fods')}]She\"&CHAR(10)&\"et1'!A1\")"},
          [("W", "_xlfn." + call(place, "indirect"))])
-
-
-@case("indirect-in-a-copy.xlsx", guard=COPIES, cells=("A1", "A4"),
-      ask=("TABLE(A1,A4,A5)", 'GETPIVOTDATA("a",A4)'))
-def texts_that_name_files_in_a_copy(path, place):
-    """What takes a copy of the workbook works its formulas out anew there: a branch that was never
-    taken before."""
-    save(path, {"A1": '=IF(A4="the secret of A4","",LEN(INDIRECT(A5)))',
-                "A5": f"'{place.file('secret.fods')}'#$Sheet1.A1"})
 
 
 @case("webservice-arguments.xlsx", guard=ALLOWED, cells=("A1", "A2", "A3", "A5", "A6", "A7"),

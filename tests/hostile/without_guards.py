@@ -70,7 +70,6 @@ GUARDS = (
     Guard("copies", ((CALC + "CalcEvaluator.cpp",
                       "  if (!context.asked) refuseCopyThatReaches(",
                       "  if (context.asked) refuseCopyThatReaches("),),
-          cases=("texts-that-name-files-in-a-copy",),
           tests=(("calc_reads_test", "tests/calc/calc_reads_test", "CalcReach.Copies*"),)),
     Guard("settings of a private office", ((
         CALC + "PrivateOffice.cpp", "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>true",
