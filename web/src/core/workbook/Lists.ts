@@ -128,7 +128,10 @@ export class Lists {
     if (!covered) return coverageOf({ ...scan.state, sheetsRead: 0 }, true);
     const { sheetsRead, readAt } = covered;
     const changed = [...new Set([...covered.changed, ...scan.state.changed])];
-    return coverageOf({ ...scan.state, sheetsRead, readAt, changed }, false);
+    // Where tables are may be known since, and not yet be in the answer.
+    const isBefore = covered.status === 'reading' && sheetsRead >= covered.sheets;
+    const before = isBefore ? { status: covered.status, sheet: '' } : {};
+    return coverageOf({ ...scan.state, ...before, sheetsRead, readAt, changed }, false);
   }
 
   /** Whether every sheet was read, so that an empty list means that nothing uses the cells. */

@@ -158,11 +158,14 @@ describe('while a workbook of many sheets is read', () => {
   let asks: string[];
   /** Until this is over the model answers nothing about dependents. */
   let until: Promise<void> | undefined;
+  /** Until this is over the spreadsheet does not tell where tables are. */
+  let lookUp: Promise<void> | undefined;
 
-  function open(count: number): void {
+  function open(count: number, formula = '=S1!R1C1'): void {
     clock = new FakeClock();
     asks = [];
     until = undefined;
+    lookUp = undefined;
     let time = 0;
     const carried = new CarriedModel(new SlicedCarrier(clock, () => (time += 1)), () => undefined);
     const model: ModelClient = {
@@ -174,7 +177,7 @@ describe('while a workbook of many sheets is read', () => {
         return carried.ask(of, ask, args);
       },
     };
-    const formulas = [[''], ['=S1!R1C1']];
+    const formulas = [[''], [formula]];
     const sheets = Array.from({ length: count }, (_, i) => ({
       name: `S${String(i + 1)}`,
       usedRange: '$A$1:$A$2',
@@ -185,7 +188,10 @@ describe('while a workbook of many sheets is read', () => {
         workbookMap: () => Promise.resolve(succeeded(map)),
         readFormulas: () =>
           Promise.resolve(succeeded({ rows: 2, cols: 1, formulas, values: [[1], [1]] })),
-        evaluate: () => Promise.reject(new Error('not asked here')),
+        evaluate: async () => {
+          await lookUp;
+          return succeeded("'[Model.xlsx]S1'!$A$1");
+        },
         pollCell: () => Promise.resolve(succeeded(first)),
       },
       clock,
@@ -254,5 +260,23 @@ describe('while a workbook of many sheets is read', () => {
     scans.of(first.book).readAgain();
     await passed();
     expect(asks).toEqual(['40']);
+  });
+
+  test('the list says that tables are missing until an answer has them', async () => {
+    open(1, '=SUM(Sales[Price])');
+    let tell = (): void => undefined;
+    let release = (): void => undefined;
+    lookUp = new Promise((resolve) => (tell = resolve));
+    everywhere.load('deps', first);
+    await passed();
+    until = new Promise((resolve) => (release = resolve));
+    tell();
+    await passed();
+    expect(scans.of(first.book).state.status).toBe('done');
+    const missing = 'Cells used through tables are not listed yet.';
+    expect(everywhere.coverage).toBe(`The only sheet, as read at 10:42. ${missing}`);
+    release();
+    await passed();
+    expect(everywhere.coverage).toBe('The only sheet, as read at 10:42.');
   });
 });
