@@ -1,0 +1,113 @@
+"""Reading a whole workbook for Dependents, as the user's Calc sees it. Part of panel_test.py."""
+import json
+import subprocess
+import time
+import unittest
+
+from desk import Quorin
+from try_panel import wait_for
+
+# Asked over Calc's own interface; given an address the workbook is saved under it first.
+WORKBOOK = """
+import hashlib, json, os, sys, uno
+local = uno.getComponentContext()
+resolver = local.ServiceManager.createInstance("com.sun.star.bridge.UnoUrlResolver")
+context = resolver.resolve("uno:pipe,name=%s;urp;StarOffice.ComponentContext")
+desktop = context.ServiceManager.createInstance("com.sun.star.frame.Desktop")
+documents = desktop.Components.createEnumeration()
+while not (document := documents.nextElement()).supportsService(
+        "com.sun.star.sheet.SpreadsheetDocument"):
+    pass
+if sys.argv[1:]:
+    kind = uno.createUnoStruct("com.sun.star.beans.PropertyValue")
+    kind.Name, kind.Value = "FilterName", "Calc MS Excel 2007 XML"
+    document.storeAsURL(sys.argv[1], (kind,))
+cells = hashlib.sha256()
+for sheet in document.Sheets:
+    cursor = sheet.createCursor()
+    cursor.gotoEndOfUsedArea(False)
+    last = cursor.RangeAddress
+    used = sheet.getCellRangeByPosition(0, 0, last.EndColumn, last.EndRow)
+    cells.update(repr((sheet.Name, sheet.IsVisible, last.EndColumn, last.EndRow,
+                       used.FormulaArray, sheet.DrawPage.Count, sheet.ConditionalFormats.Length)
+                      ).encode())
+    cells.update(repr([one.IsVisible for one in used.Rows]).encode())
+view = document.CurrentController
+print(json.dumps({
+    "modified": document.isModified(), "undo": document.UndoManager.AllUndoActionTitles,
+    "redo": document.UndoManager.AllRedoActionTitles, "cells": cells.hexdigest(),
+    "names": document.NamedRanges.Count, "sheet": view.ActiveSheet.Name,
+    "selection": view.Selection.AbsoluteName, "address": document.URL}), flush=True)
+os._exit(0)  # what is left of the connection may crash the interpreter at its end
+"""
+
+
+class ScanTest(unittest.TestCase):
+    def setUp(self):
+        self.desk = Quorin.desk
+        self.script = self.desk.folder / "workbook.py"
+        self.script.write_text(WORKBOOK % self.desk.pipe)
+        self.desk.bring_calc_forward()
+        self.quorin = Quorin("--show")
+        self.addCleanup(self.quorin.end)
+        self.eval = self.quorin.panel.eval
+
+    def workbook(self, *save_as):
+        for _ in range(3):
+            run = subprocess.run(["/usr/bin/python3", str(self.script), *save_as], timeout=120,
+                                 env=self.desk.environment, capture_output=True, text=True,
+                                 check=False)
+            if run.returncode >= 0:
+                break  # else the asking program itself has crashed, which says nothing
+        self.assertEqual(run.returncode, 0, run.stderr)
+        return json.loads(run.stdout)
+
+    def text(self, place):
+        return self.eval(f"document.querySelector('[data-testid={place}]')?.innerText ?? ''")
+
+    def press(self, place):
+        return self.eval(f"(() => {{ const one = document.querySelector('[data-testid={place}]');"
+                         " one?.click(); return !!one; })()")
+
+    def is_whole(self):
+        return self.text("list-note").startswith("All ") and self.text("scan-text") == ""
+
+    def go_to_a_used_cell(self):
+        """Total_Capex, which cells of other sheets use by its name. The panel follows Calc while that
+        is in front."""
+        self.desk.bring_calc_forward()
+        self.eval("webkit.messageHandlers.qx.postMessage("
+                  "{id: -7, verb: 'select', args: [[\"'Construction'!$D$9\"]]}); 0")
+        self.addCleanup(self.desk.go_to)
+        wait_for("the cell", lambda: self.text("address") == "D9"
+                 and self.text("sheet") == "Construction")
+
+    def test_leaves_the_workbook_as_it_was(self):
+        self.go_to_a_used_cell()
+        before = self.workbook()
+        self.assertEqual((before["sheet"], before["selection"]),
+                         ("Construction", "$Construction.$D$9"))
+        self.press("tab-deps")
+        wait_for("all sheets", self.is_whole)
+        wait_for("cells of other sheets", lambda: "Debt" in self.text("list"))
+        self.press("scan-go")
+        wait_for("the workbook to be read again", lambda: not self.is_whole())
+        wait_for("all sheets again", self.is_whole)
+        self.assertEqual(self.workbook(), before)
+
+    def test_follows_a_workbook_that_is_saved_under_another_name(self):
+        self.go_to_a_used_cell()
+        first = self.workbook()["address"]
+        self.addCleanup(self.workbook, first)
+        self.press("tab-deps")
+        wait_for("all sheets", self.is_whole)
+        # Between two scans, and while one is under way.
+        for name in ("Between.xlsx", "During.xlsx"):
+            if name == "During.xlsx":
+                self.press("scan-go")
+            self.workbook((self.desk.folder / name).as_uri())
+            wait_for("the new name", lambda: name in self.text("book"))
+            wait_for("all sheets of the new name", self.is_whole)
+            wait_for("cells of other sheets", lambda: "Debt" in self.text("list"))
+            time.sleep(0.5)
+            self.assertTrue(self.is_whole(), self.text("scan"))
