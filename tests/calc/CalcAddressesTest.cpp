@@ -59,6 +59,17 @@ class CalcAddresses : public CalcReads {
   }
 };
 
+// What stands before it would be an address.
+TEST_F(CalcAddresses, DoNotEndAtANullCharacter) {
+  const std::string address("B2\0:C3", 6);
+  for (const char* const verb : {"readRange", "dependents"})
+    EXPECT_THAT(ask(verb, {address}), testing::HasSubstr("Can't get range")) << verb;
+  EXPECT_THAT(ask("markCells", {JSONValue::Array{address}, JSONValue::Array{255, 0, 0}}),
+              testing::HasSubstr("range does not exist"));
+  EXPECT_THAT(ask("evaluate", {address}), testing::HasSubstr("excelError"));
+  EXPECT_EQ(ask("evaluate", {"B2"}), R"({"ok":true,"value":20})");
+}
+
 TEST_F(CalcAddresses, MayHoldCommasAndMarksInBrackets) {
   EXPECT_EQ(ask("readRange", {"Säle[[#All],[Net]]"}), grid(3, 1, R"([["Net"],[20],[30]])"));
   EXPECT_EQ(ask("readRange", {"Säle[Tax, all!]"}), grid(2, 1, "[[2],[3]]"));
