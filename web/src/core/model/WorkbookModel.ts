@@ -96,7 +96,8 @@ export class WorkbookModel {
       this.tables.set(question.toLowerCase(), known);
       this.unknownTables.delete(question);
     }
-    // Formulas that were read before meant nothing by these.
+    // Formulas that were read before meant nothing by these, nor did names.
+    this.names.forget();
     this.definitions = this.newDefinitions();
     this.change();
   }

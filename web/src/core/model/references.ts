@@ -26,6 +26,8 @@ export type RunTimeReason =
   | 'a spill'
   /** A name that means other cells in every cell. */
   | 'a relative name'
+  /** Names of names that lead to more areas than are kept of them. */
+  | 'names of too many areas'
   /** Columns of the table that the cell is in, whichever that is. */
   | 'its own table'
   /** Columns of a table of which the spreadsheet did not tell where they are. */
@@ -289,15 +291,17 @@ function keyOf({ sheet, rows, cols }: Reference): string {
   return `${String(sheet)} ${String(rows.a)} ${String(rows.b)} ${String(cols.a)} ${String(cols.b)} ${String(fixed)}`;
 }
 
+export function eachOnce(references: Reference[]): Reference[] {
+  if (references.length < 2) return references;
+  return [...new Map(references.map((one) => [keyOf(one), one])).values()];
+}
+
 /** What the formula names, each thing once. `home`: the sheet from which its names are seen. */
 export function namedBy(formula: Formula, meanings: Meanings, home: number | undefined): Named {
   const collector = new Collector(meanings, formula.style, home);
   collector.collect(formula.root);
   const { named } = collector;
-  if (named.references.length > 1) {
-    const each = new Map(named.references.map((one) => [keyOf(one), one]));
-    named.references = [...each.values()];
-  }
+  named.references = eachOnce(named.references);
   return named;
 }
 

@@ -65,6 +65,19 @@ describe('users of a cell', () => {
     expect(model.ask('state', {}).tables).toEqual([]);
   });
 
+  test('are found through names of tables once the spreadsheet has told where these are', () => {
+    const names = [
+      { name: 'Prices', refersTo: '=Sales[Price]' },
+      { name: 'Shown', refersTo: '=Prices' },
+    ];
+    const model = new Reader({ Data: { 'A2:A4': 1, D1: '=SUM(Shown)' } }, names);
+    expect(model.users('Data', 'A3')).toEqual([]);
+    const place = { sheet: 'Data', area: area('A2:A4') };
+    model.ask('tables', { places: [{ question: 'Sales[Price]', place }] });
+    expect(model.users('Data', 'A3')).toEqual(['Data!D1']);
+    expect(model.ask('runTime', {}).rows).toEqual([]);
+  });
+
   test('of an area are those of any of its cells', () => {
     const model = new Reader({ Data: { 'B1:B9': '=A1', D1: '=A20' } });
     expect(model.users('Data', 'A4:A6')).toEqual(['Data!B4:B6']);
@@ -354,9 +367,48 @@ describe('what is not as it should be', () => {
       { Data: { B1: '=chain.150', B2: '=Ring', B3: '=Gone+Odd+Nobody', B4: '=chain.29999' } },
       names,
     );
-    expect(model.users('Data', 'A1')).toEqual(['Data!B1']);
+    expect(model.users('Data', 'A1')).toEqual(['Data!B1', 'Data!B4']);
     expect(model.users('Data', 'A2')).toEqual(['Data!B2']);
     expect(model.ask('state', {}).formulas).toBe(4);
+  });
+
+  test('names that each lead to all others, in circles or not, are each looked at once', () => {
+    const among = (count: number, from: (i: number) => number) =>
+      Array.from({ length: count }, (_, i) => {
+        const others = Array.from({ length: from(i) }, (__, j) => `+knot.${String(j)}`).join('');
+        return { name: `knot.${String(i)}`, refersTo: `=Data!$A$${String(i + 1)}${others}` };
+      });
+    const cells = { C1: '=knot.0', C2: '=knot.39' };
+    const knot = new Reader(
+      { Data: cells },
+      among(40, () => 40),
+    );
+    // Whoever is in a circle leads to all of it.
+    expect(knot.users('Data', 'A1')).toEqual(['Data!C1', 'Data!C2']);
+    expect(knot.users('Data', 'A40')).toEqual(['Data!C1', 'Data!C2']);
+    const layers = new Reader(
+      { Data: cells },
+      among(40, (i) => i),
+    );
+    expect(layers.users('Data', 'A1')).toEqual(['Data!C1', 'Data!C2']);
+    expect(layers.users('Data', 'A40')).toEqual(['Data!C2']);
+  });
+
+  test('30,000 names that add to each other take little, and what is left out is told', () => {
+    const name = (i: number) => `part.${String(i)}`;
+    const names = Array.from({ length: 30_000 }, (_, i) => ({
+      name: name(i),
+      refersTo: `=Data!$A$${String(i + 1)}${i === 0 ? '' : `+${name(i - 1)}`}`,
+    }));
+    const model = new Reader(
+      { Data: { B1: `=${name(199)}`, B2: `=${name(200)}`, B3: `=${name(29_999)}` } },
+      names,
+    );
+    expect(model.users('Data', 'A200')[0]).toBe('Data!B1');
+    expect(model.ask('runTime', {}).rows.map((row) => [placeOf(row), row.reasons])).toEqual([
+      ['Data!B2', ['names of too many areas']],
+      ['Data!B3', ['names of too many areas']],
+    ]);
   });
 
   test('the longest formulas and ranges are taken', () => {
