@@ -30,8 +30,11 @@ const formulaLimit = 240;
 
 /** As it stands in the first of its cells: worked out here, so that the page's own thread need not. */
 function shownFormula(relative: string, area: Area): string {
-  const text = formulaAt(relative, { row: area.top, col: area.left });
-  return text.length > formulaLimit ? `${text.slice(0, formulaLimit)}…` : text;
+  return cut(formulaAt(relative, { row: area.top, col: area.left }));
+}
+
+function cut(formula: string): string {
+  return formula.length > formulaLimit ? `${formula.slice(0, formulaLimit)}…` : formula;
 }
 
 function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number): Row {
@@ -208,7 +211,7 @@ export function* stateAnswer(model: WorkbookModel): Generator<undefined, BookSta
       .slice(0, rowsLimit)
       .map((part) => ({
         ...partRow(model, index, part),
-        formula: model.formulas.at(index.formulaOf(part.region)),
+        formula: cut(model.formulas.at(index.formulaOf(part.region))),
       })),
     unreadCells: unread.reduce((sum, { area }) => sum + cellCount(area), 0),
     tables: model.tableQuestions,

@@ -68,7 +68,7 @@ export type BookState = {
   /** Cells with a formula, and how many different ones. */
   formulas: number;
   distinct: number;
-  /** Cells whose formula could not be read whole, by region, as it was told. */
+  /** Cells whose formula could not be read whole, by region, as it was told and cut where long. */
   unread: Row[];
   unreadCells: number;
   /** Columns of tables that the spreadsheet is to be asked about. */

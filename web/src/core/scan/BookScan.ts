@@ -95,6 +95,8 @@ export class BookScan {
   };
   /** Grows with every sheet that was read. */
   version = 0;
+  /** How often the model was told where tables are. */
+  tablesTold = 0;
   private readonly known = new Set<string>();
   private plan: PlannedSheet[] = [];
   private entry = '';
@@ -406,6 +408,7 @@ export class BookScan {
     if (places.length === 0) return;
     await model.ask(this.book, 'tables', { places });
     this.version += 1;
+    this.tablesTold += 1;
   }
 
   private async sheetInFront(): Promise<string | undefined> {

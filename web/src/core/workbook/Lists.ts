@@ -4,7 +4,7 @@
 import { cellCount, parseArea, qualified } from '../address/area';
 import { readLimit } from '../evaluation/readPlan';
 import { count } from '../format/words';
-import type { DependentsAnswer, ErrorsAnswer } from '../model/messages';
+import type { BookState, DependentsAnswer, ErrorsAnswer } from '../model/messages';
 import type { ViewName } from '../protocol/events';
 import type { Outcome } from '../protocol/Outcome';
 import type { CellPlace, RangeFormulas, ReferenceStyle, WorkbookMap } from '../protocol/verbs';
@@ -17,6 +17,7 @@ import {
   driverGroup,
   errorGroup,
   impactText,
+  notReadGroup,
   resultGroup,
   runTimeGroup,
   userGroups,
@@ -54,8 +55,10 @@ type Known = {
   quickNote: string;
   everywhere: DependentsAnswer | undefined;
   errors: ErrorsAnswer | undefined;
+  /** Of all that was read: formulas that could not be understood. */
+  formulas: Pick<BookState, 'unread' | 'unreadCells'>;
   /** The scan when the model was asked, and whether it had read the sheet of the cells by then. */
-  covered: (ScanState & { own: boolean }) | undefined;
+  covered: (ScanState & { own: boolean; tablesTold: number }) | undefined;
   /** What of the scan is in it. */
   version: number;
   /** Whether the model is asked; it works out one answer at a time. */
@@ -126,11 +129,11 @@ export class Lists {
     if (!known || !scan) return '';
     const { covered } = known;
     if (!covered) return coverageOf({ ...scan.state, sheetsRead: 0 }, true);
-    const { sheetsRead, readAt } = covered;
+    const { sheetsRead, readAt, tablesTold } = covered;
     const changed = [...new Set([...covered.changed, ...scan.state.changed])];
     // Where tables are may be known since, and not yet be in the answer.
-    const isBefore = covered.status === 'reading' && sheetsRead >= covered.sheets;
-    const before = isBefore ? { status: covered.status, sheet: '' } : {};
+    const isBefore = scan.tablesTold !== tablesTold;
+    const before = isBefore ? { status: 'reading' as const, sheet: '' } : {};
     return coverageOf({ ...scan.state, ...before, sheetsRead, readAt, changed }, false);
   }
 
@@ -171,6 +174,7 @@ export class Lists {
       quickNote: '',
       everywhere: undefined,
       errors: undefined,
+      formulas: { unread: [], unreadCells: 0 },
       covered: undefined,
       version: 0,
       asking: false,
@@ -207,14 +211,18 @@ export class Lists {
     if (!isDue(known, scan)) return;
     known.asking = true;
     known.version = scan.version;
-    const covered = { ...scan.state, own: scan.hasRead(known.sheet) };
+    const { state, tablesTold } = scan;
+    const covered = { ...state, own: scan.hasRead(known.sheet), tablesTold };
     try {
       const { model, book, cells } = asked;
       const told = await model.ask(book, 'dependents', cells);
       const errors = covered.sheetsRead >= covered.sheets;
       if (this.known === known) known.everywhere = told;
       known.covered = covered;
-      if (errors) known.errors = await model.ask(book, 'errors', {});
+      if (errors) {
+        known.errors = await model.ask(book, 'errors', {});
+        known.formulas = await model.ask(book, 'state', {});
+      }
     } catch {
       // The model was lost; it is read anew, and asked again then.
       return;
@@ -239,7 +247,7 @@ export class Lists {
 
   /** The spreadsheet's own answer for a sheet only as long as the model has none for it. */
   private rowsOf(known: Known): PlaceRow[] {
-    const { asked, everywhere, errors, quick, sheet } = known;
+    const { asked, everywhere, errors, formulas, covered, quick, sheet } = known;
     const quickRows = quick ? dependentRows(quick, sheet) : [];
     if (!asked || !everywhere) return quickRows;
     const isCovered = this.hasModelOf(known, sheet);
@@ -253,6 +261,7 @@ export class Lists {
       betweenGroup(asked, other),
       ...runTimeGroup(asked, everywhere.runTimeCells),
       ...(errors ? errorGroup(errors) : []),
+      ...notReadGroup(covered?.notRead ?? [], formulas),
     ];
   }
 

@@ -1,11 +1,19 @@
 // The model's answers as rows of a list: who uses the cell on every sheet, each opening to its own
 // users; what rests on it in the end; what it rests on; where errors start.
 
-import { covers, meet } from '../address/area';
+import { covers, meet, parseArea } from '../address/area';
 import { count, grouped } from '../format/words';
-import type { Cells, DependentsAnswer, DriverRow, ErrorsAnswer, Row } from '../model/messages';
+import type {
+  BookState,
+  Cells,
+  DependentsAnswer,
+  DriverRow,
+  ErrorsAnswer,
+  Row,
+} from '../model/messages';
+import type { NotRead } from '../scan/BookScan';
 import { closed, group, remark, type PlaceRow } from './PlaceList';
-import { formulaRow, joined, placed, times, valueText, type Asked } from './rows';
+import { formulaRow, joined, placed, placeOfCells, times, valueText, type Asked } from './rows';
 import { waysRows } from './ways';
 
 const contains = (outer: Cells, inner: Cells) =>
@@ -125,4 +133,27 @@ export function errorGroup({ total, rows, left, circular }: ErrorsAnswer): Place
     ...(left > 0 ? [remark('…', `and ${count(left, 'more cause')}`)] : []),
   ];
   return [closed('Where errors start', `${count(total, 'error cell')} in the workbook`, inner)];
+}
+
+/** Areas that the spreadsheet did not tell, and formulas of which a part has no meaning to the model. */
+export function notReadGroup(
+  areas: readonly NotRead[],
+  formulas: Pick<BookState, 'unread' | 'unreadCells'>,
+): PlaceRow[] {
+  const { unread, unreadCells } = formulas;
+  if (areas.length === 0 && unreadCells === 0) return [];
+  const inner = (): PlaceRow[] => [
+    ...areas.map(({ sheet, address, reason }): PlaceRow => {
+      const area = parseArea(address);
+      const place = area && placeOfCells({ sheet, area });
+      return { text: `${sheet}!${address}`, detail: reason, tag: '', place };
+    }),
+    ...unread.map((row) => placed(row, joined(row.formula, times(row.cells)), '')),
+    ...more(unreadCells - unread.reduce((sum, row) => sum + row.cells, 0)),
+  ];
+  const parts = [
+    areas.length > 0 ? count(areas.length, 'area') : '',
+    unreadCells > 0 ? count(unreadCells, 'formula') : '',
+  ];
+  return [closed('What could not be read', parts.filter(Boolean).join(', '), inner)];
 }

@@ -160,12 +160,15 @@ describe('while a workbook of many sheets is read', () => {
   let until: Promise<void> | undefined;
   /** Until this is over the spreadsheet does not tell where tables are. */
   let lookUp: Promise<void> | undefined;
+  /** Part of an address that the spreadsheet refuses to tell of. */
+  let refused: string | undefined;
 
   function open(count: number, formula = '=S1!R1C1'): void {
     clock = new FakeClock();
     asks = [];
     until = undefined;
     lookUp = undefined;
+    refused = undefined;
     let time = 0;
     const carried = new CarriedModel(new SlicedCarrier(clock, () => (time += 1)), () => undefined);
     const model: ModelClient = {
@@ -186,8 +189,12 @@ describe('while a workbook of many sheets is read', () => {
     scans = new Scans(model, {
       questions: {
         workbookMap: () => Promise.resolve(succeeded(map)),
-        readFormulas: () =>
-          Promise.resolve(succeeded({ rows: 2, cols: 1, formulas, values: [[1], [1]] })),
+        readFormulas: (address) =>
+          Promise.resolve(
+            refused !== undefined && address.includes(refused)
+              ? failed('transport', 'The sheet is protected.')
+              : succeeded({ rows: 2, cols: 1, formulas, values: [[1], [1]] }),
+          ),
         evaluate: async () => {
           await lookUp;
           return succeeded("'[Model.xlsx]S1'!$A$1");
@@ -260,6 +267,28 @@ describe('while a workbook of many sheets is read', () => {
     scans.of(first.book).readAgain();
     await passed();
     expect(asks).toEqual(['40']);
+  });
+
+  test('what could not be read is listed, cells with the reason and formulas as they stand', async () => {
+    open(3, '=SUM(S1!R1C1');
+    refused = ']S2';
+    everywhere.load('deps', first);
+    await passed();
+    expect(everywhere.coverage).toBe('All 3 sheets, as read at 10:42. 1 area could not be read.');
+    const list = everywhere.dependents;
+    list.move('last', 10);
+    expect(list.active).toMatchObject({
+      text: 'What could not be read',
+      detail: '1 area, 2 formulas',
+    });
+    list.move('in', 10);
+    expect(shown(list).slice(-3)).toEqual([
+      '2 | S2!A1:A2 | The sheet is protected.',
+      '2 | S1!A2 | =SUM(S1!R1C1',
+      '2 | S3!A2 | =SUM(S1!R1C1',
+    ]);
+    list.move('down', 10);
+    expect(list.active?.place).toMatchObject({ sheet: 'S2', address: 'A1:A2' });
   });
 
   test('the list says that tables are missing until an answer has them', async () => {
