@@ -19,6 +19,15 @@ export class FakeClock implements Clock {
     };
   }
 
+  /** Lets only what comes next happen, when it is due. */
+  step(): void {
+    const [next] = [...this.timers].sort((a, b) => a.at - b.at);
+    if (!next) return;
+    this.timers = this.timers.filter((timer) => timer !== next);
+    this.now = next.at;
+    next.action();
+  }
+
   advance(milliseconds: number): void {
     const end = this.now + milliseconds;
     for (;;) {

@@ -4,7 +4,7 @@ import { afterAll, afterEach, beforeAll, expect, test } from 'vitest';
 
 import { Browser, type FakePanel } from './FakePanel';
 import { park } from './park';
-import { cell, success } from './samples';
+import { cell, formulas, success } from './samples';
 
 let browser: Browser;
 let panel: FakePanel;
@@ -41,6 +41,7 @@ test('lists users on every sheet, opens them, and leads back to inputs', async (
   panel = await browser.open(park);
   await dependents();
   await panel.page.getByText('All 3 sheets, as read at').waitFor();
+  expect(await panel.text('list-note')).toMatch(/^All 3 sheets, as read at [0-9:]+\.$/);
   expect(await panel.text('list-under')).toBe(
     '5 cells on 2 sheets rest on it; 1 result that nothing else uses.',
   );
@@ -145,16 +146,59 @@ test('says what it covers while the spreadsheet is busy, and can be stopped', as
   await panel.page.getByText('All 3 sheets, as read at').waitFor();
 });
 
-test('a large workbook is read when the user says so', async () => {
+test('a reload in the middle of a scan has the workbook read anew, without a word', async () => {
+  const { "readFormulas '[Solar park.xlsx]Summary'!A1:B5": held, ...rest } = park;
+  panel = await browser.open({
+    ...rest,
+    "readFormulas '[Solar park.xlsx]Summary'!A1:B5": undefined as never,
+  });
+  await dependents();
+  await panel.shows('scan-text', 'Reading “Summary”, sheet 3 of 3: 91 %');
+  const asked = async () =>
+    (await panel.posted()).filter(({ args }) => String(args[0]).startsWith("'["));
+  const old = (await asked()).at(-1);
+  await panel.page.reload();
+  await panel.lay("readFormulas '[Solar park.xlsx]Summary'!A1:B5", held);
+  await panel.resolve(old?.id, success({ rows: 5, cols: 2, formulas: [], values: [] }));
+  await dependents();
+  await panel.page.getByText('All 3 sheets, as read at').waitFor();
+  expect(await panel.text('list-note')).toMatch(/^All 3 sheets, as read at [0-9:]+\.$/);
+  expect(await rows()).toContain("B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)");
+  expect((await asked()).map(({ args }) => args[0])).toEqual([
+    "'[Solar park.xlsx]Inputs'!A1:B3",
+    "'[Solar park.xlsx]Cash flow'!A1:H12",
+    "'[Solar park.xlsx]Summary'!A1:B5",
+  ]);
+  expect((await panel.posted()).filter(({ verb }) => verb === 'log')).toEqual([]);
+});
+
+test('marks what one call takes of an entry with more areas, and says so', async () => {
+  const alternating = Array.from({ length: 100 }, (_, i) => [i % 2 ? '=R12C6*2' : '=R12C6']);
   panel = await browser.open({
     ...park,
-    workbookMap: success({
-      book: 'Solar park.xlsx',
-      sheets: [{ name: 'Cash flow', usedRange: '$A$1:$CV$600' }],
-      sheetsTruncated: false,
-      names: [],
-    }),
+    workbookMap: large,
+    "dependents 'Cash flow'!F12": success('$K$1:$K$100'),
+    "readFormulas 'Cash flow'!K1:K100": formulas(alternating),
   });
+  await dependents();
+  await panel.page.getByText('K1 and 49 more areas').click();
+  const { args } = await panel.asked('markCells');
+  expect(args[0]).toEqual(
+    Array.from({ length: 40 }, (_, i) => `'Cash flow'!K${String(2 * i + 1)}`),
+  );
+  await panel.page.getByText('Only the first 40 areas of 50 are marked.').waitFor();
+  expect((await panel.posted()).filter(({ verb }) => verb === 'markCells')).toHaveLength(1);
+});
+
+const large = success({
+  book: 'Solar park.xlsx',
+  sheets: [{ name: 'Cash flow', usedRange: '$A$1:$CV$600' }],
+  sheetsTruncated: false,
+  names: [],
+});
+
+test('a large workbook is read when the user says so', async () => {
+  panel = await browser.open({ ...park, workbookMap: large });
   await dependents();
   await panel.shows('scan-text', '60,000 cells on 1 sheet are to be read for the other sheets.');
   expect((await panel.posted()).filter(({ args }) => String(args[0]).includes('['))).toEqual([]);

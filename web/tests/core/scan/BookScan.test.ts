@@ -171,6 +171,54 @@ describe('a scan', () => {
     expect(await users('Inputs', 'B1')).toEqual(["Ann's 1,1"]);
   });
 
+  test('reads hidden and protected sheets like any other, and of a chart sheet that it is blank', async () => {
+    const uses = (factor: number): Cells => ({
+      A1: { formula: `=Inputs!R1C2*${String(factor)}`, gives: 5 * factor },
+    });
+    // As Calc tells them: used ranges of all, one blank cell of the sheet that is a chart.
+    spreadsheet.sheets = {
+      Inputs: { used: '$A$1:$B$1', cells: { A1: 'Price', B1: 5 } },
+      Locked: { used: '$A$1', cells: uses(2) },
+      Hidden: { used: '$A$1', cells: uses(3) },
+      Chart: { used: '$A$1', cells: {} },
+      'Very hidden': { used: '$A$1', cells: uses(4) },
+    };
+    scans.of(book).begin();
+    await settled();
+    expect(coverageOf(scans.of(book).state, false)).toBe('All 5 sheets, as read at 10:42.');
+    expect(await users('Inputs', 'B1')).toEqual(['Locked 1,1', 'Hidden 1,1', 'Very hidden 1,1']);
+  });
+
+  test('says of sheets whose cells nobody tells that they were not read, and reads the others', async () => {
+    spreadsheet.sheets = {
+      Locked: { used: '$A$1:$B$9', cells: {} },
+      Chart: { used: null, cells: {} },
+      ...two(),
+    };
+    const refused: Failure = { kind: 'transport', message: 'The sheet is protected.' };
+    spreadsheet.failures = [
+      { of: "read '[Ann''s model.xlsx]Locked", failure: refused, times: 99 },
+      { of: ']Chart', failure: { kind: 'excelError', message: '#REF!' }, times: 1 },
+    ];
+    scans.of(book).begin();
+    await settled();
+    const { state } = scans.of(book);
+    expect(state).toMatchObject({ status: 'done', sheetsRead: 4 });
+    expect(state.notRead).toEqual([
+      { sheet: 'Locked', address: 'A1:A9', reason: 'The sheet is protected.' },
+      { sheet: 'Locked', address: 'B1:B9', reason: 'The sheet is protected.' },
+      {
+        sheet: 'Chart',
+        address: 'A:XFD',
+        reason: 'What is filled could not be counted.',
+      },
+    ]);
+    expect(coverageOf(state, false)).toBe(
+      'All 4 sheets, as read at 10:42. 3 areas could not be read.',
+    );
+    expect(await users('Inputs', 'B1')).toEqual(["Ann's 1,1"]);
+  });
+
   test('of a large workbook begins when the user says so', async () => {
     spreadsheet.sheets = { Data: { used: '$A$1:$Z$2000', cells: {} } };
     scans.of(book).begin();
