@@ -132,9 +132,11 @@ export class Lists {
     const { sheetsRead, readAt, tablesTold } = covered;
     const changed = [...new Set([...covered.changed, ...scan.state.changed])];
     // Where tables are may be known since, and not yet be in the answer.
-    const isBefore = scan.tablesTold !== tablesTold;
+    const isBefore = scan.tablesTold > tablesTold;
     const before = isBefore ? { status: 'reading' as const, sheet: '' } : {};
-    return coverageOf({ ...scan.state, ...before, sheetsRead, readAt, changed }, false);
+    // Of a model that was lost only what it told is left.
+    const state = scan.state.status === 'none' ? covered : scan.state;
+    return coverageOf({ ...state, ...before, sheetsRead, readAt, changed }, false);
   }
 
   /** Whether every sheet was read, so that an empty list means that nothing uses the cells. */

@@ -307,5 +307,8 @@ describe('while a workbook of many sheets is read', () => {
     release();
     await passed();
     expect(everywhere.coverage).toBe('The only sheet, as read at 10:42.');
+    // What was told stays as it is when the model is lost.
+    scans.forget();
+    expect(everywhere.coverage).toBe('The only sheet, as read at 10:42.');
   });
 });
