@@ -104,7 +104,10 @@ const paced = new PacedErrands({
   },
 });
 function newModel(): ModelClient {
-  const carrier = startWorker() ?? new SlicedCarrier(clock, () => performance.now());
+  const lookAgain = () => {
+    explorer.show(explorer.view);
+  };
+  const carrier = startWorker(lookAgain) ?? new SlicedCarrier(clock, () => performance.now());
   return new CarriedModel(carrier, () => {
     current = undefined;
     scans.forget();

@@ -5,8 +5,13 @@ import type { Carrier } from '../core/model/ModelClient';
 import type { Answer } from '../core/model/messages';
 import ModelWorker from './model?worker&inline';
 
-/** Nothing where the web view gives no worker. */
-export function startWorker(): Carrier | undefined {
+/** Whether a worker ended before it had answered anything: another one would, too. */
+let refused = false;
+
+/** Nothing where the web view gives no worker. `failed` hears that this one never began to work. */
+export function startWorker(failed: () => void): Carrier | undefined {
+  if (refused) return undefined;
+  let answered = false;
   let worker: Worker;
   try {
     worker = new ModelWorker();
@@ -20,11 +25,14 @@ export function startWorker(): Carrier | undefined {
     hear: () => undefined,
   };
   worker.onmessage = (event: MessageEvent<Answer>) => {
+    answered = true;
     carrier.hear(event.data);
   };
   worker.onerror = () => {
     worker.terminate();
+    refused ||= !answered;
     carrier.hear(undefined);
+    if (!answered) failed();
   };
   return carrier;
 }

@@ -172,6 +172,28 @@ test('a reload in the middle of a scan has the workbook read anew, without a wor
   expect((await panel.posted()).filter(({ verb }) => verb === 'log')).toEqual([]);
 });
 
+test.each<[string, () => void]>([
+  ['none can be had', () => Reflect.deleteProperty(window, 'Worker')],
+  [
+    'one ends before it answers',
+    () => {
+      class Refused extends EventTarget {
+        onerror: (() => void) | undefined;
+        postMessage = () => setTimeout(() => this.onerror?.());
+        terminate = () => undefined;
+      }
+      Object.assign(window, { Worker: Refused });
+    },
+  ],
+])('does without a worker where %s', async (_, without) => {
+  panel = await browser.open(park);
+  await panel.page.addInitScript(without);
+  await panel.page.reload();
+  await dependents();
+  await panel.page.getByText('All 3 sheets, as read at').waitFor();
+  expect(await rows()).toContain("B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)");
+});
+
 test('marks what one call takes of an entry with more areas, and says so', async () => {
   const alternating = Array.from({ length: 100 }, (_, i) => [i % 2 ? '=R12C6*2' : '=R12C6']);
   panel = await browser.open({
