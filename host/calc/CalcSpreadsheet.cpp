@@ -331,8 +331,9 @@ auto CalcSpreadsheet::withConditions(const SheetRef& sheet, bool adding, Work wo
 }
 
 std::vector<FormatCondition> CalcSpreadsheet::formatConditions(const RangeRef& range) {
-  const std::vector<FormatCondition> found = withConditions(
-      range.sheet, false, [&](SheetConditions& sheet) { return sheet.touching(range.areas); });
+  const std::vector<FormatCondition> found =
+      withConditions(range.sheet, false,
+                     [&](SheetConditions& sheet) { return sheet.touching(range.areas, limits_); });
   findings_.lookedForMarks(std::any_of(found.begin(), found.end(), [](const FormatCondition& each) {
     return each.formula == markFormula;
   }));

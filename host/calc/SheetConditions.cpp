@@ -32,7 +32,6 @@ SheetConditions::SheetConditions(QuietChanges& changes, const Workbook& workbook
       name_(sheet),
       sheet_(sheetOf(workbook, sheet)),
       page_(drawPageOf(sheet_)),
-      rules_(workbook, sheet_),
       marks_(readMarks(page_)) {}
 
 bool SheetConditions::isFor(const Mark& mark, const std::vector<Area>& range) const {
@@ -40,9 +39,11 @@ bool SheetConditions::isFor(const Mark& mark, const std::vector<Area>& range) co
          (mark.asked && mark.asked->sheet == place() && touch(mark.asked->areas, range));
 }
 
-std::vector<FormatCondition> SheetConditions::touching(const std::vector<Area>& range) {
-  std::vector<FormatCondition> found = rules_.touching(range);
-  int priority = rules_.count();
+std::vector<FormatCondition> SheetConditions::touching(const std::vector<Area>& range,
+                                                       const CallLimits& limits) {
+  if (!rules_) rules_.emplace(workbook_, sheet_, limits);
+  std::vector<FormatCondition> found = rules_->touching(range, limits);
+  int priority = rules_->count();
   for (const PlacedMark& placed : marks_) {
     ++priority;
     const Mark& mark = placed.mark;

@@ -1,5 +1,6 @@
 // SheetConditions: the format conditions of one sheet, as they were when this was made and as it
-// has changed them since: the user's rules, which are read alone, and after them our own marks,
+// has changed them since: the user's rules, which are read alone, and only when somebody asks for
+// conditions, for a sheet may have thousands of them; and after them our own marks,
 // which are drawn over the cells. A cell with several marks is coloured by the first of them. A
 // mark that the user's edits have moved counts as touching the cells that it was asked for as well
 // as those that it is on, and goes when either are taken from it. Call thread.
@@ -24,7 +25,8 @@ class SheetConditions {
   const std::string& sheet() const { return name_; }
   bool isTrue() const { return !changing_; }
 
-  std::vector<FormatCondition> touching(const std::vector<Area>& range);
+  // -1712 when the limits are reached.
+  std::vector<FormatCondition> touching(const std::vector<Area>& range, const CallLimits& limits);
   std::string add(const std::vector<Area>& range, const std::string& formula);
   void setFill(const std::string& id, const std::optional<Color>& fill);
   // Marks keep their place; what is asked is only looked at.
@@ -53,7 +55,7 @@ class SheetConditions {
   const std::string name_;
   const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;
   const css::uno::Reference<css::drawing::XDrawPage> page_;
-  UserRules rules_;
+  std::optional<UserRules> rules_;  // once they are asked for
   std::vector<PlacedMark> marks_;
   bool changing_ = false;
 };

@@ -107,32 +107,38 @@ std::vector<Area> areasOf(const Reference<css::sheet::XConditionalFormat>& forma
 
 }  // namespace
 
-UserRules::UserRules(const Workbook& workbook, const Reference<css::sheet::XSpreadsheet>& sheet)
+UserRules::UserRules(const Workbook& workbook, const Reference<css::sheet::XSpreadsheet>& sheet,
+                     const CallLimits& limits)
     : document_(workbook.document) {
   const Reference<css::sheet::XConditionalFormats> formats(
       Reference<XPropertySet>(sheet, UNO_QUERY_THROW)->getPropertyValue("ConditionalFormats"),
       UNO_QUERY_THROW);
   for (const auto& format : formats->getConditionalFormats()) {
+    limits.check();
     formats_.push_back({format, areasOf(format), count_ + 1, format->getCount(), {}});
     count_ += formats_.back().count;
   }
 }
 
-void UserRules::read(Format& format) const {
+void UserRules::read(Format& format, const CallLimits& limits) const {
+  std::vector<FormatCondition> rules;
   for (sal_Int32 i = 0; i < format.count; ++i) {
+    limits.check();
     FormatCondition rule = conditionOf(document_, {format.format->getByIndex(i), UNO_QUERY_THROW});
     rule.priority = format.first + i;
     rule.id = idPrefix + std::to_string(rule.priority);
     rule.areas = format.areas;
-    format.rules.push_back(std::move(rule));
+    rules.push_back(std::move(rule));
   }
+  format.rules = std::move(rules);
 }
 
-std::vector<FormatCondition> UserRules::touching(const std::vector<Area>& range) {
+std::vector<FormatCondition> UserRules::touching(const std::vector<Area>& range,
+                                                 const CallLimits& limits) {
   std::vector<FormatCondition> rules;
   for (Format& format : formats_) {
     if (!touch(format.areas, range)) continue;
-    if (format.rules.empty()) read(format);
+    if (format.rules.empty()) read(format, limits);
     rules.insert(rules.end(), format.rules.begin(), format.rules.end());
   }
   return rules;

@@ -7,16 +7,19 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 
 namespace quorin::host::calc {
 
 class UserRules {
  public:
-  UserRules(const Workbook& workbook, const css::uno::Reference<css::sheet::XSpreadsheet>& sheet);
+  // SpreadsheetError -1712 when the limits are reached, here and in touching().
+  UserRules(const Workbook& workbook, const css::uno::Reference<css::sheet::XSpreadsheet>& sheet,
+            const CallLimits& limits);
 
   int count() const { return count_; }  // on the whole sheet
   // Those that touch the range, by priority. What was read of one is kept.
-  std::vector<FormatCondition> touching(const std::vector<Area>& range);
+  std::vector<FormatCondition> touching(const std::vector<Area>& range, const CallLimits& limits);
 
  private:
   struct Format {
@@ -25,7 +28,7 @@ class UserRules {
     int first, count;  // priority of the first of its rules, and how many they are
     std::vector<FormatCondition> rules;  // empty before they are read
   };
-  void read(Format& format) const;
+  void read(Format& format, const CallLimits& limits) const;
 
   const css::uno::Reference<css::sheet::XSpreadsheetDocument> document_;
   std::vector<Format> formats_;

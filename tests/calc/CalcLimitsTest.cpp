@@ -17,6 +17,8 @@ class CalcLimitsTest : public CalcReads {
       data.cells.push_back({"B" + std::to_string(row), 1.0, "=$A$1"});
       data.cells.push_back({"C" + std::to_string(row), CellError{"#DIV/0!"}, "=1/0"});
     }
+    for (int row = 1; row <= 9; ++row)
+      data.conditions.push_back({"D" + std::to_string(row), "=$A$1>" + std::to_string(row)});
     fakes::WorkbookDescription book{.name = "Long.xlsx", .sheets = {data}};
     for (int i = 0; i < 1500; ++i) book.names.push_back({"N" + std::to_string(i) + "_", "=1"});
     open(book);
@@ -57,6 +59,7 @@ TEST_F(CalcLimitsTest, EndsEveryKindOfWork) {
       {"dependents", [](CalcSpreadsheet& calc) { calc.dependents(cells("A1:C3000"), {}); }},
       {"names", [](CalcSpreadsheet& calc) { calc.definedNames(sheet.book); }},
       {"visible", [](CalcSpreadsheet& calc) { calc.visibleCells(cells("A1:C9,E1:F9,H1:I9")); }},
+      {"conditions", [](CalcSpreadsheet& calc) { calc.formatConditions(cells("A1:D3000")); }},
       {"hidden", [](CalcSpreadsheet& calc) { calc.hidden(cells("1:2,4:5,7:8"), Lines::rows); }},
       {"evaluate", [](CalcSpreadsheet& calc) { calc.evaluate("SUM(A1:B3000)+N1_", sheet); }},
       {"subtotal", [](CalcSpreadsheet& calc) { calc.evaluate("SUBTOTAL(9,A1:C3000)", sheet); }}};
