@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/AskedNetwork.h"
 #include "host/calc/CalcActive.h"
 #include "host/calc/CalcCells.h"
 #include "host/calc/CalcLines.h"
@@ -53,7 +54,10 @@ template <typename Work>
 auto CalcSpreadsheet::call(Work work) {
   setLines();
   findings_.askedForMore();
-  return office_->run(work);
+  return office_->run([&](CalcSession& office) {
+    const AskedNetwork network(office.connection().context(), limits_.terms().asked);
+    return work(office);
+  });
 }
 
 // What changes something makes all that was read old.

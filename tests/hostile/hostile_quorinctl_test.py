@@ -72,8 +72,7 @@ class Trial:
 
     def is_seen(self):
         """That what the tests look for would be seen: Calc reaches out when it is told to."""
-        self.tool.in_office("write", str(self.ordinary), "Sheet1", 5, 5,
-                            f'=WEBSERVICE("http://{self.listener.address}/seen")')
+        self.tool.value("evaluate", f'WEBSERVICE("http://{self.listener.address}/seen")', "asked")
         self.tool.in_office("write", str(self.ordinary), "Sheet1", 5, 6,
                             f"='{(self.reaches.bait)}/secret.fods'#$Sheet1.A1")
         reached = self.reaches.forbidden(RUNS)

@@ -263,6 +263,11 @@ def objects_elsewhere(path, place):
            f'<draw:plugin xlink:href="{place.url("film.mp4")}"/>')
 
 
+@case("indirect-at-loading.xlsx", guard=LOADING, cells=("A1", "A2"), calc_fetches=("load.xlsx",))
+def indirect_at_loading(path, place):
+    save(path, {"A1": "=INDIRECT(A2)", "A2": f'="[{place.url("load.xlsx")}]Sheet1!A1"&""'})
+
+
 @case("query.xlsx", guard=LOADING, cells=("A1", "A2"), ranges=("A1:B9",))
 def data_connections(path, place):
     sheet = Sheet("Sheet1", {**SECRET, "A1": 1, "A2": "=SUM(A1)"})

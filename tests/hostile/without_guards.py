@@ -43,6 +43,9 @@ UNBOUNDED = (CALC + "ExpressionWriter.cpp", "void ExpressionWriter::bound() cons
 ENDLESS = (CALC + "CallLimits.h", "  void check() const {\n",
            "  void check() const {\n    if (!until_ || until_) return;\n")
 
+NO_PROXY = (CALC + "PrivateOffice.cpp", "\"ooInetProxyType\" oor:op=\"fuse\"><value>2",
+            "\"ooInetProxyType\" oor:op=\"fuse\"><value>0")
+
 GUARDS = (
     Guard("allow list", (ALL_ALLOWED,),
           cases=("webservice", "webservice-in-name", "webservice-in-nested-names",
@@ -71,8 +74,8 @@ GUARDS = (
           tests=(("calc_reads_test", "tests/calc/calc_reads_test", "CalcReach.Copies*"),)),
     Guard("settings of a private office", ((
         CALC + "PrivateOffice.cpp", "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>true",
-        "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>false"),),
-          cases=("pictures-elsewhere",)),
+        "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>false"), NO_PROXY),
+          cases=("pictures-elsewhere", "indirect-at-loading")),
     Guard("address of the page", ((
         "app/shell/PageAddress.cpp",
         "bool isSamePage(std::string_view address, std::string_view page) {\n",

@@ -1,0 +1,52 @@
+#include "host/calc/AskedNetwork.h"
+
+#include <com/sun/star/beans/NamedValue.hpp>
+#include <com/sun/star/configuration/theDefaultProvider.hpp>
+#include <com/sun/star/util/XChangesBatch.hpp>
+
+#include "host/calc/Arguments.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::beans::XPropertySet;
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+constexpr const char* proxyType = "ooInetProxyType";
+constexpr sal_Int32 noProxy = 0;
+
+void commit(const Reference<XPropertySet>& settings) {
+  Reference<css::util::XChangesBatch>(settings, UNO_QUERY_THROW)->commitChanges();
+}
+
+}  // namespace
+
+AskedNetwork::AskedNetwork(const Reference<css::uno::XComponentContext>& context, bool asked) {
+  if (!asked) return;
+  const css::beans::NamedValue path("nodepath",
+                                    Any(rtl::OUString("/org.openoffice.Inet/Settings")));
+  settings_.set(
+      css::configuration::theDefaultProvider::get(context)->createInstanceWithArguments(
+          "com.sun.star.configuration.ConfigurationUpdateAccess", sequenceOf({Any(path)})),
+      UNO_QUERY_THROW);
+  rtl::OUString direct;
+  settings_->getPropertyValue("ooInetNoProxy") >>= direct;
+  if (!direct.equalsAscii(noHost)) return;
+  closed_ = settings_->getPropertyValue(rtl::OUString::createFromAscii(proxyType));
+  settings_->setPropertyValue(rtl::OUString::createFromAscii(proxyType), Any(noProxy));
+  commit(settings_);
+}
+
+AskedNetwork::~AskedNetwork() {
+  if (!closed_.hasValue()) return;
+  try {
+    settings_->setPropertyValue(rtl::OUString::createFromAscii(proxyType), closed_);
+    commit(settings_);
+  } catch (const css::uno::Exception&) {
+    // The office is gone.
+  }
+}
+
+}  // namespace quorin::host::calc
