@@ -61,6 +61,8 @@ export class Evaluator implements Source {
   private hunted = 0;
   private late = 0;
   private halted = false;
+  /** Why nothing more is asked, once `late` or `halted` say so. */
+  private trouble = '';
   private readonly asker: Asker;
   private readonly formats: Formats;
 
@@ -108,7 +110,7 @@ export class Evaluator implements Source {
   want(item: Item): void {
     const result = this.resultOf(item);
     const isUnread = result?.kind === 'array' && !result.values;
-    const { status } = this.stateOf(item);
+    const { status } = this.ownStateOf(item);
     // What the row said is what the user agrees to: that it reaches out.
     if (status === 'offered' && (this.reaching.delete(item) || this.routeOf(item).reaches)) {
       this.asked.add(item);
@@ -137,8 +139,20 @@ export class Evaluator implements Source {
     this.elsewhere = elsewhere;
   }
 
+  /** What is not asked any more does not wait: it is there to be asked for. */
   stateOf(item: Item): ItemState {
+    const state = this.ownStateOf(item);
+    return state.status === 'waiting' && this.hasStopped
+      ? { status: 'offered', reason: this.trouble }
+      : state;
+  }
+
+  private ownStateOf(item: Item): ItemState {
     return this.states[item.id] ?? waiting;
+  }
+
+  private get hasStopped(): boolean {
+    return this.halted || this.late >= patience;
   }
 
   readonly resultOf = (item: Item): Result | undefined => {
@@ -170,7 +184,7 @@ export class Evaluator implements Source {
 
   next(): Job | undefined {
     if (!this.subject || this.elsewhere) return undefined;
-    if (this.halted || this.late >= patience) return undefined;
+    if (this.hasStopped) return undefined;
     return (
       this.firstOf([...this.wanted]) ??
       this.firstOf(this.looked) ??
@@ -195,7 +209,7 @@ export class Evaluator implements Source {
     for (let all = 0; ;) {
       const open = new Set<Item>();
       for (const item of items) {
-        if (this.stateOf(item).status !== 'waiting') continue;
+        if (this.ownStateOf(item).status !== 'waiting') continue;
         for (const one of this.opened(item)) open.add(one);
       }
       const needed = [...open].filter((item) => !this.settle(item));
@@ -214,7 +228,7 @@ export class Evaluator implements Source {
       case 'no':
         return [];
       case 'open': {
-        const status = (decider: Item) => this.stateOf(decider).status;
+        const status = (decider: Item) => this.ownStateOf(decider).status;
         const open = deciders(item, this.resultOf);
         const waits = open.some((decider) => ['waiting', 'asking'].includes(status(decider)));
         // What decides cannot be had, or only when the user wants it: the part is shown all the same.
@@ -295,9 +309,13 @@ export class Evaluator implements Source {
   }
 
   private heed(answer: Answer): void {
-    if ('result' in answer) this.late = 0;
-    else if (answer.later) this.late += 1;
-    if ('halt' in answer && answer.halt) this.halted = true;
+    if ('result' in answer) {
+      this.late = 0;
+      return;
+    }
+    if (answer.later) this.late += 1;
+    if (answer.halt) this.halted = true;
+    this.trouble = answer.reason;
   }
 
   /** Asks for the whole formula once more, to see whether its cell holds what it gives. */
@@ -337,7 +355,7 @@ export class Evaluator implements Source {
   private hunt(): Job | undefined {
     const failure = this.failure;
     if (!failure || this.hunted >= huntLimit) return undefined;
-    const open = failure.open.filter((item) => this.stateOf(item).status === 'waiting');
+    const open = failure.open.filter((item) => this.ownStateOf(item).status === 'waiting');
     const job = this.firstOf(open);
     if (job) this.hunted += 1;
     return job;

@@ -293,6 +293,8 @@ describe('answers that are none', () => {
     await bench.run('=ABS(1)+ABS(2)+ABS(3)+ABS(4)');
     expect(bench.of('ABS(1)')).toBe('offered: The spreadsheet took too long.');
     expect(bench.workbook.asked).toHaveLength(2);
+    // Nothing waits for what nobody asks.
+    expect(bench.of('ABS(4)')).toBe('offered: The spreadsheet took too long.');
     bench.workbook.otherwise = () => 1;
     bench.evaluator.want(bench.item('ABS(1)'));
     await bench.finish();
@@ -309,6 +311,7 @@ describe('answers that are none', () => {
     bench.workbook.otherwise = () => ({ kind: 'transport', message: 'gone', code: -600 });
     await bench.run('=ABS(1)+ABS(2)+ABS(3)');
     expect(bench.workbook.asked).toHaveLength(1);
+    expect(bench.of('ABS(3)')).toBe('offered: gone');
   });
 
   test('a range that is refused takes no other with it', async () => {
