@@ -112,8 +112,10 @@ endfunction()
 # first, and the long checks beside them.
 function(quorin_test name)
   cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
-  if(NOT ARG_TIMEOUT)
+  if(NOT ARG_TIMEOUT AND (ARG_LABEL STREQUAL "unit" OR ARG_SEPARATE))
     set(ARG_TIMEOUT 120)
+  elseif(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 600)  # up to a hundred tests, and a peer that a busy machine makes slow
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock quorin_options)

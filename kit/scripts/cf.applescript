@@ -222,6 +222,7 @@ on qx_cf_sweep(bookName)
 			repeat with k from 1 to count of sheetNames
 				my qx_cf_remove(entire row of range "A:A" of worksheet (item k of sheetNames) of workbook bookName)
 			end repeat
+			return true
 		end timeout
 	end tell
 end qx_cf_sweep
@@ -239,6 +240,7 @@ on qx_cf_strays(bookName)
 					my qx_cf_sweep(item k of bookNames)
 				end repeat
 			end try
+			return true
 		end timeout
 	end tell
 end qx_cf_strays
