@@ -55,17 +55,18 @@ void takeMark(QuietChanges& changes, const Workbook& workbook, const MarkedSheet
 
 void takeMarks(QuietChanges& changes, const Workbook& workbook,
                std::vector<TakenMark>& taken) noexcept {
-  try {
-    bool found = true;
-    for (int tries = 0; found && tries < mostTries; ++tries) {
+  bool found = true;
+  for (int tries = 0; found && tries < mostTries; ++tries) {
+    try {
       found = false;
       for (const MarkedSheet& sheet : findMarks(workbook)) {
         found = true;
         for (const PlacedMark& mark : sheet.marks) takeMark(changes, workbook, sheet, mark, taken);
       }
+    } catch (const css::uno::Exception&) {
+      // What another holds no longer is being unmade, or the workbook or the office is gone.
+      found = true;
     }
-  } catch (const css::uno::Exception&) {
-    // The workbook or the office is gone.
   }
 }
 
