@@ -24,14 +24,18 @@ std::vector<Area> piecesOf(const Area& area, int most) {
   return pieces;
 }
 
-void TextRoom::take(const Grid<CellValue>& values) {
+std::size_t TextRoom::take(const Grid<CellValue>& values) {
+  std::size_t bytes = 0;
   for (const CellValue& value : values.cells) {
-    if (const auto* text = std::get_if<std::string>(&value)) take(text->size());
+    if (const auto* text = std::get_if<std::string>(&value)) bytes += take(text->size());
   }
+  return bytes;
 }
 
-void TextRoom::take(const Grid<std::string>& texts) {
-  for (const std::string& text : texts.cells) take(text.size());
+std::size_t TextRoom::take(const Grid<std::string>& texts) {
+  std::size_t bytes = 0;
+  for (const std::string& text : texts.cells) bytes += take(text.size());
+  return bytes;
 }
 
 void forEachCell(const css::uno::Reference<css::sheet::XSheetCellRanges>& found, const Area& area,

@@ -4,6 +4,7 @@
 
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <functional>
+#include <vector>
 
 #include "host/Address.h"
 #include "host/Spreadsheet.h"
@@ -15,25 +16,51 @@ namespace quorin::host::calc {
 inline constexpr long long mostCells = 4'000'000;
 void refuseTooMany(const Area& area);
 
-// At most as many are read at once, so that the work can end between pieces and no more is held
-// than one may hold, 130 MB of text.
+// So many are read at once, so that the work can end between pieces.
 inline constexpr int cellsOfPiece = 2'000;
 
 // The area in pieces of at most so many cells. They follow each other as the cells do, or lie side
 // by side in one row.
 std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
 
+// Calls `work` with one piece of the area after the other, as they follow each other above. It
+// gives the bytes of text that the piece brought: where cells hold long texts, of which 2,000 may
+// be 130 MB, few are read at once. SpreadsheetError -1712 between two of them when the limits are
+// reached.
+template <typename Work>
+void inPieces(const Area& area, const CallLimits& limits, Work work) {
+  constexpr int few = 200;
+  constexpr long long longText = 1'000;  // bytes for each cell
+  int most = few;
+  for (int row = area.firstRow; row <= area.lastRow;) {
+    const int columns = std::min(columnCount(area), most);
+    const int rows = columns < columnCount(area) ? 1 : most / columns;
+    const int last = std::min(row + rows - 1, area.lastRow);
+    long long bytes = 0;
+    for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
+      limits.check();
+      bytes += static_cast<long long>(
+          work(Area{row, column, last, std::min(column + columns - 1, area.lastColumn)}));
+    }
+    const long long cells = static_cast<long long>(last - row + 1) * columnCount(area);
+    most = bytes > longText * cells ? few : cellsOfPiece;
+    row = last + 1;
+  }
+}
+
 // How many bytes of text one reading may bring: SpreadsheetError -50 for more. A file of a few
 // kilobytes can hold gigabytes of it.
 class TextRoom {
  public:
-  void take(std::size_t bytes) {
-    constexpr std::size_t most = 32'000'000;
+  // Each gives how many bytes these are.
+  std::size_t take(std::size_t bytes) {
+    constexpr std::size_t most = 12'000'000;
     taken_ += bytes;
     if (taken_ > most) throw SpreadsheetError(-50, "The cells hold too much text");
+    return bytes;
   }
-  void take(const Grid<CellValue>& values);
-  void take(const Grid<std::string>& texts);
+  std::size_t take(const Grid<CellValue>& values);
+  std::size_t take(const Grid<std::string>& texts);
 
  private:
   std::size_t taken_ = 0;
@@ -72,12 +99,12 @@ template <typename T, typename Read>
 Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read) {
   Grid<T> grid = gridFor<T>(area);
   TextRoom room;
-  for (const Area& piece : piecesOf(area)) {
-    limits.check();
+  inPieces(area, limits, [&](const Area& piece) {
     Grid<T> part = read(piece);
-    room.take(part);
+    const std::size_t bytes = room.take(part);
     place(std::move(part), piece, grid, area);
-  }
+    return bytes;
+  });
   return grid;
 }
 

@@ -198,18 +198,21 @@ Grid<CellValue> readPiece(Workbook& workbook, const std::string& sheet, const Ar
   return valuesFrom(cellData(source), workbook, sheet, area, cells, limits);
 }
 
-// The formulas of a piece of the area, in their places among the values.
-void readPiece(const Workbook& workbook, const std::string& sheet, const Area& area,
-               const Area& piece, FormulaTranslator& translator, TextRoom& room,
-               Grid<CellValue>& grid, const CallLimits& limits) {
+// The formulas of a piece of the area, in their places among the values. Gives the bytes of text
+// that the office told for them.
+std::size_t readPiece(const Workbook& workbook, const std::string& sheet, const Area& area,
+                      const Area& piece, FormulaTranslator& translator, TextRoom& room,
+                      Grid<CellValue>& grid, const CallLimits& limits) {
   const Reference<css::sheet::XCellRangeFormula> source(cellsOf(workbook, sheet, piece),
                                                         UNO_QUERY_THROW);
   const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
   std::string formula;
+  std::size_t told = 0;
   for (int row = piece.firstRow; row <= piece.lastRow; ++row) {
     const Sequence<rtl::OUString>& texts = rows[row - piece.firstRow];
     for (int column = piece.firstColumn; column <= piece.lastColumn; ++column) {
       const rtl::OUString& text = texts[column - piece.firstColumn];
+      told += static_cast<std::size_t>(text.getLength()) * sizeof(sal_Unicode);
       if (!mayBeFormula(text)) continue;
       limits.check();
       CellValue& cell = cellAt(grid, row - area.firstRow, column - area.firstColumn);
@@ -220,6 +223,7 @@ void readPiece(const Workbook& workbook, const std::string& sheet, const Area& a
       cell = std::move(written);
     }
   }
+  return told;
 }
 
 }  // namespace
@@ -235,10 +239,9 @@ Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, Re
   const Area& area = firstArea(range);
   FormulaTranslator translator(style, sheetTest(workbook));
   TextRoom room;
-  for (const Area& piece : piecesOf(area)) {
-    limits.check();
-    readPiece(workbook, range.sheet.sheet, area, piece, translator, room, values, limits);
-  }
+  inPieces(area, limits, [&](const Area& piece) {
+    return readPiece(workbook, range.sheet.sheet, area, piece, translator, room, values, limits);
+  });
   return values;
 }
 
