@@ -280,13 +280,15 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
     parser.add_argument("quorin", type=pathlib.Path)
     parser.add_argument("reaches", type=pathlib.Path)
+    parser.add_argument("--group", action="append", choices=("reaching", "endless", "odd"))
     parser.add_argument("--only", action="append")
     parser.add_argument("--without", action="append", default=[])
     options = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     options.quorin, options.reaches = options.quorin.resolve(), options.reaches.resolve()
     cases = [case for case in CASES if case.name not in options.without
-             and (not options.only or case.name in options.only)]
+             and (not options.only or case.name in options.only)
+             and (not options.group or case.write.__module__.partition("_")[0] in options.group)]
     cases.sort(key=lambda case: case.write.__module__ == "endless_cases")  # those that may hang last
     trial, failed, refused = Trial(options), [], []
     try:
