@@ -2,6 +2,7 @@
 // Call thread.
 #pragma once
 
+#include <algorithm>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <functional>
 #include <vector>
