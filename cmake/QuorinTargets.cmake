@@ -117,6 +117,9 @@ function(quorin_test name)
   elseif(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 600)  # up to a hundred tests, and a peer that a busy machine makes slow
   endif()
+  if(QUORIN_SANITIZE)
+    math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 5")  # what a sanitizer makes of the longest of them
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock quorin_options)
   quorin_link_test_main(${name})
