@@ -37,7 +37,8 @@ export class Explorer {
   view: ViewName = 'tree';
   pinned = false;
   /** What went wrong with the user's last wish; empty when nothing did. */
-  notice = '';
+  /** What came of the last command, where that is worth a word. */
+  private said = '';
   private latest: CellContent | undefined;
   private left = false;
   private readonly typing: TypeAhead;
@@ -83,9 +84,12 @@ export class Explorer {
     const isBeside =
       this.pinned && before !== undefined && !otherBook && !samePlace(before, content);
     if (!isBeside) this.lists.forget();
-    if (this.pinned) this.lists.load(this.view, this.listed, this.beside);
-    else this.begin(content);
-    this.heedFront();
+    if (!this.pinned) this.begin(content);
+    else {
+      this.evaluator.leave(this.elsewhere);
+      this.load();
+    }
+    this.moved();
   }
 
   /** What was read of a cell tells whether the model of the workbook is still true. */
@@ -98,12 +102,16 @@ export class Explorer {
     this.evaluator.moved();
   }
 
-  private heedFront(): void {
+  /** True while another workbook than that of the formula in view is in front, which alone answers. */
+  private get elsewhere(): boolean {
     const { here, latest } = this;
-    const elsewhere = here !== undefined && latest !== undefined && here.place.book !== latest.book;
-    this.evaluator.leave(elsewhere);
-    if (elsewhere) this.notice = `Values can be asked for while “${here.place.book}” is in front.`;
-    this.moved();
+    return here !== undefined && latest !== undefined && here.place.book !== latest.book;
+  }
+
+  get notice(): string {
+    const { here, elsewhere } = this;
+    const front = `Values can be asked for while “${here?.place.book ?? ''}” is in front.`;
+    return this.said || (elsewhere ? front : '');
   }
 
   handle(event: NativeEvent): void {
@@ -120,8 +128,14 @@ export class Explorer {
 
   show(view: ViewName): void {
     this.view = view;
-    this.lists.load(this.view, this.listed, this.beside);
+    this.load();
     this.ports.changed();
+  }
+
+  /** The list that is the view is loaded. Who uses cells of a workbook is asked while it is in front. */
+  private load(): void {
+    if (this.view === 'deps' && this.elsewhere) return;
+    this.lists.load(this.view, this.listed, this.beside);
   }
 
   /** The cells whose dependents are listed: those selected around the cell, or the cell alone. */
@@ -168,7 +182,7 @@ export class Explorer {
 
   command(command: Command): void {
     if (command.do !== 'leave') this.left = false;
-    this.notice = '';
+    this.said = '';
     switch (command.do) {
       case 'view':
         this.show(command.view);
@@ -243,12 +257,12 @@ export class Explorer {
   /** Opens the cell that the item leads to. */
   async drill(item: Item): Promise<void> {
     const { here } = this;
-    if (!here) return;
+    if (!here || this.elsewhere) return;
     const lead = await leadOf(item, homeOf(here), this.ports.questions);
     if (here !== this.here) return;
     if (lead) await this.visit(lead.sheet, lead.address);
     else {
-      this.notice = 'No cell stands behind this part.';
+      this.said = 'No cell stands behind this part.';
       this.ports.changed();
     }
   }
@@ -256,30 +270,29 @@ export class Explorer {
   /** Opens a cell without moving the spreadsheet's selection. */
   async visit(sheet: string, address: string): Promise<void> {
     const { here } = this;
+    if (this.elsewhere) return;
     const book = here?.place.book ?? this.latest?.book ?? '';
     const outcome = await this.ports.questions.readFormulas(qualified(sheet, address), 'a1');
-    if (here !== this.here) return;
+    if (here !== this.here || this.elsewhere) return;
     const stop = outcome.ok ? stopAt({ book, sheet, addr: address }, outcome.value) : undefined;
     if (stop) {
       this.trail.push(stop);
       this.view = 'tree';
       this.enter();
-      this.ports.follower.follow(() => ({
-        label: `${sheet}!${address}`,
-        addresses: [qualified(sheet, address)],
-      }));
+      const destination = { label: `${sheet}!${address}`, addresses: [qualified(sheet, address)] };
+      this.ports.follower.follow(() => (this.elsewhere ? undefined : destination));
       return;
     }
-    this.notice = outcome.ok ? 'This cell cannot be read.' : outcome.failure.message;
+    this.said = outcome.ok ? 'This cell cannot be read.' : outcome.failure.message;
     this.ports.changed();
   }
 
   /** Selects the active row's cells in the spreadsheet itself. */
   async select(): Promise<void> {
     const destination = this.destination();
-    if (!destination) return;
+    if (!destination || this.elsewhere) return;
     const outcome = await this.ports.questions.select(destination.addresses);
-    this.notice = outcome.ok ? `Selected ${destination.label}.` : outcome.failure.message;
+    this.said = outcome.ok ? `Selected ${destination.label}.` : outcome.failure.message;
     this.ports.changed();
   }
 
@@ -298,8 +311,9 @@ export class Explorer {
     this.evaluator.show(
       here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
     );
+    this.evaluator.leave(this.elsewhere);
     this.lists.dependents.forget();
-    this.lists.load(this.view, this.listed, this.beside);
+    this.load();
     this.ports.changed();
   }
 
@@ -348,7 +362,8 @@ export class Explorer {
   /** The address of a name's cells, for marking and showing them. */
   async locate(name: string): Promise<string | undefined> {
     const { here } = this;
-    return here && locate(name, homeOf(here), this.ports.questions, this.cache);
+    if (!here || this.elsewhere) return undefined;
+    return locate(name, homeOf(here), this.ports.questions, this.cache);
   }
 
   destination() {
@@ -358,12 +373,14 @@ export class Explorer {
   }
 
   private follow(): void {
-    this.ports.follower.follow(() => this.destination());
+    if (this.elsewhere) return;
+    this.ports.follower.follow(() => (this.elsewhere ? undefined : this.destination()));
   }
 
   private reveal(): void {
     const destination = this.destination();
-    if (!destination) this.notice = 'This part names no cells.';
+    if (this.elsewhere) return;
+    if (!destination) this.said = 'This part names no cells.';
     else if (this.ports.follower.current.able) this.ports.follower.go(destination);
     else void this.select();
   }

@@ -106,6 +106,48 @@ describe('another workbook in front', () => {
     expect(explorer.notice).toContain('Model.xlsx');
     select('F12', '=B4+C4');
     expect(explorer.evaluator.next()).toBeDefined();
+    expect(explorer.notice).toBe('');
+  });
+
+  test('is asked for its own values once the user follows again', () => {
+    select('F12', '=B4+C4');
+    explorer.command({ do: 'pin' });
+    explorer.selection({ ...other, content: { ...content, formula: '=B4', value: 2 } });
+    explorer.pin(false);
+    const item = explorer.here?.tree?.active;
+    if (item) explorer.see([item]);
+    expect(explorer.here?.place).toMatchObject({ book: 'Other.xlsx', addr: 'A1' });
+    expect(explorer.evaluator.next()).toBeDefined();
+    expect(explorer.notice).toBe('');
+  });
+
+  test('is not taken for that of the tree: nothing is marked, selected, opened or listed', async () => {
+    select('F12', '=B4+C4');
+    await press('f');
+    explorer.selection(other);
+    followed = [];
+    await press('ArrowDown', 'Enter', ' ');
+    await explorer.select();
+    explorer.show('deps');
+    await settled();
+    explorer.show('tree');
+    expect(followed).toEqual([]);
+    expect(desk.asked).toEqual([]);
+    expect(explorer.here?.place.addr).toBe('F12');
+    expect(explorer.notice).toContain('while “Model.xlsx” is in front');
+    // Back again, the same keys do what they say.
+    select('F12', '=B4+C4');
+    await press('ArrowDown', 'Enter');
+    expect(desk.asked).toContain("readFormulas 'Summary'!C4");
+  });
+
+  test('takes what was on its way to the one that was', async () => {
+    select('F12', '=B4+C4');
+    await press('f', 'ArrowDown');
+    explorer.command({ do: 'drill' });
+    explorer.selection(other);
+    await settled();
+    expect(explorer.here?.place.addr).toBe('F12');
   });
 });
 
