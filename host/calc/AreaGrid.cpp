@@ -11,15 +11,22 @@ void refuseTooMany(const Area& area) {
   if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
 }
 
-std::vector<Area> piecesOf(const Area& area, int most) {
+std::vector<Area> piecesFrom(int row, const Area& area, int most) {
   std::vector<Area> pieces;
   const int columns = std::min(columnCount(area), most);
   const int rows = columns < columnCount(area) ? 1 : most / columns;
-  for (int row = area.firstRow; row <= area.lastRow; row += rows) {
-    for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
-      pieces.push_back({row, column, std::min(row + rows - 1, area.lastRow),
-                        std::min(column + columns - 1, area.lastColumn)});
-    }
+  const int lastRow = std::min(row + rows - 1, area.lastRow);
+  for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
+    pieces.push_back({row, column, lastRow, std::min(column + columns - 1, area.lastColumn)});
+  }
+  return pieces;
+}
+
+std::vector<Area> piecesOf(const Area& area, int most) {
+  std::vector<Area> pieces;
+  for (int row = area.firstRow; row <= area.lastRow; row = pieces.back().lastRow + 1) {
+    const std::vector<Area> beside = piecesFrom(row, area, most);
+    pieces.insert(pieces.end(), beside.begin(), beside.end());
   }
   return pieces;
 }

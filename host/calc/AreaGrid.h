@@ -2,7 +2,6 @@
 // Call thread.
 #pragma once
 
-#include <algorithm>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <functional>
 #include <vector>
@@ -24,6 +23,9 @@ inline constexpr int cellsOfPiece = 2'000;
 // by side in one row.
 std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
 
+// Those of them that begin in the row: one, or several side by side.
+std::vector<Area> piecesFrom(int row, const Area& area, int most);
+
 // Calls `work` with one piece of the area after the other, as they follow each other above. It
 // gives the bytes of text that the piece brought: where cells hold long texts, of which 2,000 may
 // be 130 MB, few are read at once. SpreadsheetError -1712 between two of them when the limits are
@@ -34,18 +36,14 @@ void inPieces(const Area& area, const CallLimits& limits, Work work) {
   constexpr long long longText = 1'000;  // bytes for each cell
   int most = few;
   for (int row = area.firstRow; row <= area.lastRow;) {
-    const int columns = std::min(columnCount(area), most);
-    const int rows = columns < columnCount(area) ? 1 : most / columns;
-    const int last = std::min(row + rows - 1, area.lastRow);
+    const std::vector<Area> pieces = piecesFrom(row, area, most);
     long long bytes = 0;
-    for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
+    for (const Area& piece : pieces) {
       limits.check();
-      bytes += static_cast<long long>(
-          work(Area{row, column, last, std::min(column + columns - 1, area.lastColumn)}));
+      bytes += static_cast<long long>(work(piece));
     }
-    const long long cells = static_cast<long long>(last - row + 1) * columnCount(area);
-    most = bytes > longText * cells ? few : cellsOfPiece;
-    row = last + 1;
+    most = bytes > longText * cellCount(pieces) ? few : cellsOfPiece;
+    row = pieces.back().lastRow + 1;
   }
 }
 

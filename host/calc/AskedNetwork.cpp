@@ -1,10 +1,8 @@
 #include "host/calc/AskedNetwork.h"
 
-#include <com/sun/star/beans/NamedValue.hpp>
-#include <com/sun/star/configuration/theDefaultProvider.hpp>
 #include <com/sun/star/util/XChangesBatch.hpp>
 
-#include "host/calc/Arguments.h"
+#include "host/calc/OfficeConfiguration.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -25,11 +23,8 @@ void commit(const Reference<XPropertySet>& settings) {
 
 AskedNetwork::AskedNetwork(const Reference<css::uno::XComponentContext>& context, bool asked) {
   if (!asked) return;
-  const css::beans::NamedValue path("nodepath",
-                                    Any(rtl::OUString("/org.openoffice.Inet/Settings")));
   settings_.set(
-      css::configuration::theDefaultProvider::get(context)->createInstanceWithArguments(
-          "com.sun.star.configuration.ConfigurationUpdateAccess", sequenceOf({Any(path)})),
+      configurationAt(context, "/org.openoffice.Inet/Settings", ConfigurationUse::changing),
       UNO_QUERY_THROW);
   rtl::OUString direct;
   settings_->getPropertyValue("ooInetNoProxy") >>= direct;

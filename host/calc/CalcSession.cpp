@@ -1,8 +1,6 @@
 #include "host/calc/CalcSession.h"
 
 #include <algorithm>
-#include <com/sun/star/beans/NamedValue.hpp>
-#include <com/sun/star/configuration/theDefaultProvider.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
@@ -16,6 +14,7 @@
 #include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcView.h"
+#include "host/calc/OfficeConfiguration.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
 
@@ -380,13 +379,8 @@ bool CalcSession::answers() {
 
 const std::string& CalcSession::version() {
   if (version_.empty()) {
-    const auto configuration = css::configuration::theDefaultProvider::get(connection_.context());
-    const css::beans::NamedValue path("nodepath",
-                                      Any(rtl::OUString("/org.openoffice.Setup/Product")));
     const Reference<css::container::XNameAccess> product(
-        configuration->createInstanceWithArguments("com.sun.star.configuration.ConfigurationAccess",
-                                                   sequenceOf({Any(path)})),
-        UNO_QUERY_THROW);
+        configurationAt(connection_.context(), "/org.openoffice.Setup/Product"), UNO_QUERY_THROW);
     rtl::OUString text;
     product->getByName("ooSetupVersionAboutBox") >>= text;
     version_ = toText(text);

@@ -31,10 +31,7 @@ Reference<XPropertySet> columnOf(const Reference<css::table::XCellRange>& cell) 
 
 // The style that says in which font a column's width counts.
 Reference<XPropertySet> defaultStyle(const Workbook& workbook) {
-  const Reference<css::style::XStyleFamiliesSupplier> supplier(workbook.document, UNO_QUERY_THROW);
-  const Reference<css::container::XNameAccess> styles(
-      answered(supplier->getStyleFamilies())->getByName("CellStyles"), UNO_QUERY_THROW);
-  return {styles->getByName("Default"), UNO_QUERY_THROW};
+  return {cellStylesOf(workbook.document)->getByName("Default"), UNO_QUERY_THROW};
 }
 
 void adopt(const Reference<XPropertySet>& ours, const Reference<XPropertySet>& theirs,
@@ -63,6 +60,12 @@ Any sameFormat(const Workbook& ours, const Workbook& theirs, const Any& number) 
 }
 
 }  // namespace
+
+Reference<css::container::XNameAccess> cellStylesOf(
+    const Reference<css::sheet::XSpreadsheetDocument>& document) {
+  const Reference<css::style::XStyleFamiliesSupplier> supplier(document, UNO_QUERY_THROW);
+  return {answered(supplier->getStyleFamilies())->getByName("CellStyles"), UNO_QUERY_THROW};
+}
 
 std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const std::string& sheet,
                                    Workbook& theirs, const RangeRef& cell,

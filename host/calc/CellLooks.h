@@ -12,6 +12,10 @@
 
 namespace quorin::host::calc {
 
+// The workbook's styles of cells, by their names.
+css::uno::Reference<css::container::XNameAccess> cellStylesOf(
+    const css::uno::Reference<css::sheet::XSpreadsheetDocument>& document);
+
 // `sheet` is one of ours, with the cells for formulas and nothing else. Nothing where the look
 // cannot be had here.
 std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const std::string& sheet,

@@ -474,22 +474,14 @@ bool ExpressionWriter::isParameter(const std::string& word) const {
   });
 }
 
-// The office would open a file that a text names, as '...'#$Sheet.A1 or, with line breaks in it as
-// well, [...]Sheet!A1: of these nothing is left that is a reference. In the first the quotation
-// mark becomes a blank, in a text with a "!" every bracket. Neither pattern looks at a character
-// twice.
+// Lets the text of INDIRECT name nothing outside.
 void ExpressionWriter::keepInside(const Frame& frame) {
   const std::size_t end = frame.ends.front().output;
   const std::string text = out_.substr(frame.content, end - frame.content);
-  const bool isHere = text.starts_with('"') && text.find('"', 1) == text.size() - 1;
-  if (isHere && text.find_first_of("#[") == std::string::npos) return;
-  if (trimmed(text).empty()) return;
+  const auto kept = keptInside(text);
+  if (!kept) return;
   reach_.byText = true;
-  constexpr const char* quote = "\"'\\s*#\"";
-  constexpr const char* bracket = R"("(?:\A(?=[^!]*+!)|(?!\A)\G)([^\[]*+)\[")";
-  out_.replace(frame.content, text.size(),
-               std::string("REGEX(REGEX(") + text + ";" + quote + ";\" \";\"g\");" + bracket +
-                   ";\"$1 \";\"g\")");
+  out_.replace(frame.content, text.size(), *kept);
 }
 
 // Writes what a name or a table stands for, in brackets where it is more than one operand.

@@ -26,6 +26,10 @@ struct FunctionCall {
 std::optional<std::string> writtenAnew(const FunctionCall& call, const ExpressionContext& context,
                                        Reach& reach);
 
+// What stands for an argument of INDIRECT, in Calc's grammar, so that it names no file and no
+// server, whatever text it comes to; nothing for one that names none as it stands.
+std::optional<std::string> keptInside(const std::string& argument);
+
 // Whether the function gives a truth value or an error, and nothing else.
 bool givesTruth(std::string_view function);
 

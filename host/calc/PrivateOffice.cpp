@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/AskedNetwork.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/OfficeKeeperScript.h"
 
@@ -19,30 +20,43 @@ extern char** environ;
 namespace quorin::host::calc {
 namespace {
 
+struct Setting {
+  const char* place;  // in the office's registry, behind "/org.openoffice."
+  const char* name;
+  const char* value;
+};
+
 // No locks beside documents, no recovery, no greeting, no asking about anything; pictures that a
-// document has elsewhere are not fetched, and no server is reached: the proxy is not there (see
-// AskedNetwork).
-constexpr const char* settings = R"(<?xml version="1.0" encoding="UTF-8"?>
+// document has elsewhere are not fetched, and no server is reached: the proxy is not there.
+constexpr std::array settings{
+    Setting{"Inet/Settings", "ooInetFTPProxyName", "127.0.0.1"},
+    Setting{"Inet/Settings", "ooInetFTPProxyPort", "9"},
+    Setting{"Inet/Settings", "ooInetHTTPProxyName", "127.0.0.1"},
+    Setting{"Inet/Settings", "ooInetHTTPProxyPort", "9"},
+    Setting{"Inet/Settings", "ooInetHTTPSProxyName", "127.0.0.1"},
+    Setting{"Inet/Settings", "ooInetHTTPSProxyPort", "9"},
+    Setting{"Inet/Settings", "ooInetNoProxy", AskedNetwork::noHost},
+    Setting{"Inet/Settings", "ooInetProxyType", "2"},
+    Setting{"Office.Common/Misc", "UseLocking", "false"},
+    Setting{"Office.Common/Misc", "UseDocumentOOoLockFile", "false"},
+    Setting{"Office.Common/Misc", "UseDocumentSystemFileLocking", "false"},
+    Setting{"Office.Common/Misc", "FirstRun", "false"},
+    Setting{"Office.Common/Misc", "ShowTipOfTheDay", "false"},
+    Setting{"Office.Common/Security/Scripting", "BlockUntrustedRefererLinks", "true"},
+    Setting{"Office.Recovery/AutoSave", "Enabled", "false"},
+    Setting{"Office.Recovery/RecoveryInfo", "Enabled", "false"},
+    Setting{"Setup/Office", "ooSetupInstCompleted", "true"}};
+
+std::string registry() {
+  std::string xml = R"(<?xml version="1.0" encoding="UTF-8"?>
 <oor:items xmlns:oor="http://openoffice.org/2001/registry" xmlns:xs="http://www.w3.org/2001/XMLSchema" xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance">
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetFTPProxyName" oor:op="fuse"><value>127.0.0.1</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetFTPProxyPort" oor:op="fuse"><value>9</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetHTTPProxyName" oor:op="fuse"><value>127.0.0.1</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetHTTPProxyPort" oor:op="fuse"><value>9</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetHTTPSProxyName" oor:op="fuse"><value>127.0.0.1</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetHTTPSProxyPort" oor:op="fuse"><value>9</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetNoProxy" oor:op="fuse"><value>quorin.invalid</value></prop></item>
-<item oor:path="/org.openoffice.Inet/Settings"><prop oor:name="ooInetProxyType" oor:op="fuse"><value>2</value></prop></item>
-<item oor:path="/org.openoffice.Office.Common/Misc"><prop oor:name="UseLocking" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Office.Common/Misc"><prop oor:name="UseDocumentOOoLockFile" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Office.Common/Misc"><prop oor:name="UseDocumentSystemFileLocking" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Office.Common/Misc"><prop oor:name="FirstRun" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Office.Common/Misc"><prop oor:name="ShowTipOfTheDay" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Office.Common/Security/Scripting"><prop oor:name="BlockUntrustedRefererLinks" oor:op="fuse"><value>true</value></prop></item>
-<item oor:path="/org.openoffice.Office.Recovery/AutoSave"><prop oor:name="Enabled" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Office.Recovery/RecoveryInfo"><prop oor:name="Enabled" oor:op="fuse"><value>false</value></prop></item>
-<item oor:path="/org.openoffice.Setup/Office"><prop oor:name="ooSetupInstCompleted" oor:op="fuse"><value>true</value></prop></item>
-</oor:items>
 )";
+  for (const auto& [place, name, value] : settings) {
+    xml += std::string(R"(<item oor:path="/org.openoffice.)") + place + R"("><prop oor:name=")" +
+           name + R"(" oor:op="fuse"><value>)" + value + "</value></prop></item>\n";
+  }
+  return xml + "</oor:items>\n";
+}
 
 // The installed build's own name, which a user folder carries once the office has set it up. A
 // folder that carries it already spares the office a second start.
@@ -120,7 +134,7 @@ void PrivateOffice::prepareFolder() {
   pipe_ = folder_.filename().string();
   std::filesystem::create_directories(folder_ / "tmp");
   std::filesystem::create_directories(folder_ / "profile/user/extensions");
-  std::ofstream(folder_ / "profile/user/registrymodifications.xcu") << settings;
+  std::ofstream(folder_ / "profile/user/registrymodifications.xcu") << registry();
   std::ofstream(folder_ / "profile/user/extensions/buildid") << buildId();
 }
 

@@ -8,11 +8,10 @@
 #include <com/sun/star/sheet/XConditionalFormat.hpp>
 #include <com/sun/star/sheet/XConditionalFormats.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
-#include <com/sun/star/style/XStyleFamiliesSupplier.hpp>
 
 #include "host/Address.h"
-#include "host/calc/Answered.h"
 #include "host/calc/CalcRanges.h"
+#include "host/calc/CellLooks.h"
 #include "host/calc/MarkText.h"
 #include "host/calc/Text.h"
 
@@ -58,11 +57,7 @@ std::string formulaOf(const Reference<XPropertySet>& entry) {
 
 std::optional<Color> fillOf(const Reference<css::sheet::XSpreadsheetDocument>& document,
                             const Reference<XPropertySet>& entry) {
-  const Reference<css::container::XNameAccess> styles(
-      answered(Reference<css::style::XStyleFamiliesSupplier>(document, UNO_QUERY_THROW)
-                   ->getStyleFamilies())
-          ->getByName("CellStyles"),
-      UNO_QUERY_THROW);
+  const Reference<css::container::XNameAccess> styles = cellStylesOf(document);
   const auto name = propertyOf(entry, "StyleName", rtl::OUString());
   if (!styles->hasByName(name)) return std::nullopt;
   const Reference<XPropertySet> style(styles->getByName(name), UNO_QUERY_THROW);
@@ -120,7 +115,8 @@ UserRules::UserRules(const Workbook& workbook, const Reference<css::sheet::XSpre
   }
 }
 
-void UserRules::read(Format& format, const CallLimits& limits) const {
+std::vector<FormatCondition> UserRules::rulesOf(const Format& format,
+                                                const CallLimits& limits) const {
   std::vector<FormatCondition> rules;
   for (sal_Int32 i = 0; i < format.count; ++i) {
     limits.check();
@@ -130,7 +126,7 @@ void UserRules::read(Format& format, const CallLimits& limits) const {
     rule.areas = format.areas;
     rules.push_back(std::move(rule));
   }
-  format.rules = std::move(rules);
+  return rules;
 }
 
 std::vector<FormatCondition> UserRules::touching(const std::vector<Area>& range,
@@ -138,7 +134,7 @@ std::vector<FormatCondition> UserRules::touching(const std::vector<Area>& range,
   std::vector<FormatCondition> rules;
   for (Format& format : formats_) {
     if (!touch(format.areas, range)) continue;
-    if (format.rules.empty()) read(format, limits);
+    if (format.rules.empty()) format.rules = rulesOf(format, limits);
     rules.insert(rules.end(), format.rules.begin(), format.rules.end());
   }
   return rules;

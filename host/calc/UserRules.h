@@ -28,7 +28,7 @@ class UserRules {
     int first, count;  // priority of the first of its rules, and how many they are
     std::vector<FormatCondition> rules;  // empty before they are read
   };
-  void read(Format& format, const CallLimits& limits) const;
+  std::vector<FormatCondition> rulesOf(const Format& format, const CallLimits& limits) const;
 
   const css::uno::Reference<css::sheet::XSpreadsheetDocument> document_;
   std::vector<Format> formats_;

@@ -43,8 +43,7 @@ UNBOUNDED = (CALC + "ExpressionWriter.cpp", "void ExpressionWriter::bound() cons
 ENDLESS = (CALC + "CallLimits.h", "  void check() const {\n",
            "  void check() const {\n    if (!until_ || until_) return;\n")
 
-NO_PROXY = (CALC + "PrivateOffice.cpp", "\"ooInetProxyType\" oor:op=\"fuse\"><value>2",
-            "\"ooInetProxyType\" oor:op=\"fuse\"><value>0")
+NO_PROXY = (CALC + "PrivateOffice.cpp", '"ooInetProxyType", "2"', '"ooInetProxyType", "0"')
 
 GUARDS = (
     Guard("allow list", (ALL_ALLOWED,),
@@ -73,8 +72,8 @@ GUARDS = (
                       "  if (context.asked) refuseCopyThatReaches("),),
           tests=(("calc_reads_test", "tests/calc/calc_reads_test", "CalcReach.Copies*"),)),
     Guard("settings of a private office", ((
-        CALC + "PrivateOffice.cpp", "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>true",
-        "BlockUntrustedRefererLinks\" oor:op=\"fuse\"><value>false"), NO_PROXY),
+        CALC + "PrivateOffice.cpp", '"BlockUntrustedRefererLinks", "true"',
+        '"BlockUntrustedRefererLinks", "false"'), NO_PROXY),
           cases=("pictures-elsewhere", "indirect-at-loading")),
     Guard("address of the page", ((
         "app/shell/PageAddress.cpp",
