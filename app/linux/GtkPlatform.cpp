@@ -34,6 +34,7 @@ std::filesystem::path ownProgram() {
 GtkPlatform::GtkPlatform()
     : session_(gdk_display_get_default()),
       hotKeys_(gdk_display_get_default()),
+      userInput_(gdk_display_get_default()),
       defaults_(XDGFolders(environment_).library() / "Quorin" / "defaults.json"),
       bundle_(ownProgram()),
       loginItem_(ownProgram(), XDGFolders(environment_).configuration()),

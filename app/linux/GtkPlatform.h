@@ -12,6 +12,7 @@
 #include "app/linux/WebKitView.h"
 #include "app/linux/X11HotKeys.h"
 #include "app/linux/X11Session.h"
+#include "app/linux/X11UserInput.h"
 #include "app/linux/X11Workspace.h"
 #include "app/linux/XDGLoginItem.h"
 #include "app/linux/ZipArchiver.h"
@@ -36,6 +37,7 @@ class GtkPlatform : public AppPlatform {
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
   HotKeyService* hotKeys() override { return &hotKeys_; }
+  UserInput* userInput() override { return &userInput_; }
   Updater* updater() override { return &updater_; }
   LoginItem* loginItem() override { return &loginItem_; }
   Archiver* archiver() override { return &archiver_; }
@@ -58,6 +60,7 @@ class GtkPlatform : public AppPlatform {
   X11Session session_;
   X11Workspace workspace_{session_};
   X11HotKeys hotKeys_;
+  X11UserInput userInput_;
   GtkAlerts alerts_{session_};
   FileDefaults defaults_;
   InstalledBundle bundle_;

@@ -1,5 +1,6 @@
 #include "app/shell/Poller.h"
 
+#include <array>
 #include <utility>
 
 namespace quorin {
@@ -8,6 +9,10 @@ namespace {
 
 constexpr std::chrono::milliseconds quietPeriod{500};
 constexpr int failuresUntilProbe = 3;
+// From the user's input to the first tick, and from each tick to the next.
+constexpr std::array<std::chrono::milliseconds, 4> delaysOfTicksSoon{
+    {std::chrono::milliseconds(10), std::chrono::milliseconds(25), std::chrono::milliseconds(60),
+     std::chrono::milliseconds(120)}};
 
 }  // namespace
 
@@ -22,13 +27,43 @@ Poller::Poller(AppPlatform& platform, PanelBridge& bridge, Panel& panel, std::in
 void Poller::start() {
   timer_.reset();
   timer_ = platform_.mainLoop().startTimer(interval_, TimerKind::repeating, [this] { tick(); });
+  if (UserInput* const input = platform_.userInput()) {
+    input->observe([this, alive = std::weak_ptr(alive_)] {
+      if (!alive.expired()) nudge();
+    });
+  }
+}
+
+bool Poller::isUseful() const {
+  return panel_.isVisible() && !paused_ && excelIsFrontmost(platform_.workspace()) &&
+         !panel_.isKey();
+}
+
+void Poller::nudge() {
+  nudgedAgain_ = soon_ != nullptr;
+  if (soon_ || !isUseful()) return;
+  ticksSoon_ = 0;
+  tickSoon();
+}
+
+void Poller::tickSoon() {
+  if (ticksSoon_ == delaysOfTicksSoon.size()) {
+    endTicksSoon();
+    return;
+  }
+  soon_ = platform_.mainLoop().startTimer(delaysOfTicksSoon[ticksSoon_++], TimerKind::once, [this] {
+    tick();
+    tickSoon();
+  });
+}
+
+void Poller::endTicksSoon() {
+  soon_.reset();
+  if (std::exchange(nudgedAgain_, false)) nudge();
 }
 
 void Poller::tick() {
-  if (!panel_.isVisible() || paused_ || !excelIsFrontmost(platform_.workspace()) || inFlight_ ||
-      panel_.isKey()) {
-    return;
-  }
+  if (inFlight_ || !isUseful()) return;
   if (adoptBaseline()) return;
   // A move in the future means that the clock was set back, and says nothing about how long ago it
   // was. The time of no move at all lies too far back to be subtracted.
@@ -50,6 +85,7 @@ void Poller::finish(const Outcome& outcome) {
   std::optional<PolledCell> cell = cellOf(*outcome);
   if (!cell || cell == last_) return;
   last_ = std::move(cell);
+  endTicksSoon();  // the selection has moved
   if (panel_.isVisible()) panel_.sendEvent("selectionChanged", *outcome);
 }
 

@@ -2,9 +2,14 @@
 // for on a timer, while that is useful: the panel visible and without the keyboard, Excel in
 // front, following not paused. The page hears of a cell once. Never two polls at a time.
 //
+// Where the desktop tells that the user does something, Excel is asked soon after it as well: a few
+// times, for Excel may not have come to it yet, and until the cell has changed. While the user goes
+// on, that goes on, and nothing piles up.
+//
 // Main thread only, but for the polls themselves, which run on the panel's bridge queue.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -45,7 +50,11 @@ class Poller {
   // The answer of a poll; none when it failed.
   using Outcome = std::optional<JSONValue>;
 
+  bool isUseful() const;
   void tick();
+  void nudge();
+  void tickSoon();
+  void endTicksSoon();
   void finish(const Outcome& outcome);
   bool adoptBaseline();
   void poll(std::function<void(const Outcome&)> then);
@@ -57,6 +66,9 @@ class Poller {
   Panel& panel_;
   const std::chrono::milliseconds interval_;
   std::unique_ptr<Timer> timer_;
+  std::unique_ptr<Timer> soon_;  // while ticks after the user's input are due
+  std::size_t ticksSoon_ = 0;    // of them, those that have been
+  bool nudgedAgain_ = false;
   std::optional<PolledCell> last_, baseline_;
   int failures_ = 0;
   bool paused_ = false;

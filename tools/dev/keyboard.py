@@ -26,6 +26,16 @@ class Keyboard:
         code = self.x.XKeysymToKeycode(self.display, self.x.XStringToKeysym(name.encode()))
         self.test.XTestFakeKeyEvent(self.display, code, down, 0)
 
+    def hold(self, name):
+        self._send(name, True)
+        self.x.XFlush(self.display)
+
+    def release(self, name):
+        """Gives the time, in milliseconds since 1970."""
+        self._send(name, False)
+        self.x.XFlush(self.display)
+        return time.time() * 1000
+
     def press(self, keys):
         """Presses and releases "Alt_L+Shift_L+a". Gives the time at which the last one went down,
         in milliseconds since 1970."""

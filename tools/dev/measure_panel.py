@@ -19,7 +19,7 @@ const settled = new Map(); window.times = []; window.events = [];
 window.__qxResolve = (id, reply) => { settled.get(id)(reply); };
 window.surfaces = [];
 window.__qxEvent = (name, payload) => {
-  if (name == "selectionChanged") events.push(Date.now());
+  if (name == "selectionChanged") events.push(performance.timeOrigin + performance.now());
   if (name == "surface") surfaces.push({at: performance.timeOrigin + performance.now(), ...payload});
 };
 function call(verb, ...args) {
@@ -70,6 +70,37 @@ def stopped(group):
         except OSError:
             pass  # it has just ended
     return bool(states) and set(states) <= {"T", "Z"}
+
+
+def load(trial, work):
+    """What Quorin and Calc use while `work` is done, in words."""
+    programs = {"Quorin": trial.process.pid, "Calc": trial.office.pid}
+    begun, before = time.monotonic(), {name: processor_seconds(programs[name]) for name in programs}
+    work()
+    passed = time.monotonic() - begun
+    return ", ".join(f"{name} {(processor_seconds(programs[name]) - before[name]) / passed:.1%}"
+                     for name in programs) + " of a core"
+
+
+def under_fingers(trial, keyboard):
+    """A key is held down in Calc for ten seconds; then a text is typed."""
+    trial.keys("ctrl+Home")
+    time.sleep(2)
+    trial.panel.eval("events.length = 0; 0")
+    keyboard.hold("Down")
+    held = load(trial, lambda: time.sleep(10))
+    released = keyboard.release("Down")
+    time.sleep(2)
+    events = trial.panel.eval("events")
+    print(f"key held for 10 s: {len(events)} events, the last {events[-1] - released:.0f} ms after "
+          f"its release; {held}")
+
+    def typing():
+        for _ in range(100):
+            keyboard.press("a")
+            time.sleep(0.1)
+    print(f"100 letters typed in 10 s: {load(trial, typing)}")
+    trial.keys("Escape")
 
 
 def surface_delay(trial, keyboard, number, visible):
@@ -143,23 +174,24 @@ def main():
         print(f"message round trip, ms: mean {sum(times) / len(times):.2f}, "
               f"p99 at most {at(times, .99):.0f}")
 
+        keyboard = Keyboard(trial.environment["DISPLAY"])
         trial.keys("ctrl+Home")
         time.sleep(2)
         delays = []
-        for number in range(40):
+        for number in range(100):
             trial.panel.eval("events.length = 0; 0")
-            begun = time.time() * 1000
-            trial.tool("xdotool", "key", "Down" if number % 2 else "Right")
-            delays.append(wait_for("the event", lambda: trial.panel.eval("events[0]")) - begun)
-            time.sleep(0.03 * (number % 8))
-        print(f"key pressed to event, ms: p50 {at(delays, .5):.0f} p95 {at(delays, .95):.0f}")
+            pressed = keyboard.press("Down" if number % 2 else "Right")
+            delays.append(wait_for("the event", lambda: trial.panel.eval("events[0]")) - pressed)
+            time.sleep(0.1 + 0.03 * (number % 8))
+        print(f"key pressed to event, ms: p50 {at(delays, .5):.0f} p95 {at(delays, .95):.0f} "
+              f"most {max(delays):.0f}")
+        under_fingers(trial, keyboard)
 
         before = processor_seconds(trial.process.pid)
         time.sleep(10)
         used = processor_seconds(trial.process.pid) - before
         print(f"idle while following: {used * 10:.1f} % of a core")
 
-        keyboard = Keyboard(trial.environment["DISPLAY"])
         for visible in (True, False):
             surface_delay(trial, keyboard, 0, visible)
             delays = [surface_delay(trial, keyboard, number, visible) for number in range(40)]

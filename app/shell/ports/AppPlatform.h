@@ -15,6 +15,7 @@
 #include "app/shell/ports/PanelWindow.h"
 #include "app/shell/ports/StatusItem.h"
 #include "app/shell/ports/Updater.h"
+#include "app/shell/ports/UserInput.h"
 #include "app/shell/ports/WebView.h"
 #include "app/shell/ports/Workspace.h"
 #include "kit/platform/Archiver.h"
@@ -36,6 +37,9 @@ class AppPlatform {
 
   // None where the desktop has no such service.
   virtual HotKeyService* hotKeys() { return nullptr; }
+
+  // None where the desktop does not tell of it.
+  virtual UserInput* userInput() { return nullptr; }
 
   // The icon named so among the resources; none where the desktop has no place for it.
   virtual std::unique_ptr<StatusItem> makeStatusItem(const std::string& imageName) {

@@ -23,8 +23,8 @@ class Quorin:
     program = None  # the one that is tested
     desk = None
 
-    def __init__(self, *arguments, program=None, defaults=None, wait=True, after=None,
-                 **environment):
+    def __init__(self, *arguments, program=None, defaults=None, settings=None, wait=True,
+                 after=None, **environment):
         self.folder = after.folder if after else (
             self.desk.folder / f"quorin-{time.monotonic_ns()}")
         self.environment = dict(self.desk.environment, QX_TEST_SOCKET=str(self.folder / "panel"))
@@ -35,6 +35,9 @@ class Quorin:
         (self.folder / "panel").unlink(missing_ok=True)
         if defaults:
             (self.folder / "state" / "Quorin" / "defaults.json").write_text(json.dumps(defaults))
+        if settings:
+            (self.folder / "data" / "Quorin").mkdir(parents=True)
+            (self.folder / "data" / "Quorin" / "config.json").write_text(json.dumps(settings))
         self.output = open(self.folder / "output", "ab")
         self.process = subprocess.Popen([str(program or self.program), *arguments],
                                         env=self.environment, stdin=subprocess.DEVNULL,
@@ -130,6 +133,9 @@ class Desk(Trial):
             self.other_window = wait_for("another window",
                                          lambda: next(iter(self.clients() - before), None))
         self.bring_forward(self.other_window)
+
+    def click_in_calc(self, x, y):
+        self.tool("xdotool", "mousemove", "--window", int(self.window, 16), x, y, "click", 1)
 
     def bring_calc_forward(self):
         self.bring_forward(int(self.window, 16))

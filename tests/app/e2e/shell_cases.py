@@ -6,6 +6,7 @@ import pathlib
 import shutil
 import signal
 import socket
+import string
 import threading
 import time
 
@@ -117,6 +118,26 @@ class ShellTest(ShellCase):
         menu.click("Resume Follow")
         wait_for("the cell", lambda: told() != before)
         self.assertEqual([cell.replace("$", "") for cell in told()[len(before):]], ["A5"])
+
+    def test_hears_of_a_move_from_the_users_hands_and_not_from_its_next_poll(self):
+        self.desk.bring_other_forward()
+        quorin = self.start(settings={"pollMs": 3_600_000})
+        quorin.logs("RESTORE")
+        self.page_is_loaded(quorin)
+        self.desk.bring_calc_forward()
+        quorin.is_shown()
+
+        def told():
+            return [event["addr"].replace("$", "")
+                    for event in self.events(quorin, "selectionChanged")]
+        self.desk.go_to("Down")
+        wait_for("the key", lambda: told() and told()[-1] == "A2")
+        before = len(told())
+        self.desk.click_in_calc(350, 450)
+        row = wait_for("the click", lambda: self.desk.cell()["row"] not in (0, 2)
+                       and self.desk.cell()["row"])
+        wait_for("its cell", lambda: len(told()) > before
+                 and int(told()[-1].lstrip(string.ascii_uppercase)) == row)
 
     def test_clears_the_highlights_that_are_left(self):
         quorin = self.start()

@@ -45,6 +45,7 @@ class PollerTest : public ShellFixture {
     answer(std::move(value));
     tick();
   }
+  void pass(int milliseconds);
   std::vector<std::string> events() { return platform.webView().takeScripts(); }
 
   std::unique_ptr<Panel> panel;
@@ -306,6 +307,120 @@ TEST_F(PollerTest, EndsWithItsTimerAndWhatIsUnderWay) {
   EXPECT_EQ(platform.mainLoop().timerCount(), 0u);
   settle();
   EXPECT_THAT(events(), IsEmpty());
+}
+
+// Everything that happens in so many milliseconds.
+void PollerTest::pass(int milliseconds) {
+  for (int passed = 0; passed < milliseconds; ++passed) {
+    platform.mainLoop().advance(1ms);
+    settle();
+  }
+}
+
+TEST_F(PollerTest, AsksSoonAfterTheUsersInput) {
+  answer(cell("Inputs", "$B$2"));
+  platform.input.press();
+  pass(9);
+  EXPECT_EQ(bridge.polls, 0);
+  pass(1);
+  EXPECT_THAT(events(), ElementsAre(changed("Inputs", "$B$2")));
+}
+
+TEST_F(PollerTest, AsksAFewTimesForExcelMayNotHaveComeToTheInputYet) {
+  tickWith(cell("Inputs", "$B$2"));
+  events();
+  bridge.polls = 0;
+  for (int i = 0; i < 2; ++i) answer(cell("Inputs", "$B$2"));
+  answer(cell("Inputs", "$B$3"));
+  platform.input.press();
+  pass(94);
+  EXPECT_EQ(bridge.polls, 2);
+  EXPECT_THAT(events(), IsEmpty());
+  pass(1);
+  EXPECT_THAT(events(), ElementsAre(changed("Inputs", "$B$3")));
+}
+
+TEST_F(PollerTest, AsksNoMoreOnceTheSelectionHasMoved) {
+  answer(cell("Inputs", "$B$2"));
+  platform.input.press();
+  pass(290);
+  EXPECT_EQ(bridge.polls, 1);
+  EXPECT_EQ(platform.mainLoop().timerCount(), 1u);
+}
+
+TEST_F(PollerTest, AsksFourTimesAfterInputThatMovesNothing) {
+  tickWith(cell("Inputs", "$B$2"));
+  bridge.polls = 0;
+  for (int i = 0; i < 10; ++i) answer(cell("Inputs", "$B$2"));
+  platform.input.press();
+  pass(290);
+  EXPECT_EQ(bridge.polls, 4);
+}
+
+TEST_F(PollerTest, PilesNothingUpWhileAKeyIsHeldDown) {
+  for (int i = 0; i < 1'000; ++i) {
+    answer(cell("Inputs", i % 2 ? "$B$2" : "$B$3"));
+    platform.input.press();
+    platform.mainLoop().advance(7ms);
+    EXPECT_LE(queue.waiting(), 1u);
+    EXPECT_LE(platform.mainLoop().timerCount(), 2u);
+    if (i % 7 == 0) settle();
+  }
+  settle();
+  EXPECT_GE(bridge.polls, 100);
+  EXPECT_LE(bridge.polls, 200);
+}
+
+TEST_F(PollerTest, HearsOfInputThatComesWhileItAsks) {
+  answer(cell("Inputs", "$B$2"));
+  platform.input.press();
+  platform.mainLoop().advance(10ms);
+  platform.input.press();
+  answer(cell("Inputs", "$B$3"));
+  pass(11);
+  EXPECT_THAT(events(), ElementsAre(changed("Inputs", "$B$2"), changed("Inputs", "$B$3")));
+}
+
+TEST_F(PollerTest, IsNotNudgedWhilePollingIsOfNoUse) {
+  const auto nothingHappens = [this] {
+    platform.input.press();
+    EXPECT_EQ(platform.mainLoop().timerCount(), 1u);
+    pass(290);
+    EXPECT_EQ(bridge.polls, 0);
+    poller->start();
+  };
+  poller->setPaused(true);
+  nothingHappens();
+  poller->setPaused(false);
+  platform.workspace().frontmost = editor();
+  nothingHappens();
+  platform.workspace().frontmost = excel();
+  panel->summon();
+  nothingHappens();
+  panel->close();
+  nothingHappens();
+}
+
+TEST_F(PollerTest, IsQuietAfterTheBridgesOwnMoveHoweverItIsNudged) {
+  bridge.navigated = platform.clock().now();
+  platform.input.press();
+  pass(290);
+  EXPECT_EQ(bridge.polls, 0);
+}
+
+TEST_F(PollerTest, AdoptsABaselineWhenItIsNudged) {
+  poller->setBaseline({"Model.xlsx", "Inputs", "$B$2"});
+  for (int i = 0; i < 4; ++i) answer(cell("Inputs", "$B$2"));
+  platform.input.press();
+  pass(290);
+  EXPECT_EQ(bridge.polls, 3);
+  EXPECT_THAT(events(), IsEmpty());
+}
+
+TEST_F(PollerTest, HearsOfNoInputWhenItIsGone) {
+  poller.reset();
+  platform.input.press();
+  EXPECT_EQ(platform.mainLoop().timerCount(), 0u);
 }
 
 TEST_F(PollerTest, KnowsExcelByItsExactIdentifier) {

@@ -151,6 +151,18 @@ class FakeWorkspace : public Workspace {
   ActivationHandler handler_;
 };
 
+class FakeUserInput : public UserInput {
+ public:
+  void observe(std::function<void()> handler) override { handler_ = std::move(handler); }
+  // The user presses something.
+  void press() const {
+    if (handler_) handler_();
+  }
+
+ private:
+  std::function<void()> handler_;
+};
+
 class FakeAlerts : public Alerts {
  public:
   explicit FakeAlerts(Journal& journal) : journal_(journal) {}
@@ -292,6 +304,7 @@ class FakeAppPlatform : public AppPlatform {
   Archiver* archiver() override { return hasPacker ? &packer : nullptr; }
   SystemVersions systemVersions() const override { return {"TestOS", "7", "Sheets", {}}; }
   HotKeyService* hotKeys() override { return hasHotKeys ? &hotKeyService : nullptr; }
+  UserInput* userInput() override { return &input; }
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "Test \"Sheets\""; }
@@ -305,6 +318,7 @@ class FakeAppPlatform : public AppPlatform {
   Journal journal;
   FakeHotKeyService hotKeyService{journal};
   bool hasHotKeys = false;
+  FakeUserInput input;
   FakeArchiver packer;
   bool hasPacker = true;
   FakeLoginItem login{journal};
