@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/container/XNameAccess.hpp>
-#include <com/sun/star/document/MacroExecMode.hpp>
-#include <com/sun/star/document/UpdateDocMode.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/frame/XFrames.hpp>
 #include <set>
@@ -15,7 +13,7 @@
 #include "host/calc/CalcRanges.h"
 #include "host/calc/CalcView.h"
 #include "host/calc/OfficeConfiguration.h"
-#include "host/calc/OfficeFiles.h"
+#include "host/calc/OpeningWorkbooks.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -389,15 +387,7 @@ const std::string& CalcSession::version() {
 }
 
 void CalcSession::openWorkbook(const std::string& path) {
-  // A load on a thread of the bridge can hang for ever while it makes the window's menu.
-  const Reference<css::lang::XComponent> opened = desktop_->loadComponentFromURL(
-      toUno(fileUrl(path)), "_blank", 0,
-      sequenceOf({argument("OnMainThread", true), argument("PickListEntry", false),
-                  argument("MacroExecutionMode", css::document::MacroExecMode::NEVER_EXECUTE),
-                  argument("UpdateDocMode", css::document::UpdateDocMode::NO_UPDATE)}));
-  if (!Reference<css::sheet::XSpreadsheetDocument>(opened, css::uno::UNO_QUERY).is()) {
-    throw SpreadsheetError(-1728, "\"" + path + "\" is not a workbook");
-  }
+  openWorkbookAlone(connection_.context(), desktop_, path);
   workbooks_.forget();
 }
 

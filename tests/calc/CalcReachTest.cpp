@@ -1,12 +1,14 @@
 // Workbooks that reach out when they are evaluated: nothing of that happens unless the user asked.
 #include "tests/calc/CalcReads.h"
 #include "tests/calc/LoopbackListener.h"
+#include "tests/calc/OpenedFile.h"
 
 namespace quorin::host::calc {
 namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 class CalcReach : public CalcReads {
  protected:
@@ -132,6 +134,23 @@ TEST_F(CalcReach, CopiesNoWorkbookWhoseFormulasReachOut) {
         << expression;
   }
   EXPECT_THAT(listener->requests(), IsEmpty());
+}
+
+// Calc works INDIRECT out whenever it shows a cell, whatever the file holds for its value.
+TEST_F(CalcReach, OpensNoFileThatAWorkbookNamesByTextWhenItIsOpened) {
+  fakes::writeXlsx({.name = "Bait.xlsx", .sheets = {{"Sheet1", {{"A1", "bait"}}}}},
+                   *folder / "Bait.xlsx");
+  OpenedFile bait(*folder / "Bait.xlsx");
+  const std::string name = "file://" + (*folder / "Bait.xlsx").string();
+  open({.name = "Indirect.xlsx",
+        .sheets = {{"Data",
+                    {{"A1", 1.0, "=INDIRECT(A2)"},
+                     {"A2", "'" + name + "'#$Sheet1.A1"},
+                     {"A3", 1.0, "=LEN(INDIRECT(\"'\"&\"" + name + "'#$Sheet1.A1\"))"}}}}});
+  EXPECT_THAT(ask("readRange", {"A1:A3"}), Not(HasSubstr("\"bait\"")));
+  ask("readCell");
+  evaluate("A1&A3");
+  EXPECT_FALSE(bait.wasOpened());
 }
 
 TEST_F(CalcReach, AsksOnceTheUserWantsItAndNeverForTheNextRequest) {
