@@ -98,6 +98,7 @@ Evaluation CalcEvaluator::calculated(Request& request, const std::string& expres
   ExpressionContext context = scope(request, sheets);
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
+  refuseLargeArrays(*dryRun);
   if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
   try {

@@ -82,6 +82,7 @@ struct CalcExpression {
   std::string text;  // without "="
   Reach reach;
   bool single = false;  // it gives one value whatever the cells hold; else perhaps several
+  double crossed = 0;   // so many values Calc has to work out where columns meet rows
 };
 
 // Excel text, with or without "=". Commas and semicolons both separate arguments. Nothing when the
@@ -91,5 +92,8 @@ struct CalcExpression {
 // work and the text stay bounded whatever stands in a workbook.
 std::optional<CalcExpression> calcExpression(std::string_view excel,
                                              const ExpressionContext& context);
+
+// SpreadsheetError -50 for one that is not to be worked out, as it would hold the office up.
+void refuseLargeArrays(const CalcExpression& expression);
 
 }  // namespace quorin::host::calc

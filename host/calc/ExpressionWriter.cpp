@@ -32,6 +32,7 @@ std::string ExpressionWriter::run() {
   while (at_ < text_.size()) step();
   if (operandExpected_ || !frames_.empty()) throw Malformed();
   isCells_ = isCells(0);
+  names_.crossed += operands_.crossed();
   return std::move(out_);
 }
 
@@ -49,7 +50,9 @@ void ExpressionWriter::step() {
   } else if (c == '{') {
     operand(false);
     mayBeSeveral();
+    const std::size_t start = at_;
     copy(readArray(text_, at_));
+    operands().add(shapeOfConstant(text_.substr(start, at_ - start)));
   } else if (const std::string_view error = errorLiteral(text_, at_); !error.empty()) {
     operand(false);
     out_ += error;
@@ -91,6 +94,7 @@ void ExpressionWriter::blanks() {
       (at("('$[") || (isWordCharacter(text_[at_]) && !isDigit(text_[at_])) || rowsFollow())) {
     out_ += '!';
     operandExpected_ = true;
+    operands().skip();
     mayBeSeveral();
   } else {
     out_ += text_.substr(start, at_ - start);
@@ -122,6 +126,8 @@ void ExpressionWriter::close() {
   if (frames_.empty()) throw Malformed();
   endArgument();
   const Frame frame = frames_.back();
+  const ArrayCall made = arrayCall(frame.function, frame.shapes);
+  names_.crossed += made.crossed;
   if (operandExpected_ && frame.function.empty()) throw Malformed();
   const std::size_t begin = frame.begin;
   const auto instead = frame.function.empty() ? std::nullopt : callInstead(frame);
@@ -132,6 +138,7 @@ void ExpressionWriter::close() {
     out_ += ')';
   }
   frames_.pop_back();
+  operands().add(made.shape);
   std::erase_if(parameters_, [&](const Parameter& one) { return one.frame == frames_.size(); });
   open_ -= 1 + frame.signs;
   signs_ = 0;
@@ -168,6 +175,8 @@ void ExpressionWriter::endArgument() {
   Frame& frame = frames_.back();
   const std::size_t from = frame.ends.empty() ? frame.content : frame.ends.back().output + 1;
   frame.ends.push_back({at_, out_.size(), reach_.cells.size(), isCells(from)});
+  names_.crossed += frame.operands.crossed();
+  frame.shapes.push_back(std::exchange(frame.operands, {}).shape());
 }
 
 // What LET and LAMBDA call a value cannot be asked about by itself.
@@ -194,6 +203,7 @@ void ExpressionWriter::separator(char c) {
   } else {
     if (c == ';' || operandExpected_ || !reference_) throw Malformed();
     out_ += '~';
+    operands().skip();
     mayBeSeveral();
   }
   ++at_;
@@ -235,6 +245,7 @@ void ExpressionWriter::sign(char c) {
     signs_ = 0;
     if (c == ':') {
       reach_.spans = true;
+      operands().skip();
       mayBeSeveral();
     }
     if (c == '=' && !frames_.empty()) frames_.back().compares = true;
@@ -316,6 +327,7 @@ void ExpressionWriter::reference(const std::optional<SheetSpan>& span, const Ran
     return;
   }
   if (cells->several) mayBeSeveral();
+  operands().add(shapeOf(areaOf(range)));
   const std::size_t begin = out_.size();
   const bool named = !cells->several && isJoinedFrom(begin);
   out_ += named ? namedIfTruth(cells->text) : cells->text;
@@ -431,11 +443,14 @@ void ExpressionWriter::named(const std::string& key,
     if (context_.checkpoint) context_.checkpoint();
     if (const auto excel = meaning()) {
       const std::size_t reached = reach_.cells.size();
+      const double crossed = names_.crossed;
       ExpressionWriter inner(*excel, context_, reach_, names_, depthInside());
       entry.text = inner.run();
       if (!inner.isOnePiece()) entry.text = "(" + entry.text + ")";
       entry.single = inner.isSingle();
       entry.isCells = inner.isCells();
+      entry.shape = inner.shape();
+      entry.crossed = std::exchange(names_.crossed, crossed) - crossed;
       entry.cells.assign(reach_.cells.begin() + static_cast<std::ptrdiff_t>(reached),
                          reach_.cells.end());
       reach_.cells.resize(reached);
@@ -449,6 +464,8 @@ void ExpressionWriter::named(const std::string& key,
 
 void ExpressionWriter::append(const WrittenNames::Entry& entry) {
   if (!entry.isThere || !entry.single) mayBeSeveral();
+  operands().add(entry.shape);
+  names_.crossed += entry.crossed;
   const std::size_t begin = out_.size();
   out_ += entry.isThere ? entry.text : "#NAME?";
   if (entry.isCells) cells_ = {begin, out_.size()};
@@ -489,6 +506,7 @@ void ExpressionWriter::expansion(const std::string& excel) {
   ExpressionWriter inner(excel, context_, reach_, names_, depthInside());
   const std::string text = inner.run();
   if (!inner.isSingle()) mayBeSeveral();
+  operands().add(inner.shape());
   out_ += inner.isOnePiece() ? text : "(" + text + ")";
 }
 

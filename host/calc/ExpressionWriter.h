@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/calc/ArrayWork.h"
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CallReach.h"
 #include "host/calc/ExcelReference.h"
@@ -30,8 +31,11 @@ struct WrittenNames {
     bool single = false;
     bool isCells = false;         // it is these cells and nothing else
     std::vector<RangeRef> cells;  // that it reaches
+    ArrayShape shape;
+    double crossed = 0;
   };
   std::map<std::string, Entry> entries;
+  double crossed = 0;    // where columns meet rows (see ArrayWork)
   std::string reaching;  // a function that is not to be called, in capitals; empty for none
 };
 
@@ -48,6 +52,7 @@ class ExpressionWriter {
   bool isSingle() const { return !several_; }
   // Whether it is a reference and nothing else.
   bool isCells() const { return isCells_; }
+  const ArrayShape& shape() const { return operands_.shape(); }
 
  private:
   // Where an argument ends: in the text, in the output and among the cells that are reached.
@@ -65,6 +70,8 @@ class ExpressionWriter {
     bool compares = false;
     bool several = false;  // what stands in it may be more than one value
     std::vector<ArgumentEnd> ends = {};
+    std::vector<ArrayShape> shapes = {};  // of the arguments that have ended
+    ArrayOperands operands = {};          // of the one that is open
   };
 
   // What LET or LAMBDA calls a value. It counts inside that call, behind the value, and hides a
@@ -107,6 +114,7 @@ class ExpressionWriter {
   void named(const std::string& key, const std::function<std::optional<std::string>()>& meaning);
   void append(const WrittenNames::Entry& entry);
   void bound() const;
+  ArrayOperands& operands() { return frames_.empty() ? operands_ : frames_.back().operands; }
   int depthInside() const { return depth_ + open_ + signs_ + 1; }
   bool isCells(std::size_t from) const;
   // Whether the operand just read is joined to text; it begins there, or is yet to be written.
@@ -128,6 +136,7 @@ class ExpressionWriter {
   int open_ = 0;                       // brackets, and the signs before them
   int signs_ = 0;                      // before the operand that is read
   std::vector<Parameter> parameters_;  // of the calls that are open
+  ArrayOperands operands_;             // outside all brackets
   bool operandExpected_ = true;
   bool isCells_ = false;                       // once all is written
   bool reference_ = false;                     // the operand just written may be a reference

@@ -86,6 +86,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     enter(own, "=#NAME?");
     return;
   }
+  refuseLargeArrays(*calc);
   if (calc->reach.untold) throw SpreadsheetError(-50, untoldText);
   if (calc->reach.contents) {
     throw SpreadsheetError(-50, std::string(onlyInCopyText) + " cannot be worked out in a chain");
