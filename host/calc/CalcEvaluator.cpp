@@ -25,11 +25,13 @@ using css::uno::UNO_QUERY_THROW;
 // A copy of so many filled cells takes the office less than about a second.
 constexpr long long mostCellsToCopy = 1'000;
 
-long long filledCells(const Workbook& workbook, const std::vector<std::string>& sheets) {
+long long filledCells(const Workbook& workbook, const std::vector<std::string>& sheets,
+                      const CallLimits& limits) {
   constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
                                  css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
   long long cells = 0;
   for (const std::string& sheet : sheets) {
+    limits.check();
     const Reference<css::sheet::XCellRangesQuery> query(sheetOf(workbook, sheet), UNO_QUERY_THROW);
     for (const auto& address : answered(query->queryContentCells(contents))->getRangeAddresses()) {
       cells += cellCount({areaOf(address)});
@@ -144,7 +146,7 @@ ExpressionContext CalcEvaluator::scope(Request& request, std::vector<std::string
       request.limits.check();
       CalcWorkbooks& workbooks = request.workbooks;
       const std::shared_ptr<Workbook> own = workbooks.named(request.from.book);
-      entry->second = mirrorOf(*own, workbooks.sheets(*own))
+      entry->second = mirrorOf(*own, workbooks.sheets(*own), request.limits)
                           .looks(*workbooks.named(cell.sheet.book), kind, cell);
     }
     return entry->second;
@@ -172,10 +174,11 @@ std::optional<std::string> CalcEvaluator::referent(Request& request, const std::
 }
 
 ValueMirror& CalcEvaluator::mirrorOf(const Workbook& workbook,
-                                     const std::vector<std::string>& sheets) {
+                                     const std::vector<std::string>& sheets,
+                                     const CallLimits& limits) {
   if (!mirror_ || !mirror_->isOf(workbook, sheets)) {
     mirror_.reset();
-    mirror_ = std::make_unique<ValueMirror>(context_, workbook, sheets);
+    mirror_ = std::make_unique<ValueMirror>(context_, workbook, sheets, limits);
   }
   return *mirror_;
 }
@@ -184,7 +187,7 @@ Evaluation CalcEvaluator::inMirror(Request& request, const std::string& expressi
                                    ExpressionContext& context) {
   CalcWorkbooks& workbooks = request.workbooks;
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
-  ValueMirror& mirror = mirrorOf(*original, context.sheets);
+  ValueMirror& mirror = mirrorOf(*original, context.sheets, request.limits);
   context.elsewhere = [&](const std::string& book,
                           const std::string& sheet) -> std::optional<SheetPlace> {
     const auto found = findSheet(workbooks, book, sheet);
@@ -206,7 +209,7 @@ Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression
                                  ExpressionContext& context) {
   CalcWorkbooks& workbooks = request.workbooks;
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
-  if (filledCells(*original, context.sheets) > mostCellsToCopy) {
+  if (filledCells(*original, context.sheets, request.limits) > mostCellsToCopy) {
     throw SpreadsheetError(-50, std::string(onlyInCopyText) +
                                     " cannot be worked out in a workbook of more than 1000 filled "
                                     "cells");

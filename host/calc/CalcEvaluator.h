@@ -52,7 +52,8 @@ class CalcEvaluator {
   Evaluation calculated(Request& request, const std::string& expression);
   std::optional<CellValue> valueOf(Request& request, const std::string& argument);
   std::optional<std::string> referent(Request& request, const std::string& argument);
-  ValueMirror& mirrorOf(const Workbook& workbook, const std::vector<std::string>& sheets);
+  ValueMirror& mirrorOf(const Workbook& workbook, const std::vector<std::string>& sheets,
+                        const CallLimits& limits);
   ExpressionContext scope(Request& request, std::vector<std::string> sheets);
   Evaluation inMirror(Request& request, const std::string& expression, ExpressionContext& context);
   Evaluation inCopy(Request& request, const std::string& expression, ExpressionContext& context);

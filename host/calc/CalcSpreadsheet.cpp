@@ -210,6 +210,7 @@ std::optional<RangeRef> CalcSpreadsheet::named(const SheetRef& from, const std::
 }
 
 std::optional<RangeRef> CalcSpreadsheet::currentRegion(const RangeRef& range) {
+  limits_.check();
   return call([&](CalcSession& office) {
     return findCurrentRegion(office.workbook(range.sheet.book), range);
   });

@@ -117,8 +117,9 @@ CellTraits readTraits(const Workbook& workbook, const RangeRef& range, const Cal
 }
 
 void hideRows(Workbook& ours, const std::string& sheet, const std::vector<RowRun>& runs,
-              bool hidden) {
+              bool hidden, const CallLimits& limits) {
   for (const RowRun& run : runs) {
+    limits.check();
     const Reference<XPropertySet> rows(rowsOf(ours, sheet, run.first, run.last), UNO_QUERY_THROW);
     rows->setPropertyValue("IsVisible", Any(!hidden));
     if (run.filtered) rows->setPropertyValue("IsFiltered", Any(hidden));

@@ -30,6 +30,6 @@ CellTraits readTraits(const Workbook& workbook, const RangeRef& range, const Cal
 
 // Hides the rows, or shows them again.
 void hideRows(Workbook& ours, const std::string& sheet, const std::vector<RowRun>& runs,
-              bool hidden);
+              bool hidden, const CallLimits& limits);
 
 }  // namespace quorin::host::calc

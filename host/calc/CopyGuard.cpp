@@ -53,6 +53,7 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
   context.valueOf = {};
   context.looks = {};
   for (const std::string& sheet : context.sheets) {
+    limits.check();
     context.from.sheet = sheet;
     const Reference<css::sheet::XCellRangesQuery> query(sheetOf(workbook, sheet), UNO_QUERY_THROW);
     const auto formulas = answered(query->queryContentCells(css::sheet::CellFlags::FORMULA));
@@ -62,6 +63,7 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
       const Grid<CellValue> texts = readFormulas(workbook, cells, ReferenceStyle::a1,
                                                  readValues(workbook, cells, limits), limits);
       for (const CellValue& text : texts.cells) {
+        limits.check();
         if (const auto* formula = std::get_if<std::string>(&text)) refuseFormula(*formula, context);
       }
     }

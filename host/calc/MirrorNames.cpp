@@ -47,7 +47,10 @@ void copyDefinedNames(const Reference<css::uno::XInterface>& from,
                       const Reference<css::uno::XInterface>& to, const CallLimits& limits) {
   const Reference<css::sheet::XNamedRanges> source = definedNamesOf(from),
                                             target = definedNamesOf(to);
-  for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
+  for (const rtl::OUString& name : target->getElementNames()) {
+    limits.check();
+    target->removeByName(name);
+  }
   for (const rtl::OUString& name : source->getElementNames()) {
     limits.check();
     const Reference<css::sheet::XNamedRange> entry(source->getByName(name), UNO_QUERY_THROW);
@@ -61,7 +64,10 @@ void copyTables(const Workbook& from, const Workbook& to, const CallLimits& limi
                                                   UNO_QUERY_THROW);
   };
   const Reference<css::sheet::XDatabaseRanges> source = tablesOf(from), target = tablesOf(to);
-  for (const rtl::OUString& name : target->getElementNames()) target->removeByName(name);
+  for (const rtl::OUString& name : target->getElementNames()) {
+    limits.check();
+    target->removeByName(name);
+  }
   for (const rtl::OUString& name : source->getElementNames()) {
     limits.check();
     const Reference<css::sheet::XDatabaseRange> table(source->getByName(name), UNO_QUERY_THROW);
@@ -78,6 +84,7 @@ void copyTables(const Workbook& from, const Workbook& to, const CallLimits& limi
 void copyNames(const Workbook& from, const Workbook& to, const CallLimits& limits) {
   copyDefinedNames(from.document, to.document, limits);
   for (const std::string& sheet : sheetNames(from)) {
+    limits.check();
     copyDefinedNames(sheetOf(from, sheet), sheetOf(to, sheet), limits);
   }
   copyTables(from, to, limits);

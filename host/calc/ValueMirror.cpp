@@ -43,7 +43,7 @@ Area hull(const Area& a, const Area& b) {
 }
 
 // Few areas that together hold all the parts, and not much more: where one would be mostly blank it
-// is cut at the widest gap.
+// is cut at the widest gap, of several the one in the middle, so that it goes down few steps.
 void cover(std::vector<Area> parts, std::vector<Area>& found) {
   constexpr long long worthACall = 500;
   if (parts.empty()) return;
@@ -66,7 +66,10 @@ void cover(std::vector<Area> parts, std::vector<Area>& found) {
     int reached = lastLine(parts.front(), lines);
     for (std::size_t i = 1; i < parts.size(); ++i) {
       const int gap = firstLine(parts[i], lines) - reached - 1;
-      if (gap > widest) {
+      const auto fromMiddle = [&](std::size_t at) {
+        return at > parts.size() / 2 ? at - parts.size() / 2 : parts.size() / 2 - at;
+      };
+      if (gap > widest || (gap == widest && lines == along && fromMiddle(i) < fromMiddle(cut))) {
         widest = gap;
         cut = i;
         along = lines;
@@ -87,23 +90,24 @@ void cover(std::vector<Area> parts, std::vector<Area>& found) {
 }  // namespace
 
 ValueMirror::ValueMirror(const Reference<css::uno::XComponentContext>& context,
-                         const Workbook& original, std::vector<std::string> sheets)
+                         const Workbook& original, std::vector<std::string> sheets,
+                         const CallLimits& limits)
     : hidden_(context),
       original_(original.model),
       book_(original.name),
       sheets_(std::move(sheets)) {
   adoptSettings(original);
-  addSheets();
+  addSheets(limits);
 }
 
 ValueMirror::ValueMirror(const Reference<css::uno::XComponentContext>& context, std::string book,
                          std::vector<std::string> sheets, const Workbook* like)
     : hidden_(context), book_(std::move(book)), sheets_(std::move(sheets)) {
   if (like != nullptr) adoptSettings(*like);
-  addSheets();
+  addSheets(CallLimits());
 }
 
-void ValueMirror::addSheets() {
+void ValueMirror::addSheets(const CallLimits& limits) {
   formulaSheet_ = "quorin";
   while (std::find(sheets_.begin(), sheets_.end(), formulaSheet_) != sheets_.end()) {
     formulaSheet_ += " quorin";
@@ -111,7 +115,10 @@ void ValueMirror::addSheets() {
   const std::string first = sheetNames(workbook()).front();
   const Reference<css::container::XNamed> only(sheetOf(workbook(), first), UNO_QUERY_THROW);
   only->setName(toUno(sheets_.front()));
-  for (std::size_t i = 1; i < sheets_.size(); ++i) addSheet(sheets_[i]);
+  for (std::size_t i = 1; i < sheets_.size(); ++i) {
+    limits.check();
+    addSheet(sheets_[i]);
+  }
   addSheet(formulaSheet_);
 }
 
@@ -226,19 +233,25 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const Call
       room.take(blocks.back().values);
     }
   }
-  if (blocks == blocks_) return;
-  for (const Block& old : std::exchange(blocks_, {})) {
+  if (isWritten_ && blocks == blocks_) return;
+  isWritten_ = false;
+  while (!blocks_.empty()) {
+    const Block& old = blocks_.back();
+    limits.check();
     Reference<css::sheet::XSheetOperation>(cellsOf(workbook(), old.sheet, old.area),
                                            UNO_QUERY_THROW)
         ->clearContents(everything);
-    hideRows(workbook(), old.sheet, old.traits.hiddenRows, false);
+    hideRows(workbook(), old.sheet, old.traits.hiddenRows, false, limits);
+    blocks_.pop_back();
   }
-  blocks_ = std::move(blocks);
-  for (const Block& block : blocks_) {
+  for (Block& each : blocks) {
     limits.check();
+    blocks_.push_back(std::move(each));
+    const Block& block = blocks_.back();
     writeValues(sheetOf(workbook(), block.sheet), block.area, block.values, block.traits.kinds);
-    hideRows(workbook(), block.sheet, block.traits.hiddenRows, true);
+    hideRows(workbook(), block.sheet, block.traits.hiddenRows, true, limits);
   }
+  isWritten_ = true;
 }
 
 void ValueMirror::bringNames(const Workbook& original, const CallLimits& limits) {

@@ -28,7 +28,7 @@ class ValueMirror {
  public:
   // `sheets` are the original's, in their order.
   ValueMirror(const css::uno::Reference<css::uno::XComponentContext>& context,
-              const Workbook& original, std::vector<std::string> sheets);
+              const Workbook& original, std::vector<std::string> sheets, const CallLimits& limits);
   // Without an original: a workbook of ours of that name, whose own sheets are not filled here.
   // It calculates as `like` does, if there is such a workbook.
   ValueMirror(const css::uno::Reference<css::uno::XComponentContext>& context, std::string book,
@@ -45,7 +45,8 @@ class ValueMirror {
   // What CELL tells of how that cell looks, whoever's it is; nothing where it cannot be told here.
   std::optional<CellValue> looks(Workbook& theirs, const std::string& kind, const RangeRef& cell);
 
-  // Fills the cells that the expression reaches. TooManyCells when they are too many.
+  // Fills the cells that the expression reaches. TooManyCells when they are too many. What was
+  // written when the limits are reached counts for nothing.
   void bring(CalcWorkbooks& workbooks, const Reach& reach, const CallLimits& limits);
   // Gives it the names of cells and the tables of the original, which text can refer to. After
   // bring().
@@ -63,7 +64,7 @@ class ValueMirror {
   };
   std::vector<RangeRef> wanted(const Reach& reach) const;
   std::string mirrored(const SheetRef& sheet);
-  void addSheets();
+  void addSheets(const CallLimits& limits);
   void adoptSettings(const Workbook& original);
   void addSheet(const std::string& name);
 
@@ -74,7 +75,8 @@ class ValueMirror {
   std::string formulaSheet_;
   std::optional<FormulaCells> formulaCells_;                            // once asked for
   std::map<std::pair<std::string, std::string>, std::string> foreign_;  // by book and sheet
-  std::vector<Block> blocks_;
+  std::vector<Block> blocks_;  // of which anything may stand there
+  bool isWritten_ = true;      // and all that belongs there does
 };
 
 }  // namespace quorin::host::calc

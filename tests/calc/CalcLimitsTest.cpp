@@ -60,6 +60,12 @@ TEST_F(CalcLimitsTest, EndsEveryKindOfWork) {
       {"names", [](CalcSpreadsheet& calc) { calc.definedNames(sheet.book); }},
       {"visible", [](CalcSpreadsheet& calc) { calc.visibleCells(cells("A1:C9,E1:F9,H1:I9")); }},
       {"conditions", [](CalcSpreadsheet& calc) { calc.formatConditions(cells("A1:D3000")); }},
+      {"region",
+       [](CalcSpreadsheet& calc) {
+         for (int i = 0; i < 3; ++i) calc.currentRegion(cells("A1"));
+       }},
+      {"names of cells",
+       [](CalcSpreadsheet& calc) { calc.evaluate("INDIRECT(\"A\"&ROW(A1))+1", sheet); }},
       {"hidden", [](CalcSpreadsheet& calc) { calc.hidden(cells("1:2,4:5,7:8"), Lines::rows); }},
       {"evaluate", [](CalcSpreadsheet& calc) { calc.evaluate("SUM(A1:B3000)+N1_", sheet); }},
       {"subtotal", [](CalcSpreadsheet& calc) { calc.evaluate("SUBTOTAL(9,A1:C3000)", sheet); }}};
@@ -80,6 +86,59 @@ TEST_F(CalcLimitsTest, AreLookedAtAmongTheCells) {
   EXPECT_EQ(outcome(9000, formulas), "-1712");
   EXPECT_EQ(outcome(9000, local), "-1712");
   EXPECT_EQ(outcome(1000, texts), "-1712");
+}
+
+class CalcLimitsAmongScatteredCells : public CalcLimitsTest {
+ protected:
+  static inline const SheetRef scattered{"Scattered.xlsx", "Data"};
+
+  static void SetUpTestSuite() {
+    CalcReads::SetUpTestSuite();
+    fakes::SheetDescription data{"Data", {}};
+    for (int row = 1; row <= 30000; row += 3)
+      data.cells.push_back({"A" + std::to_string(row), 2.0});
+    for (int row = 1; row <= 2500; ++row)
+      data.cells.push_back({"C" + std::to_string(row), 3.0, "=1+2"});
+    open({.name = "Scattered.xlsx", .sheets = {data}});
+  }
+  void SetUp() override {
+    road->use([](CalcSpreadsheet& calc) {
+      calc.activateWorkbook(scattered.book);
+      calc.activateSheet(scattered);
+    });
+  }
+};
+
+// Half of the cells may have been written when the work ended.
+TEST_F(CalcLimitsAmongScatteredCells, LeaveNoValueToTheNextCallThatIsNotTrue) {
+  for (const auto& [expression, whole] :
+       {std::pair("SUM(A1:A9)+SUM(C1:C2500)", R"({"ok":true,"value":7506})"),
+        std::pair("SUBTOTAL(9,C2:C4)+SUM(A1:A9)", R"({"ok":true,"value":15})")}) {
+    bool ends = false;
+    for (int questions = 0; !ends && questions < 100; ++questions) {
+      evaluate("SUM(A4:C2499)");  // leaves other cells there
+      ends = outcome(questions, [each = expression](CalcSpreadsheet& calc) {
+               calc.evaluate(each, scattered);
+             }) == "no end";
+      EXPECT_EQ(evaluate(expression), whole) << questions;
+    }
+    EXPECT_TRUE(ends) << expression;
+  }
+}
+
+TEST_F(CalcLimitsAmongScatteredCells, EndAfterFewPieces) {
+  int asked = 0;
+  Evaluation sum;
+  road->use([&](CalcSpreadsheet& calc) {
+    calc.handlerBegins({.isOver = [&] {
+      ++asked;
+      return false;
+    }});
+    sum = calc.evaluate("SUM(A1:A30000)", scattered);
+    calc.handlerEnds();
+  });
+  EXPECT_EQ(sum, Evaluation(CellValue(20000.0)));
+  EXPECT_LT(asked, 500);
 }
 
 TEST_F(CalcLimitsTest, LeaveTheNextCallAlone) {
