@@ -26,8 +26,10 @@ JSONValue describe(const Alert* alert) {
 
 }  // namespace
 
-PanelInspector::PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform)
+PanelInspector::PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform,
+                               TimedLink& calls)
     : platform_(platform),
+      calls_(calls),
       server_(socket, longestLine,
               [this](const std::string& line, const LineServer::Answer& to) { answer(line, to); }) {
 }
@@ -40,6 +42,8 @@ void PanelInspector::answer(const std::string& line, const LineServer::Answer& a
     answer("ok " + Marshal::encode(describe(*platform_.panelWindow())));
   } else if (line == "alert") {
     answer("ok " + Marshal::encode(describe(platform_.alerts().shown())));
+  } else if (line == "calls") {
+    answer("ok " + Marshal::encode(calls_.take()));
   } else if (line == "progress") {
     const std::optional<std::string> text = platform_.updateProgress().shown();
     answer("ok " + Marshal::encode(text ? JSONValue(*text) : JSONValue()));

@@ -5,6 +5,7 @@
 //   eval SCRIPT   the script's value in the page as JSON; SCRIPT is a JSON text
 //   window        {"visible", "key", "x", "y", "width", "height"}
 //   alert         {"message", "informativeText", "buttons"} of the alert on the screen, or null
+//   calls         [[verb, seconds], ...] that requests of the page took since the last time
 //   quit          ends the application
 //
 // and is answered with "ok JSON" or "error TEXT".
@@ -12,17 +13,19 @@
 
 #include "app/linux/GtkPlatform.h"
 #include "app/linux/LineServer.h"
+#include "app/linux/TimedLink.h"
 
 namespace quorin {
 
 class PanelInspector {
  public:
-  PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform);
+  PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform, TimedLink& calls);
 
  private:
   void answer(const std::string& line, const LineServer::Answer& answer);
 
   GtkPlatform& platform_;
+  TimedLink& calls_;
   LineServer server_;
 };
 

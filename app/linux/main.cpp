@@ -122,7 +122,11 @@ int run(const Invocation& invocation) {
   HighlightStore highlights(HighlightStore::defaultURL(), FileSystem::real(), &log);
   UnhideStore unhidden(UnhideStore::defaultURL(), FileSystem::real(), &log);
   Bridge bridge(thread, log, highlights, unhidden, targetApplication());
+#ifdef QUORIN_INSPECTOR
+  TimedLink link(bridge);
+#else
   BridgeLink link(bridge);
+#endif
   SerialQueue bridgeQueue("qx.bridge");
   AppDelegate app({*platform, link, bridgeQueue, log, config, environment,
                    [&thread] { return thread.compileError(); }, platformFolders()});
@@ -132,7 +136,7 @@ int run(const Invocation& invocation) {
 #ifdef QUORIN_INSPECTOR
   std::optional<PanelInspector> inspector;
   if (const auto path = environment.find("QX_TEST_SOCKET"); path != environment.end()) {
-    inspector.emplace(path->second, static_cast<GtkPlatform&>(*platform));
+    inspector.emplace(path->second, static_cast<GtkPlatform&>(*platform), link);
   }
 #endif
 

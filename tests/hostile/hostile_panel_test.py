@@ -26,9 +26,6 @@ from case import CASES, Place  # noqa: E402
 from surroundings import Lines, Listener, Reaches, Trouble, children_of, memory  # noqa: E402
 from tool import BUDGETS, OVER  # noqa: E402
 
-# Seconds more, for the way from the page and back to it while everything else comes up too.
-THERE_AND_BACK = 3
-
 MOST_MEMORY = 500  # MB
 MOST_CELLS = 2  # of each workbook; the test through quorinctl asks all
 # Seconds for what takes a moment: only what never comes fails, whatever else the machine does.
@@ -46,27 +43,6 @@ STATE = """(() => {
            hostile: "hostile" in window || document.querySelectorAll(
              "img, iframe, object, embed, link[href^=http], [onload], [onerror], b, script[src]").length,
            place: location.href }; })()"""
-# From now on the page notes what each of its calls took. One is worked on after another.
-NOTE_CALLS = """(() => {
-  const channel = window.webkit.messageHandlers.qx, post = channel.postMessage.bind(channel);
-  const resolve = window.__qxResolve, bounded = %s, begun = new Map();
-  let free = 0;
-  window.calls = [];
-  channel.postMessage = (request) => {
-    if (bounded.includes(request.verb)) begun.set(request.id, [request.verb, performance.now()]);
-    post(request);
-  };
-  window.__qxResolve = (id, envelope) => {
-    const call = begun.get(id);
-    if (call) {
-      const now = performance.now();
-      window.calls.push([call[0], (now - Math.max(call[1], free)) / 1000]);
-      begun.delete(id);
-      free = now;
-    }
-    resolve(id, envelope);
-  };
-  return 0; })()""" % list(BUDGETS)
 CLICK = """document.querySelector('[data-testid="%s"]').click(), 0"""
 
 
@@ -136,13 +112,12 @@ class Trial:
         Quorin.desk, Quorin.program = self.desk, options.quorin
         self.quorin = Quorin("--show")
         self.place = self.state()["place"]
-        self.quorin.panel.eval(NOTE_CALLS)
         self.last = None  # what the panel showed last
         # What the panel does once, with the first cell and the first look at each of its lists.
         if wrong := self.shows(self.ordinary, "Sheet1", "B1") + self.lists(self.ordinary):
             raise Trouble(wrong[0])
         if not self.calls():
-            raise Trouble("the page's calls are not seen")
+            raise Trouble("what the page asks for is not seen")
         self.book = self.last[0]
         self.reaches.learn()
 
@@ -150,8 +125,9 @@ class Trial:
         return self.quorin.panel.eval(STATE)
 
     def calls(self):
-        """What the page asked since the last time, and the seconds that it took."""
-        return self.quorin.panel.eval("window.calls.splice(0)")
+        """What the page asked for since the last time, and the seconds that the program took, from
+        the beginning of its work to the reply."""
+        return self.quorin.panel.ask("calls")
 
     def click(self, name):
         self.quorin.panel.eval(CLICK % name)
@@ -252,7 +228,7 @@ class Trial:
             self.in_office("close", str(path))
         wrong += self.ordinary_works() + self.reached(case)
         wrong += [f"{verb} took {took:.1f} s of {BUDGETS[verb]}" for verb, took in self.calls()
-                  if took > BUDGETS[verb] + OVER + THERE_AND_BACK]
+                  if verb in BUDGETS and took > BUDGETS[verb] + OVER]
         most = memory(children_of(self.quorin.process.pid))
         self.most = max(self.most, most)
         return wrong + ([f"{most:.0f} MB of memory"] if most > MOST_MEMORY else []), sheets

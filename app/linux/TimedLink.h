@@ -1,0 +1,38 @@
+// TimedLink: the panel's view of the bridge, which notes what each request of the page takes there.
+// Part of quorin_inspected alone.
+#pragma once
+
+#include <chrono>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "app/shell/BridgeLink.h"
+
+namespace quorin {
+
+class TimedLink : public BridgeLink {
+ public:
+  using BridgeLink::BridgeLink;
+
+  PanelReply dispatch(const std::string& verb, const JSONValue::Array& args) override {
+    const auto begun = std::chrono::steady_clock::now();
+    PanelReply reply = BridgeLink::dispatch(verb, args);
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
+    const std::lock_guard lock(mutex_);
+    calls_.push_back(JSONValue::Array{verb, took.count()});
+    return reply;
+  }
+
+  // [verb, seconds] of each request since the last time. Any thread.
+  JSONValue take() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(calls_, {});
+  }
+
+ private:
+  std::mutex mutex_;
+  JSONValue::Array calls_;
+};
+
+}  // namespace quorin
