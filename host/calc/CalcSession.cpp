@@ -20,6 +20,7 @@ namespace quorin::host::calc {
 namespace {
 
 constexpr int noKeeper = -10000;  // can be had
+constexpr const char* opened = "made visible by the user";
 
 Area areaOf(Lines kind, int number) {
   return kind == Lines::rows ? Area{number, 1, number, maxColumn} : Area{1, number, maxRow, number};
@@ -163,7 +164,8 @@ void CalcSession::takeBackUnprotected(const std::string& book) {
   }
   const auto entries = shown_.entries(workbook(book));
   hideShownLines(changes_, workbook(book), entries, entries);
-  shown_.settle(entries);
+  shown_.set(entries, ShownLines::State::over);
+  tidyNotes(changes_, workbook(book), shown_);
 }
 
 void CalcSession::hideLeftLines() {
@@ -187,7 +189,7 @@ void CalcSession::hideUnreachableLines(const std::string& book) {
   const auto entries = shown_.entries(itself);
   ShownLines::Entries due;
   for (const ShownLines::Entry& each : entries) {
-    if (!each.place && !each.isSettled) forgetTrace(each.asked);
+    if (!each.place && !each.isOver()) forgetTrace(each.asked);
     if (!each.place) continue;
     const SheetRef sheet{book, each.place->name};
     if (each.asked.sheet == sheet) continue;
@@ -201,6 +203,7 @@ void CalcSession::hideUnreachableLines(const std::string& book) {
   for (const HiddenLines& each : hideShownLines(changes_, itself, due, entries).lines)
     linesChanged({book, each.name});
   shown_.forget(due);
+  tidyNotes(changes_, itself, shown_);
   for (const ShownLines::Entry& each : due) forgetTrace(each.asked);
 }
 
@@ -241,13 +244,16 @@ void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>
     takeTurn(book, true);
   } catch (const SpreadsheetError& failure) {
     // Somebody has recorded them all the same, and what the user shows is not to be hidden.
-    if (failure.number() == noKeeper) shown_.remember(book, sheet, kind, {}, states, numbers);
+    if (failure.number() == noKeeper) shown_.remember(book, sheet, kind, {}, states, {}, numbers);
     throw;
   }
   ShownLines::Entries outdated;
   std::set<int> known;
+  std::vector<int> shown;
   const std::set<int> asked(numbers.begin(), numbers.end());
   for (const ShownLines::Entry& each : shown_.entries(book)) {
+    if (each.place && each.asked.kind == kind && each.place->name == sheet.sheet)
+      shown.push_back(each.place->number);
     if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
       continue;
     const bool isThere =
@@ -273,8 +279,10 @@ void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>
     }
   }
   shown_.forget(outdated);
-  shown_.remember(book, sheet, kind, hidden, states, visible);
+  const std::string key = shown_.remember(book, sheet, kind, hidden, states, shown, visible);
+  if (!hidden.empty()) addNote(changes_, book, drawPageOf(sheetOf(book, sheet.sheet)), key);
   states.setHidden(changes_, book, hidden, false);
+  shown_.set(key, ShownLines::State::shown);
   linesChanged(sheet);
 }
 
@@ -287,13 +295,24 @@ void CalcSession::hide(const SheetRef& sheet, Lines kind, const std::vector<int>
   const std::set<int> asked(numbers.begin(), numbers.end());
   ShownLines::Entries known;
   std::set<int> remembered;
+  const auto tell = [&visible](const ShownLines::Entry& entry) {
+    if (entry.state == ShownLines::State::opened) visible.push_back({entry.asked, opened});
+  };
   for (const ShownLines::Entry& each : entries) {
     if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
       continue;
     known.push_back(each);
     remembered.insert(each.asked.number);
-    if (!each.isSettled && !each.place) visible.push_back({each.asked, "no longer told apart"});
+    if (!each.isOver() && !each.place) visible.push_back({each.asked, "no longer told apart"});
+    tell(each);
   }
+  // In a workbook that was opened again since.
+  for (const ShownLines::Entry& each : shown_.entriesElsewhere(book, sheet, kind)) {
+    if (!asked.contains(each.asked.number) || remembered.contains(each.asked.number)) continue;
+    known.push_back(each);
+    tell(each);
+  }
+  for (const ShownLines::Entry& each : known) remembered.insert(each.asked.number);
   std::vector<int> byNumber;
   for (const int number : asked) {
     if (remembered.contains(number)) continue;
@@ -304,14 +323,14 @@ void CalcSession::hide(const SheetRef& sheet, Lines kind, const std::vector<int>
     }
   }
   const HiddenAgain again = hideShownLines(changes_, book, known, entries);
-  for (const ShownLines::Entry& each : again.opened)
-    visible.push_back({each.asked, "made visible by the user"});
+  for (const ShownLines::Entry& each : again.opened) visible.push_back({each.asked, opened});
   for (const HiddenLines& each : again.lines) linesChanged({sheet.book, each.name});
   if (!byNumber.empty()) {
     LineStates(sheetItself, kind).setHidden(changes_, book, byNumber, true);
     linesChanged(sheet);
   }
   shown_.forget(known);
+  if (!known.empty()) tidyNotes(changes_, book, shown_);
   for (const int number : asked) forgetTrace({sheet, kind, number});
 }
 

@@ -15,6 +15,8 @@
 #include "host/calc/CalcNames.h"
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/LineTraces.h"
+#include "host/calc/LinesBack.h"
+#include "host/calc/LinesNote.h"
 #include "host/calc/MarksKeeper.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/QuietChanges.h"

@@ -4,6 +4,7 @@
 #include <com/sun/star/awt/Point.hpp>
 #include <com/sun/star/awt/Size.hpp>
 #include <com/sun/star/beans/XMultiPropertySet.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/drawing/FillStyle.hpp>
 #include <com/sun/star/drawing/LineStyle.hpp>
@@ -15,6 +16,8 @@
 #include <com/sun/star/util/XMergeable.hpp>
 #include <limits>
 #include <map>
+#include <string>
+#include <utility>
 
 #include "host/calc/Answered.h"
 #include "host/calc/Arguments.h"
@@ -50,6 +53,12 @@ void set(const Reference<css::uno::XInterface>& object, const Properties& proper
     *value++ = content;
   }
   Reference<XMultiPropertySet>(object, UNO_QUERY_THROW)->setPropertyValues(names, values);
+}
+
+Reference<css::drawing::XShape> newShape(const Reference<css::frame::XModel>& document) {
+  return {Reference<css::lang::XMultiServiceFactory>(document, UNO_QUERY_THROW)
+              ->createInstance(rtl::OUString::createFromAscii(shapeService)),
+          UNO_QUERY_THROW};
 }
 
 sal_Int32 colorNumber(const Color& color) {
@@ -103,20 +112,39 @@ Reference<css::drawing::XDrawPage> drawPageOf(const Reference<css::sheet::XSprea
 }
 #pragma GCC diagnostic pop
 
-std::vector<PlacedMark> readMarks(const Reference<css::drawing::XDrawPage>& page) {
-  std::vector<PlacedMark> marks;
+namespace {
+
+// An object that the office made while its predecessor was being unmade has lost its shape, and
+// with it name and place. Several may have been on their way.
+bool hasLostItsShape(const Reference<css::container::XNamed>& shape) {
+  return !Reference<css::beans::XPropertySet>(shape, UNO_QUERY_THROW)
+              ->getPropertyValue("ZOrder")
+              .hasValue();
+}
+
+}  // namespace
+
+std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& page) {
+  constexpr int mostTries = 20;
+  std::vector<NamedShape> shapes;
   const sal_Int32 count = page->getCount();
   for (sal_Int32 i = 0; i < count; ++i) {
     Reference<css::container::XNamed> shape(page->getByIndex(i), UNO_QUERY_THROW);
     rtl::OUString name = shape->getName();
-    if (name.isEmpty()) {
-      // An object that the office made while its predecessor was being unmade has lost its shape.
+    for (int tries = 1; name.isEmpty() && tries < mostTries && hasLostItsShape(shape); ++tries) {
       shape.set(page->getByIndex(i), UNO_QUERY_THROW);
       name = shape->getName();
     }
-    if (auto mark = parseMarkName(toText(name)))
-      marks.push_back({std::move(*mark), {shape, UNO_QUERY_THROW}});
+    if (!name.isEmpty()) shapes.push_back({toText(name), {shape, UNO_QUERY_THROW}});
   }
+  return shapes;
+}
+
+std::vector<PlacedMark> readMarks(const Reference<css::drawing::XDrawPage>& page) {
+  std::vector<PlacedMark> marks;
+  for (NamedShape& each : namedShapes(page))
+    if (auto mark = parseMarkName(each.name))
+      marks.push_back({std::move(*mark), std::move(each.shape)});
   std::stable_sort(marks.begin(), marks.end(),
                    [](const PlacedMark& a, const PlacedMark& b) { return a.number < b.number; });
   return marks;
@@ -143,10 +171,7 @@ PointSequenceSequence outlinesOf(const Reference<css::sheet::XSpreadsheet>& shee
 Reference<css::drawing::XShape> makeMarkShape(const Reference<css::frame::XModel>& document,
                                               const NumberedMark& mark,
                                               const PointSequenceSequence& outlines) {
-  const Reference<css::drawing::XShape> shape(
-      Reference<css::lang::XMultiServiceFactory>(document, UNO_QUERY_THROW)
-          ->createInstance(rtl::OUString::createFromAscii(shapeService)),
-      UNO_QUERY_THROW);
+  Reference<css::drawing::XShape> shape = newShape(document);
   const std::optional<Color>& fill = mark.mark.fill;
   const bool drawn = fill && outlines.hasElements();
   Properties properties{
@@ -165,6 +190,17 @@ Reference<css::drawing::XShape> makeMarkShape(const Reference<css::frame::XModel
   const Box box = boxAround(outlines);
   shape->setPosition(box.position);
   shape->setSize(box.size);
+  return shape;
+}
+
+Reference<css::drawing::XShape> makeEmptyShape(const Reference<css::frame::XModel>& document,
+                                               const std::string& name) {
+  Reference<css::drawing::XShape> shape = newShape(document);
+  set(shape, {{"FillStyle", Any(css::drawing::FillStyle_NONE)},
+              {"LayerID", Any(internalLayer)},
+              {"LineStyle", Any(css::drawing::LineStyle_NONE)},
+              {"Name", Any(toUno(name))},
+              {"Printable", Any(false)}});
   return shape;
 }
 

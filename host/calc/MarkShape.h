@@ -15,6 +15,13 @@
 
 namespace quorin::host::calc {
 
+// A shape on a page.
+struct NamedShape {
+  std::string name;
+  css::uno::Reference<css::drawing::XShape> shape;
+};
+std::vector<NamedShape> namedShapes(const css::uno::Reference<css::drawing::XDrawPage>& page);
+
 struct PlacedMark : NumberedMark {
   css::uno::Reference<css::drawing::XShape> shape;
 };
@@ -36,6 +43,10 @@ css::drawing::PointSequenceSequence outlinesOf(
 css::uno::Reference<css::drawing::XShape> makeMarkShape(
     const css::uno::Reference<css::frame::XModel>& document, const NumberedMark& mark,
     const css::drawing::PointSequenceSequence& outlines);
+
+// One of that name that is never seen, on no page yet.
+css::uno::Reference<css::drawing::XShape> makeEmptyShape(
+    const css::uno::Reference<css::frame::XModel>& document, const std::string& name);
 
 // Whether it is of the kind that is made here; one that came out of a file may not be.
 bool isMarkShape(const css::uno::Reference<css::drawing::XShape>& shape);

@@ -7,18 +7,16 @@
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
-#include <list>
-#include <map>
 #include <random>
 #include <set>
-#include <tuple>
+#include <string_view>
 #include <utility>
 
-#include "host/Address.h"
 #include "host/calc/Answered.h"
 #include "host/calc/Arguments.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/MarkShape.h"
+#include "host/calc/SheetFilters.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -31,9 +29,11 @@ using css::uno::UNO_QUERY_THROW;
 using Cells = Reference<css::sheet::XSheetCellRanges>;
 using Page = Reference<css::drawing::XDrawPage>;
 
+constexpr std::string_view memoryPrefix = "/quorin/shown/";
+
 // All of what is remembered of a workbook. Its own name can change; this one cannot.
 std::string prefixOf(const Workbook& workbook) {
-  return "/quorin/shown/" + uidOf(workbook) + "\n";
+  return std::string(memoryPrefix) + uidOf(workbook) + "\n";
 }
 
 std::string newKey(const Workbook& workbook) {
@@ -44,8 +44,10 @@ std::string newKey(const Workbook& workbook) {
 // Lines as they are kept, with the numbers that they had when they were shown.
 struct Line {
   int number = 0;
-  bool isFiltered = false, isSettled = false;
-  Cells cells;                         // none once it is settled
+  ShownLines::State state = ShownLines::State::hidden;
+  bool isFiltered = false;
+  int filter = -1;                     // the place of its text, or none
+  Cells cells;                         // none once it is over
   std::array<int, 2> besides{-1, -1};  // places among the others' cells, or none
 };
 struct Kept {
@@ -54,25 +56,46 @@ struct Kept {
   Page page;
   std::vector<Line> lines;
   std::vector<Cells> besides;
+  std::vector<std::string> filters;
 };
 
 // The order of the parts, each a sequence of one kind of thing for all lines.
-enum Part { namesPart, rowsPart, pagePart, numbersPart, cellsPart, besidesPart, partCount };
+enum Part {
+  namesPart,
+  rowsPart,
+  pagePart,
+  numbersPart,
+  cellsPart,
+  besidesPart,
+  filtersPart,
+  partCount
+};
 // What is told of a line by numbers.
-enum Field { numberField, filteredField, settledField, firstBeside, secondBeside, fieldCount };
+enum Field {
+  numberField,
+  stateField,
+  filteredField,
+  filterField,
+  firstBeside,
+  secondBeside,
+  fieldCount
+};
 
 Any written(const Kept& kept) {
   std::vector<sal_Int32> numbers;
   std::vector<Cells> cells;
   for (const Line& line : kept.lines) {
-    numbers.insert(numbers.end(), {line.number, line.isFiltered ? 1 : 0, line.isSettled ? 1 : 0,
-                                   line.besides[0], line.besides[1]});
+    numbers.insert(numbers.end(),
+                   {line.number, static_cast<sal_Int32>(line.state), line.isFiltered ? 1 : 0,
+                    line.filter, line.besides[0], line.besides[1]});
     cells.push_back(line.cells);
   }
   const std::vector<rtl::OUString> names{toUno(kept.sheet.book), toUno(kept.sheet.sheet)};
+  std::vector<rtl::OUString> filters;
+  for (const std::string& filter : kept.filters) filters.push_back(toUno(filter));
   return Any(sequenceOf<Any>({Any(sequenceOf(names)), Any(kept.kind == Lines::rows), Any(kept.page),
                               Any(sequenceOf(numbers)), Any(sequenceOf(cells)),
-                              Any(sequenceOf(kept.besides))}));
+                              Any(sequenceOf(kept.besides)), Any(sequenceOf(filters))}));
 }
 
 // Nothing for what others have put there.
@@ -81,23 +104,26 @@ std::optional<Kept> keptIn(const Any& value) {
   if (!(value >>= parts) || parts.getLength() != partCount) return std::nullopt;
   Kept kept;
   bool rows = true;
-  Sequence<rtl::OUString> names;
+  Sequence<rtl::OUString> names, filters;
   Sequence<sal_Int32> numbers;
   Sequence<Cells> cells, besides;
   const bool whole = (parts[namesPart] >>= names) && (parts[rowsPart] >>= rows) &&
                      (parts[numbersPart] >>= numbers) && (parts[cellsPart] >>= cells) &&
-                     (parts[besidesPart] >>= besides) && names.getLength() == 2 &&
+                     (parts[besidesPart] >>= besides) && (parts[filtersPart] >>= filters) &&
+                     names.getLength() == 2 &&
                      numbers.getLength() == cells.getLength() * fieldCount;
   if (!whole) return std::nullopt;
   parts[pagePart] >>= kept.page;
   kept.sheet = {toText(names[0]), toText(names[1])};
   kept.kind = rows ? Lines::rows : Lines::columns;
   kept.besides.assign(besides.begin(), besides.end());
+  for (const rtl::OUString& filter : filters) kept.filters.push_back(toText(filter));
   for (sal_Int32 i = 0; i < cells.getLength(); ++i) {
     const sal_Int32* const fields = numbers.getConstArray() + i * fieldCount;
     kept.lines.push_back({fields[numberField],
+                          static_cast<ShownLines::State>(fields[stateField]),
                           fields[filteredField] != 0,
-                          fields[settledField] != 0,
+                          fields[filterField],
                           cells[i],
                           {fields[firstBeside], fields[secondBeside]}});
   }
@@ -165,6 +191,13 @@ std::set<std::size_t> placesUnder(const std::string& key, const ShownLines::Entr
   return places;
 }
 
+void setLine(Line& line, ShownLines::State state) {
+  using State = ShownLines::State;
+  if (line.state == State::over || line.state == State::opened) return;
+  line.state = state;
+  if (state == State::over || state == State::opened) line.cells.clear();
+}
+
 std::set<std::string> keysOf(const ShownLines::Entries& entries) {
   std::set<std::string> keys;
   for (const ShownLines::Entry& each : entries) keys.insert(each.key);
@@ -176,18 +209,44 @@ std::set<std::string> keysOf(const ShownLines::Entries& entries) {
 ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
     : memory_(context, css::uno::UNO_QUERY) {}
 
-void ShownLines::put(const std::string& key, const Any& value) const {
-  if (memory_->hasByName(toUno(key))) memory_->removeByName(toUno(key));
-  memory_->insertByName(toUno(key), value);
+void ShownLines::replace(const std::string& key, const Any& value) const {
+  try {
+    memory_->replaceByName(toUno(key), value);
+  } catch (const css::container::NoSuchElementException&) {
+    // Somebody else has forgotten it.
+  }
 }
 
-void ShownLines::remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
-                          const std::vector<int>& numbers, const LineStates& states,
-                          const std::vector<int>& others) const {
-  if (!memory_.is()) return;
+namespace {
+
+// A line beside one that is hidden in the same way, but for us: what shows that one shows both.
+bool isHiddenBeside(const LineStates& states, const std::vector<int>& shown, int beside, int line) {
+  const bool isHidden =
+      states.isHidden(beside) || std::find(shown.begin(), shown.end(), beside) != shown.end();
+  return isHidden && states.isFiltered(beside) == states.isFiltered(line);
+}
+
+// The place of the text among the others; none for an empty one.
+int placeOf(const std::string& text, std::vector<std::string>& texts) {
+  if (text.empty()) return -1;
+  const auto found = std::find(texts.begin(), texts.end(), text);
+  const auto place = static_cast<int>(found - texts.begin());
+  if (found == texts.end()) texts.push_back(text);
+  return place;
+}
+
+}  // namespace
+
+std::string ShownLines::remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
+                                 const std::vector<int>& numbers, const LineStates& states,
+                                 const std::vector<int>& shown,
+                                 const std::vector<int>& others) const {
+  if (!memory_.is()) return {};
   const auto itself = sheetOf(workbook, sheet.sheet);
   const CellsOfLines cells(itself, kind);
-  Kept kept{sheet, kind, drawPageOf(itself), {}, {}};
+  std::optional<SheetFilters> filters;
+  if (kind == Lines::rows && !numbers.empty()) filters.emplace(workbook, itself);
+  Kept kept{sheet, kind, drawPageOf(itself), {}, {}, {}};
   std::vector<int> sorted = numbers;
   std::sort(sorted.begin(), sorted.end());
   for (auto first = sorted.begin(); first != sorted.end();) {
@@ -195,29 +254,42 @@ void ShownLines::remember(const Workbook& workbook, const SheetRef& sheet, Lines
     while (end != sorted.end() && *end <= *(end - 1) + 1) ++end;
     std::array<int, 2> besides{-1, -1};
     for (const std::size_t side : {0U, 1U}) {
-      const int beside = side == 0 ? *first - 1 : *(end - 1) + 1;
-      if (!states.isHidden(beside)) continue;
+      const int line = side == 0 ? *first : *(end - 1), beside = side == 0 ? line - 1 : line + 1;
+      if (!isHiddenBeside(states, shown, beside, line)) continue;
       besides[side] = static_cast<int>(kept.besides.size());
       kept.besides.push_back(cells.of(beside));
     }
-    for (; first != end; ++first)
-      kept.lines.push_back({*first, states.isFiltered(*first), false, cells.of(*first), besides});
+    for (; first != end; ++first) {
+      const int filter = filters ? placeOf(filters->over(*first), kept.filters) : -1;
+      kept.lines.push_back(
+          {*first, State::hidden, states.isFiltered(*first), filter, cells.of(*first), besides});
+    }
   }
-  for (const int number : others) kept.lines.push_back({number, false, true, {}, {-1, -1}});
-  if (!kept.lines.empty()) put(newKey(workbook), written(kept));
+  for (const int number : others)
+    kept.lines.push_back({number, State::over, false, -1, {}, {-1, -1}});
+  if (kept.lines.empty()) return {};
+  const std::string key = newKey(workbook);
+  memory_->insertByName(toUno(key), written(kept));
+  return key;
 }
 
-void ShownLines::settle(const Entries& entries) const {
+void ShownLines::set(const Entries& entries, State state) const {
   for (const std::string& key : keysOf(entries)) {
+    if (!memory_->hasByName(toUno(key))) continue;
     auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept) continue;
-    for (const std::size_t place : placesUnder(key, entries)) {
-      Line& line = kept->lines.at(place);
-      line.isSettled = true;
-      line.cells.clear();
-    }
-    put(key, written(*kept));
+    for (const std::size_t place : placesUnder(key, entries))
+      if (place < kept->lines.size()) setLine(kept->lines[place], state);
+    replace(key, written(*kept));
   }
+}
+
+void ShownLines::set(const std::string& key, State state) const {
+  if (key.empty()) return;
+  auto kept = keptIn(memory_->getByName(toUno(key)));
+  if (!kept) return;
+  for (Line& line : kept->lines) setLine(line, state);
+  replace(key, written(*kept));
 }
 
 void ShownLines::forget(const Entries& entries) const {
@@ -230,7 +302,7 @@ void ShownLines::forget(const Entries& entries) const {
       for (std::size_t i = 0; i < kept->lines.size(); ++i)
         if (!gone.contains(i)) left.push_back(kept->lines[i]);
       kept->lines = std::move(left);
-      put(key, written(*kept));
+      replace(key, written(*kept));
     } else {
       memory_->removeByName(toUno(key));
     }
@@ -254,9 +326,10 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
     entry.key = key;
     entry.index = i;
     entry.asked = {kept->sheet, kept->kind, line.number};
-    entry.isSettled = line.isSettled;
+    entry.state = line.state;
     entry.isFiltered = line.isFiltered;
-    const auto place = line.isSettled ? std::nullopt : lineAt(line.cells, kept->kind);
+    if (line.filter >= 0) entry.filter = kept->filters.at(static_cast<std::size_t>(line.filter));
+    const auto place = entry.isOver() ? std::nullopt : lineAt(line.cells, kept->kind);
     if (!place) continue;
     if (!std::exchange(isSought, true)) {
       sheet = sheetWith(workbook, kept->page, place->first);
@@ -280,77 +353,52 @@ ShownLines::Entries ShownLines::entries(const Workbook& workbook) const {
   return found;
 }
 
-namespace {
+std::string ShownLines::idOf(const std::string& key) {
+  return key.substr(key.find('\n') + 1);
+}
 
-// Tells which shown lines of a workbook the user has made visible himself.
-class OpenedLines {
- public:
-  explicit OpenedLines(const ShownLines::Entries& all) {
-    for (const ShownLines::Entry& each : all)
-      if (!each.isSettled && each.place)
-        ours_[{each.asked.kind, each.place->name, each.place->number}] = &each;
+std::optional<ShownLines::Noted> ShownLines::noted(const std::string& id) const {
+  if (!memory_.is()) return std::nullopt;
+  for (const rtl::OUString& name : memory_->getElementNames()) {
+    const std::string key = toText(name);
+    if (!key.starts_with(memoryPrefix) || idOf(key) != id) continue;
+    const auto kept = keptIn(memory_->getByName(name));
+    if (!kept) return std::nullopt;
+    Noted noted{kept->page, kept->kind, {}};
+    for (const Line& line : kept->lines)
+      if (const auto place = lineAt(line.cells, kept->kind)) noted.numbers.push_back(place->second);
+    return noted.numbers.empty() ? std::nullopt : std::optional(std::move(noted));
   }
+  return std::nullopt;
+}
 
-  // `states` are those of the entry's sheet; it has a place.
-  bool contains(const ShownLines::Entry& entry, const LineStates& states) const {
-    if (entry.isFiltered && !states.isFiltered(entry.place->number)) return true;
-    bool isBeside = false;
-    std::set<int> seen;
-    std::vector<const ShownLines::Entry*> left{&entry};
-    while (!left.empty()) {
-      const ShownLines::Entry& next = *left.back();
-      left.pop_back();
-      for (const int beside : next.neighbours) {
-        if (!seen.insert(beside).second) continue;
-        const auto own = ours_.find({entry.asked.kind, entry.place->name, beside});
-        if (own != ours_.end()) {
-          left.push_back(own->second);
-        } else if (states.isHidden(beside)) {
-          return false;
-        } else {
-          isBeside = true;
-        }
-      }
-    }
-    return isBeside;
-  }
+bool ShownLines::isEmpty() const {
+  if (!memory_.is()) return true;
+  const auto names = memory_->getElementNames();
+  return std::none_of(names.begin(), names.end(), [](const rtl::OUString& name) {
+    return toText(name).starts_with(memoryPrefix);
+  });
+}
 
- private:
-  std::map<std::tuple<Lines, std::string, int>, const ShownLines::Entry*> ours_;
-};
-
-}  // namespace
-
-HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
-                           const ShownLines::Entries& entries, const ShownLines::Entries& all) {
-  struct Group {
-    LineStates states;
-    HiddenLines lines;
-  };
-  HiddenAgain again;
-  const OpenedLines opened(all);
-  std::list<Group> groups;
-  for (const ShownLines::Entry& entry : entries) {
-    if (entry.isSettled || !entry.place) continue;
-    const auto& [sheet, name, number] = *entry.place;
-    const Lines kind = entry.asked.kind;
-    auto group = std::find_if(groups.begin(), groups.end(), [&, &its = name](const Group& each) {
-      return each.lines.name == its && each.lines.kind == kind;
-    });
-    if (group == groups.end())
-      group = groups.insert(group, {LineStates(sheet, kind), {sheet, name, kind, {}}});
-    if (group->states.isHidden(number)) continue;
-    if (opened.contains(entry, group->states)) {
-      again.opened.push_back(entry);
-    } else {
-      group->lines.numbers.push_back(number);
+ShownLines::Entries ShownLines::entriesElsewhere(const Workbook& workbook, const SheetRef& sheet,
+                                                 Lines kind) const {
+  Entries found;
+  if (!memory_.is()) return found;
+  const std::string its = prefixOf(workbook);
+  for (const rtl::OUString& name : memory_->getElementNames()) {
+    const std::string key = toText(name);
+    if (!key.starts_with(memoryPrefix) || key.starts_with(its)) continue;
+    const auto kept = keptIn(memory_->getByName(name));
+    if (!kept || kept->kind != kind || kept->sheet != sheet) continue;
+    for (std::size_t i = 0; i < kept->lines.size(); ++i) {
+      Entry& entry = found.emplace_back();
+      entry.key = key;
+      entry.index = i;
+      entry.asked = {sheet, kind, kept->lines[i].number};
+      entry.state = kept->lines[i].state;
     }
   }
-  for (Group& group : groups) {
-    group.states.setHidden(changes, workbook, group.lines.numbers, true);
-    again.lines.push_back(std::move(group.lines));
-  }
-  return again;
+  return found;
 }
 
 }  // namespace quorin::host::calc

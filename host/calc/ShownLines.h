@@ -1,15 +1,16 @@
 // ShownLines: knows where the rows and columns are now that were shown for the user to look at, so
-// that these are hidden again and no others, wherever edits have moved them, and tells those that
-// the user has made visible himself. Any thread that may call the office.
+// that these are hidden again and no others, wherever edits have moved them. Any thread that may
+// call the office.
 //
 // The memory is the office's own: objects in its component context, one entry there for all lines
 // that were shown together. They follow the user's edits by themselves, call nobody, and outlive
 // this process and its connection; the marks keeper reads the same. They end with their workbook;
-// from then on LineTraces tell the lines. Of one reader and one writer at a time: who changes an
-// entry replaces it.
+// from then on LineTraces tell the lines. Who changes an entry replaces it in one call, so that a
+// reader always finds it; of two who change one at a time the last one counts.
 #pragma once
 
 #include <com/sun/star/container/XNameContainer.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <cstddef>
@@ -41,53 +42,60 @@ class ShownLines {
     std::string name;  // of the sheet
     int number = 0;
   };
+  enum class State {
+    hidden,  // still, or for the time of a save: only when it is shown can the user hide it
+    shown,
+    over,   // hidden again, by whomever, or never ours: what is visible of it is the user's
+    opened  // the user has made it visible himself
+  };
   // What is remembered of one line.
   struct Entry {
     std::string key;        // of those that were shown together with it
     std::size_t index = 0;  // among them
     AskedLine asked;
-    bool isSettled = false;       // it is hidden again, or was never ours: nothing is to be done
-    std::optional<Place> place;   // none when it is deleted, or its sheet is
+    State state = State::hidden;
+    std::optional<Place> place;   // none when it is deleted, its sheet is, or it is over
     bool isFiltered = false;      // a filter hid it
+    std::string filter;           // what was filtered there then
     std::vector<int> neighbours;  // hidden together with it, where they are now; at most two
+
+    bool isOver() const { return state == State::over || state == State::opened; }
   };
   using Entries = std::vector<Entry>;
 
   // Everything that is remembered of the workbook.
   Entries entries(const Workbook& workbook) const;
+  // Of lines that had these names in a workbook that was closed since. Its file has them hidden, but
+  // for those that are over, so what is visible of them in a workbook of that name is the user's.
+  Entries entriesElsewhere(const Workbook& workbook, const SheetRef& sheet, Lines kind) const;
 
-  // Remembers lines of one sheet that are about to be shown. What had the same numbers before and
-  // has moved since is still asked for by them. The others are not to be hidden when they are asked
-  // for by these numbers: they are visible already.
-  void remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
-                const std::vector<int>& numbers, const LineStates& states,
-                const std::vector<int>& others) const;
-  // The lines are not to be hidden any more when they are asked for.
-  void settle(const Entries& entries) const;
+  // What a note on a sheet stands for, by the key's `id`. Nothing when all of it is over.
+  struct Noted {
+    css::uno::Reference<css::drawing::XDrawPage> page;  // of the sheet that was shown on
+    Lines kind = Lines::rows;
+    std::vector<int> numbers;  // where the lines are there now that are not over
+  };
+  static std::string idOf(const std::string& key);
+  std::optional<Noted> noted(const std::string& id) const;
+  bool isEmpty() const;  // nothing is remembered of any workbook
+
+  // Remembers lines of one sheet that are about to be shown, beside which `shown` ones are so by us
+  // already. What had the same numbers before and has moved since is still asked for by them. The
+  // others are not to be hidden when they are asked for by these numbers: they are visible already.
+  // Gives the key of them all.
+  std::string remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
+                       const std::vector<int>& numbers, const LineStates& states,
+                       const std::vector<int>& shown, const std::vector<int>& others) const;
+  // Of those that are not over. What is over is not hidden any more when it is asked for.
+  void set(const Entries& entries, State state) const;
+  void set(const std::string& key, State state) const;
   void forget(const Entries& entries) const;
 
  private:
-  void put(const std::string& key, const css::uno::Any& value) const;
+  void replace(const std::string& key, const css::uno::Any& value) const;
   void read(const Workbook& workbook, const std::string& key, Entries& found) const;
 
   const css::uno::Reference<css::container::XNameContainer> memory_;  // or none
 };
-
-// Hides the lines of these entries of the workbook, `all` being all of them, that are visible and
-// not settled, but for those that the user has made visible himself meanwhile: the filter that hid
-// it has ended, or everything that was hidden beside it and beside others of ours next to it is
-// visible.
-struct HiddenLines {
-  css::uno::Reference<css::sheet::XSpreadsheet> sheet;
-  std::string name;  // of the sheet
-  Lines kind = Lines::rows;
-  std::vector<int> numbers;
-};
-struct HiddenAgain {
-  std::vector<HiddenLines> lines;  // for each sheet, which may have had none to hide
-  ShownLines::Entries opened;      // what the user has made visible himself
-};
-HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
-                           const ShownLines::Entries& entries, const ShownLines::Entries& all);
 
 }  // namespace quorin::host::calc

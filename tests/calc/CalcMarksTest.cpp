@@ -247,15 +247,14 @@ TEST_F(CalcMarks, LieOnHiddenRowsToo) {
 }
 
 TEST_F(CalcMarks, AreSeenOnceTheirRowsAreShown) {
-  const RangeRef rows{{"Known.xlsx", "Data"}, parseA1("5:6").value()};
-  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, true); });
+  desk->hands.hideRows("Known.xlsx", "Data", "A5:A6");
   mark({"A5:A6"});
   const int hidden = desk->hands.heightOfShapes("Known.xlsx", "Data");
   EXPECT_THAT(ask("reveal", {Array{"Data!A5:A6"}, 0}), Not(HasSubstr("failed")));
   const int shown = desk->hands.heightOfShapes("Known.xlsx", "Data");
   EXPECT_GT(shown, hidden + 500);
   ask("clearMarks");
-  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, false); });
+  desk->hands.showRows("Known.xlsx", "Data", "A5:A6");
 }
 
 TEST_F(CalcMarks, GoFromAddressesThatBindAndPassOverTheOthers) {

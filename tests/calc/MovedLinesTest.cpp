@@ -71,10 +71,12 @@ class MovedLines : public testing::Test {
     road.open(folder / name);
     ask("select", {Array{"Home!A1"}});
   }
-  // As the file would be had it been saved with the lines visible, which the marks keeper prevents.
+  // As the file would be, in another office, had it been saved with the lines visible, which the
+  // marks keeper prevents.
   void reopenWithAllVisible() {
     hands->save(name);
     reopen();
+    hands->forgetShownLines();
     hands->showRows(name, "One", "A1:A20");
     hands->showRows(name, "Home", "A1:A20");
     hands->showColumns(name, "One", "A1:J1");

@@ -377,6 +377,13 @@ void UserHands::freeze(const std::string& book, int columns, int rows) {
       ->freezeAtPosition(columns, rows);
 }
 
+void UserHands::forgetShownLines() {
+  const Reference<css::container::XNameContainer> memory(objects_->connection.context(),
+                                                         UNO_QUERY_THROW);
+  for (const rtl::OUString& name : memory->getElementNames())
+    if (name.startsWith("/quorin/shown/")) memory->removeByName(name);
+}
+
 void UserHands::lockUndo(const std::string& book) {
   objects_->undoManager(book)->lock();
 }

@@ -2,6 +2,7 @@
 
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XIndexAccess.hpp>
+#include <vector>
 
 namespace quorin::host::calc {
 
@@ -48,6 +49,10 @@ void takeMark(QuietChanges& changes, const Workbook& workbook, const MarkedSheet
     complete = false;
   }
   changes.remove(workbook, sheet.page, mark.shape);
+  // An earlier try may have had it, and not have removed it: see DocumentMarks.h.
+  std::erase_if(taken, [&](const TakenMark& each) {
+    return each.page == sheet.page && each.mark.number == mark.number;
+  });
   if (complete) taken.push_back(std::move(copy));
 }
 

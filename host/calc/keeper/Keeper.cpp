@@ -122,6 +122,7 @@ void Keeper::lookAround() {
   const auto start = Clock::now();
   if (start < notBefore_ || !hook_->turn()) return;
   watchNew();
+  lookAtLines();
   forEachChanged(&MarkFollower::look);
   const auto now = Clock::now();
   notBefore_ = now + std::max<Clock::duration>(pauseForEachLook * (now - start), leastPause);
@@ -140,6 +141,20 @@ void Keeper::forEachChanged(Work work) {
       return !follower.isOpen();
     }
   });
+}
+
+// What fails, or is not what the user sees because his workbook is being saved, is done again. A
+// turn waits for this in every workbook: what its owner takes back may have been copied there.
+void Keeper::lookAtLines() {
+  if (shown_.isEmpty()) return;
+  watchNew();
+  for (MarkFollower& follower : followers_) {
+    try {
+      follower.lookAtLines(shown_);
+    } catch (const css::uno::Exception&) {
+      // The next look, unless the workbook was closed.
+    }
+  }
 }
 
 void Keeper::answer() const {
@@ -166,6 +181,7 @@ void Keeper::obey(const std::string& request) {
     ownersTurn_ = true;
     awaitSaves();
     turn_ = request.substr(begin.size());
+    lookAtLines();
     forEachChanged(&MarkFollower::followCells);
     watch(turn_);
   } else if (request == "end") {
@@ -245,7 +261,8 @@ void Keeper::removeAll() {
 void Keeper::hideLines(const Workbook& workbook) {
   const auto entries = shown_.entries(workbook);
   hideShownLines(changes_, workbook, entries, entries);
-  shown_.settle(entries);
+  shown_.set(entries, ShownLines::State::over);
+  takeNotes(changes_, workbook);
 }
 
 // False when it may be worth another try.

@@ -54,6 +54,7 @@ class Keeper {
   using Work = void (MarkFollower::*)();
   void forEachChanged(Work work);
   void lookAround();
+  void lookAtLines();
   int patience() const;
   void removeAll();
   bool removeOnce();

@@ -39,14 +39,14 @@ class MarkFollower::News : public cppu::WeakImplHelper1<css::util::XModifyListen
  public:
   explicit News(std::function<void()> changed) : changed_(std::move(changed)) {}
   void SAL_CALL modified(const css::lang::EventObject&) override {
-    isNew = true;
+    isNew = areLinesNew = true;
     changed_();
   }
   void SAL_CALL disposing(const css::lang::EventObject&) override {
     isNew = true;
     changed_();
   }
-  std::atomic<bool> isNew = true;
+  std::atomic<bool> isNew = true, areLinesNew = true;
 
  private:
   const std::function<void()> changed_;
@@ -73,7 +73,28 @@ MarkFollower::~MarkFollower() {
 }
 
 bool MarkFollower::isChanged() const {
-  return news_->isNew;
+  return news_->isNew || news_->areLinesNew;
+}
+
+void MarkFollower::lookAtLines(const ShownLines& shown) {
+  if (!news_->areLinesNew.exchange(false)) return;
+  const std::optional<int> turn = hook_.turn();
+  try {
+    const UsersLines users = usersLines(workbook_, shown.entries(workbook_));
+    const auto sheets = workbook_.sheets->getElementNames();
+    if (turn && hook_.turn() == turn) {
+      shown.set(users.hidden, ShownLines::State::over);
+      shown.set(users.opened, ShownLines::State::opened);
+      if (sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
+        tidyNotes(changes_, workbook_, shown);
+      sheets_ = sheets;
+      return;
+    }
+  } catch (const css::uno::Exception&) {
+    news_->areLinesNew = true;
+    throw;
+  }
+  news_->areLinesNew = true;
 }
 
 bool MarkFollower::isOpen() const {

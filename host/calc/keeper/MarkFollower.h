@@ -5,6 +5,7 @@
 #pragma once
 
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <com/sun/star/uno/Sequence.hxx>
 #include <functional>
 #include <list>
 #include <optional>
@@ -40,6 +41,10 @@ class MarkFollower {
   // The same, but leaves the marks of a sheet alone when none of their cells has moved. Whether
   // rows or columns have another size then, which takes long to find out, the next look sees.
   void followCells();
+
+  // Leaves shown lines to the user that he has hidden or made visible himself, and hides them on
+  // the copies of their sheet. It fails and waits as look() does.
+  void lookAtLines(const ShownLines& shown);
 
   bool isChanged() const;
   bool hasMarks() const { return !followed_.empty(); }  // that were tied
@@ -77,7 +82,8 @@ class MarkFollower {
   const SaveHook& hook_;
   const rtl::Reference<News> news_;
   std::list<Followed> followed_;
-  bool untied_ = false;          // marks that the owner made wait for their ties
+  css::uno::Sequence<rtl::OUString> sheets_;  // their names when copies were last looked for
+  bool untied_ = false;                       // marks that the owner made wait for their ties
   bool onlyOwn_ = false;         // but not those that were asked for in another workbook
   std::optional<int> turn_ = 0;  // the hook's at the last survey
 };

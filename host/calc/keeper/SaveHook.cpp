@@ -7,6 +7,7 @@ namespace {
 
 using css::uno::Reference;
 using css::uno::UNO_QUERY;
+using State = ShownLines::State;
 
 // A copy, an export, a mail and the office's own recovery file all go by OnCopyTo.
 bool begins(const rtl::OUString& event) {
@@ -58,16 +59,28 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
   std::vector<TakenMark> marks;
   takeMarks(changes_, *workbook, marks);
   std::vector<HiddenLines> lines;
+  ShownLines::Entries shown;
   try {
-    const auto entries = shown_.entries(*workbook);
-    lines = hideShownLines(changes_, *workbook, entries, entries).lines;
+    shown = shown_.entries(*workbook);
+    std::erase_if(shown, [](const auto& each) { return each.isOver(); });
+    shown_.set(shown, State::hidden);
+    HiddenAgain again = hideShownLines(changes_, *workbook, shown, shown_.entries(*workbook));
+    shown_.set(again.opened, State::opened);
+    lines = std::move(again.lines);
   } catch (const css::uno::Exception&) {
     // The workbook or the office is gone, or refuses: it is saved as it is.
   }
+  std::vector<TakenNote> notes;
+  try {
+    notes = takeNotes(changes_, *workbook);
+  } catch (const css::uno::Exception&) {
+    // The same. A note is never seen.
+  }
   const std::lock_guard lock(mutex_);
   --taking_;
-  if (!marks.empty() || !lines.empty())
-    savings_.push_back({*workbook, std::move(marks), std::move(lines)});
+  if (!marks.empty() || !lines.empty() || !notes.empty())
+    savings_.push_back(
+        {*workbook, std::move(marks), std::move(lines), std::move(shown), std::move(notes)});
 }
 
 // A line that the office refuses to show, or whose sheet is gone, stays hidden.
@@ -79,6 +92,8 @@ void SaveHook::showAgain(const Saving& saving) {
     } catch (const css::uno::Exception&) {
     }
   }
+  shown_.set(saving.shown, State::shown);
+  for (const TakenNote& note : saving.notes) putBack(changes_, saving.workbook, note);
 }
 
 void SaveHook::putBackInto(const Reference<css::uno::XInterface>& document) {

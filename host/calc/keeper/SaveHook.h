@@ -13,7 +13,8 @@
 #include <optional>
 #include <vector>
 
-#include "host/calc/ShownLines.h"
+#include "host/calc/LinesBack.h"
+#include "host/calc/LinesNote.h"
 #include "host/calc/keeper/DocumentMarks.h"
 
 namespace quorin::host::calc {
@@ -42,6 +43,8 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
     Workbook workbook;
     std::vector<TakenMark> marks;
     std::vector<HiddenLines> lines;
+    ShownLines::Entries shown;  // what is remembered of these
+    std::vector<TakenNote> notes;
   };
   struct Made {
     css::uno::Reference<css::frame::XModel> document;

@@ -1,0 +1,39 @@
+// LinesBack: hides shown lines again, but for those that the user has made visible himself, and
+// tells which of them the user has hidden or opened. Any thread that may call the office.
+#pragma once
+
+#include <com/sun/star/sheet/XSpreadsheet.hpp>
+#include <string>
+#include <vector>
+
+#include "host/calc/QuietChanges.h"
+#include "host/calc/ShownLines.h"
+
+namespace quorin::host::calc {
+
+struct HiddenLines {
+  css::uno::Reference<css::sheet::XSpreadsheet> sheet;
+  std::string name;  // of the sheet
+  Lines kind = Lines::rows;
+  std::vector<int> numbers;
+};
+struct HiddenAgain {
+  std::vector<HiddenLines> lines;  // for each sheet, which may have had none to hide
+  ShownLines::Entries opened;      // what the user has made visible himself
+};
+
+// Hides the lines of these entries of the workbook, `all` being all of them, that are visible and
+// not over, but for those that the user has made visible himself meanwhile: the filter that hid it
+// has ended, what is filtered there has changed, or everything that was hidden beside it in the
+// same way, and beside others of ours next to it, is visible.
+HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
+                           const ShownLines::Entries& entries, const ShownLines::Entries& all);
+
+// Of the lines that are shown: what the user has hidden since, and what he has opened as above.
+// From then on that is his own, whatever he does with it next.
+struct UsersLines {
+  ShownLines::Entries hidden, opened;
+};
+UsersLines usersLines(const Workbook& workbook, const ShownLines::Entries& all);
+
+}  // namespace quorin::host::calc

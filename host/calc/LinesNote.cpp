@@ -1,0 +1,88 @@
+#include "host/calc/LinesNote.h"
+
+#include <algorithm>
+#include <com/sun/star/container/XIndexAccess.hpp>
+#include <optional>
+#include <string_view>
+
+#include "host/calc/LineStates.h"
+#include "host/calc/MarkShape.h"
+#include "host/calc/Text.h"
+
+namespace quorin::host::calc {
+namespace {
+
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+using Page = Reference<css::drawing::XDrawPage>;
+
+constexpr std::string_view prefix = "Quorin shown lines ";
+
+bool isNote(const NamedShape& shape) {
+  return shape.name.starts_with(prefix);
+}
+
+template <typename Work>
+void forEachSheet(const Workbook& workbook, Work work) {
+  const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
+  const sal_Int32 count = sheets->getCount();
+  for (sal_Int32 i = 0; i < count; ++i)
+    work(Reference<css::sheet::XSpreadsheet>(sheets->getByIndex(i), UNO_QUERY_THROW));
+}
+
+// Hides what is remembered as it is numbered on the sheet that was copied.
+void hideOnCopy(QuietChanges& changes, const Workbook& workbook,
+                const Reference<css::sheet::XSpreadsheet>& sheet, const ShownLines::Noted& noted) {
+  LineStates(sheet, noted.kind).setHidden(changes, workbook, noted.numbers, true);
+}
+
+}  // namespace
+
+void addNote(QuietChanges& changes, const Workbook& workbook, const Page& page,
+             const std::string& key) {
+  if (!key.empty())
+    changes.add(workbook, page,
+                makeEmptyShape(workbook.model, std::string(prefix) + ShownLines::idOf(key)));
+}
+
+void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines& shown) {
+  forEachSheet(workbook, [&](const Reference<css::sheet::XSpreadsheet>& sheet) {
+    const Page page = drawPageOf(sheet);
+    for (const NamedShape& shape : namedShapes(page)) {
+      if (!isNote(shape)) continue;
+      const auto noted = shown.noted(shape.name.substr(prefix.size()));
+      const bool isCopy = noted && noted->page != page;
+      if (isCopy) hideOnCopy(changes, workbook, sheet, *noted);
+      if (isCopy || !noted) changes.remove(workbook, page, shape.shape);
+    }
+  });
+}
+
+// Until none is found: one whose object has lost its shape is not removed at once.
+std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook) {
+  constexpr int mostTries = 10;
+  std::vector<TakenNote> taken;
+  bool found = true;
+  for (int tries = 0; found && tries < mostTries; ++tries) {
+    found = false;
+    forEachSheet(workbook, [&](const Reference<css::sheet::XSpreadsheet>& sheet) {
+      const Page page = drawPageOf(sheet);
+      for (const NamedShape& shape : namedShapes(page)) {
+        if (!isNote(shape)) continue;
+        found = true;
+        changes.remove(workbook, page, shape.shape);
+        const bool isKnown = std::any_of(taken.begin(), taken.end(), [&](const TakenNote& each) {
+          return each.page == page && each.name == shape.name;
+        });
+        if (!isKnown) taken.push_back({page, shape.name});
+      }
+    });
+  }
+  return taken;
+}
+
+void putBack(QuietChanges& changes, const Workbook& workbook, const TakenNote& note) {
+  changes.add(workbook, note.page, makeEmptyShape(workbook.model, note.name));
+}
+
+}  // namespace quorin::host::calc
