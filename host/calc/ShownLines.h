@@ -65,8 +65,9 @@ class ShownLines {
 
   // Everything that is remembered of the workbook.
   Entries entries(const Workbook& workbook) const;
-  // Of lines that had these names in a workbook that was closed since. Its file has them hidden, but
-  // for those that are over, so what is visible of them in a workbook of that name is the user's.
+  // Of lines that had these names in a workbook that was closed since. Its file has them hidden,
+  // but for those that are over, so what is visible of them in a workbook of that name is the
+  // user's.
   Entries entriesElsewhere(const Workbook& workbook, const SheetRef& sheet, Lines kind) const;
 
   // What a note on a sheet stands for, by the key's `id`. Nothing when all of it is over.
