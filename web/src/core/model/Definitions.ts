@@ -3,7 +3,7 @@
 
 import { parse } from '../formula/Parser';
 import type { Names } from './Names';
-import { namedBy, namesOf, type Meanings, type RunTimeReason } from './references';
+import { fixedBits, namedBy, namesOf, type Meanings, type RunTimeReason } from './references';
 import { Rows } from './Rows';
 import type { Texts } from './SheetCells';
 import type { Span } from './span';
@@ -49,21 +49,16 @@ export class Definitions {
   of(formula: number, sheet: number): number {
     const known = this.numbers.get(formula);
     if (known !== undefined && known >= 0) return known;
-    const key = known === -1 ? keyOf(formula, sheet) : '';
-    const own = this.perSheet.get(key);
+    const own = known === -1 ? this.perSheet.get(keyOf(formula, sheet)) : undefined;
     if (own !== undefined) return own;
     const text = this.formulas.at(formula);
     const read = parse(text, 'r1c1');
     const depends = namesOf(read).some((name) => this.names.dependsOnSheet(name));
     const named = namedBy(read, this.meanings, depends ? sheet : undefined);
     const number = this.starts.length - 1;
-    for (const { sheet: target, rows, cols } of named.references) {
-      const fixed =
-        (rows.aFixed ? 1 : 0) |
-        (rows.bFixed ? 2 : 0) |
-        (cols.aFixed ? 4 : 0) |
-        (cols.bFixed ? 8 : 0);
-      this.references.add([target, fixed, rows.a, rows.b, cols.a, cols.b]);
+    for (const reference of named.references) {
+      const { sheet: target, rows, cols } = reference;
+      this.references.add([target, fixedBits(reference), rows.a, rows.b, cols.a, cols.b]);
     }
     this.starts.push(this.references.count);
     const unread = read.problems.length > 0;

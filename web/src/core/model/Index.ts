@@ -2,7 +2,7 @@
 // for each of their references the box that it sweeps. Questions are answered for whole areas at
 // once and cost by regions, not by cells. Built once; a workbook read anew gets a new one.
 
-import { type Area, covers, maxColumns, maxRows, meet } from '../address/area';
+import { type Area, cellCount, covers, maxColumns, maxRows, meet } from '../address/area';
 import { BoxTree } from './BoxTree';
 import { CellPlaces, CellUsers } from './CellUsers';
 import type { Definitions } from './Definitions';
@@ -130,9 +130,7 @@ export class Index {
     area: Area,
     tell: (part: Part, reference: number) => void,
   ): void {
-    held?.tree.search(area, (box) => {
-      const region = held.owners[box * 2] as number;
-      const reference = held.owners[box * 2 + 1] as number;
+    eachOwner(held, area, (region, reference) => {
       const own = this.areaOf(region);
       const rows = users(
         this.rowsOf(region, reference),
@@ -158,9 +156,7 @@ export class Index {
   /** Every box that meets the area: what a region's formulas name together by one reference. */
   eachBox({ sheet, area }: SheetArea, tell: (box: Area) => void): void {
     for (const held of [this.boxes[sheet], this.points[sheet]]) {
-      held?.tree.search(area, (box) => {
-        const region = held.owners[box * 2] as number;
-        const reference = held.owners[box * 2 + 1] as number;
+      eachOwner(held, area, (region, reference) => {
         tell(this.boxOf(region, reference, this.areaOf(region)));
       });
     }
@@ -213,7 +209,7 @@ export class Index {
   }
 
   private partsOf(area: Area, definition: number): Area[] {
-    if (area.top === area.bottom && area.left === area.right) return [area];
+    if (cellCount(area) === 1) return [area];
     const { rows, cols } = this.definitions.distances(definition);
     return partsWithin(area, rows, cols);
   }
@@ -239,7 +235,7 @@ export class Index {
       const isCell = this.isCell(region);
       this.usedBy({ region, area: this.areaOf(region) }, ({ sheet, area }, reference) => {
         const { top, left, bottom, right } = area;
-        const isPoint = isCell && top === bottom && left === right;
+        const isPoint = isCell && cellCount(area) === 1;
         const own = kinds[isPoint ? 1 : 0]?.held[sheet];
         own?.bounds.add([top, left, bottom, right]);
         own?.owners.add([region, reference]);
@@ -266,6 +262,17 @@ export class Index {
     }
     return cells;
   }
+}
+
+/** The region and the reference of every box that meets the area. */
+function eachOwner(
+  held: Boxes | undefined,
+  area: Area,
+  tell: (region: number, reference: number) => void,
+): void {
+  held?.tree.search(area, (box) => {
+    tell(held.owners[box * 2] as number, held.owners[box * 2 + 1] as number);
+  });
 }
 
 function within(span: Span, line: number, limit: number): Span {

@@ -1,7 +1,7 @@
 // The model's answers in the words of the page: rows with address, formula, label and value.
 
-import { cellCount, meet, type Area } from '../address/area';
-import { formulaAt } from '../formula/relative';
+import { cellCount, meet } from '../address/area';
+import { formulaInFirst } from '../formula/relative';
 import { impactOf } from './impact';
 import { driversOf } from './drivers';
 import { findErrorCauses } from './errors';
@@ -28,11 +28,6 @@ const stepsLimit = 40;
 /** More of a formula does not fit a row. */
 const formulaLimit = 240;
 
-/** As it stands in the first of its cells: worked out here, so that the page's own thread need not. */
-function shownFormula(relative: string, area: Area): string {
-  return cut(formulaAt(relative, { row: area.top, col: area.left }));
-}
-
 function cut(formula: string): string {
   return formula.length > formulaLimit ? `${formula.slice(0, formulaLimit)}…` : formula;
 }
@@ -41,7 +36,8 @@ function rowOf(model: WorkbookModel, { sheet, area }: SheetArea, formula: number
   return {
     sheet: model.sheetName(sheet),
     area,
-    formula: formula === 0 ? '' : shownFormula(model.formulas.at(formula), area),
+    // Written out here, so that the page's own thread need not.
+    formula: formula === 0 ? '' : cut(formulaInFirst(model.formulas.at(formula), area)),
     label: model.label({ sheet, area }),
     value: model.value({ sheet, area }),
     cells: cellCount(area),

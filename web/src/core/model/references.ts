@@ -282,13 +282,16 @@ function fixedArea(area: {
   };
 }
 
-function keyOf({ sheet, rows, cols }: Reference): string {
-  const fixed =
-    Number(rows.aFixed) +
-    2 * Number(rows.bFixed) +
-    4 * Number(cols.aFixed) +
-    8 * Number(cols.bFixed);
-  return `${String(sheet)} ${String(rows.a)} ${String(rows.b)} ${String(cols.a)} ${String(cols.b)} ${String(fixed)}`;
+/** Which ends are fixed, a bit for each: of the rows the first 1 and the last 2, of the columns 4 and 8. */
+export function fixedBits({ rows, cols }: Reference): number {
+  return (
+    (rows.aFixed ? 1 : 0) | (rows.bFixed ? 2 : 0) | (cols.aFixed ? 4 : 0) | (cols.bFixed ? 8 : 0)
+  );
+}
+
+function keyOf(reference: Reference): string {
+  const { sheet, rows, cols } = reference;
+  return [sheet, fixedBits(reference), rows.a, rows.b, cols.a, cols.b].join(' ');
 }
 
 export function eachOnce(references: Reference[]): Reference[] {

@@ -4,7 +4,7 @@
 import { count, grouped } from '../format/words';
 import { type Area, areaAddress, cellCount, parseArea } from '../address/area';
 import { extentOf } from '../address/extent';
-import { formulaAt } from '../formula/relative';
+import { formulaAt, formulaInFirst } from '../formula/relative';
 import type { Block } from './blocks';
 import { group, type PlaceRow } from './PlaceList';
 import { placesOf, type Place } from './places';
@@ -29,10 +29,6 @@ function placeAt(sheet: string, area: Area): Place {
   return { sheet, address, size: extentOf(address).size, first };
 }
 
-function inFirstCell(formula: string, { top, left }: Area): string {
-  return formulaAt(formula, { row: top, col: left });
-}
-
 function cellRows(sheet: string, { area, formula }: Block): PlaceRow[] {
   const rows: PlaceRow[] = [];
   const cells = cellCount(area);
@@ -54,7 +50,7 @@ function blockRow(sheet: string, block: Block): PlaceRow {
   const { area, formula } = block;
   const place = placeAt(sheet, area);
   const cells = cellCount(area);
-  const text = formula === undefined ? place.size : inFirstCell(formula, area);
+  const text = formula === undefined ? place.size : formulaInFirst(formula, area);
   const times = formula === undefined || cells === 1 ? '' : `  ×${grouped(String(cells))}`;
   const row: PlaceRow = { text: place.address, detail: text + times, tag: '', place };
   return cells === 1 ? row : { ...row, inner: () => cellRows(sheet, block) };
@@ -69,7 +65,7 @@ function rowsOfFormula(sheet: string, blocks: readonly Block[]): PlaceRow[] {
   }
   const cells = blocks.reduce((sum, { area }) => sum + cellCount(area), 0);
   const inner = blocks.map((block) => blockRow(sheet, block));
-  const formula = inFirstCell(first.formula, first.area);
+  const formula = formulaInFirst(first.formula, first.area);
   return [
     {
       text: `${areaAddress(first.area)} and ${count(blocks.length - 1, 'more area')}`,
