@@ -28,10 +28,10 @@ std::vector<Area> piecesFrom(int row, const Area& area, int most);
 
 // Calls `work` with one piece of the area after the other, as they follow each other above. It
 // gives the bytes of text that the piece brought: where cells hold long texts, of which 2,000 may
-// be 130 MB, few are read at once. SpreadsheetError -1712 between two of them when the limits are
-// reached.
+// be 130 MB, few are read at once, and `atMost` where they do not. SpreadsheetError -1712
+// between two of them when the limits are reached.
 template <typename Work>
-void inPieces(const Area& area, const CallLimits& limits, Work work) {
+void inPieces(const Area& area, const CallLimits& limits, Work work, int atMost = cellsOfPiece) {
   constexpr int few = 200;
   constexpr long long longText = 1'000;  // bytes for each cell
   int most = few;
@@ -42,7 +42,7 @@ void inPieces(const Area& area, const CallLimits& limits, Work work) {
       limits.check();
       bytes += static_cast<long long>(work(piece));
     }
-    most = bytes > longText * cellCount(pieces) ? few : cellsOfPiece;
+    most = bytes > longText * cellCount(pieces) ? few : atMost;
     row = pieces.back().lastRow + 1;
   }
 }
@@ -75,6 +75,19 @@ Grid<T> gridFor(const Area& area) {
   return grid;
 }
 
+// What a grid of one area holds of a part of that area.
+template <typename T>
+Grid<T> partOf(const Grid<T>& whole, const Area& area, const Area& part) {
+  Grid<T> grid{rowCount(part), columnCount(part), {}};
+  grid.cells.reserve(static_cast<std::size_t>(cellCount({part})));
+  for (int row = part.firstRow; row <= part.lastRow; ++row) {
+    for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
+      grid.cells.push_back(whole.at(row - area.firstRow, column - area.firstColumn));
+    }
+  }
+  return grid;
+}
+
 template <typename T>
 T& cellAt(Grid<T>& grid, int row, int column) {  // 0-based
   return grid.cells[static_cast<std::size_t>(row) * static_cast<std::size_t>(grid.columns) +
@@ -95,15 +108,19 @@ void place(Grid<T> part, const Area& at, Grid<T>& whole, const Area& area) {
 // What `read` gives for each piece of the area, put together. SpreadsheetError for too many cells,
 // too much text, or when the limits are reached.
 template <typename T, typename Read>
-Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read) {
+Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read,
+                     int atMost = cellsOfPiece) {
   Grid<T> grid = gridFor<T>(area);
   TextRoom room;
-  inPieces(area, limits, [&](const Area& piece) {
-    Grid<T> part = read(piece);
-    const std::size_t bytes = room.take(part);
-    place(std::move(part), piece, grid, area);
-    return bytes;
-  });
+  inPieces(
+      area, limits,
+      [&](const Area& piece) {
+        Grid<T> part = read(piece);
+        const std::size_t bytes = room.take(part);
+        place(std::move(part), piece, grid, area);
+        return bytes;
+      },
+      atMost);
   return grid;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/AreaGrid.h"
 #include "host/calc/AskedNetwork.h"
 #include "host/calc/CalcActive.h"
 #include "host/calc/CalcCells.h"
@@ -262,10 +263,17 @@ Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
 }
 
 Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
-  const Errors errors = memory_.hasNoErrors(range) ? Errors::none : Errors::possible;
-  return call([&](CalcSession& office) {
-    return readTexts(office.workbook(range.sheet.book), range, errors, limits_);
+  if (auto known = memory_.takeTexts(range)) return *std::move(known);
+  const RangeRef asked = memory_.textsAskedNext(range);
+  const Errors errors = memory_.hasNoErrors(asked) ? Errors::none : Errors::possible;
+  const Texts length = memory_.hasShortTexts(asked) ? Texts::shortOnes : Texts::anyLength;
+  Grid<std::string> texts = call([&](CalcSession& office) {
+    return readTexts(office.workbook(range.sheet.book), asked, errors, length, limits_);
   });
+  if (asked == range) return texts;
+  Grid<std::string> part = partOf(texts, asked.areas.front(), range.areas.front());
+  memory_.keepTexts(asked, std::move(texts));
+  return part;
 }
 
 Evaluation CalcSpreadsheet::evaluate(const std::string& expression, const SheetRef& from) {

@@ -26,7 +26,8 @@ bool flag(const Reference<XPropertySet>& properties, const char* name) {
 
 // The column whose header has that text; 0 when none has.
 int columnNamed(const Workbook& workbook, const RangeRef& headers, const std::string& name) {
-  const Grid<std::string> texts = readTexts(workbook, headers, Errors::none, CallLimits());
+  const Grid<std::string> texts =
+      readTexts(workbook, headers, Errors::none, Texts::anyLength, CallLimits());
   for (std::size_t i = 0; i < texts.cells.size(); ++i) {
     if (caselesslyEqual(texts.cells[i], name)) {
       return headers.areas.front().firstColumn + static_cast<int>(i);

@@ -125,10 +125,15 @@ Grid<std::string> readPiece(const Workbook& workbook, const std::string& sheet, 
 }  // namespace
 
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
-                            const CallLimits& limits) {
-  return readInPieces<std::string>(firstArea(range), limits, [&](const Area& piece) {
-    return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
-  });
+                            Texts texts, const CallLimits& limits) {
+  // As many as a handler asks for: each piece is two questions more.
+  constexpr int shortTextsOfPiece = 5'000;
+  return readInPieces<std::string>(
+      firstArea(range), limits,
+      [&](const Area& piece) {
+        return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
+      },
+      texts == Texts::shortOnes ? shortTextsOfPiece : cellsOfPiece);
 }
 
 }  // namespace quorin::host::calc

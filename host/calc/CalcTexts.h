@@ -13,9 +13,12 @@ namespace quorin::host::calc {
 // it.
 enum class Errors { possible, none };
 
+// Whether the cells may hold long texts, so that few are read at once.
+enum class Texts { anyLength, shortOnes };
+
 // All of the first area.
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
-                            const CallLimits& limits);
+                            Texts texts, const CallLimits& limits);
 
 // Errors in the user's language. A call or two for all of them, which for one cell takes longer
 // than its own text.

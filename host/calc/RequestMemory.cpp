@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "host/calc/AreaGrid.h"
 
 namespace quorin::host::calc {
 
@@ -33,22 +34,14 @@ void RequestMemory::forget() {
   activeWorkbook_.reset();
   activeSheet_.reset();
   values_.reset();
+  texts_.reset();
   withoutErrors_.reset();
 }
 
 std::optional<Grid<CellValue>> RequestMemory::values(const RangeRef& range) const {
   if (!values_ || !holds(valuesRange_, range)) return std::nullopt;
-  const Area& wanted = range.areas.front();
-  const Area& known = valuesRange_.areas.front();
-  if (wanted == known) return values_;
-  Grid<CellValue> part{rowCount(wanted), columnCount(wanted), {}};
-  part.cells.reserve(static_cast<std::size_t>(cellCount({wanted})));
-  for (int row = wanted.firstRow; row <= wanted.lastRow; ++row) {
-    for (int column = wanted.firstColumn; column <= wanted.lastColumn; ++column) {
-      part.cells.push_back(values_->at(row - known.firstRow, column - known.firstColumn));
-    }
-  }
-  return part;
+  if (range.areas.front() == valuesRange_.areas.front()) return values_;
+  return partOf(*values_, valuesRange_.areas.front(), range.areas.front());
 }
 
 std::optional<Grid<CellValue>> RequestMemory::takeFirstColumn(const RangeRef& range) {
@@ -67,6 +60,38 @@ void RequestMemory::keepValues(const RangeRef& range, Grid<CellValue> values) {
 
 bool RequestMemory::hasNoErrors(const RangeRef& range) const {
   return withoutErrors_ && holds(*withoutErrors_, range);
+}
+
+bool RequestMemory::hasShortTexts(const RangeRef& range) const {
+  constexpr std::size_t shortText = 100;
+  const auto isShort = [](const CellValue& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    return text == nullptr || text->size() <= shortText;
+  };
+  return values_ && holds(valuesRange_, range) &&
+         std::all_of(values_->cells.begin(), values_->cells.end(), isShort);
+}
+
+RangeRef RequestMemory::textsAskedNext(const RangeRef& range) const {
+  constexpr long long mostCellsWithTexts = 5'000;
+  if (!values_ || range.areas.size() != 1 || valuesRange_.sheet != range.sheet) return range;
+  const Area& all = valuesRange_.areas.front();
+  Area first = all;
+  first.lastColumn = first.firstColumn;
+  const bool isAsked = range.areas.front() == first && valuesRange_.areas.size() == 1 &&
+                       cellCount({all}) <= mostCellsWithTexts && hasNoErrors(valuesRange_);
+  return isAsked ? valuesRange_ : range;
+}
+
+std::optional<Grid<std::string>> RequestMemory::takeTexts(const RangeRef& range) {
+  if (!texts_ || textsRange_ != range) return std::nullopt;
+  return std::exchange(texts_, std::nullopt);
+}
+
+void RequestMemory::keepTexts(const RangeRef& range, Grid<std::string> texts) {
+  if (!lasts_) return;
+  textsRange_ = range;
+  texts_ = std::move(texts);
 }
 
 void RequestMemory::noteErrors(const RangeRef& range, const Grid<CellValue>& values) {

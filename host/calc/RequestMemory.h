@@ -43,6 +43,17 @@ class RequestMemory {
   std::optional<Grid<CellValue>> takeFirstColumn(const RangeRef& range);
   void keepValues(const RangeRef& range, Grid<CellValue> values);
 
+  // What is going to be asked for with these displayed texts: who looks at those of the first
+  // column of what was read asks for all of them next, where there are not too many and no error
+  // stops it.
+  RangeRef textsAskedNext(const RangeRef& range) const;
+  // Once, and only those of this very range.
+  std::optional<Grid<std::string>> takeTexts(const RangeRef& range);
+  void keepTexts(const RangeRef& range, Grid<std::string> texts);
+
+  // Whether the values that are kept say that there are no long texts in these cells.
+  bool hasShortTexts(const RangeRef& range) const;
+
   // Whether the values that were read last say that there is no error in these cells.
   bool hasNoErrors(const RangeRef& range) const;
   void noteErrors(const RangeRef& range, const Grid<CellValue>& values);
@@ -63,6 +74,8 @@ class RequestMemory {
   std::optional<std::optional<SheetRef>> activeSheet_;
   RangeRef valuesRange_;
   std::optional<Grid<CellValue>> values_;
+  RangeRef textsRange_;
+  std::optional<Grid<std::string>> texts_;
   std::optional<RangeRef> withoutErrors_;
 };
 

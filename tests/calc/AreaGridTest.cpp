@@ -20,18 +20,23 @@ TEST(AreaGrid, CutsAnAreaIntoPiecesThatAreReadOneAfterTheOther) {
 }
 
 // The pieces in which an area is read whose cells hold so many bytes of text each.
-std::string readIn(const char* address, std::size_t bytes) {
+std::string readIn(const char* address, std::size_t bytes, int atMost = cellsOfPiece) {
   std::vector<Area> pieces;
-  inPieces(parseA1(address).value().front(), CallLimits(), [&](const Area& piece) {
-    pieces.push_back(piece);
-    return bytes * static_cast<std::size_t>(cellCount({piece}));
-  });
+  inPieces(
+      parseA1(address).value().front(), CallLimits(),
+      [&](const Area& piece) {
+        pieces.push_back(piece);
+        return bytes * static_cast<std::size_t>(cellCount({piece}));
+      },
+      atMost);
   return addressText(pieces);
 }
 
 TEST(AreaGrid, ReadsFewCellsAtOnceWhereTheyHoldLongTexts) {
   EXPECT_EQ(readIn("B2", 0), "$B$2");
   EXPECT_EQ(readIn("A1:A5000", 1000), "$A$1:$A$200,$A$201:$A$2200,$A$2201:$A$4200,$A$4201:$A$5000");
+  EXPECT_EQ(readIn("A1:A5000", 1000, 5000), "$A$1:$A$200,$A$201:$A$5000");
+  EXPECT_EQ(readIn("A1:B250", 1001, 5000), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
   EXPECT_EQ(readIn("A1:B250", 1001), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
   EXPECT_EQ(readIn("A1:KN2", 0), "$A$1:$GR$1,$GS$1:$KN$1,$A$2:$KN$2");  // 300 columns
 }
@@ -42,6 +47,13 @@ TEST(AreaGrid, PutsPiecesIntoTheirPlaces) {
   place(Grid<int>{1, 2, {1, 2}}, {4, 3, 4, 4}, grid, whole);
   place(Grid<int>{2, 1, {3, 4}}, {3, 2, 4, 2}, grid, whole);
   EXPECT_EQ(grid.cells, (std::vector<int>{3, 0, 0, 4, 1, 2}));
+}
+
+TEST(AreaGrid, GivesPartsOfWhatWasRead) {
+  const Grid<int> whole{2, 3, {1, 2, 3, 4, 5, 6}};
+  const Area area{3, 2, 4, 4};
+  EXPECT_EQ(partOf(whole, area, {3, 3, 4, 4}), (Grid<int>{2, 2, {2, 3, 5, 6}}));
+  EXPECT_EQ(partOf(whole, area, area), whole);
 }
 
 TEST(AreaGrid, HasRoomForSoMuchText) {

@@ -92,6 +92,17 @@ TEST_F(CalcCells, DisplaysErrorsByTheNamesThatExcelGivesThem) {
   EXPECT_EQ(calc().displayedTexts(at("E6")).cells, std::vector<std::string>{"#NUM!"});
 }
 
+// As a handler does it, which looks at the first column before: all of them are read then.
+TEST_F(CalcCells, DisplaysTheSameTextsAfterTheirFirstColumn) {
+  calc().handlerBegins({});
+  calc().formulas(at("A1:C3"), ReferenceStyle::r1c1);
+  EXPECT_EQ(calc().displayedTexts(at("A1:A3")).cells,
+            (std::vector<std::string>{"TRUE", "FALSE", "1"}));
+  EXPECT_EQ(calc().displayedTexts(at("A1:C3")).cells,
+            (std::vector<std::string>{"TRUE", "", "2", "FALSE", "", "", "1", "", "1"}));
+  calc().handlerEnds();
+}
+
 TEST_F(CalcCells, ReadsArrayFormulasWithoutTheirBraces) {
   EXPECT_EQ(formulas("C1"), Cells{"=A3:A3*2"});
   EXPECT_EQ(formulas("C3:C4"), (Cells{"=A3:A4*1", "=A3:A4*1"}));

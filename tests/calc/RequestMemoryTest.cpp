@@ -97,5 +97,63 @@ TEST_F(RequestMemoryTest, KnowsWhereNoErrorIs) {
   EXPECT_FALSE(memory_.hasNoErrors(at("A1")));
 }
 
+// A handler that has read the formulas of a range looks at the displayed texts of its first column,
+// then at all of them.
+TEST_F(RequestMemoryTest, KnowsWhichTextsAreAskedForNext) {
+  const Grid<CellValue> numbers{2, 3, {1.0, 2.0, 3.0, 4.0, 5.0, 6.0}};
+  EXPECT_EQ(memory_.textsAskedNext(at("A1:A2")), at("A1:A2"));  // nothing was read
+  memory_.begin();
+  memory_.keepValues(at("A1:C2"), numbers);
+  memory_.noteErrors(at("A1:C2"), numbers);
+  EXPECT_EQ(memory_.textsAskedNext(at("A1:A2")), at("A1:C2"));
+  for (const char* other : {"A1", "B1:B2", "A1:B2", "A1:A3"}) {
+    EXPECT_EQ(memory_.textsAskedNext(at(other)), at(other)) << other;
+  }
+  EXPECT_EQ(memory_.textsAskedNext(at("A1:A2", {"Book.xlsx", "Other"})).sheet.sheet, "Other");
+  // An error would end it after the first column.
+  memory_.keepValues(at("A1:C2"), block);
+  memory_.noteErrors(at("A1:C2"), block);
+  EXPECT_EQ(memory_.textsAskedNext(at("A1:A2")), at("A1:A2"));
+}
+
+TEST_F(RequestMemoryTest, ReadsNoMoreTextsAheadThanAreAskedFor) {
+  const auto next = [this](const char* all, const char* first) {
+    const Area area = parseA1(all).value().front();
+    const Grid<CellValue> blank{
+        rowCount(area), columnCount(area),
+        std::vector<CellValue>(static_cast<std::size_t>(cellCount({area})), CellValue(1.0))};
+    memory_.begin();
+    memory_.keepValues(at(all), blank);
+    memory_.noteErrors(at(all), blank);
+    return memory_.textsAskedNext(at(first));
+  };
+  EXPECT_EQ(next("A1:B2500", "A1:A2500"), at("A1:B2500"));
+  EXPECT_EQ(next("A1:C1667", "A1:A1667"), at("A1:A1667"));  // 5,001
+}
+
+TEST_F(RequestMemoryTest, TellsTextsOnceAndForgetsThemWithTheRest) {
+  const Grid<std::string> texts{1, 2, {"1", "two"}};
+  memory_.keepTexts(at("A1:B1"), texts);
+  EXPECT_EQ(memory_.takeTexts(at("A1:B1")), std::nullopt);  // outside of a request
+  memory_.begin();
+  memory_.keepTexts(at("A1:B1"), texts);
+  EXPECT_EQ(memory_.takeTexts(at("A1")), std::nullopt);
+  EXPECT_EQ(memory_.takeTexts(at("A1:B1")), texts);
+  EXPECT_EQ(memory_.takeTexts(at("A1:B1")), std::nullopt);
+  memory_.keepTexts(at("A1:B1"), texts);
+  memory_.forget();
+  EXPECT_EQ(memory_.takeTexts(at("A1:B1")), std::nullopt);
+}
+
+TEST_F(RequestMemoryTest, KnowsWhereTextsAreShort) {
+  memory_.begin();
+  EXPECT_FALSE(memory_.hasShortTexts(at("A1")));
+  memory_.keepValues(at("A1:B1"), {1, 2, {1.0, std::string(100, 'x')}});
+  EXPECT_TRUE(memory_.hasShortTexts(at("A1:B1")));
+  EXPECT_FALSE(memory_.hasShortTexts(at("A1:C1")));
+  memory_.keepValues(at("A1:B1"), {1, 2, {1.0, std::string(101, 'x')}});
+  EXPECT_FALSE(memory_.hasShortTexts(at("A1:B1")));
+}
+
 }  // namespace
 }  // namespace quorin::host::calc
