@@ -116,9 +116,7 @@ def main():
         print(f"{what}: {value:.1f} {unit} (at most {budget:.0f})", flush=True)
 
     try:
-        trial.start_display()
-        trial.start_office()
-        trial.start_witness()
+        trial.start_calc()
         trial.start_quorin()
         wait_for("the panel to follow", lambda: trial.panel.shown()["address"])
         trial.panel.eval(NATIVE_SIDE)

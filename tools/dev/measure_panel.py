@@ -145,9 +145,7 @@ def quitting_time(trial):
 def main():
     trial = Trial(sys.argv[1], sys.argv[2], ".")
     try:
-        trial.start_display()
-        trial.start_office()
-        trial.start_witness()
+        trial.start_calc()
         trial.cell()
         launches = []
         for _ in range(6):

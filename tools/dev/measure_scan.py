@@ -181,9 +181,7 @@ def main():
     keys = int(sys.argv[4]) if len(sys.argv) > 4 else 40
     trial = Trial(quorin, workbook, ".")
     try:
-        trial.start_display()
-        trial.start_office()
-        trial.start_witness()
+        trial.start_calc()
         trial.cell()
         trial.start_quorin()
         tried = Scans(trial, pathlib.Path("."))

@@ -88,9 +88,7 @@ def main():
     changes = int(sys.argv[4]) if len(sys.argv) > 4 else 2000
     trial = Trial(sys.argv[1], sys.argv[2], ".")
     try:
-        trial.start_display()
-        trial.start_office()
-        trial.start_witness()
+        trial.start_calc()
         trial.cell()
         trial.start_quorin()
         wait_for("the panel to follow", lambda: trial.panel.shown()["address"])

@@ -177,9 +177,7 @@ def main():
     trial = Trial(quorin, workbook, output)
     good = True
     try:
-        trial.start_display()
-        trial.start_office()
-        trial.start_witness()
+        trial.start_calc()
         trial.start_quorin()
         trial.stand_beside_calc()
         tried = Tried(trial, output)

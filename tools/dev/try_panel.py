@@ -173,6 +173,12 @@ class Trial:
             raise Trouble(f"{' '.join(map(str, command))}: {run.stderr}")
         return run.stdout
 
+    def start_calc(self):
+        """Calc with the workbook on a display of its own, and the witness of what it holds."""
+        self.start_display()
+        self.start_office()
+        self.start_witness()
+
     def start_display(self, size="1600x960"):
         read, write = os.pipe()
         self.start("Xvfb", "-displayfd", write, "-screen", "0", f"{size}x24", "-nolisten", "tcp",
@@ -393,9 +399,7 @@ class Trial:
 
     def run(self):
         self.output.mkdir(parents=True, exist_ok=True)
-        self.start_display()
-        self.start_office()
-        self.start_witness()
+        self.start_calc()
         self.start_quorin()
         wait_for("the page", lambda: self.panel.shown()["state"])
         wait_for("the panel to stand beside Calc", self.stand_beside_calc)

@@ -117,9 +117,7 @@ class Desk(Trial):
         subprocess.run([sys.executable, ROOT / "samples" / "make-sample.py", self.book],
                        check=True)
         super().__init__(quorin, self.book, self.book.parent)
-        self.start_display()
-        self.start_office()
-        self.start_witness()
+        self.start_calc()
         self.cell()
         self.other_window = None
 
