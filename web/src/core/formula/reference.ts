@@ -18,7 +18,6 @@ export type ReferenceShape = { from: Corner; to?: Corner };
 export type CellPosition = { row: number; col: number };
 
 const a1Corner = /^(?:(\$?)([A-Za-z]{1,3}))?(?:(\$?)(\d{1,7}))?$/;
-const r1c1Corner = /^(?:(R)(\[(-?\d+)\]|\d+)?)?(?:(C)(\[(-?\d+)\]|\d+)?)?$/i;
 
 function readA1(text: string): Corner | undefined {
   const [, fixedCol = '', letters, fixedRow = '', digits] = a1Corner.exec(text) ?? [];
@@ -32,18 +31,67 @@ function readA1(text: string): Corner | undefined {
   return { ...(row ? { row } : {}), ...(col ? { col } : {}) };
 }
 
-function r1c1Coordinate(number: string | undefined, distance: string | undefined): Coordinate {
-  if (distance !== undefined) return { at: Number(distance), fixed: false };
-  return number === undefined ? { at: 0, fixed: false } : { at: Number(number), fixed: true };
+const enum Code {
+  Minus = 45,
+  Zero = 48,
+  Nine = 57,
+  Open = 91,
+  Close = 93,
+}
+
+/** Takes a text apart from left to right; by hand, because a workbook has hundreds of thousands. */
+class R1C1Reader {
+  private at = 0;
+
+  constructor(private readonly text: string) {}
+
+  get isAtEnd(): boolean {
+    return this.at === this.text.length;
+  }
+
+  /** "R", "R4" or "R[-2]"; nothing, and nothing taken, where that does not stand here. */
+  coordinate(letter: 'R' | 'C'): Coordinate | undefined {
+    if (this.text[this.at]?.toUpperCase() !== letter) return undefined;
+    this.at += 1;
+    const start = this.at;
+    if (this.code() === Code.Open) {
+      this.at += 1;
+      const sign = this.code() === Code.Minus ? -1 : 1;
+      if (sign < 0) this.at += 1;
+      const distance = this.digits();
+      if (distance !== undefined && this.code() === Code.Close) {
+        this.at += 1;
+        return { at: distance === 0 ? 0 : sign * distance, fixed: false };
+      }
+      this.at = start;
+    }
+    const number = this.digits();
+    return number === undefined ? { at: 0, fixed: false } : { at: number, fixed: true };
+  }
+
+  private code(): number {
+    return this.text.charCodeAt(this.at);
+  }
+
+  private digits(): number | undefined {
+    const start = this.at;
+    let number = 0;
+    for (let code = this.code(); code >= Code.Zero && code <= Code.Nine; code = this.code()) {
+      number = number * 10 + code - Code.Zero;
+      this.at += 1;
+    }
+    return this.at === start ? undefined : number;
+  }
 }
 
 function readR1C1(text: string): Corner | undefined {
-  const [, r, rowText, rowDistance, c, colText, colDistance] = r1c1Corner.exec(text) ?? [];
-  if (r === undefined && c === undefined) return undefined;
-  return {
-    ...(r === undefined ? {} : { row: r1c1Coordinate(rowText, rowDistance) }),
-    ...(c === undefined ? {} : { col: r1c1Coordinate(colText, colDistance) }),
-  };
+  const reader = new R1C1Reader(text);
+  const row = reader.coordinate('R');
+  const col = reader.coordinate('C');
+  if (!reader.isAtEnd) return undefined;
+  if (row && col) return { row, col };
+  if (row) return { row };
+  return col && { col };
 }
 
 function isWhole(corner: Corner): boolean {

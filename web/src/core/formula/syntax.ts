@@ -86,12 +86,17 @@ export function children(node: Node): readonly Node[] {
   }
 }
 
+/** Puts nodes on a stack so that the first of them is taken first. */
+export function pushAll(stack: Node[], nodes: readonly Node[]): void {
+  for (let i = nodes.length - 1; i >= 0; i--) stack.push(nodes[i] as Node);
+}
+
 /** Visits `root` and everything under it, parents first, in the order of the text. */
 export function walk(root: Node, visit: (node: Node) => void): void {
   const stack: Node[] = [root];
   for (let node = stack.pop(); node; node = stack.pop()) {
     visit(node);
-    stack.push(...[...children(node)].reverse());
+    pushAll(stack, children(node));
   }
 }
 

@@ -34,7 +34,8 @@ function keyOf(formula: number, sheet: number): string {
 export class Definitions {
   private readonly references = new Rows(fields);
   private readonly starts: number[] = [0];
-  private readonly numbers = new Map<number, number>();
+  /** By formula: its definition, or -1 where that is another on each sheet. */
+  private readonly numbers: (number | undefined)[] = [];
   /** Of formulas whose names depend on the sheet: by formula and sheet. */
   private readonly perSheet = new Map<string, number>();
   private readonly odd = new Map<number, Oddity>();
@@ -47,7 +48,7 @@ export class Definitions {
 
   /** The definition of a formula as it stands on a sheet. */
   of(formula: number, sheet: number): number {
-    const known = this.numbers.get(formula);
+    const known = this.numbers[formula];
     if (known !== undefined && known >= 0) return known;
     const own = known === -1 ? this.perSheet.get(keyOf(formula, sheet)) : undefined;
     if (own !== undefined) return own;
@@ -66,7 +67,7 @@ export class Definitions {
       const { runTime, external, broken } = named;
       this.odd.set(number, { runTime, external, broken, unread });
     }
-    this.numbers.set(formula, depends ? -1 : number);
+    this.numbers[formula] = depends ? -1 : number;
     if (depends) this.perSheet.set(keyOf(formula, sheet), number);
     return number;
   }

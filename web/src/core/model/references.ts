@@ -3,7 +3,15 @@
 
 import { maxColumns, maxRows } from '../address/area';
 import { readReference, type Coordinate, type Corner } from '../formula/reference';
-import { children, plainName, walk, type Formula, type Node, type NodeOf } from '../formula/syntax';
+import {
+  children,
+  plainName,
+  pushAll,
+  walk,
+  type Formula,
+  type Node,
+  type NodeOf,
+} from '../formula/syntax';
 import type { ReferenceStyle } from '../formula/tokens';
 import { crossed, joined, type Span } from './span';
 import { tableQuestion } from './tables';
@@ -79,8 +87,19 @@ function unquoted(text: string): string {
     : text;
 }
 
+/** What stands before "!" means the same in every formula of a workbook. */
+const targets = new WeakMap<Meanings, Map<string, Target>>();
+
 function targetOf(prefix: string, meanings: Meanings): Target {
   if (prefix === '') return ownSheet;
+  let known = targets.get(meanings);
+  if (!known) targets.set(meanings, (known = new Map<string, Target>()));
+  let target = known.get(prefix);
+  if (!target) known.set(prefix, (target = findTarget(prefix, meanings)));
+  return target;
+}
+
+function findTarget(prefix: string, meanings: Meanings): Target {
   let name = unquoted(prefix.slice(0, -1));
   if (name.startsWith('#') || name === '') return { kind: 'missing' };
   const [, path = '', book, rest = ''] = /^(.*?)\[([^\]]*)\](.*)$/.exec(name) ?? [];
@@ -115,7 +134,7 @@ class Collector {
     const stack: Node[] = [root];
     for (let node = stack.pop(); node; node = stack.pop()) {
       if (this.take(node)) continue;
-      stack.push(...[...children(node)].reverse());
+      pushAll(stack, children(node));
     }
   }
 
@@ -294,8 +313,26 @@ function keyOf(reference: Reference): string {
   return [sheet, fixedBits(reference), rows.a, rows.b, cols.a, cols.b].join(' ');
 }
 
+function isSame(one: Reference, other: Reference): boolean {
+  return (
+    one.sheet === other.sheet &&
+    one.rows.a === other.rows.a &&
+    one.rows.b === other.rows.b &&
+    one.cols.a === other.cols.a &&
+    one.cols.b === other.cols.b &&
+    fixedBits(one) === fixedBits(other)
+  );
+}
+
+/** So few are compared one by one, which takes less than a key for each. */
+const fewReferences = 8;
+
 export function eachOnce(references: Reference[]): Reference[] {
-  if (references.length < 2) return references;
+  if (references.length <= fewReferences) {
+    return references.filter(
+      (one, i) => !references.some((other, before) => before < i && isSame(one, other)),
+    );
+  }
   return [...new Map(references.map((one) => [keyOf(one), one])).values()];
 }
 
