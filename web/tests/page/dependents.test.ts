@@ -71,6 +71,35 @@ test('lists users on every sheet, opens them, and leads back to inputs', async (
   expect(args[1]).toBe('r1c1');
 });
 
+test('lists the users of a selected range as a whole, each once', async () => {
+  panel = await browser.open({
+    ...park,
+    readCell: cell({ formula: '=Inputs!$B$1*Inputs!$B$2', selection: '$F$12:$G$12' }),
+    "dependents 'Cash flow'!F12:G12": success('$G$12:$H$12'),
+    "readFormulas 'Cash flow'!G12:H12": formulas([['=RC[-1]*1.02', '=RC[-1]*1.02']]),
+  });
+  await dependents();
+  await panel.page.getByText('All 3 sheets, as read at').waitFor();
+  expect(await panel.text('list-heading')).toMatch(/^Cells that use F12:G12/);
+  expect((await rows()).slice(0, 4)).toEqual([
+    'This sheet 2 cells',
+    'G12:H12 Revenue =F12*1.02 ×2',
+    'Summary 1 cell',
+    "B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)",
+  ]);
+  expect(await panel.text('list-under')).toBe(
+    '5 cells on 2 sheets rest on it; 1 result that nothing else uses.',
+  );
+  // One of the asked cells uses another: that is no circle.
+  await open('G12:H12');
+  expect((await rows()).slice(1, 5)).toEqual([
+    'G12:H12 Revenue =F12*1.02 ×2',
+    'H12 Revenue · 2032 listed above 980 =G12*1.02',
+    "Summary!B2 Total 3,000 =SUM('Cash flow'!$F$12:$H$12)",
+    'Summary 1 cell',
+  ]);
+});
+
 test('shows the ways between the cell that stays and the one that is selected', async () => {
   panel = await browser.open(park);
   await dependents();

@@ -1,7 +1,7 @@
 // The model's answers as rows of a list: who uses the cell on every sheet, each opening to its own
 // users; what rests on it in the end; what it rests on; where errors start.
 
-import { covers, meet, parseArea } from '../address/area';
+import { cellCount, covers, meet, parseArea } from '../address/area';
 import { count, grouped } from '../format/words';
 import type {
   BookState,
@@ -25,18 +25,24 @@ function more(left: number): PlaceRow[] {
   return left > 0 ? [remark('…', `and ${count(left, 'more cell')}`)] : [];
 }
 
-/** `way`: the cells through which the row was come to, the asked ones first. */
-function userRow(asked: Asked, row: Row, home: string, way: readonly Cells[]): PlaceRow {
+type Way = {
+  /** The rows that were opened. */
+  through: readonly Cells[];
+  /** The asked cells where coming back to them closes a circle: one of several may use another. */
+  circle: Cells | undefined;
+};
+
+function userRow(asked: Asked, row: Row, home: string, { through, circle }: Way): PlaceRow {
   const shown = formulaRow(row, home);
-  const [start] = way;
-  if (start && touch(start, row)) return { ...shown, tag: 'Circle' };
-  if (way.some((cells) => contains(cells, row))) {
+  if (circle && touch(circle, row)) return { ...shown, tag: 'Circle' };
+  if (through.some((cells) => contains(cells, row))) {
     return { ...shown, detail: joined('listed above', shown.detail) };
   }
-  return { ...shown, inner: () => usersOf(asked, row, [...way, row]) };
+  const way = { through: [...through, row], circle };
+  return { ...shown, inner: () => usersOf(asked, row, way) };
 }
 
-async function usersOf(asked: Asked, of: Row, way: readonly Cells[]): Promise<PlaceRow[]> {
+async function usersOf(asked: Asked, of: Row, way: Way): Promise<PlaceRow[]> {
   const { sheet, area } = of;
   const { rows, left } = await asked.model.ask(asked.book, 'users', { sheet, area });
   if (rows.length === 0) return [remark('No cell uses it.')];
@@ -57,10 +63,12 @@ export function userGroups(
     else bySheet.set(row.sheet, [row]);
   }
   const own = asked.cells.sheet;
+  const isCircle = answer.circular || cellCount(asked.cells.area) === 1;
+  const way = { through: [], circle: isCircle ? asked.cells : undefined };
   const sheets = [...bySheet].sort(([a], [b]) => Number(b === own) - Number(a === own));
   const groups = sheets.map(([sheet, rows]) => {
     const cells = rows.reduce((sum, row) => sum + row.cells, 0);
-    const inner = rows.map((row) => userRow(asked, row, sheet, [asked.cells]));
+    const inner = rows.map((row) => userRow(asked, row, sheet, way));
     return group(sheet === own ? 'This sheet' : sheet, count(cells, 'cell'), inner);
   });
   return [...groups, ...more(answer.left)];
