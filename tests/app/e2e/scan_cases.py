@@ -69,18 +69,55 @@ class ScanTest(unittest.TestCase):
         return self.eval(f"(() => {{ const one = document.querySelector('[data-testid={place}]');"
                          " one?.click(); return !!one; })()")
 
+    def click(self, element):
+        """The user's own, with the mouse: in the middle of what the script gives."""
+        window = self.desk.window_of(self.quorin)
+        x, y = self.eval(f"""(() => {{ const one = {element};
+            one.scrollIntoView({{block: 'center'}});
+            const at = one.getBoundingClientRect();
+            return [at.x + at.width / 2, at.y + at.height / 2]; }})()""")
+        self.desk.tool("xdotool", "mousemove", "--window", window, round(x), round(y), "click", "1")
+
+    def click_on(self, place):
+        self.click(f"document.querySelector('[data-testid={place}]')")
+
+    def rows(self):
+        """Level and text of the rows that are drawn, from above."""
+        return self.eval("""[...document.querySelectorAll('[data-testid=place]')]
+            .sort((a, b) => a.getBoundingClientRect().y - b.getBoundingClientRect().y)
+            .map((one) => [Number(one.getAttribute('aria-level')),
+                           one.innerText.replace(/\\s+/g, ' ').trim()])""")
+
+    def open(self, text, level):
+        """Clicks on the sign before a row, and waits for the rows inside."""
+        row = (f"[...document.querySelectorAll('[data-testid=place][aria-level=\"{level}\"]')]"
+               f".find((one) => one.innerText.replace(/\\s+/g, ' ').trim().startsWith('{text}'))")
+        wait_for(f"a row {text}", lambda: self.eval(f"!!{row}"))
+        self.click(f"{row}.querySelector('.twisty')")
+
+        def inner():
+            rows = self.rows()
+            at = next((i for i, (_, told) in enumerate(rows) if told.startswith(text)), None)
+            after = [] if at is None else rows[at + 1:]
+            return after and after[0][0] == level + 1 and "Looking" not in after[0][1]
+        wait_for(f"the rows of {text}", inner)
+
     def is_whole(self):
         return self.text("list-note").startswith("All ") and self.text("scan-text") == ""
 
     def go_to_a_used_cell(self):
-        """Total_Capex, which cells of other sheets use by its name. The panel follows Calc while that
-        is in front."""
+        """Total_Capex, which cells of other sheets use by its name."""
+        self.go_to_cell("Construction", "D9")
+
+    def go_to_cell(self, sheet, address):
+        """The panel follows Calc while that is in front."""
         self.desk.bring_calc_forward()
+        target = json.dumps(f"'{sheet}'!{address}")
         self.eval("webkit.messageHandlers.qx.postMessage("
-                  "{id: -7, verb: 'select', args: [[\"'Construction'!$D$9\"]]}); 0")
+                  f"{{id: -7, verb: 'select', args: [[{target}]]}}); 0")
         self.addCleanup(self.desk.go_to)
-        wait_for("the cell", lambda: self.text("address") == "D9"
-                 and self.text("sheet") == "Construction")
+        wait_for("the cell", lambda: self.text("address") == address
+                 and self.text("sheet") == sheet)
 
     def test_leaves_the_workbook_as_it_was(self):
         self.go_to_a_used_cell()
@@ -111,3 +148,23 @@ class ScanTest(unittest.TestCase):
             wait_for("cells of other sheets", lambda: "Debt" in self.text("list"))
             time.sleep(0.5)
             self.assertTrue(self.is_whole(), self.text("scan"))
+
+    def test_leads_by_clicks_from_an_input_to_its_results_and_back(self):
+        # The price of modules, which the other sheets use by its name.
+        self.go_to_cell("Inputs", "D21")
+        self.click_on("tab-deps")
+        wait_for("all sheets", self.is_whole)
+        self.open("D4", 2)
+        self.open("D8", 3)
+        self.open("D9", 4)
+        told = self.rows()
+        for level, text in ((1, "Construction 1 cell"), (2, "D4 "), (3, "D8 "), (4, "D9 "),
+                            (5, "Summary!D3 ")):
+            self.assertTrue([row for row in told if row[0] == level and row[1].startswith(text)],
+                            (level, text, told))
+        self.go_to_cell("Summary", "D5")
+        wait_for("its list", lambda: "D5" in self.text("list-heading") and self.is_whole())
+        # Calc is in front: the click gives the panel the keyboard, and the cell is read again.
+        self.open("What it rests on", 1)
+        drivers = [text for level, text in self.rows() if level == 2]
+        self.assertTrue([text for text in drivers if text.startswith("Inputs!D21 ")], drivers)

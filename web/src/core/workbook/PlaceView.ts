@@ -26,8 +26,9 @@ export class PlaceView {
   private shown: readonly ShownRow[] = [];
   private readonly open = new Map<PlaceRow, readonly PlaceRow[]>();
   private readonly paths = new Map<PlaceRow, Path>();
-  /** What the user opened and closed, while the list is of the same cell. */
+  /** What the user opened and closed, and in which list: read again it is the same one. */
   private readonly wished = new Map<Path, boolean>();
+  private wishedIn = '';
 
   constructor(private readonly changed: () => void) {}
 
@@ -63,6 +64,8 @@ export class PlaceView {
     if (key === this.key) return undefined;
     this.forget();
     this.key = key;
+    if (key !== this.wishedIn) this.wished.clear();
+    this.wishedIn = key;
     this.held = { status: 'asking' };
     const outcome = await ask();
     if (key !== this.key) return undefined;
@@ -89,7 +92,6 @@ export class PlaceView {
 
   forget(): void {
     this.key = '';
-    this.wished.clear();
     this.lay([], '');
     this.held = empty;
     this.index = 0;
