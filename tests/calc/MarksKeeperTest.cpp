@@ -37,6 +37,12 @@ bool isGone(pid_t process) {
   return name == std::string::npos || status[name + 2] == 'Z';
 }
 
+// 0 when there is none.
+pid_t onlyChildOf(pid_t process) {
+  const std::string number = std::to_string(process);
+  return std::atoi(readFile("/proc/" + number + "/task/" + number + "/children").c_str());
+}
+
 class Marked : public testing::Test {
  protected:
   static void SetUpTestSuite() { office = std::make_unique<PrivateOffice>(); }
@@ -372,6 +378,32 @@ TEST_F(Marked, OutliveTheirKeeper) {
   sheets->insertRows("Data", 1, 1);
   EXPECT_TRUE(comesTo({"Data!$B$3,$C$6:$D$7", "Data!$A$8"}));
   workAndSave(*sheets, folder / "Copy.xlsx");
+}
+
+// The office waits for the keeper's answer before it saves.
+TEST_F(Marked, HoldUpNobodyWhileTheirKeeperIsStopped) {
+  const pid_t first = mark("Data", "B2,C5:D6");
+  const pid_t worker = onlyChildOf(first);
+  ASSERT_GT(worker, 0);
+  const std::filesystem::path copy = folder / "Copy.xlsx";
+  ::kill(worker, SIGSTOP);
+  auto work = std::async(std::launch::async, [&] { return sheets->saveCopy(copy); });
+  const bool isDone = work.wait_for(20s) == std::future_status::ready;
+  ::kill(worker, SIGKILL);
+  EXPECT_TRUE(isDone);
+  work.wait();
+  EXPECT_TRUE(eventually([&] { return isGone(first); }));
+  EXPECT_NE(mark("Data", "A8"), first);
+  EXPECT_TRUE(comesTo({"Data!$B$2,$C$5:$D$6", "Data!$A$8"}));
+}
+
+// The office would wait for ever for one that nobody ends.
+TEST_F(Marked, LeaveNoWorkerBehindWithoutItsGuard) {
+  const pid_t guard = mark("Data", "B2");
+  const pid_t worker = onlyChildOf(guard);
+  ASSERT_GT(worker, 0);
+  ::kill(guard, SIGKILL);
+  EXPECT_TRUE(eventually([&] { return isGone(worker); }));
 }
 
 TEST_F(Marked, LeaveNoKeeperBehindWhenTheOfficeGoes) {

@@ -1,12 +1,46 @@
 // quorin-marks-keeper PIPE PROCESS: keeps the marks in the office that listens at the pipe. Its
 // standard input is the socket of its owner, whose end means that all marks go. What MarksKeeper
 // starts.
+//
+// Two processes, of which the second does the work. The office waits for its answers, and would
+// wait for ever while somebody has it stopped; so the first one ends it when it stops, and ends
+// with it. The owner starts another where there are marks.
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "host/calc/keeper/Keeper.h"
+
+namespace {
+
+using quorin::host::calc::Keeper;
+
+int keep(const char* pipe, int process) {
+  try {
+    Keeper keeper({process, pipe}, STDIN_FILENO);
+    keeper.run();
+  } catch (const std::exception&) {
+    return EXIT_FAILURE;
+  } catch (const css::uno::Exception&) {
+    return EXIT_FAILURE;  // the office ended
+  }
+  return EXIT_SUCCESS;
+}
+
+// Until the process ends; one that stops is ended. Its exit status.
+int guard(pid_t keeper) {
+  ::close(STDIN_FILENO);  // the owner is to see when the keeper has gone
+  int status = 0;
+  while (::waitpid(keeper, &status, WUNTRACED) == keeper && WIFSTOPPED(status)) {
+    ::kill(keeper, SIGKILL);
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE;
+}
+
+}  // namespace
 
 int main(int count, char** arguments) {
   constexpr int badCall = 2;
@@ -15,13 +49,11 @@ int main(int count, char** arguments) {
   ::close_range(STDERR_FILENO + 1, ~0U, 0);
   // When the session ends the owner ends too, and then there is work to do.
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) std::signal(signal, SIG_IGN);
-  try {
-    quorin::host::calc::Keeper keeper({std::atoi(arguments[2]), arguments[1]}, STDIN_FILENO);
-    keeper.run();
-  } catch (const std::exception&) {
-    return EXIT_FAILURE;
-  } catch (const css::uno::Exception&) {
-    return EXIT_FAILURE;  // the office ended
-  }
-  return EXIT_SUCCESS;
+  const pid_t first = ::getpid();
+  const pid_t second = ::fork();
+  if (second < 0) return EXIT_FAILURE;
+  if (second > 0) return guard(second);
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (::getppid() != first) return EXIT_FAILURE;
+  return keep(arguments[1], std::atoi(arguments[2]));
 }
