@@ -1,5 +1,5 @@
-// The inputs that some cells finally rest on: what was typed in, and what is blank though a formula
-// names it. The ones that matter come first. Pure.
+// The inputs that some cells finally rest on: what was typed in, also as a formula that names no cell,
+// and what is blank though a formula names it. The ones that matter come first. Pure.
 
 import { cellCount, meet, type Area } from '../address/area';
 import { restedOnBy, type Reached } from './closure';
@@ -60,8 +60,9 @@ export function* driversOf(
   for (const [sheet, list] of named) {
     const cells = index.sheets[sheet];
     if (!cells) continue;
+    const isInput = (formula: number) => formula === 0 || namesNothing(index, formula, sheet);
     for (const { area, step } of list) {
-      for (const found of inputsIn(cells, area, step)) {
+      for (const found of inputsIn(cells, area, step, isInput)) {
         if (found.kind !== 'blank') inputs += cellCount(found.area);
         const depth = (steps[step] ?? 0) + 1;
         drivers.push({ sheet, area: found.area, kind: found.kind, uses: 0, steps: depth });
@@ -99,8 +100,20 @@ function kindOf(kind: Kind): Driver['kind'] {
   return kind === Kind.Number || kind === Kind.Truth ? 'number' : 'text';
 }
 
+/** Whether all that the formula gives is written in it, as in "=42.6/3.6". */
+function namesNothing({ definitions }: Index, formula: number, sheet: number): boolean {
+  const definition = definitions.of(formula, sheet);
+  const [from, to] = definitions.range(definition);
+  return from === to && definitions.oddity(definition) === undefined;
+}
+
 /** Typed-in cells of an area, row by row, those of one kind beside or under each other together. */
-function inputsIn(cells: SheetCells, area: Area, step: number): Found[] {
+function inputsIn(
+  cells: SheetCells,
+  area: Area,
+  step: number,
+  isInput: (formula: number) => boolean,
+): Found[] {
   const found: Found[] = [];
   const open = new Map<number, Found>();
   let row: Found | undefined;
@@ -121,7 +134,7 @@ function inputsIn(cells: SheetCells, area: Area, step: number): Found[] {
   let filled = 0;
   cells.eachFilled(area, (r, c, kind, formula) => {
     filled++;
-    if (formula !== 0) return;
+    if (!isInput(formula)) return;
     const own = kindOf(kind);
     if (row?.kind === own && row.area.top === r && row.area.right + 1 === c) row.area.right = c;
     else {

@@ -162,6 +162,18 @@ describe('dependents', () => {
 });
 
 describe('drivers', () => {
+  test('are formulas that name no cell, too', () => {
+    const model = new Reader({
+      Fuels: { B3: '=42.6/3.6', B4: '=RAND()', B5: '=INDIRECT("C1")', B6: '=#REF!', C1: 7 },
+      Calc: { B1: '=1/(Fuels!$B$3*3.6)', B2: '=B1+SUM(Fuels!B3:B6)' },
+    });
+    const told = (cell: string) =>
+      model.ask('drivers', { sheet: 'Calc', area: area(cell) }).rows.map(placeOf);
+    expect(told('B1')).toEqual(['Fuels!B3']);
+    // What is decided at run time, or is gone, is no input.
+    expect(told('B2')).toEqual(['Fuels!B3:B4']);
+  });
+
   const model = new Reader({
     Inputs: { A1: 'Price', B1: 5, A2: 'Region', B2: 'North', A3: 'Growth', B3: 0.02, B4: 7 },
     Calc: {
