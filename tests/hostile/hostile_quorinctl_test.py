@@ -130,6 +130,10 @@ class Trial:
                 told = (self.tool.value("workbookMap") or {}).get("names")
                 if told is None or len(told) != case.names:
                     wrong.append(f"the map tells {told and len(told)} names of {case.names}")
+            for expression, value in case.gives:
+                given = self.tool.value("evaluate", expression)
+                if given != (value if isinstance(value, dict) else {"ok": True, "value": value}):
+                    wrong.append(f"{expression} gives {given}")
             wrong += self.reached("with Quorin")
             if (most := self.tool.peak()) > MOST_MEMORY:
                 wrong.append(f"{most:.0f} MB of memory")
