@@ -183,12 +183,13 @@ std::optional<std::pair<sal_Int32, int>> lineAt(const Cells& cells, Lines kind) 
   return std::pair(sal_Int32{addresses[0].Sheet}, firstLine(area, kind));
 }
 
-// The places among the entries' own of those that stand under that key.
-std::set<std::size_t> placesUnder(const std::string& key, const ShownLines::Entries& entries) {
-  std::set<std::size_t> places;
+// Which of those under that key they are. Another may have forgotten some of them since, so it is
+// not their places that tell.
+std::set<int> numbersUnder(const std::string& key, const ShownLines::Entries& entries) {
+  std::set<int> numbers;
   for (const ShownLines::Entry& each : entries)
-    if (each.key == key) places.insert(each.index);
-  return places;
+    if (each.key == key) numbers.insert(each.asked.number);
+  return numbers;
 }
 
 void setLine(Line& line, ShownLines::State state) {
@@ -278,8 +279,9 @@ void ShownLines::set(const Entries& entries, State state) const {
     if (!memory_->hasByName(toUno(key))) continue;
     auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept) continue;
-    for (const std::size_t place : placesUnder(key, entries))
-      if (place < kept->lines.size()) setLine(kept->lines[place], state);
+    const std::set<int> numbers = numbersUnder(key, entries);
+    for (Line& line : kept->lines)
+      if (numbers.contains(line.number)) setLine(line, state);
     replace(key, written(*kept));
   }
 }
@@ -296,12 +298,10 @@ void ShownLines::forget(const Entries& entries) const {
   for (const std::string& key : keysOf(entries)) {
     if (!memory_->hasByName(toUno(key))) continue;
     auto kept = keptIn(memory_->getByName(toUno(key)));
-    const auto gone = placesUnder(key, entries);
-    if (kept && gone.size() < kept->lines.size()) {
-      std::vector<Line> left;
-      for (std::size_t i = 0; i < kept->lines.size(); ++i)
-        if (!gone.contains(i)) left.push_back(kept->lines[i]);
-      kept->lines = std::move(left);
+    const std::set<int> gone = numbersUnder(key, entries);
+    if (kept)
+      std::erase_if(kept->lines, [&](const Line& line) { return gone.contains(line.number); });
+    if (kept && !kept->lines.empty()) {
       replace(key, written(*kept));
     } else {
       memory_->removeByName(toUno(key));
@@ -320,11 +320,9 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
   Reference<css::sheet::XSpreadsheet> sheet;
   std::string name;
   bool isSought = false;
-  for (std::size_t i = 0; i < kept->lines.size(); ++i) {
-    const Line& line = kept->lines[i];
+  for (const Line& line : kept->lines) {
     Entry& entry = found.emplace_back();
     entry.key = key;
-    entry.index = i;
     entry.asked = {kept->sheet, kept->kind, line.number};
     entry.state = line.state;
     entry.isFiltered = line.isFiltered;
@@ -390,12 +388,11 @@ ShownLines::Entries ShownLines::entriesElsewhere(const Workbook& workbook, const
     if (!key.starts_with(memoryPrefix) || key.starts_with(its)) continue;
     const auto kept = keptIn(memory_->getByName(name));
     if (!kept || kept->kind != kind || kept->sheet != sheet) continue;
-    for (std::size_t i = 0; i < kept->lines.size(); ++i) {
+    for (const Line& line : kept->lines) {
       Entry& entry = found.emplace_back();
       entry.key = key;
-      entry.index = i;
-      entry.asked = {sheet, kind, kept->lines[i].number};
-      entry.state = kept->lines[i].state;
+      entry.asked = {sheet, kind, line.number};
+      entry.state = line.state;
     }
   }
   return found;

@@ -13,7 +13,6 @@
 #include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,9 +49,8 @@ class ShownLines {
   };
   // What is remembered of one line.
   struct Entry {
-    std::string key;        // of those that were shown together with it
-    std::size_t index = 0;  // among them
-    AskedLine asked;
+    std::string key;  // of those that were shown together with it
+    AskedLine asked;  // different for each of them
     State state = State::hidden;
     std::optional<Place> place;   // none when it is deleted, its sheet is, or it is over
     bool isFiltered = false;      // a filter hid it
