@@ -289,7 +289,7 @@ def write(path):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
+    if len(sys.argv) != 2 or sys.argv[1].startswith("-"):
         print(__doc__.strip(), file=sys.stderr)
         sys.exit(2)
     write(sys.argv[1])

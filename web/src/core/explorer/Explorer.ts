@@ -36,8 +36,7 @@ export class Explorer {
   private readonly labels: CellLabels | undefined;
   view: ViewName = 'tree';
   pinned = false;
-  /** What went wrong with the user's last wish; empty when nothing did. */
-  /** What came of the last command, where that is worth a word. */
+  /** What came of the last command, where that is worth a word; empty where it is not. */
   private said = '';
   private latest: CellContent | undefined;
   private left = false;
