@@ -29,6 +29,7 @@ class Guard:
     cases: tuple = ()  # of the corpus, through quorinctl, each of which has to fail
     tests: tuple = ()  # (target, program, --gtest_filter), of which at least one test has to fail
     page: str = ""  # a file of the page's tests, of which at least one has to fail
+    beside: tuple = ()  # of the corpus, beside the panel, each of which has to fail
 
 
 CALC = "host/calc/"
@@ -112,6 +113,12 @@ GUARDS = (
         "private async reason(expressions: readonly string[]): Promise<string | undefined> {\n"
         "    if (expressions.length > 0) return undefined;\n"),),
           page="tests/core/evaluation/ReachGuard.test.ts"),
+    Guard("texts as texts", tuple(
+        (f"web/src/view/{view}.tsx", f"textContent={{{text}}}", f"innerHTML={{{text}}}")
+        for view, text in (("TreeView", "text()"), ("RowValue", "text()"),
+                           ("PlaceListView", "oneLine(row().text)"),
+                           ("Crumbs", "oneLine(label())"))),
+          beside=("texts-that-look-like-markup", "markup-in-names")),
     Guard("values in the log", ((
         "kit/bridge/LoggedError.cpp", "std::string loggedText(const std::exception& error) {\n",
         "std::string loggedText(const std::exception& error) {\n"
@@ -167,10 +174,18 @@ class Scratch:
         run("git", "checkout", "--force", "--", ".", folder=self.sources)
 
     def failing_cases(self, cases):
-        self.make("quorinctl", "hostile_reaches", "quorin-marks-keeper")
+        return self.failing_of(cases, "hostile_quorinctl_test.py", "quorinctl", "tools")
+
+    def failing_beside_the_panel(self, cases):
+        self.prepare()
+        run("npm", "run", "build", folder=self.sources / "web")
+        return self.failing_of(cases, "hostile_panel_test.py", "quorin_inspected", "app/linux")
+
+    def failing_of(self, cases, test, target, place):
+        self.make(target, "hostile_reaches", "quorin-marks-keeper")
         only = [word for case in cases for word in ("--only", case)]
-        told = run(sys.executable, self.sources / "tests/hostile/hostile_quorinctl_test.py",
-                   self.build / "tools/quorinctl",
+        told = run(sys.executable, self.sources / "tests/hostile" / test,
+                   self.build / place / target,
                    self.build / "tests/hostile/libhostile_reaches.so", *only, folder=self.sources,
                    check=False).stdout
         # One that is not told about did not pass either: the test may have ended in it.
@@ -206,10 +221,13 @@ def try_without(scratch, guard):
             failed = scratch.failing_tests(target, program, only)
             lines += failed
             passed += [] if failed else [f"{target} {only}"]
-        if guard.cases:
-            failed, told = scratch.failing_cases(guard.cases)
+        for cases, look in ((guard.cases, scratch.failing_cases),
+                            (guard.beside, scratch.failing_beside_the_panel)):
+            if not cases:
+                continue
+            failed, told = look(cases)
             lines += [one.strip() for one in told.splitlines() if one.startswith(("FAILED", "    "))]
-            passed += [case for case in guard.cases if case not in failed]
+            passed += [case for case in cases if case not in failed]
     finally:
         scratch.restore()
     return lines, passed
