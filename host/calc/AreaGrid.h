@@ -19,6 +19,9 @@ void refuseTooMany(const Area& area);
 // So many are read at once, so that the work can end between pieces.
 inline constexpr int cellsOfPiece = 2'000;
 
+// The displayed texts of at most so many cells are asked for by one request.
+inline constexpr int mostCellsWithTexts = 5'000;
+
 // The area in pieces of at most so many cells. They follow each other as the cells do, or lie side
 // by side in one row.
 std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);

@@ -36,6 +36,14 @@ std::vector<std::string> sheetNames(const Workbook& workbook) {
   return result;
 }
 
+std::vector<Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbook& workbook) {
+  const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
+  std::vector<Reference<css::sheet::XSpreadsheet>> result;
+  const sal_Int32 count = sheets->getCount();
+  for (sal_Int32 i = 0; i < count; ++i) result.emplace_back(sheets->getByIndex(i), UNO_QUERY_THROW);
+  return result;
+}
+
 IsSheet sheetTest(const Workbook& workbook) {
   return [&workbook,
           names = std::optional<std::vector<std::string>>()](const std::string& name) mutable {

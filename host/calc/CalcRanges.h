@@ -21,6 +21,10 @@ SpreadsheetError noSuchSheet(const std::string& name);
 
 // The names of the sheets in their order, hidden ones included.
 std::vector<std::string> sheetNames(const Workbook& workbook);
+
+// The sheets themselves, in their order.
+std::vector<css::uno::Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbook& workbook);
+
 // Tells whether a sheet of the workbook, which has to outlive it, has a name. Asks when first
 // asked.
 IsSheet sheetTest(const Workbook& workbook);

@@ -126,14 +126,13 @@ Grid<std::string> readPiece(const Workbook& workbook, const std::string& sheet, 
 
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
                             Texts texts, const CallLimits& limits) {
-  // As many as a handler asks for: each piece is two questions more.
-  constexpr int shortTextsOfPiece = 5'000;
+  // Each piece is two questions more.
   return readInPieces<std::string>(
       firstArea(range), limits,
       [&](const Area& piece) {
         return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
       },
-      texts == Texts::shortOnes ? shortTextsOfPiece : cellsOfPiece);
+      texts == Texts::shortOnes ? mostCellsWithTexts : cellsOfPiece);
 }
 
 }  // namespace quorin::host::calc

@@ -1,10 +1,10 @@
 #include "host/calc/LinesNote.h"
 
 #include <algorithm>
-#include <com/sun/star/container/XIndexAccess.hpp>
 #include <optional>
 #include <string_view>
 
+#include "host/calc/CalcRanges.h"
 #include "host/calc/LineStates.h"
 #include "host/calc/MarkShape.h"
 #include "host/calc/Text.h"
@@ -13,21 +13,12 @@ namespace quorin::host::calc {
 namespace {
 
 using css::uno::Reference;
-using css::uno::UNO_QUERY_THROW;
 using Page = Reference<css::drawing::XDrawPage>;
 
 constexpr std::string_view prefix = "Quorin shown lines ";
 
 bool isNote(const NamedShape& shape) {
   return shape.name.starts_with(prefix);
-}
-
-template <typename Work>
-void forEachSheet(const Workbook& workbook, Work work) {
-  const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
-  const sal_Int32 count = sheets->getCount();
-  for (sal_Int32 i = 0; i < count; ++i)
-    work(Reference<css::sheet::XSpreadsheet>(sheets->getByIndex(i), UNO_QUERY_THROW));
 }
 
 // Hides what is remembered as it is numbered on the sheet that was copied.
@@ -46,7 +37,7 @@ void addNote(QuietChanges& changes, const Workbook& workbook, const Page& page,
 }
 
 void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines& shown) {
-  forEachSheet(workbook, [&](const Reference<css::sheet::XSpreadsheet>& sheet) {
+  for (const Reference<css::sheet::XSpreadsheet>& sheet : sheetsOf(workbook)) {
     const Page page = drawPageOf(sheet);
     for (const NamedShape& shape : namedShapes(page)) {
       if (!isNote(shape)) continue;
@@ -55,7 +46,7 @@ void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines
       if (isCopy) hideOnCopy(changes, workbook, sheet, *noted);
       if (isCopy || !noted) changes.remove(workbook, page, shape.shape);
     }
-  });
+  }
 }
 
 // Until none is found: one whose object has lost its shape is not removed at once.
@@ -65,7 +56,7 @@ std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook
   bool found = true;
   for (int tries = 0; found && tries < mostTries; ++tries) {
     found = false;
-    forEachSheet(workbook, [&](const Reference<css::sheet::XSpreadsheet>& sheet) {
+    for (const Reference<css::sheet::XSpreadsheet>& sheet : sheetsOf(workbook)) {
       const Page page = drawPageOf(sheet);
       for (const NamedShape& shape : namedShapes(page)) {
         if (!isNote(shape)) continue;
@@ -76,7 +67,7 @@ std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook
         });
         if (!isKnown) taken.push_back({page, shape.name});
       }
-    });
+    }
   }
   return taken;
 }

@@ -43,14 +43,19 @@ bool isOfCells(const Reference<css::uno::XInterface>& name) {
   return referrer.is() && referrer->getReferredCells().is();
 }
 
+template <typename Entries>
+void removeAll(const Reference<Entries>& entries, const CallLimits& limits) {
+  for (const rtl::OUString& name : entries->getElementNames()) {
+    limits.check();
+    entries->removeByName(name);
+  }
+}
+
 void copyDefinedNames(const Reference<css::uno::XInterface>& from,
                       const Reference<css::uno::XInterface>& to, const CallLimits& limits) {
   const Reference<css::sheet::XNamedRanges> source = definedNamesOf(from),
                                             target = definedNamesOf(to);
-  for (const rtl::OUString& name : target->getElementNames()) {
-    limits.check();
-    target->removeByName(name);
-  }
+  removeAll(target, limits);
   for (const rtl::OUString& name : source->getElementNames()) {
     limits.check();
     const Reference<css::sheet::XNamedRange> entry(source->getByName(name), UNO_QUERY_THROW);
@@ -64,10 +69,7 @@ void copyTables(const Workbook& from, const Workbook& to, const CallLimits& limi
                                                   UNO_QUERY_THROW);
   };
   const Reference<css::sheet::XDatabaseRanges> source = tablesOf(from), target = tablesOf(to);
-  for (const rtl::OUString& name : target->getElementNames()) {
-    limits.check();
-    target->removeByName(name);
-  }
+  removeAll(target, limits);
   for (const rtl::OUString& name : source->getElementNames()) {
     limits.check();
     const Reference<css::sheet::XDatabaseRange> table(source->getByName(name), UNO_QUERY_THROW);

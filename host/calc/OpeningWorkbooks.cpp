@@ -12,6 +12,8 @@
 #include <com/sun/star/sheet/XCalculatable.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
+#include <utility>
+#include <vector>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/Arguments.h"
@@ -61,13 +63,13 @@ rtl::OUString filterFor(const Reference<XComponentContext>& context, const rtl::
   return isOurs ? filter : rtl::OUString();
 }
 
-Reference<css::lang::XComponent> opened(const Reference<css::frame::XDesktop2>& desktop,
-                                        const rtl::OUString& url) {
-  return desktop->loadComponentFromURL(
-      url, "_blank", 0,
-      sequenceOf({argument("OnMainThread", true), argument("PickListEntry", false),
-                  argument("MacroExecutionMode", css::document::MacroExecMode::NEVER_EXECUTE),
-                  argument("UpdateDocMode", css::document::UpdateDocMode::NO_UPDATE)}));
+// How a workbook is loaded, besides by this.
+css::uno::Sequence<css::beans::PropertyValue> loading(
+    std::vector<css::beans::PropertyValue> arguments) {
+  arguments.push_back(argument("PickListEntry", false));
+  arguments.push_back(argument("MacroExecutionMode", css::document::MacroExecMode::NEVER_EXECUTE));
+  arguments.push_back(argument("UpdateDocMode", css::document::UpdateDocMode::NO_UPDATE));
+  return sequenceOf(arguments);
 }
 
 // Calc works formulas such as INDIRECT out when a workbook gets its first window, and opens files
@@ -78,10 +80,7 @@ void openWithoutLinks(const Reference<XComponentContext>& context,
                       const rtl::OUString& filter) {
   const Reference<css::frame::XModel> model(made(context, documentService), UNO_QUERY_THROW);
   Reference<css::frame::XLoadable>(model, UNO_QUERY_THROW)
-      ->load(sequenceOf(
-          {argument("URL", url), argument("FilterName", filter), argument("PickListEntry", false),
-           argument("MacroExecutionMode", css::document::MacroExecMode::NEVER_EXECUTE),
-           argument("UpdateDocMode", css::document::UpdateDocMode::NO_UPDATE)}));
+      ->load(loading({argument("URL", url), argument("FilterName", filter)}));
   const Reference<css::sheet::XCalculatable> calculation(model, UNO_QUERY_THROW);
   const bool isAutomatic = calculation->isAutomaticCalculationEnabled();
   calculation->enableAutomaticCalculation(false);
@@ -108,8 +107,12 @@ void openWorkbookAlone(const Reference<XComponentContext>& context,
   const rtl::OUString filter = filterFor(context, url);
   if (!filter.isEmpty()) {
     openWithoutLinks(context, desktop, url, filter);
-  } else if (!Reference<css::sheet::XSpreadsheetDocument>(opened(desktop, url), css::uno::UNO_QUERY)
-                  .is()) {  // Calc takes texts for workbooks that are others' by their type
+    return;
+  }
+  // Calc takes texts for workbooks that are others' by their type.
+  const Reference<css::lang::XComponent> opened =
+      desktop->loadComponentFromURL(url, "_blank", 0, loading({argument("OnMainThread", true)}));
+  if (!Reference<css::sheet::XSpreadsheetDocument>(opened, css::uno::UNO_QUERY).is()) {
     throw SpreadsheetError(-1728, "\"" + path + "\" is not a workbook");
   }
 }

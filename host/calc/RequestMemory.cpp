@@ -73,7 +73,6 @@ bool RequestMemory::hasShortTexts(const RangeRef& range) const {
 }
 
 RangeRef RequestMemory::textsAskedNext(const RangeRef& range) const {
-  constexpr long long mostCellsWithTexts = 5'000;
   if (!values_ || range.areas.size() != 1 || valuesRange_.sheet != range.sheet) return range;
   const Area& all = valuesRange_.areas.front();
   Area first = all;

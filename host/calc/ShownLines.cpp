@@ -199,26 +199,21 @@ void setLine(Line& line, ShownLines::State state) {
   if (state == State::over || state == State::opened) line.cells.clear();
 }
 
+// Those that begin so; none without a memory.
+std::vector<std::string> keysWith(const Reference<css::container::XNameContainer>& memory,
+                                  std::string_view prefix) {
+  std::vector<std::string> keys;
+  if (!memory.is()) return keys;
+  for (const rtl::OUString& name : memory->getElementNames())
+    if (std::string key = toText(name); key.starts_with(prefix)) keys.push_back(std::move(key));
+  return keys;
+}
+
 std::set<std::string> keysOf(const ShownLines::Entries& entries) {
   std::set<std::string> keys;
   for (const ShownLines::Entry& each : entries) keys.insert(each.key);
   return keys;
 }
-
-}  // namespace
-
-ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
-    : memory_(context, css::uno::UNO_QUERY) {}
-
-void ShownLines::replace(const std::string& key, const Any& value) const {
-  try {
-    memory_->replaceByName(toUno(key), value);
-  } catch (const css::container::NoSuchElementException&) {
-    // Somebody else has forgotten it.
-  }
-}
-
-namespace {
 
 // A line beside one that is hidden in the same way, but for us: what shows that one shows both.
 bool isHiddenBeside(const LineStates& states, const std::vector<int>& shown, int beside, int line) {
@@ -237,6 +232,17 @@ int placeOf(const std::string& text, std::vector<std::string>& texts) {
 }
 
 }  // namespace
+
+ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
+    : memory_(context, css::uno::UNO_QUERY) {}
+
+void ShownLines::replace(const std::string& key, const Any& value) const {
+  try {
+    memory_->replaceByName(toUno(key), value);
+  } catch (const css::container::NoSuchElementException&) {
+    // Somebody else has forgotten it.
+  }
+}
 
 std::string ShownLines::remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
                                  const std::vector<int>& numbers, const LineStates& states,
@@ -344,10 +350,7 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
 
 ShownLines::Entries ShownLines::entries(const Workbook& workbook) const {
   Entries found;
-  if (!memory_.is()) return found;
-  const std::string prefix = prefixOf(workbook);
-  for (const rtl::OUString& name : memory_->getElementNames())
-    if (const std::string key = toText(name); key.starts_with(prefix)) read(workbook, key, found);
+  for (const std::string& key : keysWith(memory_, prefixOf(workbook))) read(workbook, key, found);
   return found;
 }
 
@@ -356,11 +359,9 @@ std::string ShownLines::idOf(const std::string& key) {
 }
 
 std::optional<ShownLines::Noted> ShownLines::noted(const std::string& id) const {
-  if (!memory_.is()) return std::nullopt;
-  for (const rtl::OUString& name : memory_->getElementNames()) {
-    const std::string key = toText(name);
-    if (!key.starts_with(memoryPrefix) || idOf(key) != id) continue;
-    const auto kept = keptIn(memory_->getByName(name));
+  for (const std::string& key : keysWith(memory_, memoryPrefix)) {
+    if (idOf(key) != id) continue;
+    const auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept) return std::nullopt;
     Noted noted{kept->page, kept->kind, {}};
     for (const Line& line : kept->lines)
@@ -371,22 +372,16 @@ std::optional<ShownLines::Noted> ShownLines::noted(const std::string& id) const 
 }
 
 bool ShownLines::isEmpty() const {
-  if (!memory_.is()) return true;
-  const auto names = memory_->getElementNames();
-  return std::none_of(names.begin(), names.end(), [](const rtl::OUString& name) {
-    return toText(name).starts_with(memoryPrefix);
-  });
+  return keysWith(memory_, memoryPrefix).empty();
 }
 
 ShownLines::Entries ShownLines::entriesElsewhere(const Workbook& workbook, const SheetRef& sheet,
                                                  Lines kind) const {
   Entries found;
-  if (!memory_.is()) return found;
   const std::string its = prefixOf(workbook);
-  for (const rtl::OUString& name : memory_->getElementNames()) {
-    const std::string key = toText(name);
-    if (!key.starts_with(memoryPrefix) || key.starts_with(its)) continue;
-    const auto kept = keptIn(memory_->getByName(name));
+  for (const std::string& key : keysWith(memory_, memoryPrefix)) {
+    if (key.starts_with(its)) continue;
+    const auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept || kept->kind != kind || kept->sheet != sheet) continue;
     for (const Line& line : kept->lines) {
       Entry& entry = found.emplace_back();

@@ -61,14 +61,14 @@ void cover(std::vector<Area> parts, std::vector<Area>& found) {
       return firstLine(a, lines) < firstLine(b, lines);
     });
   };
+  const auto fromMiddle = [middle = parts.size() / 2](std::size_t at) {
+    return at > middle ? at - middle : middle - at;
+  };
   for (const Lines lines : {Lines::rows, Lines::columns}) {
     sortAlong(lines);
     int reached = lastLine(parts.front(), lines);
     for (std::size_t i = 1; i < parts.size(); ++i) {
       const int gap = firstLine(parts[i], lines) - reached - 1;
-      const auto fromMiddle = [&](std::size_t at) {
-        return at > parts.size() / 2 ? at - parts.size() / 2 : parts.size() / 2 - at;
-      };
       if (gap > widest || (gap == widest && lines == along && fromMiddle(i) < fromMiddle(cut))) {
         widest = gap;
         cut = i;

@@ -5,7 +5,6 @@
 
 #include "host/Address.h"
 #include "host/calc/MarkText.h"
-#include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/KeeperProcess.h"
 #include "tests/calc/UserHands.h"
@@ -61,9 +60,8 @@ class CalcMarks : public testing::Test {
     EXPECT_FALSE(std::filesystem::exists(desk->road.store().url()));
   }
 
-  static std::string ask(const std::string& verb, const Array& args = {}) {
-    const Bridge::Reply reply = desk->road.bridge().dispatch(verb, args);
-    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+  static std::string ask(const std::string& verb, Array args = {}) {
+    return desk->road.ask(verb, args);
   }
   static std::string mark(const std::vector<std::string>& addrs) {
     return ask("markCells", {Array(addrs.begin(), addrs.end()), Array{255, 0, 0}});

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
@@ -73,10 +72,9 @@ class CalcReads : public testing::Test {
 
   // The reply's payload as JSON text, slashes as they are; of a failure with a word before it.
   static std::string ask(const std::string& verb, Array args = {}) {
-    const Bridge::Reply reply = road->bridge().dispatch(verb, args);
-    std::string text = Marshal::encode(reply.payload);
+    std::string text = road->ask(verb, std::move(args));
     for (std::size_t at = 0; (at = text.find("\\/", at)) != std::string::npos;) text.erase(at, 1);
-    return (reply.ok ? "" : "failed ") + text;
+    return text;
   }
   static std::string deep(std::vector<std::string> entries) {
     return ask("deepEval", {Array(entries.begin(), entries.end())});

@@ -53,8 +53,7 @@ class CalcReveal : public testing::Test {
   }
 
   static std::string ask(const std::string& verb, Array args = {}) {
-    const Bridge::Reply reply = road->bridge().dispatch(verb, args);
-    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+    return road->ask(verb, std::move(args));
   }
   static std::string reveal(const std::string& address) {
     return ask("reveal", {Array{address}, 0});

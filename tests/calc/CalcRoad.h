@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "host/Address.h"
 #include "host/EngineRunner.h"
@@ -13,6 +14,7 @@
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/Semaphore.h"
 #include "kit/marks/ShownLinesFile.h"
+#include "kit/value/Marshal.h"
 #include "tests/calc/ChangingOffice.h"
 #include "tests/fakes/LogLines.h"
 
@@ -25,6 +27,27 @@ class CalcRoad {
   // Opens a workbook as the active one. Throws what Calc threw.
   void open(const std::filesystem::path& file) {
     onCallThread([&] { spreadsheet_->openWorkbook(file.string()); });
+  }
+
+  // The reply's payload as JSON text; of a failure with a word before it. The arguments are a
+  // value: a reference would be bound to the inner list of {Array{...}}.
+  std::string ask(const std::string& verb, JSONValue::Array args = {}) {
+    const Bridge::Reply reply = bridge_.dispatch(verb, std::move(args));
+    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+  }
+
+  // Of the first rows, or columns, of a sheet: "5 6 7 ", "C D ".
+  std::string hiddenLines(const SheetRef& sheet, Lines kind) {
+    std::string text;
+    onCallThread([&] {
+      for (int i = 1; i <= 20; ++i) {
+        const bool rows = kind == Lines::rows;
+        const Area line = rows ? Area{i, 1, i, maxColumn} : Area{1, i, maxRow, i};
+        if (spreadsheet_->hidden({sheet, {line}}, kind) == true)
+          text += (rows ? std::to_string(i) : columnLetters(i)) + " ";
+      }
+    });
+    return text;
   }
 
   // The top left cell of what the window shows: "$A$1".

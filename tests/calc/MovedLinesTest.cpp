@@ -8,7 +8,6 @@
 #include <string>
 
 #include "host/Address.h"
-#include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/KeeperProcess.h"
 #include "tests/calc/UserHands.h"
@@ -42,21 +41,12 @@ class MovedLines : public testing::Test {
   }
 
   std::string ask(const std::string& verb, Array args = {}) {
-    const Bridge::Reply reply = road.bridge().dispatch(verb, args);
-    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+    return road.ask(verb, std::move(args));
   }
   // Of the first rows and columns: "5 6 7 C D".
   std::string hiddenLines(const std::string& sheet) {
-    std::string text;
-    road.use([&](CalcSpreadsheet& calc) {
-      for (int i = 1; i <= 20; ++i)
-        if (calc.hidden({{name, sheet}, {{i, 1, i, maxColumn}}}, Lines::rows) == true)
-          text += std::to_string(i) + " ";
-      for (int i = 1; i <= 10; ++i)
-        if (calc.hidden({{name, sheet}, {{1, i, maxRow, i}}}, Lines::columns) == true)
-          text += columnLetters(i) + " ";
-    });
-    return text;
+    return road.hiddenLines({name, sheet}, Lines::rows) +
+           road.hiddenLines({name, sheet}, Lines::columns);
   }
   bool hasLogged(const std::string& line) {
     const auto lines = road.log();

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "host/Address.h"
-#include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
@@ -37,8 +36,7 @@ class UsersLines : public testing::Test {
   ~UsersLines() override { hands->close(name); }
 
   std::string ask(const std::string& verb, Array args = {}) {
-    const Bridge::Reply reply = road.bridge().dispatch(verb, args);
-    return (reply.ok ? "" : "failed ") + Marshal::encode(reply.payload);
+    return road.ask(verb, std::move(args));
   }
   void reveal(const std::string& address, const std::string& unhid) {
     const std::string reply = ask("reveal", {Array{address}, 0});
@@ -53,13 +51,7 @@ class UsersLines : public testing::Test {
   // Of the first rows: "4 5 6 ".
   std::string hidden(const std::string& sheet) { return hidden(name, sheet); }
   std::string hidden(const std::string& book, const std::string& sheet) {
-    std::string text;
-    road.use([&](CalcSpreadsheet& calc) {
-      for (int i = 1; i <= 20; ++i)
-        if (calc.hidden({{book, sheet}, {{i, 1, i, maxColumn}}}, Lines::rows) == true)
-          text += std::to_string(i) + " ";
-    });
-    return text;
+    return road.hiddenLines({book, sheet}, Lines::rows);
   }
   // Whoever asks for the marks of a workbook waits until what its user has done was looked at.
   void lookAtMarks() {

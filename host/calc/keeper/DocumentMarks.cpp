@@ -1,8 +1,9 @@
 #include "host/calc/keeper/DocumentMarks.h"
 
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/container/XIndexAccess.hpp>
 #include <vector>
+
+#include "host/calc/CalcRanges.h"
 
 namespace quorin::host::calc {
 
@@ -22,13 +23,12 @@ std::optional<Workbook> asWorkbook(const Reference<css::uno::XInterface>& docume
 
 std::vector<MarkedSheet> findMarks(const Workbook& workbook) {
   std::vector<MarkedSheet> found;
-  const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
-  const sal_Int32 count = sheets->getCount();
-  for (sal_Int32 i = 0; i < count; ++i) {
-    const Reference<css::sheet::XSpreadsheet> sheet(sheets->getByIndex(i), UNO_QUERY_THROW);
-    const auto page = drawPageOf(sheet);
+  const std::vector<Reference<css::sheet::XSpreadsheet>> sheets = sheetsOf(workbook);
+  for (std::size_t i = 0; i < sheets.size(); ++i) {
+    const auto page = drawPageOf(sheets[i]);
     std::vector<PlacedMark> marks = readMarks(page);
-    if (!marks.empty()) found.push_back({i, sheet, page, std::move(marks)});
+    if (!marks.empty())
+      found.push_back({static_cast<sal_Int32>(i), sheets[i], page, std::move(marks)});
   }
   return found;
 }

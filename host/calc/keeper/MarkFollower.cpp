@@ -82,19 +82,19 @@ void MarkFollower::lookAtLines(const ShownLines& shown) {
   try {
     const UsersLines users = usersLines(workbook_, shown.entries(workbook_));
     const auto sheets = workbook_.sheets->getElementNames();
-    if (turn && hook_.turn() == turn) {
-      shown.set(users.hidden, ShownLines::State::over);
-      shown.set(users.opened, ShownLines::State::opened);
-      if (sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
-        tidyNotes(changes_, workbook_, shown);
-      sheets_ = sheets;
+    if (!turn || hook_.turn() != turn) {
+      news_->areLinesNew = true;
       return;
     }
+    shown.set(users.hidden, ShownLines::State::over);
+    shown.set(users.opened, ShownLines::State::opened);
+    if (sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
+      tidyNotes(changes_, workbook_, shown);
+    sheets_ = sheets;
   } catch (const css::uno::Exception&) {
     news_->areLinesNew = true;
     throw;
   }
-  news_->areLinesNew = true;
 }
 
 bool MarkFollower::isOpen() const {

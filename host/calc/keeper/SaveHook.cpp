@@ -64,7 +64,7 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
     shown = shown_.entries(*workbook);
     std::erase_if(shown, [](const auto& each) { return each.isOver(); });
     shown_.set(shown, State::hidden);
-    HiddenAgain again = hideShownLines(changes_, *workbook, shown, shown_.entries(*workbook));
+    HiddenAgain again = hideShownLines(changes_, *workbook, shown, shown);
     shown_.set(again.opened, State::opened);
     lines = std::move(again.lines);
   } catch (const css::uno::Exception&) {

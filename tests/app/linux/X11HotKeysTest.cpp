@@ -8,7 +8,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using ui::ChildProcess;
 
 constexpr std::uint32_t keyM = 46, keyD = 2, leftArrow = 123;
 constexpr std::uint32_t optionShift = 2048 + 512, controlOption = 6144, superKey = 256;
@@ -23,9 +22,7 @@ class X11HotKeysTest : public GtkFixture {
   }
 
   static void xdotool(const std::vector<std::string>& words) {
-    std::vector<std::string> command{"xdotool"};
-    command.insert(command.end(), words.begin(), words.end());
-    ChildProcess::run(command);
+    EXPECT_TRUE(display->xdotool(words));
   }
 
   // What was pressed when the last of these keys had its effect. The last one is always added.

@@ -6,27 +6,20 @@
 namespace quorin {
 namespace {
 
-using ui::ChildProcess;
-
 class X11UserInputTest : public GtkFixture {
  protected:
   X11UserInputTest() {
     input_.observe([this] { ++heard_; });
   }
 
-  static void xdotool(std::vector<std::string> words) {
-    words.insert(words.begin(), "xdotool");
-    ChildProcess::run(words);
-  }
-
   bool hears(const std::vector<std::string>& words) {
     settle();
-    xdotool(words);
+    EXPECT_TRUE(display->xdotool(words));
     return waitUntil([this] { return heard_ > 0; });
   }
   bool ignores(const std::vector<std::string>& words) {
     settle();
-    xdotool(words);
+    EXPECT_TRUE(display->xdotool(words));
     runFor(patience);
     return heard_ == 0;
   }

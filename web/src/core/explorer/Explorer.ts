@@ -108,9 +108,9 @@ export class Explorer {
   }
 
   get notice(): string {
-    const { here, elsewhere } = this;
-    const front = `Values can be asked for while “${here?.place.book ?? ''}” is in front.`;
-    return this.said || (elsewhere ? front : '');
+    const { here, said } = this;
+    if (said !== '' || !here || !this.elsewhere) return said;
+    return `Values can be asked for while “${here.place.book}” is in front.`;
   }
 
   handle(event: NativeEvent): void {
@@ -279,7 +279,7 @@ export class Explorer {
       this.view = 'tree';
       this.enter();
       const destination = { label: `${sheet}!${address}`, addresses: [qualified(sheet, address)] };
-      this.ports.follower.follow(() => (this.elsewhere ? undefined : destination));
+      this.follow(() => destination);
       return;
     }
     this.said = outcome.ok ? 'This cell cannot be read.' : outcome.failure.message;
@@ -371,14 +371,14 @@ export class Explorer {
     return here?.tree && destinationOf(here.tree.active, homeOf(here));
   }
 
-  private follow(): void {
+  private follow(destination = () => this.destination()): void {
     if (this.elsewhere) return;
-    this.ports.follower.follow(() => (this.elsewhere ? undefined : this.destination()));
+    this.ports.follower.follow(() => (this.elsewhere ? undefined : destination()));
   }
 
   private reveal(): void {
-    const destination = this.destination();
     if (this.elsewhere) return;
+    const destination = this.destination();
     if (!destination) this.said = 'This part names no cells.';
     else if (this.ports.follower.current.able) this.ports.follower.go(destination);
     else void this.select();
