@@ -45,14 +45,20 @@ std::size_t TextRoom::take(const Grid<std::string>& texts) {
   return bytes;
 }
 
+std::vector<Area> areasWithin(const css::uno::Reference<css::sheet::XSheetCellRanges>& found,
+                              const Area& area) {
+  std::vector<Area> parts;
+  for (const auto& address : answered(found)->getRangeAddresses()) {
+    if (const auto part = intersection(areaOf(address), area)) parts.push_back(*part);
+  }
+  return parts;
+}
+
 void forEachCell(const css::uno::Reference<css::sheet::XSheetCellRanges>& found, const Area& area,
                  const std::function<void(int row, int column)>& visit) {
-  for (const auto& address : answered(found)->getRangeAddresses()) {
-    const Area part = areaOf(address);
-    for (int row = std::max(part.firstRow, area.firstRow);
-         row <= std::min(part.lastRow, area.lastRow); ++row) {
-      for (int column = std::max(part.firstColumn, area.firstColumn);
-           column <= std::min(part.lastColumn, area.lastColumn); ++column) {
+  for (const Area& part : areasWithin(found, area)) {
+    for (int row = part.firstRow; row <= part.lastRow; ++row) {
+      for (int column = part.firstColumn; column <= part.lastColumn; ++column) {
         visit(row - area.firstRow, column - area.firstColumn);
       }
     }

@@ -127,6 +127,11 @@ Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read,
   return grid;
 }
 
+// What of the area a query on it found. Asked of columns behind the last in which anything has ever
+// stood, Calc tells cells of that one, which belong to no answer.
+std::vector<Area> areasWithin(const css::uno::Reference<css::sheet::XSheetCellRanges>& found,
+                              const Area& area);
+
 // Calls `visit` with the 0-based position of every cell of `found` that lies in the area.
 void forEachCell(const css::uno::Reference<css::sheet::XSheetCellRanges>& found, const Area& area,
                  const std::function<void(int row, int column)>& visit);

@@ -35,20 +35,20 @@ using css::uno::Sequence;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
-// Where anything stands in the cells.
-Sequence<css::table::CellRangeAddress> filledParts(const Reference<css::uno::XInterface>& cells) {
-  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
-                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
-  return answered(query->queryContentCells(contents))->getRangeAddresses();
-}
-
 Area enclosing(const Area& a, const Area& b) {
   return {std::min(a.firstRow, b.firstRow), std::min(a.firstColumn, b.firstColumn),
           std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
 }
 
 }  // namespace
+
+std::vector<Area> findFilledParts(const Reference<css::table::XCellRange>& cells,
+                                  const Area& area) {
+  const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
+  constexpr sal_Int16 contents = css::sheet::CellFlags::VALUE | css::sheet::CellFlags::DATETIME |
+                                 css::sheet::CellFlags::STRING | css::sheet::CellFlags::FORMULA;
+  return areasWithin(query->queryContentCells(contents), area);
+}
 
 std::optional<RangeRef> referredCells(const Workbook& workbook,
                                       const Reference<css::uno::XInterface>& entry) {
@@ -125,7 +125,8 @@ std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeR
   const Area& start = firstArea(range);
   Area& found = region->areas.front();
   if (host::intersection(found, start) != start) {
-    found = !filledParts(cursor).hasElements() ? start : enclosing(found, start);
+    const Reference<css::table::XCellRange> edge(cursor, UNO_QUERY_THROW);
+    found = findFilledParts(edge, found).empty() ? start : enclosing(found, start);
   }
   return region;
 }
@@ -139,10 +140,10 @@ std::optional<RangeRef> findUsedRange(const Workbook& workbook, const std::strin
   return rangeOf(workbook, cursor);
 }
 
-std::optional<Area> findFilledPart(const Reference<css::table::XCellRange>& cells) {
+std::optional<Area> findFilledPart(const Reference<css::table::XCellRange>& cells,
+                                   const Area& area) {
   std::optional<Area> filled;
-  for (const auto& address : filledParts(cells)) {
-    const Area part = areaOf(address);
+  for (const Area& part : findFilledParts(cells, area)) {
     filled = filled ? enclosing(*filled, part) : part;
   }
   return filled;
@@ -204,8 +205,8 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
       found.push_back({row, column, row, column});
     }
   };
-  for (const auto& address : answered(query->queryFormulaCells(anyResult))->getRangeAddresses()) {
-    for (const Area& piece : piecesOf(areaOf(address))) {
+  for (const Area& part : areasWithin(query->queryFormulaCells(anyResult), firstArea(range))) {
+    for (const Area& piece : piecesOf(part)) {
       limits.check();
       const auto rows = Reference<css::sheet::XCellRangeFormula>(
                             cellsOf(workbook, range.sheet.sheet, piece), UNO_QUERY_THROW)
@@ -221,12 +222,6 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
 }
 
 }  // namespace
-
-std::vector<Area> findFilledParts(const Reference<css::table::XCellRange>& cells) {
-  std::vector<Area> parts;
-  for (const auto& address : filledParts(cells)) parts.push_back(areaOf(address));
-  return parts;
-}
 
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,
                                        DependentLevels levels, const CallLimits& limits) {

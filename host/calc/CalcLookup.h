@@ -22,9 +22,11 @@ std::optional<RangeRef> referredCells(const Workbook& workbook,
 std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeRef& range);
 std::optional<RangeRef> findUsedRange(const Workbook& workbook, const std::string& sheet);
 // The smallest rectangle with all that stands in the cells; nothing when they are blank.
-std::optional<Area> findFilledPart(const css::uno::Reference<css::table::XCellRange>& cells);
+std::optional<Area> findFilledPart(const css::uno::Reference<css::table::XCellRange>& cells,
+                                   const Area& area);
 // The rectangles in which each cell is filled; they do not overlap.
-std::vector<Area> findFilledParts(const css::uno::Reference<css::table::XCellRange>& cells);
+std::vector<Area> findFilledParts(const css::uno::Reference<css::table::XCellRange>& cells,
+                                  const Area& area);
 std::optional<RangeRef> findDependents(const Workbook& workbook, const RangeRef& range,
                                        DependentLevels levels, const CallLimits& limits);
 

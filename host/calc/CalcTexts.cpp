@@ -95,7 +95,7 @@ Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, 
   Sequence<rtl::OUString> texts = shownTexts(workbook, sheet, told);
   if (texts.getLength() != cellCount({told})) {
     const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
-    const std::optional<Area> filled = findFilledPart(cells);
+    const std::optional<Area> filled = findFilledPart(cells, area);
     if (!filled) return grid;
     told = *filled;
     texts = shownTexts(workbook, sheet, told);

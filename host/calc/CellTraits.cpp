@@ -10,6 +10,7 @@
 
 #include "host/Address.h"
 #include "host/calc/Answered.h"
+#include "host/calc/AreaGrid.h"
 #include "host/calc/CalcLines.h"
 #include "host/calc/CalcRanges.h"
 #include "host/calc/Text.h"
@@ -89,13 +90,12 @@ CellKinds readKinds(const Workbook& workbook, const RangeRef& range, const CallL
   const Area& area = firstArea(range);
   const auto cells = cellsOf(workbook, range.sheet.sheet, area);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
-  const auto formulas = answered(query->queryFormulaCells(anyResult))->getRangeAddresses();
-  if (!formulas.hasElements()) return {};
+  const std::vector<Area> formulas = areasWithin(query->queryFormulaCells(anyResult), area);
+  if (formulas.empty()) return {};
   const Sequence<Sequence<rtl::OUString>> texts =
       Reference<css::sheet::XCellRangeFormula>(cells, UNO_QUERY_THROW)->getFormulaArray();
   CellKinds kinds(static_cast<std::size_t>(cellCount({area})), CellKind::constant);
-  for (const auto& address : formulas) {
-    const Area part = areaOf(address);
+  for (const Area& part : formulas) {
     for (int row = part.firstRow; row <= part.lastRow; ++row) {
       limits.check();
       for (int column = part.firstColumn; column <= part.lastColumn; ++column) {

@@ -122,7 +122,7 @@ void ScratchWorkbook::clear(const Area& area) {
 }
 
 bool ScratchWorkbook::isBlank(const Area& area) {
-  return !findFilledPart(cellsOf(workbook(), onlySheet, area));
+  return !findFilledPart(cellsOf(workbook(), onlySheet, area), area);
 }
 
 Grid<CellValue> ScratchWorkbook::formulas(const RangeRef& range, const CallLimits& limits) {

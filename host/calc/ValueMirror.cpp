@@ -205,15 +205,32 @@ std::vector<RangeRef> ValueMirror::wanted(const Reach& reach) const {
   return distinct;
 }
 
+// Calc has columns as far as anything has ever stood in one, and counts in the last of them, for
+// some functions, where a range begins behind it.
+void ValueMirror::makeColumns(const std::vector<RangeRef>& reached, const CallLimits& limits) {
+  for (const RangeRef& range : reached) {
+    const std::string sheet = mirrored(range.sheet);
+    const int first = firstArea(range).firstColumn;
+    int& last = columns_[sheet];
+    if (first <= last) continue;
+    limits.check();
+    cellsOf(workbook(), sheet, {1, first, 1, first})->getCellByPosition(0, 0)->setFormula({});
+    last = first;
+  }
+}
+
 void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const CallLimits& limits) {
+  const std::vector<RangeRef> reached = wanted(reach);
+  makeColumns(reached, limits);
   std::vector<RangeRef> areas;
   long long cells = 0;
-  for (RangeRef& range : wanted(reach)) {
+  for (const RangeRef& range : reached) {
     limits.check();
     std::vector<Area> filled = range.areas;
     if (cellCount(range.areas) > fewCells) {
-      filled = findFilledParts(
-          cellsOf(*workbooks.named(range.sheet.book), range.sheet.sheet, firstArea(range)));
+      const Area& area = firstArea(range);
+      filled = findFilledParts(cellsOf(*workbooks.named(range.sheet.book), range.sheet.sheet, area),
+                               area);
     }
     cells += cellCount(filled);
     if (cells > mostCellsReached) throw TooManyCells();

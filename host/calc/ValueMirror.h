@@ -67,6 +67,7 @@ class ValueMirror {
   void addSheets(const CallLimits& limits);
   void adoptSettings(const Workbook& original);
   void addSheet(const std::string& name);
+  void makeColumns(const std::vector<RangeRef>& reached, const CallLimits& limits);
 
   HiddenWorkbook hidden_;
   const css::uno::Reference<css::frame::XModel> original_;  // none for a workbook of ours
@@ -75,8 +76,9 @@ class ValueMirror {
   std::string formulaSheet_;
   std::optional<FormulaCells> formulaCells_;                            // once asked for
   std::map<std::pair<std::string, std::string>, std::string> foreign_;  // by book and sheet
-  std::vector<Block> blocks_;  // of which anything may stand there
-  bool isWritten_ = true;      // and all that belongs there does
+  std::vector<Block> blocks_;           // of which anything may stand there
+  bool isWritten_ = true;               // and all that belongs there does
+  std::map<std::string, int> columns_;  // by sheet: the last that Calc has a column for, if known
 };
 
 }  // namespace quorin::host::calc

@@ -156,6 +156,18 @@ TEST_F(CalcLarge, AsksWhatACallTakesWhereThatIsCalculated) {
             value("\"none\""));
 }
 
+// Where Calc's queries, and its COUNTA, tell cells of the last column that it has.
+TEST_F(CalcLarge, FindsNothingBehindTheLastColumn) {
+  EXPECT_EQ(evaluate("COUNTA(Big!AB1:BZ5000)"), value("0"));
+  EXPECT_EQ(evaluate("COUNTA(Big!A1:B5)&\"|\"&COUNTA(Big!AB1:BZ5)"), value("\"10|0\""));
+  EXPECT_EQ(evaluate("COUNTA(Big!A1:B5)&\"|\"&COUNTA(Big!AB1:BZ5000)"), value("\"10|0\""));
+  EXPECT_EQ(evaluate("SUBTOTAL(3,Looks!D1:F7)"), value("0"));  // beside a column of formulas
+  EXPECT_EQ(deep({"COUNTA([Large.fods]Big!AB1:BZ5000)"}), value("0"));
+  EXPECT_EQ(ask("dependents", {"Looks!E1:F3"}), R"("")");
+  EXPECT_EQ(ask("readFormulas", {"Looks!E2:F3", "a1", true}),
+            R"({"cols":2,"formulas":[["",""],["",""]],"rows":2,"values":[]})");
+}
+
 TEST_F(CalcLarge, WorksOutSumsOfManyCellsAndRefusesMore) {
   EXPECT_EQ(evaluate("SUM(Big!A1:Z20000)"), value("500029"));
   EXPECT_EQ(evaluate("SUM(Big!A:Z)"),

@@ -57,8 +57,8 @@ TEST_F(ClosedWorkbook, FailsTheCallsThatHaveItsCellsAlready) {
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
   close(closed);
   using css::uno::Exception;
-  EXPECT_THROW(findFilledParts(cells), Exception);
-  EXPECT_THROW(findFilledPart(cells), Exception);
+  EXPECT_THROW(findFilledParts(cells, {1, 1, 9, 9}), Exception);
+  EXPECT_THROW(findFilledPart(cells, {1, 1, 9, 9}), Exception);
   EXPECT_THROW(forEachCell(query->queryEmptyCells(), {1, 1, 9, 9}, [](int, int) {}), Exception);
   EXPECT_THROW(drawPageOf(sheet), Exception);
   EXPECT_THROW(outlinesOf(sheet, {{1, 1, 9, 9}}), Exception);
