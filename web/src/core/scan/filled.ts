@@ -1,5 +1,6 @@
-// Where cells are filled in a range that is mostly blank: the spreadsheet counts one half and the
-// other, and so on where it counts any.
+// Where cells are filled in a range that is mostly blank: the spreadsheet counts in ever larger
+// beginnings of it, of which the least that holds all is often read at once; else it counts one half
+// and the other, and so on where it counts any.
 
 import { areaAddress, cellCount, type Area } from '../address/area';
 import type { Json } from '../protocol/json';
@@ -16,6 +17,16 @@ export type Filled = {
 
 /** With one cell in so many filled an area is read as it is. */
 const dense = 4;
+
+/** Its first 16 rows or columns, its first 64, and so on. */
+function beginnings(area: Area, end: 'bottom' | 'right'): Area[] {
+  const first = end === 'bottom' ? area.top : area.left;
+  const found: Area[] = [];
+  for (let size = 16; first + size - 1 < area[end]; size *= 4) {
+    found.push({ ...area, [end]: first + size - 1 });
+  }
+  return found;
+}
 
 export async function findFilled(
   book: string,
@@ -37,10 +48,17 @@ export async function findFilled(
     if (cells <= pieceLimit || filled * dense >= cells) found.areas.push(area);
     else waiting.push([area, filled]);
   };
-  const whole = await numbers([within]);
-  if (!whole) return { areas: [], uncounted: [within] };
+  const rows = beginnings(within, 'bottom');
+  const columns = beginnings(within, 'right');
+  const counts = await numbers([within, ...rows, ...columns]);
+  if (!counts) return { areas: [], uncounted: [within] };
+  const [total = 0, ...parts] = counts;
+  const least = (areas: readonly Area[], from: number) =>
+    areas.find((_, i) => parts[from + i] === total) ?? within;
+  const { bottom } = least(rows, 0);
+  const { right } = least(columns, rows.length);
   const waiting: [Area, number][] = [];
-  take(within, whole[0] ?? 0, waiting);
+  take({ ...within, bottom, right }, total, waiting);
   for (let next = waiting.pop(); next; next = waiting.pop()) {
     const [area] = next;
     const parts = halves(area);
