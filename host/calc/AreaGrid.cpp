@@ -11,23 +11,24 @@ void refuseTooMany(const Area& area) {
   if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
 }
 
-std::vector<Area> piecesFrom(int row, const Area& area, int most) {
-  std::vector<Area> pieces;
-  const int columns = std::min(columnCount(area), most);
-  const int rows = columns < columnCount(area) ? 1 : most / columns;
-  const int lastRow = std::min(row + rows - 1, area.lastRow);
-  for (int column = area.firstColumn; column <= area.lastColumn; column += columns) {
-    pieces.push_back({row, column, lastRow, std::min(column + columns - 1, area.lastColumn)});
+std::optional<Area> nextPiece(const Area& area, const std::optional<Area>& last, int most) {
+  int row = area.firstRow, column = area.firstColumn;
+  if (last && last->lastColumn < area.lastColumn) {
+    row = last->firstRow;
+    column = last->lastColumn + 1;
+  } else if (last) {
+    row = last->lastRow + 1;
   }
-  return pieces;
+  if (row > area.lastRow) return std::nullopt;
+  const int columns = std::min(area.lastColumn - column + 1, most);
+  const int rows = columns == columnCount(area) ? most / columns : 1;
+  return Area{row, column, std::min(row + rows - 1, area.lastRow), column + columns - 1};
 }
 
 std::vector<Area> piecesOf(const Area& area, int most) {
   std::vector<Area> pieces;
-  for (int row = area.firstRow; row <= area.lastRow; row = pieces.back().lastRow + 1) {
-    const std::vector<Area> beside = piecesFrom(row, area, most);
-    pieces.insert(pieces.end(), beside.begin(), beside.end());
-  }
+  std::optional<Area> piece;
+  while ((piece = nextPiece(area, piece, most))) pieces.push_back(*piece);
   return pieces;
 }
 

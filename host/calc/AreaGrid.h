@@ -4,6 +4,7 @@
 
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "host/Address.h"
@@ -22,12 +23,12 @@ inline constexpr int cellsOfPiece = 2'000;
 // The displayed texts of at most so many cells are asked for by one request.
 inline constexpr int mostCellsWithTexts = 5'000;
 
-// The area in pieces of at most so many cells. They follow each other as the cells do, or lie side
-// by side in one row.
-std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
+// The piece of at most so many cells that follows `last`, or the first one: whole rows, or a part
+// of one row where it is longer. Nothing behind the last piece.
+std::optional<Area> nextPiece(const Area& area, const std::optional<Area>& last, int most);
 
-// Those of them that begin in the row: one, or several side by side.
-std::vector<Area> piecesFrom(int row, const Area& area, int most);
+// All of them.
+std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
 
 // Calls `work` with one piece of the area after the other, as they follow each other above. It
 // gives the bytes of text that the piece brought: where cells hold long texts, of which 2,000 may
@@ -38,15 +39,11 @@ void inPieces(const Area& area, const CallLimits& limits, Work work, int atMost 
   constexpr int few = 200;
   constexpr long long longText = 1'000;  // bytes for each cell
   int most = few;
-  for (int row = area.firstRow; row <= area.lastRow;) {
-    const std::vector<Area> pieces = piecesFrom(row, area, most);
-    long long bytes = 0;
-    for (const Area& piece : pieces) {
-      limits.check();
-      bytes += static_cast<long long>(work(piece));
-    }
-    most = bytes > longText * cellCount(pieces) ? few : atMost;
-    row = pieces.back().lastRow + 1;
+  std::optional<Area> piece;
+  while ((piece = nextPiece(area, piece, most))) {
+    limits.check();
+    const auto bytes = static_cast<long long>(work(*piece));
+    most = bytes > longText * cellCount({*piece}) ? few : atMost;
   }
 }
 

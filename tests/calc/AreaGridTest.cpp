@@ -38,6 +38,8 @@ TEST(AreaGrid, ReadsFewCellsAtOnceWhereTheyHoldLongTexts) {
   EXPECT_EQ(readIn("A1:A5000", 1000, 5000), "$A$1:$A$200,$A$201:$A$5000");
   EXPECT_EQ(readIn("A1:B250", 1001, 5000), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
   EXPECT_EQ(readIn("A1:B250", 1001), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
+  EXPECT_EQ(readIn("A1:IJM1", 0),
+            "$A$1:$GR$1,$GS$1:$CFP$1,$CFQ$1:$FEN$1,$FEO$1:$IDL$1,$IDM$1:$IJM$1");
   EXPECT_EQ(readIn("A1:KN2", 0), "$A$1:$GR$1,$GS$1:$KN$1,$A$2:$KN$2");  // 300 columns
 }
 
