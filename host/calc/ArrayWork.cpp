@@ -1,9 +1,21 @@
 #include "host/calc/ArrayWork.h"
 
+#include <array>
+
 #include "host/Address.h"
 #include "host/calc/FunctionCalls.h"
 
 namespace quorin::host::calc {
+namespace {
+
+// At most as many values as the first argument has.
+bool givesSomeOfFirst(std::string_view function) {
+  static constexpr std::array<std::string_view, 5> names{"FILTER", "SORT", "SORTBY", "UNIQUE",
+                                                         "XMATCH"};
+  return std::find(names.begin(), names.end(), function) != names.end();
+}
+
+}  // namespace
 
 ArrayShape shapeOf(const Area& area) {
   return {static_cast<double>(rowCount(area)), static_cast<double>(columnCount(area))};
@@ -21,6 +33,13 @@ ArrayCall arrayCall(std::string_view function, const std::vector<ArrayShape>& ar
   if (function == "ROW") return {{first.rows, 1}};
   if (function == "COLUMN") return {{1, first.columns}};
   if (function == "TRANSPOSE") return {{first.columns, first.rows}};
+  if (function == "LET") return {arguments.back()};
+  if (givesSomeOfFirst(function)) return {first};
+  if (function == "XLOOKUP" && arguments.size() > 2) {
+    if (first.count() > 1) return {first};
+    return {arguments[1].columns > 1 ? ArrayShape{arguments[2].rows, 1}
+                                     : ArrayShape{1, arguments[2].columns}};
+  }
   if (function == "MMULT" && arguments.size() > 1) {
     constexpr double quicker = 100;  // a product than a call
     const ArrayShape product{first.rows, arguments[1].columns};

@@ -123,6 +123,9 @@ ExpressionContext CalcEvaluator::scope(Request& request, std::vector<std::string
     return std::optional<SheetPlace>({{book, sheet}, calcSheet(sheet)});
   };
   context.asked = request.limits.terms().asked;
+  context.knows = [this, &request](const std::string& function) {
+    return functions_.has(*request.workbooks.named(request.from.book), function);
+  };
   context.checkpoint = [&request] { request.limits.check(); };
   context.referent = [this, &request](const std::string& argument) {
     const auto [entry, isNew] = request.referents.try_emplace(argument);

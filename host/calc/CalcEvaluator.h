@@ -10,6 +10,7 @@
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CallLimits.h"
+#include "host/calc/OfficeFunctions.h"
 #include "host/calc/ValueMirror.h"
 
 namespace quorin::host::calc {
@@ -60,6 +61,7 @@ class CalcEvaluator {
 
   const css::uno::Reference<css::uno::XComponentContext> context_;
   std::unique_ptr<ValueMirror> mirror_;  // of the workbook asked about last
+  OfficeFunctions functions_;
 };
 
 }  // namespace quorin::host::calc

@@ -20,6 +20,7 @@ std::optional<CalcExpression> calcExpression(std::string_view excel,
     result.text = writer.run();
     result.single = writer.isSingle();
     result.crossed = names.crossed;
+    if (!names.bindings.empty()) result.text = "LET(" + names.bindings + result.text + ")";
   } catch (const Malformed&) {
     return std::nullopt;
   }

@@ -27,6 +27,8 @@ struct ExpressionContext {
   // Whether the user asked for this very part. Else no function is called that is not known to be
   // harmless: SpreadsheetError onlyWhenAsked.
   bool asked = false;
+  // Whether the office has a function, by Calc's name. When empty, none that makes a difference.
+  std::function<bool(const std::string& function)> knows = {};
   // Called now and then; throws when the work is to end.
   std::function<void()> checkpoint = {};
   // The sheets of that workbook in their order. When empty, every name of a sheet is accepted.
@@ -82,7 +84,7 @@ struct CalcExpression {
   std::string text;  // without "="
   Reach reach;
   bool single = false;  // it gives one value whatever the cells hold; else perhaps several
-  double crossed = 0;   // so many values Calc has to work out where columns meet rows
+  double crossed = 0;   // so many values Calc has to work out beside those of its cells
 };
 
 // Excel text, with or without "=". Commas and semicolons both separate arguments. Nothing when the

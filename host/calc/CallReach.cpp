@@ -33,7 +33,7 @@ std::optional<int> numberOf(const CallArgument& argument, const ExpressionContex
   constexpr double most = 2e6;  // more than a sheet has rows
   std::optional<double> value = constant(argument.calc);
   if (!value && context.placesAreAsked && context.valueOf && !argument.excel.empty()) {
-    const auto told = context.valueOf(std::string(argument.excel));
+    const auto told = context.valueOf(argument.excel);
     const auto* number = told ? std::get_if<double>(&*told) : nullptr;
     if (number != nullptr) value = *number;
     if (told && std::holds_alternative<CellError>(*told)) return 1;  // nothing else comes of it

@@ -11,7 +11,7 @@
 namespace quorin::host::calc {
 
 struct CallArgument {
-  std::string_view excel;          // as it stands; empty where it cannot be asked about by itself
+  std::string excel;               // as it stands; empty where it cannot be asked about by itself
   std::string calc;                // the same in Calc's grammar
   std::size_t from = 0, upTo = 0;  // its cells in the reach
   bool isCells = false;            // it is these cells, as they stand

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "host/Address.h"
 #include "host/calc/ExcelReference.h"
@@ -21,18 +20,14 @@ std::optional<std::string> kindOf(const FunctionCall& call, const ExpressionCont
     return std::string(text.substr(1, text.size() - 2));
   }
   if (!context.valueOf || argument.excel.empty()) return std::nullopt;
-  const auto value = context.valueOf(std::string(argument.excel));
+  const auto value = context.valueOf(argument.excel);
   const auto* kind = value ? std::get_if<std::string>(&*value) : nullptr;
   return kind == nullptr ? std::nullopt : std::optional(*kind);
 }
 
 // In Calc's grammar.
 std::string literal(const CellValue& value) {
-  if (const auto* number = std::get_if<double>(&value)) {
-    std::array<char, 32> digits{};
-    std::to_chars(digits.begin(), digits.end(), *number);
-    return digits.data();
-  }
+  if (const auto* number = std::get_if<double>(&value)) return numberText(*number);
   if (const auto* error = std::get_if<CellError>(&value)) return error->text;
   const auto* text = std::get_if<std::string>(&value);
   return inQuotes(text == nullptr ? "" : *text);
@@ -42,7 +37,7 @@ std::string literal(const CellValue& value) {
 std::optional<RangeRef> referredCell(const CallArgument& argument,
                                      const ExpressionContext& context) {
   if (!context.valueOf || argument.excel.empty()) return std::nullopt;
-  const auto told = context.valueOf("CELL(\"address\"," + std::string(argument.excel) + ")");
+  const auto told = context.valueOf("CELL(\"address\"," + argument.excel + ")");
   const auto* found = told ? std::get_if<std::string>(&*told) : nullptr;
   if (found == nullptr) return std::nullopt;
   std::size_t position = 0;

@@ -1,12 +1,11 @@
 #include "host/calc/CellWriter.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 
 #include "host/calc/CalcRanges.h"
+#include "host/calc/ReferenceText.h"
 #include "host/calc/Text.h"
 
 namespace quorin::host::calc {
@@ -46,9 +45,7 @@ rtl::OUString formulaFor(const CellValue& value, CellKind kind) {
   rtl::OUString formula = ownFormula(value);
   if (kind == CellKind::constant) return formula;
   if (const auto* number = std::get_if<double>(&value)) {
-    std::array<char, 32> digits{};
-    std::to_chars(digits.begin(), digits.end(), *number);
-    formula = "=" + rtl::OUString::createFromAscii(digits.data());
+    formula = "=" + toUno(numberText(*number));
   } else if (const auto* text = std::get_if<std::string>(&value)) {
     formula = "=" + quoted(toUno(*text));
   }

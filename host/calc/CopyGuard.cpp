@@ -52,6 +52,7 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
   context.errorOf = {};
   context.valueOf = {};
   context.looks = {};
+  context.knows = {};
   for (const std::string& sheet : context.sheets) {
     limits.check();
     context.from.sheet = sheet;

@@ -2,11 +2,8 @@
 
 #include <algorithm>
 
-#include "host/calc/CellErrors.h"
 #include "host/calc/ExcelTokens.h"
-#include "host/calc/FunctionCalls.h"
 #include "host/calc/FunctionNames.h"
-#include "host/calc/HarmlessFunctions.h"
 #include "host/calc/ReferenceWriter.h"
 
 namespace quorin::host::calc {
@@ -80,7 +77,7 @@ void ExpressionWriter::operand(bool mayBeReference) {
 
 // Ends what would grow beyond all bounds.
 void ExpressionWriter::bound() const {
-  if (out_.size() > longestWritten || reach_.cells.size() > mostReached ||
+  if (out_.size() + names_.bindings.size() > longestWritten || reach_.cells.size() > mostReached ||
       names_.entries.size() > mostNames || depthInside() > deepest) {
     throw SpreadsheetError(-50, "The expression is too long with its names written out");
   }
@@ -110,105 +107,6 @@ bool ExpressionWriter::rowsFollow() const {
 void ExpressionWriter::copy(std::optional<std::string_view> constant) {
   if (!constant) throw Malformed();
   out_ += *constant;
-}
-
-void ExpressionWriter::open(const std::string& function) {
-  const std::size_t begin = out_.size();
-  if (!function.empty()) out_ += calcFunctionName(function);
-  out_ += text_[at_++];
-  frames_.push_back({function, begin, out_.size(), at_, reach_.cells.size(), signs_});
-  operandExpected_ = true;
-  open_ += 1 + signs_;
-  signs_ = 0;
-}
-
-void ExpressionWriter::close() {
-  if (frames_.empty()) throw Malformed();
-  endArgument();
-  const Frame frame = frames_.back();
-  const ArrayCall made = arrayCall(frame.function, frame.shapes);
-  names_.crossed += made.crossed;
-  if (operandExpected_ && frame.function.empty()) throw Malformed();
-  const std::size_t begin = frame.begin;
-  const auto instead = frame.function.empty() ? std::nullopt : callInstead(frame);
-  if (instead) {
-    out_.erase(begin);
-    out_ += *instead;
-  } else {
-    out_ += ')';
-  }
-  frames_.pop_back();
-  operands().add(made.shape);
-  std::erase_if(parameters_, [&](const Parameter& one) { return one.frame == frames_.size(); });
-  open_ -= 1 + frame.signs;
-  signs_ = 0;
-  ++at_;
-  const bool one =
-      frame.function.empty() ? !frame.several : givesOne(frame.function, frame.several);
-  if (!one) mayBeSeveral();
-  const bool truth = frame.function.empty() ? frame.compares : givesTruth(frame.function);
-  if (truth && isJoinedFrom(begin)) out_ = out_.substr(0, begin) + namedTruth(out_.substr(begin));
-  operandExpected_ = false;
-  reference_ = true;
-}
-
-// Notes what the call reaches, and gives what stands for it if it is to be written otherwise.
-std::optional<std::string> ExpressionWriter::callInstead(const Frame& frame) {
-  const std::vector<CallArgument> arguments = argumentsOf(frame);
-  leaveOut(reach_, frame.function, arguments, context_);
-  if (frame.function == "INDIRECT") keepInside(frame);
-  const FunctionCall call{frame.function, out_.substr(frame.content),
-                          std::span(reach_.cells).subspan(frame.reached), arguments};
-  auto instead = writtenAnew(call, context_, reach_);
-  addBeyond(reach_, frame.function, frame.reached);
-  return instead;
-}
-
-// Whether what was written from there on is a reference and nothing else.
-bool ExpressionWriter::isCells(std::size_t from) const {
-  constexpr const char* blank = " \n\r\t";
-  return cells_.first == out_.find_first_not_of(blank, from) &&
-         cells_.second == out_.find_last_not_of(blank) + 1;
-}
-
-void ExpressionWriter::endArgument() {
-  Frame& frame = frames_.back();
-  const std::size_t from = frame.ends.empty() ? frame.content : frame.ends.back().output + 1;
-  frame.ends.push_back({at_, out_.size(), reach_.cells.size(), isCells(from)});
-  names_.crossed += frame.operands.crossed();
-  frame.shapes.push_back(std::exchange(frame.operands, {}).shape());
-}
-
-// What LET and LAMBDA call a value cannot be asked about by itself.
-std::vector<CallArgument> ExpressionWriter::argumentsOf(const Frame& frame) const {
-  std::vector<CallArgument> arguments;
-  std::size_t text = frame.text, output = frame.content, reached = frame.reached;
-  for (const ArgumentEnd& end : frame.ends) {
-    const std::string_view excel = text_.substr(text, end.text - text);
-    arguments.push_back({parameters_.empty() ? excel : std::string_view(),
-                         out_.substr(output, end.output - output), reached, end.reached,
-                         end.isCells});
-    text = end.text + 1;
-    output = end.output + 1;
-    reached = end.reached;
-  }
-  return arguments;
-}
-
-// Inside a function's brackets it parts arguments, elsewhere a comma unites references.
-void ExpressionWriter::separator(char c) {
-  if (!frames_.empty() && !frames_.back().function.empty()) {
-    endArgument();
-    out_ += ';';
-  } else {
-    if (c == ';' || operandExpected_ || !reference_) throw Malformed();
-    out_ += '~';
-    operands().skip();
-    mayBeSeveral();
-  }
-  ++at_;
-  operandExpected_ = true;
-  signs_ = 0;
 }
 
 void ExpressionWriter::sign(char c) {
@@ -356,44 +254,6 @@ void ExpressionWriter::word(const std::optional<SheetSpan>& span) {
   }
 }
 
-void ExpressionWriter::function(const std::string& name) {
-  operand(true);
-  if (!context_.asked && !isHarmless(name) && names_.reaching.empty()) names_.reaching = name;
-  if (name == "INDIRECT" && indirect()) return;
-  if (name == "ERROR.TYPE" && errorNumber()) return;
-  addFunction(reach_, name);
-  open(name);
-}
-
-// Writes the cells that INDIRECT finds, if it has one argument and these are known.
-bool ExpressionWriter::indirect() {
-  std::size_t behind = at_;
-  const auto argument = readOnlyArgument(text_, behind);
-  if (!argument || !context_.referent) return false;
-  const auto cells = context_.referent(std::string(*argument));
-  if (!cells) return false;
-  at_ = behind;
-  if (cells->empty()) {
-    out_ += "INDIRECT(\"\")";  // not #REF!, of which some functions make another error
-  } else {
-    expansion(*cells);
-  }
-  return true;
-}
-
-// Writes what ERROR.TYPE gives, where the error of its argument is known.
-bool ExpressionWriter::errorNumber() {
-  std::size_t behind = at_;
-  const auto argument = readOnlyArgument(text_, behind);
-  if (!argument || !context_.errorOf) return false;
-  const auto error = context_.errorOf(std::string(*argument));
-  if (!error) return false;
-  at_ = behind;
-  out_ += error->empty() ? "#N/A" : std::to_string(errorType(*error));
-  reference_ = false;
-  return true;
-}
-
 // A part of a table is written as the cells it stands for.
 void ExpressionWriter::table(const std::string& book, const std::string& name) {
   operand(true);
@@ -410,9 +270,13 @@ void ExpressionWriter::name(const std::optional<SheetSpan>& span, const std::str
     out_ += isJoinedFrom(out_.size()) ? '"' + upperCase(word) + '"' : upperCase(word) + "()";
     return;
   }
-  if (!span && (givesParameter(word) || isParameter(word))) {
-    out_ += word;
-    mayBeSeveral();
+  const GivenName* const given = span              ? nullptr
+                                 : givesName(word) ? given_.last()
+                                                   : given_.find(word);
+  if (given != nullptr) {
+    out_ += given->written.empty() ? word : given->written;
+    operands().add(given->shape);
+    if (!given->single) mayBeSeveral();
     return;
   }
   SheetRef scope{context_.from.book, {}};
@@ -471,34 +335,6 @@ void ExpressionWriter::append(const WrittenNames::Entry& entry) {
   if (entry.isCells) cells_ = {begin, out_.size()};
   reach_.cells.insert(reach_.cells.end(), entry.cells.begin(), entry.cells.end());
   bound();
-}
-
-// Whether the word, just read, is what LET or LAMBDA calls a value to come.
-bool ExpressionWriter::givesParameter(const std::string& word) {
-  if (frames_.empty() || word.empty()) return false;
-  const Frame& frame = frames_.back();
-  const bool ofLet = frame.function == "LET" && frame.ends.size() % 2 == 0;
-  if (!ofLet && frame.function != "LAMBDA") return false;
-  const std::size_t next = text_.find_first_not_of(" \n\r\t", at_);
-  if (next == std::string_view::npos || (text_[next] != ',' && text_[next] != ';')) return false;
-  parameters_.push_back({upperCase(word), frames_.size() - 1, frame.ends.size() + (ofLet ? 2 : 1)});
-  return true;
-}
-
-bool ExpressionWriter::isParameter(const std::string& word) const {
-  return std::any_of(parameters_.begin(), parameters_.end(), [&](const Parameter& one) {
-    return one.word == upperCase(word) && frames_[one.frame].ends.size() >= one.argument;
-  });
-}
-
-// Lets the text of INDIRECT name nothing outside.
-void ExpressionWriter::keepInside(const Frame& frame) {
-  const std::size_t end = frame.ends.front().output;
-  const std::string text = out_.substr(frame.content, end - frame.content);
-  const auto kept = keptInside(text);
-  if (!kept) return;
-  reach_.byText = true;
-  out_.replace(frame.content, text.size(), *kept);
 }
 
 // Writes what a name or a table stands for, in brackets where it is more than one operand.

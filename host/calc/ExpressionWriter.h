@@ -15,6 +15,7 @@
 #include "host/calc/CalcExpression.h"
 #include "host/calc/CallReach.h"
 #include "host/calc/ExcelReference.h"
+#include "host/calc/GivenNames.h"
 #include "host/calc/JoinedTruth.h"
 
 namespace quorin::host::calc {
@@ -22,7 +23,9 @@ namespace quorin::host::calc {
 struct Malformed {};
 
 // What the writers of one expression share: each name is written once, and what has been written is
-// remembered.
+// remembered. The office has no LET inside of another, and takes the names of the workbook for
+// those of a LET: so where it has one at all, all become a single one around the expression, with
+// names that nobody else gives.
 struct WrittenNames {
   struct Entry {
     bool isOpen = true;  // being written: a name that leads here again has no end
@@ -36,6 +39,8 @@ struct WrittenNames {
   };
   std::map<std::string, Entry> entries;
   double crossed = 0;    // where columns meet rows (see ArrayWork)
+  std::string bindings;  // of LET: names and values in turn, each with ";" behind it
+  int bound = 0;         // so many names
   std::string reaching;  // a function that is not to be called, in capitals; empty for none
 };
 
@@ -69,17 +74,10 @@ class ExpressionWriter {
     int signs = 0;         // stand before it
     bool compares = false;
     bool several = false;  // what stands in it may be more than one value
+    bool binds = false;    // it is a LET whose values go to the bindings
     std::vector<ArgumentEnd> ends = {};
     std::vector<ArrayShape> shapes = {};  // of the arguments that have ended
     ArrayOperands operands = {};          // of the one that is open
-  };
-
-  // What LET or LAMBDA calls a value. It counts inside that call, behind the value, and hides a
-  // name of the workbook there alone.
-  struct Parameter {
-    std::string word;      // in capitals
-    std::size_t frame;     // the number of the call among those that are open
-    std::size_t argument;  // of the call, from which on it counts
   };
 
   bool at(std::string_view any) const {
@@ -93,8 +91,9 @@ class ExpressionWriter {
   void open(const std::string& function);
   void close();
   void endArgument();
+  void bind();
   std::vector<CallArgument> argumentsOf(const Frame& frame) const;
-  std::optional<std::string> callInstead(const Frame& frame);
+  std::optional<std::string> callInstead(const Frame& frame, ArrayCall& made);
   void separator(char c);
   void sign(char c);
   void crossing();
@@ -105,8 +104,7 @@ class ExpressionWriter {
   void function(const std::string& name);
   bool indirect();
   void keepInside(const Frame& frame);
-  bool givesParameter(const std::string& word);
-  bool isParameter(const std::string& word) const;
+  bool givesName(const std::string& word);
   bool errorNumber();
   void table(const std::string& book, const std::string& name);
   void name(const std::optional<SheetSpan>& span, const std::string& word);
@@ -133,10 +131,10 @@ class ExpressionWriter {
   std::string out_;
   std::vector<Frame> frames_;
   bool several_ = false;
-  int open_ = 0;                       // brackets, and the signs before them
-  int signs_ = 0;                      // before the operand that is read
-  std::vector<Parameter> parameters_;  // of the calls that are open
-  ArrayOperands operands_;             // outside all brackets
+  int open_ = 0;            // brackets, and the signs before them
+  int signs_ = 0;           // before the operand that is read
+  GivenNames given_;        // by the calls that are open
+  ArrayOperands operands_;  // outside all brackets
   bool operandExpected_ = true;
   bool isCells_ = false;                       // once all is written
   bool reference_ = false;                     // the operand just written may be a reference

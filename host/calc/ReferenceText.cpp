@@ -243,6 +243,12 @@ std::string inQuotes(std::string_view text) {
   return result + '"';
 }
 
+std::string numberText(double number) {
+  std::array<char, 32> digits{};
+  std::to_chars(digits.begin(), digits.end(), number);
+  return digits.data();
+}
+
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view blanks = " \n\r\t";
   const std::size_t first = text.find_first_not_of(blanks);

@@ -62,6 +62,8 @@ std::optional<std::string> readQuoted(std::string_view text, std::size_t& positi
 
 // The text in quotation marks, as it stands in a formula.
 std::string inQuotes(std::string_view text);
+// As short as tells it from every other.
+std::string numberText(double number);
 
 // Without the blanks around it.
 std::string_view trimmed(std::string_view text);

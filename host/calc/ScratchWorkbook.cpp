@@ -62,8 +62,52 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     return;
   }
 
+  questions_ = 0;
+  ExpressionContext context = scope(workbooks, limits);
+  const auto written = calcExpression(formula, context);
+  if (!written) {
+    enter(own, "=#NAME?");
+    return;
+  }
+  const CalcExpression calc = possible(*written);
+  add(reach_, calc.reach);
+  mirror_.bring(workbooks, reach_, limits);
+  context.qualify = true;
+  const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
+  const Area target{cell.first, cell.second, cell.first + size.rows - 1,
+                    cell.second + size.columns - 1};
+  if (target.lastRow > maxRow || target.lastColumn > maxColumn || !isBlank(target)) {
+    enter(own, noRoom);
+    return;
+  }
+  Area entered = target;
+  if (size.isTooLarge()) {  // no more than shows that it spills
+    entered.lastRow = std::min(target.lastRow, target.firstRow + 1);
+    entered.lastColumn = std::min(target.lastColumn, target.firstColumn + 1);
+  }
+  enter(entered, "=" + calc.text);
+  if (entered != own) spills_[cell] = entered;
+}
+
+// Refuses what would take too long, or what a chain does not come to.
+CalcExpression ScratchWorkbook::possible(CalcExpression calc) const {
+  refuseLargeArrays(calc);
+  if (calc.reach.untold) throw SpreadsheetError(-50, untoldText);
+  if (calc.reach.contents) {
+    throw SpreadsheetError(-50, std::string(onlyInCopyText) + " cannot be worked out in a chain");
+  }
+  return calc;
+}
+
+ExpressionContext ScratchWorkbook::scope(CalcWorkbooks& workbooks, const CallLimits& limits) {
   ExpressionContext context{
       .from = {name_, onlySheet}, .asked = limits.terms().asked, .sheets = {onlySheet}};
+  context.knows = [this](const std::string& function) {
+    return functions_.has(workbook(), function);
+  };
+  context.valueOf = [&](const std::string& argument) {
+    return valueOf(workbooks, argument, limits);
+  };
   context.elsewhere = [&](const std::string& book,
                           const std::string& sheet) -> std::optional<SheetPlace> {
     const auto found = findSheet(workbooks, book, sheet);
@@ -81,33 +125,27 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
     const std::string& book = asked.sheet.book;
     return mirror_.looks(book == name_ ? workbook() : *workbooks.named(book), kind, asked);
   };
-  const auto calc = calcExpression(formula, context);
-  if (!calc) {
-    enter(own, "=#NAME?");
-    return;
-  }
-  refuseLargeArrays(*calc);
-  if (calc->reach.untold) throw SpreadsheetError(-50, untoldText);
-  if (calc->reach.contents) {
-    throw SpreadsheetError(-50, std::string(onlyInCopyText) + " cannot be worked out in a chain");
-  }
-  add(reach_, calc->reach);
-  mirror_.bring(workbooks, reach_, limits);
+  return context;
+}
+
+// Of the size of an array that the present formula makes; it may lead to further questions.
+std::optional<CellValue> ScratchWorkbook::valueOf(CalcWorkbooks& workbooks,
+                                                  const std::string& argument,
+                                                  const CallLimits& limits) {
+  constexpr int most = 50;
+  limits.check();
+  if (++questions_ > most) throw SpreadsheetError(-50, "The expression leads to too many others");
+  ExpressionContext context = scope(workbooks, limits);
   context.qualify = true;
-  const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
-  const Area target{cell.first, cell.second, cell.first + size.rows - 1,
-                    cell.second + size.columns - 1};
-  if (target.lastRow > maxRow || target.lastColumn > maxColumn || !isBlank(target)) {
-    enter(own, noRoom);
-    return;
-  }
-  Area entered = target;
-  if (size.isTooLarge()) {  // no more than shows that it spills
-    entered.lastRow = std::min(target.lastRow, target.firstRow + 1);
-    entered.lastColumn = std::min(target.lastColumn, target.firstColumn + 1);
-  }
-  enter(entered, "=" + calc->text);
-  if (entered != own) spills_[cell] = entered;
+  const auto written = calcExpression(argument, context);
+  if (!written) return CellValue(CellError{"#NAME?"});
+  const CalcExpression calc = possible(*written);
+  Reach all = reach_;
+  add(all, calc.reach);
+  mirror_.bring(workbooks, all, limits);
+  const Evaluation value = mirror_.formulaCells().valueOf(calc, limits);
+  const auto* one = std::get_if<CellValue>(&value);
+  return one != nullptr ? std::optional(*one) : std::nullopt;
 }
 
 void ScratchWorkbook::enter(const Area& area, const std::string& formula) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/OfficeFunctions.h"
 #include "host/calc/ValueMirror.h"
 
 namespace quorin::host::calc {
@@ -33,6 +34,10 @@ class ScratchWorkbook {
 
  private:
   using Cell = std::pair<int, int>;  // row and column
+  ExpressionContext scope(CalcWorkbooks& workbooks, const CallLimits& limits);
+  std::optional<CellValue> valueOf(CalcWorkbooks& workbooks, const std::string& argument,
+                                   const CallLimits& limits);
+  CalcExpression possible(CalcExpression calc) const;
   void enter(const Area& area, const std::string& formula);
   void clear(const Area& area);
   bool isBlank(const Area& area);
@@ -42,6 +47,8 @@ class ScratchWorkbook {
   Reach reach_;  // of all formulas
   std::map<Cell, std::string> written_;
   std::map<Cell, Area> spills_;
+  OfficeFunctions functions_;
+  int questions_ = 0;  // that the present formula leads to
 };
 
 }  // namespace quorin::host::calc

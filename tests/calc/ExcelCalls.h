@@ -572,11 +572,41 @@ inline constexpr std::array<std::string_view, 536> excelCalls{
 };
 // clang-format on
 
+// Of functions that older offices lack, or do not know in files.
+// clang-format off
+inline constexpr std::array<std::string_view, 23> newerCalls{
+    R"(FILTER(A1:A8,C1:C8="Nut"))",
+    R"(FILTER(A1:A8,C1:C8="Cog","none"))",
+    R"(LET(w,2,v,w*A2,SUM(w,v)))",
+    R"(LET(w,A1:A8,INDEX(w,4)+ROWS(w)))",
+    R"(LET(w,A1:A8,v,FILTER(w,w>3),SUM(v)/COUNT(w)))",
+    R"(OPT_BARRIER(50,0.4,0.05,0,1,40,0,70,0,"c","o","c"))",
+    R"(OPT_PROB_HIT(50,0.4,0.05,1,40,60))",
+    R"(OPT_PROB_INMONEY(50,0.4,0.05,1,40,60,50,"c"))",
+    R"(OPT_TOUCH(50,0.4,0.05,0,1,0,70,"f","o","c"))",
+    R"(RANDARRAY(2,3,5,5,TRUE))",
+    R"(SEQUENCE(3,2,A5,10))",
+    R"(SUM(SEQUENCE(A4)))",
+    R"(SORT(A1:A8,1,-1))",
+    R"(SORTBY(C1:C8,A1:A8,-1))",
+    R"(SUM(SORT(UNIQUE(A1:A8))*SEQUENCE(8)))",
+    R"(UNIQUE(C2:C8))",
+    R"(COUNTA(UNIQUE(C1:C8)))",
+    R"(XLOOKUP("Gear",C1:C8,A1:A8))",
+    R"(XLOOKUP("Cog",C1:C8,A1:A8,"none"))",
+    R"(XLOOKUP(6,A1:A8,C1:C8,"none",-1))",
+    R"(SUM(XLOOKUP("Screw",C1:C8,A1:B8)))",
+    R"(XMATCH(3,A1:A8))",
+    R"(XMATCH("Nut",C1:C8,0,-1))",
+};
+// clang-format on
+
 // Functions whose value may be an array.
 // clang-format off
-inline constexpr std::array<std::string_view, 11> givingSeveral{
-    "FREQUENCY", "GROWTH", "LINEST", "LOGEST", "MINVERSE", "MMULT", "MODE.MULT", "MUNIT",
-    "ORG.LIBREOFFICE.FOURIER", "TRANSPOSE", "TREND"};
+inline constexpr std::array<std::string_view, 17> givingSeveral{
+    "FILTER", "FREQUENCY", "GROWTH", "LINEST", "LOGEST", "MINVERSE", "MMULT", "MODE.MULT", "MUNIT",
+    "ORG.LIBREOFFICE.FOURIER", "RANDARRAY", "SEQUENCE", "SORT", "SORTBY", "TRANSPOSE", "TREND",
+    "UNIQUE"};
 // clang-format on
 
 // Their values come from random numbers.

@@ -149,5 +149,31 @@ TEST(BoundedExpression, KnowsTheNamesThatItGivesItself) {
   EXPECT_EQ(written("other+1", context), "#NAME?+1");
 }
 
+TEST(BoundedExpression, PutsAllValuesOfLetAroundItselfWhereTheOfficeHasLet) {
+  const ExpressionContext context{
+      .from = {"Plan.xlsx", "Data"},
+      .knows = [](const std::string& function) { return function == "LET"; },
+      .meaning = [&](const SheetRef&, const std::string& name) -> std::optional<std::string> {
+        if (name == "tripled") return "LET(a,2,a*3)";
+        return name == "x" ? std::optional<std::string>("7") : std::nullopt;
+      }};
+  EXPECT_EQ(written("LET(x,1,X+1)", context), "LET(_quorin1;1;(_quorin1+1))");
+  EXPECT_EQ(written("x+LET(x,1,x)", context), "LET(_quorin1;1;7+(_quorin1))");
+  EXPECT_EQ(written("LET( x , A1:A3 ,y,x*2,SUM(x*y))", context),
+            "LET(_quorin1; A1:A3 ;_quorin2;_quorin1*2;(SUM(_quorin1*_quorin2)))");
+  EXPECT_EQ(written("LET(x,LET(y,1,y+1),LET(x,x+1,SUM(x,2)))*2", context),
+            "LET(_quorin2;1;_quorin1;(_quorin2+1);_quorin3;_quorin1+1;((SUM(_quorin3;2)))*2)");
+  EXPECT_EQ(written("LET(a,7,tripled+a)", context),
+            "LET(_quorin1;7;_quorin2;2;(((_quorin2*3))+_quorin1))");
+  EXPECT_EQ(written("LET(x,1,y)", context), "LET(_quorin1;1;(#NAME?))");
+  for (const char* malformed : {"LET(x,1)", "LET(x)", "LET(1,2,3)", "LET(x,1,y,2)", "LET(x,,x)",
+                                "LET(A1,1,A1)", "LET(,1,2)", "LET(x,1,)", "LET((x),1,2)"}) {
+    EXPECT_EQ(written(malformed, context), std::nullopt) << malformed;
+  }
+  EXPECT_TRUE(calcExpression("LET(x,1,x&\"a\")", context)->single);
+  EXPECT_FALSE(calcExpression("LET(x,A1:A3,x&\"a\")", context)->single);
+  EXPECT_TRUE(calcExpression("LET(x,A1:A3,SUM(x))", context)->single);
+}
+
 }  // namespace
 }  // namespace quorin::host::calc
