@@ -2,11 +2,6 @@
 // bottom left of the first screen, y upwards), and where a window may stand. Pure functions.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "app/shell/ScreenPlacement.h"
 #include "kit/shapes/ScreenGeometry.h"
 
@@ -30,13 +25,9 @@ ScreenFrame toPoints(const DesktopRect& rect, int screenHeight);
 DesktopRect toDesktop(const ScreenFrame& frame, int screenHeight);
 
 using ScreenPlacement::constrained;
+using ScreenPlacement::savedFrame;
+using ScreenPlacement::savedFrameText;
 using ScreenPlacement::screenOf;
-
-// A saved frame as text: its four numbers, then those of the screen it was on, each followed by a
-// space: "900 252 460 588 0 0 1440 900 ".
-std::string savedFrameText(const ScreenFrame& frame, const ScreenFrame& screen);
-// The frame of such text; none when the text does not begin with four numbers of a real frame.
-std::optional<ScreenFrame> savedFrame(std::string_view text);
 
 }  // namespace DesktopGeometry
 }  // namespace quorin

@@ -1,4 +1,5 @@
-// Where the system calls us: C++ exceptions must not travel through its frames.
+// Where the system calls us: exceptions must not travel through its frames, C++ ones and those that
+// the system's own classes raise inside of the work.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -9,11 +10,15 @@ namespace quorin {
 // Runs the work; what it throws ends in the system's log.
 template <typename Work>
 void atEdge(const char* place, const Work& work) noexcept {
-  try {
-    work();
-  } catch (const std::exception& error) {
-    NSLog(@"%s: %s", place, error.what());
-  } catch (...) {
+  @try {
+    try {
+      work();
+    } catch (const std::exception& error) {
+      NSLog(@"%s: %s", place, error.what());
+    }
+  } @catch (NSException* exception) {
+    NSLog(@"%s: %@: %@", place, exception.name, exception.reason);
+  } @catch (...) {
     NSLog(@"%s: an exception of an unknown kind", place);
   }
 }

@@ -24,6 +24,15 @@
   quorin::atEdge("termination", [&] { receiver->applicationWillTerminate(); });
 }
 
+// AppKit's own answer would be to show the windows that it knows hidden; there are none of those.
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)sender
+                    hasVisibleWindows:(BOOL)hasVisibleWindows {
+  quorin::ApplicationDelegate* receiver = self.receiver;
+  if (!receiver) return NO;
+  quorin::atEdge("reopening", [&] { receiver->applicationShouldHandleReopen(); });
+  return NO;
+}
+
 @end
 
 namespace quorin {

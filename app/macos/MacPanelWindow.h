@@ -1,5 +1,5 @@
-// MacPanelWindow: the panel as an NSPanel. AppKit keeps and restores its frame by itself. Main
-// thread only.
+// MacPanelWindow: the panel as an NSPanel. It saves the frame that the user gives it, and no other:
+// AppKit's own saving would take every change for the user's. Main thread only.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -8,7 +8,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-@class QXPanel;
+@class QXFrameObserver, QXPanel;
 
 namespace quorin {
 
@@ -24,7 +24,7 @@ class MacPanelWindow : public PanelWindow {
   ScreenFrame frame() const override;
   void setFrame(const ScreenFrame& frame) override;
   ScreenSize minimumContentSize() const override;
-  void setWidening(double, double) override {}  // the frame is saved as the user sees it
+  void setWidening(double width, double shift) override;
   bool isVisible() const override;
   bool isKey() const override;
   void orderFront() override;
@@ -35,8 +35,19 @@ class MacPanelWindow : public PanelWindow {
   std::optional<Screen> screen() const override;
   std::optional<Screen> mainScreen() const override;
 
+  // The panel has another frame now, through us or through the user.
+  void frameChanged();
+
  private:
+  template <typename Change>
+  void change(const Change& make);
+  void restoreFrame();
+
+  const std::string frameKey_;
   QXPanel* panel_;
+  QXFrameObserver* observer_;  // the panel does not keep its delegate
+  bool changing_ = false;      // what happens to the frame is ours
+  double widening_ = 0, shift_ = 0;
 };
 
 }  // namespace quorin

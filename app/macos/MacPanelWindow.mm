@@ -1,6 +1,9 @@
 #import "app/macos/MacPanelWindow.h"
 
+#include <utility>
+
 #include "app/macos/Edge.h"
+#include "app/macos/MacDefaults.h"
 #import "app/macos/MacWebView.h"
 #import "app/macos/Text.h"
 #include "app/shell/ScreenPlacement.h"
@@ -21,6 +24,32 @@
 - (void)close {
   quorin::PanelWindowDelegate* receiver = self.closeReceiver;
   if (receiver) quorin::atEdge("close", [&] { receiver->panelWindowCloseRequested(); });
+}
+
+@end
+
+// Tells of every change of the frame, whoever made it.
+@interface QXFrameObserver : NSObject <NSWindowDelegate>
+@property(nonatomic, assign, nullable) quorin::MacPanelWindow* receiver;
+@end
+
+namespace {
+
+void tell(QXFrameObserver* observer) {
+  quorin::MacPanelWindow* receiver = observer.receiver;
+  if (receiver) quorin::atEdge("frame", [&] { receiver->frameChanged(); });
+}
+
+}  // namespace
+
+@implementation QXFrameObserver
+
+- (void)windowDidMove:(NSNotification*)notification {
+  tell(self);
+}
+
+- (void)windowDidResize:(NSNotification*)notification {
+  tell(self);
 }
 
 @end
@@ -57,23 +86,54 @@ QXPanel* makePanel(const PanelWindowOptions& options) {
       NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorFullScreenAuxiliary;
   panel.contentMinSize =
       NSMakeSize(options.minimumContentSize.width, options.minimumContentSize.height);
-  if (![panel setFrameAutosaveName:toNSString(options.frameAutosaveName)]) {
-    NSLog(@"another window keeps its frame as %s", options.frameAutosaveName.c_str());
-  }
   return panel;
 }
 
 }  // namespace
 
-// AppKit gives the panel the frame that it saved; the screen of then may be gone.
-MacPanelWindow::MacPanelWindow(const PanelWindowOptions& options) : panel_(makePanel(options)) {
-  const ScreenFrame inReach = ScreenPlacement::constrained(frame(), screens());
-  if (inReach != frame()) setFrame(inReach);
+MacPanelWindow::MacPanelWindow(const PanelWindowOptions& options)
+    : frameKey_("NSWindow Frame " + options.frameAutosaveName),
+      panel_(makePanel(options)),
+      observer_([[QXFrameObserver alloc] init]) {
+  restoreFrame();
+  observer_.receiver = this;
+  panel_.delegate = observer_;
 }
 
 MacPanelWindow::~MacPanelWindow() {
+  observer_.receiver = nullptr;
+  panel_.delegate = nil;
   panel_.closeReceiver = nullptr;
   [panel_ orderOut:nil];
+}
+
+// The screen of then may be gone.
+void MacPanelWindow::restoreFrame() {
+  const auto text = MacDefaults().string(frameKey_);
+  const auto saved = text ? ScreenPlacement::savedFrame(*text) : std::nullopt;
+  setFrame(ScreenPlacement::constrained(saved.value_or(frame()), screens()));
+}
+
+// AppKit may move a window while it shows it, too.
+template <typename Change>
+void MacPanelWindow::change(const Change& make) {
+  const bool before = std::exchange(changing_, true);
+  make();
+  changing_ = before;
+}
+
+void MacPanelWindow::frameChanged() {
+  if (changing_) return;
+  ScreenFrame saved = frame();
+  saved.x += shift_;
+  saved.width -= widening_;
+  const Screen on = screen().value_or(Screen{});
+  MacDefaults().setString(frameKey_, ScreenPlacement::savedFrameText(saved, on.frame));
+}
+
+void MacPanelWindow::setWidening(double width, double shift) {
+  widening_ = width;
+  shift_ = shift;
 }
 
 void MacPanelWindow::setDelegate(PanelWindowDelegate* delegate) {
@@ -87,6 +147,7 @@ void MacPanelWindow::setContent(WebView& view) {
   page.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
   page.frame = content.bounds;
   [content addSubview:page];
+  panel_.initialFirstResponder = page;  // keys are the page's as soon as the panel has them
 }
 
 ScreenFrame MacPanelWindow::frame() const {
@@ -94,7 +155,7 @@ ScreenFrame MacPanelWindow::frame() const {
 }
 
 void MacPanelWindow::setFrame(const ScreenFrame& frame) {
-  [panel_ setFrame:toRect(frame) display:YES];
+  change([&] { [panel_ setFrame:toRect(frame) display:YES]; });
 }
 
 ScreenSize MacPanelWindow::minimumContentSize() const {
@@ -111,16 +172,16 @@ bool MacPanelWindow::isKey() const {
 }
 
 void MacPanelWindow::orderFront() {
-  [panel_ orderFront:nil];
+  change([&] { [panel_ orderFront:nil]; });
 }
 
 void MacPanelWindow::makeKeyAndOrderFront() {
-  [panel_ makeKeyAndOrderFront:nil];
+  change([&] { [panel_ makeKeyAndOrderFront:nil]; });
 }
 
 void MacPanelWindow::resignKey() {
   [panel_ resignKeyWindow];
-  [panel_ orderFrontRegardless];
+  change([&] { [panel_ orderFrontRegardless]; });
 }
 
 void MacPanelWindow::orderOut() {

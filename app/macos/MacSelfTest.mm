@@ -64,7 +64,8 @@ std::filesystem::path runSelfTest(const SelfTest::PlatformFindings& platform) {
   ExcelThread experiments(makeRunner, log, {std::string(SelfTest::experimentsSource())});
   SelfTest test({library, experiments, MacBundle().infoString("CFBundleShortVersionString"),
                  macVersions(), platform});
-  const std::string stamp = ProblemReport::stamp(std::chrono::system_clock::now());
+  const std::string stamp = ProblemReport::stamp(
+      std::chrono::time_point_cast<ISO::Date::duration>(std::chrono::system_clock::now()));
   std::filesystem::path report = MacFolders().desktop() / ("Quorin self-test " + stamp + ".txt");
   std::ofstream(report) << test.run();
   return report;

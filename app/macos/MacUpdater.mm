@@ -1,8 +1,14 @@
 #import "app/macos/MacUpdater.h"
 
-#import <Sparkle/Sparkle.h>
-
 #import "app/macos/Text.h"
+
+// What is used of Sparkle, which is no part of the system's own headers.
+@interface SPUStandardUpdaterController : NSObject
+- (instancetype)initWithStartingUpdater:(BOOL)startUpdater
+                        updaterDelegate:(nullable id)updaterDelegate
+                     userDriverDelegate:(nullable id)userDriverDelegate;
+- (void)checkForUpdates:(nullable id)sender;
+@end
 
 namespace quorin {
 namespace {

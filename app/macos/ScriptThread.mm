@@ -20,6 +20,7 @@ constexpr NSUInteger stackSize = 8u << 20;
 
 // What the thread itself does.
 @interface QXScriptThread (QXWork)
+- (void)runTask:(QXScriptTask*)task;
 - (void)compileTask:(QXScriptTask*)task;
 - (void)executeTask:(QXScriptTask*)task;
 - (void)endTask:(nullable id)nothing;
@@ -53,7 +54,7 @@ constexpr NSUInteger stackSize = 8u << 20;
 - (nullable NSDictionary<NSString*, id>*)compileSource:(NSString*)source {
   QXScriptTask* task = [[QXScriptTask alloc] init];
   task.source = source;
-  [self performSelector:@selector(compileTask:) onThread:_thread withObject:task waitUntilDone:YES];
+  [self performSelector:@selector(runTask:) onThread:_thread withObject:task waitUntilDone:YES];
   return task.errorInfo;
 }
 
@@ -62,7 +63,7 @@ constexpr NSUInteger stackSize = 8u << 20;
                                            (NSDictionary<NSString*, id>* _Nullable* _Nonnull)info {
   QXScriptTask* task = [[QXScriptTask alloc] init];
   task.event = event;
-  [self performSelector:@selector(executeTask:) onThread:_thread withObject:task waitUntilDone:YES];
+  [self performSelector:@selector(runTask:) onThread:_thread withObject:task waitUntilDone:YES];
   *info = task.errorInfo;
   return task.reply;
 }
@@ -71,6 +72,20 @@ constexpr NSUInteger stackSize = 8u << 20;
   [_thread cancel];
   // Wakes the loop, which then sees that it is to end.
   [self performSelector:@selector(endTask:) onThread:_thread withObject:nil waitUntilDone:NO];
+}
+
+// An exception here would end the program, far from the call that it belongs to.
+- (void)runTask:(QXScriptTask*)task {
+  @try {
+    if (task.source) {
+      [self compileTask:task];
+    } else {
+      [self executeTask:task];
+    }
+  } @catch (NSException* exception) {
+    NSString* reason = exception.reason;
+    task.errorInfo = @{NSAppleScriptErrorMessage : reason ? reason : exception.name};
+  }
 }
 
 - (void)compileTask:(QXScriptTask*)task {

@@ -155,6 +155,10 @@ void AppDelegate::step(int direction) {
   if (hotKey_) hotKey_->step(direction);
 }
 
+void AppDelegate::applicationShouldHandleReopen() {
+  raisePanel();
+}
+
 void AppDelegate::raisePanel() {
   raiseWanted_ = !placer_;
   if (raiseWanted_) return;

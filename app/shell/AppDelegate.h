@@ -37,6 +37,7 @@ class AppDelegate : public ApplicationDelegate {
 
   void applicationDidFinishLaunching() override;
   void applicationWillTerminate() override;
+  void applicationShouldHandleReopen() override;
 
   // The one panel; made when it is first asked for.
   Panel& panel();

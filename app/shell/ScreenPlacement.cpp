@@ -1,6 +1,9 @@
 #include "app/shell/ScreenPlacement.h"
 
 #include <algorithm>
+#include <cmath>
+#include <locale>
+#include <sstream>
 
 namespace quorin::ScreenPlacement {
 
@@ -41,6 +44,30 @@ ScreenFrame constrained(const ScreenFrame& wanted, const std::vector<Screen>& sc
   if (frame.maxX() < visible.x + graspable || frame.x > visible.maxX() - graspable) {
     frame.x = std::max(visible.x, std::min(frame.x, visible.maxX() - frame.width));
   }
+  return frame;
+}
+
+std::string savedFrameText(const ScreenFrame& frame, const ScreenFrame& screen) {
+  std::ostringstream out;
+  out.imbue(std::locale::classic());
+  for (const ScreenFrame& one : {frame, screen}) {
+    for (const double number : {one.x, one.y, one.width, one.height}) {
+      out << std::lround(number) << ' ';
+    }
+  }
+  return out.str();
+}
+
+std::optional<ScreenFrame> savedFrame(std::string_view text) {
+  std::istringstream in{std::string(text)};
+  in.imbue(std::locale::classic());
+  ScreenFrame frame;
+  if (!(in >> frame.x >> frame.y >> frame.width >> frame.height)) return std::nullopt;
+  constexpr double limit = 100'000;
+  for (const double number : {frame.x, frame.y, frame.width, frame.height}) {
+    if (!std::isfinite(number) || std::abs(number) > limit) return std::nullopt;
+  }
+  if (frame.width < 1 || frame.height < 1) return std::nullopt;
   return frame;
 }
 

@@ -9,6 +9,14 @@ install_brew_packages() {
     echo "Please install Xcode's command-line tools first: xcode-select --install" >&2
     return 1
   fi
+  # What the adapters name appeared in that SDK; the program itself runs on macOS 13.
+  local sdk
+  sdk=$(xcrun --sdk macosx --show-sdk-version)
+  if [ "${sdk%%.*}" -lt 14 ]; then
+    echo "Quorin needs the SDK of macOS 14 or newer and this is $sdk: please update Xcode's" \
+      "command-line tools (System Settings, General, Software Update)" >&2
+    return 1
+  fi
   if ! command -v brew >/dev/null; then
     echo "Please install Homebrew first: https://brew.sh" >&2
     return 1

@@ -10,6 +10,7 @@
 #   ./run --self-test        tries everything that only a Mac can tell, and writes a report on the
 #                            desktop (after --sign IDENTITY, if both are given)
 set -euo pipefail
+called_from=$PWD
 cd "$(dirname "$0")/../.."
 . tools/dev/brew_packages.sh
 app=$PWD/build/mac/app/macos/Quorin.app
@@ -23,7 +24,8 @@ while [ $# -gt 0 ]; do
     --self-test) self_test=yes ;;
     -h | --help) sed -n '2,13s/^# \{0,1\}//p' "$0"; exit 0 ;;
     -*) echo "unknown option $1 (see ./run --help)" >&2; exit 2 ;;
-    *) workbook=$1 ;;
+    /*) workbook=$1 ;;
+    *) workbook=$called_from/$1 ;;
   esac
   shift
 done
@@ -36,9 +38,20 @@ install_brew_packages "${brew_build[@]}"
 
 web/build.sh
 echo "Building Quorin"
+mkdir -p build
 cmake -S . -B build/mac -G Ninja -DCMAKE_BUILD_TYPE=Release -DQUORIN_CALC=OFF -DQUORIN_TESTS=OFF \
   >build/mac.configure.log 2>&1 || { cat build/mac.configure.log; exit 1; }
 cmake --build build/mac -- --quiet Quorin
+
+# One that runs would only be brought forward, and the new one never seen. It takes its marks back.
+program=$app/Contents/MacOS/Quorin
+if pkill -TERM -f "^$program"; then
+  echo "Waiting for the Quorin that runs to end"
+  for _ in $(seq 100); do
+    pgrep -f "^$program" >/dev/null || break
+    sleep 0.2
+  done
+fi
 
 tools/dev/sign_mac.sh "$app" "$identity"
 

@@ -37,9 +37,8 @@ def panel_rules(source):
     for late in source.find(r"\.styleMask\s*[|&]?=[^=]|setStyleMask:"):
         yield source.at(late.start(), "the style mask is changed after init")
     for named in source.find(r"setFrameAutosaveName:"):
-        # NO means that another window has the name and the frame is not saved.
-        if re.match(r"\[[^=]*setFrameAutosaveName:[^=]*\]$", source.statement(named.start())):
-            yield source.at(named.start(), "the result of setFrameAutosaveName: is dropped")
+        # It saves every frame, also those that we set; a saved frame means that the user moved it.
+        yield source.at(named.start(), "AppKit saves the frame by itself")
 
 
 def notification_rules(source):

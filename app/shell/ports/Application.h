@@ -9,6 +9,8 @@ class ApplicationDelegate {
   virtual ~ApplicationDelegate() = default;
   virtual void applicationDidFinishLaunching() = 0;  // once, from inside run()
   virtual void applicationWillTerminate() = 0;       // once, before run() or the process ends
+  // The user has opened the application once more while it runs, where the desktop tells of it.
+  virtual void applicationShouldHandleReopen() {}
 };
 
 class Application {

@@ -327,6 +327,7 @@ typedef NS_OPTIONS(unsigned long long, NSEventMask) {
 @property(readonly, getter=isMainWindow) BOOL mainWindow;
 @property(readonly) BOOL canBecomeKeyWindow;
 @property(readonly) BOOL canBecomeMainWindow;
+@property(weak, nullable) NSView* initialFirstResponder;
 - (BOOL)makeFirstResponder:(nullable NSResponder*)responder;
 @property(weak, readonly, nullable) NSResponder* firstResponder;
 @property(strong, readonly, nullable) NSScreen* screen;

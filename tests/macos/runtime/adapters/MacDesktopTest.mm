@@ -1,0 +1,148 @@
+// The adapters of the desktop: what the user and other programs do reaches the receivers, and the
+// adapters ask the system for what they should.
+#include <fstream>
+
+#import "app/macos/MacHotKeys.h"
+#include "app/macos/MacLoginItem.h"
+#import "app/macos/MacStatusItem.h"
+#include "app/macos/MacSystem.h"
+#import "app/macos/MacUpdater.h"
+#import "app/macos/MacWorkspace.h"
+#include "tests/app/contract/ContractWorld.h"
+#include "tests/fakes/TemporaryFolder.h"
+#include "tests/macos/runtime/appkit/Hands.h"
+#include "tests/macos/runtime/appkit/LoginItems.h"
+#include "tests/macos/runtime/carbon/HotKeys.h"
+#include "tests/macos/runtime/foundation/Bundle.h"
+
+namespace quorin {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* excel = "com.microsoft.Excel";
+
+class Chooser : public StatusItemDelegate {
+ public:
+  void menuWillOpen() override { ++opened; }
+  void menuItemChosen(std::size_t index) override { chosen.push_back(index); }
+  int opened = 0;
+  std::vector<std::size_t> chosen;
+};
+
+TEST(MacStatusItem, TellsWhichItemTheUserChose) {
+  Chooser chooser;
+  {
+    MacStatusItem item("MenuBarIcon");
+    item.setDelegate(&chooser);
+    item.setMenu({{"One"}, {""}, {"Three"}, {"Four", false}});
+    NSMenu* menu = menusInTheBar().back();
+    EXPECT_TRUE(userChooses(menu, 2));
+    EXPECT_FALSE(userChooses(menu, 1)) << "a separator";
+    EXPECT_FALSE(userChooses(menu, 3)) << "disabled";
+    item.setItem(3, {"Four", true, true, true});
+    EXPECT_TRUE(userChooses(menu, 3));
+    EXPECT_EQ([menu itemAtIndex:3].state, NSControlStateValueOn);
+  }
+  EXPECT_EQ(chooser.opened, 4);
+  EXPECT_THAT(chooser.chosen, ElementsAre(2u, 3u));
+  EXPECT_TRUE(menusInTheBar().empty()) << "the icon has gone with its owner";
+}
+
+TEST(MacHotKeys, HaveNothingLeftWhenTheyGo) {
+  const std::size_t handlers = installedHandlers(), keys = registeredHotKeys();
+  std::vector<HotKeyID> pressed;
+  {
+    MacHotKeys service;
+    EXPECT_EQ(service.install([&](HotKeyID id) {
+      pressed.push_back(id);
+      return HotKeyService::noError;
+    }),
+              HotKeyService::noError);
+    EXPECT_EQ(service.add({'QXtt', 7}, 0, 2048 + 512), HotKeyService::noError);
+    EXPECT_TRUE(userPresses(0, 2048 + 512));
+  }
+  EXPECT_THAT(pressed, ElementsAre(HotKeyID{'QXtt', 7}));
+  EXPECT_FALSE(userPresses(0, 2048 + 512));
+  EXPECT_EQ(installedHandlers(), handlers);
+  EXPECT_EQ(registeredHotKeys(), keys);
+}
+
+TEST(MacWorkspace, TellsWhichApplicationComesToTheFront) {
+  const int process = startApplication(excel);
+  std::vector<RunningApplication> told, toldLater;
+  {
+    MacWorkspace workspace;
+    workspace.observeActivation([&](const RunningApplication& one) { told.push_back(one); });
+    bringForward(process);
+    workspace.observeActivation([&](const RunningApplication& one) { toldLater.push_back(one); });
+    bringForward(process);
+    EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{excel, process, false}));
+    EXPECT_THAT(workspace.runningApplications(excel),
+                ElementsAre(RunningApplication{excel, process, false}));
+    workspace.activate({excel, process, false});
+  }
+  bringForward(process);
+  EXPECT_THAT(told, ElementsAre(RunningApplication{excel, process, false}));
+  EXPECT_EQ(toldLater.size(), 2u) << "the second handler alone, and none after its end";
+  endApplication(process);
+}
+
+TEST(MacWorkspace, OpensFilesAndAddresses) {
+  MacWorkspace workspace;
+  EXPECT_TRUE(workspace.openURL("mailto:support@quorin.com"));
+  EXPECT_TRUE(workspace.openFile("/tmp/a b.txt"));
+  const std::vector<std::string> opened = openedURLs();
+  ASSERT_GE(opened.size(), 2u);
+  EXPECT_EQ(opened[opened.size() - 2], "mailto:support@quorin.com");
+  EXPECT_EQ(opened.back(), "file:///tmp/a%20b.txt");
+}
+
+TEST(MacTargetApplication, KnowsWhetherExcelRuns) {
+  MacTargetApplication target;
+  EXPECT_FALSE(target.isRunning());
+  const int process = startApplication(excel);
+  EXPECT_TRUE(target.isRunning());
+  endApplication(process);
+  EXPECT_FALSE(target.isRunning());
+}
+
+TEST(MacFolders, AreTheUsers) {
+  const std::filesystem::path home = ::getenv("HOME");
+  EXPECT_EQ(MacFolders().applicationSupport(), home / "Library" / "Application Support");
+  EXPECT_EQ(MacFolders().library(), home / "Library");
+  EXPECT_EQ(MacFolders().desktop(), home / "Desktop");
+}
+
+TEST(MacLoginItem, ComesGoesAndSaysWhyNot) {
+  const LoginItems before = loginItems();
+  MacLoginItem item;
+  EXPECT_EQ(item.status(), LoginItemStatus::notFound);
+  EXPECT_EQ(item.registerItem(), std::nullopt);
+  EXPECT_EQ(item.status(), LoginItemStatus::enabled);
+  EXPECT_EQ(item.unregisterItem(), std::nullopt);
+  EXPECT_EQ(item.status(), LoginItemStatus::notRegistered);
+  loginItems().refusal = "denied by the user";
+  EXPECT_EQ(item.registerItem(), "denied by the user");
+  loginItems() = before;
+}
+
+TEST(MacLoginItem, IsInstalledInAFolderOfApplicationsAlone) {
+  const auto folder = mainBundle().folder;
+  EXPECT_FALSE(MacLoginItem().isInstalled());
+  mainBundle().folder = "/Applications/Quorin.app";
+  EXPECT_TRUE(MacLoginItem().isInstalled());
+  mainBundle().folder = folder;
+}
+
+TEST(MacUpdater, SaysWhatIsMissing) {
+  const auto info = mainBundle().info;
+  EXPECT_EQ(MacUpdater().unavailable(), "no feed in this build");
+  mainBundle().info["SUFeedURL"] = "https://example.org/appcast.xml";
+  mainBundle().info["SUPublicEDKey"] = "a key";
+  EXPECT_EQ(MacUpdater().unavailable(), "the updater is missing");
+  mainBundle().info = info;
+}
+
+}  // namespace
+}  // namespace quorin

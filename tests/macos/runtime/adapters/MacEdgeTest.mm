@@ -1,0 +1,86 @@
+// What happens at the edges between the system and the program: exceptions of both languages, work
+// while an alert is open, and the application that is opened again.
+#import "app/macos/AppleScriptRunner.h"
+#import "app/macos/Edge.h"
+#import "app/macos/ScriptThread.h"
+#include "tests/app/contract/ContractWorld.h"
+#include "tests/macos/runtime/Expected.h"
+#include "tests/macos/runtime/appkit/Hands.h"
+#include "tests/macos/runtime/foundation/Raise.h"
+
+namespace quorin {
+namespace {
+
+using contract::platform;
+
+TEST(Edge, LogsWhatIsThrownInEitherLanguage) {
+  expectRaised(1);
+  const std::size_t before = loggedSoFar().size();
+  atEdge("one", [] { throw std::runtime_error("of C++"); });
+  atEdge("two", [] { raise("NSRangeException", "of Objective-C"); });
+  atEdge("three", [] { throw 3; });
+  const std::vector<std::string> all = loggedSoFar();
+  EXPECT_THAT(std::vector(all.begin() + static_cast<long>(before), all.end()),
+              testing::ElementsAre("one: of C++", "two: NSRangeException: of Objective-C",
+                                   "three: an exception of an unknown kind"));
+}
+
+TEST(ScriptThread, AnswersAnExceptionAsAnError) {
+  expectRaised(1);
+  QXScriptThread* thread = [[QXScriptThread alloc] init];
+  EXPECT_EQ([thread compileSource:@"on a9()\nreturn 1\nend a9\n"], nil);
+  NSDictionary<NSString*, id>* info = nil;
+  // Not an event: it raises inside of the call.
+  EXPECT_EQ([thread performEvent:[NSAppleEventDescriptor nullDescriptor] errorInfo:&info], nil);
+  ASSERT_NE(info, nil);
+  EXPECT_TRUE([info[NSAppleScriptErrorMessage] isEqual:@"this is no event"]);
+  EXPECT_EQ([thread compileSource:@"on a9()\nreturn 1\nend a9\n"], nil) << "it still works";
+  [thread stop];
+}
+
+class MacAlertsTest : public contract::PortContract {};
+
+TEST_F(MacAlertsTest, LeavesTheMainQueueGoingWhileOneIsOpen) {
+  std::string order;
+  bool answered = false;
+  platform().mainLoop().post([&] {
+    platform().alerts().show({"A question", "", {"Yes", "No"}}, [&](std::size_t) {
+      order += "answer";
+      answered = true;
+    });
+    platform().mainLoop().post([&] {
+      order += "reply ";
+      contract::pressAlertButtonSoon("Yes");
+    });
+  });
+  EXPECT_TRUE(waitUntil([&] { return answered; }));
+  EXPECT_EQ(order, "reply answer");
+}
+
+TEST_F(MacAlertsTest, ShowsASecondOneAfterTheFirst) {
+  std::string order;
+  platform().alerts().show({"First", "", {"One"}}, [&](std::size_t) { order += "one "; });
+  platform().alerts().show({"Second", "", {"Two"}}, [&](std::size_t) { order += "two"; });
+  contract::pressAlertButtonSoon("Two");
+  contract::pressAlertButtonSoon("One");
+  EXPECT_TRUE(waitUntil([&] { return order.size() >= 7; }));
+  EXPECT_EQ(order, "one two");
+}
+
+class Opened : public ApplicationDelegate {
+ public:
+  void applicationDidFinishLaunching() override {}
+  void applicationWillTerminate() override {}
+  void applicationShouldHandleReopen() override { ++count; }
+  int count = 0;
+};
+
+TEST(MacApplication, TellsThatItIsOpenedAgain) {
+  static Opened opened;
+  platform().application().setDelegate(opened);
+  userReopensApplication();
+  EXPECT_EQ(opened.count, 1);
+}
+
+}  // namespace
+}  // namespace quorin

@@ -1,0 +1,17 @@
+// What NSBundle.mainBundle answers with. A test that changes it puts it back.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace quorin {
+
+struct MainBundle {
+  std::filesystem::path folder;
+  std::map<std::string, std::string> info;
+};
+
+MainBundle& mainBundle();
+
+}  // namespace quorin

@@ -1,0 +1,44 @@
+// What a page in the fake WKWebView does, as a test says it: there is no page engine. Main thread
+// only.
+#pragma once
+
+#import <WebKit/WebKit.h>
+#include <string>
+#include <vector>
+
+namespace quorin {
+
+// The view that was made last, for tests that know adapters alone.
+WKWebView* lastWebView();
+
+// The page posts the body to the handler of that name; from the main frame or another one. False
+// when no handler has the name.
+bool pagePosts(WKWebView* view, NSString* handler, id body, bool fromMainFrame = true);
+
+// The page wants to go elsewhere, in its own frame or in a new window. What the delegate answers.
+bool pageMayGo(WKWebView* view, const std::string& url, bool inOwnFrame = true);
+
+// The answer to a load is one that WebKit cannot show. What the delegate answers.
+bool pageMayLoadOtherType(WKWebView* view);
+
+// window.open(): whether a view was given for it.
+bool pageOpensWindow(WKWebView* view);
+
+// The page asks for the camera.
+bool pageMayUseCamera(WKWebView* view);
+
+// The page's process ends.
+void endPageProcess(WKWebView* view);
+
+// The load that is on its way will fail before or after the page has come.
+enum class Failure { none, provisional, late };
+void failNextLoad(WKWebView* view, Failure failure, const std::string& reason);
+
+// The scripts that were run in the page, in order, and what is in every page from its start.
+std::vector<std::string> evaluatedScripts(WKWebView* view);
+std::vector<std::string> startScripts(WKWebView* view);
+
+// What was loaded last: "request URL", "file URL, readable URL" or "html TEXT".
+std::string loaded(WKWebView* view);
+
+}  // namespace quorin

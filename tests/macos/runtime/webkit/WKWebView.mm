@@ -1,0 +1,221 @@
+// A web view without a page engine: it asks and tells its delegates in WebKit's order, on the main
+// thread, never inside the call that caused it; the page is what a test says (Page.h).
+#import <WebKit/WebKit.h>
+#include <utility>
+
+#include "tests/macos/runtime/foundation/Loop.h"
+#include "tests/macos/runtime/foundation/Raise.h"
+#import "tests/macos/runtime/foundation/Strings.h"
+#include "tests/macos/runtime/objc/Runtime.h"
+#import "tests/macos/runtime/webkit/Content.h"
+#include "tests/macos/runtime/webkit/Page.h"
+
+using namespace quorin;
+
+@implementation WKFrameInfo
+
+- (instancetype)initWithMainFrame:(BOOL)main {
+  _mainFrame = main;
+  return self;
+}
+- (id)copyWithZone:(NSZone*)zone {
+  return self;
+}
+
+@end
+
+@implementation WKScriptMessage
+
+- (instancetype)initWithBody:(id)body name:(NSString*)name mainFrame:(BOOL)mainFrame {
+  _body = body;
+  _name = name;
+  _frameInfo = [[WKFrameInfo alloc] initWithMainFrame:mainFrame];
+  return self;
+}
+
+@end
+
+@implementation WKNavigationAction
+
+- (instancetype)initWithURL:(NSURL*)url hasFrame:(BOOL)hasFrame {
+  _request = [NSURLRequest requestWithURL:url
+                              cachePolicy:NSURLRequestUseProtocolCachePolicy
+                          timeoutInterval:60];
+  if (hasFrame) _targetFrame = [[WKFrameInfo alloc] initWithMainFrame:YES];
+  return self;
+}
+
+@end
+
+@implementation WKNavigationResponse
+
+- (instancetype)initShown:(BOOL)shown {
+  _canShowMIMEType = shown;
+  return self;
+}
+
+@end
+
+@implementation WKWebView {
+ @public
+  std::string _loaded;
+  std::string _address;
+  std::vector<std::string> _evaluated;
+  Failure _failure;
+  std::string _reason;
+}
+@synthesize navigationDelegate = _navigationDelegate, UIDelegate = _UIDelegate,
+            inspectable = _inspectable;
+
+static WKWebView* __weak last = nil;
+
+- (instancetype)initWithFrame:(CGRect)frame configuration:(WKWebViewConfiguration*)configuration {
+  self = [super initWithFrame:frame];
+  _configuration = [configuration copy];
+  last = self;
+  return self;
+}
+- (WKNavigation*)loadRequest:(NSURLRequest*)request {
+  return [self load:"request " + read(request.URL.absoluteString) at:request.URL];
+}
+// "readAccessURL: the URL of a file or directory"; the page must be inside.
+- (WKNavigation*)loadFileURL:(NSURL*)url allowingReadAccessToURL:(NSURL*)readable {
+  if (!url.fileURL || !read(url.path).starts_with(read(readable.path)))
+    raise("NSInvalidArgumentException", "the file is outside of what may be read");
+  return
+      [self load:"file " + read(url.absoluteString) + ", readable " + read(readable.absoluteString)
+              at:url];
+}
+- (WKNavigation*)loadHTMLString:(NSString*)text baseURL:(NSURL*)base {
+  if (!text) raise("NSInvalidArgumentException", "loadHTMLString: of nil");
+  return [self load:"html " + read(text) at:[NSURL URLWithString:@"about:blank"]];
+}
+- (WKNavigation*)reload {
+  return [self load:_loaded at:[NSURL URLWithString:made(_address)]];
+}
+- (WKNavigation*)load:(const std::string&)what at:(NSURL*)url {
+  onMainThread("a load");
+  _loaded = what;
+  _address = read(url.absoluteString);
+  WKWebView* __weak view = self;
+  const std::string address = _address;
+  Loop::main()->perform({Loop::commonModes}, [=] {
+    WKWebView* loading = view;
+    if (loading && pageMayGo(loading, address)) [loading tellOfLoad];
+  });
+  return nil;
+}
+// "didStart" comes before "didFinish" or one of the failures, and only one of these comes.
+- (void)tellOfLoad {
+  id<WKNavigationDelegate> delegate = self.navigationDelegate;
+  const Failure failure = std::exchange(_failure, Failure::none);
+  NSError* error = [NSError errorWithDomain:NSCocoaErrorDomain
+                                       code:1
+                                   userInfo:@{NSLocalizedDescriptionKey : made(_reason)}];
+  [delegate webView:self didStartProvisionalNavigation:nil];
+  if (failure == Failure::provisional) {
+    [delegate webView:self didFailProvisionalNavigation:nil withError:error];
+  } else if (failure == Failure::late) {
+    [delegate webView:self didFailNavigation:nil withError:error];
+  } else {
+    [delegate webView:self didFinishNavigation:nil];
+  }
+}
+- (void)evaluateJavaScript:(NSString*)script completionHandler:(void (^)(id, NSError*))completion {
+  onMainThread("evaluateJavaScript:");
+  if (!script) raise("NSInvalidArgumentException", "evaluateJavaScript: of nil");
+  _evaluated.push_back(read(script));
+}
+
+@end
+
+namespace quorin {
+
+WKWebView* lastWebView() {
+  return last;
+}
+
+bool pagePosts(WKWebView* view, NSString* handler, id body, bool fromMainFrame) {
+  WKUserContentController* content = view.configuration.userContentController;
+  const auto& all = content.handlers;
+  const auto found = all.find(read(handler));
+  if (found == all.end()) return false;
+  WKScriptMessage* message = [[WKScriptMessage alloc] initWithBody:body
+                                                              name:handler
+                                                         mainFrame:fromMainFrame];
+  [found->second userContentController:content didReceiveScriptMessage:message];
+  return true;
+}
+
+// WebKit raises when a decision handler is not called, and when it is called twice.
+bool pageMayGo(WKWebView* view, const std::string& url, bool inOwnFrame) {
+  __block int calls = 0;
+  __block bool allowed = false;
+  id<WKNavigationDelegate> delegate = view.navigationDelegate;
+  if (!delegate) return true;
+  [delegate webView:view
+      decidePolicyForNavigationAction:[[WKNavigationAction alloc]
+                                          initWithURL:[NSURL URLWithString:made(url)]
+                                             hasFrame:inOwnFrame]
+                      decisionHandler:^(WKNavigationActionPolicy policy) {
+                        ++calls;
+                        allowed = policy == WKNavigationActionPolicyAllow;
+                      }];
+  if (calls != 1) objc::breach("a decision handler was called %d times", calls);
+  return allowed;
+}
+
+bool pageMayLoadOtherType(WKWebView* view) {
+  __block int calls = 0;
+  __block bool allowed = false;
+  [view.navigationDelegate webView:view
+      decidePolicyForNavigationResponse:[[WKNavigationResponse alloc] initShown:NO]
+                        decisionHandler:^(WKNavigationResponsePolicy policy) {
+                          ++calls;
+                          allowed = policy != WKNavigationResponsePolicyCancel;
+                        }];
+  if (calls != 1) objc::breach("a decision handler was called %d times", calls);
+  return allowed;
+}
+
+bool pageOpensWindow(WKWebView* view) {
+  return [view.UIDelegate webView:view
+             createWebViewWithConfiguration:view.configuration
+                        forNavigationAction:[[WKNavigationAction alloc] initWithURL:nil hasFrame:NO]
+                             windowFeatures:nil] != nil;
+}
+
+bool pageMayUseCamera(WKWebView* view) {
+  __block bool allowed = false;
+  [view.UIDelegate webView:view
+      requestMediaCapturePermissionForOrigin:nil
+                            initiatedByFrame:nil
+                                        type:WKMediaCaptureTypeCamera
+                             decisionHandler:^(WKPermissionDecision decision) {
+                               allowed = decision != WKPermissionDecisionDeny;
+                             }];
+  return allowed;
+}
+
+void endPageProcess(WKWebView* view) {
+  [view.navigationDelegate webViewWebContentProcessDidTerminate:view];
+}
+
+void failNextLoad(WKWebView* view, Failure failure, const std::string& reason) {
+  view->_failure = failure;
+  view->_reason = reason;
+}
+
+std::vector<std::string> evaluatedScripts(WKWebView* view) {
+  return view->_evaluated;
+}
+
+std::vector<std::string> startScripts(WKWebView* view) {
+  return view.configuration.userContentController.scripts;
+}
+
+std::string loaded(WKWebView* view) {
+  return view->_loaded;
+}
+
+}  // namespace quorin
