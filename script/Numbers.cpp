@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 
 namespace quorin::script {
 namespace {
@@ -10,6 +12,7 @@ constexpr int significantDigits = 12;
 
 // The shortest of the spellings with at most that many digits, in scientific form.
 std::string scientific(double value) {
+#ifdef __cpp_lib_to_chars
   char buffer[40];
   auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific);
   const std::string shortest(buffer, result.ptr);
@@ -23,9 +26,36 @@ std::string scientific(double value) {
   while (rounded[end - 1] == '0') --end;
   if (rounded[end - 1] == '.') --end;
   return rounded.substr(0, end) + rounded.substr(e);
+#else
+  return scientificPlain(value);
+#endif
 }
 
 }  // namespace
+
+std::string scientificPlain(double value) {
+  char buffer[40];
+  for (int after = 0; after < significantDigits; ++after) {
+    std::snprintf(buffer, sizeof buffer, "%.*e", after, value);
+    if (std::strtod(buffer, nullptr) == value) return buffer;
+  }
+  std::string rounded(buffer);
+  const std::size_t e = rounded.find('e');
+  std::size_t end = e;
+  while (rounded[end - 1] == '0') --end;
+  if (rounded[end - 1] == '.') --end;
+  return rounded.substr(0, end) + rounded.substr(e);
+}
+
+std::optional<double> parseDecimalPlain(std::string_view text) {
+  if (text.empty() || text.front() == '+') return std::nullopt;
+  if (text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) return std::nullopt;
+  const std::string copy(text);
+  char* read = nullptr;
+  const double value = std::strtod(copy.c_str(), &read);
+  if (read != copy.c_str() + copy.size()) return std::nullopt;
+  return value;
+}
 
 std::string textOf(std::int32_t value) {
   return std::to_string(value);
@@ -59,6 +89,7 @@ std::string textOf(double value) {
 }
 
 std::optional<double> parseDecimal(std::string_view text) {
+#ifdef __cpp_lib_to_chars
   double value = 0;
   const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (stop != text.data() + text.size()) return std::nullopt;
@@ -70,6 +101,9 @@ std::optional<double> parseDecimal(std::string_view text) {
                         : text.substr(exponent + 1).starts_with('-');
   const double magnitude = tiny ? 0 : HUGE_VAL;
   return text.starts_with('-') ? -magnitude : magnitude;
+#else
+  return parseDecimalPlain(text);
+#endif
 }
 
 std::optional<ParsedNumber> parseNumber(std::string_view text) {

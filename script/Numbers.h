@@ -25,6 +25,11 @@ std::optional<ParsedNumber> parseNumber(std::string_view text);
 // Digits with an optional minus, point and exponent; infinite when too large, none when malformed.
 std::optional<double> parseDecimal(std::string_view text);
 
+// The same, and the scientific spelling with at most 12 digits ("1.5e+20"), for libraries that lack
+// the conversions, as that of macOS does. They expect the C locale's numbers.
+std::optional<double> parseDecimalPlain(std::string_view text);
+std::string scientificPlain(double value);
+
 double roundToEven(double value);  // ties to the even neighbour
 
 }  // namespace quorin::script

@@ -47,11 +47,30 @@ void keepFromEnding(int signal) {
   ::sigaction(signal, &action, nullptr);
 }
 
+// Nobody sees the menu bar of an accessory application, and yet it is where key combinations become
+// the editing commands of what has the keys. The first menu is the application's own.
+NSMenu* editingKeys() {
+  NSMenu* edit = [[NSMenu alloc] initWithTitle:@"Edit"];
+  [edit addItemWithTitle:@"Undo" action:NSSelectorFromString(@"undo:") keyEquivalent:@"z"];
+  [edit addItemWithTitle:@"Redo" action:NSSelectorFromString(@"redo:") keyEquivalent:@"Z"];
+  [edit addItemWithTitle:@"Cut" action:NSSelectorFromString(@"cut:") keyEquivalent:@"x"];
+  [edit addItemWithTitle:@"Copy" action:NSSelectorFromString(@"copy:") keyEquivalent:@"c"];
+  [edit addItemWithTitle:@"Paste" action:NSSelectorFromString(@"paste:") keyEquivalent:@"v"];
+  [edit addItemWithTitle:@"Select All"
+                  action:NSSelectorFromString(@"selectAll:")
+           keyEquivalent:@"a"];
+  NSMenu* bar = [[NSMenu alloc] initWithTitle:@""];
+  [bar addItemWithTitle:@"Quorin" action:nil keyEquivalent:@""];
+  [bar addItemWithTitle:@"Edit" action:nil keyEquivalent:@""].submenu = edit;
+  return bar;
+}
+
 }  // namespace
 
 MacApplication::MacApplication()
     : application_(NSApplication.sharedApplication),
       delegate_([[QXApplicationDelegate alloc] init]) {
+  application_.mainMenu = editingKeys();
   for (const int signal : endingSignals()) signals_.push_back(endAt(signal));
 }
 

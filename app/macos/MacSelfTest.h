@@ -12,7 +12,8 @@ namespace quorin {
 // the constants whose values the portable code relies on.
 SelfTest::PlatformFindings checkFrameworks();
 
-// Any thread but the main one, for some minutes. The report that was saved.
+// Any thread but the main one, for some minutes. The report that was saved: on the desktop, or
+// among the temporary files where the desktop cannot be written; none where neither can.
 std::filesystem::path runSelfTest(const SelfTest::PlatformFindings& platform);
 
 // Opens it with the user's program for texts. Main thread.

@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 #import <Carbon/Carbon.h>
 #include <fstream>
+#include <mutex>
 
 #import "app/macos/AppleScriptRunner.h"
 #include "app/macos/MacBundle.h"
@@ -37,8 +38,36 @@ bool isThere(const SentMessage& message) {
                              : [owner instancesRespondToSelector:selector];
 }
 
+// Both scripts of the test live at once, each on a thread of its own, and AppleScript is asked by
+// one of them at a time: also when a call was given up that still runs.
+class OneAtATime : public ScriptRunner {
+ public:
+  std::optional<ScriptErrorInfo> compile(std::string_view source) override {
+    const std::lock_guard turn(turns);
+    return runner_.compile(source);
+  }
+  ScriptReply execute(const AppleEvent& event) override {
+    const std::lock_guard turn(turns);
+    return runner_.execute(event);
+  }
+
+ private:
+  static inline std::mutex turns;
+  AppleScriptRunner runner_;
+};
+
 std::unique_ptr<ScriptRunner> makeRunner(CallThreadPost) {
-  return std::make_unique<AppleScriptRunner>();
+  return std::make_unique<OneAtATime>();
+}
+
+// The user may have kept us from the desktop; the report opens from wherever it is.
+std::filesystem::path saved(const std::string& report, const std::string& name) {
+  for (const std::filesystem::path& folder : {MacFolders().desktop(), MacFolders().temporary()}) {
+    std::ofstream file(folder / name);
+    if (file << report << std::flush) return folder / name;
+  }
+  NSLog(@"%s", report.c_str());
+  return {};
 }
 
 }  // namespace
@@ -66,12 +95,11 @@ std::filesystem::path runSelfTest(const SelfTest::PlatformFindings& platform) {
                  macVersions(), platform});
   const std::string stamp = ProblemReport::stamp(
       std::chrono::time_point_cast<ISO::Date::duration>(std::chrono::system_clock::now()));
-  std::filesystem::path report = MacFolders().desktop() / ("Quorin self-test " + stamp + ".txt");
-  std::ofstream(report) << test.run();
-  return report;
+  return saved(test.run(), "Quorin self-test " + stamp + ".txt");
 }
 
 void openReport(const std::filesystem::path& report) {
+  if (report.empty()) return;
   [NSWorkspace.sharedWorkspace openURL:toFileURL(report)];
 }
 

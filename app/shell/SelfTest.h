@@ -53,6 +53,7 @@ class SelfTest {
   void tryDangerous(const std::string& book, const std::string& sheet);
   void tryRepeatedly();
   JSONValue ask(ExcelThread& thread, const Step& step);
+  JSONValue ask(ExcelThread& thread, const Step& step, double seconds);
   void line(const std::string& text) { report_ += text + "\n"; }
 
   Parts parts_;

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
+
+#include "kit/value/RealText.h"
 
 namespace quorin::fakes::formula {
 
@@ -27,11 +28,7 @@ std::string upper(std::string text) {
 }
 
 std::optional<double> parsedNumber(const std::string& text) {
-  double number = 0;
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, number);
-  if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
-  return number;
+  return readReal(text);
 }
 
 CellValue number(const CellValue& value) {

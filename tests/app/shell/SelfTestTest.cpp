@@ -6,6 +6,7 @@
 #include "kit/excel/ExcelScript.h"
 #include "tests/fakes/FakeRunner.h"
 #include "tests/fakes/LogLines.h"
+#include "tests/fakes/ScriptedClock.h"
 #include "tools/quorinctl/Lint.h"
 
 namespace quorin {
@@ -101,6 +102,18 @@ TEST_F(SelfTestTest, TellsWhatEverythingAnswered) {
   EXPECT_TRUE(report.ends_with("\nNothing failed.\n")) << report;
   EXPECT_EQ(handlers(experiments).back(), "xx_close");
   EXPECT_EQ(experiments.calls().back().arguments, JSONValue(Array{"Book7"}));
+}
+
+TEST_F(SelfTestTest, GivesTheUserFiveMinutesForThePermission) {
+  answerTheRest();
+  fakes::ScriptedClock clock;
+  ExcelThread first(library.factory(), log.log());
+  ExcelThread second(experiments.factory(), log.log(), {.source = "on run", .clock = &clock});
+  SelfTest({first, second, "1.2.3", {}, {}}).run();
+  const auto waits = clock.waits();
+  ASSERT_GE(waits.size(), 2u);
+  EXPECT_EQ(waits[0], std::chrono::seconds(300)) << "the first question alone";
+  EXPECT_EQ(waits[1], std::chrono::seconds(65));
 }
 
 TEST_F(SelfTestTest, CountsWhatFailedAndGoesOn) {

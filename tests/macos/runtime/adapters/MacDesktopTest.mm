@@ -1,13 +1,16 @@
 // The adapters of the desktop: what the user and other programs do reaches the receivers, and the
 // adapters ask the system for what they should.
 #include <fstream>
+#include <thread>
 
 #import "app/macos/MacHotKeys.h"
 #include "app/macos/MacLoginItem.h"
+#include "app/macos/MacSelfTest.h"
 #import "app/macos/MacStatusItem.h"
 #include "app/macos/MacSystem.h"
 #import "app/macos/MacUpdater.h"
 #import "app/macos/MacWorkspace.h"
+#include "kit/platform/Platform.h"
 #include "tests/app/contract/ContractWorld.h"
 #include "tests/fakes/TemporaryFolder.h"
 #include "tests/macos/runtime/appkit/Hands.h"
@@ -112,6 +115,40 @@ TEST(MacFolders, AreTheUsers) {
   EXPECT_EQ(MacFolders().applicationSupport(), home / "Library" / "Application Support");
   EXPECT_EQ(MacFolders().library(), home / "Library");
   EXPECT_EQ(MacFolders().desktop(), home / "Desktop");
+}
+
+class MacSelfTestReport : public testing::Test {
+ protected:
+  MacSelfTestReport() {
+    ::setenv("HOME", folder.path().c_str(), 1);
+    auto services = std::make_unique<Platform>();
+    services->folders = std::make_unique<MacFolders>();
+    services->target = std::make_unique<MacTargetApplication>();
+    Platform::install(std::move(services));
+  }
+  ~MacSelfTestReport() override { ::setenv("HOME", home.c_str(), 1); }
+
+  const std::string home = ::getenv("HOME");
+  const TemporaryFolder folder;
+};
+
+TEST_F(MacSelfTestReport, LiesOnTheDesktopOrWhereItCan) {
+  std::filesystem::path first, second;
+  std::thread([&] { first = runSelfTest({}); }).join();
+  EXPECT_EQ(first.parent_path(), std::filesystem::temp_directory_path());
+  std::filesystem::create_directories(folder / "Desktop");
+  std::thread([&] { second = runSelfTest({}); }).join();
+  EXPECT_EQ(second.parent_path(), folder / "Desktop");
+  std::ifstream in(second);
+  const std::string text(std::istreambuf_iterator<char>(in), {});
+  EXPECT_THAT(text, testing::HasSubstr("handler library: compiled\n  experiments: compiled"));
+  std::filesystem::remove(first);
+}
+
+TEST(MacSelfTest, FindsEveryClassAndMessageThatTheAdaptersUse) {
+  const SelfTest::PlatformFindings findings = checkFrameworks();
+  EXPECT_GT(findings.checked, 180u);
+  EXPECT_THAT(findings.missing, testing::IsEmpty()) << "what the fakes lack";
 }
 
 TEST(MacLoginItem, ComesGoesAndSaysWhyNot) {

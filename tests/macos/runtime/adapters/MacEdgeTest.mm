@@ -67,6 +67,14 @@ TEST_F(MacAlertsTest, ShowsASecondOneAfterTheFirst) {
   EXPECT_EQ(order, "one two");
 }
 
+TEST(MacApplication, GivesEditingCommandsToWhoHasTheKeys) {
+  EXPECT_EQ(commandOfKey("c"), "copy:");
+  EXPECT_EQ(commandOfKey("a"), "selectAll:");
+  EXPECT_EQ(commandOfKey("v"), "paste:");
+  EXPECT_EQ(commandOfKey("x"), "cut:");
+  EXPECT_EQ(commandOfKey("q"), "") << "it is ended from its own menu";
+}
+
 class Opened : public ApplicationDelegate {
  public:
   void applicationDidFinishLaunching() override {}

@@ -19,6 +19,9 @@ void userMoves(NSWindow* window, NSRect frame);
 // there.
 bool userChooses(NSMenu* menu, NSInteger index);
 
+// What the combination of the command key and this one asks of who has the keys; empty: nothing.
+std::string commandOfKey(const std::string& key);
+
 // The menus of the items that stand in the menu bar now.
 std::vector<NSMenu*> menusInTheBar();
 

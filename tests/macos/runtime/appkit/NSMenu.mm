@@ -46,6 +46,11 @@ using namespace quorin;
   if (!item) raise("NSInvalidArgumentException", "addItem: of nil");
   _items.push_back(item);
 }
+- (NSMenuItem*)addItemWithTitle:(NSString*)title action:(SEL)action keyEquivalent:(NSString*)key {
+  NSMenuItem* made = [[NSMenuItem alloc] initWithTitle:title action:action keyEquivalent:key];
+  [self addItem:made];
+  return made;
+}
 - (void)removeAllItems {
   onMainThread("removeAllItems");
   _items.clear();
@@ -126,6 +131,21 @@ std::vector<NSMenu*> menusInTheBar() {
   std::vector<NSMenu*> menus;
   for (NSStatusItem* each : NSStatusBar.systemStatusBar->_items) menus.push_back(each.menu);
   return menus;
+}
+
+// "Key equivalents are looked for in all menus of the main menu", and their actions are sent to the
+// first responder when the items have no target.
+std::string commandOfKey(const std::string& key) {
+  NSMenu* bar = NSApplication.sharedApplication.mainMenu;
+  for (NSInteger i = 0; i < bar.numberOfItems; ++i) {
+    NSMenu* menu = [bar itemAtIndex:i].submenu;
+    for (NSInteger k = 0; k < menu.numberOfItems; ++k) {
+      NSMenuItem* item = [menu itemAtIndex:k];
+      if (read(item.keyEquivalent) == key && !item.target && item.enabled)
+        return reinterpret_cast<objc::Selector>(item.action);
+    }
+  }
+  return {};
 }
 
 bool userChooses(NSMenu* menu, NSInteger index) {
