@@ -40,9 +40,11 @@ endif()
 
 function(quorin_reuse_headers target from)
   target_precompile_headers(${target} REUSE_FROM ${from})
-  # What is read so is no system header to g++ any more, and these are wrong about std::string.
-  target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overflow
-                                           -Wno-stringop-overread)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # What is read so is no system header to it any more, and these are wrong about std::string.
+    target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overflow
+                                             -Wno-stringop-overread)
+  endif()
 endfunction()
 
 # quorin_library(NAME SOURCES file... [LIBS library...]): one folder's static library.
