@@ -27,6 +27,13 @@ ArrayShape shapeOfConstant(std::string_view text) {
           1.0 + static_cast<double>(std::count(first.begin(), first.end(), ','))};
 }
 
+void ArrayOperands::addTo(OfficeWork& work) const {
+  work.crossed += crossed();
+  if (all_.count() <= 1) return;
+  work.values += all_.count() * signs_;
+  work.texts += all_.count() * joins_;
+}
+
 ArrayCall arrayCall(std::string_view function, const std::vector<ArrayShape>& arguments) {
   if (arguments.empty()) return {};
   const ArrayShape& first = arguments.front();

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/calc/OfficeWork.h"
 #include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {
@@ -30,15 +31,22 @@ class ArrayOperands {
     all_ = {std::max(all_.rows, one.rows), std::max(all_.columns, one.columns)};
     largest_ = std::max(largest_, one.count());
   }
+  // One that works something out of one operand or two.
+  void sign() { ++signs_; }
+  // "&", which makes texts.
+  void join() { ++joins_; }
   // What comes next makes one reference with what was added last: no values of its own.
   void skip() { skips_ = true; }
   const ArrayShape& shape() const { return all_; }
   // The values that there are only because they meet; 0 where one of them has as many already.
   double crossed() const { return all_.count() > largest_ ? all_.count() : 0; }
+  // What the signs among them have to do.
+  void addTo(OfficeWork& work) const;
 
  private:
   ArrayShape all_;
   double largest_ = 1;
+  int signs_ = 0, joins_ = 0;
   bool skips_ = false;
 };
 

@@ -96,11 +96,12 @@ Evaluation CalcEvaluator::calculated(Request& request, const std::string& expres
   if (std::find(sheets.begin(), sheets.end(), from.sheet) == sheets.end()) {
     throw noSuchSheet(from.sheet);
   }
-  if (const auto reference = asReference(workbooks, expression, from)) return *reference;
+  if (const auto reference = asReference(workbooks, expression, from, request.limits))
+    return *reference;
   ExpressionContext context = scope(request, sheets);
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
-  refuseLargeArrays(*dryRun);
+  refuseLargeArrays(dryRun->work);
   if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
   try {
@@ -173,7 +174,8 @@ std::optional<CellValue> CalcEvaluator::valueOf(Request& request, const std::str
 std::optional<std::string> CalcEvaluator::referent(Request& request, const std::string& argument) {
   const auto value = oneValue(request.workbooks, answer(request, argument), request.limits);
   const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
-  return text != nullptr ? namedByText(request.workbooks, *text, request.from) : std::nullopt;
+  return text != nullptr ? namedByText(request.workbooks, *text, request.from, request.limits)
+                         : std::nullopt;
 }
 
 ValueMirror& CalcEvaluator::mirrorOf(const Workbook& workbook,
@@ -198,6 +200,7 @@ Evaluation CalcEvaluator::inMirror(Request& request, const std::string& expressi
   };
   const CalcExpression calc = calcExpression(expression, context).value();
   mirror.bring(workbooks, calc.reach, request.limits);
+  mirror.refuseLongSearches(calc.work);
   if (!calc.reach.anywhere) {
     return mirror.formulaCells().valueOf(calc, request.limits);
   }
@@ -218,6 +221,12 @@ Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression
                                     "cells");
   }
   if (!context.asked) refuseCopyThatReaches(*original, context, request.limits);
+  refuseLongSearches(
+      calcExpression(expression, context).value().work,
+      [](const RangeRef& cells) {
+        return static_cast<double>(std::min(cellCount(cells.areas), mostCellsToCopy));
+      },
+      longestOfCell);
   HiddenWorkbook copy(context_, *original);
   context.elsewhere = [&](const std::string& book,
                           const std::string& sheet) -> std::optional<SheetPlace> {

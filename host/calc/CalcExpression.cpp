@@ -19,20 +19,13 @@ std::optional<CalcExpression> calcExpression(std::string_view excel,
     ExpressionWriter writer(excel, context, result.reach, names);
     result.text = writer.run();
     result.single = writer.isSingle();
-    result.crossed = names.crossed;
+    result.work = std::move(names.work);
     if (!names.bindings.empty()) result.text = "LET(" + names.bindings + result.text + ")";
   } catch (const Malformed&) {
     return std::nullopt;
   }
   if (!names.reaching.empty()) throw SpreadsheetError(onlyWhenAsked, reachText(names.reaching));
   return result;
-}
-
-void refuseLargeArrays(const CalcExpression& expression) {
-  constexpr double most = 4e6;  // these take the office up to some seconds
-  if (expression.crossed > most) {
-    throw SpreadsheetError(-50, "The expression makes arrays of too many cells");
-  }
 }
 
 }  // namespace quorin::host::calc

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
+#include "host/calc/OfficeWork.h"
 #include "host/calc/ReferenceText.h"
 #include "host/calc/TableItems.h"
 
@@ -83,8 +84,8 @@ struct Reach {
 struct CalcExpression {
   std::string text;  // without "="
   Reach reach;
-  bool single = false;  // it gives one value whatever the cells hold; else perhaps several
-  double crossed = 0;   // so many values Calc has to work out beside those of its cells
+  bool single = false;   // it gives one value whatever the cells hold; else perhaps several
+  OfficeWork work = {};  // what Calc has to do to work it out
 };
 
 // Excel text, with or without "=". Commas and semicolons both separate arguments. Nothing when the
@@ -94,8 +95,5 @@ struct CalcExpression {
 // work and the text stay bounded whatever stands in a workbook.
 std::optional<CalcExpression> calcExpression(std::string_view excel,
                                              const ExpressionContext& context);
-
-// SpreadsheetError -50 for one that is not to be worked out, as it would hold the office up.
-void refuseLargeArrays(const CalcExpression& expression);
 
 }  // namespace quorin::host::calc

@@ -103,12 +103,12 @@ std::optional<std::string> nameContent(const Workbook& workbook, const std::stri
 }
 
 std::optional<RangeRef> findNamed(const Workbook& workbook, const std::string& sheet,
-                                  const std::string& name) {
-  if (name.find('[') != std::string::npos) return tablePart(workbook, name);
+                                  const std::string& name, const CallLimits& limits) {
+  if (name.find('[') != std::string::npos) return tablePart(workbook, name, limits);
   const auto entry = definedName(workbook, sheet, name);
   if (entry.is()) return cellsOfName(workbook, entry);
   // A table's name stands for its rows without the header, as in Excel.
-  return tableArea(workbook, name, {.data = true}, std::nullopt);
+  return tableArea(workbook, name, {.data = true}, std::nullopt, limits);
 }
 
 std::optional<RangeRef> findCurrentRegion(const Workbook& workbook, const RangeRef& range) {
@@ -174,22 +174,23 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
   // Nothing is calculated, so any function may stand there.
   ExpressionContext context{.from = range.sheet, .asked = true};
   context.checkpoint = [&limits] { limits.check(); };
-  context.meaning = [&workbook, known = std::map<std::string, std::optional<std::string>>()](
-                        const SheetRef& scope,
-                        const std::string& name) mutable -> std::optional<std::string> {
+  context.meaning =
+      [&workbook, &limits, known = std::map<std::string, std::optional<std::string>>()](
+          const SheetRef& scope, const std::string& name) mutable -> std::optional<std::string> {
     const auto [entry, isNew] = known.try_emplace(scope.sheet + "!" + name);
     if (isNew) {
-      const auto cells =
-          scope.book == workbook.name ? findNamed(workbook, scope.sheet, name) : std::nullopt;
+      const auto cells = scope.book == workbook.name
+                             ? findNamed(workbook, scope.sheet, name, limits)
+                             : std::nullopt;
       if (cells && cells->areas.size() == 1) {
         entry->second = excelSheet(cells->sheet.sheet) + "!" + addressText(cells->areas);
       }
     }
     return entry->second;
   };
-  context.tablePart = [&workbook](const std::string&, const std::string& table,
-                                  const TableItems& items) -> std::string {
-    const auto cells = tableArea(workbook, table, items, std::nullopt);
+  context.tablePart = [&workbook, &limits](const std::string&, const std::string& table,
+                                           const TableItems& items) -> std::string {
+    const auto cells = tableArea(workbook, table, items, std::nullopt, limits);
     if (!cells) return "#REF!";
     return excelSheet(cells->sheet.sheet) + "!" + addressText(cells->areas);
   };

@@ -10,7 +10,7 @@ namespace quorin::host::calc {
 // The cells of a name or of a part of a table; without a sheet, of the workbook's own. Nothing when
 // there is no such name, or it stands for something else than cells of one sheet.
 std::optional<RangeRef> findNamed(const Workbook& workbook, const std::string& sheet,
-                                  const std::string& name);
+                                  const std::string& name, const CallLimits& limits);
 // What a defined name stands for, in Calc's grammar without "="; nothing when there is none.
 std::optional<std::string> nameContent(const Workbook& workbook, const std::string& sheet,
                                        const std::string& name);

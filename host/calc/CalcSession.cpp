@@ -33,7 +33,8 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
-                         std::function<void()> keeperLost, LineTraces* traces)
+                         std::function<void()> keeperLost, LineTraces* traces,
+                         const CallLimits* limits)
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
       workbooks_(desktop_, connection_.context()),
@@ -43,6 +44,7 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       changes_(connection_.context()),
       shown_(connection_.context()),
       traces_(traces),
+      limits_(limits != nullptr ? *limits : noLimits_),
       keeper_(office, std::move(keeperLost)) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
@@ -71,7 +73,7 @@ SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
   if (kept) return *conditions_;
   takeTurn(book, adding);
   if (conditions_) earlier_.push_back(std::move(conditions_));
-  conditions_ = std::make_unique<SheetConditions>(changes_, book, sheet.sheet);
+  conditions_ = std::make_unique<SheetConditions>(changes_, book, sheet.sheet, limits_);
   return *conditions_;
 }
 
@@ -124,7 +126,7 @@ bool CalcSession::takeBack(Unreachable what) {
 void CalcSession::removeUnreachableMarks(const std::string& book) {
   for (const std::string& sheet : sheetNames(workbook(book))) {
     const SheetRef place{book, sheet};
-    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)), limits_);
     const bool some = std::any_of(marks.begin(), marks.end(), [&](const PlacedMark& each) {
       return each.mark.asked && each.mark.asked->sheet != place;
     });
@@ -150,7 +152,7 @@ void CalcSession::protectMarks() {
 
 void CalcSession::protectMarks(const std::string& book) {
   for (const std::string& sheet : sheetNames(workbook(book))) {
-    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)), limits_);
     if (!marks.empty()) conditions({book, sheet}, true);
   }
   if (!shown_.entries(workbook(book)).empty()) takeTurn(workbook(book), true);
@@ -159,7 +161,7 @@ void CalcSession::protectMarks(const std::string& book) {
 // The records that are left ask for it again: then there is nothing to do any more.
 void CalcSession::takeBackUnprotected(const std::string& book) {
   for (const std::string& sheet : sheetNames(workbook(book))) {
-    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)));
+    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)), limits_);
     if (!marks.empty()) conditions({book, sheet}).removeMarks();
   }
   const auto entries = shown_.entries(workbook(book));
@@ -370,7 +372,8 @@ void CalcSession::linesChanged(const SheetRef& sheet) {
 void CalcSession::redrawMarks(const SheetRef& sheet) {
   try {
     const Workbook& book = workbook(sheet.book);
-    if (!readMarks(drawPageOf(sheetOf(book, sheet.sheet))).empty()) conditions(sheet).redraw();
+    if (!readMarks(drawPageOf(sheetOf(book, sheet.sheet)), limits_).empty())
+      conditions(sheet).redraw();
   } catch (const SpreadsheetError&) {
   } catch (const css::uno::Exception&) {
   }

@@ -30,9 +30,10 @@ namespace quorin::host::calc {
 class CalcSession {
  public:
   // `keeperLost` is told on another thread when the marks keeper died: protectMarks() is due.
-  // `traces` outlive the session, or there are none.
+  // `traces` and `limits` outlive the session, or there are none.
   CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
-              std::function<void()> keeperLost = {}, LineTraces* traces = nullptr);
+              std::function<void()> keeperLost = {}, LineTraces* traces = nullptr,
+              const CallLimits* limits = nullptr);
 
   OfficeConnection& connection() { return connection_; }
   CalcWorkbooks& workbooks() { return workbooks_; }
@@ -120,6 +121,8 @@ class CalcSession {
   QuietChanges changes_;
   ShownLines shown_;
   LineTraces* const traces_;
+  const CallLimits noLimits_ = {};
+  const CallLimits& limits_;  // of the call that is being answered
   std::map<std::tuple<std::string, std::string, Lines>, SheetLines> lines_;  // while kept
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   MarksKeeper keeper_;

@@ -39,7 +39,8 @@ CalcNavigation navigation(CalcSession& office) {
 
 CalcSpreadsheet::CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
                                  std::chrono::milliseconds patience)
-    : office_(std::make_unique<OfficeCalls>(std::move(source), patience, traces_, memory_)) {}
+    : office_(
+          std::make_unique<OfficeCalls>(std::move(source), patience, traces_, memory_, limits_)) {}
 
 CalcSpreadsheet::~CalcSpreadsheet() = default;
 
@@ -95,11 +96,14 @@ void CalcSpreadsheet::handlerEnds() {
   } catch (const SpreadsheetError&) {
     failure = std::current_exception();
   }
+  constexpr std::chrono::seconds most{2};  // what is not done by then is done with later calls
+  limits_.waitUntil(std::chrono::steady_clock::now() + most);
   takeBackUnreachable();
   if (CalcSession* const office = office_->session()) office->hideLeftLines();
   inHandler_ = false;
   memory_.end();
   office_->keepReadings(false);
+  limits_.end();
   flushTraces();
   if (failure) std::rethrow_exception(failure);
 }
@@ -206,8 +210,9 @@ void CalcSpreadsheet::scrollTo(const RangeRef& range) {
 }
 
 std::optional<RangeRef> CalcSpreadsheet::named(const SheetRef& from, const std::string& name) {
-  return call(
-      [&](CalcSession& office) { return findNamed(office.workbook(from.book), from.sheet, name); });
+  return call([&](CalcSession& office) {
+    return findNamed(office.workbook(from.book), from.sheet, name, limits_);
+  });
 }
 
 std::optional<RangeRef> CalcSpreadsheet::currentRegion(const RangeRef& range) {

@@ -25,9 +25,10 @@ bool flag(const Reference<XPropertySet>& properties, const char* name) {
 }
 
 // The column whose header has that text; 0 when none has.
-int columnNamed(const Workbook& workbook, const RangeRef& headers, const std::string& name) {
+int columnNamed(const Workbook& workbook, const RangeRef& headers, const std::string& name,
+                const CallLimits& limits) {
   const Grid<std::string> texts =
-      readTexts(workbook, headers, Errors::none, Texts::anyLength, CallLimits());
+      readTexts(workbook, headers, Errors::none, Texts::anyLength, limits);
   for (std::size_t i = 0; i < texts.cells.size(); ++i) {
     if (caselesslyEqual(texts.cells[i], name)) {
       return headers.areas.front().firstColumn + static_cast<int>(i);
@@ -57,7 +58,8 @@ bool chooseRows(Area& area, bool header, bool total, const TableItems& items,
 }  // namespace
 
 std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& table,
-                                  const TableItems& items, std::optional<int> row) {
+                                  const TableItems& items, std::optional<int> row,
+                                  const CallLimits& limits) {
   const Reference<css::uno::XInterface> entry = workbook.entries.table(workbook, table);
   if (!entry.is()) return std::nullopt;
   auto range = referredCells(workbook, entry);
@@ -70,8 +72,8 @@ std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& t
   if (!chooseRows(area, header, total, items, row)) return std::nullopt;
   if (!items.firstColumn.empty()) {
     if (!header) return std::nullopt;
-    const int first = columnNamed(workbook, headers, items.firstColumn);
-    const int last = columnNamed(workbook, headers, items.lastColumn);
+    const int first = columnNamed(workbook, headers, items.firstColumn, limits);
+    const int last = columnNamed(workbook, headers, items.lastColumn, limits);
     if (first == 0 || last == 0) return std::nullopt;
     area.firstColumn = std::min(first, last);
     area.lastColumn = std::max(first, last);
@@ -79,13 +81,14 @@ std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& t
   return range;
 }
 
-std::optional<RangeRef> tablePart(const Workbook& workbook, const std::string& text) {
+std::optional<RangeRef> tablePart(const Workbook& workbook, const std::string& text,
+                                  const CallLimits& limits) {
   std::size_t at = text.find('[');
   if (at == std::string::npos || at == 0) return std::nullopt;
   const std::string table = text.substr(0, at);
   const auto items = readTableItems(text, at);
   if (!items || items->thisRow || at != text.size()) return std::nullopt;
-  return tableArea(workbook, table, *items, std::nullopt);
+  return tableArea(workbook, table, *items, std::nullopt, limits);
 }
 
 }  // namespace quorin::host::calc

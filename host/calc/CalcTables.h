@@ -6,6 +6,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
+#include "host/calc/CallLimits.h"
 #include "host/calc/TableItems.h"
 
 namespace quorin::host::calc {
@@ -13,9 +14,11 @@ namespace quorin::host::calc {
 // The cells of that part of the table, its name in any case. `row` is the one that "this row"
 // means. Nothing when there is no such table, part or column.
 std::optional<RangeRef> tableArea(const Workbook& workbook, const std::string& table,
-                                  const TableItems& items, std::optional<int> row);
+                                  const TableItems& items, std::optional<int> row,
+                                  const CallLimits& limits);
 
 // The cells of "Sales[Net]"; nothing for a text of another form and for "this row".
-std::optional<RangeRef> tablePart(const Workbook& workbook, const std::string& text);
+std::optional<RangeRef> tablePart(const Workbook& workbook, const std::string& text,
+                                  const CallLimits& limits);
 
 }  // namespace quorin::host::calc

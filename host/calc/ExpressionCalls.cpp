@@ -1,6 +1,7 @@
 // The calls of an expression: their arguments, what they give and what stands for them.
 #include <algorithm>
 
+#include "host/calc/CallWork.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/ExpressionWriter.h"
 #include "host/calc/FunctionCalls.h"
@@ -93,7 +94,7 @@ void ExpressionWriter::close() {
   ArrayCall made = arrayCall(frame.function, frame.shapes);
   const std::size_t begin = frame.begin;
   const auto instead = isPlain ? std::nullopt : callInstead(frame, made);
-  names_.crossed += made.crossed;
+  names_.work.crossed += made.crossed;
   if (instead) {
     out_.erase(begin);
     out_ += *instead;
@@ -124,10 +125,15 @@ std::optional<std::string> ExpressionWriter::callInstead(const Frame& frame, Arr
     for (const CallArgument& one : arguments) out_ += (&one == &arguments[0] ? "" : ";") + one.calc;
   }
   leaveOut(reach_, frame.function, arguments, context_);
+  const WorkingCall working{frame.function, frame.shapes, arguments, reach_.cells};
+  addCall(names_.work, working, made);
   if (frame.function == "INDIRECT") keepInside(frame);
   const FunctionCall call{frame.function, out_.substr(frame.content),
                           std::span(reach_.cells).subspan(frame.reached), arguments};
   auto instead = writtenAnew(call, context_, reach_);
+  if (const auto counted = countedCall(names_.work, working, made.shape, context_)) {
+    instead = out_.substr(frame.begin, frame.content - frame.begin) + *counted + ")";
+  }
   addBeyond(reach_, frame.function, frame.reached);
   return instead;
 }
@@ -160,7 +166,7 @@ void ExpressionWriter::endArgument() {
   Frame& frame = frames_.back();
   const std::size_t from = frame.ends.empty() ? frame.content : frame.ends.back().output + 1;
   frame.ends.push_back({at_, out_.size(), reach_.cells.size(), isCells(from)});
-  names_.crossed += frame.operands.crossed();
+  frame.operands.addTo(names_.work);
   frame.shapes.push_back(std::exchange(frame.operands, {}).shape());
   given_.argumentEnds(frames_.size() - 1, frame.ends.size());
 }

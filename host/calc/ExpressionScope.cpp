@@ -80,11 +80,12 @@ namespace {
 // What a name of a workbook means to an expression elsewhere: cells, or a constant. What else it
 // may stand for is spelled for its own workbook.
 std::optional<std::string> meaningElsewhere(CalcWorkbooks& workbooks, const SheetRef& scope,
-                                            const std::string& name, const std::string& book) {
+                                            const std::string& name, const std::string& book,
+                                            const CallLimits& limits) {
   const auto open = bookNamed(workbooks.names(), scope.book);
   if (!open) return std::nullopt;
   const std::shared_ptr<Workbook> workbook = workbooks.named(*open);
-  if (const auto range = findNamed(*workbook, scope.sheet, name)) {
+  if (const auto range = findNamed(*workbook, scope.sheet, name, limits)) {
     std::string all;
     for (const Area& area : range->areas) {
       all += (all.empty() ? "" : ",") + excelText({range->sheet, {area}}, book);
@@ -99,58 +100,60 @@ std::optional<std::string> meaningElsewhere(CalcWorkbooks& workbooks, const Shee
 }
 
 std::string tablePartText(CalcWorkbooks& workbooks, const SheetRef& from, const std::string& book,
-                          const std::string& table, const TableItems& items) {
+                          const std::string& table, const TableItems& items,
+                          const CallLimits& limits) {
   const auto open = bookNamed(workbooks.names(), book);
   if (!open) return "#REF!";
   const std::shared_ptr<Workbook> workbook = workbooks.named(*open);
-  if (!tableArea(*workbook, table, {.all = true}, std::nullopt)) return "#NAME?";
+  if (!tableArea(*workbook, table, {.all = true}, std::nullopt, limits)) return "#NAME?";
   const bool own = *open == from.book;
   const auto row = items.thisRow && own ? activeRow(workbooks, from) : std::nullopt;
-  const auto area = tableArea(*workbook, table, items, row);
+  const auto area = tableArea(*workbook, table, items, row, limits);
   if (area) return excelText(*area, from.book);
   return items.thisRow ? "#VALUE!" : "#REF!";
 }
 
 }  // namespace
 
-void lookElsewhere(ExpressionContext& context, CalcWorkbooks& workbooks) {
+void lookElsewhere(ExpressionContext& context, CalcWorkbooks& workbooks, const CallLimits& limits) {
   context.workbook = [&workbooks](const std::string& name) {
     return bookNamed(workbooks.names(), name);
   };
-  context.meaning = [&workbooks, book = context.from.book](
+  context.meaning = [&workbooks, &limits, book = context.from.book](
                         const SheetRef& scope,
                         const std::string& name) -> std::optional<std::string> {
     if (scope.book == book) return std::nullopt;
-    return meaningElsewhere(workbooks, scope, name, book);
+    return meaningElsewhere(workbooks, scope, name, book, limits);
   };
-  context.tablePart = [&workbooks, from = context.from](const std::string& book,
-                                                        const std::string& table,
-                                                        const TableItems& items) {
+  context.tablePart = [&workbooks, &limits, from = context.from](const std::string& book,
+                                                                 const std::string& table,
+                                                                 const TableItems& items) {
     if (book == from.book) return std::string("#NAME?");
-    return tablePartText(workbooks, from, book, table, items);
+    return tablePartText(workbooks, from, book, table, items, limits);
   };
 }
 
 ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from,
                                   std::vector<std::string> sheets, const CallLimits& limits) {
   ExpressionContext context{.from = from, .sheets = std::move(sheets)};
-  lookElsewhere(context, workbooks);
+  lookElsewhere(context, workbooks, limits);
   context.here = [&workbooks, from] { return activePlace(workbooks, from); };
-  context.meaning = [&workbooks, from](const SheetRef& scope,
-                                       const std::string& name) -> std::optional<std::string> {
-    if (scope.book != from.book) return meaningElsewhere(workbooks, scope, name, from.book);
+  context.meaning = [&workbooks, &limits, from](
+                        const SheetRef& scope,
+                        const std::string& name) -> std::optional<std::string> {
+    if (scope.book != from.book) return meaningElsewhere(workbooks, scope, name, from.book, limits);
     const std::shared_ptr<Workbook> workbook = workbooks.named(scope.book);
     const std::string& sheet = scope.sheet.empty() ? from.sheet : scope.sheet;
     if (const auto content = nameContent(*workbook, sheet, name)) {
       const std::string text = excelFormula("=" + *content, ReferenceStyle::a1, {});
       return text.substr(1);
     }
-    const auto table = tableArea(*workbook, name, {.data = true}, std::nullopt);
+    const auto table = tableArea(*workbook, name, {.data = true}, std::nullopt, limits);
     return table ? std::optional(excelText(*table, from.book)) : std::nullopt;
   };
-  context.tablePart = [&workbooks, from](const std::string& book, const std::string& table,
-                                         const TableItems& items) {
-    return tablePartText(workbooks, from, book, table, items);
+  context.tablePart = [&workbooks, &limits, from](const std::string& book, const std::string& table,
+                                                  const TableItems& items) {
+    return tablePartText(workbooks, from, book, table, items, limits);
   };
   context.formulas = [&workbooks, &limits](const RangeRef& cells) {
     return formulasOf(workbooks, cells, limits);

@@ -14,8 +14,8 @@ ExpressionContext expressionScope(CalcWorkbooks& workbooks, const SheetRef& from
                                   std::vector<std::string> sheets, const CallLimits& limits);
 
 // Lets an expression of a workbook of ours name what is in the user's. The context refers to the
-// workbooks, which have to outlive it.
-void lookElsewhere(ExpressionContext& context, CalcWorkbooks& workbooks);
+// workbooks and the limits, which have to outlive it.
+void lookElsewhere(ExpressionContext& context, CalcWorkbooks& workbooks, const CallLimits& limits);
 
 // The sheet as it is spelled there; nothing when one of the two names is unknown.
 std::optional<SheetRef> findSheet(CalcWorkbooks& workbooks, const std::string& book,

@@ -29,7 +29,7 @@ std::string ExpressionWriter::run() {
   while (at_ < text_.size()) step();
   if (operandExpected_ || !frames_.empty()) throw Malformed();
   isCells_ = isCells(0);
-  names_.crossed += operands_.crossed();
+  operands_.addTo(names_.work);
   return std::move(out_);
 }
 
@@ -43,7 +43,9 @@ void ExpressionWriter::step() {
   bound();
   if (c == '"') {
     operand(false);
+    const std::size_t start = at_;
     copy(readText(text_, at_));
+    names_.work.written = std::max(names_.work.written, static_cast<double>(at_ - start));
   } else if (c == '{') {
     operand(false);
     mayBeSeveral();
@@ -78,7 +80,8 @@ void ExpressionWriter::operand(bool mayBeReference) {
 // Ends what would grow beyond all bounds.
 void ExpressionWriter::bound() const {
   if (out_.size() + names_.bindings.size() > longestWritten || reach_.cells.size() > mostReached ||
-      names_.entries.size() > mostNames || depthInside() > deepest) {
+      names_.work.searches.size() > mostReached || names_.entries.size() > mostNames ||
+      depthInside() > deepest) {
     throw SpreadsheetError(-50, "The expression is too long with its names written out");
   }
 }
@@ -112,6 +115,7 @@ void ExpressionWriter::copy(std::optional<std::string_view> constant) {
 void ExpressionWriter::sign(char c) {
   static constexpr std::string_view both = "<>", infix = "*/^&=:";
   ++at_;
+  if (c != ':' && c != '@') operands().sign();
   if (c == '%') {
     if (operandExpected_) throw Malformed();
     out_ += c;
@@ -146,6 +150,7 @@ void ExpressionWriter::sign(char c) {
       operands().skip();
       mayBeSeveral();
     }
+    if (c == '&') operands().join();
     if (c == '=' && !frames_.empty()) frames_.back().compares = true;
     out_ += c;
   } else {
@@ -307,14 +312,14 @@ void ExpressionWriter::named(const std::string& key,
     if (context_.checkpoint) context_.checkpoint();
     if (const auto excel = meaning()) {
       const std::size_t reached = reach_.cells.size();
-      const double crossed = names_.crossed;
+      OfficeWork before = std::exchange(names_.work, {});
       ExpressionWriter inner(*excel, context_, reach_, names_, depthInside());
       entry.text = inner.run();
       if (!inner.isOnePiece()) entry.text = "(" + entry.text + ")";
       entry.single = inner.isSingle();
       entry.isCells = inner.isCells();
       entry.shape = inner.shape();
-      entry.crossed = std::exchange(names_.crossed, crossed) - crossed;
+      entry.work = std::exchange(names_.work, std::move(before));
       entry.cells.assign(reach_.cells.begin() + static_cast<std::ptrdiff_t>(reached),
                          reach_.cells.end());
       reach_.cells.resize(reached);
@@ -329,7 +334,7 @@ void ExpressionWriter::named(const std::string& key,
 void ExpressionWriter::append(const WrittenNames::Entry& entry) {
   if (!entry.isThere || !entry.single) mayBeSeveral();
   operands().add(entry.shape);
-  names_.crossed += entry.crossed;
+  names_.work.add(entry.work);
   const std::size_t begin = out_.size();
   out_ += entry.isThere ? entry.text : "#NAME?";
   if (entry.isCells) cells_ = {begin, out_.size()};

@@ -35,10 +35,10 @@ struct WrittenNames {
     bool isCells = false;         // it is these cells and nothing else
     std::vector<RangeRef> cells;  // that it reaches
     ArrayShape shape;
-    double crossed = 0;
+    OfficeWork work;
   };
   std::map<std::string, Entry> entries;
-  double crossed = 0;    // where columns meet rows (see ArrayWork)
+  OfficeWork work;
   std::string bindings;  // of LET: names and values in turn, each with ";" behind it
   int bound = 0;         // so many names
   std::string reaching;  // a function that is not to be called, in capitals; empty for none

@@ -124,11 +124,13 @@ bool hasLostItsShape(const Reference<css::container::XNamed>& shape) {
 
 }  // namespace
 
-std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& page) {
+std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& page,
+                                    const CallLimits& limits) {
   constexpr int mostTries = 20;
   std::vector<NamedShape> shapes;
   const sal_Int32 count = page->getCount();
   for (sal_Int32 i = 0; i < count; ++i) {
+    limits.check();
     Reference<css::container::XNamed> shape(page->getByIndex(i), UNO_QUERY_THROW);
     rtl::OUString name = shape->getName();
     for (int tries = 1; name.isEmpty() && tries < mostTries && hasLostItsShape(shape); ++tries) {
@@ -140,9 +142,10 @@ std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& pa
   return shapes;
 }
 
-std::vector<PlacedMark> readMarks(const Reference<css::drawing::XDrawPage>& page) {
+std::vector<PlacedMark> readMarks(const Reference<css::drawing::XDrawPage>& page,
+                                  const CallLimits& limits) {
   std::vector<PlacedMark> marks;
-  for (NamedShape& each : namedShapes(page))
+  for (NamedShape& each : namedShapes(page, limits))
     if (auto mark = parseMarkName(each.name))
       marks.push_back({std::move(*mark), std::move(each.shape)});
   std::stable_sort(marks.begin(), marks.end(),

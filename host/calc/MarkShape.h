@@ -11,6 +11,7 @@
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 
+#include "host/calc/CallLimits.h"
 #include "host/calc/MarkText.h"
 
 namespace quorin::host::calc {
@@ -20,7 +21,8 @@ struct NamedShape {
   std::string name;
   css::uno::Reference<css::drawing::XShape> shape;
 };
-std::vector<NamedShape> namedShapes(const css::uno::Reference<css::drawing::XDrawPage>& page);
+std::vector<NamedShape> namedShapes(const css::uno::Reference<css::drawing::XDrawPage>& page,
+                                    const CallLimits& limits = CallLimits());
 
 struct PlacedMark : NumberedMark {
   css::uno::Reference<css::drawing::XShape> shape;
@@ -32,7 +34,8 @@ css::uno::Reference<css::drawing::XDrawPage> drawPageOf(
 
 // The marks of a page by their numbers, also those that came out of a file as another kind of
 // shape.
-std::vector<PlacedMark> readMarks(const css::uno::Reference<css::drawing::XDrawPage>& page);
+std::vector<PlacedMark> readMarks(const css::uno::Reference<css::drawing::XDrawPage>& page,
+                                  const CallLimits& limits = CallLimits());
 
 // The outlines of the areas on their sheet, which must not overlap. What is hidden has none, and a
 // part of a merged cell stands for all of it.

@@ -5,8 +5,12 @@
 namespace quorin::host::calc {
 
 OfficeCalls::OfficeCalls(std::shared_ptr<OfficeSource> source, std::chrono::milliseconds patience,
-                         LineTraces& traces, RequestMemory& memory)
-    : source_(std::move(source)), patience_(patience), traces_(traces), memory_(memory) {}
+                         LineTraces& traces, RequestMemory& memory, const CallLimits& limits)
+    : source_(std::move(source)),
+      patience_(patience),
+      traces_(traces),
+      memory_(memory),
+      limits_(limits) {}
 
 OfficeCalls::~OfficeCalls() {
   disconnect();
@@ -32,7 +36,8 @@ CalcSession& OfficeCalls::connected() {
   if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
   if (session_ && session_->connection().isAlive()) return *session_;
   disconnect();
-  auto fresh = std::make_unique<CalcSession>(source_->open(), patience_, keeperLost_, &traces_);
+  auto fresh =
+      std::make_unique<CalcSession>(source_->open(), patience_, keeperLost_, &traces_, &limits_);
   fresh->keepReadings(keeping_);
   const std::lock_guard lock(mutex_);
   session_ = std::move(fresh);

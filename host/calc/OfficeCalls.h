@@ -22,10 +22,10 @@ namespace quorin::host::calc {
 
 class OfficeCalls {
  public:
-  // `patience` bounds the wait for a first answer when connecting. The traces and the memory, which
-  // forgets what a call that failed has made doubtful, are the owner's.
+  // `patience` bounds the wait for a first answer when connecting. The traces, the limits and the
+  // memory, which forgets what a call that failed has made doubtful, are the owner's.
   OfficeCalls(std::shared_ptr<OfficeSource> source, std::chrono::milliseconds patience,
-              LineTraces& traces, RequestMemory& memory);
+              LineTraces& traces, RequestMemory& memory, const CallLimits& limits);
   ~OfficeCalls();
 
   void onKeeperLost(std::function<void()> lost) { keeperLost_ = std::move(lost); }
@@ -71,6 +71,7 @@ class OfficeCalls {
   const std::chrono::milliseconds patience_;
   LineTraces& traces_;
   RequestMemory& memory_;
+  const CallLimits& limits_;
   std::function<void()> keeperLost_;  // or none
   bool keeping_ = false;
   std::atomic<bool> quitting_ = false;

@@ -72,6 +72,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   const CalcExpression calc = possible(*written);
   add(reach_, calc.reach);
   mirror_.bring(workbooks, reach_, limits);
+  mirror_.refuseLongSearches(calc.work, longestText(calc, limits));
   context.qualify = true;
   const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
   const Area target{cell.first, cell.second, cell.first + size.rows - 1,
@@ -91,7 +92,7 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
 
 // Refuses what would take too long, or what a chain does not come to.
 CalcExpression ScratchWorkbook::possible(CalcExpression calc) const {
-  refuseLargeArrays(calc);
+  refuseLargeArrays(calc.work);
   if (calc.reach.untold) throw SpreadsheetError(-50, untoldText);
   if (calc.reach.contents) {
     throw SpreadsheetError(-50, std::string(onlyInCopyText) + " cannot be worked out in a chain");
@@ -113,7 +114,7 @@ ExpressionContext ScratchWorkbook::scope(CalcWorkbooks& workbooks, const CallLim
     const auto found = findSheet(workbooks, book, sheet);
     return found ? std::optional(mirror_.foreignSheet(*found)) : std::nullopt;
   };
-  lookElsewhere(context, workbooks);
+  lookElsewhere(context, workbooks, limits);
   context.formulas = [&](const RangeRef& cells) {
     return cells.sheet.book == name_ ? std::optional(formulas(cells, limits))
                                      : formulasOf(workbooks, cells, limits);
@@ -143,9 +144,26 @@ std::optional<CellValue> ScratchWorkbook::valueOf(CalcWorkbooks& workbooks,
   Reach all = reach_;
   add(all, calc.reach);
   mirror_.bring(workbooks, all, limits);
+  mirror_.refuseLongSearches(calc.work, longestText(calc, limits));
   const Evaluation value = mirror_.formulaCells().valueOf(calc, limits);
   const auto* one = std::get_if<CellValue>(&value);
   return one != nullptr ? std::optional(*one) : std::nullopt;
+}
+
+// Of the cells of its own that the expression looks at.
+double ScratchWorkbook::longestText(const CalcExpression& calc, const CallLimits& limits) {
+  constexpr long long mostRead = 1000;
+  double longest = 0;
+  if (!calc.work.isOfTexts()) return longest;
+  for (const RangeRef& range : calc.reach.cells) {
+    if (range.sheet.book != name_) continue;
+    if (cellCount(range.areas) > mostRead) return longestOfCell;
+    for (const CellValue& value : readValues(workbook(), range, limits).cells) {
+      const auto* text = std::get_if<std::string>(&value);
+      if (text != nullptr) longest = std::max(longest, static_cast<double>(text->size()));
+    }
+  }
+  return longest;
 }
 
 void ScratchWorkbook::enter(const Area& area, const std::string& formula) {

@@ -41,6 +41,7 @@ class ScratchWorkbook {
   void enter(const Area& area, const std::string& formula);
   void clear(const Area& area);
   bool isBlank(const Area& area);
+  double longestText(const CalcExpression& calc, const CallLimits& limits);
 
   const std::string name_;
   ValueMirror mirror_;

@@ -26,13 +26,13 @@ int firstNumber() {
 }  // namespace
 
 SheetConditions::SheetConditions(QuietChanges& changes, const Workbook& workbook,
-                                 const std::string& sheet)
+                                 const std::string& sheet, const CallLimits& limits)
     : changes_(changes),
       workbook_(workbook),
       name_(sheet),
       sheet_(sheetOf(workbook, sheet)),
       page_(drawPageOf(sheet_)),
-      marks_(readMarks(page_)) {}
+      marks_(readMarks(page_, limits)) {}
 
 bool SheetConditions::isFor(const Mark& mark, const std::vector<Area>& range) const {
   return touch(mark.areas, range) ||

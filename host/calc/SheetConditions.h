@@ -18,8 +18,10 @@ namespace quorin::host::calc {
 
 class SheetConditions {
  public:
-  // -1728 when the workbook has no such sheet. `changes` outlives it.
-  SheetConditions(QuietChanges& changes, const Workbook& workbook, const std::string& sheet);
+  // -1728 when the workbook has no such sheet, -1712 when the limits are reached among its shapes.
+  // `changes` outlives it.
+  SheetConditions(QuietChanges& changes, const Workbook& workbook, const std::string& sheet,
+                  const CallLimits& limits);
 
   const Workbook& workbook() const { return workbook_; }
   const std::string& sheet() const { return name_; }

@@ -34,11 +34,12 @@ bool isWord(std::string_view text) {
 }
 
 // Whether the text has the form of a reference, but there is no such table, sheet or name.
-bool namesNothing(CalcWorkbooks& workbooks, const std::string& text, const SheetRef& from) {
+bool namesNothing(CalcWorkbooks& workbooks, const std::string& text, const SheetRef& from,
+                  const CallLimits& limits) {
   const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
   if (const auto bracket = text.find('['); bracket != std::string::npos) {
     const std::string table = text.substr(0, bracket);
-    return isWord(table) && !tableArea(*workbook, table, {.all = true}, std::nullopt);
+    return isWord(table) && !tableArea(*workbook, table, {.all = true}, std::nullopt, limits);
   }
   const auto split = splitSheetPrefix(text);
   if (!split || split->book) return false;
@@ -52,7 +53,7 @@ bool namesNothing(CalcWorkbooks& workbooks, const std::string& text, const Sheet
 }  // namespace
 
 std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view text,
-                                    const SheetRef& from) {
+                                    const SheetRef& from, const CallLimits& limits) {
   const auto trim = [&text] {
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
@@ -71,18 +72,19 @@ std::optional<RangeRef> asReference(CalcWorkbooks& workbooks, std::string_view t
       findSheet(workbooks, split->book.value_or(from.book), split->sheet.value_or(from.sheet));
   if (!sheet) return std::nullopt;
   if (areas) return RangeRef{*sheet, *areas};
-  return findNamed(*workbooks.named(sheet->book), sheet->sheet, std::string(split->rest));
+  return findNamed(*workbooks.named(sheet->book), sheet->sheet, std::string(split->rest), limits);
 }
 
 std::optional<std::string> namedByText(CalcWorkbooks& workbooks, const std::string& text,
-                                       const SheetRef& from) {
+                                       const SheetRef& from, const CallLimits& limits) {
   const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);
   if (text.empty()) return "";
   if (text.find_first_of(" =(") == 0 || !readsAsExcel(*workbook)) return std::nullopt;
-  auto range = asReference(workbooks, text, from);
-  if (!range) range = tablePart(*workbook, text);
+  auto range = asReference(workbooks, text, from, limits);
+  if (!range) range = tablePart(*workbook, text, limits);
   if (range && range->areas.size() == 1) return excelText(*range, from.book);
-  return namesNothing(workbooks, text, from) ? std::optional<std::string>("") : std::nullopt;
+  return namesNothing(workbooks, text, from, limits) ? std::optional<std::string>("")
+                                                     : std::nullopt;
 }
 
 }  // namespace quorin::host::calc

@@ -6,6 +6,7 @@
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/XSheetOperation.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
+#include <span>
 
 #include "host/Address.h"
 #include "host/calc/AreaGrid.h"
@@ -269,6 +270,31 @@ void ValueMirror::bring(CalcWorkbooks& workbooks, const Reach& reach, const Call
     hideRows(workbook(), block.sheet, block.traits.hiddenRows, true, limits);
   }
   isWritten_ = true;
+}
+
+void ValueMirror::refuseLongSearches(const OfficeWork& work, double longestOwn) const {
+  double longest = longestOwn;
+  const auto read = work.isOfTexts() ? blocks_.begin() : blocks_.end();
+  for (const Block& block : std::span(read, blocks_.end())) {
+    for (const CellValue& value : block.values.cells) {
+      const auto* text = std::get_if<std::string>(&value);
+      if (text != nullptr) longest = std::max(longest, static_cast<double>(text->size()));
+    }
+  }
+  const auto filled = [this](const RangeRef& cells) {
+    if (!original_.is() && cells.sheet.book == book_)
+      return static_cast<double>(cellCount(cells.areas));
+    const auto foreign = foreign_.find({cells.sheet.book, cells.sheet.sheet});
+    const std::string& sheet = foreign != foreign_.end() ? foreign->second : cells.sheet.sheet;
+    double count = 0;
+    for (const Block& block : blocks_) {
+      if (block.sheet != sheet) continue;
+      if (const auto part = intersection(block.area, cells.areas.front()))
+        count += static_cast<double>(cellCount({*part}));
+    }
+    return count;
+  };
+  calc::refuseLongSearches(work, filled, longest);
 }
 
 void ValueMirror::bringNames(const Workbook& original, const CallLimits& limits) {

@@ -48,6 +48,9 @@ class ValueMirror {
   // Fills the cells that the expression reaches. TooManyCells when they are too many. What was
   // written when the limits are reached counts for nothing.
   void bring(CalcWorkbooks& workbooks, const Reach& reach, const CallLimits& limits);
+  // SpreadsheetError -50 where the cells that were brought make it too much. No text of its own
+  // workbook, where that is ours, is longer than that.
+  void refuseLongSearches(const OfficeWork& work, double longestOwn = 0) const;
   // Gives it the names of cells and the tables of the original, which text can refer to. After
   // bring().
   void bringNames(const Workbook& original, const CallLimits& limits);

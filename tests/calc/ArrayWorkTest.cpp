@@ -27,7 +27,7 @@ double crossed(const std::string& excel) {
   const ExpressionContext context = ofNewOffice();
   const auto written = calcExpression(excel, context);
   EXPECT_TRUE(written) << excel;
-  return written ? written->crossed : -1;
+  return written ? written->work.crossed : -1;
 }
 
 TEST(ArrayWork, CountsWhereColumnsMeetRows) {
@@ -108,7 +108,7 @@ TEST(ArrayWork, AsksForASizeOnceAndWritesWhatItCameTo) {
   EXPECT_EQ(text("SEQUENCE(A3,A4)"), "SEQUENCE(#N/A;4)");
   EXPECT_EQ(text("SEQUENCE(A5,A6)"), "SEQUENCE(#VALUE!;1)");
   EXPECT_EQ(text("RANDARRAY(RAND()*5)"), "RANDARRAY(2.5)");
-  EXPECT_EQ(calcExpression("SEQUENCE(A7,A7)", context)->crossed > 4e6, true);
+  EXPECT_EQ(calcExpression("SEQUENCE(A7,A7)", context)->work.crossed > 4e6, true);
   questions.clear();
   EXPECT_EQ(text("LET(n,A1,m,n+1,SEQUENCE(m))"),
             "LET(_quorin1;A1;_quorin2;_quorin1+1;(SEQUENCE(2.5)))");
@@ -127,10 +127,10 @@ TEST(ArrayWork, AsksForASizeOnceAndWritesWhatItCameTo) {
 
 TEST(ArrayWork, IsRefusedOnlyWhereItWouldHoldTheOfficeUp) {
   const auto refusal = [](double work) {
-    CalcExpression expression;
-    expression.crossed = work;
+    OfficeWork all;
+    all.crossed = work;
     try {
-      refuseLargeArrays(expression);
+      refuseLargeArrays(all);
       return std::string();
     } catch (const SpreadsheetError& failure) {
       return std::to_string(failure.number()) + " " + failure.what();

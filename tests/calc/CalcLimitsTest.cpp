@@ -1,4 +1,5 @@
 // A call that nobody waits for any more stops working, wherever it is.
+#include <fstream>
 #include <functional>
 
 #include "tests/calc/CalcReads.h"
@@ -139,6 +140,64 @@ TEST_F(CalcLimitsAmongScatteredCells, EndAfterFewPieces) {
   });
   EXPECT_EQ(sum, Evaluation(CellValue(20000.0)));
   EXPECT_LT(asked, 500);
+}
+
+// Among which marks are looked for.
+TEST_F(CalcLimitsTest, AreLookedAtAmongTheShapesOfASheet) {
+  for (int i = 0; i < 40; ++i) hands->draw("Long.xlsx", "Data", "Shape " + std::to_string(i));
+  const auto conditions = [](CalcSpreadsheet& calc) { calc.formatConditions(cells("G1")); };
+  EXPECT_EQ(outcome(1000, conditions), "no end");
+  EXPECT_EQ(outcome(30, conditions), "-1712");
+  hands->eraseShapes("Long.xlsx", "Data");
+  EXPECT_EQ(outcome(30, conditions), "no end");
+}
+
+constexpr const char* tableBook = R"(<?xml version="1.0" encoding="UTF-8"?>
+<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
+ xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
+ xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.3"
+ office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
+<table:table table:name="Data"><table:table-row><table:table-cell office:value-type="string">
+<text:p>Net</text:p></table:table-cell></table:table-row><table:table-row><table:table-cell
+ office:value-type="float" office:value="20"/></table:table-row></table:table>
+<table:database-ranges><table:database-range table:name="Sales"
+ table:target-range-address="Data.A1:Data.XFD2" table:contains-header="true"/></table:database-ranges>
+</office:spreadsheet></office:body></office:document>)";
+
+TEST_F(CalcLimitsTest, AreLookedAtAmongTheHeadersOfATable) {
+  std::ofstream(*folder / "Table.fods") << tableBook;
+  road->open(*folder / "Table.fods");
+  const SheetRef data{"Table.fods", "Data"};
+  const auto named = [&data](CalcSpreadsheet& calc) {
+    EXPECT_EQ(calc.named(data, "Sales[Net]"), (RangeRef{data, {{2, 1, 2, 1}}}));
+  };
+  EXPECT_EQ(outcome(1000, named), "no end");
+  EXPECT_EQ(outcome(5, named), "-1712");
+}
+
+// Nobody can end what Calc does in one go, so it is not asked of it.
+TEST_F(CalcLimitsAmongScatteredCells, AskNothingOfCalcThatItWouldNotEnd) {
+  const auto refused = [](const std::string& why) {
+    return R"({"kind":"transport","message":"Microsoft Excel got an error: The expression )" + why +
+           R"(","ok":false})";
+  };
+  const auto looks = refused("looks through too many cells too often");
+  EXPECT_EQ(evaluate("SUM(COUNTIF(A1:A30000,A1:A30000))"), looks);
+  EXPECT_EQ(evaluate("SUM(COUNTIF(A:A,A:A))"), looks);
+  EXPECT_EQ(evaluate("LEN(SUBSTITUTE(REPT(\"a\",32767),\"a\",REPT(\"b\",32767)))"), looks);
+  EXPECT_EQ(evaluate("COMBIN(10^12,A1*10^11)"), refused("counts too far"));
+  EXPECT_EQ(evaluate("SUM(MUNIT(C1*3000))"), refused("makes arrays of too many cells"));
+  EXPECT_EQ(evaluate("SUM(LEN(REPT(\"x\",32767)&ROW(1:9000)))"),
+            refused("makes arrays of too much text"));
+  EXPECT_EQ(deep({"SUM(COUNTIF(A1:A30000,A1:A30000))"}), looks);
+  // What is little work is done, and what is not known before is not wrong.
+  EXPECT_EQ(evaluate("SUM(COUNTIF(A:A,A1:A200))"), R"({"ok":true,"value":670000})");
+  EXPECT_EQ(evaluate("COMBIN(C1*2,A1)"), R"({"ok":true,"value":15})");
+  EXPECT_EQ(evaluate("SUM(COMBIN(49,ROW(5:6)))"), R"({"ok":true,"value":15890700})");
+  EXPECT_EQ(deep({"COMBIN([Scattered.xlsx]Data!C1*2,[Scattered.xlsx]Data!A1)"}),
+            R"({"ok":true,"value":15})");
+  EXPECT_EQ(evaluate("SUM(MUNIT(C1))"), R"({"ok":true,"value":3})");
+  EXPECT_EQ(evaluate("SUBSTITUTE(\"a-b\",\"-\",A1)"), R"({"ok":true,"value":"a2b"})");
 }
 
 TEST_F(CalcLimitsTest, LeaveTheNextCallAlone) {

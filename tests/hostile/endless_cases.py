@@ -7,7 +7,13 @@ from xlsx_writer import HEAD, MAIN, Sheet, Workbook
 EXPANSION = "bounds of the expansion of names"
 DEADLINE = "deadlines of loops over what a workbook holds"
 SIZE = "limits of what is read and answered"
+WORK = "bounds of what Calc does in one go"
 LAST = "XFD1048576"
+
+
+def refused(why):
+    return {"ok": False, "kind": "transport",
+            "message": f"Microsoft Excel got an error: The expression {why}"}
 
 
 @case("names-8-18.xlsx", guard=EXPANSION, cells=("A1", "A2", "A3"), ask=("N1", "LEN(N1)", "SUM(N1,1)"))
@@ -96,15 +102,29 @@ def far_corners(path, place):
 
 
 @case("big-arrays.xlsx", guard=SIZE, cells=("A1", "A2", "A3", "A4"),
-      gives=(("SUM(LEN(Product))", {
-          "ok": False, "kind": "transport", "message":
-          "Microsoft Excel got an error: The expression makes arrays of too many cells"}),),
+      gives=(("SUM(LEN(Product))", refused("makes arrays of too many cells")),),
       ask=("ROW(A1:A1048576)", "ROW(1:3000)*COLUMN(A:CZZ)", "REPT(\"x\",32767)&REPT(\"y\",32767)",
            "MMULT(ROW(1:3000)*1,COLUMN(A:CZZ)*1)", "{" + ",".join(["1"] * 120) + "}"))
 def big_arrays(path, place):
     Workbook(Sheet("Sheet1", {"A1": "=SUM(ROW(A1:A1048576))", "A2": "=LEN(Product)",
                               "A3": "=SUMPRODUCT((C:C=C:C)*(D:D=D:D))", "A4": '=REPT("x",32767)'}),
              names=[("Product", "MMULT(ROW(Sheet1!$1:$3000)*1,COLUMN(Sheet1!$A:$CZZ)*1)")]).save(path)
+
+
+@case("work.xlsx", guard=WORK, cells=("A1", "A2", "A3", "A4", "A5", "A6"),
+      gives=(("COMBIN(10^12,5*10^11)", refused("counts too far")),
+             ("SUM(MUNIT(9000))", refused("makes arrays of too many cells")),
+             ("SUM(COUNTIF(C:C,C:C))", refused("looks through too many cells too often"))),
+      ask=("SUM(SMALL(C1:C4000,ROW(1:4000)))", "SUM(LEN(REPT(\"x\",32767)&ROW(1:90000)))",
+           "MINVERSE(MUNIT(2000))", "Slow"))
+def work_that_nobody_can_end(path, place):
+    """Each holds the office up for minutes, or for ever, once it is worked out."""
+    Workbook(Sheet("Sheet1", {
+        "A1": "=SUM(COUNTIF(C:C,C:C))", "A2": "=CUMIPMT(0.01,1E15,1000,1,1E15,0)",
+        "A3": "=LEN(SUBSTITUTE(REPT(\"a\",32767),\"a\",REPT(\"b\",32767)))",
+        "A4": "=WORKDAY(1,B1)", "A5": "=SUM(MUNIT(9000))", "A6": "=LEN(Slow)", "B1": 10 ** 15,
+        **{f"C{i}": i for i in range(1, 4001)}}), names=[("Slow", "COMBIN(Sheet1!$B$1,500000000000)")]
+    ).save(path)
 
 
 @case("huge-strings.xlsx", guard=SIZE, cells=("A1", "B1", "B2"), ranges=("A1:A400", "A1:B400"),

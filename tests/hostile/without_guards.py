@@ -78,8 +78,17 @@ GUARDS = (
           tests=(("calc_text_test", "tests/calc/calc_text_test",
                   "BoundedExpression.IsNoLonger*"),)),
     Guard("bounds of arrays", ((
-        CALC + "CalcExpression.cpp", "constexpr double most = 4e6;", "constexpr double most = 4e60;"),),
-          cases=("big-arrays",)),
+        CALC + "OfficeWork.cpp", "mostCrossed = 4e6;", "mostCrossed = 4e60;"),),
+          tests=(("calc_text_test", "tests/calc/calc_text_test", "ArrayWork.*"),)),
+    Guard("bounds of what Calc does in one go", (
+        (CALC + "OfficeWork.cpp", "mostSteps = 5e7;", "mostSteps = 5e70;"),
+        (CALC + "OfficeWork.cpp", "mostCounted = 1e8;", "mostCounted = 1e80;"),
+        (CALC + "OfficeWork.cpp", "mostCharacters = 2e8;", "mostCharacters = 2e80;"),
+        (CALC + "OfficeWork.cpp", "mostCrossed = 4e6;", "mostCrossed = 4e60;")),
+          cases=("work-that-nobody-can-end", "big-arrays"),
+          tests=(("calc_text_test", "tests/calc/calc_text_test", "OfficeWork.*"),
+                 ("calc_reads_test", "tests/calc/calc_reads_test",
+                  "CalcLimitsAmongScatteredCells.AskNothing*"))),
     Guard("room for text", ((
         CALC + "AreaGrid.h", "most = 12'000'000;", "most = 12'000'000'000;"),),
           cases=("one-long-string-in-many-cells",)),

@@ -1,0 +1,140 @@
+// What an expression has Calc do in one go, told by its text, and what of that is not asked of it.
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+
+#include "host/Spreadsheet.h"
+#include "host/calc/CalcExpression.h"
+
+namespace quorin::host::calc {
+namespace {
+
+// As told where a million cells of each range are filled, or fewer, and no text is longer.
+struct Filled {
+  double cells = 1e6;
+  double longestText = 0;
+};
+
+ExpressionContext plan() {
+  return {.from = {"Plan.xlsx", "Data"},
+          .knows = [](const std::string&) { return true; },
+          .meaning =
+              [](const SheetRef&, const std::string& name) {
+                return name == "Counts" ? std::optional<std::string>("COUNTIF(A1:A9000,A1:A9000)")
+                                        : std::nullopt;
+              }};
+}
+
+std::string refusal(const std::string& excel, const Filled& filled = {},
+                    const ExpressionContext& context = plan()) {
+  try {
+    const auto calc = calcExpression(excel, context);
+    if (!calc) return "no expression";
+    refuseLargeArrays(calc->work);
+    refuseLongSearches(
+        calc->work,
+        [&](const RangeRef& range) {
+          const Area& area = range.areas.front();
+          return std::min(filled.cells, double(area.lastRow - area.firstRow + 1) *
+                                            (area.lastColumn - area.firstColumn + 1));
+        },
+        filled.longestText);
+  } catch (const SpreadsheetError& failure) {
+    return failure.what();
+  }
+  return "";
+}
+
+constexpr const char* cells = "The expression makes arrays of too many cells";
+constexpr const char* text = "The expression makes arrays of too much text";
+constexpr const char* looks = "The expression looks through too many cells too often";
+constexpr const char* counts = "The expression counts too far";
+
+TEST(OfficeWork, IsRefusedWhereArraysAreLarge) {
+  for (const char* excel :
+       {"SUM((A:Z+1)*2)", "SUM(-(A:AZ))", "SUMPRODUCT(--(A:Z=\"x\"))", "SUM(LEN(A:BZ))",
+        "SUM(SIN(A:AZ))", "SUM(A:AZ%)", "SUM(MUNIT(8000))", "SUM(SEQUENCE(9000,9000))",
+        "MINVERSE(MUNIT(400))", "MDETERM(A1:NT384)", "LINEST(A1:A50000,B1:AZ50000)"}) {
+    EXPECT_EQ(refusal(excel), cells) << excel;
+  }
+  for (const char* excel : {"SUM(A:Z)", "SUM(A:Z+1)", "SUMPRODUCT((A:A=\"x\")*(B:B=1)*C:C)",
+                            "SUM(A:ZZ)*2", "VLOOKUP(1,A:Z,3,FALSE)+SUMIFS(A:A,B:B,1)", "MUNIT(100)",
+                            "SEQUENCE(1000,10)", "MINVERSE(A1:T20)", "LINEST(A1:A5000,B1:F5000)"}) {
+    EXPECT_EQ(refusal(excel), "") << excel;
+  }
+}
+
+TEST(OfficeWork, IsRefusedWhereManyValuesAreLookedUpInManyCells) {
+  for (const char* excel :
+       {"SUM(COUNTIF(A:A,A1:A200))", "SUM(1/COUNTIF(A1:A20000,A1:A20000))", "SUM(Counts+Counts)",
+        "SUM(SUMIFS(C:C,A:A,A1:A99))", "SUM(AVERAGEIFS(C:C,A:A,1,B:B,B1:B99))",
+        "SUM(MATCH(A1:A8000,B1:B8000,0))", "SUM(VLOOKUP(A1:A8000,B1:C8000,2,FALSE))",
+        "SUM(SMALL(A1:A9000,ROW(1:9000)))", "SUM(RANK(A1:A8000,A1:A8000))",
+        "SUM(MATCH(A1:A8000,B1:B8000&C1:C8000,0))", "FORECAST.ETS(1,A1:A30000,B1:B30000)",
+        "XIRR(A1:A9000,B1:B9000)", "SUM(NETWORKDAYS(A1:A9000,B1,C1:C999))",
+        "SUM(COUNTIF(A:A,ROW(1:9000)))"}) {
+    EXPECT_EQ(refusal(excel), looks) << excel;
+  }
+  for (const char* excel :
+       {"COUNTIF(A:A,A1)", "SUM(COUNTIF(A1:A9000,A1:A9000))", "MATCH(A1,B:B,0)",
+        "SUM(LOOKUP(A1:A2000,B1:B20000))", "SUM(VLOOKUP(A1:A9000,B1:C9000,2))",
+        "SUM(MATCH(A1:A9000,B1:B9000,1))", "SUM(SMALL(A1:A9000,{1,2,3}))", "RANK(A1,A:A)",
+        "XIRR(A1:A500,B1:B500)", "SUM(COUNTIF(A1:A9000,{\"a\",\"b\"}))"}) {
+    EXPECT_EQ(refusal(excel), "") << excel;
+  }
+  // As many cells as are filled, not as the range has.
+  EXPECT_EQ(refusal("SUM(COUNTIF(A:A,A1:A200))", {.cells = 2000}), "");
+  EXPECT_EQ(refusal("SUM(COUNTIF(A:A,A:A))", {.cells = 2000}), looks);
+}
+
+TEST(OfficeWork, IsRefusedWhereTextsGrow) {
+  EXPECT_EQ(refusal("SUM(LEN(REPT(\"x\",32767)&ROW(1:9000)))"), text);
+  EXPECT_EQ(refusal("SUM(LEN(A1:A9000&B1))", {.longestText = 32767}), text);
+  EXPECT_EQ(refusal("SUM(LEN(A1:A9000&B1))", {.longestText = 300}), "");
+  EXPECT_EQ(refusal("SUM(LEN(REPT(\"ab\",20)&ROW(1:9000)))"), "");
+  EXPECT_EQ(refusal("LEN(SUBSTITUTE(A1,\"a\",B1))", {.longestText = 32767}), looks);
+  EXPECT_EQ(refusal("LEN(SUBSTITUTE(REPT(\"a\",32767),\"a\",REPT(\"b\",32767)))"), looks);
+  EXPECT_EQ(refusal("LEN(SUBSTITUTE(A1,\"a\",B1))", {.longestText = 3000}), "");
+  EXPECT_EQ(refusal("LEN(SUBSTITUTE(A1,\"a\",\"bcd\"))", {.longestText = 32767}), "");
+  EXPECT_EQ(refusal("LEN(SUBSTITUTE(A1,\"a\",B1,1))", {.longestText = 32767}), "");
+  EXPECT_EQ(refusal("LEN(TEXTJOIN(B1,TRUE,A:A))", {.longestText = 32767}), looks);
+  EXPECT_EQ(refusal("LEN(TEXTJOIN(\", \",TRUE,A:A))", {.longestText = 32767}), "");
+}
+
+TEST(OfficeWork, IsRefusedWhereAFunctionCountsFar) {
+  for (const char* excel :
+       {"COMBIN(1E12,5E11)", "COMBINA(9,1E9)", "PERMUT(1E12,500000000)",
+        "CUMIPMT(0.1,9E9,1,1,9E9,0)", "CUMPRINC(0.1,9E9,1,1,9E9,0)", "VDB(9,1,9E9,1,9E9)",
+        "AMORDEGRC(9,1,2,0,4E9,0.1,1)", "BESSELI(1,1E9)", "BESSELY(1,1E9)",
+        "BINOM.INV(1E9,0.5,0.5)", "CRITBINOM(1E9,0.5,0.5)", "MULTINOMIAL(1,2,1E9)",
+        "NEGBINOMDIST(1E9,5,0.5)", "WORKDAY(1,1E9)", "WORKDAY(1,-1E9)"}) {
+    EXPECT_EQ(refusal(excel), counts) << excel;
+  }
+  for (const char* excel : {"COMBIN(49,6)", "COMBIN(1E12,2)", "CUMIPMT(0.1,36,1,1,36,0)",
+                            "WORKDAY(45000,30)", "BESSELI(1.5,2)", "MULTINOMIAL(1,2,3)"}) {
+    EXPECT_EQ(refusal(excel), "") << excel;
+  }
+}
+
+TEST(OfficeWork, IsKnownByWhatTheNumbersComeTo) {
+  ExpressionContext context = plan();
+  context.valueOf = [](const std::string& argument) -> std::optional<CellValue> {
+    if (argument == "A1") return 9e9;
+    if (argument == "A2") return 30.0;
+    return std::nullopt;
+  };
+  EXPECT_EQ(refusal("COMBIN(A1,A1)", {}, context), counts);
+  EXPECT_EQ(refusal("COMBIN(A1,A2)", {}, context), "");
+}
+
+// Where nobody can tell before, Calc does not count beyond what it can in a moment.
+TEST(OfficeWork, CountsNoFurtherThanAMomentWhereItIsNotKnownBefore) {
+  const auto written = [](const char* excel) { return calcExpression(excel, plan())->text; };
+  EXPECT_EQ(written("COMBIN(A1,B1)+1"), "COMBIN(A1;IF(ABS(B1)>20000000;NA();B1))+1");
+  EXPECT_EQ(written("COMBIN(A1,6)"), "COMBIN(A1;6)");
+  EXPECT_EQ(written("SUM(PERMUT(9,A1:A2000))"),
+            "SUM(PERMUT(9;IF(ABS(A1:A2000)>10000;NA();A1:A2000)))");
+}
+
+}  // namespace
+}  // namespace quorin::host::calc
