@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 
 #include "host/calc/FunctionCalls.h"
@@ -75,23 +74,9 @@ bool makesText(std::string_view function) {
   return contains(names, function);
 }
 
-// A number that stands there, with a sign perhaps.
-std::optional<double> number(std::string_view text) {
-  text = trimmed(text);
-  const bool negative = text.starts_with('-');
-  if (negative) text.remove_prefix(1);
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  const bool isOne = error == std::errc() && end == text.data() + text.size() && !text.empty() &&
-                     text.front() != 'i' && text.front() != 'n' && text.front() != 'I' &&
-                     text.front() != 'N';
-  if (!isOne) return std::nullopt;
-  return negative ? -value : value;
-}
-
 // What the argument comes to, if that is one number; 0 for any other one value.
 std::optional<double> toldNumber(const CallArgument& argument, const ExpressionContext& context) {
-  if (const auto stands = number(argument.calc)) return stands;
+  if (const auto stands = numberIn(argument.calc)) return stands;
   if (!context.valueOf || argument.excel.empty()) return std::nullopt;
   const auto told = context.valueOf(argument.excel);
   if (!told) return std::nullopt;
@@ -165,7 +150,7 @@ void addJoined(OfficeWork& work, const WorkingCall& call) {
 }
 
 void addRepeatedText(OfficeWork& work, const WorkingCall& call) {
-  const auto times = call.arguments.size() > 1 ? number(call.arguments[1].calc) : std::nullopt;
+  const auto times = call.arguments.size() > 1 ? numberIn(call.arguments[1].calc) : std::nullopt;
   const auto length = textLength(call.arguments.front().calc);
   const double characters = times && length ? *times * *length : longestOfCell;
   work.written = std::max(work.written, std::min(characters, longestOfCell));
@@ -263,7 +248,7 @@ std::optional<std::string> countedCall(OfficeWork& work, const WorkingCall& call
     }
     const auto told = toldNumber(argument, context);
     work.counted += (told ? std::abs(*told) : most) * std::max(values, 1.0);
-    if (number(argument.calc)) {
+    if (numberIn(argument.calc)) {
       written += argument.calc;
     } else {
       anew = true;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 
 #include "host/calc/ReferenceText.h"
@@ -22,16 +21,6 @@ const Maker* makerOf(std::string_view function) {
   const auto* const found = std::find_if(
       makers.begin(), makers.end(), [&](const Maker& one) { return one.function == function; });
   return found == makers.end() ? nullptr : found;
-}
-
-// The number that a text stands for, as Calc takes one for a number.
-std::optional<double> numberIn(std::string_view text) {
-  text = trimmed(text);
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool isAll = error == std::errc() && end == text.data() + text.size();
-  if (!isAll || !std::isfinite(number)) return std::nullopt;
-  return number;
 }
 
 // So many; the argument, which is there, is written as what it comes to.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace quorin::host::calc {
 namespace {
@@ -247,6 +248,15 @@ std::string numberText(double number) {
   std::array<char, 32> digits{};
   std::to_chars(digits.begin(), digits.end(), number);
   return digits.data();
+}
+
+std::optional<double> numberIn(std::string_view text) {
+  text = trimmed(text);
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  const bool isAll = error == std::errc() && end == text.data() + text.size();
+  if (!isAll || !std::isfinite(number)) return std::nullopt;
+  return number;
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -64,6 +64,8 @@ std::optional<std::string> readQuoted(std::string_view text, std::size_t& positi
 std::string inQuotes(std::string_view text);
 // As short as tells it from every other.
 std::string numberText(double number);
+// The number that a text is, white space around it aside; nothing for any other text.
+std::optional<double> numberIn(std::string_view text);
 
 // Without the blanks around it.
 std::string_view trimmed(std::string_view text);
