@@ -10,6 +10,7 @@ export default defineConfig({
         'bench/page.ts',
         'bench/model.ts',
         'bench/dependents.ts',
+        'bench/audit/audit.ts',
       ],
     },
     outDir: 'out/bench',

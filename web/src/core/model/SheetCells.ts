@@ -118,6 +118,12 @@ export class SheetCells {
     }
   }
 
+  /** The number of a cell's text, the same for the same text; of no meaning for other cells. */
+  textNumberAt(row: number, col: number): number {
+    const block = this.blockAt(row, col);
+    return block ? (block.values[indexIn(block.area, row, col)] as number) : 0;
+  }
+
   /** Tells each cell of `area` that was read and is not blank. */
   eachFilled(
     area: Area,

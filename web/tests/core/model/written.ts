@@ -20,6 +20,31 @@ export function area(address: string) {
   return found;
 }
 
+/** As a scan reads it: formulas in R1C1 and what they show. */
+export function pieceOf(cells: Written) {
+  const all = Object.keys(cells).map(area);
+  const bottom = Math.max(1, ...all.map((one) => one.bottom));
+  const right = Math.max(1, ...all.map((one) => one.right));
+  const formulas = Array.from({ length: bottom }, () => Array<string>(right).fill(''));
+  const values = Array.from({ length: bottom }, () => Array<Scalar>(right).fill(null));
+  for (const [address, content] of Object.entries(cells)) {
+    const { top, left, bottom: last, right: end } = area(address);
+    for (let row = top; row <= last; row++) {
+      for (let col = left; col <= end; col++) {
+        const [text = '', shown = '0'] = String(content).split(' -> ');
+        const isFormula = typeof content === 'string' && content.startsWith('=');
+        const line = formulas[row - 1] as string[];
+        const value = isFormula ? (Number.isNaN(Number(shown)) ? shown : Number(shown)) : content;
+        (values[row - 1] as Scalar[])[col - 1] = value;
+        // Written for the first cell of the area, as when it is filled.
+        const at = { row: top, col: left };
+        line[col - 1] = isFormula ? `=${printInStyle(parse(text, 'a1'), 'r1c1', at)}` : '';
+      }
+    }
+  }
+  return { area: { top: 1, left: 1, bottom, right }, formulas, values };
+}
+
 export class Reader {
   readonly host = new ModelHost();
 
@@ -30,28 +55,7 @@ export class Reader {
 
   read(sheet: string, cells: Written): void {
     this.ask('beginSheet', { sheet });
-    const all = Object.keys(cells).map(area);
-    const bottom = Math.max(1, ...all.map((one) => one.bottom));
-    const right = Math.max(1, ...all.map((one) => one.right));
-    const formulas = Array.from({ length: bottom }, () => Array<string>(right).fill(''));
-    const values = Array.from({ length: bottom }, () => Array<Scalar>(right).fill(null));
-    for (const [address, content] of Object.entries(cells)) {
-      const { top, left, bottom: last, right: end } = area(address);
-      for (let row = top; row <= last; row++) {
-        for (let col = left; col <= end; col++) {
-          const [text = '', shown = '0'] = String(content).split(' -> ');
-          const isFormula = typeof content === 'string' && content.startsWith('=');
-          const line = formulas[row - 1] as string[];
-          const value = isFormula ? (Number.isNaN(Number(shown)) ? shown : Number(shown)) : content;
-          (values[row - 1] as Scalar[])[col - 1] = value;
-          // Written for the first cell of the area, as when it is filled.
-          const at = { row: top, col: left };
-          if (isFormula) line[col - 1] = `=${printInStyle(parse(text, 'a1'), 'r1c1', at)}`;
-        }
-      }
-    }
-    const whole = { top: 1, left: 1, bottom, right };
-    this.ask('piece', { sheet, area: whole, formulas, values });
+    this.ask('piece', { sheet, ...pieceOf(cells) });
     this.ask('endSheet', { sheet });
   }
 

@@ -1,0 +1,57 @@
+// What all detectors look at: the workbook, its sheets cell by cell, its formulas taken apart.
+
+import { cellCount, columnLetters, type Area } from '../address/area';
+import { formulaAt } from '../formula/relative';
+import type { Index } from '../model/Index';
+import type { WorkbookModel } from '../model/WorkbookModel';
+import { Shapes } from './shape';
+import { SheetGrid } from './SheetGrid';
+
+const formulaLimit = 120;
+
+export class Evidence {
+  readonly grids: SheetGrid[];
+  readonly shapes: Shapes;
+  /** How many cells have each formula. */
+  private readonly counts: Int32Array;
+
+  constructor(
+    readonly model: WorkbookModel,
+    readonly index: Index,
+  ) {
+    this.grids = index.sheets.map((cells, sheet) => new SheetGrid(sheet, cells));
+    this.shapes = new Shapes(model.formulas);
+    this.counts = new Int32Array(model.formulas.count);
+    for (let region = 0; region < index.regionCount; region++) {
+      const formula = index.formulaOf(region);
+      this.counts[formula] = this.count(formula) + cellCount(index.areaOf(region));
+    }
+  }
+
+  /** How many cells of the workbook have this relative formula. */
+  count(formula: number): number {
+    return this.counts[formula] ?? 0;
+  }
+
+  /** The relative formula's text. */
+  text(formula: number): string {
+    return this.model.formulas.at(formula);
+  }
+
+  /** "=SUM(B3:B12)", as it stands in that cell, cut where it is long. */
+  shown(formula: number, row: number, col: number): string {
+    return cut(formulaAt(this.text(formula), { row, col }));
+  }
+}
+
+export function cut(text: string): string {
+  return text.length > formulaLimit ? `${text.slice(0, formulaLimit - 1)}…` : text;
+}
+
+export function cell(row: number, col: number): Area {
+  return { top: row, left: col, bottom: row, right: col };
+}
+
+export function address(row: number, col: number): string {
+  return columnLetters(col) + String(row);
+}

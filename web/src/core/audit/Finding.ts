@@ -1,0 +1,65 @@
+// What the audit tells of a workbook: something odd, where, what it was compared with, and how much
+// rests on it. Plain data.
+
+import type { Area } from '../address/area';
+import type { Cells } from '../model/messages';
+
+/** Each detector's kinds. The order means nothing. */
+export type Kind =
+  | 'differs'
+  | 'constant'
+  | 'blank'
+  | 'step'
+  | 'elsewhere'
+  | 'left-out'
+  | 'own-total'
+  | 'unequal'
+  | 'sliding'
+  | 'label'
+  | 'broken'
+  | 'link'
+  | 'error'
+  | 'circle'
+  | 'name'
+  | 'text-number'
+  | 'number-inside';
+
+export type Confidence = 'high' | 'medium' | 'low';
+
+/** "fact": a mistake or something gone. "doubt": to be looked at. "style": how it is written. */
+export type Level = 'fact' | 'doubt' | 'style';
+
+/** What a detector says; formulas are numbers of the model's table. */
+export type Clue = {
+  kind: Kind;
+  sheet: number;
+  areas: Area[];
+  sentence: string;
+  /** The relative formula that is expected in the first cell; empty where none is. */
+  expected: string;
+  /** How surprising it is in this workbook: some 3 is worth a look, some 9 beyond doubt. */
+  weight: number;
+  level: Level;
+};
+
+export type Finding = {
+  rank: number;
+  kind: Kind;
+  level: Level;
+  cells: Cells[];
+  sentence: string;
+  /** As it would stand in the first cell, in A1; empty where there is none. */
+  expected: string;
+  confidence: Confidence;
+  /** So many cells rest on it; as far as they were counted. */
+  reach: number;
+};
+
+/** From so much on a clue is sure, and worth a look. */
+const sure = 8;
+const worth = 5;
+
+export function confidenceOf({ weight, level }: Pick<Clue, 'weight' | 'level'>): Confidence {
+  if (level === 'style') return 'low';
+  return weight >= sure ? 'high' : weight >= worth ? 'medium' : 'low';
+}

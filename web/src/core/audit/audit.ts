@@ -1,0 +1,32 @@
+// The audit of a workbook as it was read: every detector in turn, then the list by rank. Pure; yields
+// where others may take a turn.
+
+import type { WorkbookModel } from '../model/WorkbookModel';
+import { aggregateClues } from './aggregates';
+import { brokenClues } from './broken';
+import { Evidence } from './Evidence';
+import type { Clue, Finding } from './Finding';
+import { neighbourClues } from './neighbours';
+import { rangeClues } from './ranges';
+import { ranked } from './rank';
+import { sequenceClues } from './sequences';
+import { surroundingClues } from './surroundings';
+
+const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)[] = [
+  neighbourClues,
+  surroundingClues,
+  sequenceClues,
+  aggregateClues,
+  rangeClues,
+  brokenClues,
+];
+
+export function* audit(model: WorkbookModel): Generator<undefined, Finding[]> {
+  const evidence = new Evidence(model, yield* model.index());
+  const clues: Clue[] = [];
+  for (const detector of detectors) {
+    for (const clue of yield* detector(evidence)) clues.push(clue);
+    yield undefined;
+  }
+  return yield* ranked(evidence, clues);
+}

@@ -1,0 +1,126 @@
+import { describe, expect, it } from 'vitest';
+import type { Written } from '../model/written';
+import { findingsOf, line, told } from './findings';
+
+describe('surroundings found elsewhere', () => {
+  const block = (top: number, last: string): Written => ({
+    [`A${String(top)}`]: 'Opening',
+    [`B${String(top)}`]: 10,
+    [`A${String(top + 1)}`]: 'Growth',
+    [`B${String(top + 1)}`]: `=B${String(top)}*$D$1`,
+    [`A${String(top + 2)}`]: 'Tax',
+    [`B${String(top + 2)}`]: last,
+    [`A${String(top + 3)}`]: 'Closing',
+    [`B${String(top + 3)}`]: `=B${String(top)}+B${String(top + 1)}-B${String(top + 2)}`,
+  });
+
+  it('finds the block of which one line differs', () => {
+    const cells = {
+      ...block(1, '=B2*$D$2'),
+      ...block(7, '=B8*$D$2'),
+      ...block(13, '=B13*$D$2'),
+      ...block(19, '=B20*$D$2'),
+      ...block(25, '=B26*$D$2'),
+    };
+    expect(told(cells)).toContain('elsewhere B15 =B14*$D$2');
+  });
+
+  it('finds the sheet of which one cell differs from its copies', () => {
+    const sheet = (formula: string): Written => ({ ...block(1, formula) });
+    const found = findingsOf({
+      North: sheet('=B2*$D$2'),
+      South: sheet('=B2*$D$2'),
+      East: sheet('=B2/$D$2'),
+      West: sheet('=B2*$D$2'),
+    });
+    expect(found.map((one) => `${one.cells[0]?.sheet ?? ''} ${line(one)}`)).toEqual([
+      'East elsewhere B3 =B2*$D$2',
+    ]);
+  });
+});
+
+describe('references that go on by a step', () => {
+  it('finds the one that leaves it', () => {
+    const cells: Written = {};
+    for (let row = 1; row <= 8; row++) {
+      cells[`B${String(row)}`] = `=Z${String(row === 5 ? 12 : row * 3)}`;
+    }
+    expect(told(cells)).toEqual(['step B5 =Z15']);
+  });
+
+  it('leaves references without a step alone', () => {
+    const cells: Written = {};
+    [3, 9, 4, 17, 21, 2, 30, 8].forEach((target, i) => {
+      cells[`B${String(i + 1)}`] = `=Z${String(target)}`;
+    });
+    expect(told(cells)).toEqual([]);
+  });
+});
+
+describe('sums', () => {
+  it.each<[string, Written, string[]]>([
+    ['a row between the range and its sum', { 'A2:A9': 4, A10: '=SUM(A2:A8)' }, ['left-out A10']],
+    ['a row before the range', { A1: 'Sales', 'A2:A9': 4, A10: '=SUM(A3:A9)' }, ['left-out A10']],
+    ['the sum itself', { 'A2:A9': 4, A10: '=SUM(A2:A10)' }, ['own-total A10']],
+  ])('finds %s', (_, cells, expected) => {
+    expect(told(cells)).toEqual(expected);
+  });
+
+  it.each<[string, Written]>([
+    ['a year over the column', { A1: 2024, 'A2:A9': 4, A10: '=SUM(A2:A9)' }],
+    ['a total under the range', { 'A2:A9': 4, A10: '=SUM(A2:A9)', A11: '=AVERAGE(A2:A9)' }],
+    ['a part of a long list', { 'A2:A90': 4, C1: '=SUM(A2:A13)' }],
+    ['text beside the range', { A1: 'Sales', 'A2:A9': 4, A10: 'Total', A11: '=SUM(A2:A9)' }],
+  ])('leaves alone %s', (_, cells) => {
+    expect(told(cells)).toEqual([]);
+  });
+});
+
+describe('ranges of one formula', () => {
+  it.each<[string, Written, string[]]>([
+    ['unequal ones', { 'A1:B9': 4, D1: '=SUMPRODUCT(A1:A9,B1:B8)' }, ['unequal D1']],
+    ['unequal conditions', { 'A1:B9': 4, D1: '=SUMIFS(A1:A9,B1:B8,4)' }, ['unequal D1']],
+    [
+      'a lookup table that slides',
+      { 'A1:A9': 4, 'F1:G20': 4, 'B1:B9': '=VLOOKUP(A1,F1:G9,2,FALSE)' },
+      ['sliding B1:B9'],
+    ],
+  ])('finds %s', (_, cells, expected) => {
+    expect(told(cells)).toEqual(expected);
+  });
+
+  it.each<[string, Written]>([
+    ['equal ones', { 'A1:B9': 4, D1: '=SUMPRODUCT(A1:A9,B1:B9)' }],
+    ['a fixed table', { 'A1:A9': 4, 'F1:G20': 4, 'B1:B9': '=VLOOKUP(A1,F$1:G$9,2,FALSE)' }],
+    ['a vector in INDEX', { 'A1:B9': 4, D1: '=INDEX(A1:A9,2)' }],
+  ])('leaves alone %s', (_, cells) => {
+    expect(told(cells)).toEqual([]);
+  });
+});
+
+describe('what is gone or leads out', () => {
+  it('tells references to deleted cells once for a sheet', () => {
+    expect(told({ A1: 1, B1: '=#REF!+1', B9: '=SUM(#REF!)' })).toEqual(['broken B1 B9']);
+  });
+
+  it('tells a single link to another workbook', () => {
+    expect(told({ A1: 1, B1: '=A1*2', B9: '=[Other.xlsx]Sheet1!A1' })).toEqual(['link B9']);
+  });
+});
+
+describe('the list', () => {
+  it('has one finding for a cell that several detectors saw', () => {
+    const found = findingsOf({
+      Sheet: { 'A1:F9': 2, 'A10:F10': '=SUM(A1:A9)', D10: '=SUM(D1:D8)' },
+    });
+    expect(found).toHaveLength(1);
+    expect(found[0]).toMatchObject({ rank: 1, kind: 'differs', confidence: 'high', reach: 0 });
+  });
+
+  it('counts what rests on a cell', () => {
+    const found = findingsOf({
+      Sheet: { 'A1:A9': 2, 'B1:B9': '=A1*2', B5: 10, C1: '=SUM(B1:B9)', C2: '=C1*2' },
+    });
+    expect(found.map(({ kind, reach }) => [kind, reach])).toEqual([['constant', 2]]);
+  });
+});

@@ -1,0 +1,85 @@
+import { describe, expect, it } from 'vitest';
+import type { Written } from '../model/written';
+import { sentences, told } from './findings';
+
+const column = { 'A1:A12': 3 };
+
+describe('cells unlike their neighbours', () => {
+  it.each<[string, Written, string[]]>([
+    [
+      'a range shorter by one',
+      { 'A1:F9': 2, 'A10:F10': '=SUM(A1:A9)', D10: '=SUM(D1:D8)' },
+      ['differs D10 =SUM(D1:D9)'],
+    ],
+    [
+      'a reference to the line above',
+      { ...column, 'B1:B12': '=A1*2', B6: '=A5*2' },
+      ['differs B6 =A6*2'],
+    ],
+    ['a dollar sign', { ...column, 'B1:B12': '=A1*2', B6: '=A$6*2' }, ['differs B6 =A6*2']],
+    ['another operator', { ...column, 'B1:B12': '=A1*2', B6: '=A6+2' }, ['differs B6 =A6*2']],
+    [
+      'another function',
+      { 'A1:F9': 2, 'A10:F10': '=SUM(A1:A9)', D10: '=MAX(D1:D9)' },
+      ['differs D10 =SUM(D1:D9)'],
+    ],
+    [
+      'a number typed over a formula',
+      { ...column, 'B1:B12': '=A1*2', B6: 6 },
+      ['constant B6 =A6*2'],
+    ],
+    ['a blank', { ...column, 'B1:B12': '=A1*2', B6: null }, ['blank B6 =A6*2']],
+    [
+      'the last cell, where the lines beside it go on',
+      { ...column, 'B1:D12': '=$A1*2', C12: '=$A11*2' },
+      ['differs C12 =$A12*2'],
+    ],
+    [
+      'several cells that break in the same way, as one',
+      { ...column, 'B1:B12': '=A1*2', 'B5:B7': '=A5*3' },
+      ['differs B5:B7 =A5*2'],
+    ],
+  ])('finds %s', (_, cells, expected) => {
+    expect(told(cells)).toEqual(expected);
+  });
+
+  it('says what is odd and what it was compared with', () => {
+    expect(sentences({ 'A1:F9': 2, 'A10:F10': '=SUM(A1:A9)', D10: '=SUM(D1:D8)' })).toEqual([
+      'D10 takes rows 1 to 8, the others rows 1 to 9; A10:C10 and E10:F10 are filled alike with =SUM(A1:A9).',
+    ]);
+  });
+
+  it.each<[string, Written]>([
+    [
+      'a column of totals within the months',
+      { 'A1:C9': '=Z1', 'D1:D9': '=SUM(A1:C1)', 'E1:G9': '=Z1' },
+    ],
+    [
+      'quarter totals that recur',
+      {
+        'A1:C1': '=A9',
+        D1: '=SUM(A1:C1)',
+        'E1:G1': '=E9',
+        H1: '=SUM(E1:G1)',
+        'I1:K1': '=I9',
+        L1: '=SUM(I1:K1)',
+        'M1:O1': '=M9',
+      },
+    ],
+    [
+      'a table with a total row',
+      { A1: 'Sales', 'A2:A9': 4, 'B2:B9': '=A2*2', 'A10:B10': '=SUM(A2:A9)' },
+    ],
+    ['text and forms', { 'A1:A9': 'Name', B2: 'Please fill in', B7: 4 }],
+    ['a formula that stands alone', { A1: 5, B9: '=A1*2' }],
+    ['years over columns', { 'B1:F1': 2020, 'B2:F4': '=B$1*2' }],
+    ['the first of a chain', { A1: 100, 'A2:A20': '=A1*1.05' }],
+  ])('leaves alone %s', (_, cells) => {
+    expect(told(cells)).toEqual([]);
+  });
+
+  it('has nothing to say of a workbook without formulas, or without cells', () => {
+    expect(told({ 'A1:C9': 3 })).toEqual([]);
+    expect(told({})).toEqual([]);
+  });
+});
