@@ -9,6 +9,7 @@
 #include <com/sun/star/drawing/FillStyle.hpp>
 #include <com/sun/star/drawing/LineStyle.hpp>
 #include <com/sun/star/drawing/XDrawPageSupplier.hpp>
+#include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
@@ -122,11 +123,11 @@ bool hasLostItsShape(const Reference<css::container::XNamed>& shape) {
               .hasValue();
 }
 
-}  // namespace
+constexpr int mostTries = 20;
 
-std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& page,
-                                    const CallLimits& limits) {
-  constexpr int mostTries = 20;
+// Throws css::lang::IndexOutOfBoundsException when one is taken away meanwhile.
+std::vector<NamedShape> shapesAtOnce(const Reference<css::drawing::XDrawPage>& page,
+                                     const CallLimits& limits) {
   std::vector<NamedShape> shapes;
   const sal_Int32 count = page->getCount();
   for (sal_Int32 i = 0; i < count; ++i) {
@@ -140,6 +141,19 @@ std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& pa
     if (!name.isEmpty()) shapes.push_back({toText(name), {shape, UNO_QUERY_THROW}});
   }
   return shapes;
+}
+
+}  // namespace
+
+std::vector<NamedShape> namedShapes(const Reference<css::drawing::XDrawPage>& page,
+                                    const CallLimits& limits) {
+  for (int tries = 1;; ++tries) {
+    try {
+      return shapesAtOnce(page, limits);
+    } catch (const css::lang::IndexOutOfBoundsException&) {
+      if (tries == mostTries) throw;
+    }
+  }
 }
 
 std::vector<PlacedMark> readMarks(const Reference<css::drawing::XDrawPage>& page,

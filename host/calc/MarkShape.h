@@ -21,6 +21,8 @@ struct NamedShape {
   std::string name;
   css::uno::Reference<css::drawing::XShape> shape;
 };
+// Those that have a name. The user and the marks keeper may take some away meanwhile: then the page
+// is read again.
 std::vector<NamedShape> namedShapes(const css::uno::Reference<css::drawing::XDrawPage>& page,
                                     const CallLimits& limits = CallLimits());
 

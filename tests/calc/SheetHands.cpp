@@ -145,7 +145,18 @@ struct SheetHands::Objects {
     }
   }
 
+  // Marks may be put and taken between one question and the next; then all are read again.
   std::vector<std::string> marks() const {
+    constexpr int mostTries = 100;
+    for (int tries = 1;; ++tries) {
+      try {
+        return marksAtOnce();
+      } catch (const css::uno::Exception&) {
+        if (tries == mostTries) throw;
+      }
+    }
+  }
+  std::vector<std::string> marksAtOnce() const {
     std::vector<std::string> marks;
     for (const rtl::OUString& name : document->getSheets()->getElementNames()) {
       const auto place = sheet(toText(name));

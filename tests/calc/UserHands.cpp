@@ -9,6 +9,7 @@
 #include <com/sun/star/frame/XStorable.hpp>
 #include <com/sun/star/frame/XTitle.hpp>
 #include <com/sun/star/frame/theGlobalEventBroadcaster.hpp>
+#include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/FilterOperator.hpp>
 #include <com/sun/star/sheet/FormulaLanguage.hpp>
@@ -185,22 +186,36 @@ void UserHands::draw(const std::string& book, const std::string& sheet, const st
   Reference<css::container::XNamed>(shape, UNO_QUERY_THROW)->setName(toUno(name));
 }
 
-std::vector<std::string> UserHands::shapes(const std::string& book, const std::string& sheet) {
-  const auto page = drawPageOf(objects_->sheet(book, sheet));
-  std::vector<std::string> names;
-  for (sal_Int32 i = 0; i < page->getCount(); ++i) {
-    const Reference<css::container::XNamed> shape(page->getByIndex(i), UNO_QUERY_THROW);
-    names.push_back(toText(shape->getName()));
+namespace {
+
+// Marks may be taken away between counting and looking; then all are looked at again.
+std::vector<Reference<css::drawing::XShape>> shapesOn(
+    const Reference<css::drawing::XDrawPage>& page) {
+  while (true) {
+    try {
+      std::vector<Reference<css::drawing::XShape>> shapes;
+      const sal_Int32 count = page->getCount();
+      for (sal_Int32 i = 0; i < count; ++i)
+        shapes.emplace_back(page->getByIndex(i), UNO_QUERY_THROW);
+      return shapes;
+    } catch (const css::lang::IndexOutOfBoundsException&) {
+    }
   }
+}
+
+}  // namespace
+
+std::vector<std::string> UserHands::shapes(const std::string& book, const std::string& sheet) {
+  std::vector<std::string> names;
+  for (const auto& shape : shapesOn(drawPageOf(objects_->sheet(book, sheet))))
+    names.push_back(toText(Reference<css::container::XNamed>(shape, UNO_QUERY_THROW)->getName()));
   return names;
 }
 
 int UserHands::heightOfShapes(const std::string& book, const std::string& sheet) {
-  const auto page = drawPageOf(objects_->sheet(book, sheet));
   int height = 0;
-  for (sal_Int32 i = 0; i < page->getCount(); ++i)
-    height +=
-        Reference<css::drawing::XShape>(page->getByIndex(i), UNO_QUERY_THROW)->getSize().Height;
+  for (const auto& shape : shapesOn(drawPageOf(objects_->sheet(book, sheet))))
+    height += shape->getSize().Height;
   return height;
 }
 
