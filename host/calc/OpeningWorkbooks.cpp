@@ -1,5 +1,7 @@
 #include "host/calc/OpeningWorkbooks.h"
 
+#include <chrono>
+#include <com/sun/star/awt/AsyncCallback.hpp>
 #include <com/sun/star/awt/XWindow.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
@@ -12,6 +14,10 @@
 #include <com/sun/star/sheet/XCalculatable.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
+#include <cppuhelper/implbase1.hxx>
+#include <exception>
+#include <future>
+#include <rtl/ref.hxx>
 #include <utility>
 #include <vector>
 
@@ -72,6 +78,39 @@ css::uno::Sequence<css::beans::PropertyValue> loading(
   return sequenceOf(arguments);
 }
 
+// Shows a window from the office's main thread. A window that a thread of the bridge shows can hang
+// for ever with its menu, which then asks for the clipboard while the main thread does as well.
+// What the office is asked for while it calls back, it does on the thread that calls.
+class Showing : public cppu::WeakImplHelper1<css::awt::XCallback> {
+ public:
+  explicit Showing(Reference<css::frame::XFrame> frame) : frame_(std::move(frame)) {}
+
+  void SAL_CALL notify(const css::uno::Any&) override {
+    try {
+      frame_->getContainerWindow()->setVisible(true);
+      frame_->activate();
+      shown_.set_value();
+    } catch (...) {
+      shown_.set_exception(std::current_exception());
+    }
+  }
+  std::future<void> shown() { return shown_.get_future(); }
+
+ private:
+  const Reference<css::frame::XFrame> frame_;
+  std::promise<void> shown_;
+};
+
+void show(const Reference<XComponentContext>& context, const Reference<css::frame::XFrame>& frame) {
+  constexpr std::chrono::seconds patience{30};
+  const rtl::Reference<Showing> showing(new Showing(frame));
+  std::future<void> shown = showing->shown();
+  css::awt::AsyncCallback::create(context)->addCallback(showing.get(), {});
+  if (shown.wait_for(patience) != std::future_status::ready)
+    throw SpreadsheetError(-1712, "LibreOffice does not show the workbook");
+  shown.get();
+}
+
 // Calc works formulas such as INDIRECT out when a workbook gets its first window, and opens files
 // that their texts name, until it has been told to update links or not. So it calculates nothing
 // before it has been told not to.
@@ -94,8 +133,7 @@ void openWithoutLinks(const Reference<XComponentContext>& context,
       0, {});
   calculation->enableAutomaticCalculation(isAutomatic);
   Reference<css::util::XModifiable>(model, UNO_QUERY_THROW)->setModified(false);
-  frame->getContainerWindow()->setVisible(true);
-  frame->activate();
+  show(context, frame);
 }
 
 }  // namespace
