@@ -33,5 +33,5 @@ set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # GTK reads its icons, ours among them, with a loader that it only recommends.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libreoffice-calc, librsvg2-common")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS libreoffice-gtk3)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libreoffice-gtk3, libgtk-layer-shell0")
 include(CPack)

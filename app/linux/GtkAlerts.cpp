@@ -39,8 +39,8 @@ void GtkAlerts::showNext() {
 // Another application is in front, as a rule: a window that only asks to be shown stays without the
 // keyboard there.
 gboolean GtkAlerts::mapped(GtkWidget* dialog, GdkEvent*, gpointer data) {
-  static_cast<GtkAlerts*>(data)->session_.requestActivation(
-      X11Session::idOf(gtk_widget_get_window(dialog)));
+  X11Session* const session = static_cast<GtkAlerts*>(data)->session_;
+  if (session) session->requestActivation(X11Session::idOf(gtk_widget_get_window(dialog)));
   return FALSE;
 }
 

@@ -12,7 +12,8 @@ namespace quorin {
 
 class GtkAlerts : public Alerts {
  public:
-  explicit GtkAlerts(X11Session& session) : session_(session) {}
+  // Without an X11 session the compositor gives new windows the keyboard.
+  explicit GtkAlerts(X11Session* session) : session_(session) {}
   ~GtkAlerts() override;
   GtkAlerts(const GtkAlerts&) = delete;
   GtkAlerts& operator=(const GtkAlerts&) = delete;
@@ -32,7 +33,7 @@ class GtkAlerts : public Alerts {
   static gboolean mapped(GtkWidget* dialog, GdkEvent*, gpointer self);
   static void responded(GtkDialog*, int response, gpointer self);
 
-  X11Session& session_;
+  X11Session* const session_;
   std::deque<Waiting> waiting_;  // the first one is on the screen
   GtkWidget* dialog_ = nullptr;
 };

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "app/linux/GtkPanelWindow.h"
+#include "app/linux/Desktops.h"
 #include "app/linux/LinuxVersions.h"
 #include "kit/platform/XDGFolders.h"
 #ifdef QUORIN_STATUS_ITEM
@@ -31,15 +31,13 @@ std::filesystem::path ownProgram() {
 
 }  // namespace
 
-GtkPlatform::GtkPlatform()
-    : session_(gdk_display_get_default()),
-      hotKeys_(gdk_display_get_default()),
-      userInput_(gdk_display_get_default()),
+GtkPlatform::GtkPlatform(std::unique_ptr<Desktop> desktop)
+    : desktop_(std::move(desktop)),
       defaults_(XDGFolders(environment_).library() / "Quorin" / "defaults.json"),
       bundle_(ownProgram()),
       loginItem_(ownProgram(), XDGFolders(environment_).configuration()),
       updater_(
-          {updateTransport_, updateProgress_, alerts_, workspace_, loop_, updateQueue_, clock_},
+          {updateTransport_, updateProgress_, alerts_, workspace(), loop_, updateQueue_, clock_},
           {bundle_.infoString("SUFeedURL"), bundle_.infoString("SUPublicEDKey"),
            bundle_.infoString("CFBundleShortVersionString"), bundle_.infoString("QXArchitecture")},
           {XDGFolders(environment_).applicationSupport() / "Quorin" / "updates",
@@ -66,7 +64,7 @@ std::unique_ptr<StatusItem> GtkPlatform::makeStatusItem(const std::string&) {
 #endif
 
 std::unique_ptr<PanelWindow> GtkPlatform::makePanelWindow(const PanelWindowOptions& options) {
-  auto window = std::make_unique<GtkPanelWindow>(options, session_, defaults_);
+  auto window = desktop_->makePanelWindow(options, defaults_);
   panelWindow_ = window.get();
   return window;
 }
@@ -77,15 +75,11 @@ std::unique_ptr<WebView> GtkPlatform::makeWebView(const WebViewOptions& options)
   return view;
 }
 
-// On Wayland windows can neither place themselves nor see others; XWayland lets them.
 std::unique_ptr<AppPlatform> makePlatform() {
-  g_setenv("GDK_BACKEND", "x11", TRUE);  // whatever the session asks its programs to use
-  gdk_set_allowed_backends("x11");
   spareMemoryOfThePage();
-  if (!gtk_init_check(nullptr, nullptr)) {
-    throw std::runtime_error("there is no X11 display to show the panel on");
-  }
-  return std::make_unique<GtkPlatform>();
+  std::unique_ptr<Desktop> desktop = makeDesktop(processEnvironment());
+  if (!desktop) throw std::runtime_error("there is no display to show the panel on");
+  return std::make_unique<GtkPlatform>(std::move(desktop));
 }
 
 }  // namespace quorin

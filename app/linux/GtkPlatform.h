@@ -1,8 +1,9 @@
-// GtkPlatform: the shell's platform on Linux: GTK 3 and WebKitGTK on X11.
+// GtkPlatform: the shell's platform on Linux: GTK 3 and WebKitGTK, on X11 or Wayland.
 #pragma once
 
 #include <memory>
 
+#include "app/linux/Desktop.h"
 #include "app/linux/FileDefaults.h"
 #include "app/linux/GLibMainLoop.h"
 #include "app/linux/GtkAlerts.h"
@@ -10,10 +11,6 @@
 #include "app/linux/GtkUpdateProgress.h"
 #include "app/linux/InstalledBundle.h"
 #include "app/linux/WebKitView.h"
-#include "app/linux/X11HotKeys.h"
-#include "app/linux/X11Session.h"
-#include "app/linux/X11UserInput.h"
-#include "app/linux/X11Workspace.h"
 #include "app/linux/XDGLoginItem.h"
 #include "app/linux/ZipArchiver.h"
 #include "app/linux/updates/FeedUpdater.h"
@@ -26,18 +23,18 @@ namespace quorin {
 
 class GtkPlatform : public AppPlatform {
  public:
-  // After GTK has been initialised on an X11 display.
-  GtkPlatform();
+  // After GTK has been initialised.
+  explicit GtkPlatform(std::unique_ptr<Desktop> desktop);
 
   Application& application() override { return application_; }
   MainLoop& mainLoop() override { return loop_; }
-  X11Workspace& workspace() override { return workspace_; }
+  Workspace& workspace() override { return desktop_->workspace(); }
   GtkAlerts& alerts() override { return alerts_; }
   Defaults& defaults() override { return defaults_; }
   Bundle& bundle() override { return bundle_; }
   Clock& clock() override { return clock_; }
-  HotKeyService* hotKeys() override { return &hotKeys_; }
-  UserInput* userInput() override { return &userInput_; }
+  HotKeyService* hotKeys() override { return desktop_->hotKeys(); }
+  UserInput* userInput() override { return desktop_->userInput(); }
   Updater* updater() override { return &updater_; }
   LoginItem* loginItem() override { return &loginItem_; }
   Archiver* archiver() override { return &archiver_; }
@@ -46,6 +43,9 @@ class GtkPlatform : public AppPlatform {
   std::unique_ptr<PanelWindow> makePanelWindow(const PanelWindowOptions& options) override;
   std::unique_ptr<WebView> makeWebView(const WebViewOptions& options) override;
   std::string spreadsheetName() const override { return "LibreOffice Calc"; }
+
+  // What the user should know of how far the session lets the panel go; empty: nothing.
+  std::string sessionNote() const { return desktop_->note(); }
 
   // The window and the view made last, which live as long as the application; for inspection.
   PanelWindow* panelWindow() const { return panelWindow_; }
@@ -57,11 +57,8 @@ class GtkPlatform : public AppPlatform {
   SystemClock clock_;
   GLibMainLoop loop_;
   GtkApplicationPort application_;
-  X11Session session_;
-  X11Workspace workspace_{session_};
-  X11HotKeys hotKeys_;
-  X11UserInput userInput_;
-  GtkAlerts alerts_{session_};
+  const std::unique_ptr<Desktop> desktop_;
+  GtkAlerts alerts_{desktop_->x11()};
   FileDefaults defaults_;
   InstalledBundle bundle_;
   XDGLoginItem loginItem_;

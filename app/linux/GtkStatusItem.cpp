@@ -1,7 +1,11 @@
 #include "app/linux/GtkStatusItem.h"
 
 #include <algorithm>
+#include <gtk/gtk.h>
 #include <string_view>
+#ifdef GDK_WINDOWING_WAYLAND
+#include <gdk/gdkwayland.h>
+#endif
 
 namespace quorin {
 
@@ -34,6 +38,12 @@ AppIndicator* newIndicator(const std::string& iconName, const std::filesystem::p
 GtkStatusItem::GtkStatusItem(const std::string& iconName, const std::filesystem::path& iconFolder)
     : indicator_(newIndicator(iconName, iconFolder)) {
   app_indicator_set_title(indicator_.get(), "Quorin");
+#ifdef GDK_WINDOWING_WAYLAND
+  // What the library shows where there is no bar for it is an icon in X11's.
+  if (GDK_IS_WAYLAND_DISPLAY(gdk_display_get_default())) {
+    APP_INDICATOR_GET_CLASS(indicator_.get())->fallback = nullptr;
+  }
+#endif
   setMenu({});
   app_indicator_set_status(indicator_.get(), APP_INDICATOR_STATUS_ACTIVE);
 }

@@ -20,6 +20,10 @@ std::variant<Invocation, int> parseInvocation(int argc, const char* const* argv)
       ->type_name("N")
       ->check(CLI::IsMember({1, -1}))
       ->excludes(show);
+  options.footer(
+      "Where the desktop keeps the key combinations of Quorin to itself, its settings can bind "
+      "keys\n"
+      "to these commands: quorin --show tree, --show map, --show deps, --step 1, --step -1");
   options.set_version_flag("--version", QUORIN_VERSION);
   constexpr int badCall = 2;
   try {

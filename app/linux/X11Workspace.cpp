@@ -1,7 +1,6 @@
 #include "app/linux/X11Workspace.h"
 
 #include <algorithm>
-#include <gtk/gtk.h>
 #include <strings.h>
 #include <unistd.h>
 
@@ -124,18 +123,6 @@ void X11Workspace::activate(const RunningApplication& application) {
       return;
     }
   }
-}
-
-bool X11Workspace::openURL(const std::string& url) {
-  GError* error = nullptr;
-  const bool opened = gtk_show_uri_on_window(nullptr, url.c_str(), GDK_CURRENT_TIME, &error);
-  const GErrorPtr owned(error);
-  return opened;
-}
-
-bool X11Workspace::openFile(const std::filesystem::path& file) {
-  const GTextPtr uri(g_filename_to_uri(file.c_str(), nullptr, nullptr));
-  return uri && openURL(uri.get());
 }
 
 }  // namespace quorin

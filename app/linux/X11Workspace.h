@@ -6,12 +6,12 @@
 #pragma once
 
 #include "app/linux/GLibHandles.h"
+#include "app/linux/GtkWorkspace.h"
 #include "app/linux/X11Session.h"
-#include "app/shell/ports/Workspace.h"
 
 namespace quorin {
 
-class X11Workspace : public Workspace {
+class X11Workspace : public GtkWorkspace {
  public:
   explicit X11Workspace(X11Session& session);
   ~X11Workspace() override;
@@ -22,8 +22,6 @@ class X11Workspace : public Workspace {
   std::optional<RunningApplication> frontmostApplication() const override;
   void activate(const RunningApplication& application) override;
   void observeActivation(ActivationHandler handler) override { handler_ = std::move(handler); }
-  bool openURL(const std::string& url) override;
-  bool openFile(const std::filesystem::path& file) override;
 
  private:
   using WindowId = X11Session::WindowId;

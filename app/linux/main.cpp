@@ -59,13 +59,6 @@ std::optional<FolderLock> lockOrAsk(const std::filesystem::path& folder,
   }
 }
 
-void noteWayland(const Environment& environment, DiagLog& log) {
-  if (environment.count("WAYLAND_DISPLAY") == 0) return;
-  log.log("COMPANION",
-          "Wayland session: windows that do not use X11 can be neither followed nor stood beside; "
-          "start LibreOffice with GDK_BACKEND=x11");
-}
-
 void fulfil(const ControlRequest& request, AppDelegate& delegate) {
   if (request.direction) {
     delegate.step(*request.direction);
@@ -116,7 +109,8 @@ int run(const Invocation& invocation) {
   const std::unique_ptr<AppPlatform> platform = makePlatform();
   DiagLog& log = DiagLog::shared();
   closeToOthers(log.url().parent_path());
-  noteWayland(environment, log);
+  const std::string note = static_cast<GtkPlatform&>(*platform).sessionNote();
+  if (!note.empty()) log.log("COMPANION", note);
   ExcelThread thread(calc.runnerFactory(log), log);
   ExcelThread::setShared(&thread);
   HighlightStore highlights(HighlightStore::defaultURL(), FileSystem::real(), &log);

@@ -23,7 +23,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     makeMenuBar();
     restoreStrandedMarks();
     registerHotKeys(config);
-    watchActivation();
+    watchActivation(config);
     if (raiseWanted_) raisePanel();
     if (wantedView_) surface(*wantedView_);
   });
@@ -113,11 +113,15 @@ void AppDelegate::registerHotKeys(const QXConfig& config) {
   if (HotKeyService* service = parts_.platform.hotKeys()) hotKey_->registerAll(*service, config);
 }
 
-void AppDelegate::watchActivation() {
+void AppDelegate::watchActivation(const QXConfig& config) {
   parts_.platform.workspace().observeActivation(
       [this, alive = std::weak_ptr(alive_)](const RunningApplication& application) {
         if (!alive.expired()) applicationActivated(application);
       });
+  if (parts_.platform.workspace().alwaysTellsWhoIsInFront()) return;
+  sign_ = std::make_unique<SelectionSign>(parts_.platform, parts_.bridge, panel(), *poller_);
+  sign_->start(config.pollMs,
+               [this](const RunningApplication& excel) { applicationActivated(excel); });
 }
 
 void AppDelegate::applicationActivated(const RunningApplication& application) {

@@ -12,6 +12,7 @@
 #include "app/shell/Panel.h"
 #include "app/shell/PanelPlacer.h"
 #include "app/shell/Poller.h"
+#include "app/shell/SelectionSign.h"
 #include "app/shell/Support.h"
 #include "kit/support/ISO.h"
 #include "kit/support/QXConfig.h"
@@ -63,7 +64,7 @@ class AppDelegate : public ApplicationDelegate {
   void makeMenuBar();
   void restoreStrandedMarks();
   void registerHotKeys(const QXConfig& config);
-  void watchActivation();
+  void watchActivation(const QXConfig& config);
 
   void applicationActivated(const RunningApplication& application);
 
@@ -71,6 +72,7 @@ class AppDelegate : public ApplicationDelegate {
   std::optional<ISO::Date> previousLaunch_;
   std::unique_ptr<Panel> panel_;
   std::unique_ptr<Poller> poller_;
+  std::unique_ptr<SelectionSign> sign_;  // where the desktop does not always tell who is in front
   std::unique_ptr<PanelPlacer> placer_;
   std::unique_ptr<HotKey> hotKey_;
   Support support_;

@@ -46,10 +46,13 @@ class Poller {
   void setPaused(bool paused) { paused_ = paused; }
   bool inFlight() const { return inFlight_; }
 
- private:
-  // The answer of a poll; none when it failed.
+  // The answer of a poll; none when it failed. On the bridge queue.
   using Outcome = std::optional<JSONValue>;
+  static Outcome ask(PanelBridge& bridge);
+  // None when it is not that of a cell.
+  static std::optional<PolledCell> cellOf(const JSONValue& value);
 
+ private:
   bool isUseful() const;
   void tick();
   void nudge();
@@ -58,8 +61,6 @@ class Poller {
   void finish(const Outcome& outcome);
   bool adoptBaseline();
   void poll(std::function<void(const Outcome&)> then);
-  static Outcome ask(PanelBridge& bridge);
-  static std::optional<PolledCell> cellOf(const JSONValue& value);
 
   AppPlatform& platform_;
   PanelBridge& bridge_;

@@ -23,14 +23,18 @@ std::string withoutScreen(const std::string& display) {
   return colon == std::string::npos ? display : display.substr(0, display.find('.', colon));
 }
 
+std::string variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value ? value : "";
+}
+
 }  // namespace
 
-OfficeDiscovery::OfficeDiscovery(std::filesystem::path proc, const std::string& display)
-    : proc_(std::move(proc)), display_(withoutScreen(display)) {}
+OfficeDiscovery::OfficeDiscovery(std::filesystem::path proc, Session session)
+    : proc_(std::move(proc)), session_{withoutScreen(session.x11), std::move(session.wayland)} {}
 
-std::string OfficeDiscovery::ownDisplay() {
-  const char* const display = std::getenv("DISPLAY");
-  return display ? display : "";
+OfficeDiscovery::Session OfficeDiscovery::ownSession() {
+  return {variable("DISPLAY"), variable("WAYLAND_DISPLAY")};
 }
 
 void OfficeDiscovery::restrictTo(std::string userInstallation) {
@@ -59,16 +63,22 @@ bool OfficeDiscovery::stillRuns(const OfficeProcess& process) const {
   return std::getline(name, text) && text == "soffice.bin" && isCalc(process);
 }
 
-// An office that names no display may be on this one, by way of Wayland.
+// An office that names no display may be anywhere. One of a Wayland session names X11's as well,
+// where there is one.
 bool OfficeDiscovery::isElsewhere(const OfficeProcess& process) const {
-  constexpr std::string_view variable = "DISPLAY=";
+  constexpr std::string_view x11 = "DISPLAY=", wayland = "WAYLAND_DISPLAY=";
+  bool names = false, here = false;
   std::ifstream environment(proc_ / std::to_string(process.id) / "environ");
   for (std::string entry; std::getline(environment, entry, '\0');) {
-    if (!entry.starts_with(variable)) continue;
-    const std::string display = withoutScreen(entry.substr(variable.size()));
-    return !display.empty() && display != display_;
+    if (entry.starts_with(x11) && entry.size() > x11.size()) {
+      names = true;
+      here = here || withoutScreen(entry.substr(x11.size())) == session_.x11;
+    } else if (entry.starts_with(wayland) && entry.size() > wayland.size()) {
+      names = true;
+      here = here || entry.substr(wayland.size()) == session_.wayland;
+    }
   }
-  return false;
+  return names && !here;
 }
 
 bool OfficeDiscovery::isCalc(const OfficeProcess& process) const {
@@ -77,7 +87,8 @@ bool OfficeDiscovery::isCalc(const OfficeProcess& process) const {
     return false;
   }
   if (only_ && installation != *only_) return false;
-  if (!display_.empty() && isElsewhere(process)) return false;
+  const bool anywhere = session_.x11.empty() && session_.wayland.empty();
+  if (!anywhere && isElsewhere(process)) return false;
   for (const char* windowless : {"headless", "invisible", "convert-to", "cat"}) {
     if (process.hasArgument(windowless)) return false;
   }

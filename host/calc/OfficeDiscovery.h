@@ -4,7 +4,7 @@
 // Private offices of our own and offices without windows are never the user's. An office that shows
 // only text documents, drawings or the like is not a spreadsheet program: it has loaded the library
 // of another module and not Calc's. The start centre alone has loaded neither, and counts. An
-// office on another X display belongs to another session of this user, which has its own Quorin.
+// office on other displays belongs to another session of this user, which has its own Quorin.
 #pragma once
 
 #include <chrono>
@@ -18,9 +18,13 @@ namespace quorin::host::calc {
 
 class OfficeDiscovery {
  public:
-  // `display` as in DISPLAY; empty: offices on any display.
-  explicit OfficeDiscovery(std::filesystem::path proc = "/proc",
-                           const std::string& display = ownDisplay());
+  // Where a session shows its windows: as in DISPLAY and WAYLAND_DISPLAY, empty for none.
+  struct Session {
+    std::string x11, wayland;
+  };
+
+  // Without any display: offices of all sessions.
+  explicit OfficeDiscovery(std::filesystem::path proc = "/proc", Session session = ownSession());
 
   // The first by process id. What was found stays the answer while that process runs; that there
   // is none is looked up again after a moment.
@@ -31,13 +35,13 @@ class OfficeDiscovery {
 
  private:
   using Clock = std::chrono::steady_clock;
-  static std::string ownDisplay();
+  static Session ownSession();
   bool isElsewhere(const OfficeProcess& process) const;
   bool isCalc(const OfficeProcess& process) const;
   bool stillRuns(const OfficeProcess& process) const;
 
   const std::filesystem::path proc_;
-  const std::string display_;
+  const Session session_;
   std::mutex mutex_;
   std::optional<std::string> only_;
   std::optional<OfficeProcess> found_;

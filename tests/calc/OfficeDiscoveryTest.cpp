@@ -17,8 +17,8 @@ class Discovery : public testing::Test {
     std::ofstream(process / "maps") << libraries;
     std::filesystem::create_symlink("/opt/office/program/soffice.bin", process / "exe");
   }
-  std::optional<pid_t> found(const std::string& display = "") {
-    const auto office = OfficeDiscovery(proc.path(), display).runningCalc();
+  std::optional<pid_t> found(const std::string& x11 = "", const std::string& wayland = "") {
+    const auto office = OfficeDiscovery(proc.path(), {x11, wayland}).runningCalc();
     return office ? std::optional(office->id) : std::nullopt;
   }
   static constexpr const char* writer = "7f00 r-xp /opt/office/program/libswlo.so\n";
@@ -61,6 +61,23 @@ TEST_F(Discovery, LeavesOutOfficesOnOtherDisplays) {
   EXPECT_EQ(found(":1"), 7);
   EXPECT_EQ(found("far.org:17.1"), 7);
   EXPECT_EQ(found(""), 5);
+}
+
+TEST_F(Discovery, LeavesOutOfficesOfOtherSessionsAlsoOnWayland) {
+  const auto show = [&](const std::string& id, const char* x11, const char* wayland) {
+    add(id, "--calc", calc);
+    std::ofstream(proc / id / "environ") << x11 << '\0' << wayland << '\0';
+  };
+  show("5", "DISPLAY=:0", "WAYLAND_DISPLAY=wayland-0");
+  show("6", "DISPLAY=", "WAYLAND_DISPLAY=wayland-1");
+  show("7", "DISPLAY=:2", "WAYLAND_DISPLAY=");
+  EXPECT_EQ(found(":0", "wayland-0"), 5);
+  EXPECT_EQ(found(":9", "wayland-0"), 5) << "one of the two is enough";
+  EXPECT_EQ(found("", "wayland-1"), 6);
+  EXPECT_EQ(found(":3", "wayland-1"), 6);
+  EXPECT_EQ(found(":2", ""), 7);
+  EXPECT_EQ(found(":2", "wayland-7"), 7);
+  EXPECT_EQ(found(":3", ""), std::nullopt);
 }
 
 TEST_F(Discovery, StaysWithTheOfficeItFoundWhileThatRuns) {

@@ -2,20 +2,23 @@
 # Sourced by ./test and ./run.
 
 packages_build=(g++ cmake ninja-build ccache python3 dpkg-dev file
-                rapidjson-dev libutf8proc-dev libcli11-dev libgtk-3-dev libwebkit2gtk-4.1-dev
-                libpugixml-dev libsodium-dev libzip-dev
+                rapidjson-dev libutf8proc-dev libcli11-dev libgtk-3-dev libwayland-dev
+                libwebkit2gtk-4.1-dev libpugixml-dev libsodium-dev libzip-dev
                 libreoffice-dev libreoffice-calc libreoffice-gtk3 librsvg2-common)
 # Its makers name a successor, whose menus are of another kind: newer systems may lack it.
 packages_indicator=(libayatana-appindicator3-dev)
 # A display of our own, and what looks at it.
 packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fonts-dejavu-core
                   fonts-liberation)
+# A Wayland session of our own, its keys and pictures, another program in it, and what lets a window
+# stand at the side of its screen.
+packages_wayland=(sway wtype grim foot libgtk-layer-shell0)
 # The compiler, linker and headers with which the macOS half is checked on another system.
 packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
 # No package of Ubuntu's, which has it as a snap only.
 packages_browser=(chromium)
 packages_test=(libgtest-dev libgmock-dev openssl clang-format clang-tidy procps
-               "${packages_display[@]}")
+               "${packages_display[@]}" "${packages_wayland[@]}")
 packages_bench=(libbenchmark-dev python3-uno)
 
 # Installs those of the named packages that are missing; says what it does and asks nothing.

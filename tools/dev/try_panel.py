@@ -142,6 +142,7 @@ class Trial:
         self.workbook = self.folder / pathlib.Path(workbook).name
         shutil.copy(workbook, self.workbook)
         self.started = []
+        self.account = {}  # as whom all is started, in subprocess's words; ourselves
         self.office, self.pipe, self.office_pipes = None, self.folder.name, []
         self.environment = dict(os.environ)
         for name in ("DATA", "STATE", "CONFIG", "CACHE", "RUNTIME"):
@@ -162,13 +163,13 @@ class Trial:
         with open(self.folder / f"{pathlib.Path(command[0]).name}.log", "ab") as log:
             process = subprocess.Popen([str(word) for word in command], env=self.environment,
                                        stdin=subprocess.DEVNULL, stdout=log, stderr=log,
-                                       start_new_session=True, **options)
+                                       start_new_session=True, **self.account, **options)
         self.started.append(process)
         return process
 
     def tool(self, *command, text=True):
         run = subprocess.run([str(word) for word in command], env=self.environment,
-                             capture_output=True, text=text, check=False)
+                             capture_output=True, text=text, check=False, **self.account)
         if run.returncode:
             raise Trouble(f"{' '.join(map(str, command))}: {run.stderr}")
         return run.stdout
@@ -243,7 +244,7 @@ class Trial:
         script.write_text(WITNESS % self.pipe)
         self.witness = subprocess.Popen(["/usr/bin/python3", str(script)], env=self.environment,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
-                                        start_new_session=True)
+                                        start_new_session=True, **self.account)
         self.started.append(self.witness)
 
     def cell(self):
@@ -434,13 +435,15 @@ class Trial:
                     names += self.quorins_pipes(entry)
             except (OSError, ProcessLookupError):
                 pass  # it has just ended
-        return [pathlib.Path(f"/tmp/OSL_PIPE_{os.getuid()}_{name}") for name in names]
+        return [pathlib.Path(f"{self.start_of_pipes()}{name}") for name in names]
 
-    @staticmethod
-    def quorins_pipes(process):
+    def start_of_pipes(self):
+        return f"/tmp/OSL_PIPE_{self.account.get('user', os.getuid())}_"
+
+    def quorins_pipes(self, process):
         """The names of those that the process has opened for Quorin."""
         held = {os.readlink(one) for one in (process / "fd").iterdir()}
-        start = f"/tmp/OSL_PIPE_{os.getuid()}_"
+        start = self.start_of_pipes()
         lines = [line.split() for line in (process / "net" / "unix").read_text().splitlines()]
         return [words[7].removeprefix(start) for words in lines if len(words) > 7 and
                 words[7].startswith(f"{start}quorin-") and f"socket:[{words[6]}]" in held]

@@ -48,7 +48,7 @@ class GtkAlertsTest : public GtkFixture {
 
   const WithoutWindowManager nobody;
   X11Session session{gdk_display_get_default()};
-  GtkAlerts alerts{session};
+  GtkAlerts alerts{&session};
   const WindowInUse other;
 };
 

@@ -133,6 +133,8 @@ class FakeWorkspace : public Workspace {
   explicit FakeWorkspace(Journal& journal) : journal_(journal) {}
 
   std::vector<RunningApplication> runningApplications(const std::string& identifier) const override;
+  bool alwaysTellsWhoIsInFront() const override { return tells; }
+  bool tellsWhoIsInFront() const override { return tells; }
   std::optional<RunningApplication> frontmostApplication() const override { return frontmost; }
   void activate(const RunningApplication& application) override;
   void observeActivation(ActivationHandler handler) override { handler_ = std::move(handler); }
@@ -144,6 +146,7 @@ class FakeWorkspace : public Workspace {
 
   bool opens = true;  // whether there is a program for files and URLs
   std::vector<RunningApplication> running;
+  bool tells = true;
   std::optional<RunningApplication> frontmost;
 
  private:
