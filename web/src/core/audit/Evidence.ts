@@ -14,6 +14,10 @@ export class Evidence {
   readonly shapes: Shapes;
   /** How many cells have each formula. */
   private readonly counts: Int32Array;
+  /** Of each sheet its regions, and cells with a formula. */
+  private readonly sizes: { regions: number; cells: number }[];
+  private readonly forms: (number | undefined)[] = [];
+  private readonly bySkeleton = new Map<string, number>();
 
   constructor(
     readonly model: WorkbookModel,
@@ -21,11 +25,38 @@ export class Evidence {
   ) {
     this.grids = index.sheets.map((cells, sheet) => new SheetGrid(sheet, cells));
     this.shapes = new Shapes(model.formulas);
+    this.sizes = this.grids.map(() => ({ regions: 0, cells: 0 }));
     this.counts = new Int32Array(model.formulas.count);
     for (let region = 0; region < index.regionCount; region++) {
       const formula = index.formulaOf(region);
-      this.counts[formula] = this.count(formula) + cellCount(index.areaOf(region));
+      const cells = cellCount(index.areaOf(region));
+      this.counts[formula] = this.count(formula) + cells;
+      const size = this.sizes[index.sheetOf(region)];
+      if (!size) continue;
+      size.regions += 1;
+      size.cells += cells;
     }
+  }
+
+  /**
+   * Whether hardly two formulas of a large sheet are alike. There is no pattern there that one could
+   * break, and to look for one would take most of the time.
+   */
+  isIrregular(sheet: number): boolean {
+    const { regions, cells } = this.sizes[sheet] ?? { regions: 0, cells: 0 };
+    return regions > 20_000 && regions > cells / 2;
+  }
+
+  /** The number of a formula's form: the same for formulas with one skeleton, that of one of them. */
+  form(formula: number): number {
+    let form = this.forms[formula];
+    if (form === undefined) {
+      const { skeleton } = this.shapes.of(formula);
+      form = this.bySkeleton.get(skeleton) ?? formula;
+      this.bySkeleton.set(skeleton, form);
+      this.forms[formula] = form;
+    }
+    return form;
   }
 
   /** How many cells of the workbook have this relative formula. */

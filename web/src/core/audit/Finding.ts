@@ -11,6 +11,9 @@ export type Kind =
   | 'blank'
   | 'step'
   | 'elsewhere'
+  | 'kin'
+  | 'mixed'
+  | 'short-table'
   | 'left-out'
   | 'own-total'
   | 'unequal'
@@ -37,7 +40,7 @@ export type Clue = {
   sentence: string;
   /** The relative formula that is expected in the first cell; empty where none is. */
   expected: string;
-  /** How surprising it is in this workbook: some 3 is worth a look, some 9 beyond doubt. */
+  /** How surprising it is in this workbook: some 5 is worth a look, 9 and more beyond doubt. */
   weight: number;
   level: Level;
 };
@@ -55,11 +58,11 @@ export type Finding = {
   reach: number;
 };
 
-/** From so much on a clue is sure, and worth a look. */
-const sure = 8;
+/** From so much on a clue is sure, and worth a look. A doubt is never sure. */
+const sure = 9;
 const worth = 5;
 
 export function confidenceOf({ weight, level }: Pick<Clue, 'weight' | 'level'>): Confidence {
   if (level === 'style') return 'low';
-  return weight >= sure ? 'high' : weight >= worth ? 'medium' : 'low';
+  return weight >= sure && level === 'fact' ? 'high' : weight >= worth ? 'medium' : 'low';
 }

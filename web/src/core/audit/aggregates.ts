@@ -112,7 +112,9 @@ function leftOut(
     isColumn
       ? { top: from, bottom: to, left: line, right: line }
       : { left: from, right: to, top: line, bottom: line };
-  const isNumber = (n: number) => kindAt(n) === CellKind.Number;
+  // A formula that shows nothing yet may show a number once there is data.
+  const isNumber = (n: number) =>
+    kindAt(n) === CellKind.Number || (kindAt(n) !== CellKind.Text && grid.formula(...place(n)) > 0);
   if (!isNumber(first) || !isNumber(last)) return undefined;
   // Between the range and its sum: nothing but numbers.
   if (isInLine && (own > last + 1 || own < first - 1)) {

@@ -6,16 +6,23 @@ import { aggregateClues } from './aggregates';
 import { brokenClues } from './broken';
 import { Evidence } from './Evidence';
 import type { Clue, Finding } from './Finding';
+import { kinClues } from './kin';
+import { labelClues } from './labels';
+import { mixedClues } from './mixed';
 import { neighbourClues } from './neighbours';
 import { rangeClues } from './ranges';
 import { ranked } from './rank';
 import { sequenceClues } from './sequences';
-import { surroundingClues } from './surroundings';
+import { formSurroundingClues, surroundingClues } from './surroundings';
 
 const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)[] = [
   neighbourClues,
   surroundingClues,
+  formSurroundingClues,
   sequenceClues,
+  kinClues,
+  labelClues,
+  mixedClues,
   aggregateClues,
   rangeClues,
   brokenClues,

@@ -28,6 +28,8 @@ class Line {
     readonly grid: SheetGrid,
     readonly number: number,
     readonly isRow: boolean,
+    /** The number by which a formula is known: its own, or that of its form. */
+    private readonly known: (formula: number) => number,
   ) {
     const { area } = grid;
     const end = isRow ? area.right : area.bottom;
@@ -48,7 +50,7 @@ class Line {
   content(at: number, across = 0): number {
     const { row, col } = this.place(at, across);
     const formula = this.grid.formula(row, col);
-    if (formula > 0) return formula;
+    if (formula > 0) return this.known(formula);
     const kind = this.grid.kind(row, col);
     if (kind === CellKind.Blank) return Content.Blank;
     return kind === CellKind.Number ? Content.Constant : Content.Other;
@@ -74,16 +76,23 @@ const length = ({ first, last }: Run): number => last - first + 1;
 
 export function* neighbourClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const clues: Clue[] = [];
+  const byForm: Clue[] = [];
   for (const grid of evidence.grids) {
-    const { area } = grid;
-    for (let row = area.top; row <= area.bottom; row++) {
-      inLine(evidence, new Line(grid, row, true), clues);
+    for (const isRow of [true, false]) {
+      const { area } = grid;
+      const [from, to] = isRow ? [area.top, area.bottom] : [area.left, area.right];
+      for (let line = from; line <= to; line++) {
+        inLine(evidence, new Line(grid, line, isRow, (formula) => formula), clues);
+        if (evidence.isIrregular(grid.sheet)) continue;
+        const forms = new Line(grid, line, isRow, (formula) => evidence.form(formula));
+        inLine(evidence, forms, byForm);
+      }
+      yield undefined;
     }
-    yield undefined;
-    for (let col = area.left; col <= area.right; col++) {
-      inLine(evidence, new Line(grid, col, false), clues);
-    }
-    yield undefined;
+  }
+  // By their forms lines are less alike: what is expected is told as an example.
+  for (const clue of byForm) {
+    clues.push({ ...clue, expected: '', weight: clue.weight - 1.5, level: 'doubt' });
   }
   return clues;
 }
@@ -134,7 +143,12 @@ function addBetween(
   if (line.isRow) area.right = own.last;
   else area.bottom = own.last;
   const expected = before.content;
-  const close = closeness(evidence, own.content, expected, { row, col });
+  const close = closeness(
+    evidence,
+    own.content > 0 ? line.grid.formula(row, col) : own.content,
+    expected,
+    { row, col },
+  );
   // What goes on across the line is a row or column of its own.
   const design = own.content > 0 ? (breadth - 1) * 2.5 : (breadth - 1) * 1.5;
   const weight = support + close.bonus - design;
@@ -144,16 +158,16 @@ function addBetween(
     ...close,
     sheet: line.grid.sheet,
     areas: [area],
-    sentence: `${areaAddress(area)} ${close.words}; ${beside} are filled alike with ${evidence.shown(expected, ...first(line, before))}.`,
+    sentence: `${areaAddress(area)} ${close.words}; ${beside} are filled alike with ${shownIn(evidence, line, before)}.`,
     expected: evidence.text(expected),
     weight,
     level: own.content === Content.Blank ? 'doubt' : 'fact',
   });
 }
 
-function first(line: Line, run: Run): [number, number] {
+function shownIn(evidence: Evidence, line: Line, run: Run): string {
   const { row, col } = line.place(run.first);
-  return [row, col];
+  return evidence.shown(line.grid.formula(row, col), row, col);
 }
 
 /** "C3:C9 and C11:C14 on both sides" */
@@ -209,7 +223,10 @@ function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clu
     else against++;
   }
   if (own > 0 && line.breadth(at) > 1) return;
-  const close = closeness(evidence, own, run.content, { row, col });
+  const close = closeness(evidence, own > 0 ? line.grid.formula(row, col) : own, run.content, {
+    row,
+    col,
+  });
   if (own === Content.Constant && going === 0) return;
   if (own > 0 && close.bonus < 1.5 && going === 0) return;
   const support = Math.log2(1 + Math.min(16, length(run)));
@@ -220,7 +237,7 @@ function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clu
     kind: close.kind,
     sheet: line.grid.sheet,
     areas: [cell(row, col)],
-    sentence: `${areaAddress(cell(row, col))} ${close.words}; ${besides(line, run)} before it are filled alike with ${evidence.shown(run.content, ...first(line, run))}${beyond}.`,
+    sentence: `${areaAddress(cell(row, col))} ${close.words}; ${besides(line, run)} before it are filled alike with ${shownIn(evidence, line, run)}${beyond}.`,
     expected: evidence.text(run.content),
     weight,
     level: 'fact',

@@ -68,9 +68,10 @@ function onePerCell(clues: readonly Clue[]): Ranked[] {
       byCell.set(key, { ...clue, kinds: 1 });
       continue;
     }
-    const agrees = clue.expected === '' || clue.expected === known.expected;
-    if (agrees) known.weight += clue.weight * agreement;
-    if (known.expected === '' && known.kind !== 'broken') known.expected = clue.expected;
+    // What another detector expects as well is the surer for it; what fits, a little.
+    const part =
+      clue.expected === '' ? agreement / 3 : clue.expected === known.expected ? agreement : 0;
+    known.weight += Math.min(2, clue.weight * part);
     known.kinds += 1;
     // One that says more cells takes them in.
     const [own] = known.areas as [Area];

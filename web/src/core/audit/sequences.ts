@@ -23,6 +23,7 @@ type Member = { at: CellPosition; formula: number; shape: Shape };
 export function* sequenceClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const clues: Clue[] = [];
   for (const grid of evidence.grids) {
+    if (evidence.isIrregular(grid.sheet)) continue;
     const { area } = grid;
     for (let row = area.top; row <= area.bottom; row++) {
       alongLine(evidence, grid, row, true, clues);

@@ -1,7 +1,8 @@
 // Cells whose surroundings are found elsewhere in the workbook, with another formula in the middle:
 // a block repeated along a sheet, a sheet that is a copy of another, columns computed like each
 // other. Surroundings are what stands above, below, before and behind: the relative formulas and the
-// texts. Counted in hash tables, a few places for every cell.
+// texts. Looked at twice: by relative formulas as they are, and by their forms, where the numbers and
+// distances of repeated blocks differ. Counted in hash tables, a few places for every cell.
 
 import type { CellPosition } from '../formula/reference';
 import { Kind } from '../model/SheetCells';
@@ -11,17 +12,59 @@ import type { Clue } from './Finding';
 import { isData } from './shape';
 import type { SheetGrid } from './SheetGrid';
 
-/** What stands in a cell, as a number: 0 blank, 1 a number, even a formula, odd a text. */
-function contentAt(grid: SheetGrid, row: number, col: number): number {
-  const formula = grid.formula(row, col);
-  if (formula > 0) return formula * 2;
-  switch (grid.kind(row, col)) {
-    case Kind.Blank:
-      return 0;
-    case Kind.Text:
-      return grid.textNumber(row, col) * 2 + 1;
-    default:
-      return 1;
+/** The number by which a formula is known: its own, or that of its form. */
+type Known = (formula: number) => number;
+
+/**
+ * What stands in each cell of a sheet, as a number: 0 blank, 1 a number, even a formula, odd a text.
+ * With a margin of two blank cells, so that what stands around is found without asking where it ends.
+ */
+class Contents {
+  readonly width: number;
+  readonly all: Int32Array;
+
+  constructor(
+    readonly grid: SheetGrid,
+    known: Known,
+  ) {
+    const { top, left, bottom, right } = grid.area;
+    this.width = right - left + 5;
+    this.all = new Int32Array(Math.max(0, this.width * (bottom - top + 5)));
+    grid.cells.eachFilled(grid.area, (row, col, kind, formula) => {
+      let content = 1;
+      if (formula > 0) content = known(formula) * 2;
+      else if (kind === Kind.Text) content = grid.textNumber(row, col) * 2 + 1;
+      this.all[this.place(row, col)] = content;
+    });
+  }
+
+  place(row: number, col: number): number {
+    const { top, left } = this.grid.area;
+    return (row - top + 2) * this.width + col - left + 2;
+  }
+
+  /** Whether two on either side in its row or column are alike: what breaks such is seen there. */
+  isAmong(at: number): boolean {
+    const { all, width } = this;
+    const own = all[at];
+    const alike = (step: number) =>
+      all[at - step] === own &&
+      all[at + step] === own &&
+      all[at - 2 * step] === own &&
+      all[at + 2 * step] === own;
+    return alike(1) || alike(width);
+  }
+
+  /** Tells each cell with a formula or a number, but for those among their like. */
+  eachCentre(tell: (row: number, col: number, at: number, content: number) => void): void {
+    const { top, left, bottom, right } = this.grid.area;
+    for (let row = top; row <= bottom; row++) {
+      for (let col = left, at = this.place(row, left); col <= right; col++, at++) {
+        const content = this.all[at] as number;
+        if (content === 0 || (content > 1 && content % 2 === 1) || this.isAmong(at)) continue;
+        tell(row, col, at, content);
+      }
+    }
   }
 }
 
@@ -51,19 +94,24 @@ const surroundings: readonly (readonly (readonly [number, number])[])[] = [
     [1, -1],
     [-1, 0],
   ],
+  [
+    [-1, -1],
+    [0, -1],
+    [1, -1],
+  ],
 ];
 
 /** Nothing where too little stands around to tell one place from another. */
-function keyOf(grid: SheetGrid, row: number, col: number, which: number): number {
+function keyOf({ all, width }: Contents, at: number, which: number): number {
   let hash = Math.imul(which + 1, 0x9e3779b1);
   let told = 0;
   for (const [down, right] of surroundings[which] ?? []) {
-    const content = contentAt(grid, row + down, col + right);
+    const content = all[at + down * width + right] as number;
     if (content > 1) told += content % 2 === 0 ? 2 : 1;
     hash = Math.imul(hash ^ content, 0x85ebca6b);
     hash ^= hash >>> 13;
   }
-  return told >= 4 ? (hash === 0 ? 1 : hash) : 0;
+  return told >= 3 ? (hash === 0 ? 1 : hash) : 0;
 }
 
 /** How often each key was met; numbers only. */
@@ -115,13 +163,33 @@ class Tally {
 const total = -1;
 const bestContent = -2;
 const bestCount = -3;
+/** Weaker clues are none. */
+const least = 2.5;
 
-export function* surroundingClues(evidence: Evidence): Generator<undefined, Clue[]> {
-  const tally = new Tally(4 * surroundings.length * cellsOf(evidence));
+export function surroundingClues(evidence: Evidence): Generator<undefined, Clue[]> {
+  return cluesBy(evidence, (formula) => formula, false);
+}
+
+/** By the forms of formulas alone: the same sum over other cells is the same. */
+export function formSurroundingClues(evidence: Evidence): Generator<undefined, Clue[]> {
+  return cluesBy(evidence, (formula) => evidence.form(formula), true);
+}
+
+function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<undefined, Clue[]> {
+  const sheets: Contents[] = [];
+  let cells = 0;
   for (const grid of evidence.grids) {
-    eachCentre(grid, (row, col, content) => {
+    if (byForm && evidence.isIrregular(grid.sheet)) continue;
+    const contents = new Contents(grid, known);
+    sheets.push(contents);
+    contents.eachCentre(() => cells++);
+    yield undefined;
+  }
+  const tally = new Tally(4 * surroundings.length * cells);
+  for (const contents of sheets) {
+    contents.eachCentre((_row, _col, at, content) => {
       for (let which = 0; which < surroundings.length; which++) {
-        const key = keyOf(grid, row, col, which);
+        const key = keyOf(contents, at, which);
         if (key === 0) continue;
         tally.add(key, total);
         const count = tally.add(key, content);
@@ -134,9 +202,9 @@ export function* surroundingClues(evidence: Evidence): Generator<undefined, Clue
     yield undefined;
   }
   const clues: Clue[] = [];
-  for (const grid of evidence.grids) {
-    eachCentre(grid, (row, col, content) => {
-      const clue = judge(evidence, tally, grid, row, col, content);
+  for (const contents of sheets) {
+    contents.eachCentre((row, col, at, content) => {
+      const clue = judge(evidence, tally, contents, { row, col }, at, content, byForm);
       if (clue) clues.push(clue);
     });
     yield undefined;
@@ -144,41 +212,23 @@ export function* surroundingClues(evidence: Evidence): Generator<undefined, Clue
   return clues;
 }
 
-function cellsOf(evidence: Evidence): number {
-  let cells = 0;
-  for (const grid of evidence.grids) eachCentre(grid, () => cells++);
-  return cells;
-}
-
-function eachCentre(
-  grid: SheetGrid,
-  tell: (row: number, col: number, content: number) => void,
-): void {
-  const { top, left, bottom, right } = grid.area;
-  for (let row = top; row <= bottom; row++) {
-    for (let col = left; col <= right; col++) {
-      const formula = grid.formula(row, col);
-      if (formula > 0) tell(row, col, formula * 2);
-      else if (grid.kind(row, col) === Kind.Number) tell(row, col, 1);
-    }
-  }
-}
-
 function judge(
   evidence: Evidence,
   tally: Tally,
-  grid: SheetGrid,
-  row: number,
-  col: number,
+  contents: Contents,
+  place: CellPosition,
+  at: number,
   content: number,
+  byForm: boolean,
 ): Clue | undefined {
   let expected = 0;
   let support = 0;
   let most = 0;
   for (let which = 0; which < surroundings.length; which++) {
-    const key = keyOf(grid, row, col, which);
+    const key = keyOf(contents, at, which);
     if (key === 0) continue;
     const others = tally.count(key, total) - 1;
+    if (others === 0) continue;
     const own = tally.count(key, content) - 1;
     const best = tally.count(key, bestContent);
     if (best === content || best === 1 || others < 2) {
@@ -195,36 +245,41 @@ function judge(
   }
   if (expected === 0) return undefined;
   if (isData(evidence.shapes.of(expected / 2))) return undefined;
-  const formula = expected / 2;
-  const at: CellPosition = { row, col };
-  const place = address(row, col);
-  const elsewhere = `${String(most)} cells with the same surroundings`;
-  if (content === 1) {
-    const weight = support;
-    if (weight < 3) return undefined;
-    return {
-      kind: 'constant',
-      sheet: grid.sheet,
-      areas: [cell(row, col)],
-      sentence: `${place} is a typed-in number; ${elsewhere} have a formula, here it would be ${evidence.shown(formula, row, col)}.`,
-      expected: evidence.text(formula),
-      weight,
-      level: 'fact',
-    };
-  }
-  const own = content / 2;
-  const found = differenceOf(evidence.shapes.of(own), evidence.shapes.of(formula), at);
-  const near = found.places <= 1 ? 2 : found.places <= 3 ? 1 : -1;
-  const rare = evidence.count(own) <= 2 ? 0.5 : -Math.min(3, Math.log2(evidence.count(own)) / 2);
-  const weight = support + near + rare;
-  if (weight < 3) return undefined;
-  return {
-    kind: 'elsewhere',
+  return clueOf(evidence, contents.grid, place, expected / 2, { agree: most, support }, byForm);
+}
+
+/** What to say of a cell where `expected` stands in the middle of the same surroundings. */
+function clueOf(
+  evidence: Evidence,
+  grid: SheetGrid,
+  at: CellPosition,
+  expected: number,
+  { agree, support }: { agree: number; support: number },
+  byForm: boolean,
+): Clue | undefined {
+  const { row, col } = at;
+  const own = grid.formula(row, col);
+  const elsewhere = `${String(agree)} cells with the same surroundings`;
+  const shown = evidence.shown(expected, row, col);
+  const here = byForm ? `like ${shown}` : `here it would be ${shown}`;
+  const clue = {
     sheet: grid.sheet,
     areas: [cell(row, col)],
-    sentence: `${place} ${found.words}; ${elsewhere} agree, here it would be ${evidence.shown(formula, row, col)}.`,
-    expected: evidence.text(formula),
-    weight,
-    level: 'fact',
+    expected: byForm ? '' : evidence.text(expected),
+    level: byForm ? ('doubt' as const) : ('fact' as const),
   };
+  const place = address(row, col);
+  if (own === 0) {
+    const sentence = `${place} is a typed-in number; ${elsewhere} have a formula, ${here}.`;
+    const weight = support - (byForm ? 0.5 : 0);
+    return weight < least ? undefined : { ...clue, kind: 'constant', sentence, weight };
+  }
+  const found = differenceOf(evidence.shapes.of(own), evidence.shapes.of(expected), at);
+  const near = found.places <= 1 ? 2 : found.places <= 3 ? 1 : byForm ? -2.5 : -1;
+  const times = evidence.count(own);
+  const rare = times <= 2 ? 0.5 : -Math.min(3, Math.log2(times) / 2);
+  const weight = support + near + rare - (byForm ? 1 : 0);
+  if (weight < least) return undefined;
+  const sentence = `${place} ${found.words}; ${elsewhere} agree, ${here}.`;
+  return { ...clue, kind: 'elsewhere', sentence, weight };
 }
