@@ -18,6 +18,7 @@ export const mistakes = [
   'constant over a formula',
   'dollar sign lost',
   'dollar sign added',
+  'dollar sign lost and filled on',
   'operator changed',
   'function changed',
   'lookup table slid',
@@ -248,8 +249,9 @@ function wrong(mistake: Mistake, formula: string, at: Place, draw: Draw): string
       });
     }
     case 'dollar sign lost':
+    case 'dollar sign lost and filled on':
     case 'dollar sign added': {
-      const isLost = mistake === 'dollar sign lost';
+      const isLost = mistake !== 'dollar sign added';
       const axis = draw(['row', 'col'] as const) ?? 'row';
       return one((node) => {
         const shape = shapeOf(node);
@@ -349,8 +351,12 @@ export function plant(
   }
   const after = wrong(mistake, formula, at, draw);
   if (after === undefined || after === formula) return undefined;
-  // A row that was inserted is outside of all sums of its line; a lost sign is filled to the end now and then.
-  const places = mistake === 'row outside the range' ? book.like(at) : [at];
+  // A row that was inserted is outside of all sums of its line.
+  let places = mistake === 'row outside the range' ? book.like(at) : [at];
+  if (mistake === 'dollar sign lost and filled on') {
+    places = book.like(at).filter(({ row, col }) => row >= at.row && col === at.col);
+    if (places.length < 2) return undefined;
+  }
   return put(book, places, () => after);
 }
 

@@ -13,7 +13,8 @@ export type Kind =
   | 'elsewhere'
   | 'kin'
   | 'mixed'
-  | 'short-table'
+  | 'signs'
+  | 'lookup'
   | 'left-out'
   | 'own-total'
   | 'unequal'
@@ -22,10 +23,7 @@ export type Kind =
   | 'broken'
   | 'link'
   | 'error'
-  | 'circle'
-  | 'name'
-  | 'text-number'
-  | 'number-inside';
+  | 'circle';
 
 export type Confidence = 'high' | 'medium' | 'low';
 

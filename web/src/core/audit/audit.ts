@@ -4,15 +4,18 @@
 import type { WorkbookModel } from '../model/WorkbookModel';
 import { aggregateClues } from './aggregates';
 import { brokenClues } from './broken';
+import { circleClues, errorClues } from './causes';
 import { Evidence } from './Evidence';
 import type { Clue, Finding } from './Finding';
 import { kinClues } from './kin';
 import { labelClues } from './labels';
+import { lookupClues } from './lookups';
 import { mixedClues } from './mixed';
 import { neighbourClues } from './neighbours';
 import { rangeClues } from './ranges';
 import { ranked } from './rank';
 import { sequenceClues } from './sequences';
+import { signClues } from './signs';
 import { formSurroundingClues, surroundingClues } from './surroundings';
 
 const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)[] = [
@@ -26,6 +29,10 @@ const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)
   aggregateClues,
   rangeClues,
   brokenClues,
+  signClues,
+  lookupClues,
+  errorClues,
+  circleClues,
 ];
 
 export function* audit(model: WorkbookModel): Generator<undefined, Finding[]> {

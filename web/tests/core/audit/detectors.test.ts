@@ -39,6 +39,38 @@ describe('surroundings found elsewhere', () => {
   });
 });
 
+describe('surroundings by form', () => {
+  /** Blocks alike but for their numbers and the rows that they take. */
+  const block = (i: number, last: string): Written => {
+    const top = 1 + i * 5;
+    return {
+      [`A${String(top)}`]: 'Fuel',
+      [`B${String(top)}`]: `=0.11*$H$${String(3 + i * i)}`,
+      [`A${String(top + 1)}`]: 'Carbon dioxide',
+      [`B${String(top + 1)}`]: last,
+      [`A${String(top + 2)}`]: 'Sulfur',
+      [`B${String(top + 2)}`]: `=B${String(top)}/${String(2 + i * 3)}`,
+    };
+  };
+  const blocks = (odd: Written['']): Written => ({
+    ...block(0, '=B1*2.74'),
+    ...block(1, '=B6*3.15'),
+    ...block(2, '=B11*1.37'),
+    ...block(3, '=B16*3'),
+    ...block(4, '=B21*2.2'),
+    B12: odd ?? null,
+  });
+
+  it('finds the operator that differs, and the number typed over a formula', () => {
+    expect(told(blocks('=B11/1.37'))).toEqual(['elsewhere B12']);
+    expect(told(blocks(0.4))).toEqual(['constant B12']);
+  });
+
+  it('finds nothing where only numbers differ', () => {
+    expect(told(blocks('=B11*1.37'))).toEqual([]);
+  });
+});
+
 describe('references that go on by a step', () => {
   it('finds the one that leaves it', () => {
     const cells: Written = {};
