@@ -8,6 +8,12 @@
 
 namespace quorin {
 
+namespace {
+
+constexpr guint settlingMilliseconds = 1000;
+
+}  // namespace
+
 WaylandPanelWindow::WaylandPanelWindow(const PanelWindowOptions& options,
                                        std::optional<LayerShell> layer, Keyboard keyboard)
     : minimum_(options.minimumContentSize),
@@ -32,7 +38,6 @@ WaylandPanelWindow::WaylandPanelWindow(const PanelWindowOptions& options,
   gtk_widget_add_events(GTK_WIDGET(window_), GDK_LEAVE_NOTIFY_MASK);
   g_signal_connect(window_, "leave-notify-event", G_CALLBACK(pointerLeft), this);
   g_signal_connect(window_, "delete-event", G_CALLBACK(closeRequested), this);
-  g_signal_connect(window_, "map-event", G_CALLBACK(mapped), this);
   g_signal_connect(window_, "notify::is-active", G_CALLBACK(activeChanged), this);
 }
 
@@ -99,14 +104,14 @@ void WaylandPanelWindow::setKeyboardMode(LayerShell::Keyboard mode) {
 
 void WaylandPanelWindow::orderFront() {
   if (isVisible()) return;
-  keyWanted_ = false;
+  unasked_.reset(g_timeout_add(settlingMilliseconds, settled, this));
   setKeyboardMode(LayerShell::Keyboard::none);
   gtk_window_set_focus_on_map(window_, FALSE);
   gtk_widget_show(GTK_WIDGET(window_));
 }
 
 void WaylandPanelWindow::makeKeyAndOrderFront() {
-  keyWanted_ = true;
+  unasked_.reset();
   resigned_ = false;
   setKeyboardMode(LayerShell::Keyboard::exclusive);
   gtk_window_set_focus_on_map(window_, TRUE);
@@ -118,13 +123,13 @@ void WaylandPanelWindow::makeKeyAndOrderFront() {
 
 void WaylandPanelWindow::resignKey() {
   resigned_ = true;
-  keyWanted_ = false;
+  unasked_.reset();
   setKeyboardMode(LayerShell::Keyboard::none);
   if (keyboard_.giveBack) keyboard_.giveBack();
 }
 
 void WaylandPanelWindow::orderOut() {
-  keyWanted_ = false;
+  unasked_.reset();
   resigned_ = false;
   gtk_widget_hide(GTK_WIDGET(window_));
 }
@@ -148,11 +153,9 @@ void WaylandPanelWindow::closeClicked(GtkButton*, gpointer data) {
   closeRequested(nullptr, nullptr, data);
 }
 
-// Compositors give the keyboard to an ordinary window that is new, asked or not.
-gboolean WaylandPanelWindow::mapped(GtkWidget*, GdkEvent*, gpointer data) {
-  auto& self = *static_cast<WaylandPanelWindow*>(data);
-  if (!self.keyWanted_ && !self.layer_ && self.keyboard_.giveBack) self.keyboard_.giveBack();
-  return FALSE;
+gboolean WaylandPanelWindow::settled(gpointer data) {
+  static_cast<WaylandPanelWindow*>(data)->unasked_.forget();
+  return G_SOURCE_REMOVE;
 }
 
 // What stands at the side is given the keyboard only when it insists on it; then it lets go of it
@@ -172,7 +175,11 @@ void WaylandPanelWindow::activeChanged(GObject*, GParamSpec*, gpointer data) {
   if (!gtk_window_is_active(self.window_)) {
     self.clicked_ = false;
     self.setKeyboardMode(LayerShell::Keyboard::none);
-  } else if (self.layer_ && self.layer_->letsGo()) {
+  } else if (!self.layer_) {
+    // Compositors give the keyboard to an ordinary window that is new, asked or not.
+    if (self.unasked_ && self.keyboard_.giveBack) self.keyboard_.giveBack();
+    self.unasked_.reset();
+  } else if (self.layer_->letsGo()) {
     self.setKeyboardMode(LayerShell::Keyboard::onDemand);
   }
 }

@@ -8,6 +8,7 @@
 #include <gtk/gtk.h>
 #include <optional>
 
+#include "app/linux/GLibHandles.h"
 #include "app/linux/LayerShell.h"
 #include "app/shell/ports/PanelWindow.h"
 
@@ -46,7 +47,7 @@ class WaylandPanelWindow : public PanelWindow {
  private:
   static gboolean closeRequested(GtkWidget*, GdkEvent*, gpointer self);
   static void closeClicked(GtkButton*, gpointer self);
-  static gboolean mapped(GtkWidget*, GdkEvent*, gpointer self);
+  static gboolean settled(gpointer self);
   static void activeChanged(GObject*, GParamSpec*, gpointer self);
   static gboolean pressed(GtkWidget*, GdkEvent*, gpointer self);
   static gboolean pointerLeft(GtkWidget*, GdkEventCrossing* event, gpointer self);
@@ -62,9 +63,9 @@ class WaylandPanelWindow : public PanelWindow {
   GtkWidget* content_ = nullptr;  // the view's own
   PanelWindowDelegate* delegate_ = nullptr;
   int width_, height_;
-  bool keyWanted_ = false;  // since the window was last shown or brought forward
-  bool resigned_ = false;   // and the compositor has not yet said so
-  bool clicked_ = false;    // that is how it has come by the keyboard
+  bool resigned_ = false;  // and the compositor has not yet said so
+  GSourceHandle unasked_;  // shown without the keyboard, and the compositor may yet give it
+  bool clicked_ = false;   // that is how it has come by the keyboard
 };
 
 }  // namespace quorin

@@ -35,6 +35,8 @@ class Session(Trial):
         book.unlink()
         for name in NOT_OURS:
             self.environment.pop(name, None)
+        for name in ("DATA", "STATE"):
+            self.environment[f"XDG_{name}_HOME"] = str(self.folder / name.lower())
         self.environment.update(HOME=str(self.folder), WLR_BACKENDS="headless",
                                 WLR_LIBINPUT_NO_DEVICES="1", WLR_RENDERER="pixman")
         self.copy_program()
@@ -115,13 +117,13 @@ class Session(Trial):
 
 
 class WaylandTest(unittest.TestCase):
-    def start_quorin(self, *arguments):
-        session.environment["QX_TEST_SOCKET"] = str(session.folder / "panel")
-        for name in ("DATA", "STATE"):
-            session.environment[f"XDG_{name}_HOME"] = str(session.folder / name.lower())
-        self.process = session.start(session.quorin, *arguments)
-        wait_for("Quorin", (session.folder / "panel").exists)
-        self.panel = Panel(session.folder / "panel")
+    def start_quorin(self):
+        socket = session.folder / "panel"
+        socket.unlink(missing_ok=True)
+        session.environment["QX_TEST_SOCKET"] = str(socket)
+        self.process = session.start(session.quorin)
+        wait_for("Quorin", socket.exists)
+        self.panel = Panel(socket)
         wait_for("the page", lambda: self.panel.eval(
             "document.readyState == 'complete' && document.body.childElementCount > 0"))
 
@@ -137,10 +139,41 @@ class WaylandTest(unittest.TestCase):
             lambda now: now if (now["address"] or "").replace("$", "") == address else None)(
                 self.panel.shown()))
 
+    def quit(self):
+        self.panel.ask("quit")
+        self.assertEqual(self.process.wait(30), 0)
+
+    def bring_other_forward(self):
+        if not session.other_window():
+            session.start("foot", "sleep", "3600")
+        session.bring_forward(wait_for("another window", session.other_window))
+
+    def test_is_an_ordinary_window_where_none_can_stand_at_the_side(self):
+        # What is found first is not the library.
+        nothing = session.folder / "nothing"
+        nothing.mkdir()
+        (nothing / "libgtk-layer-shell.so.0").touch()
+        session.environment["LD_LIBRARY_PATH"] = str(nothing)
+        self.addCleanup(session.environment.pop, "LD_LIBRARY_PATH")
+        self.bring_other_forward()
+        self.start_quorin()
+        self.assertIn("; the compositor places the panel", self.log())
+        session.bring_forward(session.calc_window())
+        panel = wait_for("the panel", lambda: next((one for one in session.windows()
+                                                    if one["name"] == "Quorin"), None))
+        self.assertEqual(panel["app_id"], "quorin")
+        wait_for("Calc to have the keyboard", lambda: session.calc_window()["focused"])
+        session.keys("ctrl+Home", "Down", "Down", "Down")
+        self.shows("A4")
+        self.assertFalse(self.window()["key"])
+        session.tool(session.quorin, "--show", "tree")
+        wait_for("the keyboard", lambda: self.window()["key"])
+        self.bring_other_forward()
+        wait_for("the panel to go", lambda: not self.window()["visible"])
+        self.quit()
+
     def test_follows_a_calc_of_the_same_session_from_launch_to_quit(self):
-        session.start("foot", "sleep", "3600")
-        other = wait_for("another window", session.other_window)
-        session.bring_forward(other)
+        self.bring_other_forward()
         self.start_quorin()
         self.assertFalse(self.window()["visible"])
         self.assertIn("COMPANION Wayland session: ", self.log())
@@ -174,7 +207,7 @@ class WaylandTest(unittest.TestCase):
         self.assertEqual((session.cell()["row"], session.cell()["column"]), (3, 0))
 
         # Goes when another program comes forward, and comes again with Calc.
-        session.bring_forward(other)
+        self.bring_other_forward()
         wait_for("the panel to go", lambda: not self.window()["visible"])
         session.bring_forward(calc)
         wait_for("the panel", lambda: self.window()["visible"])
@@ -188,8 +221,7 @@ class WaylandTest(unittest.TestCase):
         wait_for("the keyboard", lambda: self.window()["key"])
         session.keys("Down")
         wait_for("a mark", lambda: session.cell()["shapes"] > 0)
-        self.panel.ask("quit")
-        self.assertEqual(self.process.wait(30), 0)
+        self.quit()
         self.assertEqual(session.cell()["shapes"], 0)
         self.assertIn("TERMINATE quit", self.log())
         said = (session.folder / f"{session.quorin.name}.log").read_text(errors="replace")
