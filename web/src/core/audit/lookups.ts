@@ -1,8 +1,7 @@
 // Lookups that cannot give what is meant: a column beyond the table, keys that ought to be sorted and
 // are not, a table that ends before its last rows.
 
-import type { Area } from '../address/area';
-import { areaAddress } from '../address/area';
+import { areaAddress, type Area } from '../address/area';
 import { readReference } from '../formula/reference';
 import { plainName, walk, type Node, type NodeOf } from '../formula/syntax';
 import { Kind as CellKind } from '../model/SheetCells';

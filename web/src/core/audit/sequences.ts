@@ -2,15 +2,14 @@
 // next column of another sheet, each block the next row. A cell that leaves the step, while the
 // next one is on it again, took the wrong line.
 
-import { maxColumns, maxRows } from '../address/area';
+import { areaAddress, maxColumns, maxRows } from '../address/area';
 import { writeReference, type Coordinate, type CellPosition } from '../formula/reference';
 import { print } from '../formula/print';
 import type { Node } from '../formula/syntax';
-import { areaAddress } from '../address/area';
 import { differenceOf } from './difference';
 import { address, cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
-import { corners, type Shape } from './shape';
+import { corners, shapeOf, type Shape } from './shape';
 import type { SheetGrid } from './SheetGrid';
 
 /** Fewer than this tell no step. */
@@ -121,7 +120,7 @@ function inRun(evidence: Evidence, grid: SheetGrid, run: Member[], clues: Clue[]
     if (weight < 3) continue;
     const model = run[at === 0 ? 1 : at - 1] as Member;
     const expected = rewritten(member, model, numbers);
-    clues.push(clueOf(evidence, grid, run, member, expected, weight));
+    clues.push(clueOf(grid, run, member, expected, weight));
   }
 }
 
@@ -186,7 +185,6 @@ function rewritten(member: Member, model: Member, numbers: readonly number[]): s
 }
 
 function clueOf(
-  evidence: Evidence,
   grid: SheetGrid,
   run: Member[],
   member: Member,
@@ -194,8 +192,7 @@ function clueOf(
   weight: number,
 ): Clue {
   const { row, col } = member.at;
-  const number = evidence.model.formulas.numberOf(expected);
-  const found = differenceOf(member.shape, evidence.shapes.of(number), member.at);
+  const found = differenceOf(member.shape, shapeOf(expected), member.at);
   const first = (run[0] as Member).at;
   const last = (run.at(-1) as Member).at;
   const whole = areaAddress({ top: first.row, left: first.col, bottom: last.row, right: last.col });

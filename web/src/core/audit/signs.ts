@@ -1,11 +1,10 @@
 // Where along a column or row the dollar signs change and nothing else: the cells named at the change
 // are the same, and from there on they slide, or stay, where those before did not.
 
-import { areaAddress, type Area } from '../address/area';
-import { cellCount } from '../address/area';
+import { areaAddress, cellCount, type Area } from '../address/area';
 import type { CellPosition } from '../formula/reference';
 import { areaFrom } from './difference';
-import { type Evidence } from './Evidence';
+import type { Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { corners, isData, type Shape, type Slot } from './shape';
 import type { SheetGrid } from './SheetGrid';

@@ -1,6 +1,8 @@
 import { describe, expect, it } from 'vitest';
+import { audit } from '../../../src/core/audit/audit';
+import { drain } from '../model/RandomWorkbook';
 import type { Written } from '../model/written';
-import { findingsOf, line, told } from './findings';
+import { findingsOf, line, modelOf, told } from './findings';
 
 describe('surroundings found elsewhere', () => {
   const block = (top: number, last: string): Written => ({
@@ -147,6 +149,17 @@ describe('the list', () => {
     });
     expect(found).toHaveLength(1);
     expect(found[0]).toMatchObject({ rank: 1, kind: 'differs', confidence: 'high', reach: 0 });
+  });
+
+  it('changes nothing of the model, also where it writes what is expected', () => {
+    const cells: Written = {};
+    for (let row = 1; row <= 8; row++) {
+      cells[`B${String(row)}`] = `=Z${String(row === 5 ? 12 : row * 3)}`;
+    }
+    const model = modelOf({ Sheet: cells });
+    const before = model.formulas.count;
+    expect(drain(audit(model)).map(line)).toEqual(['step B5 =Z15']);
+    expect(model.formulas.count).toBe(before);
   });
 
   it('counts what rests on a cell', () => {

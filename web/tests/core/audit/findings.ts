@@ -8,7 +8,7 @@ import { WorkbookModel } from '../../../src/core/model/WorkbookModel';
 import { drain } from '../model/RandomWorkbook';
 import { pieceOf, type Written } from '../model/written';
 
-export function findingsOf(sheets: Record<string, Written>, names: NameEntry[] = []): Finding[] {
+export function modelOf(sheets: Record<string, Written>, names: NameEntry[] = []): WorkbookModel {
   const model = new WorkbookModel({ book: 'Model.xlsx', sheets: Object.keys(sheets), names });
   for (const [sheet, cells] of Object.entries(sheets)) {
     const { area, formulas, values } = pieceOf(cells);
@@ -16,7 +16,11 @@ export function findingsOf(sheets: Record<string, Written>, names: NameEntry[] =
     model.piece(sheet, area, formulas, values);
     model.endSheet(sheet);
   }
-  return drain(audit(model));
+  return model;
+}
+
+export function findingsOf(sheets: Record<string, Written>, names: NameEntry[] = []): Finding[] {
+  return drain(audit(modelOf(sheets, names)));
 }
 
 /** "differs B7 =A7*2": of each the kind, the cells of the one sheet, what is expected. */
