@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include "app/linux/ForeignToplevels.h"
 #include "app/linux/WaylandDesktop.h"
 #include "app/linux/X11Desktop.h"
 #include "kit/platform/Platform.h"
@@ -13,9 +14,6 @@ namespace {
 
 constexpr const char* program = "quorin";
 constexpr const char* layerShell = "zwlr_layer_shell_v1";
-// Compositors that have this are new enough to tell a window that wants the keyboard on demand from
-// one that wants it for good; sway 1.7 is not.
-constexpr const char* sinceOnDemand = "ext_idle_notifier_v1";
 
 std::string valueOf(const Environment& environment, const char* name) {
   const auto found = environment.find(name);
@@ -49,10 +47,9 @@ std::unique_ptr<Desktop> makeDesktop(const Environment& environment) {
   }
   const bool hasX11 = !valueOf(environment, "DISPLAY").empty();
   std::optional<LayerShell> layer;
-  if (connection && connection->has(layerShell)) {
-    layer = LayerShell::load(connection->has(sinceOnDemand));
-  }
-  if (connection && (layer || !hasX11)) {
+  if (connection && connection->has(layerShell)) layer = LayerShell::load();
+  const bool listed = connection && connection->has(foreignToplevels::managerName);
+  if (connection && (layer || listed || !hasX11)) {
     g_set_prgname(program);
     if (!initialiseOn("wayland")) return nullptr;
     return std::make_unique<WaylandDesktop>(std::move(connection), layer, program, calcRuns,

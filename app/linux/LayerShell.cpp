@@ -19,11 +19,10 @@ bool find(void* handle, const char* name, Function& function) {
 }  // namespace
 
 // The library stays loaded: GTK's objects refer to it.
-std::optional<LayerShell> LayerShell::load(bool letsGo) {
+std::optional<LayerShell> LayerShell::load() {
   void* const handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
   if (!handle) return std::nullopt;
   LayerShell shell;
-  shell.letsGo_ = letsGo;
   const bool whole = find(handle, "gtk_layer_init_for_window", shell.init_) &&
                      find(handle, "gtk_layer_set_namespace", shell.setNamespace_) &&
                      find(handle, "gtk_layer_set_layer", shell.setLayer_) &&

@@ -9,14 +9,12 @@ namespace quorin {
 
 class LayerShell {
  public:
-  enum class Keyboard { none, exclusive, onDemand };  // as the library numbers them
+  // As the library numbers them. Compositors differ in what they make of its third, "on demand":
+  // sway 1.7 takes it for the second.
+  enum class Keyboard { none, exclusive };
 
-  // Nothing where the library is missing. `letsGo` tells whether a window that has the keyboard on
-  // demand loses it to another one that the user clicks on: compositors that know the mode only by
-  // its name keep it there.
-  static std::optional<LayerShell> load(bool letsGo);
-
-  bool letsGo() const { return letsGo_; }
+  // Nothing where the library is missing.
+  static std::optional<LayerShell> load();
 
   // Before the window is realised: along the right edge, from top to bottom. What the window takes
   // is left free by other windows.
@@ -26,7 +24,6 @@ class LayerShell {
  private:
   LayerShell() = default;
 
-  bool letsGo_ = false;
   void (*init_)(GtkWindow*) = nullptr;
   void (*setNamespace_)(GtkWindow*, const char*) = nullptr;
   void (*setLayer_)(GtkWindow*, int) = nullptr;

@@ -158,8 +158,7 @@ gboolean WaylandPanelWindow::settled(gpointer data) {
   return G_SOURCE_REMOVE;
 }
 
-// What stands at the side is given the keyboard only when it insists on it; then it lets go of it
-// when the user turns to another window.
+// What stands at the side has the keyboard only while it insists on it.
 gboolean WaylandPanelWindow::pressed(GtkWidget*, GdkEvent*, gpointer data) {
   auto& self = *static_cast<WaylandPanelWindow*>(data);
   if (!self.layer_ || self.isKey()) return FALSE;
@@ -179,15 +178,13 @@ void WaylandPanelWindow::activeChanged(GObject*, GParamSpec*, gpointer data) {
     // Compositors give the keyboard to an ordinary window that is new, asked or not.
     if (self.unasked_ && self.keyboard_.giveBack) self.keyboard_.giveBack();
     self.unasked_.reset();
-  } else if (self.layer_->letsGo()) {
-    self.setKeyboardMode(LayerShell::Keyboard::onDemand);
   }
 }
 
-// Where a click on another window would not take the keyboard from it.
+// A click on another window would not take the keyboard from it.
 gboolean WaylandPanelWindow::pointerLeft(GtkWidget*, GdkEventCrossing* event, gpointer data) {
   auto& self = *static_cast<WaylandPanelWindow*>(data);
-  if (!self.layer_ || self.layer_->letsGo() || !self.clicked_) return FALSE;
+  if (!self.layer_ || !self.clicked_) return FALSE;
   if (event->detail != GDK_NOTIFY_INFERIOR) self.resignKey();
   return FALSE;
 }
