@@ -1,6 +1,7 @@
 #!/bin/sh
-# Builds the page into dist/index.html, doing only what is needed: packages are installed when
-# package-lock.json has changed, the bundle is made when a source has. Prints what it does.
+# Builds the page into dist/index.html and the audit without a page into out/tool/audit.js, doing
+# only what is needed: packages are installed when package-lock.json has changed, the bundles are made
+# when a source has. Prints what it does.
 # Needs Node 18.19 or newer with its npm, and the npm registry for the first install.
 set -eu
 cd "$(dirname "$0")"
@@ -27,12 +28,12 @@ if [ ! -f node_modules/.installed ] || [ "$(cat node_modules/.installed)" != "$p
   echo "$packages" >node_modules/.installed
 fi
 
-sources=$(find src tooling index.html package-lock.json package.json vite.config.ts tsconfig*.json \
+sources=$(find src tooling index.html package-lock.json package.json vite.config.ts vite.tool.config.ts tsconfig*.json \
   -type f -print | LC_ALL=C sort | while IFS= read -r file; do
   echo "$file"
   digest <"$file"
 done | digest)
-if [ -f dist/index.html ] && [ -f dist/.sources ] && [ "$(cat dist/.sources)" = "$sources" ]; then
+if [ -f dist/index.html ] && [ -f out/tool/audit.js ] && [ -f dist/.sources ] && [ "$(cat dist/.sources)" = "$sources" ]; then
   exit 0
 fi
 echo "web: building the page"

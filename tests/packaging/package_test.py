@@ -22,6 +22,7 @@ FILES = {
     "usr/share/icons/hicolor/symbolic/apps/quorin-symbolic.svg",
     "usr/share/man/man1/quorin.1.gz",
     "usr/share/man/man1/quorinctl.1.gz",
+    "usr/share/quorin/audit.js",
     "usr/share/quorin/web/index.html",
 }
 
@@ -85,6 +86,8 @@ class Package(unittest.TestCase):
         answer = output_of(programs / "quorinctl", "--workbook", workbook, env=environment,
                            input='{"id":7,"verb":"readCell","args":[]}\n')
         self.assertIn('"id":7,"ok":true', answer)
+        audit = output_of(programs / "quorinctl", "audit", workbook, env=environment)
+        self.assertIn("Two.csv: 0 findings", audit)
 
     def test_lets_nobody_look_into_the_panel(self):
         self.dpkg("-i", self.package)

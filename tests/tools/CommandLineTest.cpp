@@ -26,6 +26,21 @@ TEST(CommandLine, Lints) {
             Command(LintCommand{"core.applescript"}));
 }
 
+TEST(CommandLine, Audits) {
+  AuditCommand plain;
+  plain.files = {"a.xlsx", "folder"};
+  EXPECT_EQ(parseCommandLine({"audit", "a.xlsx", "folder"}), Command(plain));
+  AuditCommand whole;
+  whole.files = {"a.xlsx"};
+  whole.format = "sarif";
+  whole.output = "out.sarif";
+  whole.top = 7;
+  whole.failOn = "doubt";
+  EXPECT_EQ(parseCommandLine({"audit", "a.xlsx", "--format", "sarif", "--output", "out.sarif",
+                              "--top", "7", "--fail-on", "doubt"}),
+            Command(whole));
+}
+
 TEST(CommandLine, HelpsWithStatusZero) {
   const Command command = parseCommandLine({"--help"});
   ASSERT_TRUE(std::holds_alternative<Notice>(command));
@@ -45,7 +60,10 @@ TEST(CommandLine, RefusesBadCallsInOneLine) {
        {Arguments{"--workbook"}, Arguments{"--attach", "--workbook", "a.xlsx"},
         Arguments{"--attach", "--data", "/tmp/d"}, Arguments{"--nonsense"}, Arguments{"a.xlsx"},
         Arguments{"two\nlines"}, Arguments{"lint"}, Arguments{"lint", "a", "b"},
-        Arguments{"--timing", "lint", "a"}, Arguments{"--data"}}) {
+        Arguments{"--timing", "lint", "a"}, Arguments{"--data"}, Arguments{"audit"},
+        Arguments{"audit", "a.xlsx", "--format", "pdf"}, Arguments{"audit", "a.xlsx", "--top", "0"},
+        Arguments{"audit", "a.xlsx", "--fail-on", "high"},
+        Arguments{"--workbook", "b.xlsx", "audit", "a.xlsx"}}) {
     const Command command = parseCommandLine(arguments);
     ASSERT_TRUE(std::holds_alternative<Notice>(command)) << testing::PrintToString(arguments);
     const Notice& notice = std::get<Notice>(command);

@@ -12,13 +12,10 @@
 #include "kit/value/Marshal.h"
 #include "tests/fakes/StoppedProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
+#include "tests/tools/Quorinctl.h"
 #include "tests/tools/ToolProcess.h"
 
 namespace quorin {
-
-void PrintTo(const JSONValue& value, std::ostream* out) {
-  *out << Marshal::encode(value);
-}
 
 namespace {
 
@@ -30,94 +27,6 @@ using testing::Not;
 using Object = JSONValue::Object;
 
 const path workbooks = QUORIN_WORKBOOKS;
-
-std::vector<std::string> namesIn(const path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-    names.push_back(entry.path().lexically_relative(folder));
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-std::string request(int id, const std::string& verb, const std::string& args = "[]") {
-  return "{\"id\":" + std::to_string(id) + ",\"verb\":\"" + verb + "\",\"args\":" + args + "}\n";
-}
-
-class Quorinctl : public testing::Test {
- protected:
-  // Runs the program with its own temporary folder and nothing of the user's.
-  std::unique_ptr<ToolProcess> start(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{QUORINCTL};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    for (const char* name : {"tmp", "data", "state"})
-      std::filesystem::create_directories(folder_ / name);
-    return std::make_unique<ToolProcess>(
-        command, ToolProcess::Variables{{"TMPDIR", folder_ / "tmp"},
-                                        {"XDG_DATA_HOME", folder_ / "data"},
-                                        {"XDG_STATE_HOME", folder_ / "state"}});
-  }
-
-  static JSONValue reply(ToolProcess& tool) {
-    const std::optional<std::string> line = tool.readLine();
-    if (!line) {
-      ADD_FAILURE() << "no reply came";
-      return nullptr;
-    }
-    const ParsedJSON parsed = parseJSON(*line);
-    EXPECT_TRUE(parsed) << *line;
-    return parsed.value.value_or(nullptr);
-  }
-
-  static JSONValue ask(ToolProcess& tool, int id, const std::string& verb,
-                       const std::string& args = "[]") {
-    tool.write(request(id, verb, args));
-    const JSONValue answer = reply(tool);
-    const JSONValue* const answered = answer.member("id");
-    EXPECT_TRUE(answered && *answered == JSONValue(id));
-    return answer;
-  }
-
-  static const JSONValue& member(const JSONValue& value, std::string_view key) {
-    static const JSONValue missing("(no such member)");
-    const JSONValue* const found = value.member(std::string(key));
-    return found ? *found : missing;
-  }
-
-  // The name of the private office's folder, while it runs.
-  std::string officeName() const {
-    for (const auto& entry : std::filesystem::directory_iterator(folder_ / "tmp"))
-      return entry.path().filename();
-    ADD_FAILURE() << "no private office";
-    return {};
-  }
-
-  // The private office's process, which answers by now.
-  pid_t office() const {
-    for (const pid_t process : processesWith((folder_ / "tmp").string()))
-      if (programOf(process) == "soffice.bin") return process;
-    ADD_FAILURE() << "no private office";
-    return ::getpid();
-  }
-
-  // No process, no file, no pipe, and nothing in the user's folders.
-  void expectNothingLeft(const std::string& office = {}) const {
-    EXPECT_THAT(processesWith((folder_ / "tmp").string()), IsEmpty());
-    EXPECT_THAT(namesIn(folder_ / "tmp"), IsEmpty());
-    EXPECT_THAT(namesIn(folder_ / "data"), IsEmpty());
-    EXPECT_THAT(namesIn(folder_ / "state"), IsEmpty());
-    if (!office.empty()) {
-      EXPECT_FALSE(std::filesystem::exists(host::calc::pipeFile(office)));
-    }
-  }
-
-  path workbook(const std::string& text = "a,b\n1,2\n3,4\n") {
-    const path file = folder_ / "Small.csv";
-    std::ofstream(file) << text;
-    return file;
-  }
-
-  TemporaryFolder folder_;
-};
 
 TEST_F(Quorinctl, AnswersInOrderAndEndsWithTheInput) {
   const auto tool = start({"--workbook", workbook()});

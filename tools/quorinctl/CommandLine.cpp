@@ -35,12 +35,31 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
   dataOption->excludes(attachOption);
   CLI::App* const lintCommand = app.add_subcommand("lint", "Check a handler library");
   lintCommand->add_option("FILE", script, "The script's text")->required();
+  AuditCommand audit;
+  std::string output;
+  std::string level;
+  CLI::App* const auditCommand =
+      app.add_subcommand("audit", "List what is odd in workbooks, the most telling first");
+  auditCommand->add_option("FILE", audit.files, "Workbooks, or folders of them")->required();
+  auditCommand->add_option("--format", audit.format, "How the list is written")
+      ->check(CLI::IsMember({"text", "json", "jsonl", "csv", "sarif"}))
+      ->capture_default_str();
+  CLI::Option* const outputOption =
+      auditCommand->add_option("--output", output, "Write it here instead of to standard output")
+          ->type_name("FILE");
+  auditCommand->add_option("--top", audit.top, "So many findings of each workbook at most")
+      ->check(CLI::Range(1, 1000000))
+      ->capture_default_str();
+  CLI::Option* const levelOption =
+      auditCommand
+          ->add_option("--fail-on", level, "End with 1 for findings of this level or a graver one")
+          ->check(CLI::IsMember({"fact", "doubt", "style"}));
 
   try {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     app.parse(std::move(reversed));
   } catch (const CLI::CallForHelp&) {
-    return Notice{app.help(), 0};
+    return Notice{app.help(), 0};  // of the subcommand, where one was given
   } catch (const CLI::CallForVersion& version) {
     return Notice{version.what(), 0};
   } catch (const CLI::ParseError& error) {
@@ -51,6 +70,13 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       return refusal("lint takes a file and nothing else");
     lint.file = script;
     return lint;
+  }
+  if (auditCommand->parsed()) {
+    if (*workbookOption || *attachOption || *dataOption || serve.timing)
+      return refusal("audit takes its own options only: see quorinctl audit --help");
+    if (*outputOption) audit.output = output;
+    if (*levelOption) audit.failOn = level;
+    return audit;
   }
   if (*workbookOption) serve.workbook = workbook;
   if (*dataOption) serve.data = data;

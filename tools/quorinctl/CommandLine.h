@@ -24,6 +24,16 @@ struct LintCommand {
   bool operator==(const LintCommand&) const = default;
 };
 
+// quorinctl audit FILE... [--format FORMAT] [--output FILE] [--top N] [--fail-on LEVEL]
+struct AuditCommand {
+  std::vector<std::filesystem::path> files;  // workbooks, and folders of them
+  std::string format = "text";               // text, json, jsonl, csv or sarif
+  std::optional<std::filesystem::path> output;
+  int top = 100;                      // so many findings of each workbook at most
+  std::optional<std::string> failOn;  // fact, doubt or style
+  bool operator==(const AuditCommand&) const = default;
+};
+
 // Nothing to do but to say this: help on standard output with status 0, or one line on standard
 // error with status 2.
 struct Notice {
@@ -32,7 +42,7 @@ struct Notice {
   bool operator==(const Notice&) const = default;
 };
 
-using Command = std::variant<ServeCommand, LintCommand, Notice>;
+using Command = std::variant<ServeCommand, LintCommand, AuditCommand, Notice>;
 
 // Reads the arguments, without the program's own name.
 Command parseCommandLine(const std::vector<std::string>& arguments);

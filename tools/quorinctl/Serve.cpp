@@ -10,16 +10,12 @@
 #include <utility>
 #include <variant>
 
-#include "host/calc/PrivateOffice.h"
-#include "host/calc/RunningOffice.h"
 #include "kit/platform/Thread.h"
-#include "kit/platform/XDGFolders.h"
-#include "kit/support/FolderLock.h"
 #include "kit/value/Marshal.h"
 #include "tools/quorinctl/LineBuffer.h"
+#include "tools/quorinctl/Place.h"
 #include "tools/quorinctl/RequestLine.h"
 #include "tools/quorinctl/Session.h"
-#include "tools/quorinctl/Targets.h"
 #include "tools/quorinctl/Waiter.h"
 
 namespace quorin::ctl {
@@ -29,76 +25,6 @@ namespace {
 constexpr int badCall = 2;
 constexpr int signalled = 128;
 constexpr std::size_t longestLine = 16 * 1024 * 1024;
-
-// Why the call cannot be served.
-class Unserved : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// Removes a folder at the end of its scope. Whatever goes wrong with that stays untold.
-class FolderRemoval {
- public:
-  explicit FolderRemoval(std::filesystem::path folder) : folder_(std::move(folder)) {}
-  ~FolderRemoval() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  FolderRemoval(const FolderRemoval&) = delete;
-  FolderRemoval& operator=(const FolderRemoval&) = delete;
-
- private:
-  const std::filesystem::path folder_;
-};
-
-struct Place {
-  std::unique_ptr<FolderRemoval> folder;  // first: everything else ends before it goes
-  std::optional<FolderLock> lock;
-  Session::Parts parts;
-};
-
-std::optional<FolderLock> locked(const std::filesystem::path& folder) {
-  std::optional<FolderLock> lock = FolderLock::acquire(folder);
-  if (!lock) throw Unserved(folder.string() + " is in use by another Quorin");
-  return lock;
-}
-
-// Without a folder of the caller's the private run's files are kept in the office's own, which is
-// removed with the office, whatever happens to this process.
-Place privatePlace(const ServeCommand& command) {
-  if (command.workbook && !std::filesystem::is_regular_file(*command.workbook))
-    throw Unserved("no such workbook: " + command.workbook->string());
-  Place place;
-  std::filesystem::path data;
-  if (command.data) {
-    data = std::filesystem::absolute(*command.data);
-    place.lock = locked(data / "Quorin");
-  }
-  auto office = std::make_unique<host::calc::PrivateOffice>();
-  if (!command.data) {
-    data = office->folder() / "data";
-    // An office that died takes the folder with it, and the log makes it anew.
-    place.folder = std::make_unique<FolderRemoval>(office->folder());
-  }
-  place.parts.target = std::make_unique<PrivateTarget>(office->folder());
-  place.parts.office = std::move(office);
-  place.parts.log = data / "Logs" / "Quorin" / "quorin.log";
-  place.parts.records = data / "Quorin";
-  return place;
-}
-
-// The user's own folders, as Quorin itself uses them; so never while it runs.
-Place attachedPlace() {
-  const XDGFolders folders(processEnvironment());
-  Place place;
-  place.parts.records = folders.applicationSupport() / "Quorin";
-  place.parts.log = folders.library() / "Logs" / "Quorin" / "quorin.log";
-  place.lock = locked(place.parts.records);
-  const auto discovery = std::make_shared<host::calc::OfficeDiscovery>();
-  place.parts.target = std::make_unique<RunningTarget>(discovery);
-  place.parts.office = std::make_unique<host::calc::RunningOffice>(discovery);
-  return place;
-}
 
 class Server {
  public:
@@ -190,7 +116,8 @@ bool Server::write(const JSONValue& id, Bridge::Reply reply, std::optional<doubl
 }
 
 int served(const ServeCommand& command, Waiter& waiter) {
-  Place place = command.attach ? attachedPlace() : privatePlace(command);
+  if (command.workbook) requireWorkbook(*command.workbook);
+  Place place = command.attach ? attachedPlace() : privatePlace(command.data);
   Session session(std::move(place.parts));
   if (session.compileError()) throw Unserved(*session.compileError());
   Server server(session, waiter, command.timing);

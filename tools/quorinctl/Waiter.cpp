@@ -1,5 +1,6 @@
 #include "tools/quorinctl/Waiter.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -37,11 +38,17 @@ Waiter::~Waiter() {
 }
 
 Waiter::Event Waiter::waitForInput() {
-  return wait(STDIN_FILENO, Event::input);
+  return wait(STDIN_FILENO, Event::input, std::nullopt);
 }
 
 Waiter::Event Waiter::waitForDone() {
-  const Event event = wait(done_, Event::done);
+  const Event event = wait(done_, Event::done, std::nullopt);
+  if (event == Event::done) waitForDoneAlone();
+  return event;
+}
+
+Waiter::Event Waiter::waitForDoneUntil(std::chrono::steady_clock::time_point limit) {
+  const Event event = wait(done_, Event::done, limit);
   if (event == Event::done) waitForDoneAlone();
   return event;
 }
@@ -66,14 +73,23 @@ std::string Waiter::readInput() {
   }
 }
 
-Waiter::Event Waiter::wait(int descriptor, Event event) {
+Waiter::Event Waiter::wait(int descriptor, Event event, Limit limit) {
+  using std::chrono::milliseconds;
   if (signalNumber_ != 0) return Event::signal;
   for (;;) {
+    int patience = -1;  // for ever
+    if (limit) {
+      const auto left = std::chrono::ceil<milliseconds>(*limit - std::chrono::steady_clock::now());
+      constexpr milliseconds most = std::chrono::hours(1);
+      patience = static_cast<int>(std::clamp(left, milliseconds(0), most).count());
+    }
     std::array<pollfd, 2> watched{pollfd{signals_, POLLIN, 0}, pollfd{descriptor, POLLIN, 0}};
-    if (poll(watched.data(), watched.size(), -1) < 0) {
+    const int ready = poll(watched.data(), watched.size(), patience);
+    if (ready < 0) {
       if (errno == EINTR) continue;
       failed("poll");
     }
+    if (ready == 0) return Event::late;
     if (watched[0].revents != 0) {
       signalfd_siginfo info{};
       if (read(signals_, &info, sizeof info) == sizeof info) {

@@ -3,22 +3,25 @@
 // started later, so that none ends the process before it has tidied up.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 
 namespace quorin::ctl {
 
 class Waiter {
  public:
-  enum class Event { input, done, signal };
+  enum class Event { input, done, signal, late };
 
   Waiter();  // throws std::system_error
   ~Waiter();
   Waiter(const Waiter&) = delete;
   Waiter& operator=(const Waiter&) = delete;
 
-  Event waitForInput();     // input (also its end), or a signal
-  Event waitForDone();      // done, or a signal
-  void waitForDoneAlone();  // whatever signals come
+  Event waitForInput();  // input (also its end), or a signal
+  Event waitForDone();   // done, or a signal
+  Event waitForDoneUntil(std::chrono::steady_clock::time_point limit);  // late when it has passed
+  void waitForDoneAlone();                                              // whatever signals come
 
   // Ends one waitForDone. Any thread.
   void done();
@@ -30,7 +33,8 @@ class Waiter {
   int signalNumber() const { return signalNumber_; }
 
  private:
-  Event wait(int descriptor, Event event);
+  using Limit = std::optional<std::chrono::steady_clock::time_point>;
+  Event wait(int descriptor, Event event, Limit limit);
 
   int signals_ = -1;
   int done_ = -1;

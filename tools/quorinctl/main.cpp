@@ -3,6 +3,7 @@
 #include <variant>
 #include <vector>
 
+#include "tools/quorinctl/Audit.h"
 #include "tools/quorinctl/CommandLine.h"
 #include "tools/quorinctl/Lint.h"
 #include "tools/quorinctl/Serve.h"
@@ -15,5 +16,6 @@ int main(int argc, char** argv) {
     return notice->status;
   }
   if (const auto* const check = std::get_if<LintCommand>(&command)) return lint(check->file);
+  if (const auto* const review = std::get_if<AuditCommand>(&command)) return audit(*review);
   return serve(std::get<ServeCommand>(command));
 }

@@ -19,6 +19,13 @@ const booksLimit = 3;
 export class ModelHost {
   private readonly books = new Map<string, WorkbookModel>();
 
+  /** Throws for a workbook that was never begun. */
+  model(book: string): WorkbookModel {
+    const model = this.books.get(book);
+    if (!model) throw new Error(`“${book}” was not read.`);
+    return model;
+  }
+
   /** Answers; yields where others may take a turn. Throws for a workbook that was never begun. */
   *answer(question: Question): Generator<undefined, unknown> {
     const { book } = question;
@@ -30,8 +37,7 @@ export class ModelHost {
       this.books.delete(book);
       return null;
     }
-    const model = this.books.get(book);
-    if (!model) throw new Error(`“${book}” was not read.`);
+    const model = this.model(book);
     switch (question.ask) {
       case 'beginSheet':
         model.beginSheet(question.args.sheet);

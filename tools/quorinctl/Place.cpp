@@ -1,0 +1,64 @@
+#include "tools/quorinctl/Place.h"
+
+#include <system_error>
+#include <utility>
+
+#include "host/calc/PrivateOffice.h"
+#include "host/calc/RunningOffice.h"
+#include "kit/platform/XDGFolders.h"
+#include "tools/quorinctl/Targets.h"
+
+namespace quorin::ctl {
+
+namespace {
+
+std::optional<FolderLock> locked(const std::filesystem::path& folder) {
+  std::optional<FolderLock> lock = FolderLock::acquire(folder);
+  if (!lock) throw Unserved(folder.string() + " is in use by another Quorin");
+  return lock;
+}
+
+}  // namespace
+
+FolderRemoval::~FolderRemoval() {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+void requireWorkbook(const std::filesystem::path& file) {
+  if (!std::filesystem::is_regular_file(file)) throw Unserved("no such workbook: " + file.string());
+}
+
+Place privatePlace(const std::optional<std::filesystem::path>& data) {
+  Place place;
+  std::filesystem::path folder;
+  if (data) {
+    folder = std::filesystem::absolute(*data);
+    place.lock = locked(folder / "Quorin");
+  }
+  auto office = std::make_unique<host::calc::PrivateOffice>();
+  if (!data) {
+    folder = office->folder() / "data";
+    // An office that died takes the folder with it, and the log makes it anew.
+    place.folder = std::make_unique<FolderRemoval>(office->folder());
+  }
+  place.parts.target = std::make_unique<PrivateTarget>(office->folder());
+  place.parts.office = std::move(office);
+  place.parts.log = folder / "Logs" / "Quorin" / "quorin.log";
+  place.parts.records = folder / "Quorin";
+  return place;
+}
+
+Place attachedPlace() {
+  const XDGFolders folders(processEnvironment());
+  Place place;
+  place.parts.records = folders.applicationSupport() / "Quorin";
+  place.parts.log = folders.library() / "Logs" / "Quorin" / "quorin.log";
+  place.lock = locked(place.parts.records);
+  const auto discovery = std::make_shared<host::calc::OfficeDiscovery>();
+  place.parts.target = std::make_unique<RunningTarget>(discovery);
+  place.parts.office = std::make_unique<host::calc::RunningOffice>(discovery);
+  return place;
+}
+
+}  // namespace quorin::ctl

@@ -1,0 +1,142 @@
+import { describe, expect, it } from 'vitest';
+import type { Finding } from '../../../src/core/audit/Finding';
+import { reported, written, type Report } from '../../../src/core/report/Report';
+
+const area = (top: number, left: number, bottom = top, right = left) => ({
+  top,
+  left,
+  bottom,
+  right,
+});
+
+const finding: Finding = {
+  rank: 1,
+  kind: 'differs',
+  level: 'doubt',
+  cells: [
+    { sheet: 'My "Data"', area: area(7, 3) },
+    { sheet: 'My "Data"', area: area(9, 3, 12, 4) },
+    { sheet: "Other's", area: area(1, 1) },
+  ],
+  sentence: 'C7 takes B7 away, the others add it.',
+  expected: '=A7+B7',
+  confidence: 'high',
+  reach: 1,
+};
+
+const summary = {
+  sheets: 1,
+  cells: 30,
+  formulas: 1_234,
+  distinctFormulas: 2,
+  findings: 3,
+  high: 1,
+  medium: 0,
+  low: 2,
+  notRead: [{ sheet: 'Far', address: 'A1:B2', reason: 'It is protected.' }],
+};
+
+const good: Report = { file: 'a b.xlsx', summary, findings: [reported(finding)] };
+const bad: Report = { file: 'c.xlsx', error: '"c.xlsx" is not a workbook' };
+
+describe('A report', () => {
+  it('has the cells on the first one’s sheet plain and others with theirs', () => {
+    expect(reported(finding)).toEqual({
+      rank: 1,
+      kind: 'differs',
+      level: 'doubt',
+      sheet: 'My "Data"',
+      cells: ['C7', 'C9:D12', "'Other''s'!A1"],
+      message: 'C7 takes B7 away, the others add it.',
+      expected: '=A7+B7',
+      confidence: 'high',
+      reach: 1,
+    });
+  });
+
+  it('is text to be read', () => {
+    expect(written([good, bad], 'text', '1.0')).toBe(
+      [
+        'a b.xlsx: 3 findings (1 high, 0 medium, 2 low) in 1,234 formulas on 1 sheet',
+        `   1. 'My "Data"'!C7, C9:D12, 'Other''s'!A1 (high)`,
+        '      C7 takes B7 away, the others add it.',
+        '      Expected: =A7+B7',
+        '      1 cell rests on it.',
+        '      2 findings of lower rank left out.',
+        '      Not read: Far!A1:B2: It is protected.',
+        'c.xlsx: could not be audited: "c.xlsx" is not a workbook',
+        '',
+      ].join('\n'),
+    );
+  });
+
+  it('is JSON of one workbook or of several', () => {
+    expect(JSON.parse(written([good], 'json', '1.0'))).toEqual(good);
+    expect(JSON.parse(written([good, bad], 'json', '1.0'))).toEqual({ files: [good, bad] });
+    const lines = written([good, bad], 'jsonl', '1.0').split('\n');
+    expect(lines.map((line) => (line === '' ? '' : (JSON.parse(line) as unknown)))).toEqual([
+      good,
+      bad,
+      '',
+    ]);
+  });
+
+  it('is CSV that no spreadsheet works out', () => {
+    const evil: Report = {
+      file: '=HYPERLINK("http://x")',
+      summary,
+      findings: [{ ...reported(finding), message: '@SUM(1)\nand more', cells: ['C7', 'C9:D12'] }],
+    };
+    expect(written([evil, bad], 'csv', '1.0')).toBe(
+      [
+        'file,rank,kind,level,confidence,sheet,cells,message,expected,reach,error',
+        `"'=HYPERLINK(""http://x"")",1,differs,doubt,high,"My ""Data""",C7 C9:D12,"'@SUM(1)\nand more",'=A7+B7,1,`,
+        'c.xlsx,,,,,,,,,,"""c.xlsx"" is not a workbook"',
+        '',
+      ].join('\r\n'),
+    );
+  });
+
+  it('is SARIF', () => {
+    const log = JSON.parse(written([good, bad], 'sarif', '1.0')) as {
+      version: string;
+      runs: Record<string, unknown>[];
+    };
+    expect(log.version).toBe('2.1.0');
+    expect(log.runs).toEqual([
+      {
+        tool: { driver: { name: 'Quorin', version: '1.0', rules: [{ id: 'differs' }] } },
+        invocations: [
+          {
+            executionSuccessful: false,
+            toolExecutionNotifications: [
+              {
+                level: 'error',
+                message: { text: '"c.xlsx" is not a workbook' },
+                locations: [{ physicalLocation: { artifactLocation: { uri: 'c.xlsx' } } }],
+              },
+            ],
+          },
+        ],
+        results: [
+          {
+            ruleId: 'differs',
+            level: 'warning',
+            rank: 90,
+            message: { text: 'C7 takes B7 away, the others add it. Expected: =A7+B7' },
+            locations: [
+              {
+                physicalLocation: { artifactLocation: { uri: 'a%20b.xlsx' } },
+                logicalLocations: [
+                  { fullyQualifiedName: `'My "Data"'!C7` },
+                  { fullyQualifiedName: `'My "Data"'!C9:D12` },
+                  { fullyQualifiedName: "'Other''s'!A1" },
+                ],
+              },
+            ],
+          },
+        ],
+      },
+    ]);
+  });
+});
