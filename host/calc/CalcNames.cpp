@@ -95,7 +95,7 @@ std::vector<DefinedName> CalcNames::of(const Workbook& workbook, const CallLimit
   std::vector<DefinedName> list;
   FormulaTranslator translator(ReferenceStyle::a1, sheetTest(workbook));
   add(list, workbook.document, {}, translator, limits);
-  for (const std::string& sheet : sheetNames(workbook)) {
+  for (const std::string& sheet : namedSheets(workbook)) {
     add(list, sheetOf(workbook, sheet), sheet, translator, limits);
   }
   return list;

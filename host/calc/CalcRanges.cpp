@@ -36,6 +36,12 @@ std::vector<std::string> sheetNames(const Workbook& workbook) {
   return result;
 }
 
+std::vector<std::string> namedSheets(const Workbook& workbook) {
+  std::vector<std::string> names = sheetNames(workbook);
+  std::erase(names, "");
+  return names;
+}
+
 std::vector<Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbook& workbook) {
   const Reference<css::container::XIndexAccess> sheets(workbook.sheets, UNO_QUERY_THROW);
   std::vector<Reference<css::sheet::XSpreadsheet>> result;

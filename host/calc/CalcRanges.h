@@ -21,6 +21,10 @@ SpreadsheetError noSuchSheet(const std::string& name);
 
 // The names of the sheets in their order, hidden ones included.
 std::vector<std::string> sheetNames(const Workbook& workbook);
+// The same without those that have none: undoing from outside in a workbook that is not in front
+// leaves such sheets in the one that is. The office finds no sheet by no name, so they are not
+// there for whoever asks by name.
+std::vector<std::string> namedSheets(const Workbook& workbook);
 
 // The sheets themselves, in their order.
 std::vector<css::uno::Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbook& workbook);

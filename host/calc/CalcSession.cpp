@@ -123,10 +123,16 @@ bool CalcSession::takeBack(Unreachable what) {
   return done;
 }
 
+// None on a sheet that the office has made without a place for them.
+std::vector<PlacedMark> CalcSession::marksOn(const SheetRef& sheet) {
+  const auto page = drawPageIfAny(sheetOf(workbook(sheet.book), sheet.sheet));
+  return page.is() ? readMarks(page, limits_) : std::vector<PlacedMark>();
+}
+
 void CalcSession::removeUnreachableMarks(const std::string& book) {
-  for (const std::string& sheet : sheetNames(workbook(book))) {
+  for (const std::string& sheet : namedSheets(workbook(book))) {
     const SheetRef place{book, sheet};
-    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)), limits_);
+    const auto marks = marksOn({book, sheet});
     const bool some = std::any_of(marks.begin(), marks.end(), [&](const PlacedMark& each) {
       return each.mark.asked && each.mark.asked->sheet != place;
     });
@@ -151,8 +157,8 @@ void CalcSession::protectMarks() {
 }
 
 void CalcSession::protectMarks(const std::string& book) {
-  for (const std::string& sheet : sheetNames(workbook(book))) {
-    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)), limits_);
+  for (const std::string& sheet : namedSheets(workbook(book))) {
+    const auto marks = marksOn({book, sheet});
     if (!marks.empty()) conditions({book, sheet}, true);
   }
   if (!shown_.entries(workbook(book)).empty()) takeTurn(workbook(book), true);
@@ -160,8 +166,8 @@ void CalcSession::protectMarks(const std::string& book) {
 
 // The records that are left ask for it again: then there is nothing to do any more.
 void CalcSession::takeBackUnprotected(const std::string& book) {
-  for (const std::string& sheet : sheetNames(workbook(book))) {
-    const auto marks = readMarks(drawPageOf(sheetOf(workbook(book), sheet)), limits_);
+  for (const std::string& sheet : namedSheets(workbook(book))) {
+    const auto marks = marksOn({book, sheet});
     if (!marks.empty()) conditions({book, sheet}).removeMarks();
   }
   const auto entries = shown_.entries(workbook(book));

@@ -99,6 +99,7 @@ class CalcSession {
   void protectMarks(const std::string& book);
   void takeBackUnprotected(const std::string& book);
   void endTurn();
+  std::vector<PlacedMark> marksOn(const SheetRef& sheet);
   void removeUnreachableMarks(const std::string& book);
   void hideUnreachableLines(const std::string& book);
   SheetLines& linesOf(const SheetRef& sheet, Lines kind);

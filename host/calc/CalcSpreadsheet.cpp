@@ -99,7 +99,10 @@ void CalcSpreadsheet::handlerEnds() {
   constexpr std::chrono::seconds most{2};  // what is not done by then is done with later calls
   limits_.waitUntil(std::chrono::steady_clock::now() + most);
   takeBackUnreachable();
-  if (CalcSession* const office = office_->session()) office->hideLeftLines();
+  if (CalcSession* const office = office_->session()) {
+    office->scratch().closeAll();
+    office->hideLeftLines();
+  }
   inHandler_ = false;
   memory_.end();
   office_->keepReadings(false);

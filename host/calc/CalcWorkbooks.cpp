@@ -156,8 +156,10 @@ std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
 }
 
 std::vector<std::string> CalcWorkbooks::sheets(const Workbook& workbook) {
-  if (const auto known = sheets_.find(workbook.name); known != sheets_.end()) return known->second;
-  return readSheets(workbook);
+  const auto known = sheets_.find(workbook.name);
+  std::vector<std::string> names = known != sheets_.end() ? known->second : readSheets(workbook);
+  std::erase(names, "");  // as in namedSheets()
+  return names;
 }
 
 std::vector<std::string> CalcWorkbooks::readSheets(const Workbook& workbook) {

@@ -69,8 +69,8 @@ class CalcWorkbooks {
   void forgetActive();               // another window may have come to the front
   std::vector<std::string> names();  // in the order of opening
   std::shared_ptr<Workbook> named(const std::string& name);       // SpreadsheetError -1728
-  std::vector<std::string> sheets(const Workbook& workbook);      // of one of these, in their order
-  std::vector<std::string> readSheets(const Workbook& workbook);  // as they are at this moment
+  std::vector<std::string> sheets(const Workbook& workbook);      // those of one with a name
+  std::vector<std::string> readSheets(const Workbook& workbook);  // all, as they are at this moment
   std::optional<Window> active();                                 // none when no workbook is open
   Window windowOf(const std::string& name);  // the active one where it has several
   std::vector<Window> windows();

@@ -38,7 +38,8 @@ void addNote(QuietChanges& changes, const Workbook& workbook, const Page& page,
 
 void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines& shown) {
   for (const Reference<css::sheet::XSpreadsheet>& sheet : sheetsOf(workbook)) {
-    const Page page = drawPageOf(sheet);
+    const Page page = drawPageIfAny(sheet);
+    if (!page.is()) continue;
     for (const NamedShape& shape : namedShapes(page)) {
       if (!isNote(shape)) continue;
       const auto noted = shown.noted(shape.name.substr(prefix.size()));
@@ -57,7 +58,8 @@ std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook
   for (int tries = 0; found && tries < mostTries; ++tries) {
     found = false;
     for (const Reference<css::sheet::XSpreadsheet>& sheet : sheetsOf(workbook)) {
-      const Page page = drawPageOf(sheet);
+      const Page page = drawPageIfAny(sheet);
+      if (!page.is()) continue;
       for (const NamedShape& shape : namedShapes(page)) {
         if (!isNote(shape)) continue;
         found = true;

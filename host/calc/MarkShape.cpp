@@ -107,11 +107,14 @@ Box boxAround(const PointSequenceSequence& outlines) {
 // UNO calls this interface deprecated, yet a sheet has no other.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-Reference<css::drawing::XDrawPage> drawPageOf(const Reference<css::sheet::XSpreadsheet>& sheet) {
-  return answered(
-      Reference<css::drawing::XDrawPageSupplier>(sheet, UNO_QUERY_THROW)->getDrawPage());
+Reference<css::drawing::XDrawPage> drawPageIfAny(const Reference<css::sheet::XSpreadsheet>& sheet) {
+  return Reference<css::drawing::XDrawPageSupplier>(sheet, UNO_QUERY_THROW)->getDrawPage();
 }
 #pragma GCC diagnostic pop
+
+Reference<css::drawing::XDrawPage> drawPageOf(const Reference<css::sheet::XSpreadsheet>& sheet) {
+  return answered(drawPageIfAny(sheet));
+}
 
 namespace {
 

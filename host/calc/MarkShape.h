@@ -30,7 +30,10 @@ struct PlacedMark : NumberedMark {
   css::uno::Reference<css::drawing::XShape> shape;
 };
 
-// Where marks lie: the sheet's page of drawings.
+// Where marks lie: the sheet's page of drawings. A sheet that the office has made without a name
+// can lack one; for who looks through all sheets such a one has none.
+css::uno::Reference<css::drawing::XDrawPage> drawPageIfAny(
+    const css::uno::Reference<css::sheet::XSpreadsheet>& sheet);
 css::uno::Reference<css::drawing::XDrawPage> drawPageOf(
     const css::uno::Reference<css::sheet::XSpreadsheet>& sheet);
 

@@ -85,7 +85,7 @@ void copyTables(const Workbook& from, const Workbook& to, const CallLimits& limi
 
 void copyNames(const Workbook& from, const Workbook& to, const CallLimits& limits) {
   copyDefinedNames(from.document, to.document, limits);
-  for (const std::string& sheet : sheetNames(from)) {
+  for (const std::string& sheet : namedSheets(from)) {
     limits.check();
     copyDefinedNames(sheetOf(from, sheet), sheetOf(to, sheet), limits);
   }

@@ -25,6 +25,11 @@ void ScratchWorkbooks::close(const std::string& book) {
   if (active_ == book) deactivate();
 }
 
+void ScratchWorkbooks::closeAll() {
+  made_.clear();
+  deactivate();
+}
+
 ScratchWorkbook* ScratchWorkbooks::find(const std::string& book) {
   const auto found = std::find_if(made_.begin(), made_.end(),
                                   [&](const auto& each) { return each->name() == book; });

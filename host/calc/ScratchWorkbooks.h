@@ -1,5 +1,5 @@
-// ScratchWorkbooks: those that clients have made and not closed. They end with the connection. Call
-// thread.
+// ScratchWorkbooks: those that clients have made and not closed. They end with the handler, or with
+// the connection. Call thread.
 #pragma once
 
 #include <memory>
@@ -16,8 +16,9 @@ class ScratchWorkbooks {
                    CalcWorkbooks& workbooks)
       : context_(std::move(context)), workbooks_(workbooks) {}
 
-  std::string make();                               // which becomes the active one
-  void close(const std::string& book);              // SpreadsheetError -10006 when it is not one
+  std::string make();                   // which becomes the active one
+  void close(const std::string& book);  // SpreadsheetError -10006 when it is not one
+  void closeAll();                      // a handler that could not close its own leaves it
   ScratchWorkbook& named(const std::string& book);  // SpreadsheetError -10006
   ScratchWorkbook* find(const std::string& book);   // null when there is none of that name
   ScratchWorkbook* active() { return find(active_); }

@@ -164,7 +164,7 @@ Reference<css::sheet::XSpreadsheet> sheetWith(const Workbook& workbook, const Pa
   const sal_Int32 count = sheets->getCount();
   const auto sheetAt = [&](sal_Int32 i) {
     const Reference<css::sheet::XSpreadsheet> sheet(sheets->getByIndex(i), UNO_QUERY_THROW);
-    return drawPageOf(sheet) == page ? sheet : Reference<css::sheet::XSpreadsheet>();
+    return drawPageIfAny(sheet) == page ? sheet : Reference<css::sheet::XSpreadsheet>();
   };
   if (position < count)
     if (auto sheet = sheetAt(position); sheet.is()) return sheet;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -116,6 +117,7 @@ class CalcMarksEverywhere : public testing::Test {
         road_.open(folder_ / book);
         break;
       default:
+        activate(book);  // the user undoes where he is
         hands_.enter(book, sheet, "B2", "5");
         for (int i = pick(0, 3); i > 0 && hands_.canUndo(book); --i) hands_.undo(book);
     }
@@ -125,7 +127,8 @@ class CalcMarksEverywhere : public testing::Test {
     std::string found;
     for (const std::string book : books)
       for (const std::string& sheet : hands_.sheets(book))
-        for (const std::string& shape : hands_.shapes(book, sheet))
+        for (const std::string& shape :
+             sheet.empty() ? std::vector<std::string>() : hands_.shapes(book, sheet))
           if (shape.starts_with("Quorin mark")) found += book + " " + sheet + ": " + shape + "\n";
     return found;
   }
@@ -175,6 +178,27 @@ TEST_F(CalcMarksEverywhere, AreTakenBack) {
     }
     expectNothingLeft();
   }
+}
+
+// The office itself makes such sheets when a macro undoes in a workbook that is not in front: in
+// the one that is. It finds no sheet by no name.
+TEST_F(CalcMarksEverywhere, LeaveNoRecordOfASheetWithoutAName) {
+  const std::string front = books[0], behind = books[1];
+  std::string last;
+  for (int i = 0; i < 3; ++i) hands_.copySheet(behind, "One", last = newName());
+  hands_.enter(behind, last, "B2", "5");
+  activate(front);
+  hands_.undo(behind);
+  ASSERT_THAT(hands_.sheets(front), testing::Contains(""));
+  ask("markCells", {Array{"One!A1", "Two!B2"}, Array{255, 0, 0}});
+  const auto refused =
+      road_.bridge().dispatch("markCells", {Array{"''!C3", "One!A2"}, Array{0, 0, 0}});
+  EXPECT_EQ(Marshal::encode(refused.payload),
+            R"({"kind":"transport","message":"sheet not found: "})");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_FALSE(std::filesystem::exists(road_.store().url()));
+  EXPECT_EQ(marks(), "");
+  EXPECT_EQ(ask("evaluate", {"One!A1&\"er\""}), R"({"ok":true,"value":"header"})");
 }
 
 }  // namespace

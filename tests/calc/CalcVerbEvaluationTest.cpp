@@ -9,6 +9,7 @@ namespace quorin::host::calc {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 using namespace std::chrono_literals;
@@ -157,13 +158,28 @@ TEST_F(CalcReads, GivesAChainUpThatTakesTooLongAndCleansUpAfterIt) {
   ASSERT_TRUE(stopProcess(road->office().process()));
   int code = 0;
   try {
-    road->thread().call("qx_deepeval", {Array{"1+2"}}, 0.3);
+    road->thread().call("qx_deepeval", {JSONValue(Array{"1+2"})}, 0.3);
   } catch (const ExcelError& error) {
     code = error.code();
   }
   ASSERT_EQ(::kill(road->office().process(), SIGCONT), 0);
   EXPECT_EQ(code, ExcelError::timedOut);
   EXPECT_EQ(deep({"1+2"}), R"({"ok":true,"value":3})");  // after the one that went on
+  EXPECT_EQ(hands->documents(), documents);
+}
+
+// A script that was given up, or that the office has failed, may not come to closing it.
+TEST_F(CalcReads, LeavesNoScratchWorkbookThatAHandlerHasNotClosed) {
+  deep({"1"});
+  const int documents = hands->documents();
+  road->use([](CalcSpreadsheet& calc) {
+    calc.handlerBegins({});
+    const std::string book = calc.makeWorkbook();
+    EXPECT_THAT(calc.workbooks(), Contains(book));
+    calc.handlerEnds();
+    EXPECT_THAT(calc.workbooks(), ElementsAre("Second.xlsx", "Edges.xlsx"));
+    EXPECT_EQ(calc.activeWorkbook(), "Edges.xlsx");
+  });
   EXPECT_EQ(hands->documents(), documents);
 }
 

@@ -16,6 +16,7 @@
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/Text.h"
 #include "tests/calc/CalcFixture.h"
+#include "tests/fakes/StoppedProcess.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -96,7 +97,7 @@ TEST(CellDataOfADyingOffice, FailsAsTheBindingDoes) {
   const auto block = workbook.cells("A1:C2");
   cellData(block);
   const pid_t process = office.process();
-  ASSERT_EQ(::kill(process, SIGSTOP), 0);
+  ASSERT_TRUE(stopProcess(process));
   const auto death = std::async(std::launch::async, [process] {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     ::kill(process, SIGKILL);

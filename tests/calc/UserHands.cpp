@@ -194,7 +194,7 @@ std::vector<Reference<css::drawing::XShape>> shapesOn(
   while (true) {
     try {
       std::vector<Reference<css::drawing::XShape>> shapes;
-      const sal_Int32 count = page->getCount();
+      const sal_Int32 count = page.is() ? page->getCount() : 0;
       for (sal_Int32 i = 0; i < count; ++i)
         shapes.emplace_back(page->getByIndex(i), UNO_QUERY_THROW);
       return shapes;
@@ -207,7 +207,7 @@ std::vector<Reference<css::drawing::XShape>> shapesOn(
 
 std::vector<std::string> UserHands::shapes(const std::string& book, const std::string& sheet) {
   std::vector<std::string> names;
-  for (const auto& shape : shapesOn(drawPageOf(objects_->sheet(book, sheet))))
+  for (const auto& shape : shapesOn(drawPageIfAny(objects_->sheet(book, sheet))))
     names.push_back(toText(Reference<css::container::XNamed>(shape, UNO_QUERY_THROW)->getName()));
   return names;
 }

@@ -25,7 +25,8 @@ std::vector<MarkedSheet> findMarks(const Workbook& workbook) {
   std::vector<MarkedSheet> found;
   const std::vector<Reference<css::sheet::XSpreadsheet>> sheets = sheetsOf(workbook);
   for (std::size_t i = 0; i < sheets.size(); ++i) {
-    const auto page = drawPageOf(sheets[i]);
+    const auto page = drawPageIfAny(sheets[i]);
+    if (!page.is()) continue;
     std::vector<PlacedMark> marks = readMarks(page);
     if (!marks.empty())
       found.push_back({static_cast<sal_Int32>(i), sheets[i], page, std::move(marks)});
