@@ -175,7 +175,7 @@ on qx_cf_clear(addrs, bookName, sheetName)
 			try
 				set sh to my qx_cf_sheet(bookName, sheetName)
 			on error msg number n
-				if n is -1728 then my qx_cf_strays(bookName)
+				if n is -1728 then my qx_cf_strays(addrs, bookName, sheetName)
 				error msg number n
 			end try
 			try
@@ -185,6 +185,7 @@ on qx_cf_clear(addrs, bookName, sheetName)
 					set gone to gone + (my qx_cf_remove(item k of places))
 				end repeat
 				if not allBound then my qx_cf_sweep(bookName)
+				my qx_cf_copies(addrs, bookName, sheetName)
 				return gone
 			on error msg number n
 				-- The sheet was there: what is missing now must not pass for a sheet that is gone.
@@ -229,7 +230,7 @@ end qx_cf_sweep
 
 -- The same in a workbook whose sheet is gone, or in all of them when the workbook itself is: it may
 -- have been saved under another name. The record goes whatever comes of it, so an error is none.
-on qx_cf_strays(bookName)
+on qx_cf_strays(addrs, bookName, sheetName)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
 			try
@@ -239,11 +240,46 @@ on qx_cf_strays(bookName)
 				repeat with k from 1 to count of bookNames
 					my qx_cf_sweep(item k of bookNames)
 				end repeat
+				my qx_cf_copies(addrs, bookName, sheetName)
 			end try
 			return true
 		end timeout
 	end tell
 end qx_cf_strays
+
+-- Deletes the sentinel conditions of these addresses on the copies of the sheet, which took them
+-- along: "Sheet (2)" in whichever workbook, and a sheet of its name in another, which may as well be
+-- the sheet itself, moved there. Excel shortens a name to make room for the number.
+on qx_cf_copies(addrs, bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set stem to sheetName
+			if (length of stem) > 27 then set stem to text 1 thru 27 of stem
+			set bookNames to name of every workbook
+			if class of bookNames is not list then set bookNames to {bookNames}
+			repeat with k from 1 to count of bookNames
+				set oneBook to item k of bookNames
+				set sheetNames to name of every worksheet of workbook oneBook
+				if class of sheetNames is not list then set sheetNames to {sheetNames}
+				repeat with j from 1 to count of sheetNames
+					set oneSheet to item j of sheetNames
+					if oneSheet is sheetName then
+						set isCopy to oneBook is not bookName
+					else
+						set isCopy to oneSheet starts with (stem & " (")
+					end if
+					if isCopy then
+						set {places, allBound} to my qx_cf_places(addrs, oneBook, worksheet oneSheet of workbook oneBook)
+						repeat with m from 1 to count of places
+							my qx_cf_remove(item m of places)
+						end repeat
+					end if
+				end repeat
+			end repeat
+			return true
+		end timeout
+	end tell
+end qx_cf_copies
 
 -- The ranges of these addresses, all together and each alone, and whether each of them binds.
 on qx_cf_places(addrs, bookName, sh)

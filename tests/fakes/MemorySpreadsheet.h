@@ -45,6 +45,8 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   void userDeletesRows(const host::SheetRef& sheet, int row, int count);
   void userRenamesSheet(const host::SheetRef& sheet, const std::string& name);
   void userCopiesSheet(const host::SheetRef& sheet, const std::string& copy);  // with its marks
+  void userCopiesSheetTo(const host::SheetRef& sheet, const host::SheetRef& copy);
+  void userDeletesSheet(const host::SheetRef& sheet);
   void userSaves(const std::string& book);
   void userSavesAs(const std::string& book, const std::string& name);
   void userReopens(const std::string& book);  // closed as it is, and opened as it was last saved

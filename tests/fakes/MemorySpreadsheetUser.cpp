@@ -34,9 +34,20 @@ void MemorySpreadsheet::userRenamesSheet(const SheetRef& sheet, const std::strin
 }
 
 void MemorySpreadsheet::userCopiesSheet(const SheetRef& sheet, const std::string& copy) {
+  userCopiesSheetTo(sheet, {sheet.book, copy});
+}
+
+void MemorySpreadsheet::userCopiesSheetTo(const SheetRef& sheet, const SheetRef& copy) {
   MemorySheet made = sheetOf(sheet);
-  made.name = copy;
-  bookOf(sheet.book).sheets.push_back(std::move(made));
+  made.name = copy.sheet;
+  bookOf(copy.book).sheets.push_back(std::move(made));
+  userChanged(copy.book);
+}
+
+void MemorySpreadsheet::userDeletesSheet(const SheetRef& sheet) {
+  sheetOf(sheet);
+  std::erase_if(bookOf(sheet.book).sheets,
+                [&](const MemorySheet& each) { return each.name == sheet.sheet; });
   userChanged(sheet.book);
 }
 

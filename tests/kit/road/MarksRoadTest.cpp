@@ -175,6 +175,36 @@ TEST_F(MarksRoad, TakesHighlightsBackThatTheUserHasCarriedAway) {
   EXPECT_FALSE(std::filesystem::exists(store_.url()));
 }
 
+// Named as Excel names them.
+TEST_F(MarksRoad, TakesHighlightsBackFromTheCopiesOfTheirSheet) {
+  const std::string longName(31, 'x'), shortened = std::string(27, 'x') + " (2)";
+  memory_->open({.name = "Other.xlsx", .sheets = {{"Home", {}}}});
+  memory_->activateWorkbook("Known.xlsx");
+  memory_->userCopiesSheet({"Known.xlsx", "Data"}, longName);
+  mark({"Data!B2", "Data!D4:D5", longName + "!C3"});
+  memory_->userCopiesSheet({"Known.xlsx", "Data"}, "Data (2)");
+  memory_->userCopiesSheetTo({"Known.xlsx", "Data"}, {"Other.xlsx", "Data"});
+  memory_->userCopiesSheetTo({"Known.xlsx", longName}, {"Other.xlsx", shortened});
+  memory_->addFormatCondition(on("Other.xlsx", "Data", "B2"), "=$B$2>1");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":3})");
+  EXPECT_EQ(marked("Known.xlsx", "Data (2)") + marked("Other.xlsx", "Data") +
+                marked("Other.xlsx", shortened),
+            "");
+  EXPECT_THAT(conditions("Other.xlsx", "Data", false), SizeIs(1)) << "the user's";
+}
+
+// The sheet is gone from where it was recorded.
+TEST_F(MarksRoad, TakesHighlightsBackFromASheetThatWasMovedToAnotherWorkbook) {
+  memory_->open({.name = "Other.xlsx", .sheets = {{"Home", {}}}});
+  memory_->activateWorkbook("Known.xlsx");
+  mark({"Data!B2"});
+  memory_->userCopiesSheetTo({"Known.xlsx", "Data"}, {"Other.xlsx", "Data"});
+  memory_->userDeletesSheet({"Known.xlsx", "Data"});
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":0})");
+  EXPECT_EQ(marked("Other.xlsx", "Data"), "");
+  EXPECT_FALSE(std::filesystem::exists(store_.url()));
+}
+
 TEST_F(MarksRoad, SaysWhatItCannotBind) {
   EXPECT_THAT(mark({"NoSuchName"}), HasSubstr("range does not exist: NoSuchName"));
   EXPECT_THAT(store_.load(), SizeIs(1)) << "recorded first";
