@@ -71,6 +71,17 @@ def index_rules(source):
             yield source.at(use.start(), f"descriptor items are counted from 1, not by '{index}'")
 
 
+def untyped_rules(source):
+    """An `id` may be of any class, and a message that its class lacks ends the program: it is asked
+    for its class, and cast, before anything else is asked of it."""
+    asked = "isKindOfClass|respondsToSelector|isEqual|description"
+    for variable in source.find(r"\bid (\w+) = "):
+        sent = rf"\[{variable.group(1)} (?!(?:{asked})\b)\w+"
+        for message in re.finditer(sent, source.text[variable.end():]):
+            yield source.at(variable.end() + message.start(),
+                            f"'{variable.group(1)}' may be of a class that has no such message")
+
+
 def thread_rules(source):
     for call in source.find(r"\bdispatch_(?:async|sync|after)\s*\("):
         given = arguments(source.text, call.start())
@@ -191,9 +202,9 @@ def updater_rules(source):
         yield f"{source.name}: the updater's controller is not kept"
 
 
-PER_SOURCE = (panel_rules, notification_rules, index_rules, thread_rules, run_loop_rules,
-              script_rules, event_rules, web_rules, capture_rules, hot_key_rules, service_rules,
-              updater_rules)
+PER_SOURCE = (panel_rules, notification_rules, index_rules, untyped_rules, thread_rules,
+              run_loop_rules, script_rules, event_rules, web_rules, capture_rules, hot_key_rules,
+              service_rules, updater_rules)
 
 
 def whole_rules(sources):
