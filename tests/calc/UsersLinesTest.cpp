@@ -128,6 +128,56 @@ TEST_F(UsersLines, AreHiddenAgainWhereAllOfAGroupWasShownBeforeTheUserOpensIt) {
   EXPECT_EQ(takeBack(), "4 5 ");
 }
 
+// Opening a group shows its rows and no others.
+TEST_F(UsersLines, AreHiddenAgainRightBesideAGroupThatTheUserOpens) {
+  hands->groupRows(name, "One", "A7:A8");
+  hands->collapseRows(name, "One", "A7:A8");
+  reveal("One!A6", "row 6");
+  hands->expandRows(name, "One", "A7:A8");
+  EXPECT_EQ(hidden("One"), "4 5 ");
+  EXPECT_EQ(takeBack(), "4 5 6 ");
+}
+
+TEST_F(UsersLines, AreHiddenAgainBesideAGroupThatTheUserCloses) {
+  hands->groupRows(name, "One", "A7:A8");
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->collapseRows(name, "One", "A7:A8");
+  EXPECT_EQ(takeBack(), "4 5 6 7 8 ");
+  hands->expandRows(name, "One", "A7:A8");
+  EXPECT_EQ(hidden("One"), "4 5 6 ");
+}
+
+// The rows beside the group tell nothing of it, and hide what tells.
+TEST_F(UsersLines, AreHiddenAgainInAGroupWithOtherHiddenRowsRightBesideThem) {
+  hands->groupRows(name, "One", "A7:A8");
+  hands->collapseRows(name, "One", "A7:A8");
+  reveal("One!A7", "row 7");
+  hands->expandRows(name, "One", "A7:A8");
+  EXPECT_EQ(hidden("One"), "4 5 6 ");
+  EXPECT_EQ(takeBack(), "4 5 6 7 ");
+}
+
+// As where he ends it: a filter that is no more hides nothing.
+TEST_F(UsersLines, StayVisibleWhereTheUserUndoesTheFilterThatHidThem) {
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  reveal("One!A2", "row 2");
+  hands->undo(name);
+  EXPECT_EQ(hidden("One"), "4 5 6 ");
+  EXPECT_EQ(takeBack(), "4 5 6 ");
+  hands->redo(name);
+  EXPECT_EQ(hidden("One"), "2 4 6 8 ");
+}
+
+// The filter was his, and undoing it as well; that rows were hidden before us no one can tell then.
+TEST_F(UsersLines, StayVisibleWhereTheUserUndoesAFilterOverThem) {
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  lookAtMarks();
+  hands->undo(name);
+  EXPECT_EQ(hidden("One"), "");
+  EXPECT_EQ(takeBack(), "");
+}
+
 TEST_F(UsersLines, StayVisibleInAWorkbookThatWasOpenedAnew) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->save(name);
