@@ -10,8 +10,9 @@
 // whose sheet or workbook is gone has all marks taken away, wherever they are. But a mark stays
 // where its cell has moved off every recorded address, or on the copy of its sheet under a name of
 // the user's, as long as each record finds its sheet: whatever carried them there, marks are taken
-// off the recorded cells and off no other. Lines that are shown when the records lose them stay shown.
-// Rows are inserted and deleted below the hidden ones: Excel knows those by their numbers alone.
+// off the recorded cells and off no other. Lines that are shown when the records lose them stay
+// shown. Rows are inserted and deleted below the hidden ones: Excel knows those by their numbers
+// alone.
 #include <algorithm>
 #include <cstdlib>
 #include <map>
