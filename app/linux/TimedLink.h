@@ -20,7 +20,12 @@ class TimedLink : public BridgeLink {
     PanelReply reply = BridgeLink::dispatch(verb, args);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
     const std::lock_guard lock(mutex_);
-    calls_.push_back(JSONValue::Array{verb, took.count()});
+    // One at a time: from a list of both g++ 14 believes that it reads behind the end.
+    JSONValue::Array call;
+    call.reserve(2);
+    call.emplace_back(verb);
+    call.emplace_back(took.count());
+    calls_.emplace_back(std::move(call));
     return reply;
   }
 
