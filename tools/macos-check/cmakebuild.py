@@ -7,6 +7,7 @@ import re
 import shutil
 import subprocess
 
+import linking
 import stubs
 from toolchain import MissingTool
 
@@ -104,6 +105,7 @@ def examined(folder, architecture, tools):
     if values.get("CFBundleIdentifier") != "com.quorin.app":
         yield "Info.plist: the identifier is another one"
     program = app / "Contents/MacOS/Quorin"
+    yield from linking.openings(program)
     if architecture not in command_output(tools / "llvm-objdump", "--macho", "--private-header",
                                           program).lower().replace("x86_64h", ""):
         yield f"the program is not for {architecture}"

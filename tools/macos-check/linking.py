@@ -37,3 +37,14 @@ def missing_symbols(text):
 def is_of_googletest(symbol):
     """Whether a mangled name belongs to its namespace."""
     return re.match(r"__Z(?:T[VIST]|GV)?N?K?7testing", symbol) is not None
+
+
+def openings(program):
+    """What lets others look into the linked program: the functions that listen for them, and the
+    variable that tells the Linux program's tests where."""
+    content = program.read_bytes()
+    for name in ("socket", "bind", "listen", "accept", "connect"):
+        if b"\0_" + name.encode() + b"\0" in content:
+            yield f"the program calls {name}"
+    if b"QX_TEST" in content:
+        yield "the program knows the socket for tests"

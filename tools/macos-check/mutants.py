@@ -162,9 +162,10 @@ def link_findings(session, compiler, copy, sources):
                 source.relative_to(session.project) not in changed]
     output = session.folder / f"mutant-{copy.root.name}"
     result = session.runner.run(linking.job(session, objects, output))
+    opened = list(linking.openings(output)) if result.ok else []
     output.unlink(missing_ok=True)
     if result.ok:
-        return []
+        return opened
     return [f"nobody defines {name}" for name in linking.missing_symbols(result.text)] or [
         result.text]
 

@@ -99,9 +99,10 @@ def compile_step(session):
 def link_step(session):
     objects = [session.compiler.compile(source, "arm64").output
                for source in session.portable + session.adapters]
-    result = session.runner.run(linking.job(session, objects, session.folder / "Quorin"))
+    program = session.folder / "Quorin"
+    result = session.runner.run(linking.job(session, objects, program))
     if result.ok:
-        return []
+        return list(linking.openings(program))
     missing = linking.missing_symbols(result.text)
     return [f"nobody defines {name}" for name in missing] or [result.text]
 
