@@ -257,6 +257,39 @@ TEST_F(WebViewContract, OpensNoWindow) {
   EXPECT_FALSE(elsewhere.wasAsked());
 }
 
+// Pages without a server, too: none is in a frame, and none has the handler.
+TEST_F(WebViewContract, ShowsNoPageInAFrame) {
+  const std::string page =
+      "`<script>webkit.messageHandlers.qx.postMessage('frame');"
+      "top.webkit.messageHandlers.qx.postMessage('frame')<\\/script><p>framed`";
+  for (const std::string& step :
+       {"f.srcdoc = " + page, "f.src = 'data:text/html,' + encodeURIComponent(" + page + ")",
+        "f.src = URL.createObjectURL(new Blob([" + page + "], {type: 'text/html'}))"}) {
+    load("<p>own");
+    recorder.bodies.clear();
+    view->evaluate("{const f = document.createElement('iframe'); " + step +
+                   "; f.onload = () => webkit.messageHandlers.qx.postMessage('ended');"
+                   " document.body.append(f)}");
+    runFor(300ms);
+    EXPECT_THAT(recorder.bodies, Not(testing::Contains(JSONValue("frame")))) << step;
+    EXPECT_EQ(valueOf("document.querySelector('p').textContent"), "\"own\"") << step;
+  }
+}
+
+TEST_F(WebViewContract, FetchesNothingForALink) {
+  for (const std::string& address :
+       {std::string("'data:text/plain,x'"), std::string("URL.createObjectURL(new Blob(['x']))")}) {
+    load("<p>own");
+    recorder.calls.clear();
+    view->evaluate("{const a = document.createElement('a'); a.download = 'thing.txt'; a.href = " +
+                   address + "; document.body.append(a); a.click()}");
+    ASSERT_TRUE(waitUntil([&] { return !recorder.calls.empty(); })) << address;
+    runFor(100ms);
+    EXPECT_THAT(recorder.calls, Each(StartsWith("refused: "))) << address;
+    EXPECT_EQ(valueOf("document.querySelector('p').textContent"), "\"own\"") << address;
+  }
+}
+
 TEST_F(WebViewContract, FollowsNoRedirectionToAnotherPage) {
   const LocalPort own, elsewhere;
   ASSERT_EQ(listen(own.descriptor(), 4), 0);

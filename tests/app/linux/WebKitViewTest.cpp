@@ -120,6 +120,25 @@ TEST_F(WebKitViewTest, GrantsNoPermission) {
   EXPECT_THAT(recorder.calls, Contains("refused: permission"));
 }
 
+// With a camera and a microphone that WebKit makes up, so that they would be there.
+TEST_F(WebKitViewTest, GrantsNoCameraAndNoMicrophone) {
+  WebKitSettings* const settings = webkit_web_view_get_settings(WEBKIT_WEB_VIEW(view.widget()));
+  webkit_settings_set_enable_media_stream(settings, TRUE);
+  webkit_settings_set_enable_mock_capture_devices(settings, TRUE);
+  gtk_widget_show_all(window);
+  load("<p>own");
+  for (const char* wanted : {"{video: true}", "{audio: true}", "{audio: true, video: true}"}) {
+    recorder.bodies.clear();
+    recorder.calls.clear();
+    view.evaluate(std::string("navigator.mediaDevices.getUserMedia(") + wanted + R"().then(
+        () => "granted", (error) => error.name).then(
+        (told) => window.webkit.messageHandlers.qx.postMessage(told));)");
+    ASSERT_TRUE(receives(1)) << wanted;
+    EXPECT_EQ(Marshal::encode(recorder.bodies[0]), R"("NotAllowedError")") << wanted;
+    EXPECT_THAT(recorder.calls, ElementsAre("refused: permission")) << wanted;
+  }
+}
+
 TEST_F(WebKitViewTest, TellsThatTheProcessEndedAndLoadsAgain) {
   load("<p>alive");
   recorder.calls.clear();
