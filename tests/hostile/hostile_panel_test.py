@@ -23,7 +23,8 @@ from desk import Desk, Quorin  # noqa: E402
 from try_panel import Trouble as PanelTrouble  # noqa: E402
 import make_corpus  # noqa: E402
 from case import CASES, Place  # noqa: E402
-from surroundings import Lines, Listener, Reaches, Trouble, children_of, memory  # noqa: E402
+from surroundings import (Lines, Listener, Reaches, Trouble, children_of, memory,  # noqa: E402
+                          open_to_others, told_by_log)
 from tool import BUDGETS, OVER  # noqa: E402
 
 MOST_MEMORY = 500  # MB
@@ -286,6 +287,9 @@ def main():
                 print("Nothing further can be tried.")
                 break
         most = trial.most
+        for line in told_by_log(trial.desk.folder) + open_to_others(trial.desk.folder):
+            failed.append(line)
+            print(line[:300], flush=True)
     finally:
         trial.end()
     print(f"{len(cases)} hostile workbooks beside the panel, {len(failed)} failures; at most "

@@ -21,7 +21,7 @@ import time
 
 import make_corpus
 from case import CASES, Case, Place
-from surroundings import Listener, Reaches, Trouble
+from surroundings import Listener, Reaches, Trouble, told_by_log
 from tool import Tool
 from walk import walk
 
@@ -186,6 +186,9 @@ def main():
                           + f"    guarded by: {case.guard}", flush=True)
         finally:
             trial.end()
+        for line in told_by_log(folder):
+            failed.append(line)
+            print(line[:300], flush=True)
     finally:
         shutil.rmtree(folder, ignore_errors=True)
     print(f"{len(cases)} hostile workbooks, {len(failed)} failures")

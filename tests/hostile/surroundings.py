@@ -116,6 +116,28 @@ class Reaches:
         return any(path == one or path.startswith(one + "/") for one in self.ours)
 
 
+# Parts of what the workbooks' cells hold, and of their formulas.
+CONTENTS = re.compile(r"the secret of|127\.0\.0\.1|xxxxxxxx|\b(LEN|SUM|IF|ABS|REPT|COMBIN|WEBSERVICE|"
+                      r"HYPERLINK|FILTERXML|MUNIT)\(", re.IGNORECASE)
+
+
+def told_by_log(folder):
+    """Lines of the logs below the folder that tell of contents of cells."""
+    logs = list(folder.rglob("quorin.log"))
+    lines = [line for log in logs for line in log.read_text(errors="replace").splitlines()]
+    if not lines:
+        return ["there is no log"]
+    return [f"the log tells contents: {line}" for line in lines if CONTENTS.search(line)]
+
+
+def open_to_others(folder):
+    """Folders of Quorin's below that one into which somebody else may look."""
+    own = {path.parent for name in ("quorin.log", "lock") for path in folder.rglob(name)
+           if path.parent.name == "Quorin"}
+    found = [f"{one} is open to others" for one in sorted(own) if one.stat().st_mode & 0o077]
+    return found if len(own) == 2 else [f"the folders of log and data are {sorted(own)}"]
+
+
 class Lines:
     """A process that answers one line of JSON with one line of JSON."""
 

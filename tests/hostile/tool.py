@@ -25,7 +25,8 @@ class Tool:
         self.start()
 
     def start(self):
-        self.tool = Lines([self.program, "--workbook", self.ordinary, "--timing"], self.environment)
+        self.tool = Lines([self.program, "--workbook", self.ordinary, "--timing", "--data",
+                           self.environment["XDG_DATA_HOME"]], self.environment)
         self.client = None
         try:
             self.value("probe", patience=PATIENCE)

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <future>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <thread>
 
 #include "kit/platform/Platform.h"
@@ -287,6 +288,14 @@ TEST_F(DiagLogTest, StaysSilentWhereAFolderOrADeviceStandsInItsPlace) {
   log("x");
   EXPECT_TRUE(fs::is_symlink(file));
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST_F(DiagLogTest, IsTheUsersAloneWhateverTheUmask) {
+  const mode_t mask = ::umask(0);
+  log("x");
+  ::umask(mask);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
+  EXPECT_EQ(fs::status(file.parent_path()).permissions(), fs::perms(0700));
 }
 
 TEST_F(DiagLogTest, ReplacesAReadOnlyFile) {
