@@ -27,17 +27,24 @@ ArrayShape shapeOfConstant(std::string_view text);
 class ArrayOperands {
  public:
   void add(const ArrayShape& one) {
+    isEmpty_ = false;
     if (std::exchange(skips_, false)) return;
     all_ = {std::max(all_.rows, one.rows), std::max(all_.columns, one.columns)};
     largest_ = std::max(largest_, one.count());
   }
   // One that works something out of one operand or two.
-  void sign() { ++signs_; }
+  void sign() {
+    ++signs_;
+    isEmpty_ = false;
+  }
   // "&", which makes texts.
   void join() { ++joins_; }
   // What comes next makes one reference with what was added last: no values of its own.
   void skip() { skips_ = true; }
   const ArrayShape& shape() const { return all_; }
+  // Nothing stands there yet, or it is only one operand.
+  bool isEmpty() const { return isEmpty_; }
+  bool isAlone() const { return signs_ == 0; }
   // The values that there are only because they meet; 0 where one of them has as many already.
   double crossed() const { return all_.count() > largest_ ? all_.count() : 0; }
   // What the signs among them have to do.
@@ -47,7 +54,7 @@ class ArrayOperands {
   ArrayShape all_;
   double largest_ = 1;
   int signs_ = 0, joins_ = 0;
-  bool skips_ = false;
+  bool skips_ = false, isEmpty_ = true;
 };
 
 struct ArrayCall {

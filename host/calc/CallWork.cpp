@@ -4,7 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "host/calc/FunctionCalls.h"
+#include "host/calc/FunctionWork.h"
+#include "host/calc/MadeArrays.h"
 #include "host/calc/ReferenceText.h"
 
 namespace quorin::host::calc {
@@ -22,7 +23,7 @@ struct Searching {
   std::string_view through;  // a letter for each argument, "r" for these; the last two go on
   double times;
 };
-constexpr std::array<Searching, 39> searching{{
+constexpr std::array<Searching, 41> searching{{
     {"AVERAGEIF", "rvr", 0.5},     {"AVERAGEIFS", "rrv", 1},
     {"COUNTIF", "rv", 0.5},        {"COUNTIFS", "rv", 1},
     {"FORECAST", "vrr", 2},        {"FORECAST.LINEAR", "vrr", 2},
@@ -42,7 +43,8 @@ constexpr std::array<Searching, 39> searching{{
     {"Z.TEST", "rvv", 1},          {"ZTEST", "rvv", 1},
     {"NETWORKDAYS", "vvr", 10},    {"NETWORKDAYS.INTL", "vvvr", 10},
     {"WORKDAY", "vvr", 10},        {"WORKDAY.INTL", "vvvr", 10},
-    {"AGGREGATE", "vvrv", 5},
+    {"AGGREGATE", "vvrv", 5},      {"IRR", "rv", 20},
+    {"SERIESSUM", "vvvr", 1.5},
 }};
 
 // Whether Calc looks through the argument; `through` goes on with its last two letters.
@@ -52,36 +54,10 @@ bool isLookedThrough(std::string_view through, std::size_t argument) {
   return through[from + (argument - from) % 2] == 'r';
 }
 
-// Of these one value comes for each.
-bool takesOneEach(std::string_view function) {
-  static constexpr std::array<std::string_view, 64> more{
-      "ACOS",        "ASIN",      "ATAN",      "ATAN2",   "BITAND",     "CHAR",      "CLEAN",
-      "CODE",        "COMBIN",    "COMBINA",   "COS",     "COSH",       "DATEVALUE", "DEGREES",
-      "DOLLAR",      "EDATE",     "EOMONTH",   "ERF",     "ERFC",       "EVEN",      "FACT",
-      "FIXED",       "FV",        "GAMMA",     "GAMMALN", "ISEVEN",     "ISLOGICAL", "ISNONTEXT",
-      "ISODD",       "LOG",       "LOG10",     "MINUTE",  "MROUND",     "NORM.DIST", "NORM.INV",
-      "NORM.S.DIST", "NORMDIST",  "NORMSDIST", "NPER",    "ODD",        "PERMUT",    "PMT",
-      "PROPER",      "PV",        "QUOTIENT",  "RADIANS", "REPLACE",    "REPT",      "ROMAN",
-      "SEARCH",      "SECOND",    "SIN",       "SINH",    "SUBSTITUTE", "TAN",       "TANH",
-      "TIME",        "TIMEVALUE", "TRUNC",     "UNICHAR", "UNICODE",    "VALUE",     "WEEKDAY",
-      "WEEKNUM"};
-  return contains(more, function) || (givesOne(function, false) && !givesOne(function, true));
-}
-
 bool makesText(std::string_view function) {
   static constexpr std::array<std::string_view, 5> names{"CONCATENATE", "REPLACE", "REPT",
                                                          "SUBSTITUTE", "TEXT"};
   return contains(names, function);
-}
-
-// What the argument comes to, if that is one number; 0 for any other one value.
-std::optional<double> toldNumber(const CallArgument& argument, const ExpressionContext& context) {
-  if (const auto stands = numberIn(argument.calc)) return stands;
-  if (!context.valueOf || argument.excel.empty()) return std::nullopt;
-  const auto told = context.valueOf(argument.excel);
-  if (!told) return std::nullopt;
-  const auto* value = std::get_if<double>(&*told);
-  return value != nullptr ? *value : 0;
 }
 
 // The length of a text that stands there.
@@ -186,19 +162,33 @@ void addMatrix(OfficeWork& work, const WorkingCall& call) {
   }
 }
 
-// Up to which of their arguments these count.
-struct Counting {
-  std::string_view function;
-  int argument;  // -1: each
-};
-constexpr std::array<Counting, 22> counting{{
-    {"AMORDEGRC", 4},     {"BESSELI", 1},      {"BESSELJ", 1},     {"BESSELK", 1},
-    {"BESSELY", 1},       {"BINOM.INV", 0},    {"COMBIN", 1},      {"COMBINA", 1},
-    {"CRITBINOM", 0},     {"CUMIPMT", 4},      {"CUMIPMT_ADD", 4}, {"CUMPRINC", 4},
-    {"CUMPRINC_ADD", 4},  {"HYPGEOM.DIST", 1}, {"HYPGEOMDIST", 1}, {"MULTINOMIAL", -1},
-    {"NEGBINOM.DIST", 0}, {"NEGBINOMDIST", 0}, {"PERMUT", 1},      {"VDB", 4},
-    {"WORKDAY", 1},       {"WORKDAY.INTL", 1},
-}};
+// The text of a pattern, asked for where it does not stand there.
+std::optional<std::string> patternOf(const CallArgument& argument,
+                                     const ExpressionContext& context) {
+  const std::string_view stands = trimmed(argument.calc);
+  if (textLength(stands)) return std::string(stands);
+  const auto told = context.valueOf && !argument.excel.empty() ? context.valueOf(argument.excel)
+                                                               : std::optional<CellValue>();
+  const auto* text = told ? std::get_if<std::string>(&*told) : nullptr;
+  return text != nullptr ? std::optional(*text) : std::nullopt;
+}
+
+// Calc gives a single value up after some seconds. With one repetition at most it takes as many
+// steps as the text has pairs of characters.
+void addPattern(OfficeWork& work, const WorkingCall& call, double values) {
+  constexpr double givenUp = 2e7, pair = 0.05;
+  constexpr std::string_view repetitions = "*+{";
+  const auto pattern = call.arguments.size() > 1 ? patternOf(call.arguments[1], call.context)
+                                                 : std::optional<std::string>("");
+  const auto count = !pattern ? 2 : std::count_if(pattern->begin(), pattern->end(), [&](char c) {
+    return repetitions.find(c) != repetitions.npos;
+  });
+  if (count > 1) {
+    work.values += values * givenUp;
+  } else {
+    work.replacedByAny += values * pair;
+  }
+}
 
 }  // namespace
 
@@ -210,8 +200,9 @@ void addCall(OfficeWork& work, const WorkingCall& call, ArrayCall& made) {
   const auto makes = [&made](const ArrayOperands& operands) {
     if (made.shape.count() <= 1) made = {operands.shape(), operands.crossed()};
   };
-  if (search != searching.end()) makes(searched(work, call, *search));
-  if (takesOneEach(function)) {
+  if (search != searching.end()) {
+    makes(searched(work, call, *search));
+  } else if (!takesWhole(function) && !makesArray(function)) {
     ArrayOperands all;
     for (const ArrayShape& one : call.shapes) all.add(one);
     makes(all);
@@ -220,43 +211,13 @@ void addCall(OfficeWork& work, const WorkingCall& call, ArrayCall& made) {
   addRepeated(work, call);
   addMatrix(work, call);
   const double values = made.shape.count();
-  if (values > 1) work.values += values;
+  const double steps = stepsOf(function, call.shapes);
+  if (values > 1 || steps > 1) work.values += values * steps;
+  if (looksForPattern(function)) addPattern(work, call, values);
   if (makesText(function) && values > 1) work.texts += values;
   if (function == "TEXTJOIN") addJoined(work, call);
   if (function == "SUBSTITUTE") addReplaced(work, call, values);
   if (function == "REPT") addRepeatedText(work, call);
-}
-
-std::optional<std::string> countedCall(OfficeWork& work, const WorkingCall& call,
-                                       const ArrayShape& shape, const ExpressionContext& context) {
-  const double values = shape.count();
-  constexpr double mostCounted = 2e7;
-  const auto* const how = std::find_if(counting.begin(), counting.end(), [&](const Counting& one) {
-    return one.function == call.function;
-  });
-  if (how == counting.end()) return std::nullopt;
-  const double most = std::floor(mostCounted / std::max(values, 1.0));
-  std::string written;
-  bool anew = false;
-  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
-    const CallArgument& argument = call.arguments[i];
-    if (i > 0) written += ';';
-    if ((how->argument >= 0 && static_cast<std::size_t>(how->argument) != i) ||
-        trimmed(argument.calc).empty()) {
-      written += argument.calc;
-      continue;
-    }
-    const auto told = toldNumber(argument, context);
-    work.counted += (told ? std::abs(*told) : most) * std::max(values, 1.0);
-    if (numberIn(argument.calc)) {
-      written += argument.calc;
-    } else {
-      anew = true;
-      written += "IF(ABS(" + argument.calc + ")>" + std::to_string(std::llround(most)) + ";NA();" +
-                 argument.calc + ")";
-    }
-  }
-  return anew ? std::optional(written) : std::nullopt;
 }
 
 }  // namespace quorin::host::calc

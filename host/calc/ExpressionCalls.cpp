@@ -1,9 +1,11 @@
 // The calls of an expression: their arguments, what they give and what stands for them.
 #include <algorithm>
 
+#include "host/calc/BoundedCall.h"
 #include "host/calc/CallWork.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/ExpressionWriter.h"
+#include "host/calc/FoundCells.h"
 #include "host/calc/FunctionCalls.h"
 #include "host/calc/FunctionNames.h"
 #include "host/calc/HarmlessFunctions.h"
@@ -57,7 +59,7 @@ void ExpressionWriter::open(const std::string& function) {
   const bool binds = function == "LET" && context_.knows && context_.knows(name);
   if (!binds) out_ += name;
   out_ += text_[at_++];
-  frames_.push_back({function, begin, out_.size(), at_, reach_.cells.size(), signs_});
+  frames_.push_back({function, begin, out_.size(), at_, operandAt_, reach_.cells.size(), signs_});
   frames_.back().binds = binds;
   operandExpected_ = true;
   open_ += 1 + signs_;
@@ -102,6 +104,7 @@ void ExpressionWriter::close() {
     out_ += ')';
   }
   frames_.pop_back();
+  operandAt_ = frame.operand;
   operands().add(made.shape);
   given_.callEnds(frames_.size());
   open_ -= 1 + frame.signs;
@@ -125,17 +128,30 @@ std::optional<std::string> ExpressionWriter::callInstead(const Frame& frame, Arr
     for (const CallArgument& one : arguments) out_ += (&one == &arguments[0] ? "" : ";") + one.calc;
   }
   leaveOut(reach_, frame.function, arguments, context_);
-  const WorkingCall working{frame.function, frame.shapes, arguments, reach_.cells};
+  const WorkingCall working{frame.function, frame.shapes, arguments, reach_.cells, context_};
   addCall(names_.work, working, made);
+  if (findsCells(frame.function) && !isTakenWhole()) {
+    made.shape = foundCells(names_.work, frame.function, arguments, frame.shapes, context_);
+  }
   if (frame.function == "INDIRECT") keepInside(frame);
   const FunctionCall call{frame.function, out_.substr(frame.content),
                           std::span(reach_.cells).subspan(frame.reached), arguments};
   auto instead = writtenAnew(call, context_, reach_);
-  if (const auto counted = countedCall(names_.work, working, made.shape, context_)) {
-    instead = out_.substr(frame.begin, frame.content - frame.begin) + *counted + ")";
+  if (const auto bounded = boundedCall(names_.work, working, made.shape)) {
+    instead = out_.substr(frame.begin, frame.content - frame.begin) + *bounded + ")";
   }
   addBeyond(reach_, frame.function, frame.reached);
   return instead;
+}
+
+// Whether the call that ends here is all of an argument of which the function around it makes one
+// value, or all of the expression: no array is made of what it finds.
+bool ExpressionWriter::isTakenWhole() const {
+  const std::size_t next = text_.find_first_not_of(" \n\r\t", at_ + 1);
+  if (next != std::string_view::npos && text_[next] != ',' && text_[next] != ')') return false;
+  if (frames_.size() < 2) return depth_ == 0 && operands_.isEmpty();
+  const Frame& around = frames_[frames_.size() - 2];
+  return around.operands.isEmpty() && givesOne(around.function, true);
 }
 
 // Lets the text of INDIRECT name nothing outside.
@@ -166,6 +182,7 @@ void ExpressionWriter::endArgument() {
   Frame& frame = frames_.back();
   const std::size_t from = frame.ends.empty() ? frame.content : frame.ends.back().output + 1;
   frame.ends.push_back({at_, out_.size(), reach_.cells.size(), isCells(from)});
+  endSpan(frame.operands.isAlone() && givesOne(frame.function, true));
   frame.operands.addTo(names_.work);
   frame.shapes.push_back(std::exchange(frame.operands, {}).shape());
   given_.argumentEnds(frames_.size() - 1, frame.ends.size());

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/calc/ExcelTokens.h"
+#include "host/calc/FoundCells.h"
 #include "host/calc/FunctionNames.h"
 #include "host/calc/ReferenceWriter.h"
 
@@ -29,6 +30,7 @@ std::string ExpressionWriter::run() {
   while (at_ < text_.size()) step();
   if (operandExpected_ || !frames_.empty()) throw Malformed();
   isCells_ = isCells(0);
+  endSpan(depth_ == 0 && operands_.isAlone());
   operands_.addTo(names_.work);
   return std::move(out_);
 }
@@ -40,6 +42,7 @@ void ExpressionWriter::step() {
     return;
   }
   ++pieces_;
+  pieceAt_ = at_;
   bound();
   if (c == '"') {
     operand(false);
@@ -75,6 +78,14 @@ void ExpressionWriter::operand(bool mayBeReference) {
   if (!operandExpected_) throw Malformed();
   operandExpected_ = false;
   reference_ = mayBeReference;
+  operandAt_ = pieceAt_;
+}
+
+// Of A1:INDEX(...), which ends here, nobody knows the size but by working it out.
+void ExpressionWriter::endSpan(bool isTakenWhole) {
+  const auto from = std::exchange(span(), std::nullopt);
+  if (!from || isTakenWhole) return;
+  operands().add(sizeOf(given_.asked(text_.substr(*from, at_ - *from)).value_or(""), context_));
 }
 
 // Ends what would grow beyond all bounds.
@@ -114,6 +125,7 @@ void ExpressionWriter::copy(std::optional<std::string_view> constant) {
 
 void ExpressionWriter::sign(char c) {
   static constexpr std::string_view both = "<>", infix = "*/^&=:";
+  if (c != ':') endSpan(false);
   ++at_;
   if (c != ':' && c != '@') operands().sign();
   if (c == '%') {
@@ -147,6 +159,7 @@ void ExpressionWriter::sign(char c) {
     signs_ = 0;
     if (c == ':') {
       reach_.spans = true;
+      if (!span()) span() = operandAt_;
       operands().skip();
       mayBeSeveral();
     }

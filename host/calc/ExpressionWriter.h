@@ -70,14 +70,16 @@ class ExpressionWriter {
     std::size_t begin;     // where all of it begins in the output
     std::size_t content;   // and where its content does
     std::size_t text;      // and where that is in the text
+    std::size_t operand;   // and where all of it is there
     std::size_t reached;   // so many cells were reached before it
     int signs = 0;         // stand before it
     bool compares = false;
     bool several = false;  // what stands in it may be more than one value
     bool binds = false;    // it is a LET whose values go to the bindings
     std::vector<ArgumentEnd> ends = {};
-    std::vector<ArrayShape> shapes = {};  // of the arguments that have ended
-    ArrayOperands operands = {};          // of the one that is open
+    std::vector<ArrayShape> shapes = {};   // of the arguments that have ended
+    ArrayOperands operands = {};           // of the one that is open
+    std::optional<std::size_t> span = {};  // where a reference with ":" begins in it
   };
 
   bool at(std::string_view any) const {
@@ -94,6 +96,8 @@ class ExpressionWriter {
   void bind();
   std::vector<CallArgument> argumentsOf(const Frame& frame) const;
   std::optional<std::string> callInstead(const Frame& frame, ArrayCall& made);
+  bool isTakenWhole() const;
+  void endSpan(bool isTakenWhole);
   void separator(char c);
   void sign(char c);
   void crossing();
@@ -113,6 +117,7 @@ class ExpressionWriter {
   void append(const WrittenNames::Entry& entry);
   void bound() const;
   ArrayOperands& operands() { return frames_.empty() ? operands_ : frames_.back().operands; }
+  std::optional<std::size_t>& span() { return frames_.empty() ? span_ : frames_.back().span; }
   int depthInside() const { return depth_ + open_ + signs_ + 1; }
   bool isCells(std::size_t from) const;
   // Whether the operand just read is joined to text; it begins there, or is yet to be written.
@@ -127,6 +132,8 @@ class ExpressionWriter {
   WrittenNames& names_;
   const int depth_;
   std::size_t at_ = 0;
+  std::size_t pieceAt_ = 0, operandAt_ = 0;  // where the piece begins that is read, and the operand
+  std::optional<std::size_t> span_;          // outside all brackets
   int pieces_ = 0;
   std::string out_;
   std::vector<Frame> frames_;

@@ -102,11 +102,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     NamesOfFunctions, ToCalc,
-    testing::Values(Case{"ceiling(A1,2)", "CEILING.XCL(A1;2)"},
-                    Case{"_xlfn.SKEW.P(A1:A3)&1", "SKEWP(A1:A3)&1"},
-                    Case{"EDATE(A1,1)", "COM.SUN.STAR.SHEET.ADDIN.ANALYSIS.GETEDATE(A1;1)"},
-                    Case{"CEILING.MATH(A1)+sum(A1)", "CEILING.MATH(A1)+SUM(A1)"},
-                    Case{"\"x\"&ISODD(A1)", "\"x\"&IF(ISODD(A1);\"TRUE\";\"FALSE\")"}));
+    testing::Values(
+        Case{"ceiling(A1,2)", "CEILING.XCL(A1;2)"}, Case{"_xlfn.SKEW.P(A1:A3)&1", "SKEWP(A1:A3)&1"},
+        Case{"EDATE(A1,1)",
+             "COM.SUN.STAR.SHEET.ADDIN.ANALYSIS.GETEDATE(IF(ABS(A1)>2958465;#NUM!;A1);1)"},
+        Case{"CEILING.MATH(A1)+sum(A1)", "CEILING.MATH(A1)+SUM(A1)"},
+        Case{"\"x\"&ISODD(A1)", "\"x\"&IF(ISODD(A1);\"TRUE\";\"FALSE\")"}));
 
 INSTANTIATE_TEST_SUITE_P(
     OtherCalls, ToCalc,

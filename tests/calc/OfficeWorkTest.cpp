@@ -1,5 +1,5 @@
 // What an expression has Calc do in one go, told by its text, and what of that is not asked of it.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <optional>
 #include <string>
 
@@ -134,6 +134,102 @@ TEST(OfficeWork, CountsNoFurtherThanAMomentWhereItIsNotKnownBefore) {
   EXPECT_EQ(written("COMBIN(A1,6)"), "COMBIN(A1;6)");
   EXPECT_EQ(written("SUM(PERMUT(9,A1:A2000))"),
             "SUM(PERMUT(9;IF(ABS(A1:A2000)>10000;NA();A1:A2000)))");
+}
+
+// What the office tells of these places, where an expression reaches them.
+ExpressionContext places() {
+  ExpressionContext context = plan();
+  context.valueOf = [](const std::string& argument) -> std::optional<CellValue> {
+    if (argument == "B1") return 3.0;
+    if (argument == "B2" || argument == "MAX(ROW(1:9000))") return 9000.0;
+    if (argument == "B3") return 0.0;
+    if (argument == "B4") return -200000.0;
+    if (argument == "ROWS(A1:INDEX(A:Z,B2,B1))") return 9000.0;
+    if (argument == "COLUMNS(A1:INDEX(A:Z,B2,B1))") return 3.0;
+    if (argument == "ROWS(A1:INDEX(A:A,B2))" || argument == "ROWS(A1:OFFSET(A1,B2,0))")
+      return 9000.0;
+    if (argument == "COLUMNS(A1:INDEX(A:A,B2))" || argument == "COLUMNS(A1:OFFSET(A1,B2,0))")
+      return 1.0;
+    return std::nullopt;
+  };
+  return context;
+}
+
+TEST(OfficeWork, IsKnownOfCellsThatAreOnlyFoundWhenItIsDone) {
+  for (const char* excel :
+       {"SUM(OFFSET(A1,0,0,B2,9000)+1)", "SUM(-OFFSET(A:AZ,1,0))", "SUM(OFFSET(A1,0,0,C1,99)*2)",
+        "SUM((OFFSET(A1,0,0,B2)=TRANSPOSE(OFFSET(A1,0,0,9000)))*1)", "SUM(INDEX(A:AZ,B3,B3)+1)",
+        "SUM(INDEX(A:AZ,0,0)+1)", "SUM((A1:INDEX(A:A,B2)=TRANSPOSE(A1:OFFSET(A1,B2,0)))*1)",
+        "SUM((A1:INDEX(A:Z,C1,C2)>1)*1)", "SUM(CHOOSE(1,A:AZ)+1)", "SUM(IFS(TRUE,A:AZ)+1)"}) {
+    EXPECT_EQ(refusal(excel, {}, places()), cells) << excel;
+  }
+  for (const char* excel :
+       {"SUM(COUNTIF(C:C,OFFSET(A1,0,0,B2)))", "SUM(COUNTIF(C:C,A1:INDEX(A:A,B2)))",
+        "SUM(COUNTIF(C1:C4000,OFFSET(A1,0,0,B4,1)))", "SUM(SUMIF(OFFSET(A1,0,0,ROW(1:90000)),1))",
+        "SUM(SUBTOTAL(9,OFFSET(A1,0,0,ROW(1:99000),9)))"}) {
+    EXPECT_EQ(refusal(excel, {}, places()), looks) << excel;
+  }
+  for (const char* excel :
+       {"SUM(OFFSET(A1,0,0,C1,C2))", "OFFSET(A1,0,0,C1,C2)", "SUM(OFFSET(A1,0,0,B1,B1)*2)",
+        "SUMPRODUCT((OFFSET(A1,0,0,B2)>1)*OFFSET(B1,0,0,B2))", "SUM(A1:INDEX(A:XFD,C1,C2))",
+        "SUMPRODUCT((A1:INDEX(A:Z,B2,B1)>1)*1)", "INDEX(A:XFD,B2,B1)*2+1",
+        "INDEX(A:XFD,MATCH(1,B:B,0),MATCH(\"a(\",1:1,0))*2", "SUM(INDEX(A:AZ,0,2)*2)",
+        "SUM(INDEX(A:AZ,B1,0)*2)", "SUM(SUBTOTAL(103,OFFSET(A1,ROW(1:9000)-1,0,1,1)))",
+        "SUM(SUBTOTAL(9,OFFSET(A1,0,0,ROW(1:9000))))", "VLOOKUP(1,CHOOSE({1,2},B:B,A:A),2,0)",
+        "COUNTIF(OFFSET(A1,0,0,C1,1),1)"}) {
+    EXPECT_EQ(refusal(excel, {}, places()), "") << excel;
+  }
+}
+
+// A name is no end of the expression: what it finds may be counted around it.
+TEST(OfficeWork, IsKnownOfCellsThatANameFinds) {
+  ExpressionContext context = places();
+  context.meaning = [](const SheetRef&, const std::string& name) {
+    return name == "Grows" ? "OFFSET(A1,0,0,B2,9000)" : "A1:INDEX(A:Z,B2,B1)";
+  };
+  EXPECT_EQ(refusal("SUM(Grows*2)", {}, context), cells);
+  EXPECT_EQ(refusal("SUM(Ends*2)", {}, context), "");
+  EXPECT_EQ(refusal("SUM(COUNTIF(C:C,Ends))", {}, context), looks);
+}
+
+TEST(OfficeWork, IsWhatAFunctionTakesForEachValue) {
+  for (const char* excel :
+       {"SUM(RATE(ROW(1:30000),-1,1000))", "SUM(YIELD(A1:A9000,B1,0.1,95,100,2))",
+        "SUM(YEARFRAC(A:A,B1,1))", "SUM(YEARFRAC(A1:A9000,B1,C1:C9000))",
+        "SUM(COUPNUM(A1:A9000,B1,2,C1:C9000))", "SUM(ERF(A1:A9000,B1:B9000))",
+        "SUM(NETWORKDAYS(A1:A90000,B1))"}) {
+    EXPECT_EQ(refusal(excel), cells) << excel;
+  }
+  for (const char* excel : {"SUM(RATE(A1:A2000,-1,1000))", "SUM(YEARFRAC(A1:A9000,B1:B9000,1))",
+                            "SUM(COUPNUM(A1:A9000,B1:B9000,2,1))", "SUM(ERF(A1:A9000))",
+                            "SUM(NETWORKDAYS(A1:A9000,B1:B9000))", "YIELD(A1,B1,0.1,95,100,2)"}) {
+    EXPECT_EQ(refusal(excel), "") << excel;
+  }
+  EXPECT_EQ(refusal("SUM(IRR(A1:A9000,B1:B9000))"), looks);
+  EXPECT_EQ(refusal("IRR(A1:A9000)"), "");
+}
+
+// Calc goes through the years, or the days, up to a date.
+TEST(OfficeWork, GoesNoFurtherThanDatesDo) {
+  const auto written = [](const char* excel) { return calcExpression(excel, plan())->text; };
+  EXPECT_EQ(written("NETWORKDAYS(45000,A1)"), "NETWORKDAYS(45000;IF(ABS(A1)>2958465;#NUM!;A1))");
+  EXPECT_EQ(written("NETWORKDAYS(1,1E9)+NETWORKDAYS(-1E9,1)"),
+            "NETWORKDAYS(1;#NUM!)+NETWORKDAYS(#NUM!;1)");
+  EXPECT_EQ(written("SUM(NETWORKDAYS(45000,A1:A9))"),
+            "SUM(NETWORKDAYS(45000;IF(ABS(A1:A9)>100000;#NUM!;A1:A9)))");
+  EXPECT_THAT(written("TBILLPRICE(45000,5E8,0.1)"), testing::EndsWith("(45000;#NUM!;0.1)"));
+  EXPECT_THAT(written("ACCRINT(1,5E8,3,5E8,1000)"), testing::EndsWith("(1;#NUM!;3;5E8;1000)"));
+}
+
+TEST(OfficeWork, IsRefusedWherePatternsMayTakeLong) {
+  for (const char* excel : {"SUM(LEN(_xlfn.ORG.LIBREOFFICE.REGEX(A1:A9,\"(a+)+b\")))",
+                            "SUM(LEN(_xlfn.ORG.LIBREOFFICE.REGEX(A1:A9,B1)))"}) {
+    EXPECT_EQ(refusal(excel), cells) << excel;
+  }
+  const char* const one = "SUM(LEN(_xlfn.ORG.LIBREOFFICE.REGEX(A1:A900,\"[0-9]+\")))";
+  EXPECT_EQ(refusal(one, {.longestText = 500}), "");
+  EXPECT_EQ(refusal(one, {.longestText = 32767}), looks);
+  EXPECT_EQ(refusal("_xlfn.ORG.LIBREOFFICE.REGEX(A1,\"(a+)+b\")", {.longestText = 32767}), "");
 }
 
 }  // namespace

@@ -114,9 +114,14 @@ def big_arrays(path, place):
 @case("work.xlsx", guard=WORK, cells=("A1", "A2", "A3", "A4", "A5", "A6"),
       gives=(("COMBIN(10^12,5*10^11)", refused("counts too far")),
              ("SUM(MUNIT(9000))", refused("makes arrays of too many cells")),
-             ("SUM(COUNTIF(C:C,C:C))", refused("looks through too many cells too often"))),
+             ("SUM(COUNTIF(C:C,C:C))", refused("looks through too many cells too often")),
+             ("SUM(SUMIF(OFFSET(C1,0,0,ROW(1:100000)),1))",
+              refused("looks through too many cells too often")),
+             ("NETWORKDAYS(1,B1)", {"ok": False, "kind": "excelError", "message": "#NUM!"})),
       ask=("SUM(SMALL(C1:C4000,ROW(1:4000)))", "SUM(LEN(REPT(\"x\",32767)&ROW(1:90000)))",
-           "MINVERSE(MUNIT(2000))", "Slow"))
+           "MINVERSE(MUNIT(2000))", "Slow", "SUM((OFFSET(C1,0,0,9000)=TRANSPOSE(C1:INDEX(C:C,9000)))*1)",
+           "SUM(NETWORKDAYS(C1:C4000,2900000))", "ACCRINTM(0.5,5E8,100,1E9)", "SUM(INDEX(A:XFD,0,0)+1)",
+           "SUM(RATE(ROW(1:90000),-1,1000))"))
 def work_that_nobody_can_end(path, place):
     """Each holds the office up for minutes, or for ever, once it is worked out."""
     Workbook(Sheet("Sheet1", {

@@ -89,6 +89,23 @@ GUARDS = (
           tests=(("calc_text_test", "tests/calc/calc_text_test", "OfficeWork.*"),
                  ("calc_reads_test", "tests/calc/calc_reads_test",
                   "CalcLimitsAmongScatteredCells.AskNothing*"))),
+    Guard("sizes of cells that are found", ((
+        CALC + "ExpressionCalls.cpp", "  if (findsCells(frame.function) && !isTakenWhole()) {\n",
+        "  if (findsCells(frame.function) && frame.signs < 0) {\n"),),
+          cases=("work-that-nobody-can-end",),
+          tests=(("calc_text_test", "tests/calc/calc_text_test", "OfficeWork.*"),)),
+    Guard("last dates", ((
+        CALC + "BoundedCall.cpp", "if (isIn(dated, call.function, i))",
+        "if (values < 0 && isIn(dated, call.function, i))"),),
+          cases=("work-that-nobody-can-end",),
+          tests=(("calc_text_test", "tests/calc/calc_text_test", "OfficeWork.*"),)),
+    Guard("the deadline among shapes and headers", (ENDLESS,),
+          tests=(("calc_reads_test", "tests/calc/calc_reads_test",
+                  "CalcLimitsTest.AreLookedAtAmongThe*"),)),
+    Guard("permissions", ((
+        "app/linux/WebKitView.cpp", "  webkit_permission_request_deny(request);\n",
+        "  webkit_permission_request_allow(request);\n"),),
+          tests=(("gtk_test", "tests/app/linux/gtk_test", "WebKitViewTest.GrantsNo*"),)),
     Guard("room for text", ((
         CALC + "AreaGrid.h", "most = 12'000'000;", "most = 12'000'000'000;"),),
           cases=("one-long-string-in-many-cells",)),
