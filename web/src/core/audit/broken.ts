@@ -36,13 +36,14 @@ function clueOf(evidence: Evidence, { sheet, formula, areas, kind }: Group, link
   const [first] = areas as [Area];
   const text = cut(formulaInFirst(evidence.text(formula), first));
   const rest = areas.reduce((sum, area) => sum + cellCount(area), -cellCount(first));
-  const more = rest > 0 ? `, and ${count(rest, 'other cell')} of the sheet,` : '';
+  const more = rest > 0 ? ` and ${count(rest, 'other cell')} of the sheet` : '';
+  const isOne = cellCount(first) === 1 && rest === 0;
   if (kind === 'broken') {
     return {
       kind,
       sheet,
       areas,
-      sentence: `${areaAddress(first)}${more} had a reference to cells that were deleted: ${text}.`,
+      sentence: `${areaAddress(first)}${more} ${isOne ? 'refers' : 'refer'} to cells that were deleted: ${text}.`,
       expected: '',
       weight: 9,
       level: 'fact',
@@ -55,7 +56,7 @@ function clueOf(evidence: Evidence, { sheet, formula, areas, kind }: Group, link
     kind,
     sheet,
     areas,
-    sentence: `${areaAddress(first)}${more} takes cells of another workbook: ${text}${few}.`,
+    sentence: `${areaAddress(first)}${more} ${isOne ? 'takes' : 'take'} cells of another workbook: ${text}${few}.`,
     expected: '',
     weight,
     level: linked <= 3 ? 'fact' : 'doubt',

@@ -198,12 +198,13 @@ function closeness(evidence: Evidence, own: number, expected: number, at: CellPo
   const { shapes } = evidence;
   // "=1/3.6" stands for a number: a column of these is data.
   if (isData(shapes.of(own)) || isData(shapes.of(expected))) {
-    return { kind: 'differs', words: 'is another formula', bonus: -4 };
+    return { kind: 'differs', words: `has ${evidence.shown(own, at.row, at.col)}`, bonus: -4 };
   }
   const found = differenceOf(shapes.of(own), shapes.of(expected), at);
   const rare = evidence.count(own) <= 2 ? 0.5 : -Math.min(3, Math.log2(evidence.count(own)) / 2);
   const near = found.places <= 1 ? 2 : found.places <= 3 ? 1 : -0.5;
-  return { kind: 'differs', words: found.words, bonus: near + rare };
+  const words = found.places > 3 ? `has ${evidence.shown(own, at.row, at.col)}` : found.words;
+  return { kind: 'differs', words, bonus: near + rare };
 }
 
 /** The cell behind a run of one formula: odd where the lines beside this one go on there. */

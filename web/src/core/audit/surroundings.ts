@@ -280,6 +280,7 @@ function clueOf(
   const rare = times <= 2 ? 0.5 : -Math.min(3, Math.log2(times) / 2);
   const weight = support + near + rare - (byForm ? 1 : 0);
   if (weight < least) return undefined;
-  const sentence = `${place} ${found.words}; ${elsewhere} agree, ${here}.`;
+  const words = found.places > 3 ? `has ${evidence.shown(own, row, col)}` : found.words;
+  const sentence = `${place} ${words}; ${elsewhere} agree with each other, ${here}.`;
   return { ...clue, kind: 'elsewhere', sentence, weight };
 }

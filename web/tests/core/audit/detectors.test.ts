@@ -1,8 +1,9 @@
 import { describe, expect, it } from 'vitest';
 import { audit } from '../../../src/core/audit/audit';
+import { WorkbookModel } from '../../../src/core/model/WorkbookModel';
 import { drain } from '../model/RandomWorkbook';
-import type { Written } from '../model/written';
-import { findingsOf, line, modelOf, told } from './findings';
+import { pieceOf, type Written } from '../model/written';
+import { findingsOf, line, modelOf, sentences, told } from './findings';
 
 describe('surroundings found elsewhere', () => {
   const block = (top: number, last: string): Written => ({
@@ -137,6 +138,12 @@ describe('what is gone or leads out', () => {
     expect(told({ A1: 1, B1: '=#REF!+1', B9: '=SUM(#REF!)' })).toEqual(['broken B1 B9']);
   });
 
+  it('says what was deleted and where', () => {
+    expect(sentences({ A1: 1, B1: '=#REF!+1', B9: '=SUM(#REF!)' })).toEqual([
+      'B1 and 1 other cell of the sheet refer to cells that were deleted: =#REF!+1.',
+    ]);
+  });
+
   it('tells a single link to another workbook', () => {
     expect(told({ A1: 1, B1: '=A1*2', B9: '=[Other.xlsx]Sheet1!A1' })).toEqual(['link B9']);
   });
@@ -149,6 +156,17 @@ describe('the list', () => {
     });
     expect(found).toHaveLength(1);
     expect(found[0]).toMatchObject({ rank: 1, kind: 'differs', confidence: 'high', reach: 0 });
+  });
+
+  it('is told of a sheet whose last cell is far away', () => {
+    const near = pieceOf({ 'A1:A12': 3, 'B1:B12': '=A1*2', B6: '=A5*2' });
+    const model = new WorkbookModel({ book: 'Model.xlsx', sheets: ['Sheet'], names: [] });
+    const far = { top: 1_048_576, left: 16_384, bottom: 1_048_576, right: 16_384 };
+    model.beginSheet('Sheet');
+    model.piece('Sheet', near.area, near.formulas, near.values);
+    model.piece('Sheet', far, [['=1/0']], [['#DIV/0!']]);
+    model.endSheet('Sheet');
+    expect(drain(audit(model)).map(line)).toEqual(['differs B6 =A6*2']);
   });
 
   it('changes nothing of the model, also where it writes what is expected', () => {

@@ -49,6 +49,12 @@ describe('cells unlike their neighbours', () => {
     ]);
   });
 
+  it('shows a formula that is quite another one', () => {
+    expect(sentences({ ...column, 'B1:B12': '=A1*2', B6: '=IF(A6>3,MAX(A1:A12),0)' })).toEqual([
+      'B6 has =IF(A6>3,MAX(A1:A12),0); B1:B5 and B7:B12 are filled alike with =A1*2.',
+    ]);
+  });
+
   it.each<[string, Written]>([
     [
       'a column of totals within the months',
