@@ -319,6 +319,7 @@ int audited(const AuditCommand& command, Waiter& waiter) {
 
 int audit(const AuditCommand& command) {
   std::signal(SIGPIPE, SIG_IGN);
+  AuditScript::keepSmall();
   Waiter waiter;
   MainThread::record();
   try {

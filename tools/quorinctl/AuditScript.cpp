@@ -1,6 +1,7 @@
 #include "tools/quorinctl/AuditScript.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <jsc/jsc.h>
@@ -70,6 +71,11 @@ struct AuditScript::Engine {
   const std::unique_ptr<JSCContext, Unref> context;
   Value audit;
 };
+
+void AuditScript::keepSmall() {
+  constexpr const char* bytes = "60000000";
+  ::setenv("JSC_forceRAMSize", bytes, 0);
+}
 
 AuditScript::AuditScript(const std::filesystem::path& file, Host host)
     : engine_(std::make_unique<Engine>(std::move(host))) {
