@@ -8,7 +8,8 @@
 
 import { readFileSync } from 'node:fs';
 import { CarriedModel, SlicedCarrier } from '../src/core/model/ModelClient';
-import { clock, openedBook, openTool, readWorkbook } from './readWorkbook';
+import { readWhole } from '../src/core/scan/readWhole';
+import { clock, openedBook, openTool } from './tool';
 
 const [program = '', workbook = ''] = process.argv.slice(2);
 const cells = JSON.parse(readFileSync(0, 'utf8')) as { sheet: string; row: number; col: number }[];
@@ -16,7 +17,11 @@ const cells = JSON.parse(readFileSync(0, 'utf8')) as { sheet: string; row: numbe
 const tool = openTool(program, workbook);
 const book = await openedBook(tool.client);
 const model = new CarriedModel(new SlicedCarrier(clock, Date.now), () => undefined);
-const scan = await readWorkbook(tool.client, book, model);
+const scan = await readWhole(book, model, {
+  client: tool.client,
+  clock,
+  progress: () => undefined,
+});
 const asked = tool.asked();
 const answers = [];
 for (const { sheet, row, col } of cells) {

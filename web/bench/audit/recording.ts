@@ -6,7 +6,8 @@ import { basename, join } from 'node:path';
 import type { BookEntry, Questions, TablePlace } from '../../src/core/model/messages';
 import { CarriedModel, SlicedCarrier, type ModelClient } from '../../src/core/model/ModelClient';
 import { WorkbookModel } from '../../src/core/model/WorkbookModel';
-import { clock, openedBook, openTool, readWorkbook } from '../readWorkbook';
+import { readWhole } from '../../src/core/scan/readWhole';
+import { clock, openedBook, openTool } from '../tool';
 
 export type Piece = Questions['piece']['args'];
 
@@ -43,7 +44,7 @@ async function record(program: string, workbook: string): Promise<Recording> {
       return model.ask(of, ask, args);
     },
   };
-  await readWorkbook(tool.client, book, listening);
+  await readWhole(book, listening, { client: tool.client, clock, progress: () => undefined });
   tool.close();
   return recording;
 }

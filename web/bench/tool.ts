@@ -1,10 +1,8 @@
-// A private spreadsheet behind quorinctl, and a workbook read through it by the page's own scan.
+// A private spreadsheet behind quorinctl, for benchmarks.
 
 import { spawn } from 'node:child_process';
 import { createInterface } from 'node:readline';
-import type { ModelClient } from '../src/core/model/ModelClient';
 import { ProtocolClient } from '../src/core/protocol/ProtocolClient';
-import { BookScan } from '../src/core/scan/BookScan';
 import type { Clock } from '../src/core/time/Clock';
 
 export const clock: Clock = {
@@ -59,36 +57,4 @@ export async function openedBook(client: ProtocolClient): Promise<string> {
   const front = await client.ask('pollCell');
   if (!front.ok) throw new Error(front.failure.message);
   return front.value.book;
-}
-
-export async function readWorkbook(
-  client: ProtocolClient,
-  book: string,
-  model: ModelClient,
-): Promise<BookScan> {
-  return new Promise((resolve, reject) => {
-    const scan: BookScan = new BookScan(book, {
-      questions: {
-        workbookMap: () => client.ask('workbookMap'),
-        readFormulas: (address) => client.ask('readFormulas', address, 'r1c1', false),
-        evaluate: (expression) => client.ask('evaluate', expression),
-        pollCell: () => client.ask('pollCell'),
-      },
-      model,
-      clock,
-      time: () => '',
-      inFront: () => true,
-      changed: () => {
-        const { status, reason } = scan.state;
-        if (status === 'asking') {
-          // The user's answer to the button that tells how many cells there are.
-          clock.after(0, () => {
-            scan.go();
-          });
-        } else if (status === 'done') resolve(scan);
-        else if (status === 'failed') reject(new Error(reason));
-      },
-    });
-    scan.begin();
-  });
 }
