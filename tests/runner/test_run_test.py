@@ -47,7 +47,8 @@ class TestRun(unittest.TestCase):
     def test_no_skip_hides_a_failure_of_a_whole_program(self):
         status, counts = self.run_tests("-R", "^whole$")
         self.assertEqual(status, 1)
-        self.assertEqual(counts, {"calc": (3, 2, 2)})
+        # What goes wrong at the end of a suite newer versions of GoogleTest report as one more test.
+        self.assertIn(counts, ({"calc": (3, 2, 2)}, {"calc": (4, 3, 2)}))
         self.assertEqual(self.count_again(), 1)
 
     def test_no_skip_hides_a_failure_of_one_test(self):
