@@ -8,6 +8,7 @@ import { restingOn } from '../src/core/model/closure';
 import { directUsers } from '../src/core/model/Index';
 import { WorkbookModel } from '../src/core/model/WorkbookModel';
 import type { Grid } from '../src/core/protocol/json';
+import { drain } from '../src/core/time/drain';
 
 const sheetCount = 12;
 const rows = 375;
@@ -15,13 +16,6 @@ const cols = 100;
 const pieceRows = 50;
 
 type Make = (sheet: number, row: number, col: number) => string;
-
-function drain<T>(work: Generator<undefined, T>): T {
-  for (;;) {
-    const step = work.next();
-    if (step.done === true) return step.value;
-  }
-}
 
 function cpu(): number {
   const { user, system } = process.cpuUsage();

@@ -10,6 +10,7 @@ import { join } from 'node:path';
 import { areaAddress } from '../../src/core/address/area';
 import { audit } from '../../src/core/audit/audit';
 import type { Finding } from '../../src/core/audit/Finding';
+import { drain } from '../../src/core/time/drain';
 import { mistakes, plant, random, Workbook, type Mistake } from './plant';
 import { modelOf, recordingOf, type Recording } from './recording';
 import { has, mend, readTruth } from './truth';
@@ -25,11 +26,7 @@ const only = option('only', '');
 const isShown = options.includes('--show');
 
 function findingsOf(recording: Recording): Finding[] {
-  const work = audit(modelOf(recording));
-  for (;;) {
-    const step = work.next();
-    if (step.done === true) return step.value;
-  }
+  return drain(audit(modelOf(recording)));
 }
 
 function told({ rank, kind, confidence, cells, sentence, expected }: Finding): string {

@@ -124,3 +124,10 @@ export function splitAreas(text: string): string[] {
 export function qualified(sheet: string, address: string): string {
   return `'${sheet.replaceAll("'", "''")}'!${address}`;
 }
+
+/** The name of a sheet that stands in quotes, or without. */
+export function unquoted(sheet: string): string {
+  return sheet.startsWith("'") && sheet.endsWith("'")
+    ? sheet.slice(1, -1).replaceAll("''", "'")
+    : sheet;
+}

@@ -3,7 +3,7 @@
 // A formula is called by what stands before it, a block by a text some rows above, whichever names the
 // rows that the siblings take best.
 
-import { areaAddress, type Area } from '../address/area';
+import { areaAddress, unquoted, type Area } from '../address/area';
 import { areaFrom } from './difference';
 import { address, cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
@@ -95,11 +95,7 @@ function memberAt(
 ): Member | undefined {
   for (const slot of evidence.shapes.of(formula).slots) {
     if (slot.kind !== 'reference' || slot.shape.to || slot.prefix === '') continue;
-    const name = slot.prefix
-      .slice(0, -1)
-      .replace(/^'(.*)'$/, '$1')
-      .replaceAll("''", "'");
-    const number = evidence.model.sheetNumber(name);
+    const number = evidence.model.sheetNumber(unquoted(slot.prefix.slice(0, -1)));
     const target = number === undefined ? undefined : evidence.grids[number];
     if (!target || target === grid) continue;
     const area = areaFrom(slot, { row, col });

@@ -1,7 +1,7 @@
 // Lookups that cannot give what is meant: a column beyond the table, keys that ought to be sorted and
 // are not, a table that ends before its last rows.
 
-import { areaAddress, type Area } from '../address/area';
+import { areaAddress, unquoted, type Area } from '../address/area';
 import { readReference } from '../formula/reference';
 import { plainName, walk, type Node, type NodeOf } from '../formula/syntax';
 import { Kind as CellKind } from '../model/SheetCells';
@@ -60,11 +60,8 @@ function tableOf(
   if (!shape?.to) return undefined;
   const slot = { kind: 'reference' as const, prefix: arg.prefix, text: arg.text, shape };
   const area = areaFrom(slot, { row: own.top, col: own.left });
-  const name = arg.prefix
-    .slice(0, -1)
-    .replace(/^'(.*)'$/, '$1')
-    .replaceAll("''", "'");
-  const number = arg.prefix === '' ? sheet : evidence.model.sheetNumber(name);
+  const number =
+    arg.prefix === '' ? sheet : evidence.model.sheetNumber(unquoted(arg.prefix.slice(0, -1)));
   const grid = number === undefined ? undefined : evidence.grids[number];
   return { area, grid, written: arg.prefix + areaAddress(area) };
 }

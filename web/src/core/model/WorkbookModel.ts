@@ -1,7 +1,7 @@
 // One workbook as it was read: its sheets, its formulas, and the index over them, which is built when
 // a question needs it and something was read since. Generators yield where others may take a turn.
 
-import type { Area } from '../address/area';
+import { unquoted, type Area } from '../address/area';
 import type { Grid, Scalar } from '../protocol/json';
 import { findCircles, type Circles } from './circles';
 import type { Reached } from './closure';
@@ -41,7 +41,7 @@ export class WorkbookModel {
     this.meanings = this.meaningsOf();
     this.names = new Names(
       entry.names,
-      (name) => this.sheetNumber(name.replace(/^'(.*)'$/, '$1').replaceAll("''", "'")),
+      (name) => this.sheetNumber(unquoted(name)),
       () => this.meanings,
     );
     this.definitions = this.newDefinitions();

@@ -1,7 +1,7 @@
 // Which cells a formula names, in a form that holds for every cell with the same relative formula.
 // What only a calculation can tell is noted, never guessed. Pure.
 
-import { maxColumns, maxRows } from '../address/area';
+import { maxColumns, maxRows, unquoted } from '../address/area';
 import { readReference, type Coordinate, type Corner } from '../formula/reference';
 import {
   children,
@@ -80,12 +80,6 @@ function spanOf(from: Coordinate | undefined, to: Coordinate | undefined, limit:
 type Target = { kind: 'sheets'; sheets: readonly number[] } | { kind: 'external' | 'missing' };
 
 const ownSheet: Target = { kind: 'sheets', sheets: [-1] };
-
-function unquoted(text: string): string {
-  return text.startsWith("'") && text.endsWith("'")
-    ? text.slice(1, -1).replaceAll("''", "'")
-    : text;
-}
 
 /** What stands before "!" means the same in every formula of a workbook. */
 const targets = new WeakMap<Meanings, Map<string, Target>>();

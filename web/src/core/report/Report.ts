@@ -1,7 +1,8 @@
 // What `quorinctl audit` tells of one workbook, as plain data, and the forms in which it is written.
 
-import { areaAddress } from '../address/area';
+import { areaAddress, qualified } from '../address/area';
 import type { Confidence, Finding, Kind, Level } from '../audit/Finding';
+import { count } from '../format/words';
 import type { NotRead } from '../scan/BookScan';
 
 export type ReportedFinding = {
@@ -35,8 +36,11 @@ export type Report =
 
 export type Format = 'text' | 'json' | 'jsonl' | 'csv' | 'sarif';
 
-function sheetName(name: string): string {
-  return /^[\p{L}_][\p{L}\p{N}_]*$/u.test(name) ? name : `'${name.replaceAll("'", "''")}'`;
+/** The address with its sheet's name, in quotes where the name needs them. */
+function at(sheet: string, address: string): string {
+  return /^[\p{L}_][\p{L}\p{N}_]*$/u.test(sheet)
+    ? `${sheet}!${address}`
+    : qualified(sheet, address);
 }
 
 export function reported(finding: Finding): ReportedFinding {
@@ -49,7 +53,7 @@ export function reported(finding: Finding): ReportedFinding {
     sheet,
     cells: cells.map((one) => {
       const address = areaAddress(one.area);
-      return one.sheet === sheet ? address : `${sheetName(one.sheet)}!${address}`;
+      return one.sheet === sheet ? address : at(one.sheet, address);
     }),
     message: sentence,
     expected,
@@ -59,11 +63,7 @@ export function reported(finding: Finding): ReportedFinding {
 }
 
 function place({ sheet, cells }: ReportedFinding): string {
-  return `${sheetName(sheet)}!${cells.join(', ')}`;
-}
-
-function count(number: number, one: string): string {
-  return `${number.toLocaleString('en-US')} ${one}${number === 1 ? '' : 's'}`;
+  return at(sheet, cells.join(', '));
 }
 
 function textOf(report: Report): string {
@@ -86,7 +86,7 @@ function textOf(report: Report): string {
       `      ${count(summary.findings - findings.length, 'finding')} of lower rank left out.`,
     );
   for (const { sheet, address, reason } of summary.notRead)
-    lines.push(`      Not read: ${sheetName(sheet)}!${address}: ${reason}`);
+    lines.push(`      Not read: ${at(sheet, address)}: ${reason}`);
   return `${lines.join('\n')}\n`;
 }
 
@@ -179,9 +179,7 @@ function sarifOf(reports: readonly Report[], version: string): string {
           {
             physicalLocation: { artifactLocation: { uri } },
             logicalLocations: finding.cells.map((cells) => ({
-              fullyQualifiedName: cells.includes('!')
-                ? cells
-                : `${sheetName(finding.sheet)}!${cells}`,
+              fullyQualifiedName: cells.includes('!') ? cells : at(finding.sheet, cells),
             })),
           },
         ],

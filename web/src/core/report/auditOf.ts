@@ -4,15 +4,9 @@ import { audit } from '../audit/audit';
 import type { ModelClient } from '../model/ModelClient';
 import type { Question } from '../model/messages';
 import { ModelHost } from '../model/ModelHost';
+import { drain } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
 import { reported, type Report } from './Report';
-
-function finished<Value>(work: Generator<undefined, Value>): Value {
-  for (;;) {
-    const step = work.next();
-    if (step.done === true) return step.value;
-  }
-}
 
 /** The model on this thread. Nobody waits for a turn meanwhile, so each question is answered whole. */
 class OwnModel implements ModelClient {
@@ -20,7 +14,7 @@ class OwnModel implements ModelClient {
 
   ask: ModelClient['ask'] = (book, ask, args) =>
     new Promise((resolve) => {
-      resolve(finished(this.host.answer({ id: 0, book, ask, args } as Question)) as never);
+      resolve(drain(this.host.answer({ id: 0, book, ask, args } as Question)) as never);
     });
 }
 
@@ -33,7 +27,7 @@ export async function auditOf(file: string, top: number, ports: ReadPorts): Prom
     const model = new OwnModel();
     const scan = await readWhole(book, model, ports);
     const workbook = model.host.model(book);
-    const findings = finished(audit(workbook));
+    const findings = drain(audit(workbook));
     const { formulas, distinct } = await model.ask(book, 'state', {});
     const sure = (confidence: string) =>
       findings.filter((finding) => finding.confidence === confidence).length;
