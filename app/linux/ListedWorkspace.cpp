@@ -8,7 +8,6 @@ namespace quorin {
 
 namespace {
 
-constexpr const char* excelIdentifier = "com.microsoft.Excel";
 constexpr const char* calcProgram = "libreoffice-calc";
 constexpr const char* startCentreProgram = "libreoffice-startcenter";
 constexpr const char* openingProgram = "soffice";
@@ -63,6 +62,13 @@ RunningApplication ListedWorkspace::applicationOf(const ListedWindow& window) co
   return {window.program, 0, window.program == own_};
 }
 
+// The start centre does not make Calc the one in front, but from it Calc can be had.
+RunningApplication ListedWorkspace::runningAs(const ListedWindow& window) const {
+  RunningApplication application = applicationOf(window);
+  if (application.identifier == startCentreProgram) application.identifier = excelIdentifier;
+  return application;
+}
+
 void ListedWorkspace::listChanged() {
   windows_ = list_.windows();
   std::erase_if(recent_, [this](std::uint32_t id) { return !find(id); });
@@ -101,8 +107,7 @@ std::vector<RunningApplication> ListedWorkspace::runningApplications(
     const std::string& identifier) const {
   std::vector<RunningApplication> found;
   for (const ListedWindow& window : windows_) {
-    RunningApplication application = applicationOf(window);
-    if (application.identifier == startCentreProgram) application.identifier = excelIdentifier;
+    RunningApplication application = runningAs(window);
     if (application.identifier == identifier &&
         std::find(found.begin(), found.end(), application) == found.end()) {
       found.push_back(std::move(application));
@@ -116,9 +121,7 @@ void ListedWorkspace::activate(const RunningApplication& application) {
   const ListedWindow* chosen = nullptr;
   std::ptrdiff_t chosenAge = -1;
   for (const ListedWindow& window : windows_) {
-    RunningApplication owner = applicationOf(window);
-    if (owner.identifier == startCentreProgram) owner.identifier = excelIdentifier;
-    if (owner != application) continue;
+    if (runningAs(window) != application) continue;
     const auto at = std::find(recent_.begin(), recent_.end(), window.id);
     const std::ptrdiff_t age = at == recent_.end() ? 0 : 1 + (at - recent_.begin());
     if (age > chosenAge) {

@@ -35,6 +35,7 @@ class ListedWorkspace : public GtkWorkspace {
 
  private:
   RunningApplication applicationOf(const ListedWindow& window) const;
+  RunningApplication runningAs(const ListedWindow& window) const;
   const ListedWindow* find(std::uint32_t id) const;
   const ListedWindow* active() const;
   void listChanged();

@@ -121,7 +121,7 @@ void PortalHotKeys::ask(const char* method, GVariant* parameters, const std::str
   std::string sender = g_dbus_connection_get_unique_name(bus_.get());
   sender.erase(0, 1);
   std::replace(sender.begin(), sender.end(), '.', '_');
-  expected_["/org/freedesktop/portal/desktop/request/" + sender + "/" + token] = then;
+  expected_[std::string(object) + "/request/" + sender + "/" + token] = then;
   g_dbus_connection_call(bus_.get(), portal, object, shortcutsInterface, method, parameters,
                          nullptr, G_DBUS_CALL_FLAGS_NONE, -1, cancelled_.get(), called, this);
 }

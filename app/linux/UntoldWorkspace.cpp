@@ -2,12 +2,6 @@
 
 namespace quorin {
 
-namespace {
-
-constexpr const char* excelIdentifier = "com.microsoft.Excel";
-
-}  // namespace
-
 std::vector<RunningApplication> UntoldWorkspace::runningApplications(
     const std::string& identifier) const {
   if (identifier != excelIdentifier || !calcRuns_()) return {};

@@ -8,7 +8,6 @@ namespace quorin {
 
 namespace {
 
-constexpr const char* excelIdentifier = "com.microsoft.Excel";
 constexpr const char* calcClass = "libreoffice-calc";
 constexpr const char* startCentreClass = "libreoffice-startcenter";
 constexpr const char* openingClass = "soffice";

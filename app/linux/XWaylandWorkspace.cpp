@@ -2,12 +2,6 @@
 
 namespace quorin {
 
-namespace {
-
-constexpr const char* excelIdentifier = "com.microsoft.Excel";
-
-}  // namespace
-
 bool XWaylandWorkspace::tellsWhoIsInFront() const {
   return x11_.frontmostApplication() || !x11_.runningApplications(excelIdentifier).empty();
 }

@@ -129,7 +129,7 @@ void AppDelegate::applicationActivated(const RunningApplication& application) {
   const bool enabled = panel().enabled();
   const bool visible = panel().isVisible();
   const CompanionAction action = BridgeShapes::companionAction(
-      application.identifier == Panel::excelIdentifier, application.isSelf, enabled, visible);
+      application.identifier == excelIdentifier, application.isSelf, enabled, visible);
   parts_.log.log("COMPANION", "activated=" + application.identifier +
                                   " action=" + std::string(BridgeShapes::name(action)) +
                                   " enabled=" + text(enabled) + " visible=" + text(visible) +

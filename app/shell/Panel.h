@@ -32,7 +32,6 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
     Environment environment;
   };
 
-  static constexpr const char* excelIdentifier = "com.microsoft.Excel";
   static constexpr const char* frameDefaultsKey = "NSWindow Frame QuorinPanel";
 
   struct Event {

@@ -18,7 +18,7 @@ constexpr std::array<std::chrono::milliseconds, 4> delaysOfTicksSoon{
 
 bool excelIsFrontmost(const Workspace& workspace) {
   const std::optional<RunningApplication> front = workspace.frontmostApplication();
-  return front && front->identifier == Panel::excelIdentifier;
+  return front && front->identifier == excelIdentifier;
 }
 
 Poller::Poller(AppPlatform& platform, PanelBridge& bridge, Panel& panel, std::int64_t intervalMs)

@@ -9,6 +9,9 @@
 
 namespace quorin {
 
+// Excel's, by which beside other spreadsheet programs these go.
+constexpr const char* excelIdentifier = "com.microsoft.Excel";
+
 struct RunningApplication {
   std::string identifier;  // bundle identifier; empty where there is none
   int processIdentifier = 0;
