@@ -83,8 +83,7 @@ bool isIn(const std::array<Bounded, count>& table, std::string_view function,
 // What the argument comes to, if that is one number; 0 for any other one value.
 std::optional<double> toldNumber(const CallArgument& argument, const ExpressionContext& context) {
   if (const auto stands = numberIn(argument.calc)) return stands;
-  if (!context.valueOf || argument.excel.empty()) return std::nullopt;
-  const auto told = context.valueOf(argument.excel);
+  const auto told = context.told(argument.excel);
   if (!told) return std::nullopt;
   const auto* value = std::get_if<double>(&*told);
   return value != nullptr ? *value : 0;

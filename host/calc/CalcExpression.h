@@ -58,6 +58,10 @@ struct ExpressionContext {
   std::function<std::optional<std::string>(const std::string& argument)> errorOf = {};
   // The value of an argument; nothing where it is not one value.
   std::function<std::optional<CellValue>(const std::string& argument)> valueOf = {};
+  // The same; nothing also where there is nobody to ask, or no text of Excel's to ask about.
+  std::optional<CellValue> told(const std::string& argument) const {
+    return valueOf && !argument.empty() ? valueOf(argument) : std::nullopt;
+  }
   // Whether it is asked for the numbers that tell which cells of a range are looked at, so that the
   // others are not fetched.
   bool placesAreAsked = false;

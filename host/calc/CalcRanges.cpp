@@ -37,9 +37,12 @@ std::vector<std::string> sheetNames(const Workbook& workbook) {
 }
 
 std::vector<std::string> namedSheets(const Workbook& workbook) {
-  std::vector<std::string> names = sheetNames(workbook);
-  std::erase(names, "");
-  return names;
+  return withoutNameless(sheetNames(workbook));
+}
+
+std::vector<std::string> withoutNameless(std::vector<std::string> sheets) {
+  std::erase(sheets, "");
+  return sheets;
 }
 
 std::vector<Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbook& workbook) {

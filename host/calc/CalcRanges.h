@@ -25,6 +25,7 @@ std::vector<std::string> sheetNames(const Workbook& workbook);
 // leaves such sheets in the one that is. The office finds no sheet by no name, so they are not
 // there for whoever asks by name.
 std::vector<std::string> namedSheets(const Workbook& workbook);
+std::vector<std::string> withoutNameless(std::vector<std::string> sheets);
 
 // The sheets themselves, in their order.
 std::vector<css::uno::Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbook& workbook);

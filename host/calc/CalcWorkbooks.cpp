@@ -157,9 +157,7 @@ std::shared_ptr<Workbook> CalcWorkbooks::named(const std::string& name) {
 
 std::vector<std::string> CalcWorkbooks::sheets(const Workbook& workbook) {
   const auto known = sheets_.find(workbook.name);
-  std::vector<std::string> names = known != sheets_.end() ? known->second : readSheets(workbook);
-  std::erase(names, "");  // as in namedSheets()
-  return names;
+  return withoutNameless(known != sheets_.end() ? known->second : readSheets(workbook));
 }
 
 std::vector<std::string> CalcWorkbooks::readSheets(const Workbook& workbook) {

@@ -6,14 +6,10 @@
 
 #include "host/Address.h"
 #include "host/calc/ReferenceText.h"
+#include "host/calc/Words.h"
 
 namespace quorin::host::calc {
 namespace {
-
-template <std::size_t count>
-bool contains(const std::array<std::string_view, count>& words, std::string_view word) {
-  return std::find(words.begin(), words.end(), word) != words.end();
-}
 
 // A number that stands there, with a sign perhaps.
 std::optional<double> constant(std::string_view text) {
@@ -32,8 +28,8 @@ std::optional<double> constant(std::string_view text) {
 std::optional<int> numberOf(const CallArgument& argument, const ExpressionContext& context) {
   constexpr double most = 2e6;  // more than a sheet has rows
   std::optional<double> value = constant(argument.calc);
-  if (!value && context.placesAreAsked && context.valueOf && !argument.excel.empty()) {
-    const auto told = context.valueOf(argument.excel);
+  if (!value && context.placesAreAsked) {
+    const auto told = context.told(argument.excel);
     const auto* number = told ? std::get_if<double>(&*told) : nullptr;
     if (number != nullptr) value = *number;
     if (told && std::holds_alternative<CellError>(*told)) return 1;  // nothing else comes of it

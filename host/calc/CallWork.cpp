@@ -7,14 +7,10 @@
 #include "host/calc/FunctionWork.h"
 #include "host/calc/MadeArrays.h"
 #include "host/calc/ReferenceText.h"
+#include "host/calc/Words.h"
 
 namespace quorin::host::calc {
 namespace {
-
-template <std::size_t count>
-bool contains(const std::array<std::string_view, count>& words, std::string_view word) {
-  return std::find(words.begin(), words.end(), word) != words.end();
-}
 
 // Which arguments of a function Calc looks through for each value of the others, and how many
 // ten millionths of a second it takes for one cell of them.
@@ -167,8 +163,7 @@ std::optional<std::string> patternOf(const CallArgument& argument,
                                      const ExpressionContext& context) {
   const std::string_view stands = trimmed(argument.calc);
   if (textLength(stands)) return std::string(stands);
-  const auto told = context.valueOf && !argument.excel.empty() ? context.valueOf(argument.excel)
-                                                               : std::optional<CellValue>();
+  const auto told = context.told(argument.excel);
   const auto* text = told ? std::get_if<std::string>(&*told) : nullptr;
   return text != nullptr ? std::optional(*text) : std::nullopt;
 }

@@ -12,8 +12,7 @@ namespace {
 
 // Without its sign, for OFFSET counts in both directions.
 std::optional<double> numberOf(const std::string& excel, const ExpressionContext& context) {
-  const auto told =
-      context.valueOf && !excel.empty() ? context.valueOf(excel) : std::optional<CellValue>();
+  const auto told = context.told(excel);
   if (!told) return std::nullopt;
   if (const auto* value = std::get_if<double>(&*told)) return std::abs(*value);
   if (const auto* value = std::get_if<bool>(&*told)) return *value ? 1 : 0;

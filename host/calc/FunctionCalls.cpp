@@ -7,14 +7,10 @@
 #include "host/calc/CellCall.h"
 #include "host/calc/CellErrors.h"
 #include "host/calc/ReferenceText.h"
+#include "host/calc/Words.h"
 
 namespace quorin::host::calc {
 namespace {
-
-template <std::size_t count>
-bool contains(const std::array<std::string_view, count>& words, std::string_view word) {
-  return std::find(words.begin(), words.end(), word) != words.end();
-}
 
 // The text that is shown, and not the address with it, which Calc tells as a second value.
 std::optional<std::string> linkText(const FunctionCall& call) {

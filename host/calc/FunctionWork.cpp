@@ -4,14 +4,10 @@
 #include <array>
 
 #include "host/calc/FunctionCalls.h"
+#include "host/calc/Words.h"
 
 namespace quorin::host::calc {
 namespace {
-
-template <std::size_t count>
-bool contains(const std::array<std::string_view, count>& words, std::string_view word) {
-  return std::find(words.begin(), words.end(), word) != words.end();
-}
 
 struct Slow {
   std::string_view function;

@@ -27,8 +27,7 @@ const Maker* makerOf(std::string_view function) {
 double sizeIn(CallArgument& argument, const ExpressionContext& context) {
   std::optional<double> number = numberIn(argument.calc);
   if (!number) {
-    const auto told =
-        context.valueOf && !argument.excel.empty() ? context.valueOf(argument.excel) : std::nullopt;
+    const auto told = context.told(argument.excel);
     if (!told) throw SpreadsheetError(-50, "The expression makes an array of an unknown size");
     if (const auto* value = std::get_if<double>(&*told)) number = *value;
     if (const auto* value = std::get_if<bool>(&*told)) number = *value ? 1 : 0;
