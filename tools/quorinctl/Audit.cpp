@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdio>
 #include <deque>
-#include <fstream>
 #include <map>
 #include <mutex>
 #include <set>
@@ -13,6 +12,7 @@
 #include <utility>
 
 #include "kit/platform/Thread.h"
+#include "kit/support/AtomicFile.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
 #include "tools/quorinctl/AuditScript.h"
@@ -109,6 +109,12 @@ class WorkbookAudit {
     if (session_.compileError()) throw Unserved(*session_.compileError());
   }
 
+  ~WorkbookAudit() {
+    // What was asked tells its end all the same, and is not to be taken for the next workbook's.
+    session_.quit();
+    for (; asked_ > 0; --asked_) waiter_.waitForDoneAlone();
+  }
+
   // The report as JSON. Throws Ended, Unserved and AuditScript::Error.
   std::string report(int top) {
     open();
@@ -135,18 +141,9 @@ class WorkbookAudit {
 
   void open() {
     progress_.tell("opening");
-    std::optional<std::string> failure;
-    session_.open(std::filesystem::absolute(file_), [&](std::optional<std::string> told) {
-      failure = std::move(told);
-      waiter_.done();
-    });
-    if (waiter_.waitForDone() == Waiter::Event::signal) {
-      // The work refers to this frame, so it is waited for; it fails as soon as it can.
-      session_.quit();
-      waiter_.waitForDoneAlone();
-      throw Ended();
-    }
-    if (failure) throw Unserved(*failure);
+    const Opening opening = openAndWait(session_, waiter_, file_);
+    if (opening.isEnded) throw Ended();
+    if (opening.failure) throw Unserved(*opening.failure);
   }
 
   void ask(const std::string& text) {
@@ -195,7 +192,7 @@ class WorkbookAudit {
       if (!replies_.empty()) return;
     }
     const auto limit = timers_.empty() ? Clock::now() + whole : timers_.begin()->first;
-    const Waiter::Event event = waiter_.waitForDoneUntil(limit);
+    const Waiter::Event event = waiter_.waitForDone(limit);
     if (event == Waiter::Event::done) --asked_;
     if (event == Waiter::Event::signal) {
       session_.quit();
@@ -203,14 +200,6 @@ class WorkbookAudit {
     }
   }
 
- public:
-  ~WorkbookAudit() {
-    // What was asked tells its end all the same, and is not to be taken for the next workbook's.
-    session_.quit();
-    for (; asked_ > 0; --asked_) waiter_.waitForDoneAlone();
-  }
-
- private:
   Waiter& waiter_;
   const path file_;
   ProgressLine progress_;
@@ -260,15 +249,9 @@ class Output {
   }
   void finish() {
     if (!file_) return;
-    const path part = file_->string() + ".part";
-    std::ofstream stream(part, std::ios::binary | std::ios::trunc);
-    stream << text_;
-    stream.close();
-    std::error_code failure;
-    if (stream) std::filesystem::rename(part, *file_, failure);
-    if (!stream || failure) {
-      std::error_code ignored;
-      std::filesystem::remove(part, ignored);
+    try {
+      AtomicFile::write(FileSystem::real(), std::filesystem::absolute(*file_), text_);
+    } catch (const FileError&) {
       throw Unserved(file_->string() + " cannot be written");
     }
   }

@@ -61,4 +61,20 @@ Place attachedPlace() {
   return place;
 }
 
+Opening openAndWait(Session& session, Waiter& waiter,
+                    const std::optional<std::filesystem::path>& workbook) {
+  Opening opening;
+  std::optional<std::filesystem::path> file;
+  if (workbook) file = std::filesystem::absolute(*workbook);
+  session.open(file, [&](std::optional<std::string> told) {
+    opening.failure = std::move(told);
+    waiter.done();
+  });
+  if (waiter.waitForDone() != Waiter::Event::signal) return opening;
+  // The work refers to this frame, so it is waited for; it fails as soon as it can.
+  session.quit();
+  waiter.waitForDoneAlone();
+  return {true, std::nullopt};
+}
+
 }  // namespace quorin::ctl

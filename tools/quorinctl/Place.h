@@ -1,13 +1,15 @@
-// Place: where a Session has its office, its log and its records. Main thread.
+// Place: where a Session has its office, its log and its records, and how it begins. Main thread.
 #pragma once
 
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
 
 #include "kit/support/FolderLock.h"
 #include "tools/quorinctl/Session.h"
+#include "tools/quorinctl/Waiter.h"
 
 namespace quorin::ctl {
 
@@ -46,5 +48,14 @@ Place privatePlace(const std::optional<std::filesystem::path>& data);
 // The user's own folders, as Quorin itself uses them; so never while it runs: then Unserved is
 // thrown.
 Place attachedPlace();
+
+struct Opening {
+  bool isEnded = false;                // a signal came
+  std::optional<std::string> failure;  // why the workbook is not open
+};
+
+// Waits until the office answers and the workbook, if one is given, is open in it.
+Opening openAndWait(Session& session, Waiter& waiter,
+                    const std::optional<std::filesystem::path>& workbook);
 
 }  // namespace quorin::ctl

@@ -45,22 +45,11 @@ class Server {
 };
 
 bool Server::open(const std::optional<std::filesystem::path>& workbook) {
-  std::optional<std::string> failure;
-  std::optional<std::filesystem::path> file;
-  if (workbook) file = std::filesystem::absolute(*workbook);
-  session_.open(file, [this, &failure](std::optional<std::string> told) {
-    failure = std::move(told);
-    waiter_.done();
-  });
-  if (waiter_.waitForDone() == Waiter::Event::signal) {
-    // The work refers to this frame, so it is waited for; it fails as soon as it can.
-    session_.quit();
-    waiter_.waitForDoneAlone();
-    return false;
-  }
-  if (failure)
-    throw Unserved(workbook ? "cannot open " + workbook->string() + ": " + *failure : *failure);
-  return true;
+  const Opening opening = openAndWait(session_, waiter_, workbook);
+  if (opening.failure)
+    throw Unserved(workbook ? "cannot open " + workbook->string() + ": " + *opening.failure
+                            : *opening.failure);
+  return !opening.isEnded;
 }
 
 bool Server::run() {

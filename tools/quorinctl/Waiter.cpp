@@ -41,13 +41,7 @@ Waiter::Event Waiter::waitForInput() {
   return wait(STDIN_FILENO, Event::input, std::nullopt);
 }
 
-Waiter::Event Waiter::waitForDone() {
-  const Event event = wait(done_, Event::done, std::nullopt);
-  if (event == Event::done) waitForDoneAlone();
-  return event;
-}
-
-Waiter::Event Waiter::waitForDoneUntil(std::chrono::steady_clock::time_point limit) {
+Waiter::Event Waiter::waitForDone(Limit limit) {
   const Event event = wait(done_, Event::done, limit);
   if (event == Event::done) waitForDoneAlone();
   return event;

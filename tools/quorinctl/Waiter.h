@@ -19,9 +19,10 @@ class Waiter {
   Waiter& operator=(const Waiter&) = delete;
 
   Event waitForInput();  // input (also its end), or a signal
-  Event waitForDone();   // done, or a signal
-  Event waitForDoneUntil(std::chrono::steady_clock::time_point limit);  // late when it has passed
-  void waitForDoneAlone();                                              // whatever signals come
+  // Done, or a signal, or late once the limit has passed.
+  using Limit = std::optional<std::chrono::steady_clock::time_point>;
+  Event waitForDone(Limit limit = std::nullopt);
+  void waitForDoneAlone();  // whatever signals come
 
   // Ends one waitForDone. Any thread.
   void done();
@@ -33,7 +34,6 @@ class Waiter {
   int signalNumber() const { return signalNumber_; }
 
  private:
-  using Limit = std::optional<std::chrono::steady_clock::time_point>;
   Event wait(int descriptor, Event event, Limit limit);
 
   int signals_ = -1;
