@@ -9,18 +9,12 @@ import type { Clue } from './Finding';
 
 /** More circles than anybody looks at one by one. */
 const circlesLimit = 50;
-/** Errors are counted over rectangles, which is too much where two cells in far corners span one. */
-const sheetLimit = 20_000_000;
 /** Among more regions looking for circles takes longer than all the rest. */
 const regionsLimit = 100_000;
 
 /** One clue for all first causes of an error on a sheet that have the same form. */
 export function* errorClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const groups = new Map<string, ErrorCause[]>();
-  const isHuge = evidence.index.sheets.some(
-    ({ extent }) => extent && cellCount(extent) > sheetLimit,
-  );
-  if (isHuge) return [];
   const { causes } = yield* findErrorCauses(evidence.index);
   for (const cause of causes) {
     // A reference that is gone is told as that.

@@ -47,8 +47,8 @@ export class BoxTree {
     this.bound(total);
   }
 
-  /** Tells the number of every box that meets `area`. */
-  search({ top, left, bottom, right }: Area, found: (box: number) => void): void {
+  /** Tells the number of every box that meets `area`, until `found` gives true: that is enough. */
+  search({ top, left, bottom, right }: Area, found: (box: number) => unknown): void {
     const { bounds, items, levels } = this;
     const count = items.length;
     if (count === 0) return;
@@ -66,7 +66,7 @@ export class BoxTree {
         continue;
       }
       if (level === 0) {
-        found(items[node] as number);
+        if (found(items[node] as number) === true) return;
         continue;
       }
       const below = levels[level - 1] as number;

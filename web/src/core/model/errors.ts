@@ -2,8 +2,8 @@
 // spoils. Pure.
 
 import { cellCount, meet, type Area } from '../address/area';
+import { BoxTree } from './BoxTree';
 import { restingOn } from './closure';
-import { Counts } from './Counts';
 import type { Index, SheetArea } from './Index';
 import { Kind } from './SheetCells';
 
@@ -28,7 +28,11 @@ export type ErrorCauses = {
 /** For so many causes it is worked out what they spoil. */
 const followed = 200;
 
-type Sheet = { counts: Counts; areas: { area: Area; text: string; formula: number }[] };
+type Sheet = {
+  /** Where the errors are. */
+  cells: BoxTree;
+  areas: { area: Area; text: string; formula: number }[];
+};
 
 export function* findErrorCauses(index: Index): Generator<undefined, ErrorCauses> {
   const sheets: (Sheet | undefined)[] = [];
@@ -46,14 +50,12 @@ export function* findErrorCauses(index: Index): Generator<undefined, ErrorCauses
       sheets.push(undefined);
       continue;
     }
-    const counts = new Counts(extent, (count) => {
-      for (const { row, col } of errors) count(row, col);
-    });
     const areas = errors.map(({ row, col, formula }) => {
       const area = { top: row, left: col, bottom: row, right: col };
       return { area, text: String(cells.valueAt(row, col).value), formula };
     });
-    sheets.push({ counts, areas });
+    const boxes = Int32Array.from(errors.flatMap(({ row, col }) => [row, col, row, col]));
+    sheets.push({ cells: new BoxTree(boxes), areas });
     yield undefined;
   }
   const causes: ErrorCause[] = [];
@@ -72,17 +74,26 @@ export function* findErrorCauses(index: Index): Generator<undefined, ErrorCauses
   return { total, causes, circular: isWhole ? total - cells - reached.size : 0 };
 }
 
+/** Whether the error cell uses another one. */
 function usesError(index: Index, sheets: readonly (Sheet | undefined)[], cell: SheetArea): boolean {
   let uses = false;
   index.formulasIn(cell, (part) => {
     index.usedBy(part, (used) => {
-      const counts = sheets[used.sheet]?.counts;
-      if (!counts) return;
-      const own = used.sheet === cell.sheet && meet(used.area, cell.area) ? 1 : 0;
-      if (counts.in(used.area) > own) uses = true;
+      let left = used.sheet === cell.sheet && meet(used.area, cell.area) ? 1 : 0;
+      sheets[used.sheet]?.cells.search(used.area, () => {
+        uses ||= left === 0;
+        left -= 1;
+        return uses;
+      });
     });
   });
   return uses;
+}
+
+function hasError(sheet: Sheet | undefined, area: Area): boolean {
+  let has = false;
+  sheet?.cells.search(area, () => (has = true));
+  return has;
 }
 
 /** Causes beside each other with the same error and the same relative formula are one. */
@@ -128,8 +139,7 @@ function* spoiledBy(
   let spoiled = 0;
   for (const { region, area } of all.steps) {
     const sheet = index.sheetOf(region);
-    const counts = sheets[sheet]?.counts;
-    if (!counts || counts.in(area) === 0) continue;
+    if (!hasError(sheets[sheet], area)) continue;
     index.sheets[sheet]?.eachFilled(area, (row, col, kind) => {
       if (kind !== Kind.Error) return;
       const isCause =

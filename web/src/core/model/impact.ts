@@ -1,9 +1,9 @@
 // What rests on some cells, counted, and the results at the end of it: cells that rest on them and
 // that no other cell uses. Pure.
 
-import { type Area } from '../address/area';
+import { cellCount, covers, type Area } from '../address/area';
 import { restingOn, type Reached } from './closure';
-import { Covers } from './Counts';
+import { Covers } from './Covers';
 import type { Index, SheetArea } from './Index';
 import { AreaSet } from './rectangles';
 
@@ -18,27 +18,48 @@ export type Impact = {
 
 const areasLimit = 500;
 
+/** Uses are counted over the rectangle around a sheet's cells up to so many, else piece by piece. */
+const wholeLimit = 20_000_000;
+
 /** How often each cell of a sheet is named by a formula. */
 export class Uses {
-  private readonly sheets = new Map<number, Covers | undefined>();
+  private readonly sheets: { areas: Area[]; covers: (Covers | undefined)[] }[];
+  private latest: Covers | undefined;
+  private latestSheet = -1;
 
-  constructor(private readonly index: Index) {}
-
-  isUsed(sheet: number, row: number, col: number): boolean {
-    if (!this.sheets.has(sheet)) this.sheets.set(sheet, this.coversOf(sheet));
-    return (this.sheets.get(sheet)?.over(row, col) ?? 0) > 0;
+  constructor(private readonly index: Index) {
+    this.sheets = index.sheets.map(({ extent, blocks }) => {
+      if (!extent) return { areas: [], covers: [] };
+      // Two cells in far corners span billions, but what was read in pieces was read.
+      const isSmall = cellCount(extent) <= wholeLimit;
+      return { areas: isSmall ? [extent] : blocks.map(({ area }) => area), covers: [] };
+    });
   }
 
-  private coversOf(sheet: number): Covers | undefined {
-    const { index } = this;
-    const extent = index.sheets[sheet]?.extent;
-    if (!extent) return undefined;
-    const covers = new Covers(extent);
-    index.eachBox({ sheet, area: extent }, (area) => {
-      covers.lay(area);
+  isUsed(sheet: number, row: number, col: number): boolean {
+    const cell = { top: row, left: col, bottom: row, right: col };
+    if (sheet !== this.latestSheet || !this.latest || !covers(this.latest.extent, cell)) {
+      this.latest = this.coversAt(sheet, cell);
+      this.latestSheet = sheet;
+    }
+    return (this.latest?.over(row, col) ?? 0) > 0;
+  }
+
+  private coversAt(sheet: number, cell: Area): Covers | undefined {
+    const own = this.sheets[sheet];
+    const i = own?.areas.findIndex((area) => covers(area, cell)) ?? -1;
+    const area = own?.areas[i];
+    if (!area) return undefined;
+    return (own.covers[i] ??= this.coversOf(sheet, area));
+  }
+
+  private coversOf(sheet: number, extent: Area): Covers {
+    const over = new Covers(extent);
+    this.index.eachBox({ sheet, area: extent }, (area) => {
+      over.lay(area);
     });
-    covers.finish();
-    return covers;
+    over.finish();
+    return over;
   }
 }
 

@@ -166,7 +166,7 @@ describe('the list', () => {
     model.piece('Sheet', near.area, near.formulas, near.values);
     model.piece('Sheet', far, [['=1/0']], [['#DIV/0!']]);
     model.endSheet('Sheet');
-    expect(drain(audit(model)).map(line)).toEqual(['differs B6 =A6*2']);
+    expect(drain(audit(model)).map(line)).toEqual(['differs B6 =A6*2', 'error XFD1048576']);
   });
 
   it('changes nothing of the model, also where it writes what is expected', () => {

@@ -1,6 +1,7 @@
 import { describe, expect, test } from 'vitest';
 
-import { area, book, placeOf, Reader } from './written';
+import { areaAddress } from '../../../src/core/address/area';
+import { area, book, pieceOf, placeOf, Reader } from './written';
 import { drain } from './RandomWorkbook';
 
 describe('users of a cell', () => {
@@ -279,6 +280,33 @@ describe('the ways from one cell to another', () => {
     }
     const answer = ways(new Reader({ Data: cells }), 'Data!A1', 'Data!A21');
     expect([answer.ways.length, answer.more]).toEqual([50, true]);
+  });
+});
+
+describe('a sheet with cells in far corners', () => {
+  const far = (): Reader => {
+    const model = new Reader({ Data: {}, Other: { A1: '=Data!A1 -> #N/A' } });
+    model.ask('beginSheet', { sheet: 'Data' });
+    const near = pieceOf({ A1: '#N/A', B1: '=A1*2 -> #N/A', C1: '=B1 -> #N/A', D1: '=A1 -> #N/A' });
+    model.ask('piece', { sheet: 'Data', ...near });
+    const corner = area('XFD1048576');
+    const last = { formulas: [['=R1C2']], values: [['#N/A']] };
+    model.ask('piece', { sheet: 'Data', area: corner, ...last });
+    model.ask('endSheet', { sheet: 'Data' });
+    return model;
+  };
+
+  test('tells where errors start', () => {
+    const { total, rows } = far().ask('errors', {});
+    expect(total).toBe(6);
+    expect(rows.map((row) => [placeOf(row), row.spoils])).toEqual([['Data!A1', 5]]);
+  });
+
+  test('tells what rests on a cell, and which results nothing else uses', () => {
+    const { impact } = far().ask('dependents', { sheet: 'Data', area: area('A1') });
+    expect([impact.cells, impact.sheets, impact.results]).toEqual([5, 2, 4]);
+    const places = impact.rows.map((row) => `${row.sheet}!${areaAddress(row.area)}`);
+    expect(places.sort()).toEqual(['Data!C1', 'Data!D1', 'Data!XFD1048576', 'Other!A1']);
   });
 });
 
