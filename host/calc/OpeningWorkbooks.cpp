@@ -1,7 +1,6 @@
 #include "host/calc/OpeningWorkbooks.h"
 
 #include <chrono>
-#include <com/sun/star/awt/AsyncCallback.hpp>
 #include <com/sun/star/awt/XWindow.hpp>
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
@@ -14,15 +13,12 @@
 #include <com/sun/star/sheet/XCalculatable.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
-#include <cppuhelper/implbase1.hxx>
-#include <exception>
-#include <future>
-#include <rtl/ref.hxx>
 #include <utility>
 #include <vector>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/Arguments.h"
+#include "host/calc/MainThread.h"
 #include "host/calc/OfficeFiles.h"
 #include "host/calc/Text.h"
 
@@ -78,37 +74,15 @@ css::uno::Sequence<css::beans::PropertyValue> loading(
   return sequenceOf(arguments);
 }
 
-// Shows a window from the office's main thread. A window that a thread of the bridge shows can hang
-// for ever with its menu, which then asks for the clipboard while the main thread does as well.
-// What the office is asked for while it calls back, it does on the thread that calls.
-class Showing : public cppu::WeakImplHelper1<css::awt::XCallback> {
- public:
-  explicit Showing(Reference<css::frame::XFrame> frame) : frame_(std::move(frame)) {}
-
-  void SAL_CALL notify(const css::uno::Any&) override {
-    try {
-      frame_->getContainerWindow()->setVisible(true);
-      frame_->activate();
-      shown_.set_value();
-    } catch (...) {
-      shown_.set_exception(std::current_exception());
-    }
-  }
-  std::future<void> shown() { return shown_.get_future(); }
-
- private:
-  const Reference<css::frame::XFrame> frame_;
-  std::promise<void> shown_;
-};
-
+// A window that a thread of the bridge shows can hang for ever with its menu, which then asks for
+// the clipboard while the main thread does as well.
 void show(const Reference<XComponentContext>& context, const Reference<css::frame::XFrame>& frame) {
   constexpr std::chrono::seconds patience{30};
-  const rtl::Reference<Showing> showing(new Showing(frame));
-  std::future<void> shown = showing->shown();
-  css::awt::AsyncCallback::create(context)->addCallback(showing.get(), {});
-  if (shown.wait_for(patience) != std::future_status::ready)
-    throw SpreadsheetError(-1712, "LibreOffice does not show the workbook");
-  shown.get();
+  const bool shown = onMainThread(context, patience, [frame] {
+    frame->getContainerWindow()->setVisible(true);
+    frame->activate();
+  });
+  if (!shown) throw SpreadsheetError(-1712, "LibreOffice does not show the workbook");
 }
 
 // Calc works formulas such as INDIRECT out when a workbook gets its first window, and opens files

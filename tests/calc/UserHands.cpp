@@ -36,6 +36,7 @@
 #include <stdexcept>
 
 #include "host/calc/Arguments.h"
+#include "host/calc/MainThread.h"
 #include "host/calc/MarkShape.h"
 #include "host/calc/OfficeConnection.h"
 #include "host/calc/OfficeFiles.h"
@@ -272,9 +273,15 @@ void UserHands::deleteSheet(const std::string& book, const std::string& sheet) {
 
 void UserHands::copySheetTo(const std::string& book, const std::string& sheet,
                             const std::string& otherBook) {
+  const auto from = objects_->workbook(book);
   const auto to = objects_->workbook(otherBook)->getSheets();
-  Reference<css::sheet::XSpreadsheets2>(to, UNO_QUERY_THROW)
-      ->importSheet(objects_->workbook(book), toUno(sheet), to->getElementNames().getLength());
+  // The office does this without its lock: on another thread it dies while a window is painted.
+  const bool done =
+      onMainThread(objects_->connection.context(), std::chrono::seconds(60), [from, to, sheet] {
+        Reference<css::sheet::XSpreadsheets2>(to, UNO_QUERY_THROW)
+            ->importSheet(from, toUno(sheet), to->getElementNames().getLength());
+      });
+  if (!done) throw std::runtime_error("the office does not copy a sheet");
   setModified(otherBook, true);  // as the office's own command does
 }
 
