@@ -13,6 +13,8 @@
 // shown.
 #include <algorithm>
 #include <array>
+#include <com/sun/star/uno/Exception.hpp>
+#include <cppuhelper/exc_hlp.hxx>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -21,6 +23,7 @@
 #include <set>
 #include <utility>
 
+#include "host/calc/Text.h"
 #include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/UserHands.h"
@@ -93,6 +96,7 @@ class CalcMarksProperty : public testing::Test {
   }
 
   void begin(unsigned seed) {
+    doing_ = "beginning";
     random_.seed(seed);
     for (const Book& book : books_)
       if (!book.path.empty()) hands_.close(book.path);
@@ -149,6 +153,7 @@ class CalcMarksProperty : public testing::Test {
   }
 
   std::string ask(const std::string& verb, Array args = {}) {
+    doing_ = verb;
     const Bridge::Reply reply = road_.bridge().dispatch(verb, args);
     EXPECT_TRUE(reply.ok) << verb << Marshal::encode(args) << Marshal::encode(reply.payload);
     return Marshal::encode(reply.payload);
@@ -304,7 +309,9 @@ class CalcMarksProperty : public testing::Test {
   void userEdit() {
     Sheet& sheet = anySheet();
     Book& book = front();
-    switch (pick(0, 14)) {
+    const int edit = pick(0, 14);
+    doing_ = "edit " + std::to_string(edit) + " on " + book.path + " " + sheet.name;
+    switch (edit) {
       case 0:
         insertRows(sheet);
         break;
@@ -430,11 +437,21 @@ class CalcMarksProperty : public testing::Test {
     }
   }
 
+  void act() {
+    if (once(2)) {
+      userEdit();
+    } else {
+      verb();
+    }
+    expectRecorded();
+  }
+
   TemporaryFolder folder_;
   CalcRoad road_;
   UserHands hands_{connected().open()};
   std::mt19937 random_;
-  int saved_ = 0;  // under another name, or copied
+  std::string doing_;  // what the user does, or we, now
+  int saved_ = 0;      // under another name, or copied
   int lastLabel_ = 1000;
   std::array<Book, 2> books_;
   std::size_t front_ = 0;  // the one of them that is in front
@@ -448,20 +465,18 @@ TEST_F(CalcMarksProperty, EveryMarkCanBeTakenBack) {
     constexpr int each = 10;
     const int start = seed - (seed - first) % each;
     SCOPED_TRACE("QUORIN_SEED=" + std::to_string(start) + ", at " + std::to_string(seed));
-    if (seed == start) {
-      begin(static_cast<unsigned>(seed));
-    } else {
-      goOn(static_cast<unsigned>(seed));
-    }
-    for (int i = pick(2, 8); i > 0 && !HasFailure(); --i) {
-      if (once(2)) {
-        userEdit();
+    try {
+      if (seed == start) {
+        begin(static_cast<unsigned>(seed));
       } else {
-        verb();
+        goOn(static_cast<unsigned>(seed));
       }
-      expectRecorded();
+      for (int i = pick(2, 8); i > 0 && !HasFailure(); --i) act();
+      expectNothingLeft();
+    } catch (const css::uno::Exception& refused) {
+      ADD_FAILURE() << doing_ << ": " << toText(cppu::getCaughtException().getValueTypeName())
+                    << " " << toText(refused.Message);
     }
-    expectNothingLeft();
   }
 }
 
