@@ -31,6 +31,7 @@ MOST_MEMORY = 500  # MB
 MOST_CELLS = 2  # of each workbook; the test through quorinctl asks all
 # Seconds for what takes a moment: only what never comes fails, whatever else the machine does.
 PATIENCE = 120
+LAST_LINES = 40  # of each log that are told of a failure
 PROGRAMS = r"soffice|oosplash|quorin|WebKit"
 
 STATE = """(() => {
@@ -38,7 +39,7 @@ STATE = """(() => {
   // A branch that is not taken is not asked for.
   const rows = [...document.querySelectorAll('.row:not(.unused) [data-testid="row-value"]')];
   return { book: text("book"), sheet: text("sheet"), address: text("address").replaceAll("$", ""),
-           value: text("value"), follows: document.querySelector('[data-testid="follow"]').ariaPressed,
+           value: text("value"), pinned: document.querySelector('[data-testid="follow"]').ariaPressed,
            open: rows.filter((row) => ["waiting", "asking"].includes(row.dataset.state)).length,
            asking: document.querySelectorAll(".places .waiting").length,
            hostile: "hostile" in window || document.querySelectorAll(
@@ -238,8 +239,8 @@ class Trial:
 
     def tell_what_was_said(self):
         """The last lines of what every program wrote."""
-        for log in sorted(self.desk.folder.glob("*.log")):
-            for line in log.read_text(errors="replace").splitlines()[-5:]:
+        for log in sorted(self.desk.folder.rglob("*.log")):
+            for line in log.read_text(errors="replace").splitlines()[-LAST_LINES:]:
                 print(f"    {log.stem}: {line[:200]}")
         for process in self.desk.started:
             if process.poll() is not None:
