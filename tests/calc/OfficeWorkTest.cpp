@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcExpression.h"
@@ -179,6 +180,23 @@ TEST(OfficeWork, IsKnownOfCellsThatAreOnlyFoundWhenItIsDone) {
         "COUNTIF(OFFSET(A1,0,0,C1,1),1)"}) {
     EXPECT_EQ(refusal(excel, {}, places()), "") << excel;
   }
+}
+
+// Each question is an evaluation of its own, and such formulas are in every workbook.
+TEST(OfficeWork, IsNotAskedForOfCellsOfWhichNoArrayIsMade) {
+  std::vector<std::string> asked;
+  ExpressionContext context = plan();
+  context.valueOf = [&](const std::string& argument) -> std::optional<CellValue> {
+    asked.push_back(argument);
+    return 3.0;
+  };
+  for (const char* excel : {"SUM(OFFSET(A1,0,0,B2,B1))", "OFFSET(A1,0,0,B2,B1)",
+                            "SUM( OFFSET(A1,0,0,B2,B1) , 1)", "SUM(INDEX(A:AZ,B1,0))"}) {
+    EXPECT_EQ(refusal(excel, {}, context), "") << excel;
+    EXPECT_THAT(asked, testing::IsEmpty()) << excel;
+  }
+  refusal("SUM(OFFSET(A1,0,0,B2,B1)+1)", {}, context);
+  EXPECT_THAT(asked, testing::ElementsAre("B2", "B1"));
 }
 
 // A name is no end of the expression: what it finds may be counted around it.
