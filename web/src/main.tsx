@@ -129,6 +129,7 @@ const scans: Scans = new Scans(model, {
   time: () => new Date().toLocaleTimeString('en-GB', { hour: '2-digit', minute: '2-digit' }),
   changed() {
     explorer.lists.scanned();
+    explorer.review.scanned();
     changed();
   },
 });

@@ -13,6 +13,7 @@ import { FormulaPane } from './FormulaPane';
 import { Notice } from './Notice';
 import type { Page } from './page';
 import { PlaceListView } from './PlaceListView';
+import { ReviewView } from './review/ReviewView';
 import { doubtOf, ResultLine } from './ResultLine';
 import { ScanBar } from './ScanBar';
 import { StatusBar } from './StatusBar';
@@ -27,6 +28,9 @@ export type AppProps = {
   said: string;
   onRetry(): void;
 };
+
+/** What takes every key but Escape for itself. */
+const fields = 'select, textarea, input';
 
 /** Keys that a button or a scrolling frame needs for itself. */
 const ownKeys: ReadonlySet<Command['do']> = new Set<Command['do']>([
@@ -52,6 +56,7 @@ export function App(props: AppProps): JSX.Element {
   const listedLabel = () => props.page.look((explorer) => explorer.listedLabel);
   const impact = () => props.page.look((explorer) => explorer.lists.impact);
   const coverage = () => props.page.look((explorer) => explorer.lists.coverage);
+  const scan = () => props.page.look((explorer) => explorer.lists.scan);
   const isWhole = () => props.page.look((explorer) => explorer.lists.isWhole);
 
   const press = (event: KeyboardEvent): void => {
@@ -61,6 +66,7 @@ export function App(props: AppProps): JSX.Element {
     const command = commandOf(key, explorer.finding);
     if (!command) return;
     const target = event.target as HTMLElement;
+    if (target.matches(fields) && command.do !== 'leave') return;
     const isOurs = target === document.body || target.closest('[data-keys=all]') !== null;
     if (!isOurs && ownKeys.has(command.do)) return;
     if (command.do !== 'leave') event.preventDefault();
@@ -129,7 +135,7 @@ export function App(props: AppProps): JSX.Element {
                   }
                   missing={coverage()}
                 >
-                  <ScanBar page={props.page} />
+                  <ScanBar page={props.page} scan={scan()} />
                 </PlaceListView>
               </Show>
               <Show when={view() === 'map'}>
@@ -142,6 +148,9 @@ export function App(props: AppProps): JSX.Element {
                   nothing="This workbook has no sheets."
                   missing=""
                 />
+              </Show>
+              <Show when={view() === 'review'}>
+                <ReviewView page={props.page} />
               </Show>
             </>
           )}

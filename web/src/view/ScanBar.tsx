@@ -1,13 +1,14 @@
 import { Show, type JSX } from 'solid-js';
 
 import { oneLine } from '../core/format/visible';
+import type { BookScan } from '../core/scan/BookScan';
 import { progressOf } from '../core/scan/coverage';
 import type { Page } from './page';
 
 /** How far the workbook has been read, and what can be done about it. */
-export function ScanBar(props: { page: Page }): JSX.Element {
-  const scan = () => props.page.look((explorer) => explorer.lists.scan);
-  const state = () => props.page.look((explorer) => explorer.lists.scan?.state);
+export function ScanBar(props: { page: Page; scan: BookScan | undefined }): JSX.Element {
+  const scan = () => props.scan;
+  const state = () => props.page.look(() => props.scan?.state);
   const text = () => {
     const now = state();
     return now ? progressOf(now) : '';

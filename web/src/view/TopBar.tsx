@@ -1,17 +1,18 @@
 import { For, type JSX } from 'solid-js';
 
-import type { ViewName } from '../core/protocol/events';
+import type { View } from '../core/explorer/view';
 import { ColourMenu } from './ColourMenu';
 import { CloseIcon, PinIcon, WidthIcon } from './icons';
 import type { Page } from './page';
 
-const tabs: { view: ViewName; name: string; key: string }[] = [
+const tabs: { view: View; name: string; key: string }[] = [
   { view: 'tree', name: 'Tree', key: '1' },
   { view: 'deps', name: 'Dependents', key: '2' },
   { view: 'map', name: 'Map', key: '3' },
+  { view: 'review', name: 'Review', key: '4' },
 ];
 
-/** The three views, whether the page follows the selection, and what concerns the panel itself. */
+/** The four views, whether the page follows the selection, and what concerns the panel itself. */
 export function TopBar(props: { page: Page; paused: boolean }): JSX.Element {
   const view = () => props.page.look((explorer) => explorer.view);
   const pinned = () => props.page.look((explorer) => explorer.pinned);

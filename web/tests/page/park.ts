@@ -3,9 +3,9 @@
 import type { Answer } from './FakePanel';
 import { ready, success } from './samples';
 
-type Content = string | number | { formula: string; gives: string | number };
+export type Content = string | number | { formula: string; gives: string | number };
 
-function sheet(rows: Content[][]): Answer {
+export function sheet(rows: Content[][]): Answer {
   const cols = Math.max(...rows.map((row) => row.length));
   const each = <T>(take: (content: Content) => T, blank: T): T[][] =>
     rows.map((row) =>

@@ -1,6 +1,7 @@
 // Every state the page can be in, and how it gets there.
 
 import type { Answer, FakePanel } from './FakePanel';
+import { odd } from './odd';
 import { park } from './park';
 import {
   cell,
@@ -36,6 +37,9 @@ const failing: Record<string, Answer> = {
   "readRange 'Inputs'!B2": range([[0.21]]),
   evaluate: error('#DIV/0!'),
 };
+
+const openReview = (panel: FakePanel): Promise<void> =>
+  panel.page.getByTestId('tab-review').click();
 
 const allRefused = 'The number of arguments is not what this function takes.';
 
@@ -266,6 +270,52 @@ export const scenes: Record<string, Scene> = {
     then: async (panel) => {
       await panel.page.getByTestId('tab-map').click();
       await panel.page.getByTestId('place').first().waitFor();
+    },
+  },
+  review: {
+    answers: odd,
+    state: 'ready',
+    then: async (panel) => {
+      await openReview(panel);
+      await panel.page.getByText('All 2 sheets, as read at').waitFor();
+      await panel.page.getByTestId('list').press('End');
+      await panel.page.getByTestId('marked').waitFor();
+    },
+  },
+  reviewFiltered: {
+    answers: odd,
+    state: 'ready',
+    then: async (panel) => {
+      await openReview(panel);
+      await panel.page.getByTestId('filter-kind').selectOption('constant');
+      await panel.page.getByTestId('filter-sheet').selectOption('Costs');
+      await panel.page.getByTestId('review-absent').waitFor();
+    },
+  },
+  reviewReading: {
+    answers: { ...odd, "readFormulas '[Solar park.xlsx]Prices'!A1:H4": undefined as never },
+    state: 'ready',
+    then: async (panel) => {
+      await openReview(panel);
+      await panel.page.getByText('Reading “Prices”').waitFor();
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
+    },
+  },
+  reviewEmpty: {
+    answers: {
+      ...odd,
+      workbookMap: success({
+        book: 'Solar park.xlsx',
+        sheets: [{ name: 'Costs', usedRange: null }],
+        sheetsTruncated: false,
+        names: [],
+      }),
+      evaluate: value(0),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await openReview(panel);
+      await panel.shows('review-absent', 'This workbook has no formulas.');
     },
   },
   noted: {

@@ -1,16 +1,18 @@
-// What the page shows and what its keys do: one cell's formula as a tree (or one of the two lists),
+// What the page shows and what its keys do: one cell's formula as a tree (or one of the lists),
 // the way the user came, and the sheet that follows. Holds no element of the document; whoever draws
 // it is told when something changed and looks again.
 
 import { Evaluator } from '../evaluation/Evaluator';
 import { ResultCache } from '../evaluation/ResultCache';
+import { addressLimit } from '../follow/SheetFollower';
 import { print } from '../formula/print';
 import type { Command } from '../keyboard/keys';
 import { TypeAhead } from '../keyboard/TypeAhead';
 import type { Item } from '../outline/Item';
-import type { NativeEvent, ViewName } from '../protocol/events';
+import type { NativeEvent } from '../protocol/events';
 import { isScalar, type Json } from '../protocol/json';
 import type { CellPlace } from '../protocol/verbs';
+import { Review } from '../review/Review';
 import type { CellContent, SelectionState } from '../selection/state';
 import { CellLabels } from '../scan/CellLabels';
 import { Lists, type ListedCells } from '../workbook/Lists';
@@ -23,6 +25,7 @@ import { nextFinding } from './findings';
 import { leadOf } from './lead';
 import { locate } from './locate';
 import type { ExplorerPorts } from './ports';
+import type { View } from './view';
 import { homeOf, stopAt, stopOf } from './stops';
 import { samePlace, Trail, type Stop } from './Trail';
 
@@ -33,8 +36,9 @@ export class Explorer {
   readonly cache = new ResultCache();
   readonly evaluator: Evaluator;
   readonly lists: Lists;
+  readonly review: Review;
   private readonly labels: CellLabels | undefined;
-  view: ViewName = 'tree';
+  view: View = 'tree';
   pinned = false;
   /** What came of the last command, where that is worth a word; empty where it is not. */
   private said = '';
@@ -45,6 +49,7 @@ export class Explorer {
   constructor(private readonly ports: ExplorerPorts) {
     this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
     this.lists = new Lists(ports.questions, ports.changed, ports.scans);
+    this.review = new Review(ports.changed, ports.scans);
     this.labels = ports.scans && new CellLabels(ports.scans, ports.changed);
     this.typing = new TypeAhead(ports.clock);
   }
@@ -58,7 +63,7 @@ export class Explorer {
   }
 
   get list(): PlaceView | undefined {
-    return this.lists.of(this.view);
+    return this.view === 'review' ? this.review.list : this.lists.of(this.view);
   }
 
   /** The selected cell was read, or cannot be. */
@@ -125,7 +130,7 @@ export class Explorer {
     this.left = false;
   }
 
-  show(view: ViewName): void {
+  show(view: View): void {
     this.view = view;
     this.load();
     this.ports.changed();
@@ -133,6 +138,8 @@ export class Explorer {
 
   /** The list that is the view is loaded. Who uses cells of a workbook is asked while it is in front. */
   private load(): void {
+    const { here } = this;
+    if (this.view === 'review' && here) this.review.look(here.place.book, !this.elsewhere);
     if (this.view === 'deps' && this.elsewhere) return;
     this.lists.load(this.view, this.listed, this.beside);
   }
@@ -290,7 +297,8 @@ export class Explorer {
   async select(): Promise<void> {
     const destination = this.destination();
     if (!destination || this.elsewhere) return;
-    const outcome = await this.ports.questions.select(destination.addresses);
+    const addresses = destination.addresses.slice(0, addressLimit);
+    const outcome = await this.ports.questions.select(addresses);
     this.said = outcome.ok ? `Selected ${destination.label}.` : outcome.failure.message;
     this.ports.changed();
   }
@@ -340,8 +348,17 @@ export class Explorer {
     if (command.do === 'finding') list.find(command.direction);
     if (command.do === 'reveal') this.reveal();
     const place = list.active?.place;
-    if (command.do === 'drill' && place) void this.visitPlace(place);
+    if (command.do === 'drill' && this.view === 'review') this.goThere();
+    else if (command.do === 'drill' && place) void this.visitPlace(place);
     if (list.active !== before) this.follow();
+  }
+
+  /** Marks the active row's cells at once, and selects them in the spreadsheet. */
+  goThere(): void {
+    if (this.elsewhere) return;
+    const destination = this.destination();
+    if (destination && this.ports.follower.current.able) this.ports.follower.go(destination);
+    void this.select();
   }
 
   async visitPlace(place: Place): Promise<void> {

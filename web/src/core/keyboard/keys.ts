@@ -1,13 +1,13 @@
 // What a key means on the page. Pure: an event's names in, a command out.
 
 import type { Move } from '../outline/TreeModel';
-import type { ViewName } from '../protocol/events';
+import type { View } from '../explorer/view';
 
 export type Command =
   | { do: 'move'; how: Move }
   | { do: 'openSiblings' | 'drill' | 'back' | 'forward' | 'reveal' | 'pin' | 'leave' }
   | { do: 'finding'; direction: 1 | -1 }
-  | { do: 'view'; view: ViewName }
+  | { do: 'view'; view: View }
   | { do: 'find'; character: string };
 
 export type Key = { key: string; alt: boolean; control: boolean; meta: boolean };
@@ -23,7 +23,12 @@ const moves: Record<string, Move | undefined> = {
   End: 'last',
 };
 
-const views: Record<string, ViewName | undefined> = { '1': 'tree', '2': 'deps', '3': 'map' };
+const views: Record<string, View | undefined> = {
+  '1': 'tree',
+  '2': 'deps',
+  '3': 'map',
+  '4': 'review',
+};
 
 /** `finding`: a search by typing is under way, so that every character belongs to it. */
 export function commandOf(key: Key, finding: boolean): Command | undefined {

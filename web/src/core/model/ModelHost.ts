@@ -1,6 +1,7 @@
 // The models of the workbooks that were read, behind questions that are plain data: the same in a
 // worker and on the page's own thread.
 
+import { Findings } from '../audit/answer';
 import {
   dependentsAnswer,
   driversAnswer,
@@ -18,6 +19,7 @@ const booksLimit = 3;
 
 export class ModelHost {
   private readonly books = new Map<string, WorkbookModel>();
+  private readonly findings = new Findings();
 
   /** Throws for a workbook that was never begun. */
   model(book: string): WorkbookModel {
@@ -67,6 +69,8 @@ export class ModelHost {
         return yield* waysAnswer(model, question.args.from, question.args.to);
       case 'errors':
         return yield* errorsAnswer(model);
+      case 'findings':
+        return yield* this.findings.answer(model, question.args.from);
       case 'labels':
         return question.args.cells.map((cells) => {
           const place = model.place(cells);

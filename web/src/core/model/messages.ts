@@ -2,6 +2,7 @@
 // to a worker and back.
 
 import type { Area } from '../address/area';
+import type { Finding } from '../audit/Finding';
 import type { Grid, Scalar } from '../protocol/json';
 import type { NameEntry } from './Names';
 
@@ -48,6 +49,30 @@ export type ErrorsAnswer = {
   rows: ErrorRow[];
   left: number;
   circular: number;
+};
+
+/** What is odd, with what stands in its first cell. Of many areas the first are told. */
+export type FindingRow = Finding & {
+  areas: number;
+  /** Cells in all areas. */
+  size: number;
+  /** As it stands in the first cell, cut where it is long; empty for a cell without one. */
+  formula: string;
+  value: Scalar;
+  /** What a human would call the first cell. */
+  label: string;
+};
+
+/** A part of the list, which may be long. */
+export type FindingsAnswer = {
+  /** By rank. */
+  rows: FindingRow[];
+  /** As many as are told in all parts. */
+  told: number;
+  /** As many as were found. */
+  total: number;
+  /** Cells with a formula, of which the audit looked at all. */
+  formulas: number;
 };
 
 export type WaysAnswer = {
@@ -98,6 +123,8 @@ export type Questions = {
   /** How `from` gets into `to`. */
   ways: { args: { from: Cells; to: Cells }; answer: WaysAnswer };
   errors: { args: Record<string, never>; answer: ErrorsAnswer };
+  /** What is odd in the workbook, from a place in the list on. */
+  findings: { args: { from: number }; answer: FindingsAnswer };
   /** One for each area; empty where there is none. */
   labels: { args: { cells: Cells[] }; answer: string[] };
   /** Whether the cell is as it was read. `formula` in A1, empty for none. */

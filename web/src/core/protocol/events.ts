@@ -3,6 +3,7 @@
 import { isObject } from './json';
 import { cellPlace, type CellPlace } from './verbs';
 
+/** The views that hot keys bring up. */
 export type ViewName = 'tree' | 'deps' | 'map';
 
 export type NativeEvent =

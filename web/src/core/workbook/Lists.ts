@@ -1,11 +1,11 @@
-// The two lists beside the tree, each asked for when it is looked at. Dependents are told by the
+// The lists of dependents and of sheets and names, each asked for when it is looked at. Dependents are told by the
 // spreadsheet first, for the sheet in front, and by the model of the workbook as far as it was read.
 
 import { cellCount, parseArea, qualified } from '../address/area';
 import { readLimit } from '../evaluation/readPlan';
 import { count } from '../format/words';
 import type { BookState, DependentsAnswer, ErrorsAnswer } from '../model/messages';
-import type { ViewName } from '../protocol/events';
+import type { View } from '../explorer/view';
 import type { Outcome } from '../protocol/Outcome';
 import type { CellPlace, RangeFormulas, ReferenceStyle, WorkbookMap } from '../protocol/verbs';
 import { blocksOf } from './blocks';
@@ -90,13 +90,13 @@ export class Lists {
     this.map = new PlaceView(changed);
   }
 
-  /** The list that is the view; nothing for the tree. */
-  of(view: ViewName): PlaceView | undefined {
-    return view === 'tree' ? undefined : view === 'deps' ? this.dependents : this.map;
+  /** The list that is the view; nothing for other views. */
+  of(view: View): PlaceView | undefined {
+    return view === 'deps' ? this.dependents : view === 'map' ? this.map : undefined;
   }
 
   /** `other`: cells that the listed ones are looked at together with. */
-  load(view: ViewName, cells: ListedCells | undefined, other?: ListedCells): void {
+  load(view: View, cells: ListedCells | undefined, other?: ListedCells): void {
     if (view === 'map') void this.map.load('map', () => this.questions.workbookMap(), mapRows);
     if (view === 'deps' && cells) {
       this.scans?.of(cells.book).begin();

@@ -148,16 +148,17 @@ export class PlaceView {
     this.open.clear();
     this.paths.clear();
     this.place(rows, '');
-    this.shown = this.flat(rows, 1);
+    this.shown = this.flat(rows, 1, []);
     this.held = { status: 'known', note };
   }
 
   /** Notes where the rows are, and opens those that are open at first or were opened before. */
   private place(rows: readonly PlaceRow[], above: Path): void {
     for (const row of rows) {
+      if (!row.inner) continue;
       const path = `${above}\n${row.place?.sheet ?? ''}!${row.text}`;
       this.paths.set(row, path);
-      if (row.inner && (this.wished.get(path) ?? row.open === true)) this.openRow(row);
+      if (this.wished.get(path) ?? row.open === true) this.openRow(row);
     }
   }
 
@@ -187,16 +188,18 @@ export class PlaceView {
 
   /** The rows anew; the active one stays, or what stands in its place. */
   private show(active: PlaceRow | undefined, otherwise: number): void {
-    this.shown = this.flat(this.top, 1);
+    this.shown = this.flat(this.top, 1, []);
     const again = this.shown.findIndex((one) => one.row === active);
     this.activate(again >= 0 ? again : otherwise);
   }
 
-  private flat(rows: readonly PlaceRow[], level: number): ShownRow[] {
-    return rows.flatMap((row) => {
+  private flat(rows: readonly PlaceRow[], level: number, shown: ShownRow[]): ShownRow[] {
+    for (const row of rows) {
+      shown.push({ row, level });
       const inner = this.open.get(row);
-      return inner ? [{ row, level }, ...this.flat(inner, level + 1)] : [{ row, level }];
-    });
+      if (inner) this.flat(inner, level + 1, shown);
+    }
+    return shown;
   }
 
   private parentOf(index: number): number {

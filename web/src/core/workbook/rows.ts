@@ -40,7 +40,7 @@ export function joined(...parts: string[]): string {
 }
 
 /** So that the address keeps its room; the row's tooltip has all of it. */
-function shortSheet(name: string): string {
+export function shortSheet(name: string): string {
   return name.length > sheetLimit ? `${name.slice(0, sheetLimit - 1)}…` : name;
 }
 

@@ -1,7 +1,7 @@
 import { describe, expect, test } from 'vitest';
 
 import { areaAddress } from '../../../src/core/address/area';
-import { area, book, pieceOf, placeOf, Reader } from './written';
+import { area, book, pieceOf, placeOf, Reader, type Written } from './written';
 import { drain } from './RandomWorkbook';
 
 describe('users of a cell', () => {
@@ -307,6 +307,82 @@ describe('a sheet with cells in far corners', () => {
     expect([impact.cells, impact.sheets, impact.results]).toEqual([5, 2, 4]);
     const places = impact.rows.map((row) => `${row.sheet}!${areaAddress(row.area)}`);
     expect(places.sort()).toEqual(['Data!C1', 'Data!D1', 'Data!XFD1048576', 'Other!A1']);
+  });
+});
+
+describe('findings', () => {
+  const odd = (): Reader =>
+    new Reader({
+      Data: {
+        'A1:A9': 2,
+        'B1:B9': '=A1*2',
+        B6: '=A6*3+$A$1 -> 8',
+        C1: 'Rate',
+        D1: '=[Other.xlsx]Data!$A$1 -> 5',
+      },
+    });
+
+  test('come by rank, with what stands in the first cell', () => {
+    const model = odd();
+    const before = model.ask('state', {});
+    const { rows, told, total, formulas } = model.ask('findings', { from: 0 });
+    expect([rows.length, told, total, formulas]).toEqual([2, 2, 2, 10]);
+    expect(
+      rows.map(({ kind, formula, expected, value, areas, size, label }) => ({
+        kind,
+        formula,
+        expected,
+        value,
+        areas,
+        size,
+        label,
+      })),
+    ).toEqual([
+      {
+        kind: 'differs',
+        formula: '=A6*3+$A$1',
+        expected: '=A6*2',
+        value: 8,
+        areas: 1,
+        size: 1,
+        label: '',
+      },
+      {
+        kind: 'link',
+        formula: '=[Other.xlsx]Data!$A$1',
+        expected: '',
+        value: 5,
+        areas: 1,
+        size: 1,
+        label: 'Rate',
+      },
+    ]);
+    expect(model.ask('findings', { from: 2 }).rows).toEqual([]);
+    // The audit leaves the model as it was.
+    expect(model.ask('state', {})).toEqual(before);
+  });
+
+  test('are those of what was read last', () => {
+    const model = odd();
+    expect(model.ask('findings', { from: 0 }).total).toBe(2);
+    model.read('Data', { 'A1:A9': 2, 'B1:B9': '=A1*2' });
+    expect(model.ask('findings', { from: 0 })).toMatchObject({ rows: [], total: 0, formulas: 9 });
+  });
+
+  test('come in parts, of many areas the first ones', () => {
+    const cells: Written = {};
+    for (let row = 1; row <= 300; row++) {
+      cells[`A${String(row)}`] = `=$C$1+$C$1*${String(row)}-C$1`;
+      cells[`F${String(row * 2)}`] = '=[Other.xlsx]Data!$A$1';
+    }
+    const model = new Reader({ Data: cells });
+    const first = model.ask('findings', { from: 0 });
+    const second = model.ask('findings', { from: first.rows.length });
+    expect([first.told, first.rows.length, second.rows.length]).toEqual([301, 250, 51]);
+    const all = [...first.rows, ...second.rows];
+    expect(all.map(({ rank }) => rank)).toEqual(Array.from({ length: 301 }, (_, i) => i + 1));
+    const link = all.find(({ kind }) => kind === 'link');
+    expect([link?.cells.length, link?.areas, link?.size]).toEqual([40, 300, 300]);
   });
 });
 

@@ -1,0 +1,70 @@
+// The audit's findings as the page is told them: in parts, each small enough for a thread that draws.
+
+import { cellCount } from '../address/area';
+import { formulaInFirst } from '../formula/relative';
+import type { Index } from '../model/Index';
+import type { FindingRow, FindingsAnswer } from '../model/messages';
+import type { WorkbookModel } from '../model/WorkbookModel';
+import { audit } from './audit';
+import type { Finding } from './Finding';
+
+/** So many findings are told in all; nobody reads more of them. */
+export const findingsLimit = 5_000;
+/** So many at a time. */
+export const partSize = 250;
+/** The first areas of a finding: more are neither listed nor marked. */
+const areasLimit = 40;
+/** More of a formula is not compared by eye. */
+const formulaLimit = 2_000;
+
+/** Keeps what was found as long as the workbook is as it was read. */
+export class Findings {
+  private readonly known = new WeakMap<Index, Finding[]>();
+
+  *answer(model: WorkbookModel, from: number): Generator<undefined, FindingsAnswer> {
+    const index = yield* model.index();
+    let findings = this.known.get(index);
+    if (!findings) {
+      findings = yield* audit(model);
+      this.known.set(index, findings);
+    }
+    const told = Math.min(findings.length, findingsLimit);
+    const rows: FindingRow[] = [];
+    for (const finding of findings.slice(from, Math.min(told, from + partSize))) {
+      rows.push(rowOf(model, finding));
+      yield undefined;
+    }
+    let formulas = 0;
+    for (let region = 0; region < index.regionCount; region++) {
+      formulas += cellCount(index.areaOf(region));
+    }
+    return { rows, told, total: findings.length, formulas };
+  }
+}
+
+function cut(text: string): string {
+  return text.length > formulaLimit ? `${text.slice(0, formulaLimit)}…` : text;
+}
+
+function rowOf(model: WorkbookModel, finding: Finding): FindingRow {
+  const { cells, expected } = finding;
+  const [first] = cells;
+  const place = first && model.place(first);
+  const told = {
+    ...finding,
+    cells: cells.slice(0, areasLimit),
+    expected: cut(expected),
+    areas: cells.length,
+    size: cells.reduce((sum, { area }) => sum + cellCount(area), 0),
+  };
+  if (!place) return { ...told, formula: '', value: null, label: '' };
+  const { area } = place;
+  const one = { ...place, area: { ...area, bottom: area.top, right: area.left } };
+  const formula = model.cellsOf(place.sheet)?.formulaAt(area.top, area.left) ?? 0;
+  return {
+    ...told,
+    formula: formula === 0 ? '' : cut(formulaInFirst(model.formulas.at(formula), area)),
+    value: model.value(one),
+    label: model.label(one),
+  };
+}

@@ -1,0 +1,248 @@
+// The review: what the audit finds in the workbook whose cell is shown, as a list by rank. Asked of
+// the model once the whole workbook was read, and again when more of it was read anew.
+
+import type { Kind } from '../audit/Finding';
+import { count, grouped } from '../format/words';
+import type { FindingRow, FindingsAnswer } from '../model/messages';
+import { succeeded } from '../protocol/Outcome';
+import type { BookScan } from '../scan/BookScan';
+import { coverageOf } from '../scan/coverage';
+import type { Scans } from '../scan/Scans';
+import { PlaceView } from '../workbook/PlaceView';
+import { FindingRows } from './rows';
+
+/** Which findings are listed; empty for all. */
+export type ReviewFilter = { kind: Kind | ''; sheet: string };
+
+/** "away": nothing is known, and the workbook is read only while it is in front. */
+export type ReviewStatus = 'away' | 'reading' | 'looking' | 'known' | 'failed';
+
+export type Choice<T> = { value: T; findings: number };
+
+const everything: ReviewFilter = { kind: '', sheet: '' };
+
+type Known = {
+  book: string;
+  /** Nothing before the first answer. */
+  told: Omit<FindingsAnswer, 'rows'> | undefined;
+  rows: FindingRows;
+  /** What there is to choose from, the one with the highest finding first. */
+  kinds: readonly Choice<Kind>[];
+  sheets: readonly Choice<string>[];
+  /** When the workbook was read of which they tell. */
+  readAt: string;
+  reason: string;
+  filter: ReviewFilter;
+  asking: boolean;
+  /** What of which scan is in them. */
+  version: number;
+  scan: BookScan | undefined;
+};
+
+export class Review {
+  readonly list: PlaceView;
+  private known: Known | undefined;
+  /** Those of the findings that the filter lets through. */
+  private shown: readonly FindingRow[] = [];
+
+  constructor(
+    private readonly changed: () => void,
+    private readonly scans?: Scans,
+  ) {
+    this.list = new PlaceView(changed);
+  }
+
+  /** The workbook's findings are looked at; it is read only while it is in front. */
+  look(book: string, inFront: boolean): void {
+    if (inFront) this.scans?.of(book).begin();
+    if (this.known?.book !== book) {
+      const filter = everything;
+      const nothing = {
+        told: undefined,
+        rows: new FindingRows(),
+        kinds: [],
+        sheets: [],
+        readAt: '',
+        reason: '',
+      };
+      this.known = { book, ...nothing, filter, asking: false, version: 0, scan: undefined };
+      this.list.forget();
+    }
+    void this.ask(this.known);
+  }
+
+  /** More of the workbook was read, perhaps. */
+  scanned(): void {
+    if (this.known) void this.ask(this.known);
+  }
+
+  /** The user wants it read again. */
+  again(): void {
+    const { known, scan } = this;
+    if (scan) scan.readAgain();
+    else if (known) this.look(known.book, true);
+  }
+
+  get scan(): BookScan | undefined {
+    return this.known && this.scans?.begun(this.known.book);
+  }
+
+  get status(): ReviewStatus {
+    const { known, scan } = this;
+    if (known?.told) return 'known';
+    if (known && known.reason !== '') return 'failed';
+    if (known?.asking === true) return 'looking';
+    return scan ? 'reading' : 'away';
+  }
+
+  /** Why there are no findings; empty where that is not so. */
+  get reason(): string {
+    return this.known?.reason ?? '';
+  }
+
+  get book(): string {
+    return this.known?.book ?? '';
+  }
+
+  /** "12 findings in 1,204 formulas"; "3 of 12 findings" where others are left out. */
+  get heading(): string {
+    const { known } = this;
+    if (!known?.told) return 'Findings';
+    const { told } = known;
+    const shown = this.shown.length;
+    const isFiltered = shown < known.rows.findings.length;
+    const all = isFiltered
+      ? `${grouped(String(shown))} of ${count(told.total, 'finding')}`
+      : count(told.total, 'finding');
+    return `${all} in ${count(told.formulas, 'formula')}`;
+  }
+
+  /** What the list does not hold, and of when it is. */
+  get coverage(): string {
+    const { known, scan } = this;
+    if (!known?.told) return '';
+    const { total, told } = known.told;
+    const left = total > told ? `The first ${count(told, 'finding')} only.` : '';
+    const all = scan && coverageOf({ ...scan.state, readAt: known.readAt }, false);
+    const failed = known.reason === '' ? '' : `They could not be told anew: ${known.reason}`;
+    return [left, all, failed].filter(Boolean).join(' ');
+  }
+
+  get hasFormulas(): boolean {
+    return this.known?.told?.formulas !== 0;
+  }
+
+  get hasFindings(): boolean {
+    return (this.known?.rows.findings.length ?? 0) > 0;
+  }
+
+  /** The finding that the active row is of. */
+  get active(): FindingRow | undefined {
+    const { active } = this.list;
+    return active && this.known?.rows.of(active);
+  }
+
+  get filter(): ReviewFilter {
+    return this.known?.filter ?? everything;
+  }
+
+  setFilter(filter: ReviewFilter): void {
+    if (!this.known) return;
+    const before = this.active;
+    this.known.filter = filter;
+    this.lay(this.known, before);
+  }
+
+  get kinds(): readonly Choice<Kind>[] {
+    return this.known?.kinds ?? [];
+  }
+
+  get sheets(): readonly Choice<string>[] {
+    return this.known?.sheets ?? [];
+  }
+
+  private async ask(known: Known): Promise<void> {
+    const { scans } = this;
+    const scan = scans?.begun(known.book);
+    if (!scans || !scan || known.asking || !isNews(known, scan)) return;
+    const { status, sheets, sheetsRead, readAt } = scan.state;
+    const isReading = status === 'starting' || status === 'reading';
+    if (isReading || sheetsRead === 0 || sheetsRead < sheets) return;
+    known.asking = true;
+    const { version } = scan;
+    const isIn = { scan, version };
+    try {
+      const rows = new FindingRows();
+      for (;;) {
+        const args = { from: rows.findings.length };
+        const { rows: part, ...told } = await scans.model.ask(known.book, 'findings', args);
+        rows.add(part);
+        // Another part was read anew meanwhile, or another workbook is looked at.
+        if (this.known !== known || scan.version !== version) return;
+        const isWhole = part.length === 0 || rows.findings.length >= told.told;
+        if (!isWhole && known.told) continue;
+        // The first part is shown while the others come.
+        const before = this.active;
+        Object.assign(known, { told, rows, readAt, reason: '' });
+        known.kinds = choices(rows.findings, ({ kind }) => kind);
+        known.sheets = choices(rows.findings, sheetOf);
+        if (isWhole) Object.assign(known, isIn);
+        this.lay(known, before);
+        if (isWhole) return;
+      }
+    } catch (error) {
+      Object.assign(known, isIn);
+      known.reason = error instanceof Error ? error.message : String(error);
+    } finally {
+      known.asking = false;
+      this.changed();
+      if (this.known === known && isNews(known, scan)) void this.ask(known);
+    }
+  }
+
+  /** `before`: the finding that was active; it stays so where it is still listed. */
+  private lay(known: Known, before: FindingRow | undefined): void {
+    const { kind, sheet } = known.filter;
+    this.shown = known.rows.findings.filter(
+      (one) => (kind === '' || one.kind === kind) && (sheet === '' || sheetOf(one) === sheet),
+    );
+    const rows = known.rows.rowsOf(this.shown);
+    if (this.list.isOf(known.book)) {
+      this.list.refine(known.book, rows, '');
+      const again = this.shown.findIndex((one) => before !== undefined && isSame(one, before));
+      const row = rows[Math.max(0, again)];
+      this.list.activate(this.list.rows.findIndex((one) => one.row === row));
+    } else {
+      const told = () => Promise.resolve(succeeded(rows));
+      void this.list.load(known.book, told, (all) => all);
+    }
+    this.changed();
+  }
+}
+
+/** Whether the scan has read what the findings do not tell of. */
+function isNews(known: Known, scan: BookScan): boolean {
+  return known.scan !== scan || known.version !== scan.version;
+}
+
+function sheetOf(finding: FindingRow): string {
+  return finding.cells[0]?.sheet ?? '';
+}
+
+/** The same when the workbook was read again. */
+function isSame(one: FindingRow, other: FindingRow): boolean {
+  const [a] = one.cells;
+  const [b] = other.cells;
+  return (
+    one.kind === other.kind &&
+    a?.sheet === b?.sheet &&
+    a?.area.top === b?.area.top &&
+    a?.area.left === b?.area.left
+  );
+}
+
+function choices<T>(findings: readonly FindingRow[], of: (one: FindingRow) => T): Choice<T>[] {
+  const counts = new Map<T, number>();
+  for (const one of findings) counts.set(of(one), (counts.get(of(one)) ?? 0) + 1);
+  return [...counts].map(([value, number]) => ({ value, findings: number }));
+}

@@ -1,0 +1,38 @@
+// What the kinds of findings are called.
+
+import type { Confidence, Kind } from '../audit/Finding';
+
+const names: Record<Kind, string> = {
+  differs: 'Unlike its neighbours',
+  constant: 'Number instead of a formula',
+  blank: 'Gap in a filled range',
+  step: 'Leaves the step of its line',
+  elsewhere: 'Unlike the same block elsewhere',
+  kin: 'Unlike formulas of its form',
+  mixed: 'One cell written in two ways',
+  signs: 'Dollar signs change',
+  lookup: 'Lookup that misses',
+  'left-out': 'Range stops short',
+  'own-total': 'Takes in its own total',
+  unequal: 'Ranges of unequal length',
+  sliding: 'Table slides when filled',
+  label: 'Takes a row of another name',
+  broken: 'Reference that is gone',
+  link: 'Link to another workbook',
+  error: 'Error',
+  circle: 'Circle',
+};
+
+export function kindName(kind: Kind): string {
+  return names[kind];
+}
+
+const confidences: Record<Confidence, string> = {
+  high: 'High confidence',
+  medium: 'Medium confidence',
+  low: 'Low confidence',
+};
+
+export function confidenceName(confidence: Confidence): string {
+  return confidences[confidence];
+}
