@@ -76,6 +76,9 @@ TEST_F(QuorinctlAudit, NamesTheCellThatBreaksThePattern) {
   const JSONValue report = parsed(told.output);
   EXPECT_EQ(member(member(report, "summary"), "formulas"), JSONValue(10));
   EXPECT_EQ(member(member(report, "summary"), "distinctFormulas"), JSONValue(2));
+  const auto* const sheets = member(member(report, "inventory"), "sheets").array();
+  ASSERT_TRUE(sheets && sheets->size() == 1);
+  EXPECT_EQ(member(sheets->front(), "area"), JSONValue("A1:C10"));
   const JSONValue first = firstFinding(report);
   EXPECT_EQ(member(first, "rank"), JSONValue(1));
   EXPECT_EQ(member(first, "sheet"), JSONValue("Data"));

@@ -39,6 +39,10 @@ TEST(CommandLine, Audits) {
   EXPECT_EQ(parseCommandLine({"audit", "a.xlsx", "--format", "sarif", "--output", "out.sarif",
                               "--top", "7", "--fail-on", "doubt"}),
             Command(whole));
+  AuditCommand page;
+  page.files = {"a.xlsx"};
+  page.format = "html";
+  EXPECT_EQ(parseCommandLine({"audit", "a.xlsx", "--format", "html"}), Command(page));
 }
 
 TEST(CommandLine, HelpsWithStatusZero) {

@@ -42,7 +42,7 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       app.add_subcommand("audit", "List what is odd in workbooks, the most telling first");
   auditCommand->add_option("FILE", audit.files, "Workbooks, or folders of them")->required();
   auditCommand->add_option("--format", audit.format, "How the list is written")
-      ->check(CLI::IsMember({"text", "json", "jsonl", "csv", "sarif"}))
+      ->check(CLI::IsMember({"text", "json", "jsonl", "csv", "html", "sarif"}))
       ->capture_default_str();
   CLI::Option* const outputOption =
       auditCommand->add_option("--output", output, "Write it here instead of to standard output")

@@ -27,7 +27,7 @@ struct LintCommand {
 // quorinctl audit FILE... [--format FORMAT] [--output FILE] [--top N] [--fail-on LEVEL]
 struct AuditCommand {
   std::vector<std::filesystem::path> files;  // workbooks, and folders of them
-  std::string format = "text";               // text, json, jsonl, csv or sarif
+  std::string format = "text";               // text, json, jsonl, csv, html or sarif
   std::optional<std::filesystem::path> output;
   int top = 100;                      // so many findings of each workbook at most
   std::optional<std::string> failOn;  // fact, doubt or style

@@ -2,7 +2,8 @@
 // private spreadsheet and writes what it tells.
 
 import { auditOf } from '../core/report/auditOf';
-import { isLineByLine, written, type Format, type Report } from '../core/report/Report';
+import type { Report } from '../core/report/Report';
+import { isLineByLine, written, type Format } from '../core/report/written';
 import { ProtocolClient } from '../core/protocol/ProtocolClient';
 import type { Clock } from '../core/time/Clock';
 

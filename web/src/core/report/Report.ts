@@ -1,9 +1,9 @@
-// What `quorinctl audit` tells of one workbook, as plain data, and the forms in which it is written.
+// What `quorinctl audit` tells of one workbook, as plain data.
 
 import { areaAddress, qualified } from '../address/area';
 import type { Confidence, Finding, Kind, Level } from '../audit/Finding';
-import { count } from '../format/words';
 import type { NotRead } from '../scan/BookScan';
+import type { Inventory } from './inventory';
 
 export type ReportedFinding = {
   rank: number;
@@ -32,12 +32,11 @@ export type Summary = {
 };
 
 export type Report =
-  { file: string; summary: Summary; findings: ReportedFinding[] } | { file: string; error: string };
-
-export type Format = 'text' | 'json' | 'jsonl' | 'csv' | 'sarif';
+  | { file: string; summary: Summary; findings: ReportedFinding[]; inventory: Inventory }
+  | { file: string; error: string };
 
 /** The address with its sheet's name, in quotes where the name needs them. */
-function at(sheet: string, address: string): string {
+export function at(sheet: string, address: string): string {
   return /^[\p{L}_][\p{L}\p{N}_]*$/u.test(sheet)
     ? `${sheet}!${address}`
     : qualified(sheet, address);
@@ -62,171 +61,6 @@ export function reported(finding: Finding): ReportedFinding {
   };
 }
 
-function place({ sheet, cells }: ReportedFinding): string {
+export function placeOf({ sheet, cells }: ReportedFinding): string {
   return at(sheet, cells.join(', '));
-}
-
-function textOf(report: Report): string {
-  if ('error' in report) return `${report.file}: could not be audited: ${report.error}\n`;
-  const { file, summary, findings } = report;
-  const lines = [
-    `${file}: ${count(summary.findings, 'finding')} (${String(summary.high)} high, ${String(summary.medium)} medium, ${String(summary.low)} low) in ${count(summary.formulas, 'formula')} on ${count(summary.sheets, 'sheet')}`,
-  ];
-  for (const finding of findings) {
-    const { rank, confidence, message, expected, reach } = finding;
-    lines.push(
-      `${String(rank).padStart(4)}. ${place(finding)} (${confidence})`,
-      `      ${message}`,
-    );
-    if (expected !== '') lines.push(`      Expected: ${expected}`);
-    if (reach > 0) lines.push(`      ${count(reach, 'cell')} rest${reach === 1 ? 's' : ''} on it.`);
-  }
-  if (findings.length < summary.findings)
-    lines.push(
-      `      ${count(summary.findings - findings.length, 'finding')} of lower rank left out.`,
-    );
-  for (const { sheet, address, reason } of summary.notRead)
-    lines.push(`      Not read: ${at(sheet, address)}: ${reason}`);
-  return `${lines.join('\n')}\n`;
-}
-
-/**
- * One field as spreadsheets read it: a text that begins like a formula gets an apostrophe, so that
- * nothing in a list of findings is worked out by whoever opens it.
- */
-function field(value: string | number): string {
-  if (typeof value === 'number') return String(value);
-  const text = /^[=+\-@\t\r]/.test(value) ? `'${value}` : value;
-  return /[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
-}
-
-const columns = [
-  'file',
-  'rank',
-  'kind',
-  'level',
-  'confidence',
-  'sheet',
-  'cells',
-  'message',
-  'expected',
-  'reach',
-  'error',
-];
-
-function csvOf(reports: readonly Report[]): string {
-  const rows = [columns.join(',')];
-  for (const report of reports) {
-    if ('error' in report) {
-      rows.push(
-        [field(report.file), ...columns.slice(2).map(() => ''), field(report.error)].join(),
-      );
-      continue;
-    }
-    for (const one of report.findings) {
-      rows.push(
-        [
-          report.file,
-          one.rank,
-          one.kind,
-          one.level,
-          one.confidence,
-          one.sheet,
-          one.cells.join(' '),
-          one.message,
-          one.expected,
-          one.reach,
-          '',
-        ]
-          .map(field)
-          .join(),
-      );
-    }
-  }
-  return `${rows.join('\r\n')}\r\n`;
-}
-
-/** SARIF calls what certainly is wrong an error, what may be a warning, and style a note. */
-const sarifLevels: Record<Level, string> = { fact: 'error', doubt: 'warning', style: 'note' };
-
-function sarifOf(reports: readonly Report[], version: string): string {
-  const rules = new Set<string>();
-  const results = [];
-  const notifications = [];
-  for (const report of reports) {
-    const uri = encodeURI(report.file);
-    if ('error' in report) {
-      notifications.push({
-        level: 'error',
-        message: { text: report.error },
-        locations: [{ physicalLocation: { artifactLocation: { uri } } }],
-      });
-      continue;
-    }
-    for (const finding of report.findings) {
-      rules.add(finding.kind);
-      results.push({
-        ruleId: finding.kind,
-        level: sarifLevels[finding.level],
-        rank: { high: 90, medium: 60, low: 30 }[finding.confidence],
-        message: {
-          text:
-            finding.expected === ''
-              ? finding.message
-              : `${finding.message} Expected: ${finding.expected}`,
-        },
-        locations: [
-          {
-            physicalLocation: { artifactLocation: { uri } },
-            logicalLocations: finding.cells.map((cells) => ({
-              fullyQualifiedName: cells.includes('!') ? cells : at(finding.sheet, cells),
-            })),
-          },
-        ],
-      });
-    }
-  }
-  return `${JSON.stringify(
-    {
-      $schema: 'https://json.schemastore.org/sarif-2.1.0.json',
-      version: '2.1.0',
-      runs: [
-        {
-          tool: {
-            driver: { name: 'Quorin', version, rules: [...rules].sort().map((id) => ({ id })) },
-          },
-          invocations: [
-            {
-              executionSuccessful: notifications.length === 0,
-              toolExecutionNotifications: notifications,
-            },
-          ],
-          results,
-        },
-      ],
-    },
-    null,
-    2,
-  )}\n`;
-}
-
-/** The forms that can be written as soon as one workbook is done. */
-export function isLineByLine(format: Format): boolean {
-  return format === 'text' || format === 'jsonl';
-}
-
-/** All reports in one; `version` is the program's own. */
-export function written(reports: readonly Report[], format: Format, version: string): string {
-  switch (format) {
-    case 'text':
-      return reports.map(textOf).join('');
-    case 'jsonl':
-      return reports.map((report) => `${JSON.stringify(report)}\n`).join('');
-    case 'json':
-      return `${JSON.stringify(reports.length === 1 ? reports[0] : { files: reports }, null, 2)}\n`;
-    case 'csv':
-      return csvOf(reports);
-    case 'sarif':
-      return sarifOf(reports, version);
-  }
 }

@@ -6,6 +6,7 @@ import type { Question } from '../model/messages';
 import { ModelHost } from '../model/ModelHost';
 import { drain } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
+import { inventoryOf } from './inventory';
 import { reported, type Report } from './Report';
 
 /** The model on this thread. Nobody waits for a turn meanwhile, so each question is answered whole. */
@@ -45,6 +46,7 @@ export async function auditOf(file: string, top: number, ports: ReadPorts): Prom
         notRead: scan.state.notRead,
       },
       findings: findings.slice(0, top).map(reported),
+      inventory: drain(inventoryOf(workbook)),
     };
   } catch (error) {
     return { file, error: error instanceof Error ? error.message : String(error) };

@@ -1,6 +1,8 @@
 import { describe, expect, it } from 'vitest';
 import type { Finding } from '../../../src/core/audit/Finding';
-import { reported, written, type Report } from '../../../src/core/report/Report';
+import type { Inventory } from '../../../src/core/report/inventory';
+import { reported, type Report } from '../../../src/core/report/Report';
+import { written } from '../../../src/core/report/written';
 
 const area = (top: number, left: number, bottom = top, right = left) => ({
   top,
@@ -36,7 +38,14 @@ const summary = {
   notRead: [{ sheet: 'Far', address: 'A1:B2', reason: 'It is protected.' }],
 };
 
-const good: Report = { file: 'a b.xlsx', summary, findings: [reported(finding)] };
+const inventory: Inventory = {
+  sheets: [],
+  names: { all: 0, listed: [] },
+  links: [],
+  unlabelled: { all: 0, listed: [] },
+};
+
+const good: Report = { file: 'a b.xlsx', summary, findings: [reported(finding)], inventory };
 const bad: Report = { file: 'c.xlsx', error: '"c.xlsx" is not a workbook' };
 
 describe('A report', () => {

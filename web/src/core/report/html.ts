@@ -1,0 +1,198 @@
+// Reports as one page that needs nothing else: no script, no request, no picture from elsewhere. Made
+// to be handed on and printed: findings differ by words and borders, not by colour alone.
+
+import { confidenceName, kindName } from '../review/kinds';
+import { count, grouped } from '../format/words';
+import { mostCounted, type Inventory } from './inventory';
+import { placeOf, type Report, type ReportedFinding, type Summary } from './Report';
+
+type Audited = Extract<Report, { findings: unknown }>;
+
+const marks: Record<string, string> = {
+  '&': '&amp;',
+  '<': '&lt;',
+  '>': '&gt;',
+  '"': '&quot;',
+  "'": '&#39;',
+};
+
+/** Text as it stands in the page. What turns the direction of writing around is shown as a mark. */
+function text(value: string | number): string {
+  return String(value)
+    .replace(/[&<>"']/g, (found) => marks[found] as string)
+    .replace(/(?![\t\n])[\p{Cc}\p{Bidi_Control}]/gu, '\ufffd');
+}
+
+const style = `
+:root { color-scheme: light dark; --line: #8884; --soft: #8881; }
+body { font: 15px/1.45 system-ui, sans-serif; max-width: 60rem; margin: 2rem auto; padding: 0 1rem; }
+h1 { font-size: 1.6rem; } h2 { margin-top: 2.5rem; overflow-wrap: anywhere; } h3 { margin-top: 1.8rem; }
+code { font: 13px/1.4 ui-monospace, monospace; overflow-wrap: anywhere; white-space: pre-wrap; }
+table { border-collapse: collapse; width: 100%; }
+th, td { text-align: left; vertical-align: top; padding: .3rem .6rem; border-bottom: 1px solid var(--line); overflow-wrap: anywhere; }
+td.number, th.number { text-align: right; font-variant-numeric: tabular-nums; overflow-wrap: normal; }
+ol.findings { list-style: none; padding: 0; }
+.finding { border: 1px solid var(--line); border-left: .3rem solid var(--line); border-radius: .3rem; padding: .5rem .8rem; margin: .7rem 0; break-inside: avoid; }
+.finding.high { border-left: .3rem solid currentColor; }
+.finding.medium { border-left: .3rem double currentColor; }
+.finding p { margin: .3rem 0; }
+.finding .about { display: flex; flex-wrap: wrap; gap: .2rem .8rem; opacity: .85; font-size: 13px; }
+.trouble { border: 1px solid currentColor; padding: .5rem .8rem; border-radius: .3rem; }
+footer { margin-top: 3rem; opacity: .75; font-size: 13px; }
+@media print { body { max-width: none; margin: 0; font-size: 10pt; } h2.new { break-before: page; } a { color: inherit; text-decoration: none; } }
+`;
+
+type Column = { name: string; isNumber?: boolean; isCode?: boolean };
+
+function table(
+  columns: readonly Column[],
+  rows: readonly (readonly (string | number)[])[],
+): string {
+  const cell = (tag: string, column: Column | undefined, value: string | number) => {
+    const shown = typeof value === 'number' ? grouped(String(value)) : value;
+    const inner =
+      column?.isCode === true && tag === 'td' ? `<code>${text(shown)}</code>` : text(shown);
+    return `<${tag}${column?.isNumber === true ? ' class="number"' : ''}>${inner}</${tag}>`;
+  };
+  const head = columns.map((column) => cell('th', column, column.name)).join('');
+  const body = rows
+    .map((row) => `<tr>${row.map((value, i) => cell('td', columns[i], value)).join('')}</tr>`)
+    .join('\n');
+  return `<table>\n<thead><tr>${head}</tr></thead>\n<tbody>\n${body}\n</tbody>\n</table>`;
+}
+
+function findingHtml(finding: ReportedFinding): string {
+  const { rank, kind, confidence, message, expected, reach } = finding;
+  const about = [kindName(kind), confidenceName(confidence)];
+  if (reach > 0) about.push(`${count(reach, 'cell')} rest${reach === 1 ? 's' : ''} on it`);
+  const wanted = expected === '' ? '' : `<p>Expected: <code>${text(expected)}</code></p>\n`;
+  return `<li class="finding ${confidence}">
+<p><strong>${String(rank)}. ${text(placeOf(finding))}</strong></p>
+<p>${text(message)}</p>
+${wanted}<p class="about">${about.map((one) => `<span>${text(one)}</span>`).join('')}</p>
+</li>`;
+}
+
+function findingsHtml({ summary, findings }: Audited): string {
+  if (summary.findings === 0) return '<p>Nothing odd was found.</p>';
+  const left = summary.findings - findings.length;
+  return `<ol class="findings">\n${findings.map(findingHtml).join('\n')}\n</ol>${
+    left > 0 ? `\n<p>${count(left, 'finding')} of lower rank left out.</p>` : ''
+  }`;
+}
+
+function andMore(left: number, noun: string, isAtLeast = false): string {
+  return left > 0 ? `<p>${isAtLeast ? 'At least ' : ''}${count(left, noun)} more.</p>` : '';
+}
+
+function inventoryHtml({ sheets, names, links, unlabelled }: Inventory): string {
+  const parts = [
+    '<h3>Sheets</h3>',
+    table(
+      [
+        { name: 'Sheet' },
+        { name: 'Cells read', isCode: true },
+        { name: 'Filled', isNumber: true },
+        { name: 'Formulas', isNumber: true },
+        { name: 'Distinct', isNumber: true },
+        { name: 'Errors', isNumber: true },
+      ],
+      sheets.map((one) => [
+        one.name,
+        one.area,
+        one.cells,
+        one.formulas,
+        one.distinctFormulas,
+        one.errors,
+      ]),
+    ),
+  ];
+  if (names.all > 0)
+    parts.push(
+      '<h3>Names</h3>',
+      table(
+        [{ name: 'Name' }, { name: 'Refers to', isCode: true }],
+        names.listed.map(({ name, refersTo }) => [name, refersTo]),
+      ),
+      andMore(names.all - names.listed.length, 'name'),
+    );
+  if (links.length > 0)
+    parts.push(
+      '<h3>Links to other workbooks</h3>',
+      table(
+        [{ name: 'Workbook' }, { name: 'Formulas', isNumber: true }, { name: 'On sheets' }],
+        links.map((link) => [
+          link.workbook,
+          link.formulas,
+          link.sheets.join(', ') || 'in names only',
+        ]),
+      ),
+    );
+  if (unlabelled.all > 0)
+    parts.push(
+      '<h3>Inputs without a label</h3>',
+      '<p>Numbers that were typed in and that formulas use, with no text to the left or above.</p>',
+      table(
+        [{ name: 'Sheet' }, { name: 'Cell', isCode: true }, { name: 'Value', isCode: true }],
+        unlabelled.listed.map(({ sheet, address, value }) => [sheet, address, String(value)]),
+      ),
+      andMore(unlabelled.all - unlabelled.listed.length, 'cell', unlabelled.all === mostCounted),
+    );
+  return parts.filter((part) => part !== '').join('\n');
+}
+
+function summaryHtml(summary: Summary): string {
+  const { findings, high, medium, low, cells, formulas, distinctFormulas, sheets } = summary;
+  const unread = summary.notRead
+    .map(({ sheet, address, reason }) => `<li>${text(`${sheet}!${address}`)}: ${text(reason)}</li>`)
+    .join('\n');
+  return `<p>${count(findings, 'finding')}: ${grouped(String(high))} of high confidence, ${grouped(String(medium))} medium, ${grouped(String(low))} low.</p>
+<p>${count(sheets, 'sheet')} with ${count(cells, 'cell')}, among them ${count(formulas, 'formula')}, of which ${grouped(String(distinctFormulas))} ${distinctFormulas === 1 ? 'is' : 'are'} distinct.</p>${
+    unread === '' ? '' : `\n<div class="trouble"><p>Not read:</p><ul>\n${unread}\n</ul></div>`
+  }`;
+}
+
+function reportHtml(report: Report, at: number): string {
+  const head = `<h2 id="file${String(at)}"${at > 0 ? ' class="new"' : ''}>${text(report.file)}</h2>`;
+  if ('error' in report)
+    return `<section>\n${head}\n<p class="trouble">Could not be audited: ${text(report.error)}</p>\n</section>`;
+  return `<section>
+${head}
+${summaryHtml(report.summary)}
+<h3>Findings</h3>
+${findingsHtml(report)}
+${inventoryHtml(report.inventory)}
+</section>`;
+}
+
+/** A line for each file of several, leading to it. */
+function contents(reports: readonly Report[]): string {
+  if (reports.length < 2) return '';
+  const lines = reports.map((report, at) => {
+    const told =
+      'error' in report
+        ? 'could not be audited'
+        : `${count(report.summary.findings, 'finding')}, ${grouped(String(report.summary.high))} high`;
+    return `<li><a href="#file${String(at)}">${text(report.file)}</a>: ${told}</li>`;
+  });
+  return `<ul>\n${lines.join('\n')}\n</ul>\n`;
+}
+
+export function htmlOf(reports: readonly Report[], version: string): string {
+  return `<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
+<meta name="viewport" content="width=device-width">
+<title>Audit of ${text(reports.length === 1 ? (reports[0] as Report).file : count(reports.length, 'workbook'))}</title>
+<style>${style}</style>
+</head>
+<body>
+<h1>Audit of ${reports.length === 1 ? 'a workbook' : count(reports.length, 'workbook')}</h1>
+${contents(reports)}${reports.map(reportHtml).join('\n')}
+<footer><p>Made by Quorin ${text(version)}. A finding is a place to look at, not a verdict.</p></footer>
+</body>
+</html>
+`;
+}
