@@ -1,4 +1,4 @@
-"""Reading a whole workbook for Dependents, as the user's Calc sees it. Part of panel_test.py."""
+"""Reading a whole workbook for Dependents and the Review, as the user's Calc sees it. Part of panel_test.py."""
 import json
 import subprocess
 import time
@@ -80,6 +80,11 @@ class ScanTest(unittest.TestCase):
 
     def click_on(self, place):
         self.click(f"document.querySelector('[data-testid={place}]')")
+
+    def type(self, *keys):
+        """The user's own keys, to whoever has the keyboard."""
+        for key in keys:
+            self.desk.tool("xdotool", "key", key)
 
     def rows(self):
         """Level and text of the rows that are drawn, from above."""
@@ -168,3 +173,34 @@ class ScanTest(unittest.TestCase):
         self.open("What it rests on", 1)
         drivers = [text for level, text in self.rows() if level == 2]
         self.assertTrue([text for text in drivers if text.startswith("Inputs!D21 ")], drivers)
+
+    def test_reviews_what_is_odd_and_goes_there_by_keys(self):
+        self.go_to_a_used_cell()
+        before = self.workbook()
+        self.click_on("tab-tree")
+        wait_for("the keyboard", lambda: self.quorin.window()["key"])
+        self.type("4")
+        wait_for("all sheets", self.is_whole)
+
+        def rank():
+            """The place in the list of a number typed over the formula of its row."""
+            told = self.eval("""[...document.querySelectorAll('[data-testid=finding]')]
+                .map((one) => one.innerText.trim())""")
+            return next((i for i, text in enumerate(told) if text.startswith("Operations!J8")), None)
+        wait_for("the finding", lambda: rank() is not None)
+        self.type("Home", *["Down"] * rank())
+        wait_for("its sentence", lambda: "J8 is a typed-in number" in self.text("finding-sentence"))
+        self.assertIn("typed in", self.text("formula-own"))
+        self.assertTrue(self.text("formula-expected").startswith("="), self.text("formula-expected"))
+        self.type("Return")
+        self.addCleanup(self.desk.go_to)
+        wait_for("the mark", lambda: "Operations!J8" in self.text("marked"))
+        wait_for("Calc to go there", lambda: self.workbook()["selection"] == "$Operations.$J$8")
+        self.desk.bring_calc_forward()
+        wait_for("the panel to follow", lambda: self.text("address") == "J8")
+        self.assertIn("J8 is a typed-in number", self.text("finding-sentence"))
+        self.press("clear")
+        wait_for("the mark to go", lambda: self.text("marked") == "")
+        after = self.workbook()
+        for name in ("modified", "undo", "redo", "cells", "names"):
+            self.assertEqual(after[name], before[name], name)

@@ -7,6 +7,9 @@ import type { WorkbookModel } from '../model/WorkbookModel';
 import { Shapes } from './shape';
 import { SheetGrid } from './SheetGrid';
 
+/** So many regions are looked at before others may take a turn: a thread that draws has 8 ms. */
+export const atATime = 50;
+
 const formulaLimit = 120;
 
 export class Evidence {

@@ -5,7 +5,7 @@ import { plainName, walk } from '../formula/syntax';
 import { readReference, type CellPosition } from '../formula/reference';
 import { Kind as CellKind } from '../model/SheetCells';
 import { areaFrom } from './difference';
-import { address, type Evidence } from './Evidence';
+import { address, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { referenceArguments } from './shape';
 import type { SheetGrid } from './SheetGrid';
@@ -48,7 +48,7 @@ export function* aggregateClues(evidence: Evidence): Generator<undefined, Clue[]
     const formula = index.formulaOf(region);
     const text = evidence.text(formula);
     if (text.includes('(') && text.includes(':')) inRegion(evidence, region, formula, clues);
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
   }
   return clues;
 }

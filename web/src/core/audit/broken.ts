@@ -4,7 +4,7 @@
 import { areaAddress, cellCount, type Area } from '../address/area';
 import { formulaInFirst } from '../formula/relative';
 import { count } from '../format/words';
-import { cut, type Evidence } from './Evidence';
+import { cut, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 
 type Group = { sheet: number; formula: number; areas: Area[]; kind: 'broken' | 'link' };
@@ -27,7 +27,7 @@ export function* brokenClues(evidence: Evidence): Generator<undefined, Clue[]> {
         else groups.set(key, { sheet, formula, areas: [index.areaOf(region)], kind });
       }
     }
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
   }
   return [...groups.values()].map((group) => clueOf(evidence, group, linked));
 }

@@ -5,7 +5,7 @@
 import { cellCount, type Area } from '../address/area';
 import type { Coordinate } from '../formula/reference';
 import { count } from '../format/words';
-import { address, type Evidence } from './Evidence';
+import { address, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { corners, type ReferenceSlot, type Slot } from './shape';
 
@@ -27,7 +27,7 @@ export function* kinClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const { index, shapes } = evidence;
   const families = new Map<number, Kin[]>();
   for (let region = 0; region < index.regionCount; region++) {
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
     if (evidence.isIrregular(index.sheetOf(region))) continue;
     const formula = index.formulaOf(region);
     const area = index.areaOf(region);

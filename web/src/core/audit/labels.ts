@@ -50,6 +50,7 @@ export function* labelClues(evidence: Evidence): Generator<undefined, Clue[]> {
     if (evidence.isIrregular(grid.sheet)) continue;
     const found = new Map<string, Odd[]>();
     for (const family of familiesOf(evidence, grid)) {
+      yield undefined;
       const odd = oddIn(grid, family);
       for (const one of odd) {
         const known = found.get(one.title);

@@ -6,7 +6,7 @@ import { readReference } from '../formula/reference';
 import { plainName, walk, type Node, type NodeOf } from '../formula/syntax';
 import { Kind as CellKind } from '../model/SheetCells';
 import { areaFrom } from './difference';
-import { address, type Evidence } from './Evidence';
+import { address, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { referenceArguments } from './shape';
 import type { SheetGrid } from './SheetGrid';
@@ -21,7 +21,7 @@ export function* lookupClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const clues: Clue[] = [];
   const told = new Set<string>();
   for (let region = 0; region < index.regionCount; region++) {
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
     const formula = index.formulaOf(region);
     const sheet = index.sheetOf(region);
     const key = `${String(sheet)} ${String(formula)}`;

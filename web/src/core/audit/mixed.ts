@@ -3,7 +3,7 @@
 
 import { areaAddress } from '../address/area';
 import { areaFrom } from './difference';
-import { address, type Evidence } from './Evidence';
+import { address, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { corners, type Shape } from './shape';
 import type { CellPosition } from '../formula/reference';
@@ -12,7 +12,7 @@ export function* mixedClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const { index, shapes } = evidence;
   const clues: Clue[] = [];
   for (let region = 0; region < index.regionCount; region++) {
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
     if (evidence.isIrregular(index.sheetOf(region))) continue;
     const own = index.areaOf(region);
     const formula = index.formulaOf(region);

@@ -83,11 +83,11 @@ export function* neighbourClues(evidence: Evidence): Generator<undefined, Clue[]
       const [from, to] = isRow ? [area.top, area.bottom] : [area.left, area.right];
       for (let line = from; line <= to; line++) {
         inLine(evidence, new Line(grid, line, isRow, (formula) => formula), clues);
+        yield undefined;
         if (evidence.isIrregular(grid.sheet)) continue;
         const forms = new Line(grid, line, isRow, (formula) => evidence.form(formula));
         inLine(evidence, forms, byForm);
       }
-      yield undefined;
     }
   }
   // By their forms lines are less alike: what is expected is told as an example.

@@ -5,7 +5,7 @@ import { areaAddress, type Area } from '../address/area';
 import { plainName, walk, type NodeOf } from '../formula/syntax';
 import { readReference, type CellPosition, type ReferenceShape } from '../formula/reference';
 import { areaFrom } from './difference';
-import { address, type Evidence } from './Evidence';
+import { address, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { referenceArguments } from './shape';
 
@@ -75,7 +75,7 @@ export function* rangeClues(evidence: Evidence): Generator<undefined, Clue[]> {
         told.add(key);
       });
     }
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
   }
   return clues;
 }

@@ -13,6 +13,8 @@ const levels: Record<Level, number> = { fact: 0, doubt: 0, style: 1 };
 const followed = 60;
 const turnsLimit = 8;
 const agreement = 0.3;
+/** So many clues are looked at before others may take a turn. */
+const atATime = 500;
 
 type Ranked = Clue & { kinds: number };
 
@@ -20,7 +22,7 @@ export function* ranked(
   evidence: Evidence,
   clues: readonly Clue[],
 ): Generator<undefined, Finding[]> {
-  const found = joined(onePerCell(clues));
+  const found = yield* joined(yield* onePerCell(clues));
   found.sort(inOrder);
   const findings: { clue: Ranked; reach: number }[] = [];
   for (const [i, clue] of found.entries()) {
@@ -30,7 +32,12 @@ export function* ranked(
     findings.push({ clue, reach });
   }
   findings.sort((a, b) => inOrder(a.clue, b.clue));
-  return findings.map(({ clue, reach }, i) => told(evidence, clue, reach, i + 1));
+  const all: Finding[] = [];
+  for (const { clue, reach } of findings) {
+    if (all.length % 50 === 0) yield undefined;
+    all.push(told(evidence, clue, reach, all.length + 1));
+  }
+  return all;
 }
 
 function inOrder(one: Clue, other: Clue): number {
@@ -58,9 +65,11 @@ function telling({ weight, expected }: Clue): number {
 }
 
 /** Several clues of one cell strengthen the best of them. */
-function onePerCell(clues: readonly Clue[]): Ranked[] {
+function* onePerCell(clues: readonly Clue[]): Generator<undefined, Ranked[]> {
   const byCell = new Map<string, Ranked>();
-  for (const clue of [...clues].sort((a, b) => telling(b) - telling(a))) {
+  const sorted = [...clues].sort((a, b) => telling(b) - telling(a));
+  for (const [i, clue] of sorted.entries()) {
+    if (i % atATime === 0) yield undefined;
     const [area] = clue.areas;
     const key = [clue.sheet, area?.top, area?.left, clue.level === 'style' ? clue.kind : ''].join();
     const known = byCell.get(key);
@@ -81,9 +90,10 @@ function onePerCell(clues: readonly Clue[]): Ranked[] {
 }
 
 /** Cells that break in the same way: the same kind, and the same formula where another is expected. */
-function joined(clues: readonly Ranked[]): Ranked[] {
+function* joined(clues: readonly Ranked[]): Generator<undefined, Ranked[]> {
   const groups = new Map<string, Ranked>();
-  for (const clue of clues) {
+  for (const [i, clue] of clues.entries()) {
+    if (i % atATime === 0) yield undefined;
     const key = `${clue.kind} ${String(clue.sheet)} ${clue.expected}`;
     const known = clue.expected === '' ? undefined : groups.get(key);
     if (!known) {

@@ -26,12 +26,12 @@ export function* sequenceClues(evidence: Evidence): Generator<undefined, Clue[]>
     const { area } = grid;
     for (let row = area.top; row <= area.bottom; row++) {
       alongLine(evidence, grid, row, true, clues);
+      yield undefined;
     }
-    yield undefined;
     for (let col = area.left; col <= area.right; col++) {
       alongLine(evidence, grid, col, false, clues);
+      yield undefined;
     }
-    yield undefined;
   }
   return clues;
 }

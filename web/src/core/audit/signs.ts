@@ -4,7 +4,7 @@
 import { areaAddress, cellCount, type Area } from '../address/area';
 import type { CellPosition } from '../formula/reference';
 import { areaFrom } from './difference';
-import type { Evidence } from './Evidence';
+import { atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { corners, isData, type Shape, type Slot } from './shape';
 import type { SheetGrid } from './SheetGrid';
@@ -13,7 +13,7 @@ export function* signClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const { index } = evidence;
   const clues: Clue[] = [];
   for (let region = 0; region < index.regionCount; region++) {
-    if (region % 2_000 === 0) yield undefined;
+    if (region % atATime === 0) yield undefined;
     const sheet = index.sheetOf(region);
     const own = index.areaOf(region);
     if (evidence.isIrregular(sheet) || cellCount(own) < 2) continue;

@@ -55,8 +55,13 @@ class Contents {
     return alike(1) || alike(width);
   }
 
-  /** Tells each cell with a formula or a number, but for those among their like. */
-  eachCentre(tell: (row: number, col: number, at: number, content: number) => void): void {
+  /**
+   * Tells each cell with a formula or a number, but for those among their like. Others may take a
+   * turn after each row.
+   */
+  *eachCentre(
+    tell: (row: number, col: number, at: number, content: number) => void,
+  ): Generator<undefined, void> {
     const { top, left, bottom, right } = this.grid.area;
     for (let row = top; row <= bottom; row++) {
       for (let col = left, at = this.place(row, left); col <= right; col++, at++) {
@@ -64,6 +69,7 @@ class Contents {
         if (content === 0 || (content > 1 && content % 2 === 1) || this.isAmong(at)) continue;
         tell(row, col, at, content);
       }
+      yield undefined;
     }
   }
 }
@@ -182,12 +188,11 @@ function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<
     if (byForm && evidence.isIrregular(grid.sheet)) continue;
     const contents = new Contents(grid, known);
     sheets.push(contents);
-    contents.eachCentre(() => cells++);
-    yield undefined;
+    yield* contents.eachCentre(() => cells++);
   }
   const tally = new Tally(4 * surroundings.length * cells);
   for (const contents of sheets) {
-    contents.eachCentre((_row, _col, at, content) => {
+    yield* contents.eachCentre((_row, _col, at, content) => {
       for (let which = 0; which < surroundings.length; which++) {
         const key = keyOf(contents, at, which);
         if (key === 0) continue;
@@ -199,15 +204,13 @@ function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<
         }
       }
     });
-    yield undefined;
   }
   const clues: Clue[] = [];
   for (const contents of sheets) {
-    contents.eachCentre((row, col, at, content) => {
+    yield* contents.eachCentre((row, col, at, content) => {
       const clue = judge(evidence, tally, contents, { row, col }, at, content, byForm);
       if (clue) clues.push(clue);
     });
-    yield undefined;
   }
   return clues;
 }

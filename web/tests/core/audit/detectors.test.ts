@@ -150,6 +150,16 @@ describe('what is gone or leads out', () => {
 });
 
 describe('the list', () => {
+  it('gives others a turn after every line that is looked at', () => {
+    const cells: Written = {};
+    for (let row = 1; row <= 400; row++)
+      cells[`B${String(row)}`] = `=A${String(row)}*${String(row)}`;
+    let turns = 0;
+    for (const work = audit(modelOf({ Sheet: cells })); work.next().done !== true;) turns++;
+    // Along rows as neighbours and as sequences, and three times by surroundings of each way.
+    expect(turns).toBeGreaterThan(8 * 400);
+  });
+
   it('has one finding for a cell that several detectors saw', () => {
     const found = findingsOf({
       Sheet: { 'A1:F9': 2, 'A10:F10': '=SUM(A1:A9)', D10: '=SUM(D1:D8)' },

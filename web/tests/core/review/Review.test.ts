@@ -13,6 +13,7 @@ const column: Written = { 'A1:A9': 2, 'B1:B9': '=A1*2', B6: '=A6*3 -> 6' };
 
 let clock: FakeClock;
 let sheets: Record<string, Written>;
+/** A sheet that the spreadsheet is too busy to tell. */
 let refused: string;
 let broken: string;
 let asked: string[];
@@ -45,8 +46,8 @@ beforeEach(() => {
           }),
         ),
       readFormulas(address): Promise<Outcome<RangeFormulas>> {
-        if (refused !== '') return Promise.resolve(failed('busy', refused));
         const sheet = /\](.*)'!/.exec(address)?.[1] ?? '';
+        if (sheet === refused) return Promise.resolve(failed('busy', 'busy'));
         const { formulas, values } = pieceOf(sheets[sheet] ?? {});
         return Promise.resolve(succeeded({ rows: 9, cols: 2, formulas, values }));
       },
@@ -88,7 +89,7 @@ describe('the review', () => {
 
   test('says that it reads, and lists nothing of a part', async () => {
     sheets = { Data: column, More: column };
-    refused = 'busy';
+    refused = 'More';
     await look();
     expect(review.status).toBe('reading');
     expect(asked).not.toContain('findings');
