@@ -95,6 +95,7 @@ describe('A report', () => {
       file: '=HYPERLINK("http://x")',
       summary,
       findings: [{ ...reported(finding), message: '@SUM(1)\nand more', cells: ['C7', 'C9:D12'] }],
+      inventory,
     };
     expect(written([evil, bad], 'csv', '1.0')).toBe(
       [
