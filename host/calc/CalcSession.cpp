@@ -260,13 +260,13 @@ void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>
   std::vector<int> shown;
   const std::set<int> asked(numbers.begin(), numbers.end());
   for (const ShownLines::Entry& each : shown_.entries(book)) {
-    if (each.place && each.asked.kind == kind && each.place->name == sheet.sheet)
+    if (each.place && !each.isOver() && each.asked.kind == kind && each.place->name == sheet.sheet)
       shown.push_back(each.place->number);
     if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
       continue;
     const bool isThere =
         each.place && each.place->name == sheet.sheet && each.place->number == each.asked.number;
-    if (states.isHidden(each.asked.number) && (isThere || !each.place)) {
+    if (states.isHidden(each.asked.number) && (isThere || !each.place || each.isOver())) {
       outdated.push_back(each);
     } else {
       known.insert(each.asked.number);
@@ -303,8 +303,12 @@ void CalcSession::hide(const SheetRef& sheet, Lines kind, const std::vector<int>
   const std::set<int> asked(numbers.begin(), numbers.end());
   ShownLines::Entries known;
   std::set<int> remembered;
-  const auto tell = [&visible](const ShownLines::Entry& entry) {
-    if (entry.state == ShownLines::State::opened) visible.push_back({entry.asked, opened});
+  const LineStates states(sheetItself, kind);
+  const auto tell = [&](const ShownLines::Entry& entry) {
+    const bool isTaken = entry.state == ShownLines::State::taken && entry.place &&
+                         entry.place->name == sheet.sheet && !states.isHidden(entry.place->number);
+    if (isTaken || entry.state == ShownLines::State::opened)
+      visible.push_back({entry.asked, opened});
   };
   for (const ShownLines::Entry& each : entries) {
     if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))

@@ -126,4 +126,24 @@ UsersLines usersLines(const Workbook& workbook, const ShownLines::Entries& all) 
   return users;
 }
 
+SeenLines seenLines(const Workbook& workbook, const ShownLines::Entries& entries) {
+  SeenLines seen;
+  Groups groups(workbook);
+  for (const Entry& entry : entries) {
+    if (!entry.place) continue;
+    const bool isHidden = groups.of(entry).states.isHidden(entry.place->number);
+    (isHidden ? seen.hidden : seen.visible).push_back(entry);
+  }
+  return seen;
+}
+
+void hideLines(QuietChanges& changes, const Workbook& workbook,
+               const ShownLines::Entries& entries) {
+  Groups groups(workbook);
+  for (const Entry& entry : entries)
+    if (entry.place) groups.of(entry).lines.numbers.push_back(entry.place->number);
+  for (Group& group : groups.all())
+    group.states.setHidden(changes, workbook, group.lines.numbers, true);
+}
+
 }  // namespace quorin::host::calc

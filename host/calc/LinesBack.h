@@ -30,10 +30,19 @@ HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
                            const ShownLines::Entries& entries, const ShownLines::Entries& all);
 
 // Of the lines that are shown: what the user has hidden since, and what he has opened as above.
-// From then on that is his own, whatever he does with it next.
+// From then on that is his own, until he undoes it.
 struct UsersLines {
   ShownLines::Entries hidden, opened;
 };
 UsersLines usersLines(const Workbook& workbook, const ShownLines::Entries& all);
+
+// Whether the user sees them; not those without a place.
+struct SeenLines {
+  ShownLines::Entries visible, hidden;
+};
+SeenLines seenLines(const Workbook& workbook, const ShownLines::Entries& entries);
+
+// Hides them whatever the user has made of them.
+void hideLines(QuietChanges& changes, const Workbook& workbook, const ShownLines::Entries& entries);
 
 }  // namespace quorin::host::calc

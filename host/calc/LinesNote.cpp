@@ -1,6 +1,7 @@
 #include "host/calc/LinesNote.h"
 
 #include <algorithm>
+#include <cctype>
 #include <optional>
 #include <string_view>
 
@@ -19,6 +20,15 @@ constexpr std::string_view prefix = "Quorin shown lines ";
 
 bool isNote(const NamedShape& shape) {
   return shape.name.starts_with(prefix);
+}
+
+// Two numbers. What makes names different may stand behind them on a copy.
+std::string idIn(const std::string& name) {
+  const std::string id = name.substr(prefix.size());
+  const auto isDigit = [](unsigned char each) { return std::isdigit(each) != 0; };
+  const auto dash = std::find_if_not(id.begin(), id.end(), isDigit);
+  if (dash == id.end()) return id;
+  return {id.begin(), std::find_if_not(dash + 1, id.end(), isDigit)};
 }
 
 // Hides what is remembered as it is numbered on the sheet that was copied.
@@ -42,7 +52,7 @@ void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines
     if (!page.is()) continue;
     for (const NamedShape& shape : namedShapes(page)) {
       if (!isNote(shape)) continue;
-      const auto noted = shown.noted(shape.name.substr(prefix.size()));
+      const auto noted = shown.noted(idIn(shape.name));
       const bool isCopy = noted && noted->page != page;
       if (isCopy) hideOnCopy(changes, workbook, sheet, *noted);
       if (isCopy || !noted) changes.remove(workbook, page, shape.shape);

@@ -7,6 +7,7 @@
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <iterator>
 #include <random>
 #include <set>
 #include <string_view>
@@ -183,6 +184,11 @@ std::optional<std::pair<sal_Int32, int>> lineAt(const Cells& cells, Lines kind) 
   return std::pair(sal_Int32{addresses[0].Sheet}, firstLine(area, kind));
 }
 
+// Stays so, and where the line is does not matter any more.
+bool isFinal(ShownLines::State state) {
+  return state == ShownLines::State::over || state == ShownLines::State::opened;
+}
+
 // Which of those under that key they are. Another may have forgotten some of them since, so it is
 // not their places that tell.
 std::set<int> numbersUnder(const std::string& key, const ShownLines::Entries& entries) {
@@ -193,10 +199,9 @@ std::set<int> numbersUnder(const std::string& key, const ShownLines::Entries& en
 }
 
 void setLine(Line& line, ShownLines::State state) {
-  using State = ShownLines::State;
-  if (line.state == State::over || line.state == State::opened) return;
+  if (isFinal(line.state)) return;
   line.state = state;
-  if (state == State::over || state == State::opened) line.cells.clear();
+  if (isFinal(state)) line.cells.clear();
 }
 
 // Those that begin so; none without a memory.
@@ -304,9 +309,17 @@ void ShownLines::forget(const Entries& entries) const {
   for (const std::string& key : keysOf(entries)) {
     if (!memory_->hasByName(toUno(key))) continue;
     auto kept = keptIn(memory_->getByName(toUno(key)));
-    const std::set<int> gone = numbersUnder(key, entries);
-    if (kept)
-      std::erase_if(kept->lines, [&](const Line& line) { return gone.contains(line.number); });
+    Entries taken;
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(taken),
+                 [](const Entry& each) { return each.state == State::taken && each.place; });
+    const std::set<int> gone = numbersUnder(key, entries), owed = numbersUnder(key, taken);
+    if (kept) {
+      std::erase_if(kept->lines, [&](const Line& line) {
+        return gone.contains(line.number) && !owed.contains(line.number);
+      });
+      for (Line& line : kept->lines)
+        if (owed.contains(line.number)) setLine(line, State::owed);
+    }
     if (kept && !kept->lines.empty()) {
       replace(key, written(*kept));
     } else {
@@ -333,7 +346,7 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
     entry.state = line.state;
     entry.isFiltered = line.isFiltered;
     if (line.filter >= 0) entry.filter = kept->filters.at(static_cast<std::size_t>(line.filter));
-    const auto place = entry.isOver() ? std::nullopt : lineAt(line.cells, kept->kind);
+    const auto place = lineAt(line.cells, kept->kind);
     if (!place) continue;
     if (!std::exchange(isSought, true)) {
       sheet = sheetWith(workbook, kept->page, place->first);
@@ -351,6 +364,14 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
 ShownLines::Entries ShownLines::entries(const Workbook& workbook) const {
   Entries found;
   for (const std::string& key : keysWith(memory_, prefixOf(workbook))) read(workbook, key, found);
+  std::erase_if(found, [](const Entry& each) { return each.state == State::owed; });
+  return found;
+}
+
+ShownLines::Entries ShownLines::owed(const Workbook& workbook) const {
+  Entries found;
+  for (const std::string& key : keysWith(memory_, prefixOf(workbook))) read(workbook, key, found);
+  std::erase_if(found, [](const Entry& each) { return each.state != State::owed; });
   return found;
 }
 
@@ -364,9 +385,14 @@ std::optional<ShownLines::Noted> ShownLines::noted(const std::string& id) const 
     const auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept) return std::nullopt;
     Noted noted{kept->page, kept->kind, {}};
-    for (const Line& line : kept->lines)
-      if (const auto place = lineAt(line.cells, kept->kind)) noted.numbers.push_back(place->second);
-    return noted.numbers.empty() ? std::nullopt : std::optional(std::move(noted));
+    bool mayStay = false;
+    for (const Line& line : kept->lines) {
+      const auto place = line.state == State::owed ? std::nullopt : lineAt(line.cells, kept->kind);
+      if (!place) continue;
+      mayStay = true;
+      if (line.state != State::taken) noted.numbers.push_back(place->second);
+    }
+    return mayStay ? std::optional(std::move(noted)) : std::nullopt;
   }
   return std::nullopt;
 }

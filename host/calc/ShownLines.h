@@ -44,31 +44,35 @@ class ShownLines {
   enum class State {
     hidden,  // still, or for the time of a save: only when it is shown can the user hide it
     shown,
-    over,   // hidden again, by whomever, or never ours: what is visible of it is the user's
-    opened  // the user has made it visible himself
+    over,    // hidden again, by whomever, or never ours: what is visible of it is the user's
+    opened,  // the user has made it visible himself
+    taken,   // the user has hidden it or made it visible, and it is his until he undoes that
+    owed     // the same, and nobody asks for it any more: once he has undone that it is hidden
   };
   // What is remembered of one line.
   struct Entry {
     std::string key;  // of those that were shown together with it
     AskedLine asked;  // different for each of them
     State state = State::hidden;
-    std::optional<Place> place;   // none when it is deleted, its sheet is, or it is over
+    std::optional<Place> place;   // none when it is deleted, its sheet is, or it stays over
     bool isFiltered = false;      // a filter hid it
     std::string filter;           // what was filtered there then
     std::vector<int> neighbours;  // hidden together with it, where they are now; at most two
 
-    bool isOver() const { return state == State::over || state == State::opened; }
+    bool isOver() const { return state != State::hidden && state != State::shown; }
   };
   using Entries = std::vector<Entry>;
 
-  // Everything that is remembered of the workbook.
+  // Everything that is remembered of the workbook, but for what is owed, and that.
   Entries entries(const Workbook& workbook) const;
+  Entries owed(const Workbook& workbook) const;
   // Of lines that had these names in a workbook that was closed since. Its file has them hidden,
   // but for those that are over, so what is visible of them in a workbook of that name is the
   // user's.
   Entries entriesElsewhere(const Workbook& workbook, const SheetRef& sheet, Lines kind) const;
 
-  // What a note on a sheet stands for, by the key's `id`. Nothing when all of it is over.
+  // What a note on a sheet stands for, by the key's `id`. Nothing when all of it is over for good,
+  // or owed.
   struct Noted {
     css::uno::Reference<css::drawing::XDrawPage> page;  // of the sheet that was shown on
     Lines kind = Lines::rows;
@@ -85,9 +89,10 @@ class ShownLines {
   std::string remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
                        const std::vector<int>& numbers, const LineStates& states,
                        const std::vector<int>& shown, const std::vector<int>& others) const;
-  // Of those that are not over. What is over is not hidden any more when it is asked for.
+  // Of those that are not over for good. What is over is not hidden any more when it is asked for.
   void set(const Entries& entries, State state) const;
   void set(const std::string& key, State state) const;
+  // Those that are taken and still somewhere are owed from then on.
   void forget(const Entries& entries) const;
 
  private:

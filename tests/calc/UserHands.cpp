@@ -133,6 +133,18 @@ void UserHands::enter(const std::string& book, const std::string& sheet, const s
       ->setFormula(toUno(formula));
 }
 
+void UserHands::enterTogether(const std::string& book, const std::string& sheet,
+                              const std::string& cells, const std::string& formula) {
+  const auto undo = objects_->undoManager(book);
+  const auto range = objects_->cells(book, sheet, cells);
+  const auto area = objects_->addressOf(book, sheet, cells);
+  undo->enterUndoContext("Together");
+  for (sal_Int32 row = 0; row <= area.EndRow - area.StartRow; ++row)
+    for (sal_Int32 column = 0; column <= area.EndColumn - area.StartColumn; ++column)
+      range->getCellByPosition(column, row)->setFormula(toUno(formula));
+  undo->leaveUndoContext();
+}
+
 void UserHands::fill(const std::string& book, const std::string& sheet, const std::string& cells,
                      std::int32_t color) {
   Reference<css::beans::XPropertySet>(

@@ -27,6 +27,8 @@ class UserHands {
   // user's own change.
   void enter(const std::string& book, const std::string& sheet, const std::string& cell,
              const std::string& formula);
+  void enterTogether(const std::string& book, const std::string& sheet, const std::string& cells,
+                     const std::string& formula);  // in each of them, to be undone at once
   void fill(const std::string& book, const std::string& sheet, const std::string& cells,
             std::int32_t color);
   void undo(const std::string& book);

@@ -168,14 +168,70 @@ TEST_F(UsersLines, StayVisibleWhereTheUserUndoesTheFilterThatHidThem) {
   EXPECT_EQ(hidden("One"), "2 4 6 8 ");
 }
 
-// The filter was his, and undoing it as well; that rows were hidden before us no one can tell then.
-TEST_F(UsersLines, StayVisibleWhereTheUserUndoesAFilterOverThem) {
+// Then they are as we have left them.
+TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterOverThem) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   lookAtMarks();
   hands->undo(name);
   EXPECT_EQ(hidden("One"), "");
+  EXPECT_EQ(takeBack(), "4 5 6 ");
+  hands->redo(name);
+  EXPECT_EQ(hidden("One"), "2 4 6 8 ");
+}
+
+TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesSeveralSteps) {
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->enter(name, "One", "C1", "before");
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  lookAtMarks();
+  hands->enterTogether(name, "One", "C2:C3", "one step");
+  hands->endFilter(name, "One", "A1:A9");
+  lookAtMarks();
+  for (int step = 1; step <= 3; ++step) hands->undo(name);
+  EXPECT_EQ(hidden("One"), "");
+  EXPECT_EQ(takeBack(), "4 5 6 ");
+}
+
+TEST_F(UsersLines, StayVisibleWhereTheUserHasUndoneLessThanTheFilterOverThem) {
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  lookAtMarks();
+  hands->endFilter(name, "One", "A1:A9");
+  hands->enterTogether(name, "One", "C2:C3", "one step");
+  hands->undo(name);
   EXPECT_EQ(takeBack(), "");
+}
+
+// Calc keeps a hundred steps.
+TEST_F(UsersLines, StayVisibleAfterTheUsersFilterWhenTheUndoListIsFull) {
+  for (int step = 1; step <= 101; ++step) hands->enter(name, "One", "C1", std::to_string(step));
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  lookAtMarks();
+  hands->endFilter(name, "One", "A1:A9");
+  hands->enter(name, "One", "C1", "once more");
+  hands->undo(name);
+  EXPECT_EQ(takeBack(), "");
+}
+
+// The rows are not seen when they are taken back, and then they are, with no record left.
+TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterAfterTheyWereTakenBack) {
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  EXPECT_EQ(takeBack(), "2 4 6 8 ");
+  EXPECT_TRUE(hands->shapes(name, "One").empty());
+  hands->undo(name);
+  EXPECT_TRUE(eventually([&] { return hidden("One") == "4 5 6 "; })) << hidden("One");
+}
+
+// The filter is undone under what was shown of its rows as well.
+TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterUnderThemToo) {
+  reveal("One!A4:A6", "rows 4\u20136");
+  hands->filter(name, "One", "A1:A9", 0, "odd");
+  reveal("One!A4", "row 4");
+  hands->undo(name);
+  EXPECT_EQ(takeBack(), "4 5 6 ");
 }
 
 TEST_F(UsersLines, StayVisibleInAWorkbookThatWasOpenedAnew) {
@@ -199,6 +255,16 @@ TEST_F(UsersLines, AreHiddenOnTheCopyOfTheirSheetAtOnce) {
   EXPECT_EQ(hidden("One"), "5 7 ") << "still shown";
   EXPECT_EQ(takeBack(), "5 6 7 ");
   EXPECT_TRUE(hands->shapes(name, "One").empty());
+}
+
+// An office may give the shapes on a copy names of their own.
+TEST_F(UsersLines, AreHiddenWhereTheNoteHasGotAnotherName) {
+  reveal("One!A5", "row 5");
+  hands->draw(name, "Home", hands->shapes(name, "One").at(0) + " 1");
+  hands->copySheet(name, "Home", "Copy");
+  EXPECT_TRUE(eventually([&] { return hidden("Copy") == "5 "; })) << hidden("Copy");
+  EXPECT_EQ(hidden("One"), "4 6 ");
+  EXPECT_EQ(takeBack(), "4 5 6 ");
 }
 
 TEST_F(UsersLines, AreHiddenOnTheCopyInAnotherWorkbookBeforeTheyAreTakenBack) {

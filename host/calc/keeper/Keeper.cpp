@@ -105,6 +105,7 @@ void Keeper::run() {
     wake_.clear();
     if (!ownersTurn_) lookAround();
   }
+  lookAtLines();
   removeAll();
 }
 
@@ -262,6 +263,7 @@ void Keeper::hideLines(const Workbook& workbook) {
   const auto entries = shown_.entries(workbook);
   hideShownLines(changes_, workbook, entries, entries);
   shown_.set(entries, ShownLines::State::over);
+  shown_.forget(shown_.owed(workbook));
   takeNotes(changes_, workbook);
 }
 

@@ -8,6 +8,7 @@
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
 #include <com/sun/star/util/XModifyBroadcaster.hpp>
 #include <filesystem>
+#include <iterator>
 
 #include "host/calc/CalcRanges.h"
 #include "host/calc/OfficeFiles.h"
@@ -58,7 +59,11 @@ MarkFollower::MarkFollower(std::string uid, Workbook workbook, QuietChanges& cha
       workbook_(std::move(workbook)),
       changes_(changes),
       hook_(hook),
-      news_(new News(changed)) {
+      news_(new News(changed)),
+      undo_(workbook_.model, [news = news_, changed] {
+        news->areLinesNew = true;
+        changed();
+      }) {
   Reference<css::util::XModifyBroadcaster>(workbook_.model, UNO_QUERY_THROW)
       ->addModifyListener(news_.get());
 }
@@ -80,21 +85,67 @@ void MarkFollower::lookAtLines(const ShownLines& shown) {
   if (!news_->areLinesNew.exchange(false)) return;
   const std::optional<int> turn = hook_.turn();
   try {
-    const UsersLines users = usersLines(workbook_, shown.entries(workbook_));
-    const auto sheets = workbook_.sheets->getElementNames();
-    if (!turn || hook_.turn() != turn) {
+    const auto lines = readLines(shown);
+    if (!lines || !turn || hook_.turn() != turn) {
       news_->areLinesNew = true;
       return;
     }
-    shown.set(users.hidden, ShownLines::State::over);
-    shown.set(users.opened, ShownLines::State::opened);
-    if (sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
+    const UsersLines& users = lines->users;
+    takeBackUndone(shown, lines->taken);
+    take(shown, users.hidden, ShownLines::State::over);
+    take(shown, users.opened, ShownLines::State::opened);
+    taken_.looked();
+    if (lines->sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
       tidyNotes(changes_, workbook_, shown);
-    sheets_ = sheets;
+    sheets_ = lines->sheets;
   } catch (const css::uno::Exception&) {
     news_->areLinesNew = true;
     throw;
   }
+}
+
+// As they are at one place in the undo list; nothing for somebody who works on all the time.
+std::optional<MarkFollower::LookedAt> MarkFollower::readLines(const ShownLines& shown) {
+  constexpr int mostTries = 10;
+  for (int tries = 1; tries <= mostTries; ++tries) {
+    const UndoList::Place place = undo_.place();
+    taken_.begin(place);
+    const auto entries = shown.entries(workbook_);
+    auto taken = shown.owed(workbook_);
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(taken),
+                 [](const auto& each) { return each.state == ShownLines::State::taken; });
+    LookedAt lines{usersLines(workbook_, entries), seenLines(workbook_, taken),
+                   workbook_.sheets->getElementNames()};
+    if (undo_.isStill(place)) return lines;
+  }
+  return std::nullopt;
+}
+
+// Those that no undoing has back get that state.
+void MarkFollower::take(const ShownLines& shown, ShownLines::Entries lines,
+                        ShownLines::State otherwise) {
+  const auto rest = std::partition(lines.begin(), lines.end(),
+                                   [this](const auto& each) { return taken_.take(each); });
+  shown.set(ShownLines::Entries(lines.begin(), rest), ShownLines::State::taken);
+  shown.set(ShownLines::Entries(rest, lines.end()), otherwise);
+}
+
+// What he has done to them and undoes leaves them ours as before; nobody but us will ask for what
+// is owed.
+void MarkFollower::takeBackUndone(const ShownLines& shown, const SeenLines& taken) {
+  ShownLines::Entries ours, due;
+  for (const auto& each : taken.hidden) taken_.isUndone(each, false);
+  for (const auto& each : taken.visible)
+    if (taken_.isUndone(each, true))
+      (each.state == ShownLines::State::owed ? due : ours).push_back(each);
+  shown.set(ours, ShownLines::State::shown);
+  if (!due.empty()) {
+    hideLines(changes_, workbook_, due);
+    shown.forget(due);
+    news_->isNew = true;  // marks of these lines are drawn otherwise
+  }
+  for (const auto& each : ours) taken_.forget(each);
+  for (const auto& each : due) taken_.forget(each);
 }
 
 bool MarkFollower::isOpen() const {

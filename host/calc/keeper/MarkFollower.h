@@ -13,7 +13,10 @@
 #include <string>
 #include <vector>
 
+#include "host/calc/LinesBack.h"
 #include "host/calc/keeper/SaveHook.h"
+#include "host/calc/keeper/TakenLines.h"
+#include "host/calc/keeper/UndoList.h"
 
 namespace quorin::host::calc {
 
@@ -42,8 +45,8 @@ class MarkFollower {
   // rows or columns have another size then, which takes long to find out, the next look sees.
   void followCells();
 
-  // Leaves shown lines to the user that he has hidden or made visible himself, and hides them on
-  // the copies of their sheet. It fails and waits as look() does.
+  // Leaves shown lines to the user that he has hidden or made visible himself, takes back what he
+  // undoes of that, and hides them on the copies of their sheet. It fails and waits as look() does.
   void lookAtLines(const ShownLines& shown);
 
   bool isChanged() const;
@@ -73,6 +76,14 @@ class MarkFollower {
   Followed* find(const MarkedSheet& sheet, const PlacedMark& mark);
   Followed tied(const MarkedSheet& sheet, const PlacedMark& mark) const;
   bool isOfAnother(const Mark& mark) const;
+  void take(const ShownLines& shown, ShownLines::Entries lines, ShownLines::State otherwise);
+  struct LookedAt {
+    UsersLines users;
+    SeenLines taken;  // what is the user's until he undoes it
+    css::uno::Sequence<rtl::OUString> sheets;
+  };
+  std::optional<LookedAt> readLines(const ShownLines& shown);
+  void takeBackUndone(const ShownLines& shown, const SeenLines& taken);
   void draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
             const std::vector<Area>& areas);
 
@@ -81,6 +92,8 @@ class MarkFollower {
   QuietChanges& changes_;
   const SaveHook& hook_;
   const rtl::Reference<News> news_;
+  const UndoList undo_;
+  TakenLines taken_;
   std::list<Followed> followed_;
   css::uno::Sequence<rtl::OUString> sheets_;  // their names when copies were last looked for
   bool untied_ = false;                       // marks that the owner made wait for their ties
