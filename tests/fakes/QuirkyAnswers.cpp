@@ -112,6 +112,12 @@ AppleEventReply spoiledCells(const ExcelQuirks& quirks, FourCharCode property,
     if (quirks.diesOfFirstColumnErrors && columns > 1 && hasErrorInFirstColumn(answer))
       return connectionLost();
     if (quirks.dropsErrorRows && columns == 1) dropErrorRows(answer);
+    if (quirks.listsSingleValues && !isList(answer)) {
+      Descriptor::Items row, rows;
+      row.push_back(std::move(answer));
+      rows.push_back(Descriptor::list(std::move(row)));
+      answer = Descriptor::list(std::move(rows));
+    }
     if (quirks.losesBlanks)
       forEachCell(answer, [](Descriptor& cell) {
         if (cell.stringValue() == "") cell = Descriptor::missingValue();

@@ -23,6 +23,7 @@ struct ExcelQuirks {
   bool diesOfFirstColumnErrors = false;
   bool writesFormulasAsText = false;   // formula of several cells: constants are text
   bool flattensSingleRows = false;     // one row is a plain list
+  bool listsSingleValues = false;      // value2 of one cell is a list of one row
   bool losesBlanks = false;            // value2 of a blank cell is missing value
   bool losesLongText = false;          // evaluating more than 255 characters is missing value
   bool hidesEvaluationErrors = false;  // evaluating to an error is missing value, not -1708

@@ -10,6 +10,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::UnorderedElementsAre;
 
 class MarkCells : public MarksFixture {
  protected:
@@ -155,6 +156,16 @@ TEST_F(MarkCells, CarriesForwardWhatItCouldNotClear) {
   EXPECT_EQ(bridge_.markCells({"A1"}, red_), painted(1, false));
   EXPECT_THAT(store_.load(), ElementsAre(Record{"Plan.xlsx", "Q1", {"Z9", "A1"}, Colour{0, 0, 1}}));
   EXPECT_THAT(log_.lines(), Contains("ERROR markCells: prior clear failed, carrying forward: no"));
+}
+
+// The sheets have one name; what is known of the other one stays.
+TEST_F(MarkCells, ChangesNoRecordOfAnotherWorkbooksSheet) {
+  const Record other{"Other.xlsx", "Q1", {"Z9"}, red_, true};
+  store_.recordApplied({other});
+  excel_.fails("qx_cf_clear", -50, "no");
+  excel_.returns("qx_cf_apply", Array{1, 0});
+  bridge_.markCells({"A1"}, red_);
+  EXPECT_THAT(store_.load(), UnorderedElementsAre(other, Record{"Plan.xlsx", "Q1", {"A1"}, red_}));
 }
 
 TEST_F(MarkCells, PaintsNothingThatItCannotRecord) {

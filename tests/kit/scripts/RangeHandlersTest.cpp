@@ -70,6 +70,12 @@ TEST_F(RangeHandlers, ReadRangeNeverKillsExcelWithAnErrorInTheFirstColumn) {
   EXPECT_EQ(run("qx_pollcell"), R"j(["Known.xlsx","Data","$A$1"])j") << "Excel lives";
 }
 
+TEST_F(RangeHandlers, ReadRangeFindsTheOneValueOfItsFirstColumnInAList) {
+  excel_->quirks.listsSingleValues = true;
+  EXPECT_EQ(run("qx_readrange", {"B2:C2"}), R"j([[[1.5,3]],1,2,[["1.5","3"]],2])j");
+  EXPECT_EQ(run("qx_readrange", {"C4:D4"}), R"j(["__ERRCOL",1,2,2])j");
+}
+
 TEST_F(RangeHandlers, ReadRangeSeesTheErrorOfAColumnTooNarrowToShowIt) {
   excel_->quirks.diesOfFirstColumnErrors = true;
   excel_->quirks.dropsErrorRows = true;
