@@ -32,6 +32,13 @@ inline pid_t keeper() {
   return 0;
 }
 
+// True once there is one that is not the first. It is looked for once: between two looks a killed
+// one may go.
+inline bool hasNewKeeperAfter(pid_t first) {
+  const pid_t now = keeper();
+  return now > 0 && now != first;
+}
+
 // As long as it lives no keeper can be started: what is started then finds no library of C.
 class NoNewKeeper {
  public:

@@ -193,7 +193,7 @@ TEST_F(MovedLines, ComeIntoNoFileAfterTheirKeeperWasKilled) {
   const pid_t first = keeper();
   ASSERT_GT(first, 0);
   ::kill(first, SIGKILL);
-  ASSERT_TRUE(eventually([&] { return keeper() > 0 && keeper() != first; }));
+  ASSERT_TRUE(eventually([&] { return hasNewKeeperAfter(first); }));
   road.use([](CalcSpreadsheet&) {});  // the new one has found them
   hands->save(name);
   EXPECT_EQ(hiddenLines("One"), "") << "still shown";
