@@ -83,9 +83,12 @@ export class PlaceView {
   /** More is known of the same places now; the active place stays. */
   refine(key: string, rows: readonly PlaceRow[], note: string): void {
     if (key !== this.key) return;
-    const first = this.active?.place?.first;
+    const before = this.active?.place;
     this.lay(rows, note);
-    const again = this.shown.findIndex(({ row }) => row.place && row.place.first === first);
+    const again = this.shown.findIndex(
+      ({ row: { place } }) =>
+        place && place.sheet === before?.sheet && place.first === before?.first,
+    );
     this.activate(Math.max(0, again));
     this.changed();
   }
