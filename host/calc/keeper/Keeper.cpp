@@ -105,7 +105,8 @@ void Keeper::run() {
     wake_.clear();
     if (!ownersTurn_) lookAround();
   }
-  lookAtLines();
+  // In its owner's turn a call of his may be on its way: what that shows or hides is not the user's.
+  if (!ownersTurn_) lookAtLines();
   removeAll();
 }
 
