@@ -17,6 +17,7 @@ export type Kind =
   | 'lookup'
   | 'left-out'
   | 'own-total'
+  | 'text-number'
   | 'unequal'
   | 'sliding'
   | 'label'

@@ -23,10 +23,10 @@ const aggregates = new Set([
   'SUBTOTAL',
 ]);
 
-type Range = { area: Area; prefix: string; function: string };
+export type Range = { area: Area; prefix: string; function: string };
 
 /** The ranges of one column or row that a relative formula adds, as from a cell. */
-function rangesOf(evidence: Evidence, formula: number, at: CellPosition): Range[] {
+export function rangesOf(evidence: Evidence, formula: number, at: CellPosition): Range[] {
   const ranges: Range[] = [];
   walk(evidence.shapes.of(formula).root, (node) => {
     if (node.kind !== 'call' || !aggregates.has(plainName(node.name))) return;

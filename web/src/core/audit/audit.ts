@@ -17,6 +17,7 @@ import { ranked } from './rank';
 import { sequenceClues } from './sequences';
 import { signClues } from './signs';
 import { formSurroundingClues, surroundingClues } from './surroundings';
+import { textNumberClues } from './textNumbers';
 
 const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)[] = [
   neighbourClues,
@@ -27,6 +28,7 @@ const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)
   labelClues,
   mixedClues,
   aggregateClues,
+  textNumberClues,
   rangeClues,
   brokenClues,
   signClues,

@@ -14,6 +14,7 @@ const names: Record<Kind, string> = {
   lookup: 'Lookup that misses',
   'left-out': 'Range stops short',
   'own-total': 'Takes in its own total',
+  'text-number': 'Number kept as text',
   unequal: 'Ranges of unequal length',
   sliding: 'Table slides when filled',
   label: 'Takes a row of another name',
