@@ -105,7 +105,8 @@ void Keeper::run() {
     wake_.clear();
     if (!ownersTurn_) lookAround();
   }
-  // In its owner's turn a call of his may be on its way: what that shows or hides is not the user's.
+  // In its owner's turn a call of his may be on its way: what that shows or hides is not the
+  // user's.
   if (!ownersTurn_) lookAtLines();
   removeAll();
 }
@@ -259,12 +260,24 @@ void Keeper::removeAll() {
 }
 
 // The records that are left ask for these lines again: then there is nothing to do any more, or the
-// user has shown them himself since.
+// user has shown them himself since. Only lines that were shown when the owner went: what is shown
+// from then on is another's, who may have been started in the meantime.
 void Keeper::hideLines(const Workbook& workbook) {
-  const auto entries = shown_.entries(workbook);
-  hideShownLines(changes_, workbook, entries, entries);
+  const auto all = shown_.entries(workbook);
+  auto owed = shown_.owed(workbook);
+  const bool isFirst = !left_.contains(workbook.uid);
+  std::set<std::string>& left = left_[workbook.uid];
+  if (isFirst) {
+    for (const auto& each : all) left.insert(each.key);
+    for (const auto& each : owed) left.insert(each.key);
+  }
+  const auto isAnothers = [&left](const auto& each) { return !left.contains(each.key); };
+  auto entries = all;
+  std::erase_if(entries, isAnothers);
+  std::erase_if(owed, isAnothers);
+  hideShownLines(changes_, workbook, entries, all);
   shown_.set(entries, ShownLines::State::over);
-  shown_.forget(shown_.owed(workbook));
+  shown_.forget(owed);
   takeNotes(changes_, workbook);
 }
 

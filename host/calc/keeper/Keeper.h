@@ -5,7 +5,9 @@
 #include <chrono>
 #include <com/sun/star/document/XDocumentEventBroadcaster.hpp>
 #include <list>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "host/calc/OfficeConnection.h"
@@ -74,6 +76,7 @@ class Keeper {
   std::string turn_;  // the workbook that the owner's turn is in
   bool ownersTurn_ = false;
   Clock::time_point notBefore_;
+  std::map<std::string, std::set<std::string>> left_;  // keys of shown lines, by workbook
 };
 
 }  // namespace quorin::host::calc
