@@ -80,6 +80,15 @@ function heap(): number {
   return (heapUsed + arrayBuffers) / 1_000_000;
 }
 
+/** What is held at most, as far as it is looked: in every 250th turn. */
+function mostOf(work: Iterator<undefined>): number {
+  let most = heap();
+  for (let turn = 1; work.next().done !== true; turn++) {
+    if (turn % 250 === 0) most = Math.max(most, heap());
+  }
+  return most;
+}
+
 function run(name: string, make: Make, isUsual: boolean): void {
   console.log(name);
   const before = heap();
@@ -121,6 +130,7 @@ function run(name: string, make: Make, isUsual: boolean): void {
   report('from the index to the ranked findings', cpu() - auditStart, 3_000, 'ms');
   console.log(`  findings ${String(findings.length)}`);
   report('memory with the findings', heap() - before, 300, 'MB');
+  report('the most while it looks for them', mostOf(audit(model)) - before, 300, 'MB');
 
   const times: number[] = [];
   let answers = 0;

@@ -15,13 +15,48 @@ import type { SheetGrid } from './SheetGrid';
 /** The number by which a formula is known: its own, or that of its form. */
 type Known = (formula: number) => number;
 
+/** Rows and columns away from the cell. */
+const surroundings: readonly (readonly (readonly [number, number])[])[] = [
+  [
+    [-2, 0],
+    [-1, 0],
+    [1, 0],
+    [2, 0],
+  ],
+  [
+    [0, -2],
+    [0, -1],
+    [0, 1],
+    [0, 2],
+  ],
+  [
+    [-1, 0],
+    [1, 0],
+    [0, -1],
+    [0, 1],
+  ],
+  [
+    [-1, -1],
+    [0, -1],
+    [1, -1],
+    [-1, 0],
+  ],
+  [
+    [-1, -1],
+    [0, -1],
+    [1, -1],
+  ],
+];
+
 /**
  * What stands in each cell of a sheet, as a number: 0 blank, 1 a number, even a formula, odd a text.
  * With a margin of two blank cells, so that what stands around is found without asking where it ends.
  */
 class Contents {
-  readonly width: number;
   readonly all: Int32Array;
+  /** Of each of the surroundings how far its cells stand from the one in the middle. */
+  readonly distances: readonly Int32Array[];
+  private readonly width: number;
 
   constructor(
     readonly grid: SheetGrid,
@@ -30,6 +65,9 @@ class Contents {
     const { top, left, bottom, right } = grid.area;
     this.width = right - left + 5;
     this.all = new Int32Array(Math.max(0, this.width * (bottom - top + 5)));
+    this.distances = surroundings.map((cells) =>
+      Int32Array.from(cells, ([down, right]) => down * this.width + right),
+    );
     grid.cells.eachFilled(grid.area, (row, col, kind, formula) => {
       let content = 1;
       if (formula > 0) content = known(formula) * 2;
@@ -74,94 +112,95 @@ class Contents {
   }
 }
 
-/** Rows and columns away from the cell. */
-const surroundings: readonly (readonly (readonly [number, number])[])[] = [
-  [
-    [-2, 0],
-    [-1, 0],
-    [1, 0],
-    [2, 0],
-  ],
-  [
-    [0, -2],
-    [0, -1],
-    [0, 1],
-    [0, 2],
-  ],
-  [
-    [-1, 0],
-    [1, 0],
-    [0, -1],
-    [0, 1],
-  ],
-  [
-    [-1, -1],
-    [0, -1],
-    [1, -1],
-    [-1, 0],
-  ],
-  [
-    [-1, -1],
-    [0, -1],
-    [1, -1],
-  ],
-];
-
 /** Nothing where too little stands around to tell one place from another. */
-function keyOf({ all, width }: Contents, at: number, which: number): number {
+function keyOf({ all, distances }: Contents, at: number, which: number): number {
+  const own = distances[which] as Int32Array;
   let hash = Math.imul(which + 1, 0x9e3779b1);
   let told = 0;
-  for (const [down, right] of surroundings[which] ?? []) {
-    const content = all[at + down * width + right] as number;
-    if (content > 1) told += content % 2 === 0 ? 2 : 1;
+  for (let i = 0; i < own.length; i++) {
+    const content = all[at + (own[i] as number)] as number;
+    if (content > 1) told += 2 - (content & 1);
     hash = Math.imul(hash ^ content, 0x85ebca6b);
     hash ^= hash >>> 13;
   }
   return told >= 3 ? (hash === 0 ? 1 : hash) : 0;
 }
 
-/** How often each key was met; numbers only. */
-class Tally {
-  private readonly keys: Int32Array;
-  private readonly others: Int32Array;
-  private readonly counts: Int32Array;
+/** Marks by hash: whether a key was met before. A few keys share a mark, which does no harm. */
+class Marks {
+  private readonly bits: Int32Array;
   private readonly mask: number;
 
   constructor(most: number) {
     let size = 64;
-    while (size < most * 2) size *= 2;
+    while (size < most * 4) size *= 2;
     this.mask = size - 1;
-    this.keys = new Int32Array(size);
-    this.others = new Int32Array(size);
-    this.counts = new Int32Array(size);
+    this.bits = new Int32Array(size / 32);
   }
 
+  has(key: number): boolean {
+    const place = key & this.mask;
+    return ((this.bits[place >>> 5] as number) & (1 << (place & 31))) !== 0;
+  }
+
+  add(key: number): void {
+    const place = key & this.mask;
+    this.bits[place >>> 5] = (this.bits[place >>> 5] as number) | (1 << (place & 31));
+  }
+}
+
+/** How often each key was met; numbers only, three for each in a table that grows. */
+class Tally {
+  private table = new Int32Array(3 * 1_024);
+  private used = 0;
+
   add(key: number, other: number): number {
-    const slot = this.slotOf(key, other);
-    this.keys[slot] = key;
-    this.others[slot] = other;
-    const count = (this.counts[slot] as number) + 1;
-    this.counts[slot] = count;
+    const at = this.claim(key, other);
+    const count = (this.table[at + 2] as number) + 1;
+    this.table[at + 2] = count;
     return count;
   }
 
   count(key: number, other: number): number {
-    return this.counts[this.slotOf(key, other)] as number;
+    return this.table[this.find(key, other) + 2] as number;
   }
 
   set(key: number, other: number, count: number): void {
-    const slot = this.slotOf(key, other);
-    this.keys[slot] = key;
-    this.others[slot] = other;
-    this.counts[slot] = count;
+    this.table[this.claim(key, other) + 2] = count;
   }
 
-  private slotOf(key: number, other: number): number {
+  /** Where it stands, from now on if it did not before. */
+  private claim(key: number, other: number): number {
+    const at = this.find(key, other);
+    if (this.table[at + 2] !== 0) return at;
+    if (this.used * 6 > this.table.length) {
+      this.grow();
+      return this.claim(key, other);
+    }
+    this.used += 1;
+    this.table[at] = key;
+    this.table[at + 1] = other;
+    return at;
+  }
+
+  private grow(): void {
+    const before = this.table;
+    this.table = new Int32Array(before.length * 2);
+    for (let from = 0; from < before.length; from += 3) {
+      if (before[from + 2] === 0) continue;
+      const to = this.find(before[from] as number, before[from + 1] as number);
+      for (let i = 0; i < 3; i++) this.table[to + i] = before[from + i] as number;
+    }
+  }
+
+  private find(key: number, other: number): number {
+    const { table } = this;
     let hash = Math.imul(key, 0x27d4eb2f) ^ Math.imul(other, 0x165667b1);
     hash ^= hash >>> 15;
-    for (let slot = hash & this.mask; ; slot = (slot + 1) & this.mask) {
-      if (this.counts[slot] === 0) return slot;
-      if (this.keys[slot] === key && this.others[slot] === other) return slot;
+    const size = table.length / 3;
+    for (let slot = hash & (size - 1); ; slot = (slot + 1) & (size - 1)) {
+      const at = slot * 3;
+      if (table[at + 2] === 0 || (table[at] === key && table[at + 1] === other)) return at;
     }
   }
 }
@@ -190,12 +229,24 @@ function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<
     sheets.push(contents);
     yield* contents.eachCentre(() => cells++);
   }
-  const tally = new Tally(4 * surroundings.length * cells);
+  // What surrounds one cell alone tells nothing, and there is much of it where no two are alike.
+  const met = new Marks(surroundings.length * cells);
+  const again = new Marks(surroundings.length * cells);
+  for (const contents of sheets) {
+    yield* contents.eachCentre((_row, _col, at) => {
+      for (let which = 0; which < surroundings.length; which++) {
+        const key = keyOf(contents, at, which);
+        if (met.has(key)) again.add(key);
+        else met.add(key);
+      }
+    });
+  }
+  const tally = new Tally();
   for (const contents of sheets) {
     yield* contents.eachCentre((_row, _col, at, content) => {
       for (let which = 0; which < surroundings.length; which++) {
         const key = keyOf(contents, at, which);
-        if (key === 0) continue;
+        if (key === 0 || !again.has(key)) continue;
         tally.add(key, total);
         const count = tally.add(key, content);
         if (count > tally.count(key, bestCount)) {
