@@ -22,6 +22,8 @@ export type Kind =
   | 'sliding'
   | 'label'
   | 'broken'
+  | 'name'
+  | 'unused-name'
   | 'link'
   | 'error'
   | 'circle';
@@ -35,6 +37,7 @@ export type Level = 'fact' | 'doubt' | 'style';
 export type Clue = {
   kind: Kind;
   sheet: number;
+  /** Empty where no cell has it: a name that nothing uses. */
   areas: Area[];
   sentence: string;
   /** The relative formula that is expected in the first cell; empty where none is. */

@@ -11,6 +11,7 @@ import { kinClues } from './kin';
 import { labelClues } from './labels';
 import { lookupClues } from './lookups';
 import { mixedClues } from './mixed';
+import { nameClues } from './names';
 import { neighbourClues } from './neighbours';
 import { rangeClues } from './ranges';
 import { ranked } from './rank';
@@ -31,6 +32,7 @@ const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)
   textNumberClues,
   rangeClues,
   brokenClues,
+  nameClues,
   signClues,
   lookupClues,
   errorClues,

@@ -71,7 +71,8 @@ function* onePerCell(clues: readonly Clue[]): Generator<undefined, Ranked[]> {
   for (const [i, clue] of sorted.entries()) {
     if (i % atATime === 0) yield undefined;
     const [area] = clue.areas;
-    const key = [clue.sheet, area?.top, area?.left, clue.level === 'style' ? clue.kind : ''].join();
+    const isAlone = clue.level === 'style' || !area;
+    const key = [clue.sheet, area?.top, area?.left, isAlone ? clue.kind : ''].join();
     const known = byCell.get(key);
     if (!known) {
       byCell.set(key, { ...clue, kinds: 1 });

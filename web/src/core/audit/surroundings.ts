@@ -117,8 +117,8 @@ function keyOf({ all, distances }: Contents, at: number, which: number): number 
   const own = distances[which] as Int32Array;
   let hash = Math.imul(which + 1, 0x9e3779b1);
   let told = 0;
-  for (let i = 0; i < own.length; i++) {
-    const content = all[at + (own[i] as number)] as number;
+  for (const distance of own) {
+    const content = all[at + distance] as number;
     if (content > 1) told += 2 - (content & 1);
     hash = Math.imul(hash ^ content, 0x85ebca6b);
     hash ^= hash >>> 13;

@@ -19,6 +19,8 @@ const names: Record<Kind, string> = {
   sliding: 'Table slides when filled',
   label: 'Takes a row of another name',
   broken: 'Reference that is gone',
+  name: 'Name that leads nowhere',
+  'unused-name': 'Names that nothing uses',
   link: 'Link to another workbook',
   error: 'Error',
   circle: 'Circle',
