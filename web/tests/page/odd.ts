@@ -60,7 +60,7 @@ export function many(): Record<string, Answer> {
   const names = Array.from({ length: 9 }, (_, i) => `Sheet ${String(i + 1)}`);
   const rows = (name: number) =>
     Array.from({ length: 600 }, (_, i): Content[] => {
-      const own = `${String(name * 600 + i)}*R1C1`;
+      const own = `ROUND(R1C1,${String(name * 600 + i)})`;
       return [i === 0 ? 5 : '', formula(`=R1C1+${own}-R[${String(-i)}]C[-1]`, 7)];
     });
   return {

@@ -26,7 +26,10 @@ export type Kind =
   | 'unused-name'
   | 'link'
   | 'error'
-  | 'circle';
+  | 'circle'
+  | 'inside'
+  | 'run-time'
+  | 'nest';
 
 export type Confidence = 'high' | 'medium' | 'low';
 

@@ -7,6 +7,7 @@ import { brokenClues } from './broken';
 import { circleClues, errorClues } from './causes';
 import { Evidence } from './Evidence';
 import type { Clue, Finding } from './Finding';
+import { insideClues } from './inside';
 import { kinClues } from './kin';
 import { labelClues } from './labels';
 import { lookupClues } from './lookups';
@@ -14,7 +15,9 @@ import { mixedClues } from './mixed';
 import { nameClues } from './names';
 import { neighbourClues } from './neighbours';
 import { rangeClues } from './ranges';
+import { nestClues } from './nests';
 import { ranked } from './rank';
+import { runTimeClues } from './runTime';
 import { sequenceClues } from './sequences';
 import { signClues } from './signs';
 import { formSurroundingClues, surroundingClues } from './surroundings';
@@ -37,6 +40,9 @@ const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)
   lookupClues,
   errorClues,
   circleClues,
+  insideClues,
+  runTimeClues,
+  nestClues,
 ];
 
 export function* audit(model: WorkbookModel): Generator<undefined, Finding[]> {

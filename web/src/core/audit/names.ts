@@ -5,13 +5,14 @@ import { cellCount, unquoted, type Area } from '../address/area';
 import { count } from '../format/words';
 import { parse } from '../formula/Parser';
 import { readReference } from '../formula/reference';
+import { walk } from '../formula/syntax';
 import type { SheetArea } from '../model/Index';
 import { areaFrom } from './difference';
 import { atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 
 /** Names that the spreadsheet itself makes and uses. */
-const reserved = /^(?:_xl|print_(?:area|titles)$|_filterdatabase$|criteria$|extract$|solver_)/;
+const reserved = /^(?:_+xl|print_(?:area|titles)$|_filterdatabase$|criteria$|extract$|solver_)/;
 /** So many are told by name. */
 const toldNames = 12;
 /** So many formulas that use names are listed. */
@@ -92,16 +93,18 @@ function* brokenClue(
   broken: readonly Name[],
   used: ReadonlyMap<string, number[]>,
 ): Generator<undefined, Clue> {
-  const formulas = new Set(broken.flatMap(({ key }) => used.get(key) ?? []));
+  const usersOf = ({ key }: Name) =>
+    (used.get(key) ?? []).filter((formula) => isNamed(evidence, formula, key));
+  const uses = broken.filter((name) => usersOf(name).length > 0);
+  const formulas = new Set(uses.flatMap(usersOf));
   const [place] = yield* placesOf(evidence, formulas);
   const [first] = broken as [Name];
   const cells = place?.areas.reduce((sum, area) => sum + cellCount(area), 0) ?? 0;
   const lead = broken.length === 1 ? 'The name leads' : `${count(broken.length, 'name')} lead`;
-  const uses = broken.filter(({ key }) => (used.get(key)?.length ?? 0) > 0);
   const users =
     cells === 0
       ? `no formula uses ${broken.length === 1 ? 'it' : 'them'}`
-      : `${listed(uses.length > 0 ? uses : broken)} ${uses.length > 1 ? 'are' : 'is'} used in ${count(cells, 'cell')} of ${evidence.model.sheetName(place?.sheet ?? 0)}`;
+      : `${listed(uses)} ${uses.length > 1 ? 'are' : 'is'} used in ${count(cells, 'cell')} of ${evidence.model.sheetName(place?.sheet ?? 0)}`;
   return {
     kind: 'name',
     sheet: place?.sheet ?? -1,
@@ -111,6 +114,15 @@ function* brokenClue(
     weight: cells > 0 ? 7 : 2.5,
     level: cells > 0 ? 'fact' : 'style',
   };
+}
+
+/** Whether it is a name in the formula, and no word of a text. */
+function isNamed(evidence: Evidence, formula: number, key: string): boolean {
+  let is = false;
+  walk(evidence.shapes.of(formula).root, (node) => {
+    is ||= (node.kind === 'name' || node.kind === 'call') && node.name.toLowerCase() === key;
+  });
+  return is;
 }
 
 /** Where formulas stand, by sheet, the sheet with most regions first. */
@@ -149,7 +161,7 @@ function unusedClue(evidence: Evidence, unused: readonly Name[], all: number): C
     kind: 'unused-name',
     sheet,
     areas: places.filter((place) => place.sheet === sheet).map(({ area }) => area),
-    sentence: `${String(unused.length)} of ${count(all, 'name')} ${unused.length === 1 ? 'is' : 'are'} in no cell's formula and in no other name: ${listed(unused)}.`,
+    sentence: `${String(unused.length)} of ${count(all, 'name')} ${unused.length === 1 ? 'is' : 'are'} in no cell's formula and in no other name: ${listed(unused)}. Charts, conditional formats and lists of choices were not looked at.`,
     expected: '',
     weight: 2,
     level: 'style',

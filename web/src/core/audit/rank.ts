@@ -71,8 +71,9 @@ function* onePerCell(clues: readonly Clue[]): Generator<undefined, Ranked[]> {
   for (const [i, clue] of sorted.entries()) {
     if (i % atATime === 0) yield undefined;
     const [area] = clue.areas;
+    // Of one cell several things may be a matter of style.
     const isAlone = clue.level === 'style' || !area;
-    const key = [clue.sheet, area?.top, area?.left, isAlone ? clue.kind : ''].join();
+    const key = [clue.sheet, area?.top, area?.left, isAlone ? clue.sentence : ''].join();
     const known = byCell.get(key);
     if (!known) {
       byCell.set(key, { ...clue, kinds: 1 });

@@ -24,6 +24,9 @@ const names: Record<Kind, string> = {
   link: 'Link to another workbook',
   error: 'Error',
   circle: 'Circle',
+  inside: 'Numbers inside formulas',
+  'run-time': 'Decided at run time',
+  nest: 'Nested too deep to read',
 };
 
 export function kindName(kind: Kind): string {

@@ -23,9 +23,17 @@ export function findingsOf(sheets: Record<string, Written>, names: NameEntry[] =
   return drain(audit(modelOf(sheets, names)));
 }
 
-/** "differs B7 =A7*2": of each the kind, the cells of the one sheet, what is expected. */
+function onSheet(cells: Written, isStyle: boolean): Finding[] {
+  return findingsOf({ Sheet: cells }).filter(({ level }) => (level === 'style') === isStyle);
+}
+
+/** "differs B7 =A7*2": of each the kind, the cells of the one sheet, what is expected; not of style. */
 export function told(cells: Written): string[] {
-  return findingsOf({ Sheet: cells }).map(line);
+  return onSheet(cells, false).map(line);
+}
+
+export function toldOfStyle(cells: Written): string[] {
+  return onSheet(cells, true).map(line);
 }
 
 export function line({ kind, cells, expected }: Finding): string {
@@ -34,5 +42,9 @@ export function line({ kind, cells, expected }: Finding): string {
 }
 
 export function sentences(cells: Written): string[] {
-  return findingsOf({ Sheet: cells }).map(({ sentence }) => sentence);
+  return onSheet(cells, false).map(({ sentence }) => sentence);
+}
+
+export function sentencesOfStyle(cells: Written): string[] {
+  return onSheet(cells, true).map(({ sentence }) => sentence);
 }

@@ -3,7 +3,7 @@ import type { NameEntry } from '../../../src/core/model/Names';
 import type { Written } from '../model/written';
 import { findingsOf, line } from './findings';
 
-const cells: Written = { A1: 1, A2: 2, B1: '=Rate*A1', B5: '=SUM(Base)' };
+const cells: Written = { A1: 1, A2: 2, B1: '=Rate*A1', B5: '=SUM(Base)', B9: '=A1&"Gone"' };
 const rate = { name: 'Rate', refersTo: '=Sheet!$A$1' };
 const base = { name: 'Base', refersTo: '=Sheet!$A$1:$A$2' };
 
@@ -45,6 +45,11 @@ describe('names', () => {
       [],
     ],
     ['one that is gone and used', [rate, { name: 'Base', refersTo: '=Sheet!#REF!' }], ['name B5']],
+    [
+      'one that is gone, and a text of its name',
+      [rate, base, { name: 'Gone', refersTo: '=#REF!' }],
+      ['name '],
+    ],
     ['one that is gone and not used', [rate, base, { name: 'Old', refersTo: '=#REF!' }], ['name ']],
   ])('%s', (_, names, expected) => {
     expect(told(names)).toEqual(expected);
@@ -61,7 +66,8 @@ describe('names', () => {
     expect(findingsOf({ Sheet: cells }, names)[0]).toMatchObject({
       level: 'style',
       confidence: 'low',
-      sentence: "1 of 3 names is in no cell's formula and in no other name: Old.",
+      sentence:
+        "1 of 3 names is in no cell's formula and in no other name: Old. Charts, conditional formats and lists of choices were not looked at.",
     });
     const gone = [rate, { name: 'Base', refersTo: '=Sheet!#REF!' }];
     expect(findingsOf({ Sheet: cells }, gone)[0]).toMatchObject({

@@ -372,7 +372,7 @@ describe('findings', () => {
   test('come in parts, of many areas the first ones', () => {
     const cells: Written = {};
     for (let row = 1; row <= 300; row++) {
-      cells[`A${String(row)}`] = `=$C$1+$C$1*${String(row)}-C$1`;
+      cells[`A${String(row)}`] = `=$C$1+ROUND($C$1,${String(row)})-C$1`;
       cells[`F${String(row * 2)}`] = '=[Other.xlsx]Data!$A$1';
     }
     const model = new Reader({ Data: cells });
