@@ -8,6 +8,7 @@
 #include "app/linux/GLibMainLoop.h"
 #include "app/linux/GtkAlerts.h"
 #include "app/linux/GtkApplicationPort.h"
+#include "app/linux/GtkSaveDialog.h"
 #include "app/linux/GtkUpdateProgress.h"
 #include "app/linux/InstalledBundle.h"
 #include "app/linux/WebKitView.h"
@@ -36,6 +37,7 @@ class GtkPlatform : public AppPlatform {
   HotKeyService* hotKeys() override { return desktop_->hotKeys(); }
   UserInput* userInput() override { return desktop_->userInput(); }
   Updater* updater() override { return &updater_; }
+  GtkSaveDialog* saveDialog() override { return &saveDialog_; }
   LoginItem* loginItem() override { return &loginItem_; }
   Archiver* archiver() override { return &archiver_; }
   SystemVersions systemVersions() const override;
@@ -59,6 +61,7 @@ class GtkPlatform : public AppPlatform {
   GtkApplicationPort application_;
   const std::unique_ptr<Desktop> desktop_;
   GtkAlerts alerts_{desktop_->x11()};
+  GtkSaveDialog saveDialog_{desktop_->x11()};
   FileDefaults defaults_;
   InstalledBundle bundle_;
   XDGLoginItem loginItem_;

@@ -122,7 +122,8 @@ int run(const Invocation& invocation) {
   BridgeLink link(bridge);
 #endif
   SerialQueue bridgeQueue("qx.bridge");
-  AppDelegate app({*platform, link, bridgeQueue, log, config, environment,
+  SerialQueue fileQueue("qx.files");
+  AppDelegate app({*platform, link, bridgeQueue, fileQueue, log, config, environment,
                    [&thread] { return thread.compileError(); }, platformFolders()});
   delegate = &app;
   if (invocation.show) fulfil(invocation.request, app);

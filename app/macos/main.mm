@@ -80,7 +80,8 @@ int run(bool selfTestWanted) {
   Bridge bridge(excel, log, highlights, unhidden, targetApplication());
   BridgeLink link(bridge);
   SerialQueue bridgeQueue("qx.bridge");
-  AppDelegate delegate({*platform, link, bridgeQueue, log, config, processEnvironment(),
+  SerialQueue fileQueue("qx.files");
+  AppDelegate delegate({*platform, link, bridgeQueue, fileQueue, log, config, processEnvironment(),
                         [&excel] { return excel.compileError(); }, platformFolders()});
   application.setDelegate(delegate);
   application.run();

@@ -31,15 +31,16 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::applicationWillTerminate() {
   parts_.bridge.clearMarksForTerminate();
+  parts_.fileQueue.sync([] {});  // what the user said is on the disk
   parts_.log.log("TERMINATE", "quit");
   parts_.log.flush();
 }
 
 Panel& AppDelegate::panel() {
   if (!panel_) {
-    panel_ =
-        std::make_unique<Panel>(Panel::Parts{parts_.platform, parts_.bridge, parts_.bridgeQueue,
-                                             parts_.log, parts_.config, parts_.environment});
+    panel_ = std::make_unique<Panel>(Panel::Parts{parts_.platform, parts_.bridge,
+                                                  parts_.bridgeQueue, parts_.fileQueue, parts_.log,
+                                                  parts_.config, parts_.environment});
   }
   return *panel_;
 }

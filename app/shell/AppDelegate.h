@@ -26,6 +26,7 @@ class AppDelegate : public ApplicationDelegate {
     AppPlatform& platform;
     PanelBridge& bridge;
     Queue& bridgeQueue;  // "qx.bridge"
+    Queue& fileQueue;    // "qx.files"
     DiagLog& log;
     std::filesystem::path config;
     Environment environment;

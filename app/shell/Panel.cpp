@@ -33,7 +33,11 @@ Panel::Panel(Parts parts)
           {"qx", "window.__qxApp = " + Marshal::encode(parts_.platform.spreadsheetName()) + ";"})),
       window_(parts_.platform.makePanelWindow(
           {"Quorin", initialContentFrame, minimumContentSize, "QuorinPanel"})),
-      page_(*webView_) {
+      page_(*webView_),
+      reviews_({ReviewStore(parts_.config.parent_path() / "reviews.json", FileSystem::real(),
+                            &parts_.log),
+                parts_.fileQueue, parts_.platform.mainLoop(), parts_.platform.saveDialog(),
+                parts_.log}) {
   requireMainThread("Panel::Panel");
   webView_->setDelegate(this);
   window_->setDelegate(this);

@@ -1,6 +1,7 @@
 // Panel: the one window of the application. It shows the auditor's page beside Excel, answers the
-// page's requests (its own verbs at once, all others on the bridge queue), passes events to it and
-// brings it back after a failure. Hidden by closing, never destroyed before the end.
+// page's requests (its own verbs at once or on the file queue, all others on the bridge queue),
+// passes events to it and brings it back after a failure. Hidden by closing, never destroyed before
+// the end.
 //
 // Main thread only; a call on another thread stops the process. Owned by the application delegate.
 #pragma once
@@ -12,6 +13,7 @@
 
 #include "app/shell/PageChannel.h"
 #include "app/shell/PanelBridge.h"
+#include "app/shell/ReviewRequests.h"
 #include "app/shell/ports/AppPlatform.h"
 #include "kit/platform/Environment.h"
 #include "kit/shapes/PanelPlacement.h"
@@ -27,8 +29,9 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
     AppPlatform& platform;
     PanelBridge& bridge;
     Queue& bridgeQueue;  // "qx.bridge"
+    Queue& fileQueue;    // "qx.files"
     DiagLog& log;
-    std::filesystem::path config;  // where the configuration file is
+    std::filesystem::path config;  // where the configuration file is, and reviews.json
     Environment environment;
   };
 
@@ -114,6 +117,7 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   std::unique_ptr<WebView> webView_;
   std::unique_ptr<PanelWindow> window_;  // after the view, which it shows to its end
   PageChannel page_;
+  ReviewRequests reviews_;
   std::function<void()> onSummon_;
   bool enabled_ = true;
   bool expanded_ = false;

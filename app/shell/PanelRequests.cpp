@@ -50,9 +50,13 @@ void Panel::webViewDidReceiveMessage(const JSONValue& body) {
 void Panel::handleRequest(double id, const std::string& verb, const JSONValue::Array& args) {
   if (const std::optional<PanelReply> reply = answerLocally(verb, args)) {
     page_.reply(id, reply->ok, reply->payload);
-  } else {
-    askBridge(id, verb, args);
+    return;
   }
+  // It answers nobody once it is gone, and the panel with it.
+  const auto answer = [this, id](const PanelReply& reply) {
+    page_.reply(id, reply.ok, reply.payload);
+  };
+  if (!reviews_.answer(verb, args, answer)) askBridge(id, verb, args);
 }
 
 std::optional<PanelReply> Panel::answerLocally(const std::string& verb,

@@ -19,6 +19,7 @@ ALLOWED = {
     "kit/shapes": {"kit/value"},
     "kit/excel": {"kit/value", "kit/platform", "kit/support", "kit/shapes"},
     "kit/marks": {"kit/value", "kit/support", "kit/shapes"},
+    "kit/reviews": {"kit/value", "kit/support", "kit/marks"},
     "kit/bridge": {"kit"},
     "app/shell": {"kit"},
     "app/macos": {"app/shell", "kit"},

@@ -180,6 +180,11 @@ const explorer: Explorer = new Explorer({
   follower,
   clock,
   scans,
+  reviews: {
+    load: (book) => client.ask('loadReview', book),
+    save: (book, review) => client.ask('saveReview', book, review),
+    now: () => new Date().toISOString(),
+  },
   changed,
   wake() {
     conveyor.wake();

@@ -13,6 +13,7 @@
 #include "app/shell/ports/LoginItem.h"
 #include "app/shell/ports/MainLoop.h"
 #include "app/shell/ports/PanelWindow.h"
+#include "app/shell/ports/SaveDialog.h"
 #include "app/shell/ports/StatusItem.h"
 #include "app/shell/ports/Updater.h"
 #include "app/shell/ports/UserInput.h"
@@ -50,6 +51,7 @@ class AppPlatform {
   // None where the platform has no such thing.
   virtual LoginItem* loginItem() { return nullptr; }
   virtual Updater* updater() { return nullptr; }
+  virtual SaveDialog* saveDialog() { return nullptr; }
 
   // None where nothing can pack files.
   virtual Archiver* archiver() { return nullptr; }

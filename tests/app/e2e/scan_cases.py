@@ -174,22 +174,25 @@ class ScanTest(unittest.TestCase):
         drivers = [text for level, text in self.rows() if level == 2]
         self.assertTrue([text for text in drivers if text.startswith("Inputs!D21 ")], drivers)
 
-    def test_reviews_what_is_odd_and_goes_there_by_keys(self):
-        self.go_to_a_used_cell()
-        before = self.workbook()
+    def review_number_typed_over(self):
+        """Makes the finding active that a number was typed over the formula of its row."""
         self.click_on("tab-tree")
         wait_for("the keyboard", lambda: self.quorin.window()["key"])
         self.type("4")
         wait_for("all sheets", self.is_whole)
 
         def rank():
-            """The place in the list of a number typed over the formula of its row."""
             told = self.eval("""[...document.querySelectorAll('[data-testid=finding]')]
                 .map((one) => one.innerText.trim())""")
             return next((i for i, text in enumerate(told) if text.startswith("Operations!J8")), None)
         wait_for("the finding", lambda: rank() is not None)
         self.type("Home", *["Down"] * rank())
         wait_for("its sentence", lambda: "J8 is a typed-in number" in self.text("finding-sentence"))
+
+    def test_reviews_what_is_odd_and_goes_there_by_keys(self):
+        self.go_to_a_used_cell()
+        before = self.workbook()
+        self.review_number_typed_over()
         self.assertIn("typed in", self.text("formula-own"))
         self.assertTrue(self.text("formula-expected").startswith("="), self.text("formula-expected"))
         self.type("Return")
@@ -204,3 +207,28 @@ class ScanTest(unittest.TestCase):
         after = self.workbook()
         for name in ("modified", "undo", "redo", "cells", "names"):
             self.assertEqual(after[name], before[name], name)
+
+    def test_keeps_what_is_said_of_a_finding(self):
+        self.review_number_typed_over()
+        self.click_on("say-note")
+        self.type("a", "s", "space", "4")
+        self.click_on("say-fine")
+        kept = self.quorin.folder / "data" / "Quorin" / "reviews.json"
+        wait_for("reviews.json", kept.exists)
+        self.assertEqual(kept.stat().st_mode & 0o777, 0o600)
+        [record] = json.loads(kept.read_text())
+        self.assertIn(record["book"], self.text("book"))
+        [said] = record["review"]["snapshots"][0]["said"]
+        self.assertEqual((said["state"], said["note"], said["cells"]),
+                         ("fine", "as 4", [["Operations", "J8"]]))
+        # Another Quorin, as after the next start of the machine.
+        self.quorin.end()
+        self.quorin = Quorin("--show", after=self.quorin)
+        self.addCleanup(self.quorin.end)
+        self.eval = self.quorin.panel.eval
+        self.desk.bring_calc_forward()
+        self.review_number_typed_over()
+        wait_for("what was said", lambda: self.text("finding-state") == "Fine")
+        self.assertEqual(
+            self.eval("document.querySelector('[data-testid=say-note]').value"), "as 4")
+        self.assertIn("1 fine", self.text("review-progress"))

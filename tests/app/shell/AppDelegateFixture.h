@@ -23,7 +23,7 @@ class AppDelegateFixture : public ShellFixture {
 
   void makeDelegate() {
     delegate = std::make_unique<AppDelegate>(
-        AppDelegate::Parts{platform, bridge, queue, *log, config, environment,
+        AppDelegate::Parts{platform, bridge, queue, files, *log, config, environment,
                            [this] { return compileError; }, folders});
   }
 

@@ -27,7 +27,7 @@ class ShellFixture : public testing::Test {
 
   std::unique_ptr<Panel> makePanel() {
     return std::make_unique<Panel>(
-        Panel::Parts{platform, bridge, queue, *log, folder / "config.json", environment});
+        Panel::Parts{platform, bridge, queue, files, *log, folder / "config.json", environment});
   }
 
   // The log's lines without their dates.
@@ -52,10 +52,11 @@ class ShellFixture : public testing::Test {
     std::ofstream(path) << content;
   }
 
-  // What bridge and main loop still have to do, back and forth.
+  // What bridge, files and main loop still have to do, back and forth.
   void settle() {
-    while (queue.waiting() > 0 || platform.mainLoop().postedCount() > 0) {
+    while (queue.waiting() + files.waiting() + platform.mainLoop().postedCount() > 0) {
       queue.runAll();
+      files.runAll();
       platform.mainLoop().runPosted();
     }
   }
@@ -70,6 +71,7 @@ class ShellFixture : public testing::Test {
   FakeAppPlatform platform;
   FakeBridge bridge{platform.journal};
   ManualQueue queue{"qx.bridge"};
+  ManualQueue files{"qx.files"};
   std::unique_ptr<DiagLog> log;
   Environment environment;
 };

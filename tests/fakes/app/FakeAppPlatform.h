@@ -179,6 +179,23 @@ class FakeAlerts : public Alerts {
   std::deque<Answer> open_;
 };
 
+class FakeSaveDialog : public SaveDialog {
+ public:
+  explicit FakeSaveDialog(Journal& journal) : journal_(journal) {}
+  void ask(const std::string& name, Answer answer) override {
+    journal_.push_back("askWhere " + name);
+    answer_ = std::move(answer);
+  }
+  // The user chooses a file, or none.
+  void choose(const std::optional<std::filesystem::path>& file) {
+    std::exchange(answer_, nullptr)(file);
+  }
+
+ private:
+  Journal& journal_;
+  Answer answer_;
+};
+
 class FakeDefaults : public Defaults {
  public:
   std::optional<std::string> string(const std::string& key) const override;
@@ -297,6 +314,7 @@ class FakeAppPlatform : public AppPlatform {
   FakeMainLoop& mainLoop() override { return loop_; }
   FakeWorkspace& workspace() override { return workspace_; }
   FakeAlerts& alerts() override { return alerts_; }
+  FakeSaveDialog* saveDialog() override { return &saveDialog_; }
   FakeDefaults& defaults() override { return defaults_; }
   FakeBundle& bundle() override { return bundle_; }
   FakeClock& clock() override { return clock_; }
@@ -334,6 +352,7 @@ class FakeAppPlatform : public AppPlatform {
   FakeApplication application_{journal};
   FakeWorkspace workspace_{journal};
   FakeAlerts alerts_{journal};
+  FakeSaveDialog saveDialog_{journal};
   FakeDefaults defaults_;
   FakeBundle bundle_;
   FakePanelWindow* window_ = nullptr;

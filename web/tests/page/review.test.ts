@@ -115,7 +115,10 @@ test('lists the findings of one kind or one sheet', async () => {
   await panel.shows('list-heading', '1 of 3 findings in 22 formulas');
   expect((await findings()).map((text) => text.split(' ')[0])).toEqual(['Costs!D13']);
   await panel.page.getByTestId('filter-kind').selectOption('constant');
-  await panel.shows('review-absent', 'No finding is of that kind and on that sheet.');
+  await panel.shows(
+    'review-absent',
+    'No finding is of that kind, on that sheet and in that state.',
+  );
   // A letter in a field is its own.
   await panel.page.getByTestId('filter-kind').press('f');
   await panel.shows('follow', 'Following');

@@ -54,6 +54,8 @@ export const ready = (more: Record<string, unknown> = {}): Record<string, Answer
   setHighlightColor: success(null),
   setPanelWidth: success(null),
   setConventions: success(null),
+  loadReview: success(null),
+  saveReview: success(null),
   hidePanel: success(null),
   log: success(null),
   focusExcel: success(null),

@@ -282,6 +282,20 @@ export const scenes: Record<string, Scene> = {
       await panel.page.getByTestId('marked').waitFor();
     },
   },
+  reviewJudged: {
+    answers: { ...odd, saveReview: failure('could not save the review: No space left on device') },
+    state: 'ready',
+    then: async (panel) => {
+      await openReview(panel);
+      await panel.page.getByText('All 2 sheets, as read at').waitFor();
+      await panel.page.getByTestId('say-fault').click();
+      await panel.page.getByTestId('list').press('ArrowDown');
+      await panel.page.getByTestId('say-note').fill('Agreed with the client');
+      await panel.page.getByTestId('say-fine').click();
+      await panel.page.getByTestId('say-trouble').waitFor();
+      await panel.page.getByTestId('marked').waitFor();
+    },
+  },
   reviewFiltered: {
     answers: odd,
     state: 'ready',

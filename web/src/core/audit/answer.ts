@@ -4,9 +4,11 @@ import { cellCount } from '../address/area';
 import { formulaInFirst } from '../formula/relative';
 import type { Index } from '../model/Index';
 import type { FindingRow, FindingsAnswer } from '../model/messages';
+import { printOf } from '../model/sketch';
 import type { WorkbookModel } from '../model/WorkbookModel';
 import { audit } from './audit';
 import type { Finding } from './Finding';
+import { Shapes } from './shape';
 
 /** So many findings are told in all; nobody reads more of them. */
 export const findingsLimit = 5_000;
@@ -16,6 +18,8 @@ export const partSize = 250;
 const areasLimit = 40;
 /** More of a formula is not compared by eye. */
 const formulaLimit = 2_000;
+/** So many cells of a finding leave their print. */
+const printLimit = 2_000;
 
 /** Keeps what was found as long as the workbook is as it was read. */
 export class Findings {
@@ -30,8 +34,9 @@ export class Findings {
     }
     const told = Math.min(findings.length, findingsLimit);
     const rows: FindingRow[] = [];
+    const shapes = new Shapes(model.formulas);
     for (const finding of findings.slice(from, Math.min(told, from + partSize))) {
-      rows.push(rowOf(model, finding));
+      rows.push(rowOf(model, finding, shapes));
       yield undefined;
     }
     let formulas = 0;
@@ -46,7 +51,32 @@ function cut(text: string): string {
   return text.length > formulaLimit ? `${text.slice(0, formulaLimit)}…` : text;
 }
 
-function rowOf(model: WorkbookModel, finding: Finding): FindingRow {
+/** Of the values that were typed into the finding's cells, and of how its formulas are made. */
+function printOfCells(model: WorkbookModel, { cells }: Finding, shapes: Shapes): string {
+  const parts: string[] = [];
+  for (const { sheet, area } of cells) {
+    const number = model.place({ sheet, area })?.sheet;
+    const own = number === undefined ? undefined : model.cellsOf(number);
+    if (!own) continue;
+    for (let row = area.top; row <= area.bottom; row++) {
+      for (let col = area.left; col <= area.right; col++) {
+        if (parts.length === printLimit) return printOf(parts.join('\n'));
+        const formula = own.formulaAt(row, col);
+        const value = String(own.valueAt(row, col).value);
+        parts.push(formula === 0 ? value : formed(shapes, formula));
+      }
+    }
+  }
+  return printOf(parts.join('\n'));
+}
+
+function formed(shapes: Shapes, formula: number): string {
+  const { skeleton, slots } = shapes.of(formula);
+  const constants = slots.map((slot) => (slot.kind === 'reference' ? '' : slot.text));
+  return `=${skeleton} ${constants.join()}`;
+}
+
+function rowOf(model: WorkbookModel, finding: Finding, shapes: Shapes): FindingRow {
   const { cells, expected } = finding;
   const [first] = cells;
   const place = first && model.place(first);
@@ -56,6 +86,7 @@ function rowOf(model: WorkbookModel, finding: Finding): FindingRow {
     expected: cut(expected),
     areas: cells.length,
     size: cells.reduce((sum, { area }) => sum + cellCount(area), 0),
+    print: printOfCells(model, finding, shapes),
   };
   if (!place) return { ...told, formula: '', value: null, label: '' };
   const { area } = place;

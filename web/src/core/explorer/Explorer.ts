@@ -49,7 +49,7 @@ export class Explorer {
   constructor(private readonly ports: ExplorerPorts) {
     this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
     this.lists = new Lists(ports.questions, ports.changed, ports.scans);
-    this.review = new Review(ports.changed, ports.scans);
+    this.review = new Review(ports.changed, ports.scans, ports.reviews);
     this.labels = ports.scans && new CellLabels(ports.scans, ports.changed);
     this.typing = new TypeAhead(ports.clock);
   }

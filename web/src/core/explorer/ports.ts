@@ -2,6 +2,7 @@
 
 import type { EvaluationQuestions } from '../evaluation/Asker';
 import type { SheetFollower } from '../follow/SheetFollower';
+import type { ReviewKeeper } from '../review/Sayings';
 import type { Scans } from '../scan/Scans';
 import type { Outcome } from '../protocol/Outcome';
 import type { Clock } from '../time/Clock';
@@ -18,6 +19,8 @@ export type ExplorerPorts = {
   clock: Clock;
   /** The workbooks that are read whole; nothing where there is no room for that. */
   scans?: Scans;
+  /** Where what the user says of findings is kept; nothing: it is not. */
+  reviews?: ReviewKeeper;
   /** Something shown may have changed, or there may be something to ask. */
   changed(): void;
   /** There may be something to ask. */

@@ -12,6 +12,7 @@ import {
   waysAnswer,
 } from './answers';
 import type { BookEntry, Question } from './messages';
+import { sketchesOf } from './sketch';
 import { WorkbookModel } from './WorkbookModel';
 
 /** Models of more workbooks are not kept; the one used longest ago goes. */
@@ -71,6 +72,8 @@ export class ModelHost {
         return yield* errorsAnswer(model);
       case 'findings':
         return yield* this.findings.answer(model, question.args.from);
+      case 'sketch':
+        return yield* sketchesOf(model);
       case 'labels':
         return question.args.cells.map((cells) => {
           const place = model.place(cells);

@@ -5,6 +5,7 @@ import type { Area } from '../address/area';
 import type { Finding } from '../audit/Finding';
 import type { Grid, Scalar } from '../protocol/json';
 import type { NameEntry } from './Names';
+import type { SheetSketch } from './sketch';
 
 export type BookEntry = { book: string; sheets: string[]; names: NameEntry[] };
 
@@ -61,6 +62,8 @@ export type FindingRow = Finding & {
   value: Scalar;
   /** What a human would call the first cell. */
   label: string;
+  /** Another one when a value typed into its cells is another, or a formula is made otherwise. */
+  print: string;
 };
 
 /** A part of the list, which may be long. */
@@ -125,6 +128,8 @@ export type Questions = {
   errors: { args: Record<string, never>; answer: ErrorsAnswer };
   /** What is odd in the workbook, from a place in the list on. */
   findings: { args: { from: number }; answer: FindingsAnswer };
+  /** What the lines of all sheets are. */
+  sketch: { args: Record<string, never>; answer: SheetSketch[] };
   /** One for each area; empty where there is none. */
   labels: { args: { cells: Cells[] }; answer: string[] };
   /** Whether the cell is as it was read. `formula` in A1, empty for none. */

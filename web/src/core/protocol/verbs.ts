@@ -94,6 +94,12 @@ export type Verbs = {
   hidePanel: { args: []; result: null };
   focusExcel: { args: []; result: null };
   setConventions: { args: [conventions: { arg: string }]; result: null };
+  /** Null where nothing was kept. */
+  loadReview: { args: [book: string]; result: Json };
+  /** Null: nothing is kept any more. */
+  saveReview: { args: [book: string, review: Json]; result: null };
+  /** The name under which the user saved it, or null. */
+  saveReport: { args: [name: string, text: string]; result: string | null };
 };
 
 export type Verb = keyof Verbs;
@@ -245,6 +251,9 @@ const decoders: { [V in Exclude<Verb, 'evaluate' | 'deepEval'>]: Decoder<Verbs[V
   hidePanel: nothing,
   focusExcel: nothing,
   setConventions: nothing,
+  loadReview: (payload) => (payload === undefined ? undefined : (payload as Json)),
+  saveReview: nothing,
+  saveReport: (payload) => (payload === null || isText(payload) ? payload : undefined),
 };
 
 /** The outcome of `verb` from a reply's two members. Never throws, whatever `payload` is. */

@@ -4,22 +4,26 @@
 import type { Kind } from '../audit/Finding';
 import { count, grouped } from '../format/words';
 import type { FindingRow, FindingsAnswer } from '../model/messages';
+import type { SheetSketch } from '../model/sketch';
 import { succeeded } from '../protocol/Outcome';
 import type { BookScan } from '../scan/BookScan';
 import { coverageOf } from '../scan/coverage';
 import type { Scans } from '../scan/Scans';
+import type { PlaceRow } from '../workbook/PlaceList';
 import { PlaceView } from '../workbook/PlaceView';
 import { FindingRows } from './rows';
+import type { State } from './said';
+import { Sayings, type ReviewKeeper } from './Sayings';
 
 /** Which findings are listed; empty for all. */
-export type ReviewFilter = { kind: Kind | ''; sheet: string };
+export type ReviewFilter = { kind: Kind | ''; sheet: string; state: State | 'open' | '' };
 
 /** "away": nothing is known, and the workbook is read only while it is in front. */
 export type ReviewStatus = 'away' | 'reading' | 'looking' | 'known' | 'failed';
 
 export type Choice<T> = { value: T; findings: number };
 
-const everything: ReviewFilter = { kind: '', sheet: '' };
+const everything: ReviewFilter = { kind: '', sheet: '', state: '' };
 
 type Known = {
   book: string;
@@ -41,6 +45,7 @@ type Known = {
 
 export class Review {
   readonly list: PlaceView;
+  readonly sayings: Sayings;
   private known: Known | undefined;
   /** Those of the findings that the filter lets through. */
   private shown: readonly FindingRow[] = [];
@@ -48,12 +53,21 @@ export class Review {
   constructor(
     private readonly changed: () => void,
     private readonly scans?: Scans,
+    keeper?: ReviewKeeper,
   ) {
     this.list = new PlaceView(changed);
+    this.sayings = new Sayings(() => {
+      // What was said decides what the filter lets through.
+      const { known, active, list } = this;
+      // One that is listed no more leaves its place to the next.
+      if (known?.told && known.filter.state !== '') this.lay(known, active, list.activeIndex);
+      else changed();
+    }, keeper);
   }
 
   /** The workbook's findings are looked at; it is read only while it is in front. */
   look(book: string, inFront: boolean): void {
+    this.sayings.look(book);
     if (inFront) this.scans?.of(book).begin();
     if (this.known?.book !== book) {
       const filter = everything;
@@ -142,6 +156,12 @@ export class Review {
     return active && this.known?.rows.of(active);
   }
 
+  /** What was said of the finding whose row it is; nothing for a row of one of its areas. */
+  stateOf(row: PlaceRow): State | undefined {
+    const finding = this.known?.rows.ofRow(row);
+    return finding && this.sayings.of(finding)?.state;
+  }
+
   get filter(): ReviewFilter {
     return this.known?.filter ?? everything;
   }
@@ -186,7 +206,12 @@ export class Review {
         Object.assign(known, { told, rows, readAt, reason: '' });
         known.kinds = choices(rows.findings, ({ kind }) => kind);
         known.sheets = choices(rows.findings, sheetOf);
-        if (isWhole) Object.assign(known, isIn);
+        if (isWhole) {
+          const sketches = await this.sketches(scans, known.book);
+          if (this.known !== known || scan.version !== version) return;
+          Object.assign(known, isIn);
+          this.sayings.settle(rows.findings, sketches);
+        }
         this.lay(known, before);
         if (isWhole) return;
       }
@@ -200,18 +225,27 @@ export class Review {
     }
   }
 
-  /** `before`: the finding that was active; it stays so where it is still listed. */
-  private lay(known: Known, before: FindingRow | undefined): void {
-    const { kind, sheet } = known.filter;
+  /** Nothing where they cannot be told: then nothing is said of the findings. */
+  private async sketches(scans: Scans, book: string): Promise<SheetSketch[] | undefined> {
+    return scans.model.ask(book, 'sketch', {}).catch(() => undefined);
+  }
+
+  /** `before`: the finding that was active; it stays so where it is still listed, or the row `otherwise`. */
+  private lay(known: Known, before: FindingRow | undefined, otherwise = 0): void {
+    const { kind, sheet, state } = known.filter;
+    const isIn = (one: FindingRow) =>
+      state === '' || (this.sayings.of(one)?.state ?? 'open') === state;
     this.shown = known.rows.findings.filter(
-      (one) => (kind === '' || one.kind === kind) && (sheet === '' || sheetOf(one) === sheet),
+      (one) =>
+        (kind === '' || one.kind === kind) && (sheet === '' || sheetOf(one) === sheet) && isIn(one),
     );
     const rows = known.rows.rowsOf(this.shown);
     if (this.list.isOf(known.book)) {
       this.list.refine(known.book, rows, '');
       const again = this.shown.findIndex((one) => before !== undefined && isSame(one, before));
-      const row = rows[Math.max(0, again)];
-      this.list.activate(this.list.rows.findIndex((one) => one.row === row));
+      const row = rows[again];
+      const at = this.list.rows.findIndex((one) => one.row === row);
+      this.list.activate(at < 0 ? otherwise : at);
     } else {
       const told = () => Promise.resolve(succeeded(rows));
       void this.list.load(known.book, told, (all) => all);

@@ -1,6 +1,7 @@
 // What the kinds of findings are called.
 
 import type { Confidence, Kind } from '../audit/Finding';
+import type { State } from './said';
 
 const names: Record<Kind, string> = {
   differs: 'Unlike its neighbours',
@@ -41,4 +42,10 @@ const confidences: Record<Confidence, string> = {
 
 export function confidenceName(confidence: Confidence): string {
   return confidences[confidence];
+}
+
+const stateNames: Record<State, string> = { fault: 'Fault', fine: 'Fine', later: 'Later' };
+
+export function stateName(state: State): string {
+  return stateNames[state];
 }

@@ -27,6 +27,12 @@ export class FindingRows {
     return this.byRow.get(row);
   }
 
+  /** The same, and nothing for an area. */
+  ofRow(row: PlaceRow): FindingRow | undefined {
+    const finding = this.byRow.get(row);
+    return finding && this.byFinding.get(finding) === row ? finding : undefined;
+  }
+
   private rowOf(finding: FindingRow): PlaceRow {
     const { cells, areas, sentence, confidence } = finding;
     const places = cells.map(placeOfCells);

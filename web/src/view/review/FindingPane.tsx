@@ -7,6 +7,7 @@ import { compareFormulas, type ComparedPart } from '../../core/review/compareFor
 import { confidenceName, kindName } from '../../core/review/kinds';
 import { placeOfCells, valueText } from '../../core/workbook/rows';
 import type { Page } from '../page';
+import { Verdict } from './Verdict';
 
 /** All of a finding: its sentence, and its formula beside the expected one. */
 export function FindingPane(props: { page: Page; finding: FindingRow }): JSX.Element {
@@ -66,6 +67,7 @@ export function FindingPane(props: { page: Page; finding: FindingRow }): JSX.Ele
           </Show>
         </div>
       </Show>
+      <Verdict page={props.page} finding={props.finding} />
       <div class="actions">
         <button
           type="button"

@@ -2,8 +2,12 @@ import { For, type JSX } from 'solid-js';
 
 import type { Kind } from '../../core/audit/Finding';
 import { oneLine } from '../../core/format/visible';
-import { kindName } from '../../core/review/kinds';
+import { kindName, stateName } from '../../core/review/kinds';
+import type { ReviewFilter } from '../../core/review/Review';
+import type { State } from '../../core/review/said';
 import type { Page } from '../page';
+
+const states: readonly State[] = ['fault', 'fine', 'later'];
 
 /** Which findings are listed. */
 export function ReviewFilters(props: { page: Page }): JSX.Element {
@@ -45,6 +49,29 @@ export function ReviewFilters(props: { page: Page }): JSX.Element {
           {({ value, findings }) => (
             <option value={value} selected={filter().sheet === value}>
               {`${oneLine(value)} (${String(findings)})`}
+            </option>
+          )}
+        </For>
+      </select>
+      <select
+        class="filter"
+        aria-label="State"
+        data-testid="filter-state"
+        onChange={(event) => {
+          const state = event.currentTarget.value as ReviewFilter['state'];
+          review().setFilter({ ...filter(), state });
+        }}
+      >
+        <option value="" selected={filter().state === ''}>
+          All states
+        </option>
+        <option value="open" selected={filter().state === 'open'}>
+          Not judged
+        </option>
+        <For each={states}>
+          {(state) => (
+            <option value={state} selected={filter().state === state}>
+              {stateName(state)}
             </option>
           )}
         </For>

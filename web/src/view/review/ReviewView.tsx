@@ -5,6 +5,7 @@ import { createMemo, Show, type JSX } from 'solid-js';
 
 import { oneLine, visibleText } from '../../core/format/visible';
 import type { Slot } from '../RowTree';
+import { stateName } from '../../core/review/kinds';
 import type { ShownRow } from '../../core/workbook/PlaceView';
 import { WarningIcon } from '../icons';
 import type { Page } from '../page';
@@ -37,7 +38,7 @@ export function ReviewView(props: { page: Page }): JSX.Element {
           if (review().list.rows.length > 0) return '';
           if (!review().hasFormulas) return 'This workbook has no formulas.';
           return review().hasFindings
-            ? 'No finding is of that kind and on that sheet.'
+            ? 'No finding is of that kind, on that sheet and in that state.'
             : 'Nothing odd was found in this workbook.';
       }
     });
@@ -46,7 +47,16 @@ export function ReviewView(props: { page: Page }): JSX.Element {
       <h2 class="listHead" data-testid="list-heading">
         {look(() => review().heading)}
       </h2>
-      <ScanBar page={props.page} scan={look(() => review().scan)} />
+      <div class="reviewBar">
+        <Show when={look(() => review().sayings.progress)}>
+          {(text) => (
+            <p class="note" data-testid="review-progress">
+              {text()}
+            </p>
+          )}
+        </Show>
+        <ScanBar page={props.page} scan={look(() => review().scan)} />
+      </div>
       <Show when={look(() => review().hasFindings)}>
         <ReviewFilters page={props.page} />
       </Show>
@@ -109,6 +119,7 @@ function FindingItem(props: FindingItemProps): JSX.Element {
   const review = () => props.page.explorer.review;
   const row = () => props.slot.item.row;
   const level = () => props.slot.item.level;
+  const said = createMemo(() => props.page.look(() => review().stateOf(row())));
   const isOpen = createMemo(() => props.page.look(() => review().list.isOpen(row())));
   return (
     <div
@@ -142,6 +153,13 @@ function FindingItem(props: FindingItemProps): JSX.Element {
           textContent={oneLine(row().detail)}
         />
       </span>
+      <Show when={said()}>
+        {(state) => (
+          <span class={`state is-${state()}`} data-testid="finding-state">
+            {stateName(state())}
+          </span>
+        )}
+      </Show>
       <Show when={row().tag}>
         <span class="tag">
           <WarningIcon />

@@ -155,12 +155,12 @@ describe('the review', () => {
     ]);
     review.list.activate(1);
     const before = review.active;
-    review.setFilter({ kind: '', sheet: before?.cells[0]?.sheet ?? '' });
+    review.setFilter({ kind: '', sheet: before?.cells[0]?.sheet ?? '', state: '' });
     expect(review.active).toBe(before);
-    review.setFilter({ kind: '', sheet: 'Data' });
+    review.setFilter({ kind: '', sheet: 'Data', state: '' });
     expect(shown()).toEqual(['Data!B6 High']);
     expect(review.heading).toBe('1 of 3 findings in 19 formulas');
-    review.setFilter({ kind: 'circle', sheet: '' });
+    review.setFilter({ kind: 'circle', sheet: '', state: '' });
     expect([shown(), review.active]).toEqual([[], undefined]);
   });
 });

@@ -1,0 +1,107 @@
+// What a sheet's lines are, in so few characters that they can be kept: by two of them it is told
+// later which lines were inserted, deleted or stayed. Of each row and column the first two values
+// leave a print of eighteen bits each, from which no value can be read back. Pure.
+
+import type { Scalar } from '../protocol/json';
+import { Kind, type SheetCells } from './SheetCells';
+import type { WorkbookModel } from './WorkbookModel';
+
+export type SheetSketch = {
+  name: string;
+  /** As many lines as the sheet has to its last filled cell. */
+  height: number;
+  width: number;
+  /** Of the first lines, one after the other: six characters, or a dot for a blank line. */
+  rows: string;
+  cols: string;
+};
+
+/** Further lines are not told apart. */
+export const linesLimit = 5_000;
+
+const letters = 'ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_';
+
+function hash(text: string): number {
+  let hash = 0x811c9dc5;
+  for (let i = 0; i < text.length; i++) {
+    hash = Math.imul(hash ^ text.charCodeAt(i), 0x01000193);
+  }
+  hash = Math.imul(hash ^ (hash >>> 15), 0x2c1b3c6d);
+  return (hash ^ (hash >>> 13)) >>> 0;
+}
+
+/** Three characters; of a text the first is a capital letter, of anything else a small one. */
+function printOfValue(value: Scalar): string {
+  const number = hash(String(value));
+  const isText = typeof value === 'string';
+  const first = (isText ? 0 : 26) + (number % 26);
+  const rest = Math.floor(number / 26);
+  return `${letters[first] ?? ''}${letters[rest & 63] ?? ''}${letters[(rest >>> 6) & 63] ?? ''}`;
+}
+
+/** Four characters for any text. */
+export function printOf(text: string): string {
+  const number = hash(text);
+  return [0, 6, 12, 18].map((shift) => letters[(number >>> shift) & 63]).join('');
+}
+
+class Lines {
+  private readonly first = new Map<number, number>();
+  private readonly second = new Map<number, number>();
+  last = 0;
+
+  /** A cell of the line, by its place along it. */
+  add(line: number, at: number): void {
+    this.last = Math.max(this.last, line);
+    if (line > linesLimit) return;
+    const first = this.first.get(line) ?? Infinity;
+    if (at < first) {
+      if (first !== Infinity) this.second.set(line, first);
+      this.first.set(line, at);
+    } else if (at < (this.second.get(line) ?? Infinity)) this.second.set(line, at);
+  }
+
+  text(valueAt: (line: number, at: number) => Scalar): string {
+    let text = '';
+    for (let line = 1; line <= Math.min(this.last, linesLimit); line++) {
+      const first = this.first.get(line);
+      if (first === undefined) {
+        text += '.';
+        continue;
+      }
+      const second = this.second.get(line);
+      text += printOfValue(valueAt(line, first) ?? '');
+      text += printOfValue(second === undefined ? '' : (valueAt(line, second) ?? ''));
+    }
+    return text;
+  }
+}
+
+export function sketchOf(name: string, cells: SheetCells): SheetSketch {
+  const rows = new Lines();
+  const cols = new Lines();
+  if (cells.extent) {
+    cells.eachFilled(cells.extent, (row, col, kind, formula) => {
+      if (kind === Kind.Blank && formula === 0) return;
+      rows.add(row, col);
+      cols.add(col, row);
+    });
+  }
+  return {
+    name,
+    height: rows.last,
+    width: cols.last,
+    rows: rows.text((row, col) => cells.valueAt(row, col).value),
+    cols: cols.text((col, row) => cells.valueAt(row, col).value),
+  };
+}
+
+export function* sketchesOf(model: WorkbookModel): Generator<undefined, SheetSketch[]> {
+  const sketches: SheetSketch[] = [];
+  for (const [number, name] of model.entry.sheets.entries()) {
+    const cells = model.cellsOf(number);
+    if (cells) sketches.push(sketchOf(name, cells));
+    yield undefined;
+  }
+  return sketches;
+}

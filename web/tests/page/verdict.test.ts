@@ -1,0 +1,126 @@
+// What the reviewer says of findings, in the built page: kept by the native side, and said again
+// when the page is loaded anew.
+
+import { afterAll, afterEach, beforeAll, expect, test } from 'vitest';
+
+import { Browser, type FakePanel } from './FakePanel';
+import { odd } from './odd';
+import { failure, success } from './samples';
+
+let browser: Browser;
+let panel: FakePanel;
+
+beforeAll(async () => {
+  browser = await Browser.start();
+});
+afterEach(async () => {
+  expect(panel.errors).toEqual([]);
+  expect(await panel.violations()).toEqual([]);
+  await panel.close();
+});
+afterAll(async () => {
+  await browser.close();
+});
+
+async function review(): Promise<void> {
+  await panel.reaches('ready');
+  await panel.page.keyboard.press('4');
+  await panel.page.getByText('All 2 sheets, as read at').waitFor();
+  await panel.page.getByTestId('say-fine').waitFor();
+}
+
+const say = (state: string) => panel.page.getByTestId(`say-${state}`).click();
+const states = async (): Promise<string[]> =>
+  (await panel.page.getByTestId('finding-state').allInnerTexts()).map((text) => text.trim());
+const saved = async (): Promise<unknown[]> =>
+  (await panel.posted()).filter(({ verb }) => verb === 'saveReview').map(({ args }) => args);
+
+test('keeps a judgement and its note, which are there when the page is loaded anew', async () => {
+  panel = await browser.open(odd);
+  await review();
+  await panel.shows('review-progress', '0 of 3 findings judged');
+  await say('fine');
+  await panel.shows('review-progress', '1 of 3 findings judged: 1 fine');
+  expect(await states()).toEqual(['Fine']);
+  const note = panel.page.getByTestId('say-note');
+  await note.fill('Agreed with the client: 4 is shifted on purpose.');
+  await note.press('Tab');
+  await panel.settled();
+  const [book, kept] = (await saved()).at(-1) as [string, unknown];
+  expect(book).toBe('Solar park.xlsx');
+  expect(JSON.stringify(kept)).not.toContain('Power');
+  await panel.page.addInitScript((answer) => {
+    (window as unknown as { side: { answers: Record<string, unknown> } }).side.answers[
+      'loadReview Solar park.xlsx'
+    ] = answer;
+  }, success(kept));
+  await panel.page.reload();
+  await review();
+  await panel.shows('review-progress', '1 of 3 findings judged: 1 fine');
+  expect(await states()).toEqual(['Fine']);
+  expect(await note.inputValue()).toBe('Agreed with the client: 4 is shifted on purpose.');
+  expect(await panel.page.getByTestId('say-fine').getAttribute('aria-pressed')).toBe('true');
+  await panel.page.getByTestId('list').press('ArrowDown');
+  await panel.shows('formula-own', '43.2, typed in');
+  expect(await note.inputValue()).toBe('');
+});
+
+test('takes a judgement back that is pressed again', async () => {
+  panel = await browser.open(odd);
+  await review();
+  await say('fault');
+  await say('later');
+  await panel.shows('review-progress', '1 of 3 findings judged: 1 for later');
+  await say('later');
+  await panel.shows('review-progress', '0 of 3 findings judged');
+  await panel.settled();
+  expect((await saved()).at(-1)).toEqual(['Solar park.xlsx', null]);
+});
+
+test('lists what is not judged yet, and goes on to the next one', async () => {
+  panel = await browser.open(odd);
+  await review();
+  await panel.page.getByTestId('filter-state').selectOption('open');
+  const active = () => panel.page.locator('.row.active').innerText();
+  expect(await active()).toContain('Prices!F4');
+  await say('fine');
+  await panel.shows('list-heading', '2 of 3 findings in 22 formulas');
+  expect(await active()).toContain('Prices!E2');
+  await panel.page.getByTestId('filter-state').selectOption('fine');
+  await panel.shows('list-heading', '1 of 3 findings in 22 formulas');
+  expect(await active()).toContain('Prices!F4');
+});
+
+test('letters typed into a note are its own', async () => {
+  panel = await browser.open(odd);
+  await review();
+  await panel.page.getByTestId('say-note').pressSequentially('4f n1');
+  await panel.shows('list-heading', '3 findings in 22 formulas');
+  expect(await panel.page.getByTestId('say-note').inputValue()).toBe('4f n1');
+  await say('fault');
+  expect(JSON.stringify((await saved()).at(-1))).toContain('"note":"4f n1"');
+});
+
+test('says nothing where what was said cannot be read', async () => {
+  panel = await browser.open({
+    ...odd,
+    loadReview: failure('could not read the review: reviews.json is malformed; left untouched'),
+  });
+  await review();
+  await panel.shows(
+    'say-trouble',
+    'What was said before is not known, and nothing can be said: could not read the review: reviews.json is malformed; left untouched',
+  );
+  expect(await panel.page.getByTestId('say-fine').isDisabled()).toBe(true);
+});
+
+test('says so where a judgement is not kept, and takes the next one', async () => {
+  panel = await browser.open({ ...odd, saveReview: failure('could not save the review: full') });
+  await review();
+  await say('fault');
+  await panel.shows('say-trouble', 'What was said is not kept: could not save the review: full');
+  await panel.lay('saveReview', success(null));
+  await say('fine');
+  await panel.page.getByTestId('say-trouble').waitFor({ state: 'detached' });
+  expect(await states()).toEqual(['Fine']);
+});
