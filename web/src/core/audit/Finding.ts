@@ -18,6 +18,8 @@ export type Kind =
   | 'left-out'
   | 'own-total'
   | 'text-number'
+  | 'empty'
+  | 'text'
   | 'unequal'
   | 'sliding'
   | 'label'

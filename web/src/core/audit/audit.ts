@@ -3,6 +3,7 @@
 
 import type { WorkbookModel } from '../model/WorkbookModel';
 import { aggregateClues } from './aggregates';
+import { blankClues } from './blanks';
 import { brokenClues } from './broken';
 import { circleClues, errorClues } from './causes';
 import { Evidence } from './Evidence';
@@ -21,6 +22,7 @@ import { runTimeClues } from './runTime';
 import { sequenceClues } from './sequences';
 import { signClues } from './signs';
 import { formSurroundingClues, surroundingClues } from './surroundings';
+import { textClues } from './texts';
 import { textNumberClues } from './textNumbers';
 
 const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)[] = [
@@ -33,6 +35,8 @@ const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)
   mixedClues,
   aggregateClues,
   textNumberClues,
+  blankClues,
+  textClues,
   rangeClues,
   brokenClues,
   nameClues,

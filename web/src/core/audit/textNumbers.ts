@@ -5,7 +5,7 @@ import { count } from '../format/words';
 import { directUsers } from '../model/Index';
 import { Kind } from '../model/SheetCells';
 import { rangesOf, type Range } from './aggregates';
-import { address, cell, type Evidence } from './Evidence';
+import { addCell, address, cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import type { SheetGrid } from './SheetGrid';
 
@@ -50,7 +50,7 @@ export function* textNumberClues(evidence: Evidence): Generator<undefined, Clue[
         if (!by) continue;
         const key = [by.sheet, by.row, by.col, areaAddress(by.area)].join();
         const group = groups.get(key);
-        if (group) addTo(group.areas, row, col);
+        if (group) addCell(group.areas, row, col);
         else groups.set(key, { by, areas: [cell(row, col)], text: textAt(grid, row, col) });
       }
     }
@@ -61,13 +61,6 @@ export function* textNumberClues(evidence: Evidence): Generator<undefined, Clue[
 
 function textAt(grid: SheetGrid, row: number, col: number): string {
   return String(grid.cells.valueAt(row, col).value);
-}
-
-/** Below the last of them, a cell makes it longer. */
-function addTo(areas: Area[], row: number, col: number): void {
-  const last = areas.at(-1);
-  if (last?.left === col && last.right === col && last.bottom === row - 1) last.bottom = row;
-  else areas.push(cell(row, col));
 }
 
 /** The first formula that passes the cell over among numbers. */

@@ -16,6 +16,8 @@ const names: Record<Kind, string> = {
   'left-out': 'Range stops short',
   'own-total': 'Takes in its own total',
   'text-number': 'Number kept as text',
+  empty: 'Calculates with a blank cell',
+  text: 'Calculates with a text',
   unequal: 'Ranges of unequal length',
   sliding: 'Table slides when filled',
   label: 'Takes a row of another name',

@@ -29,7 +29,7 @@ describe('surroundings found elsewhere', () => {
   });
 
   it('finds the sheet of which one cell differs from its copies', () => {
-    const sheet = (formula: string): Written => ({ ...block(1, formula) });
+    const sheet = (formula: string): Written => ({ ...block(1, formula), 'D1:D2': 2 });
     const found = findingsOf({
       North: sheet('=B2*$D$2'),
       South: sheet('=B2*$D$2'),
