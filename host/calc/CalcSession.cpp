@@ -42,10 +42,10 @@ CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds 
       names_(connection_.context()),
       scratch_(connection_.context(), workbooks_),
       changes_(connection_.context()),
-      shown_(connection_.context()),
+      shown_(connection_.context(), owner_),
       traces_(traces),
       limits_(limits != nullptr ? *limits : noLimits_),
-      keeper_(office, std::move(keeperLost)) {}
+      keeper_(office, owner_, std::move(keeperLost)) {}
 
 Workbook& CalcSession::workbook(const std::string& book) {
   if (ScratchWorkbook* const scratch = scratch_.find(book)) return scratch->workbook();
@@ -73,7 +73,7 @@ SheetConditions& CalcSession::conditions(const SheetRef& sheet, bool adding) {
   if (kept) return *conditions_;
   takeTurn(book, adding);
   if (conditions_) earlier_.push_back(std::move(conditions_));
-  conditions_ = std::make_unique<SheetConditions>(changes_, book, sheet.sheet, limits_);
+  conditions_ = std::make_unique<SheetConditions>(changes_, owner_, book, sheet.sheet, limits_);
   return *conditions_;
 }
 

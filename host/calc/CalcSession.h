@@ -114,6 +114,7 @@ class CalcSession {
   void redrawMarks(const SheetRef& sheet);
 
   OfficeConnection connection_;  // first: it outlives the references below
+  const Owner owner_ = Owner::ofThisProcess();
   const css::uno::Reference<css::frame::XDesktop2> desktop_;
   CalcWorkbooks workbooks_;
   CalcEvaluator evaluator_;

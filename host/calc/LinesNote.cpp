@@ -61,7 +61,8 @@ void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines
 }
 
 // Until none is found: one whose object has lost its shape is not removed at once.
-std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook) {
+std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook,
+                                 const ShownLines& shown) {
   constexpr int mostTries = 10;
   std::vector<TakenNote> taken;
   bool found = true;
@@ -71,7 +72,7 @@ std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook
       const Page page = drawPageIfAny(sheet);
       if (!page.is()) continue;
       for (const NamedShape& shape : namedShapes(page)) {
-        if (!isNote(shape)) continue;
+        if (!isNote(shape) || shown.isAnothers(idIn(shape.name))) continue;
         found = true;
         changes.remove(workbook, page, shape.shape);
         const bool isKnown = std::any_of(taken.begin(), taken.end(), [&](const TakenNote& each) {

@@ -26,8 +26,9 @@ struct TakenNote {
   css::uno::Reference<css::drawing::XDrawPage> page;
   std::string name;
 };
-// Takes all notes off the workbook's sheets.
-std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook);
+// Takes the notes off the workbook's sheets, but for those that another owner takes care of.
+std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook,
+                                 const ShownLines& shown);
 void putBack(QuietChanges& changes, const Workbook& workbook, const TakenNote& note);
 
 }  // namespace quorin::host::calc

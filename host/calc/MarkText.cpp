@@ -132,7 +132,8 @@ std::string markName(const NumberedMark& numbered) {
             " book=" + fieldText(mark.asked->sheet.book);
   }
   return markId(numbered.number) + ": fill=" + fillText(mark.fill) +
-         " cells=" + addressText(mark.areas) + asked + " formula=" + mark.formula;
+         " cells=" + addressText(mark.areas) + asked +
+         (mark.owner.empty() ? "" : " owner=" + mark.owner) + " formula=" + mark.formula;
 }
 
 std::optional<NumberedMark> parseMarkName(std::string_view name) {
@@ -147,10 +148,12 @@ std::optional<NumberedMark> parseMarkName(std::string_view name) {
   const auto cells = takeField(text, "cells=");
   const auto areas = cells ? parseA1(*cells) : std::nullopt;
   auto asked = takeAsked(text);
+  const auto owner = takeField(text, "owner=");
   constexpr std::string_view label = "formula=";
   if (!areas || !text.starts_with(label)) return std::nullopt;
   return NumberedMark{*number,
-                      {std::string(text.substr(label.size())), color, *areas, std::move(asked)}};
+                      {std::string(text.substr(label.size())), color, *areas, std::move(asked),
+                       std::string(owner.value_or(""))}};
 }
 
 std::vector<std::vector<Area>> drawnAreas(const std::vector<Mark>& marks) {

@@ -29,6 +29,7 @@ struct Mark {
   std::optional<Color> fill;  // none yet: nothing is drawn
   std::vector<Area> areas;    // where it is now
   std::optional<AskedPlace> asked = std::nullopt;
+  std::string owner = {};  // whose it is; empty when nobody knows
   bool operator==(const Mark&) const = default;
 };
 
@@ -44,8 +45,8 @@ std::string markId(int number);
 std::optional<int> parseMarkId(std::string_view id);
 
 // "Quorin mark 7: fill=255,0,255 cells=$B$2,$C$3:$D$9 asked=$B$1 sheet=Data book=Plan%20A.xlsx
-// formula==1=1", in one line; "fill=none" for none, and without what is not known of what was
-// asked. What was not written so is nothing.
+// owner=71-9034-1 formula==1=1", in one line; "fill=none" for none, and without what is not known
+// of what was asked and of its owner. What was not written so is nothing.
 std::string markName(const NumberedMark& mark);
 std::optional<NumberedMark> parseMarkName(std::string_view name);
 

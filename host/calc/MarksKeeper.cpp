@@ -48,8 +48,9 @@ std::optional<std::filesystem::path> marksKeeperProgram(const std::filesystem::p
   return std::nullopt;
 }
 
-MarksKeeper::MarksKeeper(OfficeAddress office, std::function<void()> lost)
+MarksKeeper::MarksKeeper(OfficeAddress office, Owner owner, std::function<void()> lost)
     : office_(std::move(office)),
+      owner_(std::move(owner)),
       lost_(std::move(lost)),
       interrupted_(::eventfd(0, EFD_CLOEXEC)),
       watchEnds_(::eventfd(0, EFD_CLOEXEC)) {}
@@ -84,9 +85,10 @@ void MarksKeeper::start() {
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     throw SpreadsheetError(noKeeper, "The marks keeper cannot be started: no socket");
   }
-  std::array<std::string, 3> words{program->string(), office_.pipe,
-                                   std::to_string(office_.process)};
-  std::array<char*, 4> command{words[0].data(), words[1].data(), words[2].data(), nullptr};
+  std::array<std::string, 4> words{program->string(), office_.pipe, std::to_string(office_.process),
+                                   owner_.text()};
+  std::array<char*, 5> command{words[0].data(), words[1].data(), words[2].data(), words[3].data(),
+                               nullptr};
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_adddup2(&files, ends[1], STDIN_FILENO);

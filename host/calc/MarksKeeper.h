@@ -19,13 +19,15 @@
 #include <thread>
 
 #include "host/calc/OfficeSource.h"
+#include "host/calc/Owner.h"
 
 namespace quorin::host::calc {
 
 class MarksKeeper {
  public:
-  // `lost` is told on another thread when a keeper has ended that was not told to.
-  explicit MarksKeeper(OfficeAddress office, std::function<void()> lost = {});
+  // For what is that owner's. `lost` is told on another thread when a keeper has ended that was not
+  // told to.
+  MarksKeeper(OfficeAddress office, Owner owner, std::function<void()> lost = {});
   // Returns when the keeper has taken every mark back, or after a moment when the office is busy:
   // the keeper then goes on alone.
   ~MarksKeeper();
@@ -60,6 +62,7 @@ class MarksKeeper {
   bool readAnswer();  // false when the keeper is gone
 
   const OfficeAddress office_;
+  const Owner owner_;
   const std::function<void()> lost_;
   int interrupted_ = -1;  // an eventfd
   int socket_ = -1;

@@ -37,10 +37,17 @@ std::vector<std::string> splitAtNulls(const std::string& text) {
   return parts;
 }
 
-bool isStopped(pid_t process) {
+// The words of the process's status from its state on; empty for no process.
+std::istringstream statusOf(pid_t process) {
   const std::string status = contentsOf("/proc/" + std::to_string(process) + "/stat");
   const std::size_t name = status.rfind(')');  // the name before it may hold anything
-  return name != std::string::npos && name + 2 < status.size() && status[name + 2] == 'T';
+  return std::istringstream(name == std::string::npos ? "" : status.substr(name + 1));
+}
+
+bool isStopped(pid_t process) {
+  std::string state;
+  statusOf(process) >> state;
+  return state == "T";
 }
 
 }  // namespace
@@ -120,6 +127,17 @@ bool waitWhileStopped(pid_t process, std::chrono::milliseconds patience) {
     std::this_thread::sleep_for(pause);
   }
   return true;
+}
+
+unsigned long long startOf(pid_t process) {
+  constexpr int wordsBetween = 18;
+  std::istringstream status = statusOf(process);
+  std::string word;
+  if (!(status >> word) || word == "Z" || word == "X") return 0;
+  for (int i = 0; i < wordsBetween; ++i) status >> word;
+  unsigned long long start = 0;
+  status >> start;
+  return start;
 }
 
 }  // namespace quorin::host::calc

@@ -1,4 +1,5 @@
-// What /proc tells about LibreOffice's processes, at once and without asking them. Any thread.
+// What /proc tells about LibreOffice's processes and our own, at once and without asking them. Any
+// thread.
 #pragma once
 
 #include <chrono>
@@ -34,5 +35,9 @@ std::vector<OfficeProcess> officeProcesses(const std::filesystem::path& proc = "
 
 // Waits while the process is stopped by a signal. False when it still is after `patience`.
 bool waitWhileStopped(pid_t process, std::chrono::milliseconds patience);
+
+// When the process started, in the system's own count, which tells it from a later one of its
+// number. 0 when there is none, or when it has ended and its parent has not asked for that yet.
+unsigned long long startOf(pid_t process);
 
 }  // namespace quorin::host::calc

@@ -25,9 +25,11 @@ int firstNumber() {
 
 }  // namespace
 
-SheetConditions::SheetConditions(QuietChanges& changes, const Workbook& workbook,
-                                 const std::string& sheet, const CallLimits& limits)
+SheetConditions::SheetConditions(QuietChanges& changes, const Owner& owner,
+                                 const Workbook& workbook, const std::string& sheet,
+                                 const CallLimits& limits)
     : changes_(changes),
+      owner_(owner),
       workbook_(workbook),
       name_(sheet),
       sheet_(sheetOf(workbook, sheet)),
@@ -71,6 +73,7 @@ void SheetConditions::change(const std::string& id, Edit edit) {
   const std::size_t place = placeOf(id);
   std::vector<PlacedMark> wanted = marks_;
   edit(wanted[place].mark);
+  wanted[place].mark.owner = owner_.text();
   draw(std::move(wanted));
 }
 
@@ -81,7 +84,8 @@ std::string SheetConditions::add(const std::vector<Area>& range, const std::stri
   if (range.empty()) throw SpreadsheetError(-50, "The range has no cells");
   const int number = marks_.empty() ? firstNumber() : marks_.back().number + 1;
   std::vector<PlacedMark> wanted = marks_;
-  wanted.push_back({{number, {formula, std::nullopt, range, AskedPlace{place(), range}}}, {}});
+  wanted.push_back(
+      {{number, {formula, std::nullopt, range, AskedPlace{place(), range}, owner_.text()}}, {}});
   draw(std::move(wanted));
   return markId(number);
 }

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "host/calc/MarkShape.h"
+#include "host/calc/Owner.h"
 #include "host/calc/QuietChanges.h"
 #include "host/calc/UserRules.h"
 
@@ -19,9 +20,9 @@ namespace quorin::host::calc {
 class SheetConditions {
  public:
   // -1728 when the workbook has no such sheet, -1712 when the limits are reached among its shapes.
-  // `changes` outlives it.
-  SheetConditions(QuietChanges& changes, const Workbook& workbook, const std::string& sheet,
-                  const CallLimits& limits);
+  // What it adds and changes is that owner's from then on. `changes` and `owner` outlive it.
+  SheetConditions(QuietChanges& changes, const Owner& owner, const Workbook& workbook,
+                  const std::string& sheet, const CallLimits& limits);
 
   const Workbook& workbook() const { return workbook_; }
   const std::string& sheet() const { return name_; }
@@ -53,6 +54,7 @@ class SheetConditions {
   void redraw(PlacedMark& mark, const std::vector<Area>& drawn);
 
   QuietChanges& changes_;
+  const Owner& owner_;
   const Workbook workbook_;
   const std::string name_;
   const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;

@@ -52,6 +52,7 @@ struct Line {
   std::array<int, 2> besides{-1, -1};  // places among the others' cells, or none
 };
 struct Kept {
+  std::string owner;
   SheetRef sheet;
   Lines kind = Lines::rows;
   Page page;
@@ -91,7 +92,8 @@ Any written(const Kept& kept) {
                     line.filter, line.besides[0], line.besides[1]});
     cells.push_back(line.cells);
   }
-  const std::vector<rtl::OUString> names{toUno(kept.sheet.book), toUno(kept.sheet.sheet)};
+  const std::vector<rtl::OUString> names{toUno(kept.sheet.book), toUno(kept.sheet.sheet),
+                                         toUno(kept.owner)};
   std::vector<rtl::OUString> filters;
   for (const std::string& filter : kept.filters) filters.push_back(toUno(filter));
   return Any(sequenceOf<Any>({Any(sequenceOf(names)), Any(kept.kind == Lines::rows), Any(kept.page),
@@ -111,11 +113,12 @@ std::optional<Kept> keptIn(const Any& value) {
   const bool whole = (parts[namesPart] >>= names) && (parts[rowsPart] >>= rows) &&
                      (parts[numbersPart] >>= numbers) && (parts[cellsPart] >>= cells) &&
                      (parts[besidesPart] >>= besides) && (parts[filtersPart] >>= filters) &&
-                     names.getLength() == 2 &&
+                     names.getLength() == 3 &&
                      numbers.getLength() == cells.getLength() * fieldCount;
   if (!whole) return std::nullopt;
   parts[pagePart] >>= kept.page;
   kept.sheet = {toText(names[0]), toText(names[1])};
+  kept.owner = toText(names[2]);
   kept.kind = rows ? Lines::rows : Lines::columns;
   kept.besides.assign(besides.begin(), besides.end());
   for (const rtl::OUString& filter : filters) kept.filters.push_back(toText(filter));
@@ -238,8 +241,8 @@ int placeOf(const std::string& text, std::vector<std::string>& texts) {
 
 }  // namespace
 
-ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context)
-    : memory_(context, css::uno::UNO_QUERY) {}
+ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context, Owner owner)
+    : memory_(context, css::uno::UNO_QUERY), owner_(std::move(owner)) {}
 
 void ShownLines::replace(const std::string& key, const Any& value) const {
   try {
@@ -258,7 +261,7 @@ std::string ShownLines::remember(const Workbook& workbook, const SheetRef& sheet
   const CellsOfLines cells(itself, kind);
   std::optional<SheetFilters> filters;
   if (kind == Lines::rows && !numbers.empty()) filters.emplace(workbook, itself);
-  Kept kept{sheet, kind, drawPageOf(itself), {}, {}, {}};
+  Kept kept{owner_.text(), sheet, kind, drawPageOf(itself), {}, {}, {}};
   std::vector<int> sorted = numbers;
   std::sort(sorted.begin(), sorted.end());
   for (auto first = sorted.begin(); first != sorted.end();) {
@@ -342,6 +345,7 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
   for (const Line& line : kept->lines) {
     Entry& entry = found.emplace_back();
     entry.key = key;
+    entry.owner = kept->owner;
     entry.asked = {kept->sheet, kept->kind, line.number};
     entry.state = line.state;
     entry.isFiltered = line.isFiltered;
@@ -373,6 +377,19 @@ ShownLines::Entries ShownLines::owed(const Workbook& workbook) const {
   for (const std::string& key : keysWith(memory_, prefixOf(workbook))) read(workbook, key, found);
   std::erase_if(found, [](const Entry& each) { return each.state != State::owed; });
   return found;
+}
+
+void ShownLines::leaveToOthers(Entries& entries) const {
+  std::erase_if(entries, [this](const Entry& each) { return !owner_.caresFor(each.owner); });
+}
+
+bool ShownLines::isAnothers(const std::string& id) const {
+  for (const std::string& key : keysWith(memory_, memoryPrefix)) {
+    if (idOf(key) != id) continue;
+    const auto kept = keptIn(memory_->getByName(toUno(key)));
+    return kept && !owner_.caresFor(kept->owner);
+  }
+  return false;
 }
 
 std::string ShownLines::idOf(const std::string& key) {

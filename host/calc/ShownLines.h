@@ -20,6 +20,7 @@
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/LineStates.h"
+#include "host/calc/Owner.h"
 
 namespace quorin::host::calc {
 
@@ -34,7 +35,8 @@ struct AskedLine {
 
 class ShownLines {
  public:
-  explicit ShownLines(const css::uno::Reference<css::uno::XComponentContext>& context);
+  // What is remembered is that owner's.
+  ShownLines(const css::uno::Reference<css::uno::XComponentContext>& context, Owner owner);
 
   struct Place {
     css::uno::Reference<css::sheet::XSpreadsheet> sheet;
@@ -51,8 +53,9 @@ class ShownLines {
   };
   // What is remembered of one line.
   struct Entry {
-    std::string key;  // of those that were shown together with it
-    AskedLine asked;  // different for each of them
+    std::string key;    // of those that were shown together with it
+    std::string owner;  // whose it is
+    AskedLine asked;    // different for each of them
     State state = State::hidden;
     std::optional<Place> place;   // none when it is deleted, its sheet is, or it stays over
     bool isFiltered = false;      // a filter hid it
@@ -66,6 +69,8 @@ class ShownLines {
   // Everything that is remembered of the workbook, but for what is owed, and that.
   Entries entries(const Workbook& workbook) const;
   Entries owed(const Workbook& workbook) const;
+  // Those that the owner does not take care of are left out.
+  void leaveToOthers(Entries& entries) const;
   // Of lines that had these names in a workbook that was closed since. Its file has them hidden,
   // but for those that are over, so what is visible of them in a workbook of that name is the
   // user's.
@@ -79,6 +84,7 @@ class ShownLines {
     std::vector<int> numbers;  // where the lines are there now that are not over
   };
   static std::string idOf(const std::string& key);
+  bool isAnothers(const std::string& id) const;  // the owner does not take care of it
   std::optional<Noted> noted(const std::string& id) const;
   bool isEmpty() const;  // nothing is remembered of any workbook
 
@@ -100,6 +106,7 @@ class ShownLines {
   void read(const Workbook& workbook, const std::string& key, Entries& found) const;
 
   const css::uno::Reference<css::container::XNameContainer> memory_;  // or none
+  const Owner owner_;
 };
 
 }  // namespace quorin::host::calc

@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 #include <signal.h>
+#include <utility>
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
@@ -19,6 +20,8 @@
 #include "kit/value/Marshal.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
+#include "tests/fakes/Eventually.h"
+#include "tests/fakes/Files.h"
 #include "tests/fakes/TemporaryFolder.h"
 #include "tests/kit/crash/Harness.h"
 
@@ -158,6 +161,13 @@ class CalcCrash : public testing::Test {
     return calc_->hidden(on(sheet, lines), which) == true;
   }
 
+  std::ptrdiff_t notesOn(const std::string& sheet) {
+    const auto shapes = hands_->shapes(book, sheet);
+    return std::count_if(shapes.begin(), shapes.end(), [](const std::string& name) {
+      return name.starts_with("Quorin shown lines ");
+    });
+  }
+
   void expectAllRecorded() {
     for (const char* const sheet : {"One", "Two", "Home"}) {
       std::vector<Area> known;
@@ -191,6 +201,18 @@ class CalcCrash : public testing::Test {
     EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
     EXPECT_FALSE(std::filesystem::exists(folder_ / "shown-lines.json"));
     EXPECT_EQ(calc_->formatConditions(on("One", "B2")).size(), 1U);
+  }
+
+  // The processes of the keepers at this office.
+  std::vector<pid_t> keepers() const {
+    std::vector<pid_t> found;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      const std::string command = readFile(entry.path() / "cmdline");
+      if (command.find("quorin-marks-keeper") != std::string::npos &&
+          command.find(address_.pipe) != std::string::npos)
+        found.push_back(std::atoi(entry.path().filename().c_str()));
+    }
+    return found;
   }
 
   bool isModified() { return hands_->stateOf(book).find("modified: 1") != std::string::npos; }
@@ -260,6 +282,47 @@ TEST_F(CalcCrash, TakesEverythingBackWhereverTheProcessDies) {
   EXPECT_GE(visited, all ? places.size() * 9 / 10 : few - 1);
   RecordProperty("points", static_cast<int>(whole.points.size()));
   RecordProperty("visited", static_cast<int>(visited));
+}
+
+// The keeper of a process that died in its turn waits for that one's last call. What the next
+// process marks and shows in that time stays, and goes with its own request.
+TEST_F(CalcCrash, LeavesToTheNextProcessWhatIsItsWhileTheKeeperOfTheDeadOneWaits) {
+  for (const char* const last : {"setConditionFill", "setHidden"}) {
+    SCOPED_TRACE(last);
+    begin();
+    // In the middle of it, when the turn has been taken for it.
+    const auto isInCall = [last](const Points& points) {
+      const auto call = std::find_if_not(points.rbegin(), points.rend(), isMessage);
+      return call != points.rend() && *call == last && call - points.rbegin() == 12;
+    };
+    ASSERT_TRUE(run(everything(), {.kills = isInCall}).killed);
+    const std::vector<pid_t> waiting = keepers();
+    EXPECT_FALSE(waiting.empty());
+    bool visited = false;
+    const auto look = [&](const Points& points) {
+      const bool isDone = points.back() != "message" && std::find(points.begin(), points.end() - 1,
+                                                                  "scrollTo") < points.end() - 1;
+      if (!isDone || std::exchange(visited, true)) return false;
+      hands_->save(book);  // which takes both out and puts them back
+      EXPECT_TRUE(eventually([&] {
+        const std::vector<pid_t> now = keepers();
+        return std::none_of(now.begin(), now.end(), [&](pid_t each) {
+          return std::find(waiting.begin(), waiting.end(), each) != waiting.end();
+        });
+      }));
+      EXPECT_TRUE(marksOn("One").empty());
+      EXPECT_EQ(marksOn("Two").size(), 1U);
+      EXPECT_TRUE(areHidden("One", "6:7"));
+      EXPECT_EQ(calc_->hidden(on("Two", "E:E"), Lines::columns), false);
+      EXPECT_EQ(notesOn("Two"), 1);
+      expectAllRecorded();
+      return false;
+    };
+    run({{"restoreStranded"}, mark({"Two!A1"}), reveal("Two!E90"), {"clearMarks"}},
+        {.kills = look});
+    EXPECT_TRUE(visited);
+    expectNothingLeft();
+  }
 }
 
 // Saved while marks are on and rows are shown, and then the office dies as well.

@@ -22,6 +22,17 @@ TEST(MarkText, WritesWhatWasAskedFor) {
             "book=50%25%20of%20it.xlsx formula==\"QXZ\"=\"QXZ\"");
 }
 
+TEST(MarkText, WritesItsOwner) {
+  Mark mark = moved();
+  mark.owner = "71-9034-1";
+  EXPECT_EQ(markName({7, mark}),
+            "Quorin mark 7: fill=255,0,128 cells=$B$4 asked=$B$2 sheet=Q%201%20book=x%2520 "
+            "book=50%25%20of%20it.xlsx owner=71-9034-1 formula==\"QXZ\"=\"QXZ\"");
+  EXPECT_EQ(parseMarkName(markName({7, mark})), (NumberedMark{7, mark}));
+  mark.asked.reset();
+  EXPECT_EQ(parseMarkName(markName({7, mark})), (NumberedMark{7, mark}));
+}
+
 TEST(MarkText, WritesItsIdFillCellsAndFormula) {
   EXPECT_EQ(markId(12), "Quorin mark 12");
   EXPECT_EQ(markName({7, markOf("B2,C3:D9")}),

@@ -42,8 +42,8 @@ Workbook workbookNamed(const OfficeConnection& office, const std::string& book) 
   throw std::runtime_error("no workbook " + book);
 }
 
-void mark(MarksKeeper& keeper, QuietChanges& changes, const Workbook& workbook, int number,
-          const std::string& sheet, const std::string& cells) {
+void mark(MarksKeeper& keeper, const Owner& owner, QuietChanges& changes, const Workbook& workbook,
+          int number, const std::string& sheet, const std::string& cells) {
   rtl::OUString uid;
   Reference<css::beans::XPropertySet>(workbook.model, UNO_QUERY_THROW)
       ->getPropertyValue("RuntimeUID") >>= uid;
@@ -52,7 +52,8 @@ void mark(MarksKeeper& keeper, QuietChanges& changes, const Workbook& workbook, 
   const auto place = sheetOf(workbook, sheet);
   const std::vector<Area> areas = parseA1(cells).value();
   const AskedPlace asked{{workbook.name, sheet}, areas};
-  shape = makeMarkShape(workbook.model, {number, {"=1=1", Color{255, 0, 255}, areas, asked}},
+  shape = makeMarkShape(workbook.model,
+                        {number, {"=1=1", Color{255, 0, 255}, areas, asked, owner.text()}},
                         outlinesOf(place, areas));
   changes.add(workbook, drawPageOf(place), shape);
 }
@@ -61,12 +62,13 @@ void serve(const OfficeAddress& address, const std::string& book) {
   const OfficeConnection office(address, std::chrono::seconds(60));
   const Workbook workbook = workbookNamed(office, book);
   QuietChanges changes(office.context());
-  MarksKeeper keeper(address);
+  const Owner owner = Owner::ofThisProcess();
+  MarksKeeper keeper(address, owner);
   int number = 0;
   std::cout << "ready" << std::endl;
   for (std::string sheet, cells; std::cin >> sheet >> cells;) {
     try {
-      mark(keeper, changes, workbook, ++number, sheet, cells);
+      mark(keeper, owner, changes, workbook, ++number, sheet, cells);
       std::cout << keeper.process() << std::endl;
     } catch (const std::exception& failure) {
       std::cout << failure.what() << std::endl;

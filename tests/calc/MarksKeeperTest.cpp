@@ -369,6 +369,26 @@ TEST_F(Marked, GoWhenTheirOwnerEnds) {
   EXPECT_TRUE(keeperEnds());
 }
 
+// A program that asks the office that another works in.
+TEST_F(Marked, AreTheirOwnersAloneWhereThereAreTwo) {
+  const pid_t first = mark("Data", "B2,C5:D6");
+  ChildProgram other(
+      {QUORIN_MARKING_CLIENT, office->open().pipe, std::to_string(office->open().process), name});
+  EXPECT_EQ(other.readLine(), "ready");
+  EXPECT_NE(std::atoi(other.ask("Other A1").c_str()), first);
+  const Marks both{"Data!$B$2,$C$5:$D$6", "Other!$A$1"};
+  sheets->insertRows("Data", 1, 1);
+  sheets->insertRows("Other", 1, 1);
+  EXPECT_TRUE(comesTo({"Data!$B$3,$C$6:$D$7", "Other!$A$2"}));
+  sheets->undo();
+  sheets->undo();
+  EXPECT_TRUE(comesTo(both));
+  workAndSave(*sheets, folder / "Copy.xlsx");
+  EXPECT_TRUE(comesTo({"Data!$B$2,$C$6:$D$7", "Other!$A$1"}));
+  EXPECT_EQ(other.finish(), 0);
+  EXPECT_EQ(sheets->marks(), (Marks{"Data!$B$2,$C$6:$D$7"}));
+}
+
 TEST_F(Marked, OutliveTheirKeeper) {
   const pid_t first = mark("Data", "B2,C5:D6");
   ::kill(first, SIGKILL);

@@ -21,13 +21,14 @@ std::optional<Workbook> asWorkbook(const Reference<css::uno::XInterface>& docume
   return workbook;
 }
 
-std::vector<MarkedSheet> findMarks(const Workbook& workbook) {
+std::vector<MarkedSheet> findMarks(const Owner& owner, const Workbook& workbook) {
   std::vector<MarkedSheet> found;
   const std::vector<Reference<css::sheet::XSpreadsheet>> sheets = sheetsOf(workbook);
   for (std::size_t i = 0; i < sheets.size(); ++i) {
     const auto page = drawPageIfAny(sheets[i]);
     if (!page.is()) continue;
     std::vector<PlacedMark> marks = readMarks(page);
+    std::erase_if(marks, [&](const auto& each) { return !owner.caresFor(each.mark.owner); });
     if (!marks.empty())
       found.push_back({static_cast<sal_Int32>(i), sheets[i], page, std::move(marks)});
   }
@@ -59,13 +60,13 @@ void takeMark(QuietChanges& changes, const Workbook& workbook, const MarkedSheet
 
 }  // namespace
 
-void takeMarks(QuietChanges& changes, const Workbook& workbook,
+void takeMarks(const Owner& owner, QuietChanges& changes, const Workbook& workbook,
                std::vector<TakenMark>& taken) noexcept {
   bool found = true;
   for (int tries = 0; found && tries < mostTries; ++tries) {
     try {
       found = false;
-      for (const MarkedSheet& sheet : findMarks(workbook)) {
+      for (const MarkedSheet& sheet : findMarks(owner, workbook)) {
         found = true;
         for (const PlacedMark& mark : sheet.marks) takeMark(changes, workbook, sheet, mark, taken);
       }
@@ -83,9 +84,9 @@ Reference<css::drawing::XShape> putBack(QuietChanges& changes, const Workbook& w
   return shape;
 }
 
-void removeMarks(QuietChanges& changes, const Workbook& workbook) {
+void removeMarks(const Owner& owner, QuietChanges& changes, const Workbook& workbook) {
   for (int tries = 0; tries < mostTries; ++tries) {
-    const std::vector<MarkedSheet> sheets = findMarks(workbook);
+    const std::vector<MarkedSheet> sheets = findMarks(owner, workbook);
     if (sheets.empty()) return;
     for (const MarkedSheet& sheet : sheets) {
       for (const PlacedMark& mark : sheet.marks) changes.remove(workbook, sheet.page, mark.shape);

@@ -13,6 +13,7 @@
 
 #include "host/calc/CalcWorkbooks.h"
 #include "host/calc/MarkShape.h"
+#include "host/calc/Owner.h"
 #include "host/calc/QuietChanges.h"
 
 namespace quorin::host::calc {
@@ -27,7 +28,8 @@ struct MarkedSheet {
   css::uno::Reference<css::drawing::XDrawPage> page;
   std::vector<PlacedMark> marks;
 };
-std::vector<MarkedSheet> findMarks(const Workbook& workbook);
+// Only marks that the owner takes care of.
+std::vector<MarkedSheet> findMarks(const Owner& owner, const Workbook& workbook);
 
 // What it takes to make a mark again as it was.
 struct TakenMark {
@@ -38,12 +40,12 @@ struct TakenMark {
 
 // Throws nothing: what fails on the way is left out, for a mark that cannot be put back must still
 // be gone.
-void takeMarks(QuietChanges& changes, const Workbook& workbook,
+void takeMarks(const Owner& owner, QuietChanges& changes, const Workbook& workbook,
                std::vector<TakenMark>& taken) noexcept;
 css::uno::Reference<css::drawing::XShape> putBack(QuietChanges& changes, const Workbook& workbook,
                                                   const TakenMark& mark);
 
 // Takes them out for good.
-void removeMarks(QuietChanges& changes, const Workbook& workbook);
+void removeMarks(const Owner& owner, QuietChanges& changes, const Workbook& workbook);
 
 }  // namespace quorin::host::calc

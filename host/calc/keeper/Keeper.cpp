@@ -67,15 +67,16 @@ void Wake::clear() const {
   [[maybe_unused]] const auto got = ::read(descriptor_, &count, sizeof count);
 }
 
-Keeper::Keeper(const OfficeAddress& office, int owner)
-    : owner_(owner),
+Keeper::Keeper(const OfficeAddress& office, Owner owner, int socket)
+    : owner_(std::move(owner)),
+      socket_(socket),
       office_(static_cast<int>(::syscall(SYS_pidfd_open, office.process, 0))),
       connection_(office, firstAnswer),
       events_(css::frame::theGlobalEventBroadcaster::get(connection_.context()), UNO_QUERY_THROW),
       changes_(connection_.context()),
-      shown_(connection_.context()),
+      shown_(connection_.context(), owner_),
       hook_(new SaveHook(
-          changes_, shown_, [this] { wake_(); },
+          owner_, changes_, shown_, [this] { wake_(); },
           [this] {
             opened_ = true;
             wake_();
@@ -97,7 +98,7 @@ Keeper::~Keeper() {
 void Keeper::run() {
   answer();
   for (;;) {
-    std::array<pollfd, 3> watched{pollfd{owner_, POLLIN, 0}, pollfd{wake_.descriptor(), POLLIN, 0},
+    std::array<pollfd, 3> watched{pollfd{socket_, POLLIN, 0}, pollfd{wake_.descriptor(), POLLIN, 0},
                                   pollfd{office_, POLLIN, 0}};
     if (::poll(watched.data(), watched.size(), patience()) < 0) continue;
     if (watched[2].revents != 0 || !connection_.isAlive()) return;
@@ -161,12 +162,12 @@ void Keeper::lookAtLines() {
 }
 
 void Keeper::answer() const {
-  [[maybe_unused]] const auto sent = ::send(owner_, "+", 1, MSG_NOSIGNAL);
+  [[maybe_unused]] const auto sent = ::send(socket_, "+", 1, MSG_NOSIGNAL);
 }
 
 bool Keeper::readOwner() {
   std::array<char, 256> bytes{};
-  const ssize_t count = ::recv(owner_, bytes.data(), bytes.size(), 0);
+  const ssize_t count = ::recv(socket_, bytes.data(), bytes.size(), 0);
   if (count < 0 && errno == EINTR) return true;
   if (count <= 0) return false;
   received_.append(bytes.data(), static_cast<std::size_t>(count));
@@ -219,7 +220,8 @@ void Keeper::watch(const std::string& uid) {
   try {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       if (workbook.uid != uid) continue;
-      followers_.emplace_back(uid, workbook, changes_, *hook_, [this] { wake_(); }).tieNew();
+      followers_.emplace_back(uid, owner_, workbook, changes_, *hook_, [this] { wake_(); })
+          .tieNew();
     }
   } catch (const css::uno::Exception&) {
     // The owner will notice by itself that the workbook or the office is gone.
@@ -235,7 +237,7 @@ void Keeper::watchNew() {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       if (!workbook.model->getCurrentController().is()) continue;  // a hidden one of the owner's
       if (followerOf(workbook.uid) != nullptr) continue;
-      followers_.emplace_back(workbook.uid, workbook, changes_, *hook_, [this] { wake_(); })
+      followers_.emplace_back(workbook.uid, owner_, workbook, changes_, *hook_, [this] { wake_(); })
           .tieWithNextLook();
     }
   } catch (const css::uno::Exception&) {
@@ -260,25 +262,16 @@ void Keeper::removeAll() {
 }
 
 // The records that are left ask for these lines again: then there is nothing to do any more, or the
-// user has shown them himself since. Only lines that were shown when the owner went: what is shown
-// from then on is another's, who may have been started in the meantime.
+// user has shown them himself since.
 void Keeper::hideLines(const Workbook& workbook) {
   const auto all = shown_.entries(workbook);
-  auto owed = shown_.owed(workbook);
-  const bool isFirst = !left_.contains(workbook.uid);
-  std::set<std::string>& left = left_[workbook.uid];
-  if (isFirst) {
-    for (const auto& each : all) left.insert(each.key);
-    for (const auto& each : owed) left.insert(each.key);
-  }
-  const auto isAnothers = [&left](const auto& each) { return !left.contains(each.key); };
-  auto entries = all;
-  std::erase_if(entries, isAnothers);
-  std::erase_if(owed, isAnothers);
+  auto entries = all, owed = shown_.owed(workbook);
+  shown_.leaveToOthers(entries);
+  shown_.leaveToOthers(owed);
   hideShownLines(changes_, workbook, entries, all);
   shown_.set(entries, ShownLines::State::over);
   shown_.forget(owed);
-  takeNotes(changes_, workbook);
+  takeNotes(changes_, workbook, shown_);
 }
 
 // False when it may be worth another try.
@@ -287,7 +280,7 @@ bool Keeper::removeOnce() {
   try {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       try {
-        removeMarks(changes_, workbook);
+        removeMarks(owner_, changes_, workbook);
         hideLines(workbook);
       } catch (const css::uno::Exception&) {
         done = false;  // it may have been closed: then the next try does not find it

@@ -5,9 +5,7 @@
 #include <chrono>
 #include <com/sun/star/document/XDocumentEventBroadcaster.hpp>
 #include <list>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "host/calc/OfficeConnection.h"
@@ -33,15 +31,15 @@ class Wake {
 
 class Keeper {
  public:
-  // Speaks with its owner over the socket `owner`. Throws SpreadsheetError when the office cannot
-  // be reached.
-  Keeper(const OfficeAddress& office, int owner);
+  // Of that owner, with which it speaks over the socket. Throws SpreadsheetError when the office
+  // cannot be reached.
+  Keeper(const OfficeAddress& office, Owner owner, int socket);
   ~Keeper();
   Keeper(const Keeper&) = delete;
   Keeper& operator=(const Keeper&) = delete;
 
-  // Returns when the owner or the office is gone, with every mark taken back and every shown line
-  // hidden in the first case.
+  // Returns when the owner or the office is gone, with every mark of the owner's taken back and
+  // every line that it has shown hidden in the first case.
   void run();
 
  private:
@@ -62,7 +60,8 @@ class Keeper {
   bool removeOnce();
   void hideLines(const Workbook& workbook);
 
-  const int owner_, office_;
+  const Owner owner_;
+  const int socket_, office_;
   const Wake wake_;
   OfficeConnection connection_;
   css::uno::Reference<css::document::XDocumentEventBroadcaster> events_;
@@ -76,7 +75,6 @@ class Keeper {
   std::string turn_;  // the workbook that the owner's turn is in
   bool ownersTurn_ = false;
   Clock::time_point notBefore_;
-  std::map<std::string, std::set<std::string>> left_;  // keys of shown lines, by workbook
 };
 
 }  // namespace quorin::host::calc

@@ -53,9 +53,11 @@ class MarkFollower::News : public cppu::WeakImplHelper1<css::util::XModifyListen
   const std::function<void()> changed_;
 };
 
-MarkFollower::MarkFollower(std::string uid, Workbook workbook, QuietChanges& changes,
-                           const SaveHook& hook, const std::function<void()>& changed)
+MarkFollower::MarkFollower(std::string uid, const Owner& owner, Workbook workbook,
+                           QuietChanges& changes, const SaveHook& hook,
+                           const std::function<void()>& changed)
     : uid_(std::move(uid)),
+      owner_(owner),
       workbook_(std::move(workbook)),
       changes_(changes),
       hook_(hook),
@@ -162,7 +164,7 @@ bool MarkFollower::isOpen() const {
 bool MarkFollower::survey(std::vector<MarkedSheet>& sheets) {
   news_->isNew = false;
   const std::optional<int> turn = hook_.turn();
-  if (turn) sheets = findMarks(workbook_);
+  if (turn) sheets = findMarks(owner_, workbook_);
   for (Followed& mark : followed_) {
     const auto addresses = mark.cells->getRangeAddresses();
     mark.sheet = addresses.hasElements() ? addresses[0].Sheet : -1;

@@ -23,8 +23,8 @@ namespace quorin::host::calc {
 class MarkFollower {
  public:
   // `changed` is told on any thread that there is something to look at.
-  MarkFollower(std::string uid, Workbook workbook, QuietChanges& changes, const SaveHook& hook,
-               const std::function<void()>& changed);
+  MarkFollower(std::string uid, const Owner& owner, Workbook workbook, QuietChanges& changes,
+               const SaveHook& hook, const std::function<void()>& changed);
   ~MarkFollower();
   MarkFollower(const MarkFollower&) = delete;
   MarkFollower& operator=(const MarkFollower&) = delete;
@@ -88,6 +88,7 @@ class MarkFollower {
             const std::vector<Area>& areas);
 
   const std::string uid_;
+  const Owner& owner_;
   const Workbook workbook_;
   QuietChanges& changes_;
   const SaveHook& hook_;

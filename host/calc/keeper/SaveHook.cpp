@@ -57,11 +57,12 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
     ++turn_;
   }
   std::vector<TakenMark> marks;
-  takeMarks(changes_, *workbook, marks);
+  takeMarks(owner_, changes_, *workbook, marks);
   std::vector<HiddenLines> lines;
   ShownLines::Entries shown;
   try {
     shown = shown_.entries(*workbook);
+    shown_.leaveToOthers(shown);
     std::erase_if(shown, [](const auto& each) { return each.isOver(); });
     shown_.set(shown, State::hidden);
     HiddenAgain again = hideShownLines(changes_, *workbook, shown, shown);
@@ -72,7 +73,7 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
   }
   std::vector<TakenNote> notes;
   try {
-    notes = takeNotes(changes_, *workbook);
+    notes = takeNotes(changes_, *workbook, shown_);
   } catch (const css::uno::Exception&) {
     // The same. A note is never seen.
   }

@@ -23,9 +23,13 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
  public:
   // On any thread `over` is told when marks that were taken out are back, and `opened` when a
   // document has been loaded or has got a window.
-  SaveHook(QuietChanges& changes, const ShownLines& shown, std::function<void()> over,
-           std::function<void()> opened)
-      : changes_(changes), shown_(shown), over_(std::move(over)), opened_(std::move(opened)) {}
+  SaveHook(const Owner& owner, QuietChanges& changes, const ShownLines& shown,
+           std::function<void()> over, std::function<void()> opened)
+      : owner_(owner),
+        changes_(changes),
+        shown_(shown),
+        over_(std::move(over)),
+        opened_(std::move(opened)) {}
 
   // From now on nothing is put back. Waits for a callback that is doing so, hence never to be
   // called in one.
@@ -54,6 +58,7 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
   void showAgain(const Saving& saving);
   void putBackInto(const css::uno::Reference<css::uno::XInterface>& document);
 
+  const Owner& owner_;
   QuietChanges& changes_;
   const ShownLines& shown_;
   const std::function<void()> over_, opened_;

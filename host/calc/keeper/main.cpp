@@ -1,6 +1,6 @@
-// quorin-marks-keeper PIPE PROCESS: keeps the marks in the office that listens at the pipe. Its
-// standard input is the socket of its owner, whose end means that all marks go. What MarksKeeper
-// starts.
+// quorin-marks-keeper PIPE PROCESS OWNER: keeps the marks and shown lines of that owner in the
+// office that listens at the pipe. Its standard input is the owner's socket, whose end means that
+// all of them go. What MarksKeeper starts.
 //
 // Two processes, of which the second does the work. The office waits for its answers, and would
 // wait for ever while somebody has it stopped; so the first one ends it when it stops, and ends
@@ -17,10 +17,11 @@
 namespace {
 
 using quorin::host::calc::Keeper;
+using quorin::host::calc::Owner;
 
-int keep(const char* pipe, int process) {
+int keep(const char* pipe, int process, const char* owner) {
   try {
-    Keeper keeper({process, pipe}, STDIN_FILENO);
+    Keeper keeper({process, pipe}, Owner(owner), STDIN_FILENO);
     keeper.run();
   } catch (const std::exception&) {
     return EXIT_FAILURE;
@@ -44,7 +45,7 @@ int guard(pid_t keeper) {
 
 int main(int count, char** arguments) {
   constexpr int badCall = 2;
-  if (count != 3) return badCall;
+  if (count != 4) return badCall;
   // Of the owner's files only the socket: one more held open would outlive whom it belongs to.
   ::close_range(STDERR_FILENO + 1, ~0U, 0);
   // When the session ends the owner ends too, and then there is work to do.
@@ -55,5 +56,5 @@ int main(int count, char** arguments) {
   if (second > 0) return guard(second);
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != first) return EXIT_FAILURE;
-  return keep(arguments[1], std::atoi(arguments[2]));
+  return keep(arguments[1], std::atoi(arguments[2]), arguments[3]);
 }
