@@ -239,5 +239,17 @@ TEST_F(ExcelThreadTiming, LetsTerminationWaitTwoSecondsForItsTurnAndNoLonger) {
   EXPECT_THAT(excel_.calls(), testing::SizeIs(2)) << "the call that was given up never runs";
 }
 
+TEST_F(ExcelThreadTiming, TakesTheWaitForItsTurnOffTerminationsTwoSeconds) {
+  Semaphore inside;
+  clock_.signalled(milliseconds(1500), [&] { inside.signal(); });
+  SerialQueue queue("caller");
+  queue.post([this] { EXPECT_EQ(outcome("qx_slow", 65), "late"); });
+  inside.wait();
+  clock_.signalledOutside(seconds(0), [this] { slowMayEnd_.signal(); });
+  EXPECT_EQ(terminateOutcome("qx_quick"), "quick");
+  EXPECT_THAT(waits(), ElementsAre(seconds(65), milliseconds(500)));
+  queue.flush();
+}
+
 }  // namespace
 }  // namespace quorin

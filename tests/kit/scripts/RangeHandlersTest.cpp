@@ -144,10 +144,26 @@ TEST_F(RangeHandlers, BindsAddressesOfOtherSheets) {
   EXPECT_EQ(run("qx_readrange", {"Prices"}), R"j([[[1.5],[2]],2,1,[["1.5"],["2"]],2])j");
 }
 
+// An Excel that does not bind "B2:Data!B3" on the sheet binds the whole of it.
+TEST_F(RangeHandlers, BindsAnAddressThatNamesItsSheetAtBothEnds) {
+  const std::string told = R"j([[[1.5],[2]],2,1,[["1.5"],["2"]],2])j";
+  const auto asks = [&] { return run("qx_readrange", {"Data!B2:Data!B3"}); };
+  excel_->forget();
+  EXPECT_EQ(asks(), told);
+  const int events = static_cast<int>(excel_->events().size());
+  int others = 0;
+  for (int number = 1; number <= events; ++number) {
+    excel_->forget();
+    excel_->failAt(number, {-1728, "Can't get range.", {}});
+    if (asks() == told) ++others;
+  }
+  EXPECT_EQ(others, 1);
+}
+
 // In brackets, and there alone, a quote escapes what follows it.
 TEST_F(RangeHandlers, TakesNoMarkInBracketsForTheEndOfASheet) {
-  EXPECT_THAT(run("qx_readrange", {"T[a']!b]"}),
-              testing::Not(testing::HasSubstr("sheet not found")));
+  for (const char* const column : {"T1[a!b]", "T[a']!b]"})
+    EXPECT_THAT(run("qx_readrange", {column}), testing::Not(testing::HasSubstr("sheet not found")));
   EXPECT_EQ(run("qx_readrange", {"O'!A1"}), "error -1728 sheet not found: O'");
 }
 

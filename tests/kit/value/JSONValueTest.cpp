@@ -116,6 +116,10 @@ TEST(JSONValue, ComparesKeysOfSeveralSpellingsAlikeFromEitherSide) {
   const JSONValue signAndLetter = Object{{"\u212B", 1}, {"\u00C5", 2}};
   const JSONValue letterAndRing = Object{{"\u00C5", 2}, {"A\u030A", 1}};
   EXPECT_EQ(signAndLetter == letterAndRing, letterAndRing == signAndLetter);
+  // Every value counts, not that of one spelling alone.
+  const JSONValue firstDiffers = Object{{"\u00C5", 1}, {"A\u030A", 3}};
+  EXPECT_FALSE(signAndLetter == firstDiffers);
+  EXPECT_FALSE(firstDiffers == signAndLetter);
 }
 
 TEST(JSONValue, FindsMembersOfObjectsOnly) {

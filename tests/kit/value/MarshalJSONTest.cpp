@@ -151,6 +151,7 @@ TEST(MarshalEncode, WritesUpTo17DigitsOfAnIntegralNumberWithoutExponent) {
   EXPECT_EQ(Marshal::encode(1e16), "10000000000000000");
   EXPECT_EQ(Marshal::encode(9007199254740993.0), "9007199254740992");
   EXPECT_EQ(Marshal::encode(99999999999999984.0), "99999999999999984");
+  EXPECT_EQ(Marshal::encode(1e17), "1e+17");
 }
 
 TEST(MarshalEncode, WritesEqualZerosAlike) {
