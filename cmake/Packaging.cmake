@@ -16,6 +16,7 @@ foreach(page quorin.1 quorinctl.1)
 endforeach()
 add_custom_target(quorin_man ALL DEPENDS ${packed_pages})
 install(FILES ${packed_pages} DESTINATION share/man/man1)
+install(FILES packaging/completions/quorinctl DESTINATION share/bash-completion/completions)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quorin)

@@ -18,6 +18,7 @@ FILES = {
     "usr/bin/quorinctl",
     "usr/libexec/quorin/quorin-marks-keeper",
     "usr/share/applications/quorin.desktop",
+    "usr/share/bash-completion/completions/quorinctl",
     "usr/share/icons/hicolor/scalable/apps/quorin.svg",
     "usr/share/icons/hicolor/symbolic/apps/quorin-symbolic.svg",
     "usr/share/man/man1/quorin.1.gz",

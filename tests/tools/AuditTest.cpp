@@ -62,6 +62,38 @@ class QuorinctlAudit : public Quorinctl {
     EXPECT_TRUE(json) << text;
     return json.value.value_or(nullptr);
   }
+  static std::vector<std::string> linesOf(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+  }
+  // Of a list of lines.
+  JSONValue reportOn(const std::string& name, const std::string& list) const {
+    for (const std::string& line : linesOf(list)) {
+      JSONValue report = parsed(line);
+      if (member(report, "file") == JSONValue((folder_ / name).string())) return report;
+    }
+    ADD_FAILURE() << name << " is not in\n" << list;
+    return nullptr;
+  }
+  // The offices that there are, once there are so many.
+  std::vector<pid_t> officesOnce(std::size_t count) const {
+    for (;;) {
+      std::vector<pid_t> offices;
+      for (const pid_t process : processesWith((folder_ / "tmp").string()))
+        if (programOf(process) == "soffice.bin") offices.push_back(process);
+      if (offices.size() >= count) return offices;
+      ::usleep(10'000);
+    }
+  }
+  std::vector<pid_t> workers() const {
+    std::vector<pid_t> ours;
+    const std::vector<pid_t> of = processesWith(folder_.path().string());
+    for (const pid_t process : processesWith("audit-workbook"))
+      if (std::find(of.begin(), of.end(), process) != of.end()) ours.push_back(process);
+    return ours;
+  }
   static JSONValue firstFinding(const JSONValue& report) {
     const auto* const findings = member(report, "findings").array();
     if (findings && !findings->empty()) return findings->front();
@@ -103,14 +135,11 @@ TEST_F(QuorinctlAudit, GoesOnAfterFilesThatItCannotRead) {
   std::ofstream(folder_ / "books" / "~$b.xlsx") << "the file of whoever has it open";
   const Run told = run({folder_ / "books", folder_ / "gone.xlsx", "--format", "jsonl"});
   EXPECT_EQ(told.status, 2);
-  std::istringstream lines(told.output);
-  std::vector<JSONValue> reports;
-  for (std::string line; std::getline(lines, line);) reports.push_back(parsed(line));
-  ASSERT_EQ(reports.size(), 3U) << told.output;
-  EXPECT_EQ(member(reports[0], "file"), JSONValue(folder_ / "books" / "a.xlsx"));
-  EXPECT_TRUE(member(reports[0], "error").string());
-  EXPECT_EQ(member(firstFinding(reports[1]), "cells"), JSONValue(JSONValue::Array{"C7"}));
-  EXPECT_TRUE(member(reports[2], "error").string());
+  ASSERT_EQ(linesOf(told.output).size(), 3U) << told.output;
+  EXPECT_TRUE(member(reportOn("books/a.xlsx", told.output), "error").string());
+  EXPECT_TRUE(member(reportOn("gone.xlsx", told.output), "error").string());
+  EXPECT_EQ(member(firstFinding(reportOn("books/b.xlsx", told.output)), "cells"),
+            JSONValue(JSONValue::Array{"C7"}));
   EXPECT_THAT(told.errors, HasSubstr("gone.xlsx: no such workbook"));
 }
 
@@ -126,6 +155,110 @@ TEST_F(QuorinctlAudit, WritesTheListWholeOrLeavesTheFileAsItWas) {
   const Run barred = run({odd, "--output", folder_ / "nowhere" / "list.txt"});
   EXPECT_EQ(barred.status, 2);
   EXPECT_THAT(barred.errors, HasSubstr("list.txt cannot be written"));
+}
+
+TEST_F(QuorinctlAudit, ReadsAsManyWorkbooksAtATimeAsItIsTold) {
+  const auto tool = start({"audit", oddWorkbook("1.xlsx"), oddWorkbook("2.xlsx"),
+                           oddWorkbook("3.xlsx"), "--jobs", "2", "--format", "jsonl"});
+  const pid_t held = officesOnce(2).front();
+  ::kill(held, SIGSTOP);
+  EXPECT_EQ(workers().size(), 2U);
+  // One stands still, the others come by.
+  std::string list;
+  for (int i = 0; i < 2; ++i) list += tool->readLine().value_or("nothing came") + "\n";
+  ::kill(held, SIGCONT);
+  list += tool->readLine().value_or("nothing came") + "\n";
+  EXPECT_EQ(tool->wait(), 0) << tool->errors();
+  for (const char* name : {"1.xlsx", "2.xlsx", "3.xlsx"})
+    EXPECT_EQ(member(firstFinding(reportOn(name, list)), "cells"),
+              JSONValue(JSONValue::Array{"C7"}));
+  expectNothingLeft();
+}
+
+TEST_F(QuorinctlAudit, TellsTheWorkbooksInTheirOrderButForLinesOfJson) {
+  std::ofstream(folder_ / "b.xlsx") << "no workbook, which is told sooner";
+  const Run told = run({oddWorkbook("a.xlsx"), folder_ / "b.xlsx", "--jobs", "2"});
+  EXPECT_EQ(told.status, 2);
+  EXPECT_LT(told.output.find("a.xlsx: "), told.output.find("b.xlsx: could not be audited"));
+}
+
+TEST_F(QuorinctlAudit, LosesOneWorkbookWithAnOfficeThatDies) {
+  const auto tool = start(
+      {"audit", oddWorkbook("1.xlsx"), oddWorkbook("2.xlsx"), "--jobs", "1", "--format", "jsonl"});
+  ::kill(officesOnce(1).front(), SIGKILL);
+  std::string list;
+  while (const auto line = tool->readLine()) list += *line + "\n";
+  EXPECT_EQ(tool->wait(), 2);
+  EXPECT_TRUE(member(reportOn("1.xlsx", list), "error").string());
+  EXPECT_EQ(member(firstFinding(reportOn("2.xlsx", list)), "cells"),
+            JSONValue(JSONValue::Array{"C7"}));
+  expectNothingLeft();
+}
+
+TEST_F(QuorinctlAudit, GivesUpAWorkbookWhoseOfficeHangs) {
+  const auto tool = start({"audit", oddWorkbook("1.xlsx"), oddWorkbook("2.xlsx"), "--jobs", "1",
+                           "--give-up", "20", "--format", "jsonl"});
+  ::kill(officesOnce(1).front(), SIGSTOP);
+  std::string list;
+  while (const auto line = tool->readLine()) list += *line + "\n";
+  EXPECT_EQ(tool->wait(), 2);
+  EXPECT_EQ(member(reportOn("1.xlsx", list), "error"),
+            JSONValue("given up: nothing was heard of it for 20 seconds"));
+  EXPECT_EQ(member(firstFinding(reportOn("2.xlsx", list)), "cells"),
+            JSONValue(JSONValue::Array{"C7"}));
+  expectNothingLeft();
+}
+
+TEST_F(QuorinctlAudit, GoesOnWithTheListThatItBegan) {
+  oddWorkbook("books/kept.xlsx");
+  const std::string changed = oddWorkbook("books/changed.xlsx");
+  std::ofstream(folder_ / "books" / "mended.xlsx") << "no workbook yet";
+  const path list = folder_ / "list.jsonl";
+  const std::vector<std::string> command{folder_ / "books", "--format",  "jsonl", "--output", list,
+                                         "--resume",        "--fail-on", "style"};
+  EXPECT_EQ(run(command).status, 2);
+  const std::string first = readFile(list);
+  EXPECT_EQ(linesOf(first).size(), 3U);
+  // A mark that only a report that was kept still has, and a line that was cut off.
+  const auto marked = [&](const std::string& name) {
+    JSONValue report = reportOn(name, first);
+    (*report.object())["mark"] = "kept";
+    return report;
+  };
+  {
+    std::ofstream before(list);
+    for (const char* name : {"books/kept.xlsx", "books/changed.xlsx", "books/mended.xlsx"})
+      before << Marshal::encode(marked(name)) << "\n";
+    before << R"({"file": ")";
+  }
+  std::filesystem::last_write_time(
+      changed, std::filesystem::last_write_time(changed) + std::chrono::seconds(2));
+  oddWorkbook("books/mended.xlsx");
+  oddWorkbook("books/new.xlsx");
+  const Run again = run(command);
+  EXPECT_EQ(again.status, 1) << again.errors;
+  EXPECT_EQ(again.output, "");
+  const std::string second = readFile(list);
+  EXPECT_EQ(linesOf(second).size(), 4U) << second;
+  EXPECT_EQ(reportOn("books/kept.xlsx", second), marked("books/kept.xlsx"));
+  for (const char* name : {"books/changed.xlsx", "books/mended.xlsx", "books/new.xlsx"}) {
+    const JSONValue report = reportOn(name, second);
+    EXPECT_EQ(report.member("mark"), nullptr) << name;
+    EXPECT_EQ(member(firstFinding(report), "rank"), JSONValue(1)) << name;
+  }
+
+  EXPECT_EQ(run(command).status, 1);
+  EXPECT_EQ(readFile(list), second);
+}
+
+TEST_F(QuorinctlAudit, EndsItsWorkersWhenItIsKilled) {
+  const auto tool = start({"audit", oddWorkbook("1.xlsx"), oddWorkbook("2.xlsx"), "--jobs", "2"});
+  officesOnce(2);
+  EXPECT_EQ(workers().size(), 2U);
+  tool->signal(SIGKILL);
+  EXPECT_EQ(tool->wait(), 128 + SIGKILL);
+  EXPECT_TRUE(waitUntilEnded(processesWith(folder_.path().string())));
+  EXPECT_THAT(namesIn(folder_ / "tmp"), testing::IsEmpty());
 }
 
 TEST_F(QuorinctlAudit, TidiesUpWhenASignalEndsIt) {

@@ -36,9 +36,20 @@ TEST(CommandLine, Audits) {
   whole.output = "out.sarif";
   whole.top = 7;
   whole.failOn = "doubt";
-  EXPECT_EQ(parseCommandLine({"audit", "a.xlsx", "--format", "sarif", "--output", "out.sarif",
-                              "--top", "7", "--fail-on", "doubt"}),
-            Command(whole));
+  whole.jobs = 3;
+  whole.giveUp = 60;
+  EXPECT_EQ(
+      parseCommandLine({"audit", "a.xlsx", "--format", "sarif", "--output", "out.sarif", "--top",
+                        "7", "--fail-on", "doubt", "--jobs", "3", "--give-up", "60"}),
+      Command(whole));
+  AuditCommand goingOn;
+  goingOn.files = {"a.xlsx"};
+  goingOn.format = "jsonl";
+  goingOn.output = "out.jsonl";
+  goingOn.resume = true;
+  EXPECT_EQ(parseCommandLine(
+                {"audit", "a.xlsx", "--format", "jsonl", "--output", "out.jsonl", "--resume"}),
+            Command(goingOn));
   AuditCommand page;
   page.files = {"a.xlsx"};
   page.format = "html";
@@ -60,14 +71,26 @@ TEST(CommandLine, TellsItsVersionWithStatusZero) {
 }
 
 TEST(CommandLine, RefusesBadCallsInOneLine) {
-  for (const Arguments& arguments :
-       {Arguments{"--workbook"}, Arguments{"--attach", "--workbook", "a.xlsx"},
-        Arguments{"--attach", "--data", "/tmp/d"}, Arguments{"--nonsense"}, Arguments{"a.xlsx"},
-        Arguments{"two\nlines"}, Arguments{"lint"}, Arguments{"lint", "a", "b"},
-        Arguments{"--timing", "lint", "a"}, Arguments{"--data"}, Arguments{"audit"},
-        Arguments{"audit", "a.xlsx", "--format", "pdf"}, Arguments{"audit", "a.xlsx", "--top", "0"},
-        Arguments{"audit", "a.xlsx", "--fail-on", "high"},
-        Arguments{"--workbook", "b.xlsx", "audit", "a.xlsx"}}) {
+  for (const Arguments& arguments : {Arguments{"--workbook"},
+                                     Arguments{"--attach", "--workbook", "a.xlsx"},
+                                     Arguments{"--attach", "--data", "/tmp/d"},
+                                     Arguments{"--nonsense"},
+                                     Arguments{"a.xlsx"},
+                                     Arguments{"two\nlines"},
+                                     Arguments{"lint"},
+                                     Arguments{"lint", "a", "b"},
+                                     Arguments{"--timing", "lint", "a"},
+                                     Arguments{"--data"},
+                                     Arguments{"audit"},
+                                     Arguments{"audit", "a.xlsx", "--format", "pdf"},
+                                     Arguments{"audit", "a.xlsx", "--top", "0"},
+                                     Arguments{"audit", "a.xlsx", "--fail-on", "high"},
+                                     Arguments{"audit", "a", "--jobs", "0"},
+                                     Arguments{"audit", "a", "--give-up", "0"},
+                                     Arguments{"audit", "a", "--resume"},
+                                     Arguments{"audit", "a", "--resume", "--format", "jsonl"},
+                                     Arguments{"audit", "a", "--resume", "--output", "b"},
+                                     Arguments{"--workbook", "b.xlsx", "audit", "a.xlsx"}}) {
     const Command command = parseCommandLine(arguments);
     ASSERT_TRUE(std::holds_alternative<Notice>(command)) << testing::PrintToString(arguments);
     const Notice& notice = std::get<Notice>(command);

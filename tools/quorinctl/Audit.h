@@ -1,4 +1,4 @@
-// Audit: `quorinctl audit`, which reads workbooks whole in private offices, one after the other,
+// Audit: `quorinctl audit`, which reads workbooks whole in private offices, some side by side,
 // and writes what is odd in them.
 #pragma once
 

@@ -77,6 +77,13 @@ void AuditScript::keepSmall() {
   ::setenv("JSC_forceRAMSize", bytes, 0);
 }
 
+std::filesystem::path AuditScript::installed() {
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const auto built = folder / "resources" / "audit.js";
+  if (std::filesystem::exists(built)) return built;
+  return folder.parent_path() / "share" / "quorin" / "audit.js";
+}
+
 AuditScript::AuditScript(const std::filesystem::path& file, Host host)
     : engine_(std::make_unique<Engine>(std::move(host))) {
   std::ifstream stream(file, std::ios::binary);

@@ -32,6 +32,10 @@ class AuditScript {
   // machine's memory; told of little, it collects sooner, at hardly any cost.
   static void keepSmall();
 
+  // The script's file: beside a program that was built and not installed, or under the prefix that
+  // it was installed to.
+  static std::filesystem::path installed();
+
   // Throws Error when the file cannot be read.
   AuditScript(const std::filesystem::path& file, Host host);
   ~AuditScript();

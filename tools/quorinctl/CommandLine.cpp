@@ -54,6 +54,25 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       auditCommand
           ->add_option("--fail-on", level, "End with 1 for findings of this level or a graver one")
           ->check(CLI::IsMember({"fact", "doubt", "style"}));
+  int jobs = 0;
+  CLI::Option* const jobsOption =
+      auditCommand
+          ->add_option("--jobs", jobs, "So many workbooks at a time; one a processor if not given")
+          ->check(CLI::Range(1, 256));
+  auditCommand
+      ->add_option("--give-up", audit.giveUp,
+                   "Give a workbook up after so many seconds without progress")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1, 86400))
+      ->capture_default_str();
+  auditCommand->add_flag(
+      "--resume", audit.resume,
+      "Go on with the list in the output, which is jsonl: what is in it and has not "
+      "changed since is not audited again");
+  AuditWorkbookCommand workbookAudit;
+  CLI::App* const workbookCommand = app.add_subcommand("audit-workbook", "")->group("");
+  workbookCommand->add_option("FILE", workbookAudit.file)->required();
+  workbookCommand->add_option("--top", workbookAudit.top);
 
   try {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
@@ -76,8 +95,12 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       return refusal("audit takes its own options only: see quorinctl audit --help");
     if (*outputOption) audit.output = output;
     if (*levelOption) audit.failOn = level;
+    if (*jobsOption) audit.jobs = jobs;
+    if (audit.resume && (audit.format != "jsonl" || !audit.output))
+      return refusal("--resume goes on with a list of lines: it needs --format jsonl and --output");
     return audit;
   }
+  if (workbookCommand->parsed()) return workbookAudit;
   if (*workbookOption) serve.workbook = workbook;
   if (*dataOption) serve.data = data;
   return serve;

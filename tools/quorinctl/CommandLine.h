@@ -24,14 +24,25 @@ struct LintCommand {
   bool operator==(const LintCommand&) const = default;
 };
 
-// quorinctl audit FILE... [--format FORMAT] [--output FILE] [--top N] [--fail-on LEVEL]
+// quorinctl audit FILE... [--format FORMAT] [--output FILE] [--top N] [--fail-on LEVEL] [--jobs N]
+//                         [--give-up SECONDS] [--resume]
 struct AuditCommand {
   std::vector<std::filesystem::path> files;  // workbooks, and folders of them
   std::string format = "text";               // text, json, jsonl, csv, html or sarif
   std::optional<std::filesystem::path> output;
   int top = 100;                      // so many findings of each workbook at most
   std::optional<std::string> failOn;  // fact, doubt or style
+  std::optional<int> jobs;  // so many workbooks at a time; as many as processors if absent
+  int giveUp = 600;         // seconds without a word from a workbook
+  bool resume = false;      // goes on with the output, which is jsonl
   bool operator==(const AuditCommand&) const = default;
+};
+
+// quorinctl audit-workbook FILE --top N, which `quorinctl audit` runs for each workbook.
+struct AuditWorkbookCommand {
+  std::filesystem::path file;
+  int top = 100;
+  bool operator==(const AuditWorkbookCommand&) const = default;
 };
 
 // Nothing to do but to say this: help on standard output with status 0, or one line on standard
@@ -42,7 +53,7 @@ struct Notice {
   bool operator==(const Notice&) const = default;
 };
 
-using Command = std::variant<ServeCommand, LintCommand, AuditCommand, Notice>;
+using Command = std::variant<ServeCommand, LintCommand, AuditCommand, AuditWorkbookCommand, Notice>;
 
 // Reads the arguments, without the program's own name.
 Command parseCommandLine(const std::vector<std::string>& arguments);

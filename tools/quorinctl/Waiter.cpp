@@ -38,11 +38,15 @@ Waiter::~Waiter() {
 }
 
 Waiter::Event Waiter::waitForInput() {
-  return wait(STDIN_FILENO, Event::input, std::nullopt);
+  return wait({STDIN_FILENO}, Event::input, std::nullopt);
+}
+
+Waiter::Event Waiter::waitForInput(const std::vector<int>& descriptors, Limit limit) {
+  return wait(descriptors, Event::input, limit);
 }
 
 Waiter::Event Waiter::waitForDone(Limit limit) {
-  const Event event = wait(done_, Event::done, limit);
+  const Event event = wait({done_}, Event::done, limit);
   if (event == Event::done) waitForDoneAlone();
   return event;
 }
@@ -67,7 +71,7 @@ std::string Waiter::readInput() {
   }
 }
 
-Waiter::Event Waiter::wait(int descriptor, Event event, Limit limit) {
+Waiter::Event Waiter::wait(const std::vector<int>& descriptors, Event event, Limit limit) {
   using std::chrono::milliseconds;
   if (signalNumber_ != 0) return Event::signal;
   for (;;) {
@@ -77,7 +81,8 @@ Waiter::Event Waiter::wait(int descriptor, Event event, Limit limit) {
       constexpr milliseconds most = std::chrono::hours(1);
       patience = static_cast<int>(std::clamp(left, milliseconds(0), most).count());
     }
-    std::array<pollfd, 2> watched{pollfd{signals_, POLLIN, 0}, pollfd{descriptor, POLLIN, 0}};
+    std::vector<pollfd> watched{pollfd{signals_, POLLIN, 0}};
+    for (const int descriptor : descriptors) watched.push_back({descriptor, POLLIN, 0});
     const int ready = poll(watched.data(), watched.size(), patience);
     if (ready < 0) {
       if (errno == EINTR) continue;
@@ -91,7 +96,7 @@ Waiter::Event Waiter::wait(int descriptor, Event event, Limit limit) {
         return Event::signal;
       }
     }
-    if (watched[1].revents != 0) return event;
+    if (ready > (watched[0].revents != 0 ? 1 : 0)) return event;
   }
 }
 

@@ -6,12 +6,14 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorin::ctl {
 
 class Waiter {
  public:
   enum class Event { input, done, signal, late };
+  using Limit = std::optional<std::chrono::steady_clock::time_point>;
 
   Waiter();  // throws std::system_error
   ~Waiter();
@@ -19,8 +21,9 @@ class Waiter {
   Waiter& operator=(const Waiter&) = delete;
 
   Event waitForInput();  // input (also its end), or a signal
+  // Input at one of the descriptors at least (also its end), a signal, or late.
+  Event waitForInput(const std::vector<int>& descriptors, Limit limit);
   // Done, or a signal, or late once the limit has passed.
-  using Limit = std::optional<std::chrono::steady_clock::time_point>;
   Event waitForDone(Limit limit = std::nullopt);
   void waitForDoneAlone();  // whatever signals come
 
@@ -34,7 +37,7 @@ class Waiter {
   int signalNumber() const { return signalNumber_; }
 
  private:
-  Event wait(int descriptor, Event event, Limit limit);
+  Event wait(const std::vector<int>& descriptors, Event event, Limit limit);
 
   int signals_ = -1;
   int done_ = -1;

@@ -7,6 +7,7 @@
 #include "tools/quorinctl/CommandLine.h"
 #include "tools/quorinctl/Lint.h"
 #include "tools/quorinctl/Serve.h"
+#include "tools/quorinctl/WorkerMain.h"
 
 int main(int argc, char** argv) {
   using namespace quorin::ctl;
@@ -17,5 +18,7 @@ int main(int argc, char** argv) {
   }
   if (const auto* const check = std::get_if<LintCommand>(&command)) return lint(check->file);
   if (const auto* const review = std::get_if<AuditCommand>(&command)) return audit(*review);
+  if (const auto* const one = std::get_if<AuditWorkbookCommand>(&command))
+    return auditWorkbook(*one);
   return serve(std::get<ServeCommand>(command));
 }
