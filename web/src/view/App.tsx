@@ -10,6 +10,7 @@ import type { SelectionState } from '../core/selection/state';
 import { CellView } from './CellView';
 import { Crumbs } from './Crumbs';
 import { FormulaPane } from './FormulaPane';
+import { MapView } from './map/MapView';
 import { Notice } from './Notice';
 import type { Page } from './page';
 import { PlaceListView } from './PlaceListView';
@@ -139,15 +140,7 @@ export function App(props: AppProps): JSX.Element {
                 </PlaceListView>
               </Show>
               <Show when={view() === 'map'}>
-                <PlaceListView
-                  page={props.page}
-                  list={props.page.explorer.lists.map}
-                  name="Map"
-                  heading={stop().place.book}
-                  under=""
-                  nothing="This workbook has no sheets."
-                  missing=""
-                />
+                <MapView page={props.page} book={stop().place.book} />
               </Show>
               <Show when={view() === 'review'}>
                 <ReviewView page={props.page} />

@@ -36,6 +36,31 @@ export function ChevronIcon(): JSX.Element {
   );
 }
 
+export function MinusIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="M3.5 8h9" />
+    </Icon>
+  );
+}
+
+export function PlusIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="M3.5 8h9M8 3.5v9" />
+    </Icon>
+  );
+}
+
+/** Corners around all there is. */
+export function WholeIcon(): JSX.Element {
+  return (
+    <Icon>
+      <path d="M2.5 6v-3.5h3.5M10 2.5h3.5v3.5M13.5 10v3.5h-3.5M6 13.5h-3.5v-3.5" />
+    </Icon>
+  );
+}
+
 /** A few cells with one of them chosen. */
 export function SheetPicture(): JSX.Element {
   return (

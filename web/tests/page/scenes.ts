@@ -41,6 +41,14 @@ const failing: Record<string, Answer> = {
 const openReview = (panel: FakePanel): Promise<void> =>
   panel.page.getByTestId('tab-review').click();
 
+/** The time of day is another one in each picture. */
+const fixTime = (panel: FakePanel): Promise<void> =>
+  panel.page.getByTestId('list-note').evaluate((note) => {
+    note.textContent = 'All sheets, as read at 10:42.';
+  });
+
+const openMap = (panel: FakePanel): Promise<void> => panel.page.getByTestId('tab-map').click();
+
 const allRefused = 'The number of arguments is not what this function takes.';
 
 export const scenes: Record<string, Scene> = {
@@ -234,10 +242,7 @@ export const scenes: Record<string, Scene> = {
         await panel.settled();
       }
       await panel.page.getByText('used 1×').first().waitFor();
-      // The time of day is another one in each picture.
-      await panel.page.getByTestId('list-note').evaluate((note) => {
-        note.textContent = 'All 3 sheets, as read at 10:42.';
-      });
+      await fixTime(panel);
     },
   },
   noDependents: {
@@ -265,10 +270,68 @@ export const scenes: Record<string, Scene> = {
     },
   },
   map: {
+    answers: {
+      ...odd,
+      readCell: cell({
+        formula: '=B2*2',
+        value: 80,
+        sheet: 'Prices',
+        addr: 'F2',
+        row: 2,
+        col: 6,
+        selection: '$F$2',
+      }),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await openMap(panel);
+      await panel.page.getByTestId('legend').getByText('Finding').waitFor();
+      for (const key of ['n', '+']) await panel.page.getByTestId('picture').press(key);
+      await fixTime(panel);
+    },
+  },
+  mapSheets: {
+    answers: park,
+    state: 'ready',
+    then: async (panel) => {
+      await openMap(panel);
+      await panel.page.getByTestId('mode-sheets').click();
+      await panel.page.getByText('takes from Inputs').waitFor();
+      await fixTime(panel);
+    },
+  },
+  mapReading: {
+    answers: { ...park, "readFormulas '[Solar park.xlsx]Summary'!A1:B5": undefined as never },
+    state: 'ready',
+    then: async (panel) => {
+      await openMap(panel);
+      await panel.page.getByText('So far 2 of 3 sheets.').waitFor();
+      await panel.page.getByTestId('map-sheet').selectOption('Summary');
+      await panel.shows('state', 'Waiting for LibreOffice Calc…');
+    },
+  },
+  mapAsking: {
+    answers: {
+      ...park,
+      workbookMap: success({
+        book: 'Solar park.xlsx',
+        sheets: [{ name: 'Cash flow', usedRange: '$A$1:$ZZ$60000' }],
+        sheetsTruncated: false,
+        names: [],
+      }),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await openMap(panel);
+      await panel.page.getByTestId('scan-go').waitFor();
+    },
+  },
+  mapList: {
     answers: model,
     state: 'ready',
     then: async (panel) => {
-      await panel.page.getByTestId('tab-map').click();
+      await openMap(panel);
+      await panel.page.getByTestId('mode-list').click();
       await panel.page.getByTestId('place').first().waitFor();
     },
   },

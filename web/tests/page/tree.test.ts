@@ -326,6 +326,8 @@ describe('the panel', () => {
   test('opens the view that a hot key names', async () => {
     const page = await open();
     await page.send('surface', { name: 'map', wasVisible: true, wasKey: false });
+    await page.page.getByTestId('picture').waitFor();
+    await page.page.getByTestId('mode-list').click();
     await page.shows('list-heading', 'Solar park.xlsx');
     await press('2');
     await page.shows('list-heading', 'Cells that use F12');

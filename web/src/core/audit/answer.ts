@@ -25,13 +25,20 @@ const printLimit = 2_000;
 export class Findings {
   private readonly known = new WeakMap<Index, Finding[]>();
 
-  *answer(model: WorkbookModel, from: number): Generator<undefined, FindingsAnswer> {
+  /** All of them, by rank. */
+  *of(model: WorkbookModel): Generator<undefined, readonly Finding[]> {
     const index = yield* model.index();
     let findings = this.known.get(index);
     if (!findings) {
       findings = yield* audit(model);
       this.known.set(index, findings);
     }
+    return findings;
+  }
+
+  *answer(model: WorkbookModel, from: number): Generator<undefined, FindingsAnswer> {
+    const findings = yield* this.of(model);
+    const index = yield* model.index();
     const told = Math.min(findings.length, findingsLimit);
     const rows: FindingRow[] = [];
     const shapes = new Shapes(model.formulas);

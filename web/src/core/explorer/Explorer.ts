@@ -8,6 +8,7 @@ import { addressLimit } from '../follow/SheetFollower';
 import { print } from '../formula/print';
 import type { Command } from '../keyboard/keys';
 import { TypeAhead } from '../keyboard/TypeAhead';
+import { Atlas, type MapMode } from '../map/Atlas';
 import type { Item } from '../outline/Item';
 import type { NativeEvent } from '../protocol/events';
 import { isScalar, type Json } from '../protocol/json';
@@ -37,6 +38,7 @@ export class Explorer {
   readonly evaluator: Evaluator;
   readonly lists: Lists;
   readonly review: Review;
+  readonly atlas: Atlas;
   private readonly labels: CellLabels | undefined;
   view: View = 'tree';
   pinned = false;
@@ -50,6 +52,7 @@ export class Explorer {
     this.evaluator = new Evaluator(ports.questions, this.cache, ports.changed);
     this.lists = new Lists(ports.questions, ports.changed, ports.scans);
     this.review = new Review(ports.changed, ports.scans, ports.reviews);
+    this.atlas = new Atlas(ports.changed, ports.scans);
     this.labels = ports.scans && new CellLabels(ports.scans, ports.changed);
     this.typing = new TypeAhead(ports.clock);
   }
@@ -63,6 +66,7 @@ export class Explorer {
   }
 
   get list(): PlaceView | undefined {
+    if (this.view === 'map' && this.atlas.mode !== 'list') return undefined;
     return this.view === 'review' ? this.review.list : this.lists.of(this.view);
   }
 
@@ -140,8 +144,22 @@ export class Explorer {
   private load(): void {
     const { here } = this;
     if (this.view === 'review' && here) this.review.look(here.place.book, !this.elsewhere);
+    if (this.view === 'map') this.loadMap();
+    if (this.view === 'map' && this.atlas.mode !== 'list') return;
     if (this.view === 'deps' && this.elsewhere) return;
     this.lists.load(this.view, this.listed, this.beside);
+  }
+
+  private loadMap(): void {
+    const { listed } = this;
+    const area = listed && parseArea(listed.addr);
+    if (area) this.atlas.look(listed.book, { sheet: listed.sheet, area }, !this.elsewhere);
+  }
+
+  /** One sheet's picture, all sheets, or the list. */
+  showMap(mode: MapMode): void {
+    this.atlas.mode = mode;
+    this.show('map');
   }
 
   /** The cells whose dependents are listed: those selected around the cell, or the cell alone. */
@@ -207,7 +225,7 @@ export class Explorer {
         return;
       default:
         if (this.list) this.inList(this.list, command);
-        else if (this.here?.tree) this.inTree(this.here, command);
+        else if (this.view === 'tree' && this.here?.tree) this.inTree(this.here, command);
         this.ports.changed();
     }
   }
@@ -370,6 +388,7 @@ export class Explorer {
   private step(direction: 1 | -1): void {
     const how = direction > 0 ? 'down' : 'up';
     if (this.list) this.list.move(how, pageRows);
+    else if (this.view === 'map') this.atlas.toBreak(direction);
     else this.here?.tree?.move(how);
     this.follow();
     this.ports.changed();
@@ -385,6 +404,7 @@ export class Explorer {
   destination() {
     const { here, list } = this;
     if (list) return list.active && placesOfRow(list.active, here?.place.sheet);
+    if (this.view === 'map') return this.atlas.destination;
     return here?.tree && destinationOf(here.tree.active, homeOf(here));
   }
 
@@ -393,7 +413,8 @@ export class Explorer {
     this.ports.follower.follow(() => (this.elsewhere ? undefined : destination()));
   }
 
-  private reveal(): void {
+  /** Marks and shows the active row's cells at once. */
+  reveal(): void {
     if (this.elsewhere) return;
     const destination = this.destination();
     if (!destination) this.said = 'This part names no cells.';

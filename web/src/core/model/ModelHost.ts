@@ -2,6 +2,7 @@
 // worker and on the page's own thread.
 
 import { Findings } from '../audit/answer';
+import { MapAnswers } from '../map/answer';
 import {
   dependentsAnswer,
   driversAnswer,
@@ -21,6 +22,7 @@ const booksLimit = 3;
 export class ModelHost {
   private readonly books = new Map<string, WorkbookModel>();
   private readonly findings = new Findings();
+  private readonly map = new MapAnswers(this.findings);
 
   /** Throws for a workbook that was never begun. */
   model(book: string): WorkbookModel {
@@ -74,6 +76,13 @@ export class ModelHost {
         return yield* this.findings.answer(model, question.args.from);
       case 'sketch':
         return yield* sketchesOf(model);
+      case 'mapSheets':
+      case 'mapFrame':
+      case 'mapTile':
+      case 'mapCell':
+      case 'mapTies':
+      case 'mapBreaks':
+        return yield* this.map.answer(model, question);
       case 'labels':
         return question.args.cells.map((cells) => {
           const place = model.place(cells);

@@ -3,6 +3,7 @@
 
 import type { Area } from '../address/area';
 import type { Finding } from '../audit/Finding';
+import type { MapQuestions } from '../map/told';
 import type { Grid, Scalar } from '../protocol/json';
 import type { NameEntry } from './Names';
 import type { SheetSketch } from './sketch';
@@ -108,7 +109,7 @@ export type Comparison = 'same' | 'differs' | 'unknown';
 /** Where a table's columns are; nothing where the spreadsheet does not know them. */
 export type TablePlace = { question: string; place: Cells | undefined };
 
-export type Questions = {
+export type Questions = MapQuestions & {
   /** A workbook to be read; what is known of it goes, unless it has the same sheets and names. */
   begin: { args: BookEntry; answer: null };
   /** A sheet is read from its beginning; what is known of it stays until it is read. */

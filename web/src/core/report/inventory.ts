@@ -107,7 +107,10 @@ function* unlabelledInputs(
   return result;
 }
 
-export function* inventoryOf(model: WorkbookModel): Generator<undefined, Inventory> {
+/** The sheets, and the workbooks that formulas and names lead to. */
+export function* sheetsAndLinks(
+  model: WorkbookModel,
+): Generator<undefined, Pick<Inventory, 'sheets' | 'links'>> {
   const index = yield* model.index();
   const sheets = index.sheets.map((cells, number): SheetInventory => {
     const one = { cells: 0, errors: 0 };
@@ -139,12 +142,18 @@ export function* inventoryOf(model: WorkbookModel): Generator<undefined, Invento
   }
   for (const [number, sheet] of sheets.entries())
     sheet.distinctFormulas = distinct[number]?.size ?? 0;
+  for (const { refersTo } of model.entry.names) links.add(refersTo, 0, '');
+  return { sheets, links: links.all };
+}
+
+export function* inventoryOf(model: WorkbookModel): Generator<undefined, Inventory> {
+  const index = yield* model.index();
   const { names } = model.entry;
-  for (const { refersTo } of names) links.add(refersTo, 0, '');
+  const { sheets, links } = yield* sheetsAndLinks(model);
   return {
     sheets,
     names: { all: names.length, listed: names.slice(0, mostNames) },
-    links: links.all,
+    links,
     unlabelled: yield* unlabelledInputs(model, index),
   };
 }

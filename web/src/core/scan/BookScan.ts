@@ -121,6 +121,11 @@ export class BookScan {
     return this.state.sheetsRead > 0;
   }
 
+  /** All sheets, in their order; empty before the workbook was looked at. */
+  get names(): readonly string[] {
+    return this.plan.map(({ name }) => name);
+  }
+
   /** Whether the sheet was read. */
   hasRead(sheet: string): boolean {
     return this.known.has(sheet);

@@ -250,6 +250,8 @@ describe('views', () => {
       'G12',
     ]);
     await press('1', '2', '3');
+    explorer.showMap('list');
+    await settled();
     expect(desk.asked.filter((text) => /dependents|Map/.test(text))).toEqual([
       "dependents 'Summary'!F12",
       'workbookMap',
