@@ -6,6 +6,7 @@ import { aggregateClues } from './aggregates';
 import { blankClues } from './blanks';
 import { brokenClues } from './broken';
 import { circleClues, errorClues } from './causes';
+import { endClues } from './ends';
 import { Evidence } from './Evidence';
 import type { Clue, Finding } from './Finding';
 import { insideClues } from './inside';
@@ -15,6 +16,7 @@ import { lookupClues } from './lookups';
 import { mixedClues } from './mixed';
 import { nameClues } from './names';
 import { neighbourClues } from './neighbours';
+import { partnerClues } from './partners';
 import { rangeClues } from './ranges';
 import { nestClues } from './nests';
 import { ranked } from './rank';
@@ -30,10 +32,12 @@ const detectors: readonly ((evidence: Evidence) => Generator<undefined, Clue[]>)
   surroundingClues,
   formSurroundingClues,
   sequenceClues,
+  partnerClues,
   kinClues,
   labelClues,
   mixedClues,
   aggregateClues,
+  endClues,
   textNumberClues,
   blankClues,
   textClues,
