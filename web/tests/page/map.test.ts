@@ -228,6 +228,19 @@ test('shows all sheets and what flows between them, and opens one', async () => 
   await panel.shows('map-heading', 'A1:B5 · 4 formulas (4 distinct) · 1 error');
 });
 
+test('tells the same as a list, with what was read of each sheet', async () => {
+  panel = await browser.open(park);
+  await map();
+  await panel.page.getByTestId('mode-list').click();
+  await panel.shows('list-heading', 'Solar park.xlsx');
+  const row = panel.page.getByTestId('place').filter({ hasText: 'Summary' });
+  await row.getByText('A1:B5 · 4 formulas · 1 error').waitFor();
+  for (const key of ['Home', 'ArrowDown', 'ArrowDown', 'ArrowDown', 'ArrowRight']) {
+    await panel.page.getByTestId('list').press(key);
+  }
+  await panel.page.getByTestId('place').filter({ hasText: 'Takes from Inputs' }).waitFor();
+});
+
 test('says why there is no picture', async () => {
   panel = await browser.open({
     ...park,

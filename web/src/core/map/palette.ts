@@ -53,7 +53,7 @@ export const palettes: Readonly<Record<Theme, Palette>> = {
     cells: [
       '#242629',
       '#484e59',
-      '#ffffff',
+      '#eef1f5',
       '#d54e11',
       '#008c8c',
       '#86ff2f',

@@ -4,6 +4,8 @@
 import { cellCount, parseArea, qualified } from '../address/area';
 import { readLimit } from '../evaluation/readPlan';
 import { count } from '../format/words';
+import { mapRows } from '../map/listRows';
+import type { SheetsTold } from '../map/told';
 import type { BookState, DependentsAnswer, ErrorsAnswer } from '../model/messages';
 import type { View } from '../explorer/view';
 import type { Outcome } from '../protocol/Outcome';
@@ -22,7 +24,7 @@ import {
   runTimeGroup,
   userGroups,
 } from './everywhere';
-import { mapRows, type PlaceRow } from './PlaceList';
+import type { PlaceRow } from './PlaceList';
 import { PlaceView } from './PlaceView';
 import type { Asked } from './rows';
 import { betweenGroup } from './ways';
@@ -80,6 +82,8 @@ export class Lists {
   readonly dependents: PlaceView;
   readonly map: PlaceView;
   private known: Known | undefined;
+  private workbook: WorkbookMap | undefined;
+  private told: SheetsTold | undefined;
 
   constructor(
     private readonly questions: ListQuestions,
@@ -97,7 +101,7 @@ export class Lists {
 
   /** `other`: cells that the listed ones are looked at together with. */
   load(view: View, cells: ListedCells | undefined, other?: ListedCells): void {
-    if (view === 'map') void this.map.load('map', () => this.questions.workbookMap(), mapRows);
+    if (view === 'map') void this.loadMap();
     if (view === 'deps' && cells) {
       this.scans?.of(cells.book).begin();
       void this.loadDependents(cells);
@@ -105,9 +109,24 @@ export class Lists {
     }
   }
 
+  /** What was read of the sheets by now. */
+  describe(told: SheetsTold | undefined): void {
+    const { workbook } = this;
+    if (told === this.told) return;
+    this.told = told;
+    if (workbook) this.map.refine('map', mapRows(workbook, told), '');
+  }
+
+  private async loadMap(): Promise<void> {
+    const ask = () => this.questions.workbookMap();
+    const workbook = await this.map.load('map', ask, (map) => mapRows(map, this.told));
+    if (workbook) this.workbook = workbook;
+  }
+
   /** The workbook may have changed. */
   forget(): void {
     this.map.forget();
+    this.workbook = undefined;
     this.dependents.forget();
     this.known = undefined;
   }

@@ -1,7 +1,16 @@
 // The map of the workbook: the picture of a sheet, all sheets with what flows between them, or the same
 // as a list. What tests of the panel read stands under "map-heading", "map-absent", "map-ties".
 
-import { createSignal, For, Match, onCleanup, Show, Switch, type JSX } from 'solid-js';
+import {
+  createEffect,
+  createSignal,
+  For,
+  Match,
+  onCleanup,
+  Show,
+  Switch,
+  type JSX,
+} from 'solid-js';
 
 import { oneLine, visibleText } from '../../core/format/visible';
 import type { MapMode } from '../../core/map/Atlas';
@@ -56,6 +65,9 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
       const state = atlas().scan?.state;
       return state ? coverageOf(state, false) : '';
     });
+  createEffect(() => {
+    if (mode() === 'list') explorer().lists.describe(look(() => atlas().told));
+  });
   return (
     <div class="places map">
       <div class="mapBar">
@@ -82,9 +94,12 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
           <PictureBar page={props.page} />
         </Show>
       </div>
-      <Show when={mode() !== 'list'}>
+      <div class="mapLine" classList={{ done: look(() => atlas().scan?.state.status === 'done') }}>
+        <p class="note mapFacts" data-testid="map-heading">
+          {mode() === 'picture' ? oneLine(facts()) : ''}
+        </p>
         <ScanBar page={props.page} scan={scan()} />
-      </Show>
+      </div>
       <Switch>
         <Match when={mode() === 'list'}>
           <PlaceListView
@@ -94,7 +109,7 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
             heading={props.book}
             under=""
             nothing="This workbook has no sheets."
-            missing=""
+            missing={coverage()}
           />
         </Match>
         <Match when={mode() === 'sheets'}>
@@ -104,9 +119,6 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
           </p>
         </Match>
         <Match when={mode() === 'picture'}>
-          <p class="note mapFacts" data-testid="map-heading">
-            {oneLine(facts())}
-          </p>
           <div class="pictureRoom">
             <PictureView
               page={props.page}

@@ -1,7 +1,8 @@
 import { describe, expect, test } from 'vitest';
 
 import { argumentSeparator } from '../../../src/core/workbook/conventions';
-import { mapRows, type PlaceRow } from '../../../src/core/workbook/PlaceList';
+import { mapRows } from '../../../src/core/map/listRows';
+import type { PlaceRow } from '../../../src/core/workbook/PlaceList';
 import { placeOf } from '../../../src/core/workbook/places';
 
 describe('a place', () => {
@@ -52,6 +53,64 @@ describe('lists', () => {
     ]);
     expect(rows[0]?.detail).toBe('2 sheets, used ranges of the first 50 only');
   });
+});
+
+test('tell of a sheet what was read of it', () => {
+  const data = {
+    name: 'Data',
+    area: 'A1:B9',
+    cells: 17,
+    inputs: 8,
+    formulas: 9,
+    distinctFormulas: 2,
+    errors: 1,
+    links: 3,
+  };
+  const rows = mapRows(
+    {
+      book: 'Model.xlsx',
+      sheets: [
+        { name: 'Data', usedRange: '$A$1:$C$9' },
+        { name: 'Late', usedRange: '$A$1:$C$7' },
+      ],
+      sheetsTruncated: false,
+      names: [],
+    },
+    {
+      sheets: [data],
+      flows: [
+        { from: 'Data', to: 'Late', cells: 4 },
+        { from: 'Late', to: 'Data', cells: 1 },
+      ],
+      links: [
+        { workbook: 'Prices.xlsx', formulas: 3, sheets: ['Data'] },
+        { workbook: 'Old.xlsx', formulas: 0, sheets: [] },
+      ],
+    },
+  );
+  const inner = (row: PlaceRow | undefined) => (row?.inner?.() ?? []) as PlaceRow[];
+  const say = ({ text, detail }: PlaceRow) => `${text}: ${detail}`;
+  const [sheets, , links] = rows;
+  expect(inner(sheets).map(say)).toEqual([
+    'Data: A1:C9 · 9 formulas · 1 error · 3 links',
+    'Late: A1:C7 · 7 rows × 3 columns',
+  ]);
+  expect(inner(inner(sheets)[0]).map(say)).toEqual([
+    'Used range: A1:C9 · 9 rows × 3 columns',
+    'Filled: 17 cells',
+    'Inputs: 8 cells',
+    'Formulas: 9 cells',
+    'Formulas that are not alike: 2 formulas',
+    'Errors: 1 cell',
+    'Links to other workbooks: 3 formulas',
+    'Takes from Late: 1 formula',
+    'Gives to Late: 4 formulas',
+  ]);
+  expect(links && [say(links), ...inner(links).map(say)]).toEqual([
+    'Other workbooks: 2 workbooks',
+    'Prices.xlsx: 3 formulas on Data',
+    'Old.xlsx: by name only',
+  ]);
 });
 
 describe("the user's separator", () => {
