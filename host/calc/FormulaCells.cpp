@@ -18,9 +18,8 @@ constexpr int mostResultCells = 200'000;
 constexpr int columnsLimit = 65536;
 
 // From rows * columnsLimit + columns; one cell where the expression is no array.
-ResultSize sizeFrom(const css::uno::Any& told) {
-  double number = 0;
-  if (!(told >>= number) || number < columnsLimit) return {};
+ResultSize sizeFrom(double number) {
+  if (number < columnsLimit) return {};
   const auto both = static_cast<long long>(number);
   return {static_cast<int>(both / columnsLimit),
           std::max(1, static_cast<int>(both % columnsLimit))};
@@ -70,17 +69,28 @@ FormulaCells::FormulaCells(Workbook& workbook, std::string sheet, int row, int c
       data_(cell_, UNO_QUERY_THROW),
       contents_(cell_, UNO_QUERY_THROW) {}
 
-ResultSize FormulaCells::sizeOf(const CalcExpression& expression) {
+ResultSize FormulaCells::sizeOf(const CalcExpression& expression, const CallLimits& limits) {
   if (expression.single) return {};
   const std::string& text = expression.text;
-  const Formula asking(
-      formula_, contents_,
-      "=ROWS(" + text + ")*" + std::to_string(columnsLimit) + "+COLUMNS(" + text + ")");
-  return sizeFrom(data_->getDataArray()[0][0]);
+  const auto told = [&](const std::string& asked) {
+    const Formula asking(formula_, contents_, "=" + asked);
+    double number = 0;
+    data_->getDataArray()[0][0] >>= number;
+    return number;
+  };
+  const std::string rows = "ROWS(" + text + ")*" + std::to_string(columnsLimit);
+  // Each of the two works the expression out, and Calc does nothing else meanwhile.
+  constexpr double longWork = 1e6;
+  if (expression.work.values < longWork) return sizeFrom(told(rows + "+COLUMNS(" + text + ")"));
+  const double height = told(rows);
+  if (sizeFrom(height).isTooLarge()) return sizeFrom(height);
+  limits.check();
+  return sizeFrom(height + told("COLUMNS(" + text + ")"));
 }
 
 Evaluation FormulaCells::valueOf(const CalcExpression& expression, const CallLimits& limits) {
-  const ResultSize size = sizeOf(expression);
+  const ResultSize size = sizeOf(expression, limits);
+  limits.check();
   if (size.isTooLarge()) throw SpreadsheetError(-50, "The result has too many cells");
   const std::string text = "=" + expression.text;
   if (size.rows == 1 && size.columns == 1) {

@@ -27,7 +27,7 @@ class FormulaCells {
   FormulaCells(Workbook& workbook, std::string sheet, int row, int column);
 
   // How many cells the expression, in Calc's grammar without "=", fills.
-  ResultSize sizeOf(const CalcExpression& expression);
+  ResultSize sizeOf(const CalcExpression& expression, const CallLimits& limits);
   // What it gives as an array formula. SpreadsheetError -50 when that is too many cells
   // or too much text.
   Evaluation valueOf(const CalcExpression& expression, const CallLimits& limits);

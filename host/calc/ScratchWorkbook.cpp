@@ -74,7 +74,8 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
   mirror_.bring(workbooks, reach_, limits);
   mirror_.refuseLongSearches(calc.work, longestText(calc, limits));
   context.qualify = true;
-  const ResultSize size = mirror_.formulaCells().sizeOf(calcExpression(formula, context).value());
+  const ResultSize size =
+      mirror_.formulaCells().sizeOf(calcExpression(formula, context).value(), limits);
   const Area target{cell.first, cell.second, cell.first + size.rows - 1,
                     cell.second + size.columns - 1};
   if (target.lastRow > maxRow || target.lastColumn > maxColumn || !isBlank(target)) {

@@ -58,6 +58,17 @@ TEST(OfficeWork, IsRefusedWhereArraysAreLarge) {
         "MINVERSE(MUNIT(400))", "MDETERM(A1:NT384)", "LINEST(A1:A50000,B1:AZ50000)"}) {
     EXPECT_EQ(refusal(excel), cells) << excel;
   }
+  // By how long a value takes.
+  for (const char* excel : {"SUM(IFERROR(DAYS(A43,F:M),0))", "COUNT(LEN(A:I))",
+                            "SUMPRODUCT(--(TEXT(A:A,\"0.0\")=\"1\"))", "COUNT(DEC2HEX(A1:A900000))",
+                            "SUM(EOMONTH(A:A+0,1))"}) {
+    EXPECT_EQ(refusal(excel), cells) << excel;
+  }
+  for (const char* excel :
+       {"SUMPRODUCT((YEAR(A:A)=2020)*(MONTH(A:A)=3)*(LEN(B:B)>3)*ISNUMBER(C:C)*C:C)",
+        "SUMPRODUCT(--(TEXT(A1:A90000,\"0.0\")=\"1\"))", "SUM(IF(IFERROR(N(A:F)>3,0),1,0))"}) {
+    EXPECT_EQ(refusal(excel), "") << excel;
+  }
   for (const char* excel : {"SUM(A:Z)", "SUM(A:Z+1)", "SUMPRODUCT((A:A=\"x\")*(B:B=1)*C:C)",
                             "SUM(A:ZZ)*2", "VLOOKUP(1,A:Z,3,FALSE)+SUMIFS(A:A,B:B,1)", "MUNIT(100)",
                             "SEQUENCE(1000,10)", "MINVERSE(A1:T20)", "LINEST(A1:A5000,B1:F5000)"}) {

@@ -117,6 +117,8 @@ def big_arrays(path, place):
              ("SUM(COUNTIF(C:C,C:C))", refused("looks through too many cells too often")),
              ("SUM(SUMIF(OFFSET(C1,0,0,ROW(1:100000)),1))",
               refused("looks through too many cells too often")),
+             ("SUM(IFERROR(DAYS(A1,F:AZ),0))", refused("makes arrays of too many cells")),
+             ("COUNT(TEXT(C:C,\"0.0\"))", refused("makes arrays of too many cells")),
              ("NETWORKDAYS(1,B1)", {"ok": False, "kind": "excelError", "message": "#NUM!"})),
       ask=("SUM(SMALL(C1:C4000,ROW(1:4000)))", "SUM(LEN(REPT(\"x\",32767)&ROW(1:90000)))",
            "MINVERSE(MUNIT(2000))", "Slow", "SUM((OFFSET(C1,0,0,9000)=TRANSPOSE(C1:INDEX(C:C,9000)))*1)",
