@@ -28,6 +28,7 @@ export function* blankClues(evidence: Evidence): Generator<undefined, Clue[]> {
   const bySheet = new Map<number, Use[]>();
   for (let region = 0; region < index.regionCount; region++) {
     if (region % atATime === 0) yield undefined;
+    if (evidence.isIrregular(index.sheetOf(region))) continue;
     for (const operand of operands.ofRegion(region, Kind.Blank)) {
       const sheet = index.sheetOf(region);
       const uses = bySheet.get(sheet) ?? [];

@@ -54,6 +54,10 @@ const surroundings: readonly (readonly (readonly [number, number])[])[] = [
  */
 class Contents {
   readonly all: Int32Array;
+  /** Of each cell which of its surroundings may be met elsewhere as well, a bit for each. */
+  readonly repeated: Uint8Array;
+  /** Cells that are not blank. */
+  filled = 0;
   /** Of each of the surroundings how far its cells stand from the one in the middle. */
   readonly distances: readonly Int32Array[];
   private readonly width: number;
@@ -65,6 +69,7 @@ class Contents {
     const { top, left, bottom, right } = grid.area;
     this.width = right - left + 5;
     this.all = new Int32Array(Math.max(0, this.width * (bottom - top + 5)));
+    this.repeated = new Uint8Array(this.all.length);
     this.distances = surroundings.map((cells) =>
       Int32Array.from(cells, ([down, right]) => down * this.width + right),
     );
@@ -73,6 +78,7 @@ class Contents {
       if (formula > 0) content = known(formula) * 2;
       else if (kind === Kind.Text) content = grid.textNumber(row, col) * 2 + 1;
       this.all[this.place(row, col)] = content;
+      this.filled += 1;
     });
   }
 
@@ -227,7 +233,7 @@ function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<
     if (byForm && evidence.isIrregular(grid.sheet)) continue;
     const contents = new Contents(grid, known);
     sheets.push(contents);
-    yield* contents.eachCentre(() => cells++);
+    cells += contents.filled;
   }
   // What surrounds one cell alone tells nothing, and there is much of it where no two are alike.
   const met = new Marks(surroundings.length * cells);
@@ -247,6 +253,7 @@ function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<
       for (let which = 0; which < surroundings.length; which++) {
         const key = keyOf(contents, at, which);
         if (key === 0 || !again.has(key)) continue;
+        contents.repeated[at] = (contents.repeated[at] as number) | (1 << which);
         tally.add(key, total);
         const count = tally.add(key, content);
         if (count > tally.count(key, bestCount)) {
@@ -259,6 +266,7 @@ function* cluesBy(evidence: Evidence, known: Known, byForm: boolean): Generator<
   const clues: Clue[] = [];
   for (const contents of sheets) {
     yield* contents.eachCentre((row, col, at, content) => {
+      if (contents.repeated[at] === 0) return;
       const clue = judge(evidence, tally, contents, { row, col }, at, content, byForm);
       if (clue) clues.push(clue);
     });
@@ -279,8 +287,8 @@ function judge(
   let support = 0;
   let most = 0;
   for (let which = 0; which < surroundings.length; which++) {
+    if (((contents.repeated[at] as number) & (1 << which)) === 0) continue;
     const key = keyOf(contents, at, which);
-    if (key === 0) continue;
     const others = tally.count(key, total) - 1;
     if (others === 0) continue;
     const own = tally.count(key, content) - 1;
