@@ -35,8 +35,8 @@ export function Verdict(props: { page: Page; finding: FindingRow }): JSX.Element
     if (now && text !== now.note) sayings().say(props.finding, now.state, text);
   };
   return (
-    <div class="verdict" data-testid="verdict">
-      <div class="verdictStates" role="group" aria-label="Judgement">
+    <div class="judgement" data-testid="verdict">
+      <div class="judgementStates" role="group" aria-label="Judgement">
         <For each={states}>
           {({ state, title }) => (
             <button
@@ -58,7 +58,7 @@ export function Verdict(props: { page: Page; finding: FindingRow }): JSX.Element
       </div>
       <textarea
         ref={(element) => (note = element)}
-        class="verdictNote"
+        class="judgementNote"
         rows="1"
         maxlength={noteLimit}
         aria-label="Note"
