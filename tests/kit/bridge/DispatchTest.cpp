@@ -226,6 +226,7 @@ TEST_F(Dispatch, LogsNamesAndAddressesWithoutTheValuesBesideThem) {
        "Can’t get item 3 of …. Invalid index."},
       {"Can’t get character 9 of \"12 \\\"Main\\\" Street\".", "Can’t get character 9 of …."},
       {"Can't get item 1 of 4711.5.", "Can't get item 1 of …."},
+      {"get {\"Secret\", 4711}.", "get …."},
       {"Can't get item 1 of -4.7E+11.", "Can't get item 1 of …."},
       {"Microsoft Excel got an error: Can’t set formula of cell \"A1\" of worksheet \"Data\" to "
        "\"=LEN(Secret)\".",

@@ -115,8 +115,18 @@ TEST_F(MarkHandlers, ClearPassesOverAddressesThatNoLongerBind) {
 
 TEST_F(MarkHandlers, ClearTellsABusyExcelFromAnAddressThatIsGone) {
   apply({"F1"});
-  memory_->script.atEvery("formatConditions", {.number = -10000, .message = "Busy."});
-  EXPECT_THAT(clear({"F1"}), testing::StartsWith("error -10000 "));
+  excel_->forget();
+  EXPECT_EQ(clear({"F1"}), "1");
+  const int events = static_cast<int>(excel_->events().size());
+  for (const int number : {-1712, -600, -10000}) {
+    for (int event = 1; event <= events; ++event) {
+      apply({"F1"});
+      excel_->forget();
+      excel_->failAt(event, {number, "No answer.", {}});
+      EXPECT_THAT(clear({"F1"}), testing::StartsWith("error " + std::to_string(number) + " "))
+          << event;
+    }
+  }
 }
 
 TEST_F(MarkHandlers, MarkOnlyInTheWorkbookThatIsNamed) {

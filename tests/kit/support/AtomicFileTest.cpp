@@ -231,5 +231,12 @@ TEST_F(RealFileSystem, TellsWhatIsThere) {
   EXPECT_FALSE(files.status(folder / "a/below a file"));
 }
 
+#ifdef __linux__
+// Nothing lies at the beginning of a process's memory.
+TEST(RealFiles, SayThatTheyCannotBeRead) {
+  EXPECT_EQ(errorOf([] { FileSystem::real().read("/proc/self/mem", 0, 16); }), EIO);
+}
+#endif
+
 }  // namespace
 }  // namespace quorin

@@ -40,6 +40,7 @@ TEST(ISO, ReadsYearsThatAClockInNanosecondsCannotHold) {
 TEST(ISO, ReadsOtherZones) {
   EXPECT_EQ(ISO::date("2026-11-15T12:02:28+01:00"), known);
   EXPECT_EQ(ISO::date("2026-11-15T05:32:28-05:30"), known);
+  EXPECT_EQ(ISO::date("2026-11-16T11:01:28+23:59"), known);
 }
 
 TEST(ISO, GivesNoneForAbsentText) {
