@@ -1,9 +1,10 @@
 // What a sheet's lines are, in so few characters that they can be kept: by two of them it is told
-// later which lines were inserted, deleted or stayed. Of each row and column the first two values
-// leave a print of eighteen bits each, from which no value can be read back. Pure.
+// later which lines were inserted, deleted or stayed. Of each row and column the first value, the
+// second, and how all its formulas are made leave a print of eighteen bits each, from which none of
+// them can be read back. Pure.
 
 import type { Scalar } from '../protocol/json';
-import { Kind, type SheetCells } from './SheetCells';
+import { Kind, type SheetCells, type Texts } from './SheetCells';
 import type { WorkbookModel } from './WorkbookModel';
 
 export type SheetSketch = {
@@ -11,7 +12,7 @@ export type SheetSketch = {
   /** As many lines as the sheet has to its last filled cell. */
   height: number;
   width: number;
-  /** Of the first lines, one after the other: six characters, or a dot for a blank line. */
+  /** Of the first lines, one after the other: nine characters, or a dot for a blank line. */
   rows: string;
   cols: string;
 };
@@ -28,6 +29,15 @@ function hash(text: string): number {
   }
   hash = Math.imul(hash ^ (hash >>> 15), 0x2c1b3c6d);
   return (hash ^ (hash >>> 13)) >>> 0;
+}
+
+function threeOf(number: number): string {
+  return [0, 6, 12].map((shift) => letters[(number >>> shift) & 63]).join('');
+}
+
+/** How a relative formula is made: without the numbers in it, and so without the places it takes. */
+function formHash(formula: string): number {
+  return hash(formula.replace(/[-\d.[\]]+/g, ''));
 }
 
 /** Three characters; of a text the first is a capital letter, of anything else a small one. */
@@ -48,12 +58,15 @@ export function printOf(text: string): string {
 class Lines {
   private readonly first = new Map<number, number>();
   private readonly second = new Map<number, number>();
+  /** Sums: the order of formulas along the line means nothing. */
+  private readonly forms = new Map<number, number>();
   last = 0;
 
-  /** A cell of the line, by its place along it. */
-  add(line: number, at: number): void {
+  /** A cell of the line, by its place along it; `form` is 0 for none. */
+  add(line: number, at: number, form: number): void {
     this.last = Math.max(this.last, line);
     if (line > linesLimit) return;
+    if (form !== 0) this.forms.set(line, ((this.forms.get(line) ?? 0) + form) | 0);
     const first = this.first.get(line) ?? Infinity;
     if (at < first) {
       if (first !== Infinity) this.second.set(line, first);
@@ -72,19 +85,27 @@ class Lines {
       const second = this.second.get(line);
       text += printOfValue(valueAt(line, first) ?? '');
       text += printOfValue(second === undefined ? '' : (valueAt(line, second) ?? ''));
+      text += threeOf(this.forms.get(line) ?? 0);
     }
     return text;
   }
 }
 
-export function sketchOf(name: string, cells: SheetCells): SheetSketch {
+export function sketchOf(name: string, cells: SheetCells, formulas: Texts): SheetSketch {
+  const forms = new Map<number, number>();
+  const formOf = (formula: number) => {
+    let form = forms.get(formula);
+    if (form === undefined) forms.set(formula, (form = formHash(formulas.at(formula))));
+    return form;
+  };
   const rows = new Lines();
   const cols = new Lines();
   if (cells.extent) {
     cells.eachFilled(cells.extent, (row, col, kind, formula) => {
       if (kind === Kind.Blank && formula === 0) return;
-      rows.add(row, col);
-      cols.add(col, row);
+      const form = formula === 0 ? 0 : formOf(formula);
+      rows.add(row, col, form);
+      cols.add(col, row, form);
     });
   }
   return {
@@ -100,7 +121,7 @@ export function* sketchesOf(model: WorkbookModel): Generator<undefined, SheetSke
   const sketches: SheetSketch[] = [];
   for (const [number, name] of model.entry.sheets.entries()) {
     const cells = model.cellsOf(number);
-    if (cells) sketches.push(sketchOf(name, cells));
+    if (cells) sketches.push(sketchOf(name, cells, model.formulas));
     yield undefined;
   }
   return sketches;

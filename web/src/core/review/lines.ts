@@ -5,20 +5,18 @@
 /** A line as it was, to where it is now; nothing for one that is gone or not to be told. */
 export type LineMap = (line: number) => number | undefined;
 
-/** "ABCabc" for the first two values, or "." for a blank line. */
+/** Nine characters for a line, or "." for a blank one. */
 export function linesOf(text: string): string[] {
-  return text.match(/\.|[^.]{6}/g) ?? [];
+  return text.match(/\.|[^.]{9}/g) ?? [];
 }
 
 const blank = '.';
 
-/** By both values, then by the first alone. */
-const keys: readonly ((line: string) => string)[] = [
-  (line) => line,
-  (line) => (line === blank ? blank : line.slice(0, 3)),
-];
+/** By all three prints, by those of values, by that of the first value. */
+const lengths = [9, 6, 3];
 
 type Part = { from: number; to: number };
+type Pair = readonly [before: number, now: number];
 
 class Alignment {
   readonly to: Int32Array;
@@ -28,96 +26,123 @@ class Alignment {
     private readonly now: readonly string[],
   ) {
     this.to = new Int32Array(before.length).fill(-1);
-    this.solve({ from: 0, to: before.length }, { from: 0, to: now.length }, 0);
+    this.solve({ from: 0, to: before.length }, { from: 0, to: now.length });
+    this.fillBlanks();
   }
 
   /** `a` of the lines before became `b` of those now. */
-  private solve(a: Part, b: Part, level: number): void {
+  private solve(a: Part, b: Part): void {
     if (a.from === a.to || b.from === b.to) return;
-    const key = keys[level];
-    if (!key) {
-      this.byPlace(a, b);
+    const anchors = this.anchors(a, b);
+    if (anchors.length === 0) {
+      this.between(a, b);
       return;
     }
-    const anchors = this.anchors(a, b, key);
-    if (anchors.length > 0) this.between(a, b, anchors, level);
-    else this.between(a, b, this.inOrder(a, b, key), level + 1);
-  }
-
-  /** What lies between lines that are known is told by itself. */
-  private between(a: Part, b: Part, known: readonly [number, number][], level: number): void {
     let from = a.from;
     let fromNow = b.from;
-    for (const [i, j] of known) {
+    for (const [i, j] of anchors) {
       this.to[i] = j;
-      this.solve({ from, to: i }, { from: fromNow, to: j }, level);
+      this.solve({ from, to: i }, { from: fromNow, to: j });
       from = i + 1;
       fromNow = j + 1;
     }
-    this.solve({ from, to: a.to }, { from: fromNow, to: b.to }, level);
+    this.solve({ from, to: a.to }, { from: fromNow, to: b.to });
   }
 
-  /** The most lines in one order that are alone of their kind on both sides. */
-  private anchors(a: Part, b: Part, key: (line: string) => string): [number, number][] {
-    const alone = this.alone(this.now, b, key);
-    const pairs: [number, number][] = [];
-    for (const [text, i] of this.alone(this.before, a, key)) {
-      const j = alone.get(text);
+  /** Blank lines are told where as many stand between the same two lines. */
+  private fillBlanks(): void {
+    let last = -1;
+    for (const [i, j] of [...this.to.entries(), [this.before.length, this.now.length] as const]) {
+      if (j < 0) continue;
+      const lastNow = last < 0 ? -1 : (this.to[last] as number);
+      const isAlike = (at: number) =>
+        this.before[at] === blank && this.now[lastNow + at - last] === blank;
+      if (i - last === j - lastNow) {
+        for (let at = last + 1; at < i; at++) if (isAlike(at)) this.to[at] = lastNow + at - last;
+      }
+      last = i;
+    }
+  }
+
+  /** The most lines in one order that alone have their name on both sides. */
+  private anchors(a: Part, b: Part): Pair[] {
+    const alone = namedAlone(this.now, b);
+    const pairs: Pair[] = [];
+    for (const [name, i] of namedAlone(this.before, a)) {
+      const j = alone.get(name);
       if (j !== undefined) pairs.push([i, j]);
     }
     return longestRise(pairs.sort(([i], [j]) => i - j));
   }
 
-  private alone(
-    lines: readonly string[],
-    { from, to }: Part,
-    key: (line: string) => string,
-  ): Map<string, number> {
-    const found = new Map<string, number>();
-    const several = new Set<string>();
-    for (let i = from; i < to; i++) {
-      const text = key(lines[i] as string);
-      if (found.has(text)) several.add(text);
-      else found.set(text, i);
-    }
-    for (const text of several) found.delete(text);
-    return found;
+  /** Lines of numbers, and those that have one name together: all of them fit, or none is told. */
+  private between(a: Part, b: Part): void {
+    const pairs =
+      lengths.map((length) => this.inOrder(a, b, length)).find((found) => found) ??
+      this.inPlace(a, b);
+    for (const [i, j] of pairs ?? []) this.to[i] = j;
   }
 
-  /** Lines that come several times, where all of them follow each other on both sides alike. */
-  private inOrder(a: Part, b: Part, key: (line: string) => string): [number, number][] {
-    const kindsOf = (lines: readonly string[], { from, to }: Part) =>
-      new Set(lines.slice(from, to).map(key));
-    const shared = kindsOf(this.now, b);
-    const before = kindsOf(this.before, a);
-    shared.delete(blank);
-    const those = (lines: readonly string[], { from, to }: Part) => {
-      const found: number[] = [];
-      for (let i = from; i < to; i++) {
-        const text = key(lines[i] as string);
-        if (shared.has(text) && before.has(text)) found.push(i);
-      }
-      return found;
-    };
-    const one = those(this.before, a);
-    const other = those(this.now, b);
-    const isAlike =
-      one.length === other.length &&
-      one.every(
-        (i, n) => key(this.before[i] as string) === key(this.now[other[n] as number] as string),
-      );
-    return isAlike ? one.map((i, n) => [i, other[n] as number]) : [];
+  /** All lines of one side in their order among those of the other. */
+  private inOrder(a: Part, b: Part, length: number): Pair[] | undefined {
+    const one = filled(this.before, a);
+    const other = filled(this.now, b);
+    const prints = (lines: readonly string[], which: readonly number[]) =>
+      new Set(which.map((i) => (lines[i] as string).slice(0, length)));
+    const [before, now] = [prints(this.before, one), prints(this.now, other)];
+    const own = one.filter((i) => now.has((this.before[i] as string).slice(0, length)));
+    const theirs = other.filter((j) => before.has((this.now[j] as string).slice(0, length)));
+    if (own.length !== theirs.length || own.length === 0) return undefined;
+    if (own.length !== Math.min(one.length, other.length)) return undefined;
+    const pairs = own.map((i, n): Pair => [i, theirs[n] as number]);
+    const fits = ([i, j]: Pair) =>
+      (this.before[i] as string).slice(0, length) === (this.now[j] as string).slice(0, length);
+    return pairs.every(fits) ? this.unlessShifted(pairs, a) : undefined;
   }
 
-  /** As many lines as before: numbers may have changed, names may not. */
-  private byPlace(a: Part, b: Part): void {
-    if (a.to - a.from !== b.to - b.from) return;
-    for (let i = a.from; i < a.to; i++) {
-      const j = b.from + i - a.from;
+  /** As many lines as before, of which numbers were typed anew. */
+  private inPlace(a: Part, b: Part): Pair[] | undefined {
+    if (a.to - a.from !== b.to - b.from) return undefined;
+    const pairs = Array.from({ length: a.to - a.from }, (_, n): Pair => [a.from + n, b.from + n]);
+    const fits = ([i, j]: Pair) => {
       const [one, other] = [this.before[i] as string, this.now[j] as string];
-      if (one === other || (isNumber(one) && isNumber(other))) this.to[i] = j;
-    }
+      return one === blank || other === blank
+        ? one === other
+        : one.slice(0, 3) === other.slice(0, 3) || (isNumber(one) && isNumber(other));
+    };
+    return pairs.every(fits) ? this.unlessShifted(pairs, a) : undefined;
   }
+
+  /** Nothing where a line is now what another one was. */
+  private unlessShifted(pairs: Pair[], a: Part): Pair[] | undefined {
+    const before = new Set(filled(this.before, a).map((i) => this.before[i]));
+    const isShifted = ([i, j]: Pair) => {
+      const now = this.now[j] as string;
+      return now !== blank && now !== this.before[i] && before.has(now);
+    };
+    return pairs.some(isShifted) ? undefined : pairs;
+  }
+}
+
+function filled(lines: readonly string[], { from, to }: Part): number[] {
+  const found: number[] = [];
+  for (let i = from; i < to; i++) if (lines[i] !== blank) found.push(i);
+  return found;
+}
+
+/** Of the lines that begin with a text those that no other one begins with. */
+function namedAlone(lines: readonly string[], { from, to }: Part): Map<string, number> {
+  const found = new Map<string, number>();
+  const several = new Set<string>();
+  for (let i = from; i < to; i++) {
+    const line = lines[i] as string;
+    if (line === blank || isNumber(line)) continue;
+    const name = line.slice(0, 3);
+    if (found.has(name)) several.add(name);
+    else found.set(name, i);
+  }
+  for (const name of several) found.delete(name);
+  return found;
 }
 
 /** Whether the line's first value is no text. */
@@ -126,7 +151,7 @@ function isNumber(line: string): boolean {
 }
 
 /** The longest part of the pairs, which are in order by the first, that is so by the second too. */
-function longestRise(pairs: readonly [number, number][]): [number, number][] {
+function longestRise(pairs: readonly Pair[]): Pair[] {
   const ends: number[] = [];
   const previous: number[] = [];
   for (const [at, [, j]] of pairs.entries()) {
@@ -134,15 +159,15 @@ function longestRise(pairs: readonly [number, number][]): [number, number][] {
     let high = ends.length;
     while (low < high) {
       const middle = (low + high) >> 1;
-      if ((pairs[ends[middle] as number] as [number, number])[1] < j) low = middle + 1;
+      if ((pairs[ends[middle] as number] as Pair)[1] < j) low = middle + 1;
       else high = middle;
     }
     previous.push(low > 0 ? (ends[low - 1] as number) : -1);
     ends[low] = at;
   }
-  const rise: [number, number][] = [];
+  const rise: Pair[] = [];
   for (let at = ends.at(-1) ?? -1; at >= 0; at = previous[at] as number) {
-    rise.push(pairs[at] as [number, number]);
+    rise.push(pairs[at] as Pair);
   }
   return rise.reverse();
 }

@@ -82,6 +82,27 @@ describe('what was said', () => {
     expect(said(sayAll({ Data: sheet }), { Data: other })).toEqual(['Data 6 3 -']);
   });
 
+  test('is not said of a formula that takes another cell now', () => {
+    const takes = (cell: string): Written => ({ ...sheet, C6: `=${cell}*2 -> 10` });
+    const saved = sayAll({ Data: takes('B4') });
+    expect(said(saved, { Data: takes('B4') })).toEqual(['Data 6 3 fine']);
+    expect(said(saved, { Data: takes('B3') })).toEqual(['Data 6 3 -']);
+  });
+
+  test('is not said of other cells that break in the same way', () => {
+    const breaks = (...rows: number[]): Written => ({
+      ...Object.fromEntries(
+        Array.from({ length: 30 }, (_, i) => [`A${String(i + 1)}`, `Row ${String(i)}`]),
+      ),
+      'B1:B30': 5,
+      'C1:C30': '=B1*2',
+      ...Object.fromEntries(rows.map((row) => [`C${String(row)}`, `=B${String(row)}*3 -> 15`])),
+    });
+    const saved = sayAll({ Data: breaks(6, 12) });
+    expect(said(saved, { Data: breaks(6, 12) })).toEqual(['Data 12 3 fine']);
+    expect(said(saved, { Data: breaks(18, 12) })).toEqual(['Data 12 3 -']);
+  });
+
   test('is not said of the row that took the place of its own', () => {
     const other = { ...sheet, A6: 'Rope' };
     expect(said(sayAll({ Data: sheet }), { Data: other })).toEqual(['Data 6 3 -']);
