@@ -128,6 +128,44 @@ TEST_F(QuorinctlAudit, FailsOnWhatItIsToldToFailOn) {
   EXPECT_EQ(run({written("Even.xlsx", even), "--fail-on", "style"}).status, 0);
 }
 
+TEST_F(QuorinctlAudit, DoesNotFailOnWhatWasSaidToBeFine) {
+  // As the panel keeps it of the same workbook.
+  const std::string kept =
+      R"([{"book":"Odd.xlsx","review":{"version":1,"snapshots":[{"sheets":[{"name":"Data",)"
+      R"("height":10,"width":3,"rows":"xdPbVuAXomOhe9ZAXobhtbhtAXotnwr-OAXoqJUlW2AXozUsd-yAXopl)"
+      R"(BlTQXk0mFQcwZAXoinmfdMAXollAtB9AXo","cols":"xdPmOhAAAbVue9ZAAAe9Zi-8Xzf"}],"said":[)"
+      R"({"state":"STATE","note":"Row 7 is a refund.","at":"2026-11-20T10:00:00.000Z",)"
+      R"("kind":"differs","areas":1,"size":1,"formula":"=A7-B7","expected":"=A7+B7",)"
+      R"("print":"R6UH","cells":[["Data","C7"]]}]}]}}])";
+  const std::string odd = oddWorkbook("Odd.xlsx");
+  const auto with = [&](const std::string& state) {
+    std::string text = kept;
+    text.replace(text.find("STATE"), 5, state);
+    const path file = folder_ / (state + ".json");
+    writeFile(file, text);
+    return run({odd, "--format", "json", "--fail-on", "style", "--review", file.string()});
+  };
+  const Run fine = with("fine");
+  EXPECT_EQ(fine.status, 0) << fine.errors;
+  const JSONValue first = firstFinding(parsed(fine.output));
+  EXPECT_EQ(member(first, "state"), JSONValue("fine"));
+  EXPECT_EQ(member(first, "note"), JSONValue("Row 7 is a refund."));
+  const Run fault = with("fault");
+  EXPECT_EQ(fault.status, 1) << fault.errors;
+  EXPECT_EQ(member(firstFinding(parsed(fault.output)), "state"), JSONValue("fault"));
+}
+
+TEST_F(QuorinctlAudit, TellsThatTheReviewCannotBeRead) {
+  const std::string odd = oddWorkbook("Odd.xlsx");
+  writeFile(folder_ / "broken.json", "[{}]");
+  const Run broken = run({odd, "--review", folder_ / "broken.json"});
+  EXPECT_EQ(broken.status, 2);
+  EXPECT_THAT(broken.errors, HasSubstr("broken.json holds no reviews"));
+  const Run missing = run({odd, "--review", folder_ / "none.json"});
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_THAT(missing.errors, HasSubstr("none.json is not there"));
+}
+
 TEST_F(QuorinctlAudit, GoesOnAfterFilesThatItCannotRead) {
   std::filesystem::create_directories(folder_ / "books");
   std::ofstream(folder_ / "books" / "a.xlsx") << "no workbook at all";

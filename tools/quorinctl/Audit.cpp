@@ -19,6 +19,7 @@
 #include "tools/quorinctl/AuditWorkers.h"
 #include "tools/quorinctl/Place.h"
 #include "tools/quorinctl/ProgressLine.h"
+#include "tools/quorinctl/ReviewFile.h"
 #include "tools/quorinctl/Waiter.h"
 
 namespace quorin::ctl {
@@ -29,16 +30,26 @@ constexpr int failing = 1;
 constexpr int unable = 2;
 constexpr int signalled = 128;
 
+std::vector<std::string> argumentsOf(const AuditCommand& command) {
+  std::vector<std::string> arguments{"--top", std::to_string(command.top)};
+  if (command.review)
+    arguments.insert(arguments.end(),
+                     {"--review", std::filesystem::absolute(*command.review).string()});
+  return arguments;
+}
+
 AuditWorkers::Options optionsOf(const AuditCommand& command) {
   const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
   return {.jobs = command.jobs ? static_cast<std::size_t>(*command.jobs) : processors,
           .patience = std::chrono::seconds(command.giveUp),
-          .arguments = {"--top", std::to_string(command.top)}};
+          .arguments = argumentsOf(command)};
 }
 
 int audited(const AuditCommand& command, Waiter& waiter) {
   const std::vector<std::filesystem::path> files = workbooksOf(command.files);
   if (files.empty()) throw Unserved("no workbook there");
+  // Each worker reads it as well; one that cannot be read is told once.
+  if (command.review) reviewIn(*command.review, "");
   AuditList list(command, files);
   const std::vector<std::size_t> open = list.open();
   std::size_t done = files.size() - open.size();

@@ -36,6 +36,8 @@ bool hasFindingOf(const JSONValue& report, const std::string& wanted) {
   return std::any_of(findings->array()->begin(), findings->array()->end(),
                      [&](const JSONValue& finding) {
                        const JSONValue* const level = finding.member("level");
+                       const JSONValue* const state = finding.member("state");
+                       if (state && *state == JSONValue("fine")) return false;
                        return level && level->string() && isAtLeast(*level->string(), wanted);
                      });
 }

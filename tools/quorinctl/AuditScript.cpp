@@ -115,8 +115,9 @@ AuditScript::AuditScript(const std::filesystem::path& file, Host host)
 
 AuditScript::~AuditScript() = default;
 
-void AuditScript::begin(const std::string& file, int top) {
-  engine_->call("begin", {engine_->text(file).get(), engine_->number(top).get()});
+void AuditScript::begin(const std::string& file, int top, const std::string& review) {
+  engine_->call("begin", {engine_->text(file).get(), engine_->number(top).get(),
+                          engine_->text(review).get()});
 }
 
 void AuditScript::reply(const std::string& reply) {

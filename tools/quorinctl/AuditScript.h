@@ -42,8 +42,9 @@ class AuditScript {
   AuditScript(const AuditScript&) = delete;
   AuditScript& operator=(const AuditScript&) = delete;
 
-  // Audits the workbook that the spreadsheet has in front; `file` is what the report calls it.
-  void begin(const std::string& file, int top);
+  // Audits the workbook that the spreadsheet has in front; `file` is what the report calls it,
+  // `review` what was kept of a review of it, as JSON, or empty.
+  void begin(const std::string& file, int top, const std::string& review);
   void reply(const std::string& reply);
   void due(int id);
 

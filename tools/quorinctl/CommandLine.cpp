@@ -54,6 +54,12 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       auditCommand
           ->add_option("--fail-on", level, "End with 1 for findings of this level or a graver one")
           ->check(CLI::IsMember({"fact", "doubt", "style"}));
+  std::string review;
+  CLI::Option* const reviewOption =
+      auditCommand
+          ->add_option("--review", review,
+                       "What was said of findings, as the panel keeps it in reviews.json")
+          ->type_name("FILE");
   int jobs = 0;
   CLI::Option* const jobsOption =
       auditCommand
@@ -73,6 +79,7 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App* const workbookCommand = app.add_subcommand("audit-workbook", "")->group("");
   workbookCommand->add_option("FILE", workbookAudit.file)->required();
   workbookCommand->add_option("--top", workbookAudit.top);
+  CLI::Option* const saidOption = workbookCommand->add_option("--review", review);
 
   try {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
@@ -95,12 +102,16 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
       return refusal("audit takes its own options only: see quorinctl audit --help");
     if (*outputOption) audit.output = output;
     if (*levelOption) audit.failOn = level;
+    if (*reviewOption) audit.review = review;
     if (*jobsOption) audit.jobs = jobs;
     if (audit.resume && (audit.format != "jsonl" || !audit.output))
       return refusal("--resume goes on with a list of lines: it needs --format jsonl and --output");
     return audit;
   }
-  if (workbookCommand->parsed()) return workbookAudit;
+  if (workbookCommand->parsed()) {
+    if (*saidOption) workbookAudit.review = review;
+    return workbookAudit;
+  }
   if (*workbookOption) serve.workbook = workbook;
   if (*dataOption) serve.data = data;
   return serve;

@@ -33,8 +33,9 @@ struct AuditCommand {
   int top = 100;                      // so many findings of each workbook at most
   std::optional<std::string> failOn;  // fact, doubt or style
   std::optional<int> jobs;  // so many workbooks at a time; as many as processors if absent
-  int giveUp = 600;         // seconds without a word from a workbook
-  bool resume = false;      // goes on with the output, which is jsonl
+  std::optional<std::filesystem::path> review;  // the file with what was said of findings
+  int giveUp = 600;                             // seconds without a word from a workbook
+  bool resume = false;                          // goes on with the output, which is jsonl
   bool operator==(const AuditCommand&) const = default;
 };
 
@@ -42,6 +43,7 @@ struct AuditCommand {
 struct AuditWorkbookCommand {
   std::filesystem::path file;
   int top = 100;
+  std::optional<std::filesystem::path> review;
   bool operator==(const AuditWorkbookCommand&) const = default;
 };
 

@@ -25,9 +25,9 @@ WorkbookAudit::~WorkbookAudit() {
   for (; asked_ > 0; --asked_) waiter_.waitForDoneAlone();
 }
 
-std::string WorkbookAudit::report(int top) {
+std::string WorkbookAudit::report(int top, const std::string& review) {
   open();
-  script_.begin(file_.string(), top);
+  script_.begin(file_.string(), top, review);
   while (!report_ && !failure_) {
     answer();
     if (!report_ && !failure_) wait();

@@ -30,9 +30,10 @@ class WorkbookAudit {
   WorkbookAudit(const WorkbookAudit&) = delete;
   WorkbookAudit& operator=(const WorkbookAudit&) = delete;
 
-  // The report as JSON, with so many findings at most. Throws Ended, Unserved and
+  // The report as JSON, with so many findings at most; `review` is what was said of them, as JSON,
+  // or empty. Throws Ended, Unserved and
   // AuditScript::Error.
-  std::string report(int top);
+  std::string report(int top, const std::string& review);
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -15,6 +15,7 @@ import { Conveyor, Errands } from './core/protocol/Conveyor';
 import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
 import type { Colour, Verb, Verbs } from './core/protocol/verbs';
+import { reportFile } from './core/report/ofReview';
 import { PacedErrands } from './core/scan/PacedErrands';
 import { Scans } from './core/scan/Scans';
 import { SelectionTracker } from './core/selection/SelectionTracker';
@@ -301,6 +302,22 @@ const page: Page = {
   copy(text, what) {
     void copyText(text).then((copied) => {
       say(copied ? `${what} copied.` : `${what} could not be copied.`);
+    });
+  },
+  saveReport(format) {
+    const lost = (why: string) => {
+      say(`The report is not saved: ${why}`);
+    };
+    const save = async (): Promise<void> => {
+      const report = await explorer.review.report();
+      if (!report) return;
+      const { name, text } = reportFile(report, format);
+      const outcome = await client.ask('saveReport', name, text);
+      if (!outcome.ok) lost(outcome.failure.message);
+      else if (outcome.value !== null) say(`Saved as “${outcome.value}”.`);
+    };
+    save().catch((error: unknown) => {
+      lost(String(error));
     });
   },
   colour,

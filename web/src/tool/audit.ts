@@ -45,12 +45,14 @@ const client = new ProtocolClient({
 
 /** The program calls these; texts are JSON. */
 const quorinAudit = {
-  begin(file: string, top: number): void {
+  /** `review`: what was kept of a review of the workbook, as JSON; empty for none. */
+  begin(file: string, top: number, review: string): void {
     const progress = ({ sheet, read, cells }: { sheet: string; read: number; cells: number }) => {
       const share = cells > 0 ? Math.floor((read / cells) * 100) : 0;
       native.progress(sheet === '' ? '' : `${String(share)} %  ${sheet}`);
     };
-    auditOf(file, top, { client, clock, progress }).then(
+    const said: unknown = review === '' ? undefined : JSON.parse(review);
+    auditOf(file, top, said, { client, clock, progress }).then(
       (report) => {
         native.done(JSON.stringify(report));
       },

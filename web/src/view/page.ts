@@ -3,6 +3,7 @@
 
 import type { Explorer } from '../core/explorer/Explorer';
 import type { SheetFollower } from '../core/follow/SheetFollower';
+import type { ReportFormat } from '../core/report/ofReview';
 import type { Colour } from '../core/protocol/verbs';
 
 export type Page = {
@@ -11,6 +12,8 @@ export type Page = {
   /** What `read` gives, followed: read again after every change. */
   look<T>(read: (explorer: Explorer) => T): T;
   copy(text: string, what: string): void;
+  /** The user is asked where to. */
+  saveReport(format: ReportFormat): void;
   colour(): Colour;
   setColour(colour: Colour): void;
   /** Whether an answer has been awaited for so long that the user should know. */

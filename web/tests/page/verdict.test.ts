@@ -124,3 +124,23 @@ test('says so where a judgement is not kept, and takes the next one', async () =
   await panel.page.getByTestId('say-trouble').waitFor({ state: 'detached' });
   expect(await states()).toEqual(['Fine']);
 });
+
+test('saves a report with what was said where the user says', async () => {
+  panel = await browser.open({ ...odd, saveReport: success('Mine.html') });
+  await review();
+  await panel.page.getByTestId('say-note').fill('Seen by both of us');
+  await say('fault');
+  await panel.page.getByTestId('save-report').selectOption('html');
+  await panel.page.getByText('Saved as “Mine.html”.').waitFor();
+  const asked = (await panel.posted()).find(({ verb }) => verb === 'saveReport');
+  const [name, text] = asked?.args as [string, string];
+  expect(name).toBe('Solar park review.html');
+  expect(text).toContain('Judged: 1 fault, 0 fine, 0 for later.');
+  expect(text).toContain('Seen by both of us');
+  expect(text).toContain('<h3>Sheets</h3>');
+  await panel.lay('saveReport', failure('could not save the report: No space left on device'));
+  await panel.page.getByTestId('save-report').selectOption('csv');
+  await panel.page
+    .getByText('The report is not saved: could not save the report: No space left on device')
+    .waitFor();
+});

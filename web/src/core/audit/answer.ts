@@ -40,12 +40,7 @@ export class Findings {
     const findings = yield* this.of(model);
     const index = yield* model.index();
     const told = Math.min(findings.length, findingsLimit);
-    const rows: FindingRow[] = [];
-    const shapes = new Shapes(model.formulas);
-    for (const finding of findings.slice(from, Math.min(told, from + partSize))) {
-      rows.push(rowOf(model, finding, shapes));
-      yield undefined;
-    }
+    const rows = yield* rowsOf(model, findings.slice(from, Math.min(told, from + partSize)));
     let formulas = 0;
     for (let region = 0; region < index.regionCount; region++) {
       formulas += cellCount(index.areaOf(region));
@@ -81,6 +76,20 @@ function formed(shapes: Shapes, formula: number): string {
   const { skeleton, slots } = shapes.of(formula);
   const constants = slots.map((slot) => (slot.kind === 'reference' ? '' : slot.text));
   return `=${skeleton} ${constants.join()}`;
+}
+
+/** Of the first findings, as many as are told. */
+export function* rowsOf(
+  model: WorkbookModel,
+  findings: readonly Finding[],
+): Generator<undefined, FindingRow[]> {
+  const rows: FindingRow[] = [];
+  const shapes = new Shapes(model.formulas);
+  for (const finding of findings.slice(0, findingsLimit)) {
+    rows.push(rowOf(model, finding, shapes));
+    yield undefined;
+  }
+  return rows;
 }
 
 function rowOf(model: WorkbookModel, finding: Finding, shapes: Shapes): FindingRow {

@@ -13,6 +13,7 @@ import {
   waysAnswer,
 } from './answers';
 import type { BookEntry, Question } from './messages';
+import { inventoryOf } from '../report/inventory';
 import { sketchesOf } from './sketch';
 import { WorkbookModel } from './WorkbookModel';
 
@@ -74,6 +75,8 @@ export class ModelHost {
         return yield* errorsAnswer(model);
       case 'findings':
         return yield* this.findings.answer(model, question.args.from);
+      case 'inventory':
+        return yield* inventoryOf(model);
       case 'sketch':
         return yield* sketchesOf(model);
       case 'mapSheets':

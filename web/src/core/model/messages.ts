@@ -5,6 +5,7 @@ import type { Area } from '../address/area';
 import type { Finding } from '../audit/Finding';
 import type { MapQuestions } from '../map/told';
 import type { Grid, Scalar } from '../protocol/json';
+import type { Inventory } from '../report/inventory';
 import type { NameEntry } from './Names';
 import type { SheetSketch } from './sketch';
 
@@ -129,6 +130,8 @@ export type Questions = MapQuestions & {
   errors: { args: Record<string, never>; answer: ErrorsAnswer };
   /** What is odd in the workbook, from a place in the list on. */
   findings: { args: { from: number }; answer: FindingsAnswer };
+  /** What the workbook consists of. */
+  inventory: { args: Record<string, never>; answer: Inventory };
   /** What the lines of all sheets are. */
   sketch: { args: Record<string, never>; answer: SheetSketch[] };
   /** One for each area; empty where there is none. */

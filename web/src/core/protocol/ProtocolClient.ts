@@ -31,6 +31,9 @@ export const replyDeadline = 120_000;
 /** The same for questions that the native side gives up after ten seconds at most. */
 export const quickDeadline = 30_000;
 
+/** And for what waits for the user. */
+export const userDeadline = 24 * 3_600_000;
+
 const quickVerbs: ReadonlySet<Verb> = new Set<Verb>([
   'probe',
   'readCell',
@@ -65,7 +68,8 @@ export class ProtocolClient {
   ask<V extends Verb>(verb: V, ...args: Verbs[V]['args']): Promise<Outcome<Verbs[V]['result']>> {
     const id = this.nextId++;
     return new Promise((resolve) => {
-      const deadline = quickVerbs.has(verb) ? quickDeadline : replyDeadline;
+      const ofCalls = quickVerbs.has(verb) ? quickDeadline : replyDeadline;
+      const deadline = verb === 'saveReport' ? userDeadline : ofCalls;
       const cancelDeadline: Cancel = this.ports.clock.after(deadline, () => {
         this.pending.delete(id);
         resolve(failed('unanswered', `"${verb}" was not answered.`));

@@ -2,6 +2,7 @@
 
 import { areaAddress, qualified } from '../address/area';
 import type { Confidence, Finding, Kind, Level } from '../audit/Finding';
+import type { Said, State } from '../review/said';
 import type { NotRead } from '../scan/BookScan';
 import type { Inventory } from './inventory';
 
@@ -16,6 +17,9 @@ export type ReportedFinding = {
   expected: string;
   confidence: Confidence;
   reach: number;
+  /** What the reviewer said of it, and why; only where something was said. */
+  state?: State;
+  note?: string;
 };
 
 export type Summary = {
@@ -28,6 +32,8 @@ export type Summary = {
   high: number;
   medium: number;
   low: number;
+  /** What was said of how many; only where what was said is known. */
+  said?: Record<State, number>;
   notRead: NotRead[];
 };
 
@@ -42,7 +48,7 @@ export function at(sheet: string, address: string): string {
     : qualified(sheet, address);
 }
 
-export function reported(finding: Finding): ReportedFinding {
+export function reported(finding: Finding, said?: Said): ReportedFinding {
   const { rank, kind, level, cells, sentence, expected, confidence, reach } = finding;
   const sheet = cells[0]?.sheet ?? '';
   return {
@@ -58,7 +64,20 @@ export function reported(finding: Finding): ReportedFinding {
     expected,
     confidence,
     reach,
+    ...(said ? { state: said.state, note: said.note } : {}),
   };
+}
+
+export function saidCounts(said: readonly Said[]): Record<State, number> {
+  const counts = { fault: 0, fine: 0, later: 0 };
+  for (const { state } of said) counts[state]++;
+  return counts;
+}
+
+/** The first findings by rank; those that were said to be fine leave the others their places. */
+export function topOf(findings: readonly ReportedFinding[], top: number): ReportedFinding[] {
+  let left = top;
+  return findings.filter(({ state }) => left > 0 && (state === 'fine' || left-- > 0));
 }
 
 export function placeOf({ sheet, cells }: ReportedFinding): string {

@@ -1,5 +1,6 @@
 // Reads a workbook whole, as the page does, and tells what the audit finds in it.
 
+import { rowsOf } from '../audit/answer';
 import { audit } from '../audit/audit';
 import type { ModelClient } from '../model/ModelClient';
 import type { Question } from '../model/messages';
@@ -7,7 +8,8 @@ import { ModelHost } from '../model/ModelHost';
 import { drain } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
 import { inventoryOf } from './inventory';
-import { reported, type Report } from './Report';
+import { decodeReview, saidOf, type Said } from '../review/said';
+import { reported, saidCounts, topOf, type Report } from './Report';
 
 /** The model on this thread. Nobody waits for a turn meanwhile, so each question is answered whole. */
 class OwnModel implements ModelClient {
@@ -19,9 +21,19 @@ class OwnModel implements ModelClient {
     });
 }
 
-/** Of the workbook in front; `top` findings at most. Does not reject. */
-export async function auditOf(file: string, top: number, ports: ReadPorts): Promise<Report> {
+/**
+ * Of the workbook in front; `top` findings at most, and those that `review` says are fine: what was
+ * kept of a review of it, or nothing. Does not reject.
+ */
+export async function auditOf(
+  file: string,
+  top: number,
+  review: unknown,
+  ports: ReadPorts,
+): Promise<Report> {
   try {
+    const saved = review === undefined ? undefined : decodeReview(review);
+    if (review !== undefined && !saved) return { file, error: 'Its review is of another version.' };
     const front = await ports.client.ask('pollCell');
     if (!front.ok) return { file, error: front.failure.message };
     const { book } = front.value;
@@ -30,6 +42,12 @@ export async function auditOf(file: string, top: number, ports: ReadPorts): Prom
     const workbook = model.host.model(book);
     const findings = drain(audit(workbook));
     const { formulas, distinct } = await model.ask(book, 'state', {});
+    const said = new Map<number, Said>();
+    if (saved && saved.snapshots.length > 0) {
+      const rows = drain(rowsOf(workbook, findings));
+      const sketches = await model.ask(book, 'sketch', {});
+      for (const [{ rank }, one] of saidOf(saved, rows, sketches)) said.set(rank, one);
+    }
     const sure = (confidence: string) =>
       findings.filter((finding) => finding.confidence === confidence).length;
     return {
@@ -43,9 +61,13 @@ export async function auditOf(file: string, top: number, ports: ReadPorts): Prom
         high: sure('high'),
         medium: sure('medium'),
         low: sure('low'),
+        ...(saved ? { said: saidCounts([...said.values()]) } : {}),
         notRead: scan.state.notRead,
       },
-      findings: findings.slice(0, top).map(reported),
+      findings: topOf(
+        findings.map((finding) => reported(finding, said.get(finding.rank))),
+        top,
+      ),
       inventory: drain(inventoryOf(workbook)),
     };
   } catch (error) {

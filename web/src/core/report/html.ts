@@ -1,7 +1,7 @@
 // Reports as one page that needs nothing else: no script, no request, no picture from elsewhere. Made
 // to be handed on and printed: findings differ by words and borders, not by colour alone.
 
-import { confidenceName, kindName } from '../review/kinds';
+import { confidenceName, kindName, stateName } from '../review/kinds';
 import { count, grouped } from '../format/words';
 import { mostCounted, type Inventory } from './inventory';
 import { placeOf, type Report, type ReportedFinding, type Summary } from './Report';
@@ -35,6 +35,9 @@ ol.findings { list-style: none; padding: 0; }
 .finding { border: 1px solid var(--line); border-left: .3rem solid var(--line); border-radius: .3rem; padding: .5rem .8rem; margin: .7rem 0; break-inside: avoid; }
 .finding.high { border-left: .3rem solid currentColor; }
 .finding.medium { border-left: .3rem double currentColor; }
+.finding.fine { border-style: dashed; }
+.state { border: 1px solid currentColor; border-radius: 1rem; padding: 0 .5rem; margin-left: .4rem; font-size: 13px; }
+.why { white-space: pre-wrap; font-style: italic; }
 .finding p { margin: .3rem 0; }
 .finding .about { display: flex; flex-wrap: wrap; gap: .2rem .8rem; opacity: .85; font-size: 13px; }
 .trouble { border: 1px solid currentColor; padding: .5rem .8rem; border-radius: .3rem; }
@@ -62,14 +65,16 @@ function table(
 }
 
 function findingHtml(finding: ReportedFinding): string {
-  const { rank, kind, confidence, message, expected, reach } = finding;
+  const { rank, kind, confidence, message, expected, reach, state, note = '' } = finding;
   const about = [kindName(kind), confidenceName(confidence)];
   if (reach > 0) about.push(`${count(reach, 'cell')} rest${reach === 1 ? 's' : ''} on it`);
   const wanted = expected === '' ? '' : `<p>Expected: <code>${text(expected)}</code></p>\n`;
-  return `<li class="finding ${confidence}">
-<p><strong>${String(rank)}. ${text(placeOf(finding))}</strong></p>
+  const judged = state ? ` <span class="state">${stateName(state)}</span>` : '';
+  const why = note === '' ? '' : `<p class="why">${text(note)}</p>\n`;
+  return `<li class="finding ${state === 'fine' ? 'fine' : confidence}">
+<p><strong>${String(rank)}. ${text(placeOf(finding))}</strong>${judged}</p>
 <p>${text(message)}</p>
-${wanted}<p class="about">${about.map((one) => `<span>${text(one)}</span>`).join('')}</p>
+${wanted}${why}<p class="about">${about.map((one) => `<span>${text(one)}</span>`).join('')}</p>
 </li>`;
 }
 
@@ -141,12 +146,18 @@ function inventoryHtml({ sheets, names, links, unlabelled }: Inventory): string 
   return parts.filter((part) => part !== '').join('\n');
 }
 
+function saidHtml({ said }: Summary): string {
+  if (!said) return '';
+  const { fault, fine, later } = said;
+  return ` Judged: ${count(fault, 'fault')}, ${grouped(String(fine))} fine, ${grouped(String(later))} for later.`;
+}
+
 function summaryHtml(summary: Summary): string {
   const { findings, high, medium, low, cells, formulas, distinctFormulas, sheets } = summary;
   const unread = summary.notRead
     .map(({ sheet, address, reason }) => `<li>${text(`${sheet}!${address}`)}: ${text(reason)}</li>`)
     .join('\n');
-  return `<p>${count(findings, 'finding')}: ${grouped(String(high))} of high confidence, ${grouped(String(medium))} medium, ${grouped(String(low))} low.</p>
+  return `<p>${count(findings, 'finding')}: ${grouped(String(high))} of high confidence, ${grouped(String(medium))} medium, ${grouped(String(low))} low.${saidHtml(summary)}</p>
 <p>${count(sheets, 'sheet')} with ${count(cells, 'cell')}, among them ${count(formulas, 'formula')}, of which ${grouped(String(distinctFormulas))} ${distinctFormulas === 1 ? 'is' : 'are'} distinct.</p>${
     unread === '' ? '' : `\n<div class="trouble"><p>Not read:</p><ul>\n${unread}\n</ul></div>`
   }`;
@@ -191,7 +202,7 @@ export function htmlOf(reports: readonly Report[], version: string): string {
 <body>
 <h1>Audit of ${reports.length === 1 ? 'a workbook' : count(reports.length, 'workbook')}</h1>
 ${contents(reports)}${reports.map(reportHtml).join('\n')}
-<footer><p>Made by Quorin ${text(version)}. A finding is a place to look at, not a verdict.</p></footer>
+<footer><p>Made by Quorin${version === '' ? '' : ` ${text(version)}`}. A finding is a place to look at, not a verdict.</p></footer>
 </body>
 </html>
 `;

@@ -2,10 +2,17 @@
 
 import type { Level } from '../audit/Finding';
 import { count } from '../format/words';
+import { stateName } from '../review/kinds';
 import { htmlOf } from './html';
-import { at, placeOf, type Report } from './Report';
+import { at, placeOf, type Report, type ReportedFinding } from './Report';
 
 export type Format = 'text' | 'json' | 'jsonl' | 'csv' | 'html' | 'sarif';
+
+/** "Said: Fine: agreed with the client"; empty where nothing was said. */
+function saidText({ state, note = '' }: ReportedFinding): string {
+  if (state === undefined) return '';
+  return `      Said: ${stateName(state)}${note === '' ? '' : `: ${note.replace(/\s+/g, ' ')}`}`;
+}
 
 function textOf(report: Report): string {
   if ('error' in report) return `${report.file}: could not be audited: ${report.error}\n`;
@@ -20,6 +27,7 @@ function textOf(report: Report): string {
       `      ${message}`,
     );
     if (expected !== '') lines.push(`      Expected: ${expected}`);
+    if (finding.state !== undefined) lines.push(saidText(finding));
     if (reach > 0) lines.push(`      ${count(reach, 'cell')} rest${reach === 1 ? 's' : ''} on it.`);
   }
   if (findings.length < summary.findings)
@@ -52,6 +60,8 @@ const columns = [
   'message',
   'expected',
   'reach',
+  'state',
+  'note',
   'error',
 ];
 
@@ -77,6 +87,8 @@ function csvOf(reports: readonly Report[]): string {
           one.message,
           one.expected,
           one.reach,
+          one.state ?? '',
+          one.note ?? '',
           '',
         ]
           .map(field)
@@ -89,6 +101,16 @@ function csvOf(reports: readonly Report[]): string {
 
 /** SARIF calls what certainly is wrong an error, what may be a warning, and style a note. */
 const sarifLevels: Record<Level, string> = { fact: 'error', doubt: 'warning', style: 'note' };
+
+/** What is fine is suppressed by somebody's word; anything that was said is a property. */
+function sarifSaid({ state, note = '' }: ReportedFinding): object {
+  if (state === undefined) return {};
+  const suppression = { kind: 'external', status: 'accepted', justification: note };
+  return {
+    properties: { state, note },
+    ...(state === 'fine' ? { suppressions: [suppression] } : {}),
+  };
+}
 
 function sarifOf(reports: readonly Report[], version: string): string {
   const rules = new Set<string>();
@@ -116,6 +138,7 @@ function sarifOf(reports: readonly Report[], version: string): string {
               ? finding.message
               : `${finding.message} Expected: ${finding.expected}`,
         },
+        ...sarifSaid(finding),
         locations: [
           {
             physicalLocation: { artifactLocation: { uri } },

@@ -5,6 +5,8 @@ import type { Kind } from '../audit/Finding';
 import { count, grouped } from '../format/words';
 import type { FindingRow, FindingsAnswer } from '../model/messages';
 import type { SheetSketch } from '../model/sketch';
+import { reportOfReview } from '../report/ofReview';
+import type { Report } from '../report/Report';
 import { succeeded } from '../protocol/Outcome';
 import type { BookScan } from '../scan/BookScan';
 import { coverageOf } from '../scan/coverage';
@@ -179,6 +181,15 @@ export class Review {
 
   get sheets(): readonly Choice<string>[] {
     return this.known?.sheets ?? [];
+  }
+
+  /** Of all findings, with what was said of them; nothing before they are known. */
+  async report(): Promise<Report | undefined> {
+    const { known, scans, scan } = this;
+    if (!known?.told || !scans || !scan) return undefined;
+    const { findings } = known.rows;
+    const said = (finding: FindingRow) => this.sayings.of(finding);
+    return reportOfReview(known.book, findings, known.told.total, said, scan, scans.model);
   }
 
   private async ask(known: Known): Promise<void> {

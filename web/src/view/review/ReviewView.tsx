@@ -5,6 +5,7 @@ import { createMemo, Show, type JSX } from 'solid-js';
 
 import { oneLine, visibleText } from '../../core/format/visible';
 import type { Slot } from '../RowTree';
+import type { ReportFormat } from '../../core/report/ofReview';
 import { stateName } from '../../core/review/kinds';
 import type { ShownRow } from '../../core/workbook/PlaceView';
 import { WarningIcon } from '../icons';
@@ -44,9 +45,14 @@ export function ReviewView(props: { page: Page }): JSX.Element {
     });
   return (
     <section class="places review" aria-label="Review">
-      <h2 class="listHead" data-testid="list-heading">
-        {look(() => review().heading)}
-      </h2>
+      <div class="reviewHead">
+        <h2 class="listHead" data-testid="list-heading">
+          {look(() => review().heading)}
+        </h2>
+        <Show when={status() === 'known'}>
+          <ReportChoice page={props.page} />
+        </Show>
+      </div>
       <div class="reviewBar">
         <Show when={look(() => review().sayings.progress)}>
           {(text) => (
@@ -104,6 +110,28 @@ export function ReviewView(props: { page: Page }): JSX.Element {
         {visibleText(look(() => review().coverage))}
       </p>
     </section>
+  );
+}
+
+/** In which form the report is saved; each choice asks where to. */
+function ReportChoice(props: { page: Page }): JSX.Element {
+  return (
+    <select
+      class="filter report"
+      aria-label="Save a report"
+      data-testid="save-report"
+      onChange={(event) => {
+        const format = event.currentTarget.value;
+        event.currentTarget.value = '';
+        if (format !== '') props.page.saveReport(format as ReportFormat);
+      }}
+    >
+      <option value="">Save report…</option>
+      <option value="html">as a page (HTML)</option>
+      <option value="csv">as a table (CSV)</option>
+      <option value="json">as JSON</option>
+      <option value="sarif">for code scanners (SARIF)</option>
+    </select>
   );
 }
 

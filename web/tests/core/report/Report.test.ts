@@ -1,7 +1,7 @@
 import { describe, expect, it } from 'vitest';
 import type { Finding } from '../../../src/core/audit/Finding';
 import type { Inventory } from '../../../src/core/report/inventory';
-import { reported, type Report } from '../../../src/core/report/Report';
+import { reported, topOf, type Report } from '../../../src/core/report/Report';
 import { written } from '../../../src/core/report/written';
 
 const area = (top: number, left: number, bottom = top, right = left) => ({
@@ -99,12 +99,56 @@ describe('A report', () => {
     };
     expect(written([evil, bad], 'csv', '1.0')).toBe(
       [
-        'file,rank,kind,level,confidence,sheet,cells,message,expected,reach,error',
-        `"'=HYPERLINK(""http://x"")",1,differs,doubt,high,"My ""Data""",C7 C9:D12,"'@SUM(1)\nand more",'=A7+B7,1,`,
-        'c.xlsx,,,,,,,,,,"""c.xlsx"" is not a workbook"',
+        'file,rank,kind,level,confidence,sheet,cells,message,expected,reach,state,note,error',
+        `"'=HYPERLINK(""http://x"")",1,differs,doubt,high,"My ""Data""",C7 C9:D12,"'@SUM(1)\nand more",'=A7+B7,1,,,`,
+        'c.xlsx,,,,,,,,,,,,"""c.xlsx"" is not a workbook"',
         '',
       ].join('\r\n'),
     );
+  });
+
+  it('says what the reviewer said', () => {
+    const fine = reported(finding, { state: 'fine', note: '=agreed\n<b>', at: '' });
+    const fault = reported({ ...finding, rank: 2 }, { state: 'fault', note: '', at: '' });
+    const said = { fault: 1, fine: 1, later: 0 };
+    const judged: Report = { ...good, summary: { ...summary, said }, findings: [fine, fault] };
+    expect(JSON.parse(written([judged], 'json', '1.0'))).toMatchObject({
+      summary: { said },
+      findings: [
+        { state: 'fine', note: '=agreed\n<b>' },
+        { state: 'fault', note: '' },
+      ],
+    });
+    const text = written([judged], 'text', '1.0');
+    expect(text).toContain('      Said: Fine: =agreed <b>\n');
+    expect(text).toContain('      Said: Fault\n');
+    const csv = written([judged], 'csv', '1.0');
+    expect(csv).toContain(`,1,fine,"'=agreed\n<b>",\r\n`);
+    expect(csv).toContain(',1,fault,,\r\n');
+    const html = written([judged], 'html', '1.0');
+    expect(html).toContain('<li class="finding fine">');
+    expect(html).toContain('<p class="why">=agreed\n&lt;b&gt;</p>');
+    expect(html).toContain('Judged: 1 fault, 1 fine, 0 for later.');
+    const sarif = JSON.parse(written([judged], 'sarif', '1.0')) as {
+      runs: { results: Record<string, unknown>[] }[];
+    };
+    const [one, two] = sarif.runs[0]?.results ?? [];
+    expect(one).toMatchObject({
+      properties: { state: 'fine', note: '=agreed\n<b>' },
+      suppressions: [{ kind: 'external', status: 'accepted', justification: '=agreed\n<b>' }],
+    });
+    expect(two).toMatchObject({ properties: { state: 'fault' } });
+    expect(two).not.toHaveProperty('suppressions');
+  });
+
+  it('leaves those that are not fine their places', () => {
+    const states = ['fine', undefined, 'fine', 'fault', 'later', 'fine'] as const;
+    const all = states.map((state, i) => ({
+      ...reported({ ...finding, rank: i + 1 }),
+      ...(state ? { state } : {}),
+    }));
+    expect(topOf(all, 2).map(({ rank }) => rank)).toEqual([1, 2, 3, 4]);
+    expect(topOf(all, 9)).toHaveLength(6);
   });
 
   it('is SARIF', () => {
