@@ -5,9 +5,10 @@ import { areaAddress, qualified, type Area } from '../address/area';
 import type { Destination } from '../follow/SheetFollower';
 import type { Cells } from '../model/messages';
 import type { BookScan } from '../scan/BookScan';
+import type { HiddenLines } from '../scan/hiddenLines';
 import type { Scans } from '../scan/Scans';
 import { Picture } from './Picture';
-import { tileKey, type Frame, type Tile, type TileSamples } from './tiles';
+import { filledArea, tileKey, type Frame, type Tile, type TileSamples } from './tiles';
 import type { Break, CellTold, MapQuestions, SheetsTold, Ties } from './told';
 
 /** One sheet's picture, all sheets with what flows between them, or the same as a list. */
@@ -24,6 +25,8 @@ type Kept<T> = { value: T | undefined; version: number; asking: boolean };
 type Sheet = {
   frame: Kept<Frame>;
   breaks: Kept<Break[]>;
+  /** By the stamp of the picture for which they were asked. */
+  hidden: { of: number; lines: HiddenLines | undefined };
   tiles: Map<string, TileSamples | undefined>;
   cells: Map<string, CellTold | undefined>;
 };
@@ -167,6 +170,23 @@ export class Atlas {
     return own.breaks.value ?? [];
   }
 
+  /** Hidden rows and columns; asked once the workbook was read. */
+  hiddenOf(sheet: string): HiddenLines | undefined {
+    const own = this.sheetOf(sheet);
+    const { scan } = this;
+    const frame = own?.frame.value;
+    if (!own || !frame || !scan) return undefined;
+    const area = filledArea(frame);
+    if (area && own.hidden.of !== frame.stamp && scan.state.status === 'done') {
+      own.hidden.of = frame.stamp;
+      void scan.hidden(sheet, area).then((lines) => {
+        own.hidden.lines = lines;
+        this.changed();
+      });
+    }
+    return own.hidden.lines;
+  }
+
   /** What the selected cells use, and what uses them. */
   get ties(): Ties | undefined {
     const { known, selected } = this;
@@ -259,7 +279,8 @@ export class Atlas {
     }
     let own = known.sheets.get(sheet);
     if (!own) {
-      own = { frame: kept(), breaks: kept(), tiles: new Map(), cells: new Map() };
+      const hidden = { of: 0, lines: undefined };
+      own = { frame: kept(), breaks: kept(), hidden, tiles: new Map(), cells: new Map() };
       known.sheets.set(sheet, own);
     }
     return own;

@@ -31,6 +31,14 @@ export function tileKey({ rowLevel, colLevel, row, col }: Tile): string {
   return `${String(rowLevel)} ${String(colLevel)} ${String(row)} ${String(col)}`;
 }
 
+/** From the sheet's first cell to the last line of each direction; nothing for an empty sheet. */
+export function filledArea({ rows, cols }: Pick<Frame, 'rows' | 'cols'>): Area | undefined {
+  const bottom = rows.stretches.at(-1)?.last;
+  const right = cols.stretches.at(-1)?.last;
+  if (bottom === undefined || right === undefined) return undefined;
+  return { top: 1, left: 1, bottom, right };
+}
+
 /** Samples that the tile has: fewer at the picture's edges. */
 export function tileExtent({ rows, cols }: Frame, tile: Tile): { width: number; height: number } {
   const along = (count: number, level: number, at: number) =>

@@ -3,6 +3,7 @@
 import type { Clock } from '../time/Clock';
 import type { Answer, Question, QuestionName, Questions } from './messages';
 import { ModelHost } from './ModelHost';
+import { Turns } from './Turns';
 
 export type ModelClient = {
   /** Rejects where the model cannot answer. */
@@ -64,9 +65,9 @@ export const slice = 8;
 /** The model on this thread: works until its time is over, then lets others go first. */
 export class SlicedCarrier implements Carrier {
   hear: (answer: Answer | undefined) => void = () => undefined;
-  private readonly host = new ModelHost();
-  private readonly queue: Question[] = [];
-  private work: { id: number; steps: Generator<undefined, unknown> } | undefined;
+  private readonly turns = new Turns(new ModelHost(), (answer) => {
+    this.hear(answer);
+  });
   private running = false;
 
   constructor(
@@ -75,41 +76,25 @@ export class SlicedCarrier implements Carrier {
   ) {}
 
   send(question: Question): void {
-    this.queue.push(question);
+    this.turns.add(question);
     if (this.running) return;
     this.running = true;
-    this.clock.after(0, () => {
-      this.run();
-    });
+    this.runSoon();
   }
 
   private run(): void {
     const end = this.now() + slice;
     while (this.now() < end) {
-      if (!this.work) {
-        const question = this.queue.shift();
-        if (!question) {
-          this.running = false;
-          return;
-        }
-        this.work = { id: question.id, steps: this.host.answer(question) };
-      }
-      this.step(this.work.id, this.work.steps);
+      if (this.turns.step()) continue;
+      this.running = false;
+      return;
     }
+    this.runSoon();
+  }
+
+  private runSoon(): void {
     this.clock.after(0, () => {
       this.run();
     });
-  }
-
-  private step(id: number, steps: Generator<undefined, unknown>): void {
-    try {
-      const step = steps.next();
-      if (step.done !== true) return;
-      this.work = undefined;
-      this.hear({ id, answer: step.value });
-    } catch (error) {
-      this.work = undefined;
-      this.hear({ id, failed: error instanceof Error ? error.message : String(error) });
-    }
   }
 }

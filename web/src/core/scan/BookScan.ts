@@ -12,6 +12,7 @@ import type { CellPlace, RangeFormulas, WorkbookMap } from '../protocol/verbs';
 import type { Clock } from '../time/Clock';
 import { findFilled } from './filled';
 import { HandOver } from './HandOver';
+import { findHidden, type HiddenLines } from './hiddenLines';
 import { PieceSize } from './PieceSize';
 import {
   cellsIn,
@@ -159,6 +160,13 @@ export class BookScan {
       await this.measure(true);
       await this.readAll();
     });
+  }
+
+  /** Which lines of a sheet are hidden; asked while nothing is read and the workbook is in front. */
+  async hidden(sheet: string, area: Area): Promise<HiddenLines | undefined> {
+    if (this.running || !this.ports.inFront(this.book)) return undefined;
+    const { evaluate } = this.ports.questions;
+    return findHidden(this.book, sheet, area, evaluate);
   }
 
   /** A sheet is not as it was read. */

@@ -2,6 +2,7 @@ import { For, Show, type JSX } from 'solid-js';
 
 import { Code } from '../../core/map/codes';
 import { formulaColours, palettes, type Theme } from '../../core/map/palette';
+import { hiddenText } from '../../core/map/words';
 import type { Page } from '../page';
 
 /** What the picture's colours and shapes mean; of those that may be missing only what there is. */
@@ -20,6 +21,7 @@ export function Legend(props: { page: Page; theme: Theme }): JSX.Element {
         ({ first, last, places }) => places < last - first + 1,
       );
     });
+  const hasHidden = () => look(() => hiddenText(atlas().hiddenOf(atlas().sheet)) !== '');
   const hasUnread = () =>
     look(() => atlas().scan?.state.notRead.some(({ sheet }) => sheet === atlas().sheet) === true);
   return (
@@ -46,6 +48,9 @@ export function Legend(props: { page: Page; theme: Theme }): JSX.Element {
       <Show when={hasFolds()}>
         <Entry text="Blank, folded" colours={[]} sign="fold" theme={props.theme} />
       </Show>
+      <Show when={hasHidden()}>
+        <Entry text="Hidden" colours={[]} sign="hidden" theme={props.theme} />
+      </Show>
       <Show when={hasUnread()}>
         <Entry text="Not read" colours={[]} sign="unread" theme={props.theme} />
       </Show>
@@ -54,7 +59,17 @@ export function Legend(props: { page: Page; theme: Theme }): JSX.Element {
 }
 
 type Sign =
-  '' | 'text' | 'input' | 'error' | 'finding' | 'here' | 'uses' | 'used' | 'fold' | 'unread';
+  | ''
+  | 'text'
+  | 'input'
+  | 'error'
+  | 'finding'
+  | 'here'
+  | 'uses'
+  | 'used'
+  | 'fold'
+  | 'hidden'
+  | 'unread';
 
 type EntryProps = { text: string; colours: readonly string[]; sign: Sign; theme: Theme };
 
@@ -135,6 +150,17 @@ function Entry(props: EntryProps): JSX.Element {
         </Show>
         <Show when={props.sign === 'fold'}>
           <path d="M0 7h14" stroke={palette().quiet} stroke-dasharray="3 2" />
+        </Show>
+        <Show when={props.sign === 'hidden'}>
+          <rect
+            x="1"
+            y="1"
+            width="12"
+            height="12"
+            fill={palette().around}
+            stroke={palette().line}
+          />
+          <rect x="1" y="1" width="3" height="12" fill={palette().quiet} />
         </Show>
         <Show when={props.sign === 'unread'}>
           <path d="M1 13 13 1M1 7l6-6M7 13l6-6" stroke={palette().quiet} />

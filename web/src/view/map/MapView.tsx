@@ -16,7 +16,7 @@ import { oneLine, visibleText } from '../../core/format/visible';
 import type { MapMode } from '../../core/map/Atlas';
 import { zoomStep } from '../../core/map/Picture';
 import type { Theme } from '../../core/map/palette';
-import { factsText, tiesText } from '../../core/map/words';
+import { factsText, hiddenText, tiesText } from '../../core/map/words';
 import { coverageOf } from '../../core/scan/coverage';
 import { MinusIcon, PlusIcon, WholeIcon } from '../icons';
 import type { Page } from '../page';
@@ -58,7 +58,8 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
   const facts = () =>
     look(() => {
       const told = atlas().told?.sheets.find(({ name }) => name === sheet());
-      return told && atlas().hasRead(sheet()) ? factsText(told) : '';
+      if (!told || !atlas().hasRead(sheet())) return '';
+      return [factsText(told), hiddenText(atlas().hiddenOf(sheet()))].filter(Boolean).join(' · ');
     });
   const coverage = () =>
     look(() => {
@@ -95,7 +96,11 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
         </Show>
       </div>
       <div class="mapLine" classList={{ done: look(() => atlas().scan?.state.status === 'done') }}>
-        <p class="note mapFacts" data-testid="map-heading">
+        <p
+          class="note mapFacts"
+          data-testid="map-heading"
+          title={mode() === 'picture' ? oneLine(facts()) : undefined}
+        >
           {mode() === 'picture' ? oneLine(facts()) : ''}
         </p>
         <ScanBar page={props.page} scan={scan()} />

@@ -18,6 +18,7 @@ import { Code } from '../../core/map/codes';
 import { pixelsOf, type Palette } from '../../core/map/palette';
 import { ticks } from '../../core/map/ticks';
 import {
+  filledArea,
   tileExtent,
   tileSize,
   type Frame,
@@ -98,6 +99,7 @@ export class Painter {
     context.clip();
     this.drawCells(scene);
     this.drawFolds(scene);
+    this.drawHidden(scene);
     this.drawOver(scene);
     context.restore();
     this.drawHeads(scene);
@@ -238,6 +240,30 @@ export class Painter {
       line(x, 0, x, pane.height);
     }
     context.setLineDash([]);
+  }
+
+  /** Hidden lines: pale, between two lines, with a mark at the edge. */
+  private drawHidden(scene: Scene): void {
+    const { context } = this;
+    const { atlas, frame, camera, scale, pane, palette } = scene;
+    const hidden = atlas.hiddenOf(atlas.sheet);
+    const all = filledArea(frame);
+    if (!hidden || !all) return;
+    const areas = [
+      ...hidden.rows.map(({ first, last }) => ({ ...all, top: first, bottom: last })),
+      ...hidden.cols.map(({ first, last }) => ({ ...all, left: first, right: last })),
+    ];
+    for (const [i, area] of areas.entries()) {
+      const { left, top, width, height } = boxOf(frame, camera, scale, area);
+      if (left > pane.width || top > pane.height || left + width < 0 || top + height < 0) continue;
+      context.globalAlpha = 0.6;
+      context.fillStyle = palette.around;
+      context.fillRect(left, top, width, height);
+      context.globalAlpha = 1;
+      context.fillStyle = palette.quiet;
+      if (i < hidden.rows.length) context.fillRect(0, top, 4, Math.max(2, height));
+      else context.fillRect(left, 0, Math.max(2, width), 4);
+    }
   }
 
   private drawOver(scene: Scene): void {

@@ -43,6 +43,31 @@ describe('a model on the thread of the page', () => {
     expect(done.slice(0, 3)).toEqual([5, 10, 12]);
   });
 
+  test('answers what only looks before others, also in the middle of a long question', async () => {
+    void model.ask(book, 'begin', { book, sheets: ['Data'], names: [] });
+    const rows = 4_000;
+    const formulas = Array.from({ length: rows }, (_, i) => [`=R[${String(i)}]C[2]`]);
+    const values = formulas.map(() => [1]);
+    const whole = { sheet: 'Data', area: area(`A1:A${String(rows)}`) };
+    void model.ask(book, 'beginSheet', { sheet: 'Data' });
+    void model.ask(book, 'piece', { ...whole, formulas, values });
+    void model.ask(book, 'endSheet', { sheet: 'Data' });
+    while (clock.waiting > 0) slice();
+    each = 5;
+    const answered: string[] = [];
+    const noted = (name: string) => () => answered.push(name);
+    void model.ask(book, 'state', {}).then(noted('state'));
+    slice();
+    void model.ask(book, 'errors', {}).then(noted('errors'));
+    void model.ask(book, 'mapFrame', { sheet: 'Data' }).then(noted('frame'));
+    void model.ask(book, 'mapCell', { sheet: 'Data', row: 1, col: 1 }).then(noted('cell'));
+    while (clock.waiting > 0) {
+      slice();
+      for (let i = 0; i < 4; i++) await Promise.resolve();
+    }
+    expect(answered).toEqual(['frame', 'cell', 'state', 'errors']);
+  });
+
   test('lets others go first in the middle of a long question, and answers it all the same', async () => {
     void model.ask(book, 'begin', { book, sheets: ['Data'], names: [] });
     const rows = 4_000;
