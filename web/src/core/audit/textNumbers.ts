@@ -1,4 +1,4 @@
-// Numbers kept as text among those that a sum or its like takes: the spreadsheet passes them over.
+// Numbers and dates kept as text among those that a sum or its like takes: the spreadsheet passes them over.
 
 import { areaAddress, cellCount, covers, qualified, unquoted, type Area } from '../address/area';
 import { count } from '../format/words';
@@ -17,13 +17,18 @@ const numberText = new RegExp(
 /** "007" and "4006381333931" name something. */
 const codeText = /^\s*0\d|\d{10}/;
 
+/** "2024-03-31", "31.3.2024", "3/31/24" */
+const dateText = /^\s*(?:\d{4}([-/.])\d{1,2}\1\d{1,2}|\d{1,2}([-/.])\d{1,2}\2(?:\d{4}|\d{2}))\s*$/;
+/** Dates as numbers lie between 1927 and 2119. */
+const [firstDate, lastDate] = [10_000, 80_000];
+
 /** Of more formulas that use a cell nobody looks further. */
 const usersLimit = 20;
 /** So much of a long line is looked at, on each side of the cell. */
 const lineLimit = 500;
 
 function isNumberText(text: string): boolean {
-  return numberText.test(text) && !codeText.test(text);
+  return (numberText.test(text) && !codeText.test(text)) || dateText.test(text);
 }
 
 type Taken = { sheet: number; row: number; col: number; function: string; area: Area };
@@ -91,20 +96,27 @@ function isAmongNumbers(grid: SheetGrid, range: Area, row: number, col: number):
   const isColumn = range.bottom > range.top;
   const [first, last] = isColumn ? [range.top, range.bottom] : [range.left, range.right];
   const own = isColumn ? row : col;
+  const isDate = dateText.test(textAt(grid, row, col));
   let numbers = 0;
   let texts = 0;
   for (let n = Math.max(first, own - lineLimit); n <= Math.min(last, own + lineLimit); n++) {
     const place: [number, number] = isColumn ? [n, col] : [row, n];
     const kind = grid.kind(...place);
-    if (kind === Kind.Number) numbers += 1;
+    if (kind === Kind.Number && (!isDate || isDateNumber(grid, ...place))) numbers += 1;
     if (kind !== Kind.Text) continue;
-    if (isNumberText(textAt(grid, ...place))) numbers += 1;
+    const text = textAt(grid, ...place);
+    if (isNumberText(text) && dateText.test(text) === isDate) numbers += 1;
     else texts += 1;
   }
   // A year on top of the column is its heading.
   const value = Number(textAt(grid, row, col));
   const isHeading = own === first && Number.isInteger(value) && value >= 1900 && value <= 2200;
   return !isHeading && numbers >= 4 && texts * 4 <= numbers;
+}
+
+function isDateNumber(grid: SheetGrid, row: number, col: number): boolean {
+  const value = Number(grid.cells.valueAt(row, col).value);
+  return value >= firstDate && value <= lastDate;
 }
 
 function clueOf(evidence: Evidence, grid: SheetGrid, { by, areas, text }: Group): Clue {
@@ -119,7 +131,7 @@ function clueOf(evidence: Evidence, grid: SheetGrid, { by, areas, text }: Group)
     kind: 'text-number',
     sheet: grid.sheet,
     areas,
-    sentence: `${address(first.top, first.left)}${more} ${hold} “${text.trim()}” where a number is expected; ${by.function} in ${user} takes ${areaAddress(by.area)} and passes ${them} over.`,
+    sentence: `${address(first.top, first.left)}${more} ${hold} “${text.trim()}” where a ${dateText.test(text) ? 'date' : 'number'} is expected; ${by.function} in ${user} takes ${areaAddress(by.area)} and passes ${them} over.`,
     expected: '',
     weight: 9,
     level: 'fact',

@@ -64,6 +64,11 @@ describe('numbers inside formulas', () => {
       { A1: 4, B1: '=A1*1.19', C1: '=1.19+A1', B5: '=A1/3.6', B7: '=A1-5.5' },
       ['inside B1 C1', 'inside B5 B7'],
     ],
+    [
+      'two in the same formulas',
+      { A1: 4, B1: '=A1*1.19+5.5', C1: '=A1/1.19-5.5' },
+      ['inside B1 C1', 'inside B1 C1'],
+    ],
     ['a threshold', { A1: 4, B1: '=IF(A1>4500,A1,0)' }, ['inside B1']],
     ['in brackets, with a sign', { A1: 4, B1: '=A1*(-(0.35))' }, ['inside B1']],
     ['a share', { A1: 4, B1: '=A1*19%' }, ['inside B1']],

@@ -65,3 +65,28 @@ describe('numbers kept as text', () => {
     expect(kinds({ ...mixed, A8: '=MAX(A1:A7)' })).toEqual([]);
   });
 });
+
+describe('dates kept as text', () => {
+  const dates = (odd: string): Written => {
+    const cells: Written = { A1: 'Paid on', C1: '=MAX(A2:A11)' };
+    for (let row = 2; row <= 11; row++) cells[`A${String(row)}`] = 45_000 + row * 30;
+    return { ...cells, A7: odd };
+  };
+
+  it.each(['2024-03-31', '31.3.2024', '3/31/24', ' 31/03/2024 '])('are texts like %j', (text) => {
+    expect(kinds(dates(text))).toEqual(['text-number A7']);
+  });
+
+  it.each(['31.3.', '2024-03', '1.2.10.4', '31-3/2024', 'Mar 31'])(
+    'are no texts like %j',
+    (text) => {
+      expect(kinds(dates(text))).toEqual([]);
+    },
+  );
+
+  it('are told as dates', () => {
+    expect(sentences(dates('31.3.2024'))).toEqual([
+      'A7 holds the text “31.3.2024” where a date is expected; MAX in C1 takes A2:A11 and passes it over.',
+    ]);
+  });
+});
