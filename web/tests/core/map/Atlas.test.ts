@@ -1,6 +1,7 @@
 import { beforeEach, describe, expect, test } from 'vitest';
 
 import { Atlas } from '../../../src/core/map/Atlas';
+import { hiddenText } from '../../../src/core/map/words';
 import { CarriedModel, SlicedCarrier, type ModelClient } from '../../../src/core/model/ModelClient';
 import { failed, succeeded, type Outcome } from '../../../src/core/protocol/Outcome';
 import type { RangeFormulas, WorkbookMap } from '../../../src/core/protocol/verbs';
@@ -16,6 +17,8 @@ const first = { rowLevel: 0, colLevel: 0, row: 0, col: 0 };
 let clock: FakeClock;
 let sheets: Record<string, Written>;
 let refused: string;
+/** The letters of the one column that is hidden; empty where the spreadsheet tells nothing of it. */
+let hiddenColumn: string;
 let asked: string[];
 let scans: Scans;
 let atlas: Atlas;
@@ -24,6 +27,7 @@ beforeEach(() => {
   clock = new FakeClock();
   sheets = { Data: column, More: { A1: 1, B2: '=A1' } };
   refused = '';
+  hiddenColumn = '';
   asked = [];
   const own = new CarriedModel(new SlicedCarrier(clock, () => 0), () => undefined);
   const model: ModelClient = {
@@ -57,7 +61,12 @@ beforeEach(() => {
           succeeded({ rows: read.bottom, cols: read.right, formulas, values }),
         );
       },
-      evaluate: () => Promise.resolve(failed('transport', 'not asked here')),
+      evaluate(expression): Promise<Outcome<string>> {
+        if (hiddenColumn === '') return Promise.resolve(failed('transport', 'not asked here'));
+        const terms = expression.split('&"|"&');
+        const values = terms.map((term) => (term.includes(`!${hiddenColumn}1)`) ? 0 : 9));
+        return Promise.resolve(succeeded(values.join('|')));
+      },
       pollCell: () => Promise.resolve(failed('transport', 'not asked here')),
     },
     clock,
@@ -154,6 +163,22 @@ describe('the map', () => {
     expect([atlas.hasRead('Data'), atlas.hasRead('More')]).toEqual([true, false]);
     atlas.open('More');
     expect((await seen()).frame).toBeUndefined();
+  });
+
+  test('asks which lines are hidden once the workbook was read, once', async () => {
+    hiddenColumn = 'B';
+    atlas.look('Model.xlsx', cell('Data', 'B6'), true);
+    expect(atlas.hiddenOf('Data')).toBeUndefined();
+    await seen();
+    atlas.hiddenOf('Data');
+    await pass();
+    const found = { rows: [], cols: [{ first: 2, last: 2 }], partly: false };
+    expect(atlas.hiddenOf('Data')).toEqual(found);
+    expect(hiddenText(found)).toBe('1 hidden column');
+    hiddenColumn = 'A';
+    atlas.hiddenOf('Data');
+    await pass();
+    expect(atlas.hiddenOf('Data')).toEqual(found);
   });
 
   test('keeps few tiles, however far the user goes', async () => {
