@@ -86,8 +86,8 @@ describe('a tile', () => {
     const cells = sheet({
       top: 1,
       rows: [
-        [1, 2, 'x', 'y', '', '', '', ''],
-        [3, 'z', 'x', 4, '', 5, '#N/A', 1],
+        [1, 2, 'x', 'y', '', '', '#N/A', 1],
+        [3, 'z', 'x', 4, '', 5, 2, 1],
       ],
     });
     expect(picture(cells, { rowLevel: 1, colLevel: 1 })).toEqual(['ntnE']);
