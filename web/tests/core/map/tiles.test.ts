@@ -134,6 +134,12 @@ describe('hues', () => {
     const second = make([['=B', '=E', '=F', '=G', '=H', '=I', '=A']]);
     expect([second(1, 7), second(1, 1)]).toEqual(before);
     for (let col = 2; col <= 7; col++) expect(second(1, col)).not.toBe(second(1, col - 1));
+    // Every hue has been used as often: the first one would be next, which stands beside it.
+    const all = make([['=J', '=K', '=L']]);
+    expect(new Set([all(1, 1), all(1, 2), all(1, 3)]).size).toBe(3);
+    const used = Array.from({ length: 60 }, (_, i) => [`=A`, `=Z${String(i)}`]);
+    const third = make(used);
+    for (let row = 1; row <= 60; row++) expect(third(row, 2)).not.toBe(third(row, 1));
     expect(Code.Formula + hueCount).toBeLessThanOrEqual(256);
   });
 });
