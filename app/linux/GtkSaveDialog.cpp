@@ -14,8 +14,8 @@ GtkSaveDialog::~GtkSaveDialog() {
 void GtkSaveDialog::ask(const std::string& name, Answer answer) {
   check(!dialog_, "GtkSaveDialog::ask while a dialog is shown");
   answer_ = std::move(answer);
-  dialog_ = gtk_file_chooser_dialog_new("Save", nullptr, GTK_FILE_CHOOSER_ACTION_SAVE, "_Cancel",
-                                        GTK_RESPONSE_CANCEL, "_Save", GTK_RESPONSE_ACCEPT, nullptr);
+  dialog_ = gtk_file_chooser_dialog_new("Save", nullptr, GTK_FILE_CHOOSER_ACTION_SAVE, "Cancel",
+                                        GTK_RESPONSE_CANCEL, "Save", GTK_RESPONSE_ACCEPT, nullptr);
   gtk_file_chooser_set_do_overwrite_confirmation(GTK_FILE_CHOOSER(dialog_), TRUE);
   gtk_file_chooser_set_current_name(GTK_FILE_CHOOSER(dialog_), name.c_str());
   gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);

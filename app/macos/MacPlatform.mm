@@ -7,6 +7,7 @@
 #include "app/macos/MacLoginItem.h"
 #import "app/macos/MacMainLoop.h"
 #import "app/macos/MacPanelWindow.h"
+#include "app/macos/MacSaveDialog.h"
 #import "app/macos/MacStatusItem.h"
 #include "app/macos/MacSystem.h"
 #import "app/macos/MacUpdater.h"
@@ -33,6 +34,7 @@ class MacPlatform : public AppPlatform {
   }
   LoginItem* loginItem() override { return &loginItem_; }
   Updater* updater() override { return &updater_; }
+  SaveDialog* saveDialog() override { return &saveDialog_; }
   Archiver* archiver() override { return &archiver_; }
   SystemVersions systemVersions() const override { return macVersions(); }
 
@@ -49,6 +51,7 @@ class MacPlatform : public AppPlatform {
   MacMainLoop mainLoop_;
   MacWorkspace workspace_;
   MacAlerts alerts_;
+  MacSaveDialog saveDialog_;
   MacDefaults defaults_;
   MacBundle bundle_;
   SystemClock clock_;

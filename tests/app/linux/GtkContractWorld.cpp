@@ -14,6 +14,7 @@ using ui::ChildProcess;
 struct Press {
   std::string title;
   guint attempts = 0;
+  GtkWidget* pressed = nullptr;  // only compared: it may be gone
 };
 
 void findButton(GtkWidget* widget, gpointer data) {
@@ -35,9 +36,11 @@ gboolean pressNow(gpointer data) {
       findButton(GTK_WIDGET(each->data), &found);
   }
   g_list_free(windows);
-  if (!found.second) return ++press.attempts < 500 ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
-  gtk_button_clicked(GTK_BUTTON(found.second));
-  return G_SOURCE_REMOVE;
+  if (press.pressed && found.second != press.pressed) return G_SOURCE_REMOVE;
+  if (found.second) gtk_button_clicked(GTK_BUTTON(found.second));
+  // A file chooser that is still reading its folder lets a press go by.
+  press.pressed = found.second;
+  return ++press.attempts < 500 ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
 }
 
 std::string keysOf(std::uint32_t keyCode, std::uint32_t modifiers) {
@@ -78,7 +81,7 @@ void pressHotKey(HotKeyID, std::uint32_t keyCode, std::uint32_t modifiers) {
 }
 
 void pressAlertButtonSoon(const std::string& title) {
-  g_timeout_add_full(G_PRIORITY_DEFAULT, 20, pressNow, new Press{title, 0},
+  g_timeout_add_full(G_PRIORITY_DEFAULT, 20, pressNow, new Press{title},
                      [](gpointer data) { delete static_cast<Press*>(data); });
 }
 
