@@ -66,6 +66,7 @@ class Completion(unittest.TestCase):
             self.assertEqual(completed("--workbook", "", folder=folder), workbooks)
             self.assertEqual(completed("lint", "", folder=folder), {"e.applescript", "models"})
             self.assertEqual(completed("--data", "", folder=folder), {"models"})
+            self.assertIn("c.txt", completed("audit", "--review", "", folder=folder))
 
 
 if __name__ == "__main__":
