@@ -146,7 +146,7 @@ test('is gone through with keys', async () => {
   await pointed().getByText('H3').waitFor();
   await press('n');
   await pointed().getByText('F4').waitFor();
-  expect(await panel.text('pointed')).toContain('Finding: ');
+  await pointed().getByText('Finding: ').waitFor();
   await press('n');
   await pointed().getByText('E2').waitFor();
   await press('p', 'Home');
