@@ -140,20 +140,14 @@ void PrivateOffice::prepareFolder() {
 
 void PrivateOffice::startKeeper() {
   const std::string installation = fileUrl(folder_ / "profile");
-  std::vector<std::string> command{"/bin/sh",
-                                   "-c",
-                                   officeKeeperScript,
-                                   "quorin-office-keeper",
-                                   folder_.string(),
-                                   pipeFile(pipe_).string(),
-                                   pipeFile(singleInstancePipe(installation)).string(),
-                                   QUORIN_OFFICE_FOLDER "/program/soffice.bin",
-                                   "-env:UserInstallation=" + installation,
-                                   "--norestore",
-                                   "--nologo",
-                                   "--nodefault",
-                                   "--nolockcheck",
-                                   "--accept=pipe,name=" + pipe_ + ";urp;"};
+  std::vector<std::string> command{
+      "/bin/sh", "-c", officeKeeperScript, "quorin-office-keeper", folder_.string(),
+      pipeFile(pipe_).string(), pipeFile(singleInstancePipe(installation)).string(),
+      QUORIN_OFFICE_FOLDER "/program/soffice.bin", "-env:UserInstallation=" + installation,
+      // Run as root it would make the system's own, for itself alone,
+      // and no other user's office would start any more.
+      "-env:UNO_SHARED_PACKAGES_CACHE=" + fileUrl(folder_ / "shared"), "--norestore", "--nologo",
+      "--nodefault", "--nolockcheck", "--accept=pipe,name=" + pipe_ + ";urp;"};
   if (options_.headless) command.emplace_back("--headless");
   std::vector<std::string> variables =
       environment(folder_, options_.headless, options_.environment);

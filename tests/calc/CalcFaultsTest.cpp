@@ -200,6 +200,13 @@ TEST(PrivateOfficeTest, LetsNobodyElseInWhateverTheUmask) {
   }
 }
 
+// As root it would make the system's for itself alone, and keep all other users' offices from starting.
+TEST(PrivateOfficeTest, KeepsItsCacheOfExtensionsInItsOwnFolder) {
+  PrivateOffice office;
+  office.open();
+  EXPECT_TRUE(std::filesystem::is_directory(office.folder() / "shared" / "uno_packages"));
+}
+
 TEST(PipeName, IsNewEachTime) {
   const std::string one = newPipeName("quorin-"), other = newPipeName("quorin-");
   EXPECT_EQ(one.size(), std::string("quorin-").size() + 32);
