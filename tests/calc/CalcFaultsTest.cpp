@@ -200,7 +200,8 @@ TEST(PrivateOfficeTest, LetsNobodyElseInWhateverTheUmask) {
   }
 }
 
-// As root it would make the system's for itself alone, and keep all other users' offices from starting.
+// As root it would make the system's for itself alone, and keep all other users' offices from
+// starting.
 TEST(PrivateOfficeTest, KeepsItsCacheOfExtensionsInItsOwnFolder) {
   PrivateOffice office;
   office.open();
