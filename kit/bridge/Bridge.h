@@ -75,6 +75,9 @@ class Bridge {
   JSONValue activate(const std::optional<std::string>& addr);  // true
   JSONValue dependents(const std::string& addr);  // address text, "" when there are none
   JSONValue readRange(const std::string& addr);   // see decodeReadRange
+  // What the cells of each address show on their sheet; see decodeReadTexts.
+  static constexpr std::size_t mostAddressesForTexts = 40;
+  JSONValue readTexts(const std::vector<std::string>& addrs);
   // `style` is "a1" or "r1c1"; see decodeReadFormulas.
   JSONValue readFormulas(const std::string& addr, const std::string& style, bool formulasOnly);
   JSONValue workbookMap();  // see workbookMapObject

@@ -24,6 +24,10 @@ bool startsWithTextsNotNone(const Args& args) {
   return isTextList(args, 0) && !args[0].array()->empty();
 }
 
+bool isTextsRequest(const Args& args) {
+  return startsWithTextsNotNone(args) && args[0].array()->size() <= Bridge::mostAddressesForTexts;
+}
+
 // Whether the user asked for this very part: a constant word behind the other arguments.
 bool wasAsked(const Args& args) {
   return isText(args, 1) && *args[1].string() == Bridge::askedWord;
@@ -61,6 +65,8 @@ constexpr Verb verbs[] = {
      }},
     {"readRange", startsWithText,
      [](Bridge& bridge, const Args& args) { return bridge.readRange(*args[0].string()); }},
+    {"readTexts", isTextsRequest,
+     [](Bridge& bridge, const Args& args) { return bridge.readTexts(texts(args[0])); }},
     {"select", startsWithTextsNotNone,
      [](Bridge& bridge, const Args& args) { return bridge.select(texts(args[0])); }},
     {"activate", isOptionalText,

@@ -184,6 +184,28 @@ JSONValue decodeReadFormulas(const std::string& addr, JSONValue answer) {
   refuseCount(items, "readFormulas", addr);
 }
 
+JSONValue decodeReadTexts(std::size_t addresses, const JSONValue& answer) {
+  const Array* const items = answer.array();
+  if (!items || items->size() != addresses || Marshal::containsUnmarshalled(answer))
+    throw ShapeError("readTexts payload has an unexpected shape");
+  Array told;
+  for (const JSONValue& item : *items) {
+    const Array* const one = item.array();
+    if (!one || one->size() != 3) {
+      told.emplace_back(nullptr);
+      continue;
+    }
+    const auto rows = wholeNumber((*one)[1]), cols = wholeNumber((*one)[2]);
+    if (!rows || !cols) throw ShapeError("readTexts dims unreadable");
+    auto texts = grid((*one)[0], {*rows, *cols});
+    if (texts)
+      told.emplace_back(std::move(*texts));
+    else
+      told.emplace_back(nullptr);
+  }
+  return JSONValue::Object{{"texts", std::move(told)}};
+}
+
 JSONValue normalizeFormulaGrid(JSONValue value) {
   keepFormulas(value);
   return value;

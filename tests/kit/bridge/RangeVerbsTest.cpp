@@ -30,6 +30,15 @@ TEST_F(RangeVerbs, ReadRangeOfTooManyCellsIsNoError) {
             (Bridge::Reply{true, Object{{"tooBig", true}, {"rows", 20001}, {"cols", 1}}}));
 }
 
+TEST_F(RangeVerbs, ReadTextsAsksForAllAddressesAtOnce) {
+  excel_.returns("qx_readtexts", Array{Array{"12%", 1, 1}, ""});
+  EXPECT_EQ(bridge_.dispatch("readTexts", {list({"Data!B2", "Nowhere"})}),
+            (Bridge::Reply{true, Object{{"texts", Array{row({"12%"}), nullptr}}}}));
+  EXPECT_THAT(excel_.calls(),
+              ElementsAre(Call{"qx_readtexts", list({list({"Data!B2", "Nowhere"})})}));
+  EXPECT_THAT(clock_.waits(), ElementsAre(seconds(10)));
+}
+
 TEST_F(RangeVerbs, ReadFormulasOfTooManyCellsIs) {
   excel_.returns("qx_readformulas", Array{"__TOOBIG", 20001, 1, 20001});
   EXPECT_EQ(

@@ -37,7 +37,7 @@ TEST(HandlerTimes, AreTheCatalogues) {
       {"qx_workbookcount", {2}}, {"qx_cf_sheet", {3}},       {"qx_bindaddr", {3}},
       {"qx_joinedbind", {3}},    {"qx_rangefromaddrs", {3}}, {"qx_cf_make", {8}},
       {"qx_cf_move", {8}},       {"qx_cf_clear", {8}},       {"qx_revealread", {3}},
-      {"qx_unhide", {8}},        {"qx_revealscroll", {3}}};
+      {"qx_unhide", {8}},        {"qx_revealscroll", {3}},   {"qx_readtexts", {3}}};
   for (const auto& [handler, seconds] : catalogue) {
     ASSERT_TRUE(times.contains(handler)) << handler;
     EXPECT_EQ(times.at(handler), seconds) << handler;

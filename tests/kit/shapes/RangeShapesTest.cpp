@@ -282,6 +282,21 @@ TEST(DecodeReadFormulas, TakesTheValuesFromTheFormulasWhenTheFirstColumnHasAnErr
       });
 }
 
+TEST(DecodeReadTexts, GivesAGridForEachAddressOrNull) {
+  const auto told = [](std::size_t addresses, const char* answer) {
+    std::string reply;
+    const std::string message = shapeMessageOf(
+        [&] { reply = Marshal::encode(decodeReadTexts(addresses, parsed(answer))); });
+    return reply.empty() ? message : reply;
+  };
+  EXPECT_EQ(told(3, R"([["2041",1,1],"",[[["12%","£ 3"]],1,2]])"),
+            R"({"texts":[[["2041"]],null,[["12%","£ 3"]]]})");
+  EXPECT_EQ(told(1, R"([[["a","b"],3,1]])"), R"({"texts":[null]})");  // of another size
+  EXPECT_EQ(told(1, R"([["a",0.5,1]])"), "readTexts dims unreadable");
+  EXPECT_EQ(told(2, R"([["a",1,1]])"), "readTexts payload has an unexpected shape");
+  EXPECT_EQ(told(1, R"("a")"), "readTexts payload has an unexpected shape");
+}
+
 TEST(NormalizeFormulaGrid, KeepsFormulasAlone) {
   EXPECT_EQ(Marshal::encode(normalizeFormulaGrid(
                 parsed(R"(["=A1",[" =A1","10",5,true,null,{"a":"=A1"},["="]],""])"))),
