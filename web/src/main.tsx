@@ -158,6 +158,7 @@ const direct: GuardedQuestions = {
   evaluate: (expression, asked) => client.ask('evaluate', expression, ...wish(asked)),
   pollCell: () => client.ask('pollCell'),
   readRange: (address) => client.ask('readRange', address),
+  readTexts: (addresses) => client.ask('readTexts', addresses),
   deepEval: (plan, asked) => client.ask('deepEval', plan, ...wish(asked)),
   workbookMap: () => client.ask('workbookMap'),
 };
@@ -171,6 +172,7 @@ const explorer: Explorer = new Explorer({
     evaluate: (expression, asked) => evaluations.evaluate(expression, asked),
     pollCell: () => evaluations.pollCell(),
     readRange: (address, asked) => evaluations.readRange(address, asked),
+    readTexts: (addresses) => evaluations.readTexts(addresses),
     deepEval: (plan, asked) => evaluations.deepEval(plan, asked),
     readFormulas: (address, style, formulasOnly = false) =>
       ask('readFormulas', address, style, formulasOnly),

@@ -113,7 +113,10 @@ export function App(props: AppProps): JSX.Element {
             <>
               <Show when={view() === 'tree'}>
                 <ResultLine page={props.page} stop={stop()} />
-                <Show when={tree()} fallback={<CellView stop={stop()} content={content()} />}>
+                <Show
+                  when={tree()}
+                  fallback={<CellView page={props.page} stop={stop()} content={content()} />}
+                >
                   <FormulaPane
                     page={props.page}
                     stop={stop()}

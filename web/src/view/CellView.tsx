@@ -4,9 +4,11 @@ import { extentOf } from '../core/address/extent';
 import type { Stop } from '../core/explorer/Trail';
 import { resultView } from '../core/format/resultView';
 import type { CellContent } from '../core/selection/state';
+import type { Page } from './page';
 import { createWhole, ShowAll } from './ShowAll';
 
 export type CellViewProps = {
+  page: Page;
   stop: Stop;
   /** What was read of the selected cell, while that is the one shown. */
   content: CellContent | undefined;
@@ -15,7 +17,14 @@ export type CellViewProps = {
 /** A cell without a formula: what it is, its whole value, and what else is selected around it. */
 export function CellView(props: CellViewProps): JSX.Element {
   const { whole, open } = createWhole(() => Object.values(props.stop.place).join('\n'));
-  const value = () => resultView(props.stop.result, { isCell: true, whole: whole() });
+  const value = () =>
+    props.page.look(({ evaluator }) =>
+      resultView(props.stop.result, {
+        isCell: true,
+        shown: evaluator.constantShownAs,
+        whole: whole(),
+      }),
+    );
   return (
     <div class="cell">
       <p class="absent" data-testid="no-formula">

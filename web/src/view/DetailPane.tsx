@@ -1,4 +1,4 @@
-import { createMemo, on, Show, type JSX } from 'solid-js';
+import { createEffect, createMemo, on, Show, type JSX } from 'solid-js';
 
 import { leads } from '../core/explorer/lead';
 import { homeOf } from '../core/explorer/stops';
@@ -17,6 +17,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
       const one = item();
       return one && evaluator.stateOf(one);
     });
+  createEffect(on(item, (one) => props.page.explorer.detail(one)));
   const { whole, open } = createWhole(item);
   const result = () => {
     const now = state();
@@ -28,7 +29,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
     if (!now || !one) return undefined;
     const { evaluator } = props.page.explorer;
     const isCell = evaluator.routeOf(one).route.by === 'cells';
-    return resultView(now, { isCell, format: evaluator.formatOf(one), whole: whole() });
+    return resultView(now, { isCell, shown: evaluator.shownAs(one), whole: whole() });
   };
   const reason = () => {
     const now = state();
@@ -43,6 +44,11 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
     const now = result();
     return now?.kind === 'array' ? now : undefined;
   };
+  const texts = () =>
+    props.page.look(({ evaluator }) => {
+      const one = item();
+      return one && evaluator.gridOf(one);
+    });
   const target = () => {
     const one = item();
     return one && leads(one, homeOf(props.stop)) ? one : undefined;
@@ -68,6 +74,19 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
               onClick={() => props.page.copy(known().copy, 'Value')}
             >
               Copy value
+            </button>
+          )}
+        </Show>
+        <Show when={view()?.type === 'Number' && view()}>
+          {(known) => (
+            <button
+              type="button"
+              class="textButton"
+              data-testid="copy-part-shown"
+              disabled={known().text === known().copy}
+              onClick={() => props.page.copy(known().text, 'Text')}
+            >
+              Copy as shown
             </button>
           )}
         </Show>
@@ -138,6 +157,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
         {(cells) => (
           <RangeView
             cells={cells()}
+            texts={texts()}
             onWant={() => {
               const one = item();
               if (one) props.page.explorer.want(one);

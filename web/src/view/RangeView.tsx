@@ -6,6 +6,8 @@ import { factsOf } from '../core/format/rangeFacts';
 import { resultView } from '../core/format/resultView';
 import { isErrorText } from '../core/evaluation/Result';
 import type { Scalar } from '../core/protocol/json';
+import type { ShownGrid } from '../core/protocol/verbs';
+import { saysSomething } from '../core/evaluation/ShownTexts';
 import { grouped } from '../core/format/words';
 import { ValueText } from './ValueText';
 
@@ -16,7 +18,12 @@ const around = 3;
 type Cells = Result & { kind: 'array' };
 
 /** The values of a range: what they come to, and each of them, as many as are in sight. */
-export function RangeView(props: { cells: Cells; onWant(): void }): JSX.Element {
+export function RangeView(props: {
+  cells: Cells;
+  /** What they show on their sheet, where that is known. */
+  texts: ShownGrid | undefined;
+  onWant(): void;
+}): JSX.Element {
   const facts = createMemo(() => props.cells.values && factsOf(props.cells.values));
   return (
     <Show
@@ -47,7 +54,7 @@ export function RangeView(props: { cells: Cells; onWant(): void }): JSX.Element 
             <Fact name="Errors" value={grouped(String(known().errors))} />
             <Fact name="Blank" value={grouped(String(known().blanks))} />
           </dl>
-          <ValueGrid cells={props.cells} />
+          <ValueGrid cells={props.cells} texts={props.texts} />
         </>
       )}
     </Show>
@@ -67,12 +74,15 @@ function Fact(props: { name: string; value: string }): JSX.Element {
   );
 }
 
-const viewOf = (value: Scalar) =>
+const viewOf = (value: Scalar, text: string | undefined) =>
   isErrorText(value)
     ? resultView({ kind: 'error', text: value }, { isCell: true })
-    : resultView({ kind: 'value', value }, { isCell: true });
+    : resultView(
+        { kind: 'value', value },
+        { isCell: true, shown: saysSomething(text) ? { text } : undefined },
+      );
 
-function ValueGrid(props: { cells: Cells }): JSX.Element {
+function ValueGrid(props: { cells: Cells; texts: ShownGrid | undefined }): JSX.Element {
   const [place, setPlace] = createSignal({ top: 0, left: 0, height: 240, width: 320 });
   const bounds = (at: number, extent: number, size: number, total: number) => {
     const first = Math.max(0, Math.floor(at / size) - around);
@@ -104,10 +114,12 @@ function ValueGrid(props: { cells: Cells }): JSX.Element {
           {(row) => (
             <For each={cols()}>
               {(col) => {
-                const view = () => viewOf(props.cells.values?.[row]?.[col] ?? null);
+                const view = () =>
+                  viewOf(props.cells.values?.[row]?.[col] ?? null, props.texts?.[row]?.[col]);
                 return (
                   <span
                     class={`gridCell is-${view().type.toLowerCase()}`}
+                    title={view().note || undefined}
                     style={{
                       transform: `translate(${String(col * cellWidth)}px, ${String(row * cellHeight)}px)`,
                     }}

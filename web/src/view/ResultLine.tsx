@@ -3,7 +3,7 @@ import { Show, type JSX } from 'solid-js';
 import type { Evaluator } from '../core/evaluation/Evaluator';
 import { resultView } from '../core/format/resultView';
 import type { Stop } from '../core/explorer/Trail';
-import { CopyIcon } from './icons';
+import { CopyIcon, CopyTextIcon } from './icons';
 import type { Page } from './page';
 import { ValueText } from './ValueText';
 
@@ -12,8 +12,8 @@ export function doubtOf(evaluator: Evaluator, stop: Stop | undefined): string {
   const { verification } = evaluator;
   if (verification.state !== 'differs') return '';
   const root = stop?.tree?.outline.root;
-  const format = root && evaluator.formatOf(root);
-  const given = resultView(verification.now, { isCell: false, format });
+  const shown = root && evaluator.formatOf(root);
+  const given = resultView(verification.now, { isCell: false, shown });
   return `Gives ${given.text} now; it may wait for a calculation.`;
 }
 
@@ -21,11 +21,13 @@ export function doubtOf(evaluator: Evaluator, stop: Stop | undefined): string {
 export function ResultLine(props: { page: Page; stop: Stop }): JSX.Element {
   const root = () => props.stop.tree?.outline.root;
   const view = () =>
-    props.page.look((explorer) => {
+    props.page.look(({ evaluator }) => {
       const item = root();
-      const format = item && explorer.evaluator.formatOf(item);
-      return resultView(props.stop.result, { isCell: !item, format });
+      const shown = item ? evaluator.shownAs(item) : evaluator.constantShownAs;
+      return resultView(props.stop.result, { isCell: !item, shown });
     });
+  // Its room is kept where there is nothing of that, so that nothing moves.
+  const isRounded = () => view().type === 'Number' && view().text !== view().copy;
   const verification = () => props.page.look((explorer) => explorer.evaluator.verification);
   const verdict = () => {
     const { state } = verification();
@@ -44,10 +46,21 @@ export function ResultLine(props: { page: Page; stop: Stop }): JSX.Element {
         data-testid="value"
         data-type={view().type}
         data-exact={view().type === 'Number' ? view().copy : undefined}
-        title={view().copy.slice(0, 1_000)}
+        title={view().type === 'Number' ? view().note || view().copy : view().copy.slice(0, 1_000)}
       >
         <ValueText view={view()} />
       </span>
+      <button
+        type="button"
+        class="iconButton"
+        classList={{ absentButton: !isRounded() }}
+        data-testid="copy-shown"
+        aria-label="Copy as shown"
+        title="Copy as shown"
+        onClick={() => props.page.copy(view().text, 'Text')}
+      >
+        <CopyTextIcon />
+      </button>
       <span class="verdicts">
         <span class="note" data-testid="type">
           {view().type}

@@ -20,6 +20,10 @@ export function RowValue(props: { page: Page; item: Item; face: RowFace }): JSX.
     if (status === 'asking') return '…';
     return status === 'refused' ? reason : '';
   };
+  const title = () => {
+    const { type, note, reason } = props.face;
+    return type === undefined ? reason : [type, note].filter(Boolean).join(' · ');
+  };
   // The elements stay while values come and go, as the row itself does, and the usual value needs
   // no others: with each a row takes longer to lay out.
   return (
@@ -29,7 +33,7 @@ export function RowValue(props: { page: Page; item: Item; face: RowFace }): JSX.
       </Show>
       <bdi
         class={props.face.type ? `is-${props.face.type.toLowerCase()}` : 'quiet'}
-        title={props.face.type ?? props.face.reason}
+        title={title()}
         data-type={props.face.type}
         data-exact={exact()}
         textContent={text()}

@@ -18,6 +18,17 @@ export function CopyIcon(): JSX.Element {
   );
 }
 
+/** A copy with lines of text on it. */
+export function CopyTextIcon(): JSX.Element {
+  return (
+    <Icon>
+      <rect x="5.5" y="5.5" width="8" height="8" rx="1.5" />
+      <path d="M10.5 5.5v-1.5a1.5 1.5 0 0 0-1.5-1.5h-5a1.5 1.5 0 0 0-1.5 1.5v5a1.5 1.5 0 0 0 1.5 1.5h1.5" />
+      <path d="M7.5 8.3h4M7.5 10.7h4" />
+    </Icon>
+  );
+}
+
 export function WarningIcon(): JSX.Element {
   return (
     <Icon>

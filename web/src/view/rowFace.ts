@@ -18,6 +18,8 @@ export type RowFace = {
   type: ValueType | undefined;
   text: string;
   copy: string;
+  /** What more there is to say of it: every digit of what is rounded. */
+  note: string;
 };
 
 export function faceOf(item: Item, evaluator: Evaluator, open: boolean): RowFace {
@@ -30,13 +32,15 @@ export function faceOf(item: Item, evaluator: Evaluator, open: boolean): RowFace
     type: undefined,
     text: '',
     copy: '',
+    note: '',
   };
   if (state.status !== 'known') return face;
   const isCell = evaluator.routeOf(item).route.by === 'cells';
-  const view = resultView(state.result, { isCell, format: evaluator.formatOf(item) });
+  const view = resultView(state.result, { isCell, shown: evaluator.shownAs(item) });
   face.type = view.type;
   face.text = view.type === 'Blank' ? 'Empty' : oneLine(view.text);
   face.copy = view.copy;
+  face.note = view.note;
   return face;
 }
 
@@ -45,6 +49,7 @@ export function sameFace(one: RowFace, other: RowFace): boolean {
     one.status === other.status &&
     one.text === other.text &&
     one.copy === other.copy &&
+    one.note === other.note &&
     one.type === other.type &&
     one.open === other.open &&
     one.unused === other.unused &&

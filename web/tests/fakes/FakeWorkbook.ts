@@ -2,7 +2,7 @@ import { parseArea } from '../../src/core/address/area';
 import type { EvaluationQuestions } from '../../src/core/evaluation/Asker';
 import type { Json, Scalar } from '../../src/core/protocol/json';
 import { failed, succeeded, type Failure, type Outcome } from '../../src/core/protocol/Outcome';
-import type { CellPlace, RangeTooBig, RangeValues } from '../../src/core/protocol/verbs';
+import type { CellPlace, RangeTooBig, RangeValues, ShownGrid } from '../../src/core/protocol/verbs';
 
 type Known = Json | Failure;
 
@@ -29,6 +29,10 @@ export class FakeWorkbook implements EvaluationQuestions {
   /** By text; a function answers for all the others. */
   expressions: Record<string, Known> = {};
   otherwise: (text: string) => Known = () => ({ kind: 'transport', message: 'not written' });
+  /** What cells show, by the address that is asked about. */
+  texts: Record<string, ShownGrid> = {};
+  /** Every question for that, which is not among the others. */
+  readonly textsAsked: string[] = [];
   /** Addresses that cannot be read, with the reason. */
   unreadable: Record<string, string> = {};
   /** Where the user is. Not noted among the questions. */
@@ -66,6 +70,11 @@ export class FakeWorkbook implements EvaluationQuestions {
       }),
     );
     return Promise.resolve(succeeded({ rows, cols, values }));
+  }
+
+  readTexts(addresses: readonly string[]): Promise<Outcome<{ texts: (ShownGrid | null)[] }>> {
+    this.textsAsked.push(addresses.join(' '));
+    return Promise.resolve(succeeded({ texts: addresses.map((one) => this.texts[one] ?? null) }));
   }
 
   private answer(text: string): Outcome<Json> {

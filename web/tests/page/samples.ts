@@ -35,6 +35,9 @@ export const error = (text: string) => success({ ok: false, kind: 'excelError', 
 export const range = (values: unknown[][]) =>
   success({ rows: values.length, cols: values[0]?.length ?? 0, values });
 
+/** What single cells show. */
+export const texts = (...shown: string[]) => success({ texts: shown.map((text) => [[text]]) });
+
 export const formulas = (given: string[][]) =>
   success({ rows: given.length, cols: given[0]?.length ?? 0, formulas: given, values: [] });
 
@@ -45,6 +48,7 @@ export const ready = (more: Record<string, unknown> = {}): Record<string, Answer
   readCell: cell(more),
   pollCell: inFront('Cash flow'),
   readRange: failure({ kind: 'transport', message: 'not laid ready' }),
+  readTexts: success({ texts: [] }),
   evaluate: success({ ok: false, kind: 'transport', message: 'not laid ready' }),
   markCells: success({ applied: 1, shadowed: false, moved: true }),
   reveal: success({ revealed: true, activated: false }),
@@ -70,7 +74,7 @@ export const model: Record<string, Answer> = {
   'evaluate SUM(Data!C2:C5)': value(15_414),
   "evaluate SUM(Data!C2:C5)/'Cash flow'!B4": value(1284.5),
   "evaluate IF('Cash flow'!B4>0,SUM(Data!C2:C5)/'Cash flow'!B4,0)": value(1284.5),
-  [`evaluate CELL("format",'Cash flow'!F12)&"|"&CELL("format",'Cash flow'!B4)`]: value(',2|G'),
+  "readTexts 'Cash flow'!F12,'Cash flow'!B4": texts('1,284.50', '12'),
   "readFormulas 'Data'!C2": success({
     rows: 1,
     cols: 1,

@@ -125,6 +125,7 @@ export const scenes: Record<string, Scene> = {
     answers: {
       ...model,
       readCell: cell({ formula: '=IF(B4>0,SUM(Data!C2:C5)/B4,0)', value: 990 }),
+      [`evaluate CELL("format",'Cash flow'!F12)`]: value(',2'),
     },
     state: 'ready',
     then: async (panel) => {

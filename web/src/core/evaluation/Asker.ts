@@ -8,14 +8,16 @@ import { readArea } from './rangeReader';
 import { keyOf, onlyInFront, toldOf, type Bound, type FrontQuestions } from './front';
 import { isErrorText, resultOfCells, resultOfJson, type Result } from './Result';
 import type { ResultCache } from './ResultCache';
+import type { TextQuestions } from './ShownTexts';
 import { expressionLimit, type Route } from './routes';
 
-export type EvaluationQuestions = FrontQuestions & {
-  /** `asked`: the user asked for this very part, so that it may reach out of the workbook. */
-  evaluate(expression: string, asked?: boolean): Promise<Outcome<Json>>;
-  readRange(address: string, asked?: boolean): Promise<Outcome<RangeValues | RangeTooBig>>;
-  deepEval(plan: readonly string[], asked?: boolean): Promise<Outcome<Json>>;
-};
+export type EvaluationQuestions = FrontQuestions &
+  TextQuestions & {
+    /** `asked`: the user asked for this very part, so that it may reach out of the workbook. */
+    evaluate(expression: string, asked?: boolean): Promise<Outcome<Json>>;
+    readRange(address: string, asked?: boolean): Promise<Outcome<RangeValues | RangeTooBig>>;
+    deepEval(plan: readonly string[], asked?: boolean): Promise<Outcome<Json>>;
+  };
 
 export type Answer =
   | { result: Result }

@@ -3,9 +3,10 @@
 // are let go (what they say stays in the cache while it holds).
 
 import { cellCount, covers, type Area } from '../address/area';
-import type { CellFormat } from '../format/cellFormat';
+import type { ShownAs } from '../format/value';
 import type { Item, Outline } from '../outline/Item';
 import type { Job, Source } from '../protocol/Conveyor';
+import type { ShownGrid } from '../protocol/verbs';
 import { Asker, type Answer, type EvaluationQuestions } from './Asker';
 import { counts, deciders, type Counts } from './branches';
 import { derive, takesArgument } from './derive';
@@ -16,6 +17,7 @@ import { planReads } from './readPlan';
 import { resultOfCells, type Result } from './Result';
 import type { ResultCache } from './ResultCache';
 import { routeOf, type Route, type RouteOf } from './routes';
+import { saysSomething, shownCell, shownOfRoute, ShownTexts, type Shown } from './ShownTexts';
 import { compare, type Verification } from './verification';
 
 export type Subject = {
@@ -65,6 +67,11 @@ export class Evaluator implements Source {
   private trouble = '';
   private readonly asker: Asker;
   private readonly formats: Formats;
+  private readonly texts: ShownTexts;
+  /** A cell without a formula that shows a number. */
+  private constant: Home | undefined;
+  /** What the details are of: of several cells, too, it is told what they show. */
+  private detailed: Item | undefined;
 
   constructor(
     questions: EvaluationQuestions,
@@ -74,14 +81,17 @@ export class Evaluator implements Source {
   ) {
     this.asker = new Asker(questions, cache);
     this.formats = new Formats(questions, cache);
+    this.texts = new ShownTexts(questions, cache);
   }
 
-  /** From now on this formula; nothing at all without one. */
-  show(subject: Subject | undefined): void {
+  /** From now on this formula, or this cell that has none; nothing at all without either. */
+  show(subject: Subject | undefined, constant?: Home): void {
     this.generation += 1;
     // A formula that is read again stays in sight as it is, and nobody looks at it anew.
     if (subject?.outline !== this.subject?.outline) this.looked = [];
     this.subject = subject;
+    this.constant = constant;
+    this.detailed = undefined;
     this.states = [];
     this.routes = [];
     this.wanted.clear();
@@ -94,6 +104,7 @@ export class Evaluator implements Source {
     this.late = 0;
     this.halted = false;
     this.formats.clear();
+    this.texts.clear();
     if (subject) this.states[0] = { status: 'known', result: subject.result };
   }
 
@@ -124,6 +135,7 @@ export class Evaluator implements Source {
   /** Another sheet may be in front now. */
   moved(): void {
     this.formats.moved();
+    this.texts.moved();
     if (this.away.size === 0) return;
     const { root } = this.subject?.outline ?? {};
     for (const item of this.away) {
@@ -170,8 +182,46 @@ export class Evaluator implements Source {
     return (this.routes[item.id] = routeOf(item.node, item.scope, this.subject.home));
   }
 
-  formatOf(item: Item): CellFormat | undefined {
-    return this.subject && this.formats.of(item, this.routeOf(item).route, this.subject.home);
+  /** How the item's number stands on the sheet; for the whole formula how its cell shows it. */
+  shownAs(item: Item): ShownAs | undefined {
+    const { subject } = this;
+    const shown = this.shownOf(item);
+    if (!subject || !shown) return undefined;
+    const text = this.texts.of(shown, subject.home);
+    return saysSomething(text) ? { text } : this.formatOf(item);
+  }
+
+  /** As numbers of the item's cell are shown, others than the one it holds, too. */
+  formatOf(item: Item): ShownAs | undefined {
+    const { subject } = this;
+    const format = subject && this.formats.of(item, this.routeOf(item).route, subject.home);
+    return format && { format };
+  }
+
+  /** What the cells of the item show, where it is several and was asked for by `detail`. */
+  gridOf(item: Item): ShownGrid | undefined {
+    const shown = this.shownOf(item);
+    return this.subject && shown && this.texts.grid(shown, this.subject.home);
+  }
+
+  /** The same of the cell that has no formula. */
+  get constantShownAs(): ShownAs | undefined {
+    const { constant } = this;
+    const text = constant && this.texts.of(shownCell(constant), constant);
+    return saysSomething(text) ? { text } : undefined;
+  }
+
+  /** The item whose details are looked at. */
+  detail(item: Item | undefined): void {
+    this.detailed = item;
+  }
+
+  private shownOf(item: Item): Shown | undefined {
+    const { subject } = this;
+    if (!subject) return undefined;
+    return item === subject.outline.root
+      ? shownCell(subject.home)
+      : shownOfRoute(this.routeOf(item).route);
   }
 
   get verification(): Verification {
@@ -183,14 +233,17 @@ export class Evaluator implements Source {
   }
 
   next(): Job | undefined {
-    if (!this.subject || this.elsewhere) return undefined;
-    if (this.hasStopped) return undefined;
+    if (this.elsewhere) return undefined;
+    const { subject, constant } = this;
+    if (constant) return this.texts.next([shownCell(constant)], constant, this.changed);
+    if (!subject || this.hasStopped) return undefined;
     return (
       this.firstOf([...this.wanted]) ??
       this.firstOf(this.looked) ??
+      this.texts.next(this.textsWanted(), subject.home, this.changed) ??
       this.verify() ??
       this.hunt() ??
-      this.formats.next(this.subject.home, this.numbersShown(), this.changed)
+      this.formats.next(subject.home, this.formatsWanted(), this.changed)
     );
   }
 
@@ -361,13 +414,31 @@ export class Evaluator implements Source {
     return job;
   }
 
-  private numbersShown(): { item: Item; route: Route }[] {
+  private numbersShown(): Item[] {
     const root = this.subject?.outline.root;
-    return [...(root ? [root] : []), ...this.looked].flatMap((item) => {
+    return [...(root ? [root] : []), ...this.looked].filter((item) => {
       const result = this.resultOf(item);
-      const isNumber = result?.kind === 'value' && typeof result.value === 'number';
-      return isNumber ? [{ item, route: this.routeOf(item).route }] : [];
+      return result?.kind === 'value' && typeof result.value === 'number';
     });
+  }
+
+  private textsWanted(): Shown[] {
+    const { detailed } = this;
+    const values = detailed && this.resultOf(detailed);
+    const several = values?.kind === 'array' && values.values ? [detailed as Item] : [];
+    return [...this.numbersShown(), ...several].flatMap((item) => this.shownOf(item) ?? []);
+  }
+
+  /** Where the text of the cell does not tell, or is not that of the number that is shown. */
+  private formatsWanted(): { item: Item; route: Route }[] {
+    const { subject, verified } = this;
+    if (!subject) return [];
+    const wanted = this.numbersShown().filter((item) => {
+      if (item === subject.outline.root && verified.state === 'differs') return true;
+      const shown = this.shownOf(item);
+      return shown && !saysSomething(this.texts.of(shown, subject.home));
+    });
+    return wanted.map((item) => ({ item, route: this.routeOf(item).route }));
   }
 }
 

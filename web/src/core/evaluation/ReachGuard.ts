@@ -145,6 +145,12 @@ export class ReachGuard implements EvaluationQuestions {
     return reason === undefined ? this.questions.readRange(address, asked) : refusal(reason);
   }
 
+  /** Nothing is told of any where one is only for the asking. */
+  async readTexts(addresses: readonly string[]): ReturnType<EvaluationQuestions['readTexts']> {
+    const reason = await this.reason(addresses);
+    return reason === undefined ? this.questions.readTexts(addresses) : refusal(reason);
+  }
+
   async deepEval(plan: readonly string[], asked = false): Promise<Outcome<Json>> {
     const reason = asked ? undefined : await this.reason(plan);
     return reason === undefined ? this.questions.deepEval(plan, asked) : refusal(reason);

@@ -27,7 +27,7 @@ import { leadOf } from './lead';
 import { locate } from './locate';
 import type { ExplorerPorts } from './ports';
 import type { View } from './view';
-import { homeOf, stopAt, stopOf } from './stops';
+import { homeOf, isPlainNumber, stopAt, stopOf } from './stops';
 import { samePlace, Trail, type Stop } from './Trail';
 
 const pageRows = 10;
@@ -249,6 +249,12 @@ export class Explorer {
     this.ports.wake();
   }
 
+  /** The details of this item are in sight. */
+  detail(item: Item | undefined): void {
+    this.evaluator.detail(item);
+    this.ports.wake();
+  }
+
   /** Takes a row of the list as the active one. */
   choose(index: number): void {
     this.list?.activate(index);
@@ -335,6 +341,7 @@ export class Explorer {
     const { here } = this;
     this.evaluator.show(
       here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
+      here && isPlainNumber(here) ? homeOf(here) : undefined,
     );
     this.evaluator.leave(this.elsewhere);
     this.lists.dependents.forget();

@@ -46,3 +46,8 @@ export function stopAt(place: CellPlace, answer: RangeFormulas): Stop | undefine
 export function homeOf({ place, row, col }: Stop): Home {
   return { book: place.book, sheet: place.sheet, row, col };
 }
+
+/** True for a number that was typed in. */
+export function isPlainNumber({ tree, result }: Stop): boolean {
+  return tree === undefined && result.kind === 'value' && typeof result.value === 'number';
+}

@@ -1,5 +1,6 @@
-// Numbers for reading. What is shown may be rounded, never silently: `rounded` says so and `exact`
-// holds every digit.
+// Numbers for reading, where nothing tells how their cell shows them: without groups, because a number
+// may be a year. What is shown may be rounded, never silently: `rounded` says so and `exact` holds
+// every digit.
 
 import { grouped } from './words';
 
@@ -39,9 +40,9 @@ export function formatNumber(value: number): NumberText {
     const text = scientific(value);
     return { text, exact, rounded: Number(text) !== value };
   }
-  if (Number.isInteger(value)) return { text: groupWhole(exact), exact, rounded: false };
+  if (Number.isInteger(value)) return { text: exact, exact, rounded: false };
   const wholeDigits = Math.trunc(size).toString().length;
   const digits = Math.min(certainDigits, Math.max(shownDigits, wholeDigits + shownDecimals));
   const shown = Number(value.toPrecision(digits));
-  return { text: groupWhole(String(shown)), exact, rounded: shown !== value };
+  return { text: String(shown), exact, rounded: shown !== value };
 }

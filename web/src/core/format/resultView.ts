@@ -2,8 +2,7 @@
 
 import type { Result } from '../evaluation/Result';
 import type { Scalar } from '../protocol/json';
-import type { CellFormat } from './cellFormat';
-import { valueView, type ValueView } from './value';
+import { valueView, type ShownAs, type ValueView } from './value';
 import { grouped } from './words';
 
 /** Tabs between columns and line breaks between rows, as spreadsheets take it from a clipboard. */
@@ -19,7 +18,7 @@ function textOf(cell: Scalar): string {
 export type ResultContext = {
   /** The value stands in a cell: empty means that the cell is blank. */
   isCell: boolean;
-  format?: CellFormat | undefined;
+  shown?: ShownAs | undefined;
   whole?: boolean;
 };
 
@@ -41,10 +40,10 @@ export function resultView(result: Result, context: ResultContext): ValueView {
       return { type: 'Array', text: size, copy: asTable(result), note, cut: false };
     }
     case 'value': {
-      const { isCell, format, whole = false } = context;
+      const { isCell, shown, whole = false } = context;
       const { value } = result;
       if (value === null) return valueView({ value: null, formula: '' });
-      return valueView({ value, formula: isCell ? '' : '=', format }, whole);
+      return valueView({ value, formula: isCell ? '' : '=', shown }, whole);
     }
   }
 }

@@ -42,15 +42,19 @@ function textView(value: string, limit: number): ValueView {
   return view('Text', `"${visibleText(shown)}"`, { copy: value, note, cut });
 }
 
-function numberView(value: number, format: CellFormat | undefined): ValueView {
+/** How a number stands on its sheet: as the text that its cell shows, or by the cell's format. */
+export type ShownAs = { text: string } | { format: CellFormat };
+
+function numberView(value: number, shown: ShownAs | undefined): ValueView {
   const { text, exact, rounded } = formatNumber(value);
-  const formatted = format && formatByCell(value, format);
+  const formatted =
+    shown && ('text' in shown ? visibleText(shown.text.trim()) : formatByCell(value, shown.format));
   if (formatted === undefined) {
     return view('Number', text, { copy: exact, note: rounded ? `exactly ${exact}` : '' });
   }
   return view('Number', formatted, {
     copy: exact,
-    note: formatted.replaceAll(',', '') === exact ? '' : `exactly ${exact}`,
+    note: Number(formatted.replaceAll(',', '')) === value ? '' : `exactly ${exact}`,
   });
 }
 
@@ -60,8 +64,8 @@ export type ValueSource = {
   formula: string;
   /** The text of an error value, where it is known to be one. */
   error?: string | undefined;
-  /** How the cell shows numbers, where it is known. */
-  format?: CellFormat | undefined;
+  /** How the cell shows its number, where that is known. */
+  shown?: ShownAs | undefined;
 };
 
 /** `whole` shows a long text in full. */
@@ -71,7 +75,7 @@ export function valueView(cell: ValueSource, whole = false): ValueView {
   if (value === null || (value === '' && formula === '')) {
     return formula === '' ? view('Blank', '') : view('Error', 'Error', { note: 'of unknown kind' });
   }
-  if (typeof value === 'number') return numberView(value, cell.format);
+  if (typeof value === 'number') return numberView(value, cell.shown);
   if (typeof value === 'boolean') return view('Logical', value ? 'TRUE' : 'FALSE');
   if (typeof value === 'string') return textView(value, whole ? wholeTextLimit : shownTextLimit);
   if (Array.isArray(value)) {

@@ -36,6 +36,8 @@ export type Cell = CellPlace & {
 
 export type RangeValues = { rows: number; cols: number; values: Grid };
 export type RangeTooBig = { rows: number; cols: number; tooBig: true };
+/** What cells show on their sheet. */
+export type ShownGrid = string[][];
 export type RangeFormulas = {
   rows: number;
   cols: number;
@@ -74,6 +76,8 @@ export type Verbs = {
   /** "asked": the user asked for this very part, so that it may reach out of the workbook. */
   evaluate: { args: [expression: string, asked?: 'asked']; result: Json };
   readRange: { args: [address: string]; result: RangeValues | RangeTooBig };
+  /** For each address its cells' texts, or null where they cannot be told. */
+  readTexts: { args: [addresses: readonly string[]]; result: { texts: (ShownGrid | null)[] } };
   select: { args: [addresses: readonly string[]]; result: { areas: number } };
   activate: { args: [address?: string | null]; result: true };
   pollCell: { args: []; result: CellPlace };
@@ -164,6 +168,14 @@ const rangeValues: Decoder<RangeValues | RangeTooBig> = (payload) => {
   return isGrid(values, rows, cols, isScalar) ? { rows, cols, values } : undefined;
 };
 
+const isShown = (value: unknown): value is ShownGrid | null =>
+  value === null ||
+  (Array.isArray(value) &&
+    isGrid(value, value.length, Array.isArray(value[0]) ? value[0].length : 0, isText));
+
+const shownTexts: Decoder<{ texts: (ShownGrid | null)[] }> = (payload) =>
+  isObject(payload) && isListOf(payload.texts, isShown) ? { texts: payload.texts } : undefined;
+
 const rangeFormulas: Decoder<RangeFormulas> = (payload) => {
   if (!isObject(payload)) return undefined;
   const { rows, cols, formulas, values } = payload;
@@ -235,6 +247,7 @@ const decoders: { [V in Exclude<Verb, 'evaluate' | 'deepEval'>]: Decoder<Verbs[V
   probe,
   readCell: cell,
   readRange: rangeValues,
+  readTexts: shownTexts,
   select: only('areas'),
   activate: truth,
   pollCell: cellPlace,

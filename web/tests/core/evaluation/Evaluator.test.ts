@@ -436,6 +436,64 @@ describe('large ranges', () => {
   });
 });
 
+describe('what cells show', () => {
+  test('is asked for together, after their values', async () => {
+    bench.workbook.cells = { 'Summary!B4': 2041, 'Summary!C4': 0.5 };
+    bench.workbook.texts = {
+      "'Summary'!F12": [['£ 1.0K']],
+      "'Summary'!B4": [['2041']],
+      "'Summary'!C4": [['50%']],
+    };
+    bench.workbook.otherwise = () => 1020.5;
+    await bench.run('=B4*C4', { kind: 'value', value: 1020.5 });
+    expect(bench.workbook.textsAsked).toEqual(["'Summary'!F12 'Summary'!B4 'Summary'!C4"]);
+    expect(bench.evaluator.shownAs(bench.item('B4'))).toEqual({ text: '2041' });
+    expect(bench.evaluator.shownAs(bench.item('C4'))).toEqual({ text: '50%' });
+    expect(bench.evaluator.shownAs(bench.item('B4*C4'))).toEqual({ text: '£ 1.0K' });
+  });
+
+  test('of a name is that of the sheet in front, so it waits for it', async () => {
+    bench.workbook.texts = { Start: [['1 Jan 24']] };
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Data' };
+    bench.workbook.otherwise = () => 45_292;
+    await bench.run('=ABS(Start)', { kind: 'value', value: 'a text' });
+    expect(bench.evaluator.shownAs(bench.item('Start'))).toBeUndefined();
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Summary' };
+    bench.evaluator.moved();
+    await bench.finish();
+    expect(bench.evaluator.shownAs(bench.item('Start'))).toEqual({ text: '1 Jan 24' });
+  });
+
+  test('of a range is asked for while its details are looked at', async () => {
+    bench.workbook.cells = { 'Summary!B4': 1, 'Summary!B5': 2 };
+    bench.workbook.texts = { "'Summary'!B4:B5": [['100%'], ['200%']] };
+    bench.workbook.otherwise = () => 'a text';
+    await bench.run('=SUM(B4:B5)', { kind: 'value', value: 'a text' });
+    expect(bench.workbook.textsAsked).toEqual([]);
+    bench.evaluator.detail(bench.item('B4:B5'));
+    await bench.finish();
+    expect(bench.evaluator.gridOf(bench.item('B4:B5'))).toEqual([['100%'], ['200%']]);
+  });
+
+  test('is asked for by a cell without a formula, too', async () => {
+    bench.workbook.texts = { "'Summary'!F12": [['2041']] };
+    bench.evaluator.show(undefined, home);
+    await bench.finish();
+    expect(bench.evaluator.constantShownAs).toEqual({ text: '2041' });
+    bench.evaluator.show(undefined);
+    expect(bench.evaluator.constantShownAs).toBeUndefined();
+  });
+
+  test('is told by the format where a column is too narrow for the number', async () => {
+    bench.workbook.cells = { 'Summary!B4': 45_292 };
+    bench.workbook.texts = { "'Summary'!B4": [['####']], "'Summary'!F12": [['x']] };
+    bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'D1' : 1);
+    await bench.run('=B4*1', { kind: 'value', value: 1 });
+    expect(bench.workbook.asked.at(-1)).toBe(`evaluate CELL("format",'Summary'!B4)`);
+    expect(bench.evaluator.shownAs(bench.item('B4'))).toMatchObject({ format: { kind: 'date' } });
+  });
+});
+
 describe('formats of cells', () => {
   test('are asked together, after the values', async () => {
     bench.workbook.cells = { 'Summary!B4': 0.5, 'Summary!C4': 45_000 };
@@ -445,8 +503,10 @@ describe('formats of cells', () => {
     bench.workbook.otherwise = () => 1;
     await bench.run('=B4*C4', { kind: 'value', value: 1 });
     expect(bench.workbook.asked.at(-1)).toBe(`evaluate ${question}`);
-    expect(bench.evaluator.formatOf(bench.item('B4'))).toEqual({ kind: 'percent', decimals: 0 });
-    expect(bench.evaluator.formatOf(bench.item('C4'))).toMatchObject({ kind: 'date' });
+    expect(bench.evaluator.shownAs(bench.item('B4'))).toEqual({
+      format: { kind: 'percent', decimals: 0 },
+    });
+    expect(bench.evaluator.shownAs(bench.item('C4'))).toMatchObject({ format: { kind: 'date' } });
   });
 
   test('are those of the cells that names stand for', async () => {
@@ -455,19 +515,23 @@ describe('formats of cells', () => {
     expect(bench.workbook.asked.at(-1)).toBe(
       `evaluate CELL("format",'Summary'!F12)&"|"&IFERROR(CELL("format",Start),"")&"|"&IFERROR(CELL("format",Factor),"")`,
     );
-    expect(bench.evaluator.formatOf(bench.item('Start'))).toMatchObject({ kind: 'date' });
-    expect(bench.evaluator.formatOf(bench.item('Factor'))).toEqual({ kind: 'general' });
+    expect(bench.evaluator.shownAs(bench.item('Start'))).toMatchObject({
+      format: { kind: 'date' },
+    });
+    expect(bench.evaluator.shownAs(bench.item('Factor'))).toEqual({ format: { kind: 'general' } });
   });
 
   test('of names are those of the sheet in front, so they wait for it', async () => {
     bench.workbook.front = { ...bench.workbook.front, sheet: 'Data' };
     bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'G|D1' : 1);
     await bench.run('=ABS(Start)', { kind: 'value', value: 1 });
-    expect(bench.evaluator.formatOf(bench.item('Start'))).toBeUndefined();
+    expect(bench.evaluator.shownAs(bench.item('Start'))).toBeUndefined();
     bench.workbook.front = { ...bench.workbook.front, sheet: 'Summary' };
     bench.evaluator.moved();
     await bench.finish();
-    expect(bench.evaluator.formatOf(bench.item('Start'))).toMatchObject({ kind: 'date' });
+    expect(bench.evaluator.shownAs(bench.item('Start'))).toMatchObject({
+      format: { kind: 'date' },
+    });
   });
 
   test('of names too long to be asked about do not keep others from being asked', async () => {
@@ -475,7 +539,9 @@ describe('formats of cells', () => {
     bench.workbook.otherwise = (question) => (question.includes('CELL(') ? 'P0' : 0.5);
     bench.workbook.cells = { 'Summary!B4': 0.5 };
     await bench.run(`=${name}*B4`, { kind: 'value', value: 'a text' });
-    expect(bench.evaluator.formatOf(bench.item('B4'))).toMatchObject({ kind: 'percent' });
+    expect(bench.evaluator.shownAs(bench.item('B4'))).toMatchObject({
+      format: { kind: 'percent' },
+    });
   });
 });
 

@@ -48,12 +48,14 @@ describe('a number in its cell’s format', () => {
 
   test('keeps every digit in the note and in a copy', () => {
     const format = parseCellFormat('P0');
-    expect(valueView({ value: 0.125, formula: '', format })).toMatchObject({
+    expect(valueView({ value: 0.125, formula: '', shown: { format } })).toMatchObject({
       text: '13%',
       note: 'exactly 0.125',
       copy: '0.125',
     });
-    expect(valueView({ value: 1250, formula: '', format: parseCellFormat(',0') })).toMatchObject({
+    expect(
+      valueView({ value: 1250, formula: '', shown: { format: parseCellFormat(',0') } }),
+    ).toMatchObject({
       text: '1,250',
       note: '',
     });

@@ -88,7 +88,7 @@ describe('a cell', () => {
   test.each([
     [2, 3, 'C2 | Cost · 2030 | =B2*Inputs!$B$1  0 | Like all of C2:D2'],
     [3, 3, "C3 | 2030 | ='[Other.xlsx]S'!A1  0 | Finding: Link to another workbook"],
-    [1, 2, 'B1 | Year | 2,030'],
+    [1, 2, 'B1 | Year | 2030'],
     [3, 1, 'A3 | Cost | blank'],
     [9, 9, 'I9 |  | not read'],
   ])('in row %i, column %i is told', (row, col, text) => {
