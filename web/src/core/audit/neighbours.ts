@@ -2,9 +2,10 @@
 // run where the lines beside it go on: another formula, a number typed over one, a blank. What recurs
 // along a line, or goes on across it, is a pattern and no mistake.
 
-import { areaAddress } from '../address/area';
+import { areaAddress, meet } from '../address/area';
 import type { CellPosition } from '../formula/reference';
 import { Kind as CellKind } from '../model/SheetCells';
+import { rangesOf } from './aggregates';
 import { differenceOf } from './difference';
 import { cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
@@ -207,6 +208,17 @@ function closeness(evidence: Evidence, own: number, expected: number, at: CellPo
   return { kind: 'differs', words, bonus: near + rare };
 }
 
+/** Whether the cell adds up the run, or part of it: that is how a list ends. */
+function isTotal(evidence: Evidence, line: Line, run: Run, at: number): boolean {
+  const place = line.place(at);
+  const start = line.place(run.first);
+  const end = line.place(run.last);
+  const cells = { top: start.row, left: start.col, bottom: end.row, right: end.col };
+  return rangesOf(evidence, line.grid.formula(place.row, place.col), place).some(
+    ({ area, prefix }) => prefix === '' && meet(area, cells) !== undefined,
+  );
+}
+
 /** The cell behind a run of one formula: odd where the lines beside this one go on there. */
 function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clue[]): void {
   const { row, col } = line.place(at);
@@ -224,6 +236,7 @@ function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clu
     else against++;
   }
   if (own > 0 && line.breadth(at) > 1) return;
+  if (own > 0 && going === 0 && isTotal(evidence, line, run, at)) return;
   const close = closeness(evidence, own > 0 ? line.grid.formula(row, col) : own, run.content, {
     row,
     col,

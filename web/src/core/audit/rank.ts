@@ -22,7 +22,7 @@ export function* ranked(
   evidence: Evidence,
   clues: readonly Clue[],
 ): Generator<undefined, Finding[]> {
-  const found = yield* joined(yield* onePerCell(clues));
+  const found = yield* joined(evidence, yield* onePerCell(clues));
   found.sort(inOrder);
   const findings: { clue: Ranked; reach: number }[] = [];
   for (const [i, clue] of found.entries()) {
@@ -92,11 +92,13 @@ function* onePerCell(clues: readonly Clue[]): Generator<undefined, Ranked[]> {
 }
 
 /** Cells that break in the same way: the same kind, and the same formula where another is expected. */
-function* joined(clues: readonly Ranked[]): Generator<undefined, Ranked[]> {
+function* joined(evidence: Evidence, clues: readonly Ranked[]): Generator<undefined, Ranked[]> {
   const groups = new Map<string, Ranked>();
   for (const [i, clue] of clues.entries()) {
     if (i % atATime === 0) yield undefined;
-    const key = `${clue.kind} ${String(clue.sheet)} ${clue.expected}`;
+    const [first] = clue.areas;
+    const own = first ? (evidence.grids[clue.sheet]?.formula(first.top, first.left) ?? 0) : 0;
+    const key = `${clue.kind} ${String(clue.sheet)} ${String(own)} ${clue.expected}`;
     const known = clue.expected === '' ? undefined : groups.get(key);
     if (!known) {
       groups.set(clue.expected === '' ? `${key}${String(groups.size)}` : key, {

@@ -9,6 +9,9 @@ import { findingsOf, modelOf, told } from './findings';
 const months: Written = { A1: 'Month', B1: 'Cost', C1: 'Cost with tax', 'B2:B13': 4 };
 for (let row = 2; row <= 13; row++) months[`A${String(row)}`] = `Month ${String(row - 1)}`;
 
+const items: Written = { A1: 'Item', B1: 'Price', C1: 'Pieces' };
+for (let row = 2; row <= 33; row++) items[`A${String(row)}`] = `Item ${String(row * 37)}`;
+
 /** Twelve months with a total after every three. */
 const quarters: Written = {};
 for (let quarter = 0; quarter < 4; quarter++) {
@@ -46,6 +49,18 @@ describe('ordinary sheets', () => {
         A14: 'Total',
         B14: '=SUM(B2:B13)',
         C14: '=SUM(C2:C13)',
+      },
+    ],
+    [
+      'a list with its total, beside which nothing goes on',
+      {
+        ...items,
+        D1: 'Amount',
+        'B2:B33': 5,
+        'C2:C33': 3,
+        'D2:D33': '=B2*C2 -> 15',
+        A34: 'Total',
+        D34: '=SUM(D2:D33) -> 480',
       },
     ],
     [
@@ -101,6 +116,13 @@ describe('a mistake in many cells', () => {
     const cells: Written = { 'A1:A90': 4, 'B1:B90': 3, 'C1:C90': '=A1*B1' };
     for (let row = 30; row < 50; row++) cells[`C${String(row)}`] = `=A${String(row)}*$B$3`;
     expect(told(cells)).toEqual(['differs C30:C49 =A30*B30']);
+  });
+
+  it('is one finding of several groups of cells, and what breaks otherwise is another', () => {
+    const cells: Written = { 'A1:A90': 4, 'B1:B90': 3, 'C1:C90': '=A1*B1' };
+    for (const row of [30, 60]) cells[`C${String(row)}`] = `=A${String(row)}+B${String(row)}`;
+    cells['C75'] = '=A75-B75';
+    expect(told(cells).sort()).toEqual(['differs C30 C60 =A30*B30', 'differs C75 =A75*B75']);
   });
 });
 
