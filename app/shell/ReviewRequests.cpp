@@ -1,6 +1,7 @@
 #include "app/shell/ReviewRequests.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "kit/support/AtomicFile.h"
@@ -9,6 +10,8 @@ namespace quorin {
 namespace {
 
 constexpr std::size_t longestName = 200;
+constexpr std::size_t longestPath = 20;
+constexpr std::size_t longestMarks = 1'000;
 
 const PanelReply badArguments{false, "bad args"};
 
@@ -26,6 +29,22 @@ bool isFileName(const JSONValue& value) {
   };
   return name.size() <= longestName && name.front() != '.' &&
          std::none_of(name.begin(), name.end(), isOdd);
+}
+
+// A workbook as the page tells it: {"book", "path", "marks"} and nothing else.
+std::optional<ReviewedBook> bookIn(const JSONValue& value) {
+  const JSONValue::Object* const members = value.object();
+  if (!members || members->size() != 3) return std::nullopt;
+  const auto text = [&](const char* key) -> const std::string* {
+    const JSONValue* const member = value.member(key);
+    return member ? member->string() : nullptr;
+  };
+  const std::string* const name = text("book");
+  const std::string* const path = text("path");
+  const std::string* const marks = text("marks");
+  if (!name || name->empty() || !path || !marks) return std::nullopt;
+  if (path->size() > longestPath || marks->size() > longestMarks) return std::nullopt;
+  return ReviewedBook{*name, *path, *marks};
 }
 
 // Without the path, which tells the page nothing.
@@ -50,20 +69,19 @@ bool ReviewRequests::answer(const std::string& verb, const JSONValue::Array& arg
 }
 
 void ReviewRequests::load(const JSONValue::Array& args, Reply reply) {
-  if (args.size() != 1 || !isName(args[0])) return reply(badArguments);
+  const std::optional<ReviewedBook> book = args.size() == 1 ? bookIn(args[0]) : std::nullopt;
+  if (!book) return reply(badArguments);
   doAndReply(
       "could not read the review",
-      [store = parts_.store, book = *args[0].string()] { return store.load(book); },
-      std::move(reply));
+      [store = parts_.store, book = *book] { return store.load(book); }, std::move(reply));
 }
 
 void ReviewRequests::save(const JSONValue::Array& args, Reply reply) {
-  if (args.size() != 2 || !isName(args[0]) || !(args[1].object() || args[1].isNull())) {
-    return reply(badArguments);
-  }
+  const std::optional<ReviewedBook> book = args.size() == 2 ? bookIn(args[0]) : std::nullopt;
+  if (!book || !(args[1].object() || args[1].isNull())) return reply(badArguments);
   doAndReply(
       "could not save the review",
-      [store = parts_.store, book = *args[0].string(), review = args[1]] {
+      [store = parts_.store, book = *book, review = args[1]] {
         store.save(book, review);
         return JSONValue(nullptr);
       },

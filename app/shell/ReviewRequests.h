@@ -37,6 +37,7 @@ class ReviewRequests {
   // arguments are refused; a failure's payload is a sentence.
   //   "loadReview"  [book]          the review that was saved last, or null
   //   "saveReview"  [book, review]  null; the review is an object, or null for none
+  // where book is {"book": its name, "path", "marks"} (ReviewedBook), and
   //   "saveReport"  [name, text]    the name of the file that the user chose, or null
   bool answer(const std::string& verb, const JSONValue::Array& args, Reply reply);
 

@@ -1,7 +1,7 @@
 // ReviewStore: what reviewers said of the findings in their workbooks, in one file: an array of
-// {"book", "review"}, the workbook that was saved last at its end. What a review holds is the
-// page's. It is work of the user's, so that a file that cannot be understood is left as it is. A
-// small value without state or lock; used on one queue.
+// {"book", "path", "marks", "review"}, the workbook that was saved last at its end. What a review
+// holds is the page's. It is work of the user's, so that a file that cannot be understood is left
+// as it is. A small value without state or lock; used on one queue.
 #pragma once
 
 #include <filesystem>
@@ -10,6 +10,13 @@
 #include "kit/marks/RecordFile.h"
 
 namespace quorin {
+
+// Which workbook a review is of. Books that were kept without path and marks have neither.
+struct ReviewedBook {
+  std::string name;
+  std::string path = {};   // a print of where it lies; empty where that is not known
+  std::string marks = {};  // four letters each, dots for none; workbooks that are alike share many
+};
 
 class ReviewStore {
  public:
@@ -21,14 +28,19 @@ class ReviewStore {
 
   const std::filesystem::path& url() const { return file_.url(); }
 
-  // The review of the workbook of this name; null where there is none. Throws FileError for a file
-  // that is there and cannot be read, RecordError for a malformed one, which is logged as well.
-  JSONValue load(const std::string& book) const;
+  // The review of the workbook that lies there. Where none is kept, that of the one which is most
+  // like it in at least half of all marks, whatever it is called: a copy, or the same file renamed;
+  // else of the one that has its name and no marks. Null where there is none of these. Throws
+  // FileError for a file that is there and cannot be read, RecordError for a malformed one, which
+  // is logged as well.
+  JSONValue load(const ReviewedBook& book) const;
 
-  // Replaces the workbook's review, atomically; null takes it away. Throws as load(), FileError
+  // Replaces the workbook's review, atomically; null takes it away. What was inherited stays with
+  // the other workbook as well, unless that has this one's name and it is not known where one of
+  // them lies. Throws as load(), FileError
   // where the file cannot be written, and RecordError for a review that is too large for the file
   // or holds text that is not valid UTF-8. The file is then as it was.
-  void save(const std::string& book, const JSONValue& review) const;
+  void save(const ReviewedBook& book, const JSONValue& review) const;
 
  private:
   JSONValue::Array records() const;

@@ -145,7 +145,12 @@ TEST_F(QuorinctlAudit, DoesNotFailOnWhatWasSaidToBeFine) {
     writeFile(file, text);
     return run({odd, "--format", "json", "--fail-on", "style", "--review", file.string()});
   };
+  // Of the two formulas that there are.
+  const auto seen = [](const Run& run) {
+    return member(member(parsed(run.output), "summary"), "seen");
+  };
   const Run fine = with("fine");
+  EXPECT_EQ(seen(fine), JSONValue(0));
   EXPECT_EQ(fine.status, 0) << fine.errors;
   const JSONValue first = firstFinding(parsed(fine.output));
   EXPECT_EQ(member(first, "state"), JSONValue("fine"));
@@ -153,6 +158,29 @@ TEST_F(QuorinctlAudit, DoesNotFailOnWhatWasSaidToBeFine) {
   const Run fault = with("fault");
   EXPECT_EQ(fault.status, 1) << fault.errors;
   EXPECT_EQ(member(firstFinding(parsed(fault.output)), "state"), JSONValue("fault"));
+}
+
+TEST_F(QuorinctlAudit, FindsTheReviewOfAWorkbookThatWasRenamed) {
+  fakes::SheetDescription sheet{"Data", {}};
+  for (int row = 1; row <= 5; ++row) {
+    const std::string number = std::to_string(row);
+    sheet.cells.push_back({"A" + number, CellValue(row * 3.0)});
+    sheet.cells.push_back({"B" + number, CellValue(row * row * 3.0), "=A" + number + "*" + number});
+  }
+  const std::string file = written("After.xlsx", std::move(sheet));
+  const auto none = [](int marks) { return std::string(static_cast<std::size_t>(4 * marks), '.'); };
+  const std::string marks = none(22) + "mxnH" + none(14) + "Rmk_" + none(35) + "qmVy" + none(12) +
+                            "K3AX" + none(6) + "U_W2" + none(10) + "JjKp" + none(23);
+  // The second formula is the only one that was seen.
+  const auto seen = [&](const std::string& kept) {
+    writeFile(folder_ / "kept.json", R"([{"book":"Before.xlsx","path":"else","marks":")" + kept +
+                                         R"(","review":{"version":1,"seen":"oTGVS",)"
+                                         R"("snapshots":[]}}])");
+    const Run told = run({file, "--format", "json", "--review", folder_ / "kept.json"});
+    return member(member(parsed(told.output), "summary"), "seen");
+  };
+  EXPECT_EQ(seen(marks), JSONValue(1));
+  EXPECT_EQ(seen(none(128)), JSONValue(0)) << "another workbook's";
 }
 
 TEST_F(QuorinctlAudit, TellsThatTheReviewCannotBeRead) {

@@ -49,7 +49,7 @@ int audited(const AuditCommand& command, Waiter& waiter) {
   const std::vector<std::filesystem::path> files = workbooksOf(command.files);
   if (files.empty()) throw Unserved("no workbook there");
   // Each worker reads it as well; one that cannot be read is told once.
-  if (command.review) reviewIn(*command.review, "");
+  if (command.review) reviewIn(*command.review, {});
   AuditList list(command, files);
   const std::vector<std::size_t> open = list.open();
   std::size_t done = files.size() - open.size();

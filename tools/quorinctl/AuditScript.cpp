@@ -31,6 +31,7 @@ struct AuditScript::Engine {
   Value text(const std::string& bytes) const {
     return own(jsc_value_new_string(context.get(), bytes.c_str()));
   }
+  Value truth(bool value) const { return own(jsc_value_new_boolean(context.get(), value)); }
   Value number(double value) const { return own(jsc_value_new_number(context.get(), value)); }
 
   // Throws what the script threw.
@@ -104,6 +105,12 @@ AuditScript::AuditScript(const std::filesystem::path& file, Host host)
       engine.own(jsc_value_new_function(context, "after", G_CALLBACK(after), &engine, nullptr,
                                         G_TYPE_NONE, 2, G_TYPE_DOUBLE, G_TYPE_INT));
   jsc_value_object_set_property(native.get(), "after", function.get());
+  const auto review = +[](const char* of, gpointer target) -> char* {
+    return g_strdup(static_cast<Engine*>(target)->host.review(of).c_str());
+  };
+  const Value reviewed = engine.own(jsc_value_new_function(
+      context, "review", G_CALLBACK(review), &engine, nullptr, G_TYPE_STRING, 1, G_TYPE_STRING));
+  jsc_value_object_set_property(native.get(), "review", reviewed.get());
   jsc_context_set_value(context, "native", native.get());
   const Value ignored = engine.own(jsc_context_evaluate_with_source_uri(
       context, source.data(), static_cast<gssize>(source.size()), "audit.js", 1));
@@ -115,9 +122,9 @@ AuditScript::AuditScript(const std::filesystem::path& file, Host host)
 
 AuditScript::~AuditScript() = default;
 
-void AuditScript::begin(const std::string& file, int top, const std::string& review) {
+void AuditScript::begin(const std::string& file, int top, bool withReview) {
   engine_->call("begin", {engine_->text(file).get(), engine_->number(top).get(),
-                          engine_->text(review).get()});
+                          engine_->truth(withReview).get()});
 }
 
 void AuditScript::reply(const std::string& reply) {

@@ -19,7 +19,8 @@ class AuditScript {
     std::function<void(std::chrono::milliseconds, int id)> after;  // then due(id)
     std::function<void(std::string text)> progress;                // one short line, or nothing
     std::function<void(std::string why)> failed;
-    std::function<void(std::string report)> done;  // the workbook's report, as JSON
+    std::function<void(std::string report)> done;       // the workbook's report, as JSON
+    std::function<std::string(std::string of)> review;  // what was kept of a review, both as JSON
   };
 
   // The script threw, or is not the one that this program needs.
@@ -43,8 +44,8 @@ class AuditScript {
   AuditScript& operator=(const AuditScript&) = delete;
 
   // Audits the workbook that the spreadsheet has in front; `file` is what the report calls it,
-  // `review` what was kept of a review of it, as JSON, or empty.
-  void begin(const std::string& file, int top, const std::string& review);
+  // `withReview` whether the host is asked for what was kept of a review of it.
+  void begin(const std::string& file, int top, bool withReview);
   void reply(const std::string& reply);
   void due(int id);
 

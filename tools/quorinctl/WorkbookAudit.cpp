@@ -3,8 +3,11 @@
 #include <utility>
 #include <variant>
 
+#include "kit/marks/RecordFile.h"
+#include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
 #include "tools/quorinctl/RequestLine.h"
+#include "tools/quorinctl/ReviewFile.h"
 
 namespace quorin::ctl {
 
@@ -25,9 +28,10 @@ WorkbookAudit::~WorkbookAudit() {
   for (; asked_ > 0; --asked_) waiter_.waitForDoneAlone();
 }
 
-std::string WorkbookAudit::report(int top, const std::string& review) {
+std::string WorkbookAudit::report(int top, const std::optional<std::filesystem::path>& reviews) {
   open();
-  script_.begin(file_.string(), top, review);
+  reviews_ = reviews;
+  script_.begin(file_.string(), top, reviews_.has_value());
   while (!report_ && !failure_) {
     answer();
     if (!report_ && !failure_) wait();
@@ -44,7 +48,22 @@ AuditScript::Host WorkbookAudit::host() {
       .progress = progress_,
       .failed = [this](std::string why) { failure_ = std::move(why); },
       .done = [this](std::string text) { report_ = std::move(text); },
+      .review = [this](const std::string& of) { return review(of); },
   };
+}
+
+// The script asks in the middle of its work, where nothing may be thrown.
+std::string WorkbookAudit::review(const std::string& of) {
+  try {
+    const ParsedJSON book = parseJSON(of);
+    if (!reviews_ || !book) return "null";
+    return Marshal::encode(
+        reviewIn(*reviews_, {textMember(*book.value, "book"), textMember(*book.value, "path"),
+                             textMember(*book.value, "marks")}));
+  } catch (const std::exception& error) {
+    failure_ = error.what();
+    return "null";
+  }
 }
 
 void WorkbookAudit::open() {

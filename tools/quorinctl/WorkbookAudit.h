@@ -30,16 +30,16 @@ class WorkbookAudit {
   WorkbookAudit(const WorkbookAudit&) = delete;
   WorkbookAudit& operator=(const WorkbookAudit&) = delete;
 
-  // The report as JSON, with so many findings at most; `review` is what was said of them, as JSON,
-  // or empty. Throws Ended, Unserved and
-  // AuditScript::Error.
-  std::string report(int top, const std::string& review);
+  // The report as JSON, with so many findings at most and what was said of them in the file
+  // `reviews`, if any. Throws Ended, Unserved and AuditScript::Error.
+  std::string report(int top, const std::optional<std::filesystem::path>& reviews);
 
  private:
   using Clock = std::chrono::steady_clock;
 
   AuditScript::Host host();
   void open();
+  std::string review(const std::string& of);
   void ask(const std::string& text);
   void take(std::string reply);
   void answer();
@@ -48,6 +48,7 @@ class WorkbookAudit {
   Waiter& waiter_;
   const std::filesystem::path file_;
   const std::function<void(std::string)> progress_;
+  std::optional<std::filesystem::path> reviews_;
   std::optional<std::string> report_;
   std::optional<std::string> failure_;
   std::multimap<Clock::time_point, int> timers_;

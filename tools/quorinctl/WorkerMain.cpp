@@ -13,7 +13,6 @@
 #include "kit/value/Marshal.h"
 #include "tools/quorinctl/AuditScript.h"
 #include "tools/quorinctl/Place.h"
-#include "tools/quorinctl/ReviewFile.h"
 #include "tools/quorinctl/Waiter.h"
 #include "tools/quorinctl/WorkbookAudit.h"
 
@@ -47,18 +46,12 @@ class Lines {
   const int descriptor_;
 };
 
-// What was said of the workbook, by its name, as JSON; empty where nothing was asked for.
-std::string reviewOf(const AuditWorkbookCommand& command) {
-  if (!command.review) return "";
-  return Marshal::encode(reviewIn(*command.review, command.file.filename().string()));
-}
-
 std::string reportOf(Waiter& waiter, const AuditWorkbookCommand& command, const Lines& lines) {
   try {
     requireWorkbook(command.file);
     WorkbookAudit audit(waiter, command.file,
                         [&](const std::string& text) { lines.write(progressLetter, text); });
-    return audit.report(command.top, reviewOf(command));
+    return audit.report(command.top, command.review);
   } catch (const std::exception& error) {
     return Marshal::encode(failureReport(command.file, error.what()));
   }

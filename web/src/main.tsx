@@ -184,9 +184,10 @@ const explorer: Explorer = new Explorer({
   clock,
   scans,
   reviews: {
-    load: (book) => client.ask('loadReview', book),
-    save: (book, review) => client.ask('saveReview', book, review),
+    load: (of) => client.ask('loadReview', of),
+    save: (of, review) => client.ask('saveReview', of, review),
     now: () => new Date().toISOString(),
+    clock,
   },
   changed,
   wake() {

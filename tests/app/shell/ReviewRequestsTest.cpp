@@ -45,16 +45,21 @@ class ReviewRequestsTest : public ShellFixture {
     return asked;
   }
 
+  static JSONValue book(const char* name) {
+    return Object{{"book", name}, {"marks", "aaaa"}, {"path", "p"}};
+  }
+
   const std::filesystem::path reviews = folder / "reviews.json";
   std::unique_ptr<Panel> panel;
 };
 
 TEST_F(ReviewRequestsTest, SavesAReviewAndGivesItBack) {
-  EXPECT_THAT(scripts("loadReview", {"A.xlsx"}), ElementsAre(replied("null")));
-  EXPECT_THAT(scripts("saveReview", {"A.xlsx", Object{{"a", 1}}}), ElementsAre(replied("null")));
-  EXPECT_EQ(readFile(reviews), R"([{"book":"A.xlsx","review":{"a":1}}])");
-  EXPECT_THAT(scripts("loadReview", {"A.xlsx"}), ElementsAre(replied(R"({"a":1})")));
-  EXPECT_THAT(scripts("saveReview", {"A.xlsx", nullptr}), ElementsAre(replied("null")));
+  EXPECT_THAT(scripts("loadReview", {book("A.xlsx")}), ElementsAre(replied("null")));
+  EXPECT_THAT(scripts("saveReview", {book("A.xlsx"), Object{{"a", 1}}}),
+              ElementsAre(replied("null")));
+  EXPECT_EQ(readFile(reviews), R"([{"book":"A.xlsx","marks":"aaaa","path":"p","review":{"a":1}}])");
+  EXPECT_THAT(scripts("loadReview", {book("A.xlsx")}), ElementsAre(replied(R"({"a":1})")));
+  EXPECT_THAT(scripts("saveReview", {book("A.xlsx"), nullptr}), ElementsAre(replied("null")));
   EXPECT_FALSE(std::filesystem::exists(reviews));
   EXPECT_THAT(asked(), IsEmpty()) << "nothing of it is the bridge's";
 }
@@ -62,16 +67,22 @@ TEST_F(ReviewRequestsTest, SavesAReviewAndGivesItBack) {
 TEST_F(ReviewRequestsTest, RefusesOtherArguments) {
   const std::pair<const char*, Array> cases[] = {
       {"loadReview", {}},
-      {"loadReview", {""}},
-      {"loadReview", {1}},
-      {"loadReview", {"A", "B"}},
+      {"loadReview", {"A"}},
+      {"loadReview", {book("")}},
+      {"loadReview", {book("A"), book("B")}},
+      {"loadReview", {Object{{"book", "A"}, {"marks", ""}}}},
+      {"loadReview", {Object{{"book", "A"}, {"marks", ""}, {"path", 1}}}},
+      {"loadReview", {Object{{"book", "A"}, {"marks", nullptr}, {"path", ""}}}},
+      {"loadReview", {Object{{"book", "A"}, {"marks", ""}, {"path", ""}, {"x", ""}}}},
+      {"loadReview", {Object{{"book", "A"}, {"marks", std::string(1001, 'a')}, {"path", ""}}}},
+      {"loadReview", {Object{{"book", "A"}, {"marks", ""}, {"path", std::string(21, 'a')}}}},
       {"saveReview", {}},
-      {"saveReview", {"A"}},
-      {"saveReview", {"", Object{}}},
+      {"saveReview", {book("A")}},
+      {"saveReview", {book(""), Object{}}},
       {"saveReview", {nullptr, Object{}}},
-      {"saveReview", {"A", Array{}}},
-      {"saveReview", {"A", "text"}},
-      {"saveReview", {"A", Object{}, true}},
+      {"saveReview", {book("A"), Array{}}},
+      {"saveReview", {book("A"), "text"}},
+      {"saveReview", {book("A"), Object{}, true}},
       {"saveReport", {"a.html"}},
       {"saveReport", {"", "text"}},
       {"saveReport", {"a.html", Object{}}},
@@ -93,15 +104,15 @@ TEST_F(ReviewRequestsTest, RefusesOtherArguments) {
 TEST_F(ReviewRequestsTest, SaysWhatIsWrongWithTheFile) {
   writeFile(reviews, "{");
   EXPECT_THAT(
-      scripts("loadReview", {"A"}),
+      scripts("loadReview", {book("A")}),
       ElementsAre(refused("could not read the review: reviews.json is malformed; left untouched")));
   EXPECT_THAT(
-      scripts("saveReview", {"A", Object{}}),
+      scripts("saveReview", {book("A"), Object{}}),
       ElementsAre(refused("could not save the review: reviews.json is malformed; left untouched")));
   EXPECT_EQ(readFile(reviews), "{");
   std::filesystem::remove(reviews);
   std::filesystem::create_directory(reviews);
-  EXPECT_THAT(scripts("saveReview", {"A", Object{}}),
+  EXPECT_THAT(scripts("saveReview", {book("A"), Object{}}),
               ElementsAre(HasSubstr("could not save the review: ")));
   EXPECT_THAT(logged().back(), HasSubstr("ERROR could not save the review: cannot read /"));
 }
@@ -128,7 +139,7 @@ TEST_F(ReviewRequestsTest, AsksForOneReportAtATime) {
 }
 
 TEST_F(ReviewRequestsTest, SavesForAPanelThatGoes) {
-  EXPECT_THAT(scriptsAtOnce("saveReview", {"A", Object{}}), IsEmpty());
+  EXPECT_THAT(scriptsAtOnce("saveReview", {book("A"), Object{}}), IsEmpty());
   panel.reset();
   settle();
   EXPECT_TRUE(std::filesystem::exists(reviews));

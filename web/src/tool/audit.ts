@@ -5,6 +5,7 @@ import { auditOf } from '../core/report/auditOf';
 import type { Report } from '../core/report/Report';
 import { isLineByLine, written, type Format } from '../core/report/written';
 import { ProtocolClient } from '../core/protocol/ProtocolClient';
+import type { ReviewedBook } from '../core/review/reviewed';
 import type { Clock } from '../core/time/Clock';
 
 /** What the program offers; each returns at once. */
@@ -15,6 +16,8 @@ declare const native: {
   progress(text: string): void;
   failed(text: string): void;
   done(report: string): void;
+  /** What was kept of a review of the workbook, both as JSON. */
+  review(of: string): string;
 };
 
 const actions = new Map<number, () => void>();
@@ -45,14 +48,14 @@ const client = new ProtocolClient({
 
 /** The program calls these; texts are JSON. */
 const quorinAudit = {
-  /** `review`: what was kept of a review of the workbook, as JSON; empty for none. */
-  begin(file: string, top: number, review: string): void {
+  /** `withReview`: whether what was kept of a review of the workbook is asked for. */
+  begin(file: string, top: number, withReview: boolean): void {
     const progress = ({ sheet, read, cells }: { sheet: string; read: number; cells: number }) => {
       const share = cells > 0 ? Math.floor((read / cells) * 100) : 0;
       native.progress(sheet === '' ? '' : `${String(share)} %  ${sheet}`);
     };
-    const said: unknown = review === '' ? undefined : JSON.parse(review);
-    auditOf(file, top, said, { client, clock, progress }).then(
+    const reviewOf = (of: ReviewedBook): unknown => JSON.parse(native.review(JSON.stringify(of)));
+    auditOf(file, top, withReview ? reviewOf : undefined, { client, clock, progress }).then(
       (report) => {
         native.done(JSON.stringify(report));
       },

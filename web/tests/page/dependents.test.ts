@@ -251,6 +251,6 @@ const large = success({
 test('a large workbook is read when the user says so', async () => {
   panel = await browser.open({ ...park, workbookMap: large });
   await dependents();
-  await panel.shows('scan-text', '60,000 cells on 1 sheet are to be read for the other sheets.');
+  await panel.shows('scan-text', '60,000 cells on 1 sheet are to be read first.');
   expect((await panel.posted()).filter(({ args }) => String(args[0]).includes('['))).toEqual([]);
 });

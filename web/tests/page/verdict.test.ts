@@ -38,31 +38,45 @@ const saved = async (): Promise<unknown[]> =>
 test('keeps a judgement and its note, which are there when the page is loaded anew', async () => {
   panel = await browser.open(odd);
   await review();
-  await panel.shows('review-progress', '0 of 3 findings judged');
+  // The selected cell has a formula that others have, too; the active finding's is another one.
+  await panel.shows('review-progress', '0 of 3 findings judged. 1 of 4 distinct formulas seen.');
   await say('fine');
-  await panel.shows('review-progress', '1 of 3 findings judged: 1 fine');
+  await panel.shows(
+    'review-progress',
+    '1 of 3 findings judged: 1 fine. 2 of 4 distinct formulas seen.',
+  );
   expect(await states()).toEqual(['Fine']);
   const note = panel.page.getByTestId('say-note');
   await note.fill('Agreed with the client: 4 is shifted on purpose.');
   await note.press('Tab');
   await panel.settled();
-  const [book, kept] = (await saved()).at(-1) as [string, unknown];
-  expect(book).toBe('Solar park.xlsx');
+  const [of, kept] = (await saved()).at(-1) as [{ book: string; marks: string }, unknown];
+  expect(of).toMatchObject({ book: 'Solar park.xlsx', path: '' });
+  expect(of.marks).toMatch(/^([\w-]{4}|\.{4}){128}$/);
   expect(JSON.stringify(kept)).not.toContain('Power');
   await panel.page.addInitScript((answer) => {
     (window as unknown as { side: { answers: Record<string, unknown> } }).side.answers[
-      'loadReview Solar park.xlsx'
+      'loadReview'
     ] = answer;
   }, success(kept));
   await panel.page.reload();
   await review();
-  await panel.shows('review-progress', '1 of 3 findings judged: 1 fine');
+  await panel.shows(
+    'review-progress',
+    '1 of 3 findings judged: 1 fine. 2 of 4 distinct formulas seen.',
+  );
   expect(await states()).toEqual(['Fine']);
   expect(await note.inputValue()).toBe('Agreed with the client: 4 is shifted on purpose.');
   expect(await panel.page.getByTestId('say-fine').getAttribute('aria-pressed')).toBe('true');
   await panel.page.getByTestId('list').press('ArrowDown');
   await panel.shows('formula-own', '43.2, typed in');
   expect(await note.inputValue()).toBe('');
+  // A finding that the user goes to is seen; this one is a number and has no formula.
+  await panel.page.getByTestId('list').press('ArrowDown');
+  await panel.shows(
+    'review-progress',
+    '1 of 3 findings judged: 1 fine. 3 of 4 distinct formulas seen.',
+  );
 });
 
 test('takes a judgement back that is pressed again', async () => {
@@ -70,11 +84,14 @@ test('takes a judgement back that is pressed again', async () => {
   await review();
   await say('fault');
   await say('later');
-  await panel.shows('review-progress', '1 of 3 findings judged: 1 for later');
+  await panel.shows(
+    'review-progress',
+    '1 of 3 findings judged: 1 for later. 2 of 4 distinct formulas seen.',
+  );
   await say('later');
-  await panel.shows('review-progress', '0 of 3 findings judged');
+  await panel.shows('review-progress', '0 of 3 findings judged. 2 of 4 distinct formulas seen.');
   await panel.settled();
-  expect((await saved()).at(-1)).toEqual(['Solar park.xlsx', null]);
+  expect(((await saved()).at(-1) as unknown[])[1]).toMatchObject({ snapshots: [] });
 });
 
 test('lists what is not judged yet, and goes on to the next one', async () => {
@@ -137,6 +154,7 @@ test('saves a report with what was said where the user says', async () => {
   expect(name).toBe('Solar park review.html');
   expect(text).toContain('Judged: 1 fault, 0 fine, 0 for later.');
   expect(text).toContain('Seen by both of us');
+  expect(text).toContain('The reviewer has seen 2 of the distinct formulas.');
   expect(text).toContain('<h3>Sheets</h3>');
   await panel.lay('saveReport', failure('could not save the report: No space left on device'));
   await panel.page.getByTestId('save-report').selectOption('csv');

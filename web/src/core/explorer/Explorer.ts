@@ -258,6 +258,7 @@ export class Explorer {
   /** Takes a row of the list as the active one. */
   choose(index: number): void {
     this.list?.activate(index);
+    if (this.view === 'review') this.review.opened();
     this.follow();
     this.ports.changed();
   }
@@ -344,6 +345,11 @@ export class Explorer {
       here && isPlainNumber(here) ? homeOf(here) : undefined,
     );
     this.evaluator.leave(this.elsewhere);
+    if (here?.tree) {
+      const { place, row, col } = here;
+      const area = { top: row, left: col, bottom: row, right: col };
+      this.review.sees(place.book, { sheet: place.sheet, area });
+    }
     this.lists.dependents.forget();
     this.load();
     this.ports.changed();
@@ -375,6 +381,8 @@ export class Explorer {
     const place = list.active?.place;
     if (command.do === 'drill' && this.view === 'review') this.goThere();
     else if (command.do === 'drill' && place) void this.visitPlace(place);
+    if (this.view === 'review' && (list.active !== before || command.do === 'drill'))
+      this.review.opened();
     if (list.active !== before) this.follow();
   }
 

@@ -14,6 +14,7 @@ import {
 } from './answers';
 import type { BookEntry, Question } from './messages';
 import { inventoryOf } from '../report/inventory';
+import { marksOf, printsAnswer, seenAnswer } from './prints';
 import { sketchesOf } from './sketch';
 import { WorkbookModel } from './WorkbookModel';
 
@@ -79,6 +80,12 @@ export class ModelHost {
         return yield* inventoryOf(model);
       case 'sketch':
         return yield* sketchesOf(model);
+      case 'marks':
+        return yield* marksOf(model);
+      case 'prints':
+        return printsAnswer(model, question.args.cells);
+      case 'seen':
+        return yield* seenAnswer(model, question.args.prints);
       case 'mapSheets':
       case 'mapFrame':
       case 'mapTile':

@@ -16,6 +16,7 @@ import type {
   RunTimeAnswer,
   WaysAnswer,
 } from './messages';
+import { distinctFormulas } from './prints';
 import { waysBetween } from './ways';
 import type { WorkbookModel } from './WorkbookModel';
 
@@ -202,7 +203,7 @@ export function* stateAnswer(model: WorkbookModel): Generator<undefined, BookSta
   }
   return {
     formulas,
-    distinct: model.formulas.count - 1,
+    distinct: (yield* distinctFormulas(model)).size,
     unread: inOrder(index, unread)
       .slice(0, rowsLimit)
       .map((part) => ({

@@ -134,6 +134,12 @@ export type Questions = MapQuestions & {
   inventory: { args: Record<string, never>; answer: Inventory };
   /** What the lines of all sheets are. */
   sketch: { args: Record<string, never>; answer: SheetSketch[] };
+  /** What tells the workbook from others, whatever it is called. */
+  marks: { args: Record<string, never>; answer: string };
+  /** Of the distinct formulas in some cells: prints of five characters, one after the other. */
+  prints: { args: { cells: Cells[] }; answer: string };
+  /** Of how many of the workbook's distinct formulas the print is among these. */
+  seen: { args: { prints: string }; answer: { seen: number; distinct: number } };
   /** One for each area; empty where there is none. */
   labels: { args: { cells: Cells[] }; answer: string[] };
   /** Whether the cell is as it was read. `formula` in A1, empty for none. */

@@ -4,6 +4,7 @@
 // them can be read back. Pure.
 
 import type { Scalar } from '../protocol/json';
+import { hash, letters } from './hash';
 import { Kind, type SheetCells, type Texts } from './SheetCells';
 import type { WorkbookModel } from './WorkbookModel';
 
@@ -19,17 +20,6 @@ export type SheetSketch = {
 
 /** Further lines are not told apart. */
 export const linesLimit = 5_000;
-
-const letters = 'ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_';
-
-function hash(text: string): number {
-  let hash = 0x811c9dc5;
-  for (let i = 0; i < text.length; i++) {
-    hash = Math.imul(hash ^ text.charCodeAt(i), 0x01000193);
-  }
-  hash = Math.imul(hash ^ (hash >>> 15), 0x2c1b3c6d);
-  return (hash ^ (hash >>> 13)) >>> 0;
-}
 
 function threeOf(number: number): string {
   return [0, 6, 12].map((shift) => letters[(number >>> shift) & 63]).join('');

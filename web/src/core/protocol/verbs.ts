@@ -1,6 +1,7 @@
 // Every request the page can make: its arguments, the payload of its reply, and the check that a
 // payload must pass before the page believes it.
 
+import type { ReviewedBook } from '../review/reviewed';
 import {
   isGrid,
   isIndex,
@@ -99,9 +100,9 @@ export type Verbs = {
   focusExcel: { args: []; result: null };
   setConventions: { args: [conventions: { arg: string }]; result: null };
   /** Null where nothing was kept. */
-  loadReview: { args: [book: string]; result: Json };
+  loadReview: { args: [of: ReviewedBook]; result: Json };
   /** Null: nothing is kept any more. */
-  saveReview: { args: [book: string, review: Json]; result: null };
+  saveReview: { args: [of: ReviewedBook, review: Json]; result: null };
   /** The name under which the user saved it, or null. */
   saveReport: { args: [name: string, text: string]; result: string | null };
 };

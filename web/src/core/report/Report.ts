@@ -32,6 +32,8 @@ export type Summary = {
   high: number;
   medium: number;
   low: number;
+  /** Distinct formulas that the reviewer has seen; only where that is known. */
+  seen?: number;
   /** What was said of how many; only where what was said is known. */
   said?: Record<State, number>;
   notRead: NotRead[];

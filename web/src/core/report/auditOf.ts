@@ -8,7 +8,8 @@ import { ModelHost } from '../model/ModelHost';
 import { drain } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
 import { inventoryOf } from './inventory';
-import { decodeReview, saidOf, type Said } from '../review/said';
+import { pathPrint, whereIs, type ReviewedBook } from '../review/reviewed';
+import { decodeReview, saidOf, type Said, type SavedReview } from '../review/said';
 import { reported, saidCounts, topOf, type Report } from './Report';
 
 /** The model on this thread. Nobody waits for a turn meanwhile, so each question is answered whole. */
@@ -22,24 +23,31 @@ class OwnModel implements ModelClient {
 }
 
 /**
- * Of the workbook in front; `top` findings at most, and those that `review` says are fine: what was
- * kept of a review of it, or nothing. Does not reject.
+ * Of the workbook in front; `top` findings at most, and those that were said to be fine. `reviewOf`
+ * gives what was kept of a review of it; nothing where nobody asks for that. Does not reject.
  */
 export async function auditOf(
   file: string,
   top: number,
-  review: unknown,
+  reviewOf: ((of: ReviewedBook) => unknown) | undefined,
   ports: ReadPorts,
 ): Promise<Report> {
   try {
-    const saved = review === undefined ? undefined : decodeReview(review);
-    if (review !== undefined && !saved) return { file, error: 'Its review is of another version.' };
     const front = await ports.client.ask('pollCell');
     if (!front.ok) return { file, error: front.failure.message };
     const { book } = front.value;
     const model = new OwnModel();
     const scan = await readWhole(book, model, ports);
     const workbook = model.host.model(book);
+    let saved: SavedReview | undefined;
+    let seen: number | undefined;
+    if (reviewOf) {
+      const path = pathPrint(await scan.ask(whereIs));
+      const marks = await model.ask(book, 'marks', {});
+      saved = decodeReview(reviewOf({ book, path, marks }));
+      if (!saved) return { file, error: 'Its review is of another version.' };
+      ({ seen } = await model.ask(book, 'seen', { prints: saved.seen }));
+    }
     const findings = drain(audit(workbook));
     const { formulas, distinct } = await model.ask(book, 'state', {});
     const said = new Map<number, Said>();
@@ -61,6 +69,7 @@ export async function auditOf(
         high: sure('high'),
         medium: sure('medium'),
         low: sure('low'),
+        ...(seen === undefined ? {} : { seen }),
         ...(saved ? { said: saidCounts([...said.values()]) } : {}),
         notRead: scan.state.notRead,
       },

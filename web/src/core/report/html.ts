@@ -152,13 +152,18 @@ function saidHtml({ said }: Summary): string {
   return ` Judged: ${count(fault, 'fault')}, ${grouped(String(fine))} fine, ${grouped(String(later))} for later.`;
 }
 
+function seenHtml({ seen, distinctFormulas }: Summary): string {
+  if (seen === undefined || distinctFormulas === 0) return '';
+  return ` The reviewer has seen ${grouped(String(seen))} of the distinct formulas.`;
+}
+
 function summaryHtml(summary: Summary): string {
   const { findings, high, medium, low, cells, formulas, distinctFormulas, sheets } = summary;
   const unread = summary.notRead
     .map(({ sheet, address, reason }) => `<li>${text(`${sheet}!${address}`)}: ${text(reason)}</li>`)
     .join('\n');
   return `<p>${count(findings, 'finding')}: ${grouped(String(high))} of high confidence, ${grouped(String(medium))} medium, ${grouped(String(low))} low.${saidHtml(summary)}</p>
-<p>${count(sheets, 'sheet')} with ${count(cells, 'cell')}, among them ${count(formulas, 'formula')}, of which ${grouped(String(distinctFormulas))} ${distinctFormulas === 1 ? 'is' : 'are'} distinct.</p>${
+<p>${count(sheets, 'sheet')} with ${count(cells, 'cell')}, among them ${count(formulas, 'formula')}, of which ${grouped(String(distinctFormulas))} ${distinctFormulas === 1 ? 'is' : 'are'} distinct.${seenHtml(summary)}</p>${
     unread === '' ? '' : `\n<div class="trouble"><p>Not read:</p><ul>\n${unread}\n</ul></div>`
   }`;
 }

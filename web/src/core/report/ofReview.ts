@@ -3,6 +3,7 @@
 import type { FindingRow } from '../model/messages';
 import type { ModelClient } from '../model/ModelClient';
 import type { Said } from '../review/said';
+import type { SeenCount } from '../review/Seen';
 import type { BookScan } from '../scan/BookScan';
 import { reported, saidCounts, type Report } from './Report';
 import { written, type Format } from './written';
@@ -17,6 +18,7 @@ export async function reportOfReview(
   saidOf: (finding: FindingRow) => Said | undefined,
   scan: BookScan,
   model: ModelClient,
+  seen: SeenCount | undefined,
 ): Promise<Report> {
   const { formulas, distinct } = await model.ask(book, 'state', {});
   const inventory = await model.ask(book, 'inventory', {});
@@ -34,6 +36,7 @@ export async function reportOfReview(
       high: sure('high'),
       medium: sure('medium'),
       low: sure('low'),
+      ...(seen ? { seen: seen.seen } : {}),
       said: saidCounts(findings.flatMap((finding) => saidOf(finding) ?? [])),
       notRead,
     },

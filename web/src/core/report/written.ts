@@ -34,6 +34,10 @@ function textOf(report: Report): string {
     lines.push(
       `      ${count(summary.findings - findings.length, 'finding')} of lower rank left out.`,
     );
+  if (summary.seen !== undefined)
+    lines.push(
+      `      Seen by the reviewer: ${String(summary.seen)} of ${count(summary.distinctFormulas, 'distinct formula')}.`,
+    );
   for (const { sheet, address, reason } of summary.notRead)
     lines.push(`      Not read: ${at(sheet, address)}: ${reason}`);
   return `${lines.join('\n')}\n`;

@@ -3,7 +3,7 @@
 
 import type { Kind } from '../audit/Finding';
 import { count, grouped } from '../format/words';
-import type { FindingRow, FindingsAnswer } from '../model/messages';
+import type { Cells, FindingRow, FindingsAnswer } from '../model/messages';
 import type { SheetSketch } from '../model/sketch';
 import { reportOfReview } from '../report/ofReview';
 import type { Report } from '../report/Report';
@@ -13,9 +13,11 @@ import { coverageOf } from '../scan/coverage';
 import type { Scans } from '../scan/Scans';
 import type { PlaceRow } from '../workbook/PlaceList';
 import { PlaceView } from '../workbook/PlaceView';
+import { pathPrint, whereIs, type ReviewedBook } from './reviewed';
 import { FindingRows } from './rows';
 import type { State } from './said';
 import { Sayings, type ReviewKeeper } from './Sayings';
+import { Seen } from './Seen';
 
 /** Which findings are listed; empty for all. */
 export type ReviewFilter = { kind: Kind | ''; sheet: string; state: State | 'open' | '' };
@@ -48,6 +50,7 @@ type Known = {
 export class Review {
   readonly list: PlaceView;
   readonly sayings: Sayings;
+  private readonly seen: Seen;
   private known: Known | undefined;
   /** Those of the findings that the filter lets through. */
   private shown: readonly FindingRow[] = [];
@@ -65,6 +68,7 @@ export class Review {
       if (known?.told && known.filter.state !== '') this.lay(known, active, list.activeIndex);
       else changed();
     }, keeper);
+    this.seen = new Seen(this.sayings, changed, scans?.model);
   }
 
   /** The workbook's findings are looked at; it is read only while it is in front. */
@@ -133,6 +137,32 @@ export class Review {
     return `${all} in ${count(told.formulas, 'formula')}`;
   }
 
+  /** "5 of 12 findings judged: 2 faults, 3 fine. 34 of 150 distinct formulas seen." */
+  get progress(): string {
+    const parts = [this.sayings.progress, this.seen.progress(this.book)].filter(Boolean);
+    return parts.length > 1 ? parts.map((part) => `${part}.`).join(' ') : (parts[0] ?? '');
+  }
+
+  /** The panel has shown the formula of a cell. */
+  sees(book: string, cells: Cells): void {
+    this.seen.add(book, [cells]);
+  }
+
+  /** The user has gone to the active finding: its first cell's formula is shown. */
+  opened(): void {
+    const { active } = this;
+    const [first] = active?.cells ?? [];
+    if (!first) return;
+    const { top, left } = first.area;
+    this.sees(this.book, { ...first, area: { top, left, bottom: top, right: left } });
+  }
+
+  /** `state`: nothing to take back what was said. */
+  say(finding: FindingRow, state: State | undefined, note: string): void {
+    this.sayings.say(finding, state, note);
+    if (state) this.seen.add(this.book, finding.cells);
+  }
+
   /** What the list does not hold, and of when it is. */
   get coverage(): string {
     const { known, scan } = this;
@@ -189,7 +219,15 @@ export class Review {
     if (!known?.told || !scans || !scan) return undefined;
     const { findings } = known.rows;
     const said = (finding: FindingRow) => this.sayings.of(finding);
-    return reportOfReview(known.book, findings, known.told.total, said, scan, scans.model);
+    return reportOfReview(
+      known.book,
+      findings,
+      known.told.total,
+      said,
+      scan,
+      scans.model,
+      this.seen.of(known.book),
+    );
   }
 
   private async ask(known: Known): Promise<void> {
@@ -219,9 +257,12 @@ export class Review {
         known.sheets = choices(rows.findings, sheetOf);
         if (isWhole) {
           const sketches = await this.sketches(scans, known.book);
+          const of = await this.reviewed(scans, scan);
           if (this.known !== known || scan.version !== version) return;
           Object.assign(known, isIn);
-          this.sayings.settle(rows.findings, sketches);
+          void this.sayings
+            .settle(rows.findings, sketches, of)
+            .then(() => this.seen.settle(known.book));
         }
         this.lay(known, before);
         if (isWhole) return;
@@ -239,6 +280,12 @@ export class Review {
   /** Nothing where they cannot be told: then nothing is said of the findings. */
   private async sketches(scans: Scans, book: string): Promise<SheetSketch[] | undefined> {
     return scans.model.ask(book, 'sketch', {}).catch(() => undefined);
+  }
+
+  private async reviewed(scans: Scans, scan: BookScan): Promise<ReviewedBook> {
+    const { book } = scan;
+    const marks = await scans.model.ask(book, 'marks', {}).catch(() => '');
+    return { book, path: pathPrint(await scan.ask(whereIs)), marks };
   }
 
   /** `before`: the finding that was active; it stays so where it is still listed, or the row `otherwise`. */

@@ -1,17 +1,21 @@
-// What the reviewer says of the findings of the workbook that is looked at: loaded when it is first
-// looked at, found again in its findings, saved with every word.
+// What the reviewer says of the findings of the workbook that is looked at: loaded when its findings
+// are first known, found again in them, saved with every word. Which formulas were seen is saved a
+// little later, several at once.
 
 import { count } from '../format/words';
 import type { FindingRow } from '../model/messages';
 import type { SheetSketch } from '../model/sketch';
 import type { Outcome } from '../protocol/Outcome';
 import type { Json } from '../protocol/json';
+import type { Cancel, Clock } from '../time/Clock';
+import type { ReviewedBook } from './reviewed';
 import {
   decodeReview,
   encodeReview,
   noteLimit,
   saidOf,
   withSaid,
+  withSeen,
   type Said,
   type SaidOf,
   type SavedReview,
@@ -19,14 +23,20 @@ import {
 } from './said';
 
 export type ReviewKeeper = {
-  load(book: string): Promise<Outcome<Json>>;
-  save(book: string, review: Json): Promise<Outcome<null>>;
+  load(of: ReviewedBook): Promise<Outcome<Json>>;
+  save(of: ReviewedBook, review: Json): Promise<Outcome<null>>;
   /** As ISO has it. */
   now(): string;
+  clock: Clock;
 };
+
+/** So long after formulas were seen that is saved. */
+const seenAfter = 2_000;
 
 type Kept = {
   book: string;
+  /** Which workbook it is; nothing before it was read. */
+  of: ReviewedBook | undefined;
   /** Nothing before it was loaded, and where it cannot be. */
   saved: SavedReview | undefined;
   findings: readonly FindingRow[];
@@ -36,6 +46,8 @@ type Kept = {
   saving: boolean;
   /** Something was said since it began to be saved. */
   isStale: boolean;
+  /** Takes back that it is saved later; nothing where that is not so. */
+  later: Cancel | undefined;
 };
 
 export class Sayings {
@@ -49,8 +61,10 @@ export class Sayings {
   look(book: string): void {
     const { keeper, kept } = this;
     if (!keeper || kept?.book === book) return;
-    const begun: Kept = {
+    this.saveNow();
+    this.kept = {
       book,
+      of: undefined,
       saved: undefined,
       findings: [],
       sketches: undefined,
@@ -58,27 +72,65 @@ export class Sayings {
       trouble: '',
       saving: false,
       isStale: false,
+      later: undefined,
     };
-    this.kept = begun;
-    void keeper.load(book).then((outcome) => {
-      begun.saved = outcome.ok ? decodeReview(outcome.value) : undefined;
-      if (!outcome.ok) {
-        begun.trouble = `What was said before is not known, and nothing can be said: ${outcome.failure.message}`;
-      } else if (!begun.saved) {
-        begun.trouble =
-          'What was said before cannot be understood, and nothing can be said: it is of another version.';
-      }
-      this.find(begun);
-      if (this.kept === begun) this.changed();
+  }
+
+  /** The workbook's findings as they are now, what its sheets are, and which workbook it is. */
+  async settle(
+    findings: readonly FindingRow[],
+    sketches: readonly SheetSketch[] | undefined,
+    of: ReviewedBook,
+  ): Promise<void> {
+    const { kept, keeper } = this;
+    if (!kept || !keeper || kept.book !== of.book) return;
+    const isFirst = kept.of === undefined;
+    kept.findings = findings;
+    kept.sketches = sketches;
+    kept.of = of;
+    this.find(kept);
+    if (!isFirst) return;
+    const outcome = await keeper.load(of);
+    kept.saved = outcome.ok ? decodeReview(outcome.value) : undefined;
+    if (!outcome.ok) {
+      kept.trouble = `What was said before is not known, and nothing can be said: ${outcome.failure.message}`;
+    } else if (!kept.saved) {
+      kept.trouble =
+        'What was said before cannot be understood, and nothing can be said: it is of another version.';
+    }
+    this.find(kept);
+    if (this.kept === kept) this.changed();
+  }
+
+  /** The workbook that is looked at; empty for none. */
+  get book(): string {
+    return this.kept?.book ?? '';
+  }
+
+  /** Prints of the formulas that were seen; nothing before that was loaded. */
+  get seen(): string | undefined {
+    return this.kept?.saved?.seen;
+  }
+
+  addSeen(prints: string): void {
+    const { kept, keeper } = this;
+    if (!kept?.saved || !keeper) return;
+    const saved = withSeen(kept.saved, prints);
+    if (saved.seen === kept.saved.seen) return;
+    kept.saved = saved;
+    kept.later ??= keeper.clock.after(seenAfter, () => {
+      kept.later = undefined;
+      void this.save(kept, keeper);
     });
   }
 
-  /** The workbook's findings as they are now, and what its sheets are. */
-  settle(findings: readonly FindingRow[], sketches: readonly SheetSketch[] | undefined): void {
-    if (!this.kept) return;
-    this.kept.findings = findings;
-    this.kept.sketches = sketches;
-    this.find(this.kept);
+  /** What waits to be saved need not wait longer. */
+  private saveNow(): void {
+    const { kept, keeper } = this;
+    if (!kept?.later || !keeper) return;
+    kept.later();
+    kept.later = undefined;
+    void this.save(kept, keeper);
   }
 
   of(finding: FindingRow): Said | undefined {
@@ -132,11 +184,11 @@ export class Sayings {
     kept.isStale = true;
     if (kept.saving) return;
     kept.saving = true;
-    while (kept.isStale && kept.saved) {
+    while (kept.isStale && kept.saved && kept.of) {
       kept.isStale = false;
       const { saved } = kept;
-      const review = saved.snapshots.length > 0 ? encodeReview(saved) : null;
-      const outcome = await keeper.save(kept.book, review);
+      const isEmpty = saved.snapshots.length === 0 && saved.seen === '';
+      const outcome = await keeper.save(kept.of, isEmpty ? null : encodeReview(saved));
       kept.trouble = outcome.ok ? '' : `What was said is not kept: ${outcome.failure.message}`;
     }
     kept.saving = false;

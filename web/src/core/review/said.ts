@@ -6,6 +6,7 @@ import { areaAddress, parseArea } from '../address/area';
 import { sheetOfPrefix } from '../evaluation/routes';
 import { Lexer } from '../formula/Lexer';
 import type { Cells, FindingRow } from '../model/messages';
+import { eachPrint, printLength } from '../model/prints';
 import type { SheetSketch } from '../model/sketch';
 import { isIndex, isListOf, isObject, isText, type Json } from '../protocol/json';
 import { Moves, written } from './moved';
@@ -29,10 +30,16 @@ export type SaidOf = Said & {
 /** `sheets`: those that the findings are on and that their formulas name, as they were. */
 export type Snapshot = { sheets: SheetSketch[]; said: SaidOf[] };
 
-/** The newest first. What is found no more stays for a workbook as it was. */
-export type SavedReview = { version: 1; snapshots: Snapshot[] };
+/**
+ * The newest first. What is found no more stays for a workbook as it was. `seen`: prints of the
+ * formulas that the reviewer has seen, the latest last.
+ */
+export type SavedReview = { version: 1; snapshots: Snapshot[]; seen: string };
 
-export const emptyReview: SavedReview = { version: 1, snapshots: [] };
+export const emptyReview: SavedReview = { version: 1, snapshots: [], seen: '' };
+
+/** Of more formulas it is not kept that they were seen: the first go. */
+export const seenLimit = 20_000;
 
 /** More is not kept; the oldest goes. */
 const snapshotsLimit = 3;
@@ -127,7 +134,13 @@ export function withSaid(
   const snapshots = [{ sheets: sheetsOf(now, sketches), said: now }, ...before]
     .filter((one) => one.said.length > 0)
     .slice(0, snapshotsLimit);
-  return { version: 1, snapshots };
+  return { ...saved, snapshots };
+}
+
+/** The review with these prints among those that were seen. */
+export function withSeen(saved: SavedReview, news: string): SavedReview {
+  const prints = [...new Set([...eachPrint(saved.seen), ...eachPrint(news)])];
+  return { ...saved, seen: prints.slice(-seenLimit).join('') };
 }
 
 /** The sketches of the sheets that the findings are on or name. */
@@ -149,6 +162,7 @@ function sheetsOf(said: readonly SaidOf[], sketches: readonly SheetSketch[]): Sh
 export function encodeReview(review: SavedReview): Json {
   return {
     version: review.version,
+    ...(review.seen === '' ? {} : { seen: review.seen }),
     snapshots: review.snapshots.map(({ sheets, said }) => ({
       sheets: sheets.map((sheet) => ({ ...sheet })),
       said: said.map(({ cells, ...one }) => ({
@@ -203,5 +217,7 @@ export function decodeReview(value: unknown): SavedReview | undefined {
     if (!said.every((each) => each !== undefined)) return undefined;
     snapshots.push({ sheets: one.sheets, said });
   }
-  return { version: 1, snapshots };
+  const { seen = '' } = value;
+  if (!isText(seen) || seen.length % printLength !== 0) return undefined;
+  return { version: 1, snapshots, seen };
 }

@@ -169,6 +169,15 @@ export class BookScan {
     return findHidden(this.book, sheet, area, evaluate);
   }
 
+  /** What the spreadsheet gives for an expression about one of the workbook's cells; nothing where it cannot. */
+  async ask(expression: (cell: string) => string): Promise<Json | undefined> {
+    const [sheet] = this.names;
+    if (sheet === undefined) return undefined;
+    const cell = inBook(this.book, sheet, 'A1');
+    const outcome = await this.ports.questions.evaluate(expression(cell));
+    return outcome.ok ? outcome.value : undefined;
+  }
+
   /** A sheet is not as it was read. */
   noticeChange(sheet: string): void {
     const { changed, status } = this.state;

@@ -42,7 +42,7 @@ export function progressOf(state: ScanState): string {
     case 'starting':
       return waiting ? 'The spreadsheet is busy; reading waits.' : 'Looking at the workbook…';
     case 'asking':
-      return `${count(cells, 'cell')} on ${count(sheets, 'sheet')} are to be read for the other sheets.`;
+      return `${count(cells, 'cell')} on ${count(sheets, 'sheet')} are to be read first.`;
     case 'reading':
       if (isLookingUp(state)) return 'Looking up where tables are…';
       if (waiting) return `The spreadsheet is busy; reading waits at “${sheet}”.`;

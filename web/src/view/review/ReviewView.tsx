@@ -54,7 +54,7 @@ export function ReviewView(props: { page: Page }): JSX.Element {
         </Show>
       </div>
       <div class="reviewBar">
-        <Show when={look(() => review().sayings.progress)}>
+        <Show when={look(() => review().progress)}>
           {(text) => (
             <p class="note" data-testid="review-progress">
               {text()}

@@ -32,7 +32,7 @@ export function Verdict(props: { page: Page; finding: FindingRow }): JSX.Element
   const keep = (): void => {
     const now = said();
     const text = note?.value.trim() ?? '';
-    if (now && text !== now.note) sayings().say(props.finding, now.state, text);
+    if (now && text !== now.note) props.page.explorer.review.say(props.finding, now.state, text);
   };
   return (
     <div class="judgement" data-testid="verdict">
@@ -48,7 +48,11 @@ export function Verdict(props: { page: Page; finding: FindingRow }): JSX.Element
               data-testid={`say-${state}`}
               onClick={() => {
                 const next = said()?.state === state ? undefined : state;
-                sayings().say(props.finding, next, next ? (note?.value.trim() ?? '') : '');
+                props.page.explorer.review.say(
+                  props.finding,
+                  next,
+                  next ? (note?.value.trim() ?? '') : '',
+                );
               }}
             >
               {stateName(state)}

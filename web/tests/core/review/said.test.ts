@@ -166,6 +166,18 @@ describe('what was said', () => {
     expect(json).not.toMatch(/Wood|Price|Other/);
   });
 
+  test('keeps which formulas were seen, with what was said and without', () => {
+    for (const review of [emptyReview, sayAll({ Data: sheet })]) {
+      const seen = { ...review, seen: 'AAAAABBBBB' };
+      expect(decodeReview(JSON.parse(JSON.stringify(encodeReview(seen))))).toEqual(seen);
+      const { findings, sketches } = look({ Data: sheet });
+      const found = saidOf(seen, findings, sketches);
+      const [one] = findings;
+      if (!one) throw new Error('nothing is found');
+      expect(withSaid(seen, found, sketches, one, undefined).seen).toBe('AAAAABBBBB');
+    }
+  });
+
   test.each([
     undefined,
     1,
@@ -173,6 +185,8 @@ describe('what was said', () => {
     {},
     { version: 2, snapshots: [] },
     { version: 1 },
+    { version: 1, snapshots: [], seen: 1 },
+    { version: 1, snapshots: [], seen: 'AAAA' },
     { version: 1, snapshots: [1] },
     { version: 1, snapshots: [{ sheets: [], said: [{}] }] },
     { version: 1, snapshots: [{ sheets: [{ name: 'A' }], said: [] }] },

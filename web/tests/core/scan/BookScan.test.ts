@@ -224,9 +224,7 @@ describe('a scan', () => {
     scans.of(book).begin();
     await settled();
     expect(spreadsheet.asked).toEqual(['workbookMap']);
-    expect(progressOf(scans.of(book).state)).toBe(
-      '52,000 cells on 1 sheet are to be read for the other sheets.',
-    );
+    expect(progressOf(scans.of(book).state)).toBe('52,000 cells on 1 sheet are to be read first.');
     scans.of(book).go();
     await settled();
     // Twice 48 rows, as the second piece is asked for before the first has come, 96, then 192.
