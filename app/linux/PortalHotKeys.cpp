@@ -17,9 +17,7 @@ constexpr const char* portal = "org.freedesktop.portal.Desktop";
 constexpr const char* object = "/org/freedesktop/portal/desktop";
 constexpr const char* shortcutsInterface = "org.freedesktop.portal.GlobalShortcuts";
 constexpr const char* requestInterface = "org.freedesktop.portal.Request";
-constexpr const char* sessionToken = "quorin_session";
-constexpr const char* createToken = "quorin_create";
-constexpr const char* bindToken = "quorin_bind";
+constexpr const char* sessionInterface = "org.freedesktop.portal.Session";
 
 struct GVariantUnref {
   void operator()(GVariant* value) const { g_variant_unref(value); }
@@ -80,14 +78,32 @@ HotKeyService::Status PortalHotKeys::add(HotKeyID id, std::uint32_t keyCode,
   std::optional<std::string> trigger = triggerOf(keyCode, modifiers);
   if (!trigger) return badParameter;
   shortcuts_.push_back({id, std::move(*trigger)});
-  if (!binding_) binding_.reset(g_idle_add(bindAll, this));
+  bindSoon();
   return noError;
+}
+
+void PortalHotKeys::remove(HotKeyID id) {
+  std::erase_if(shortcuts_, [id](const Shortcut& one) { return one.id == id; });
+  bindSoon();
+}
+
+void PortalHotKeys::bindSoon() {
+  if (!binding_) binding_.reset(g_idle_add(bindAll, this));
 }
 
 gboolean PortalHotKeys::bindAll(gpointer data) {
   auto& self = *static_cast<PortalHotKeys*>(data);
   self.binding_.forget();
-  g_bus_get(G_BUS_TYPE_SESSION, self.cancelled_.get(), connected, data);
+  if (self.asking_ || self.shortcuts_.empty() || self.shortcuts_ == self.asked_) {
+    return G_SOURCE_REMOVE;
+  }
+  self.asking_ = true;
+  self.asked_ = self.shortcuts_;
+  if (self.bus_) {
+    self.createSession();
+  } else {
+    g_bus_get(G_BUS_TYPE_SESSION, self.cancelled_.get(), connected, data);
+  }
   return G_SOURCE_REMOVE;
 }
 
@@ -105,13 +121,22 @@ void PortalHotKeys::connected(GObject*, GAsyncResult* result, gpointer data) {
                          g_dbus_connection_signal_subscribe(
                              self.bus_.get(), portal, shortcutsInterface, "Activated", nullptr,
                              nullptr, G_DBUS_SIGNAL_FLAGS_NONE, activated, data, nullptr)};
+  self.createSession();
+}
+
+void PortalHotKeys::createSession() {
+  if (const std::string before = std::exchange(session_, {}); !before.empty()) {
+    g_dbus_connection_call(bus_.get(), portal, before.c_str(), sessionInterface, "Close", nullptr,
+                           nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr, nullptr);
+  }
+  const std::string number = std::to_string(++sessions_);
+  const std::string token = "quorin_create" + number;
   GVariantBuilder options;
   g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
-  g_variant_builder_add(&options, "{sv}", "handle_token", g_variant_new_string(createToken));
+  g_variant_builder_add(&options, "{sv}", "handle_token", g_variant_new_string(token.c_str()));
   g_variant_builder_add(&options, "{sv}", "session_handle_token",
-                        g_variant_new_string(sessionToken));
-  self.ask("CreateSession", g_variant_new("(a{sv})", &options), createToken,
-           &PortalHotKeys::sessionCreated);
+                        g_variant_new_string(("quorin_session" + number).c_str()));
+  ask("CreateSession", g_variant_new("(a{sv})", &options), token, &PortalHotKeys::sessionCreated);
 }
 
 // The answer comes as a signal of an object whose path follows from our name on the bus and the
@@ -159,9 +184,10 @@ void PortalHotKeys::sessionCreated(GVariant* results) {
     return fail("the desktop gives no session");
   }
   session_ = session;
+  const std::string token = "quorin_bind" + std::to_string(sessions_);
   GVariantBuilder all;
   g_variant_builder_init(&all, G_VARIANT_TYPE("a(sa{sv})"));
-  for (const Shortcut& one : shortcuts_) {
+  for (const Shortcut& one : asked_) {
     GVariantBuilder told;
     g_variant_builder_init(&told, G_VARIANT_TYPE_VARDICT);
     g_variant_builder_add(&told, "{sv}", "description",
@@ -172,12 +198,16 @@ void PortalHotKeys::sessionCreated(GVariant* results) {
   }
   GVariantBuilder options;
   g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
-  g_variant_builder_add(&options, "{sv}", "handle_token", g_variant_new_string(bindToken));
+  g_variant_builder_add(&options, "{sv}", "handle_token", g_variant_new_string(token.c_str()));
   ask("BindShortcuts", g_variant_new("(oa(sa{sv})sa{sv})", session_.c_str(), &all, "", &options),
-      bindToken, &PortalHotKeys::bound);
+      token, &PortalHotKeys::bound);
 }
 
-void PortalHotKeys::bound(GVariant*) {}
+void PortalHotKeys::bound(GVariant*) {
+  asking_ = false;
+  reason_.reset();
+  bindSoon();  // others may be wanted by now
+}
 
 void PortalHotKeys::activated(GDBusConnection*, const char*, const char*, const char*, const char*,
                               GVariant* parameters, gpointer data) {
@@ -192,6 +222,8 @@ void PortalHotKeys::activated(GDBusConnection*, const char*, const char*, const 
 }
 
 void PortalHotKeys::fail(const std::string& reason) {
+  asking_ = false;
+  reason_ = reason;
   if (const auto unavailable = std::exchange(unavailable_, {})) unavailable(reason);
 }
 

@@ -6,6 +6,7 @@
 #include <functional>
 #include <gio/gio.h>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,6 @@ namespace quorin {
 
 class PortalHotKeys : public HotKeyService {
  public:
-  static constexpr Status badParameter = -50;  // no such key or modifier
   static constexpr Status alreadyInstalled = -9860;
 
   // `unavailable` is told once, and why, where there is no portal or it binds nothing.
@@ -26,13 +26,18 @@ class PortalHotKeys : public HotKeyService {
   PortalHotKeys& operator=(const PortalHotKeys&) = delete;
 
   Status install(Handler handler) override;
-  // Those that are added in one go are bound together.
+  // Those that are added in one go are bound together. A portal binds once a session: when others
+  // are wanted later a new session takes the place of the one before. Those that are away for a
+  // while, all of them, stay bound and are told to nobody.
   Status add(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers) override;
+  void remove(HotKeyID id) override;
+  std::optional<std::string> unavailable() const override { return reason_; }
 
  private:
   struct Shortcut {
     HotKeyID id;
     std::string trigger;  // as the portal writes keys: "ALT+SHIFT+a"
+    bool operator==(const Shortcut&) const = default;
   };
   using Then = void (PortalHotKeys::*)(GVariant* results);
 
@@ -44,6 +49,8 @@ class PortalHotKeys : public HotKeyService {
                         GVariant* parameters, gpointer self);
   static void called(GObject* connection, GAsyncResult* result, gpointer self);
 
+  void bindSoon();
+  void createSession();
   void ask(const char* method, GVariant* parameters, const std::string& token, Then then);
   void sessionCreated(GVariant* results);
   void bound(GVariant* results);
@@ -52,12 +59,16 @@ class PortalHotKeys : public HotKeyService {
   std::function<void(const std::string&)> unavailable_;
   Handler handler_;
   std::vector<Shortcut> shortcuts_;
+  std::vector<Shortcut> asked_;  // those of the newest session
+  bool asking_ = false;          // until the portal has bound them, or has not
+  std::optional<std::string> reason_;
   GSourceHandle binding_;
   GObjectPtr<GCancellable> cancelled_;
   GObjectPtr<GDBusConnection> bus_;
   std::vector<guint> subscriptions_;
   std::map<std::string, Then> expected_;  // answers, by the path of the request
   std::string session_;
+  int sessions_ = 0;  // so far
 };
 
 }  // namespace quorin

@@ -18,6 +18,11 @@ HotKeyService::Status TwoHotKeyServices::add(HotKeyID id, std::uint32_t keyCode,
   return x11_.add(id, keyCode, modifiers);
 }
 
+void TwoHotKeyServices::remove(HotKeyID id) {
+  portal_.remove(id);
+  x11_.remove(id);
+}
+
 X11Desktop::X11Desktop(std::optional<WaylandSession> wayland)
     : session_(gdk_display_get_default()),
       hotKeys_(gdk_display_get_default()),

@@ -25,6 +25,7 @@ class TwoHotKeyServices : public HotKeyService {
 
   Status install(Handler handler) override;
   Status add(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers) override;
+  void remove(HotKeyID id) override;
 
  private:
   X11HotKeys& x11_;

@@ -67,6 +67,12 @@ HotKeyService::Status X11HotKeys::add(HotKeyID id, std::uint32_t keyCode, std::u
   return noError;
 }
 
+void X11HotKeys::remove(HotKeyID id) {
+  if (std::erase_if(combinations_, [id](const Combination& one) { return one.id == id; }) > 0) {
+    grabAnew();
+  }
+}
+
 // The modifiers as this keyboard reports them: Super is one of Mod1 to Mod5.
 unsigned X11HotKeys::realMask(GdkModifierType modifiers) const {
   GdkModifierType mapped = modifiers;
@@ -115,11 +121,14 @@ void X11HotKeys::releaseAll() {
   grabs_.clear();
 }
 
+void X11HotKeys::grabAnew() {
+  releaseAll();
+  for (const Combination& combination : combinations_) grab(combination);
+}
+
 // Another keyboard, or another mapping of the modifiers.
-void X11HotKeys::keysChanged(GdkKeymap*, gpointer data) {
-  auto& self = *static_cast<X11HotKeys*>(data);
-  self.releaseAll();
-  for (const Combination& combination : self.combinations_) self.grab(combination);
+void X11HotKeys::keysChanged(GdkKeymap*, gpointer self) {
+  static_cast<X11HotKeys*>(self)->grabAnew();
 }
 
 GdkFilterReturn X11HotKeys::filter(void* xevent, GdkEvent*, gpointer data) {

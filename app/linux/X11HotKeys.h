@@ -13,8 +13,6 @@ namespace quorin {
 
 class X11HotKeys : public HotKeyService {
  public:
-  static constexpr Status badParameter = -50;     // no such key or modifier
-  static constexpr Status alreadyExists = -9878;  // held by another program, or added before
   static constexpr Status alreadyInstalled = -9860;
 
   explicit X11HotKeys(GdkDisplay* display);
@@ -24,6 +22,7 @@ class X11HotKeys : public HotKeyService {
 
   Status install(Handler handler) override;
   Status add(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers) override;
+  void remove(HotKeyID id) override;
 
  private:
   struct Combination {
@@ -43,6 +42,7 @@ class X11HotKeys : public HotKeyService {
   bool grab(const Combination& combination);
   void release(const std::vector<Grab>& grabs);
   void releaseAll();
+  void grabAnew();
   unsigned realMask(GdkModifierType modifiers) const;
   unsigned numLockMask() const;
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #import <Carbon/Carbon.h>
+#include <utility>
 #include <vector>
 
 #include "app/shell/ports/HotKeyService.h"
@@ -18,13 +19,14 @@ class MacHotKeys : public HotKeyService {
 
   Status install(Handler handler) override;
   Status add(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers) override;
+  void remove(HotKeyID id) override;
 
  private:
   static OSStatus pressed(EventHandlerCallRef next, EventRef event, void* self);
 
   Handler handler_;
   EventHandlerRef installed_ = nullptr;
-  std::vector<EventHotKeyRef> registered_;
+  std::vector<std::pair<HotKeyID, EventHotKeyRef>> registered_;
 };
 
 }  // namespace quorin

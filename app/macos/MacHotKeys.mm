@@ -7,7 +7,7 @@
 namespace quorin {
 
 MacHotKeys::~MacHotKeys() {
-  for (EventHotKeyRef hotKey : registered_) UnregisterEventHotKey(hotKey);
+  for (const auto& [id, hotKey] : registered_) UnregisterEventHotKey(hotKey);
   if (installed_) RemoveEventHandler(installed_);
 }
 
@@ -23,8 +23,16 @@ HotKeyService::Status MacHotKeys::add(HotKeyID id, std::uint32_t keyCode, std::u
   const OSStatus status =
       RegisterEventHotKey(keyCode, modifiers, EventHotKeyID{id.signature, id.id},
                           GetApplicationEventTarget(), kEventHotKeyNoOptions, &hotKey);
-  if (hotKey) registered_.push_back(hotKey);
+  if (hotKey) registered_.emplace_back(id, hotKey);
   return status;
+}
+
+void MacHotKeys::remove(HotKeyID id) {
+  std::erase_if(registered_, [id](const auto& one) {
+    if (one.first != id) return false;
+    UnregisterEventHotKey(one.second);
+    return true;
+  });
 }
 
 OSStatus MacHotKeys::pressed(EventHandlerCallRef, EventRef event, void* self) {

@@ -24,6 +24,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     restoreStrandedMarks();
     registerHotKeys(config);
     watchActivation(config);
+    makeSettings(config);
     if (raiseWanted_) raisePanel();
     if (wantedView_) surface(*wantedView_);
   });
@@ -97,6 +98,7 @@ void AppDelegate::connectCallbacks() {
       });
   panel().setOnSummon([this] {
     if (excelIsFrontmost(parts_.platform.workspace())) poller_->seedBaseline();
+    if (settings_) settings_->reread();
   });
 }
 
@@ -123,6 +125,21 @@ void AppDelegate::watchActivation(const QXConfig& config) {
   sign_ = std::make_unique<SelectionSign>(parts_.platform, parts_.bridge, panel(), *poller_);
   sign_->start(config.pollMs,
                [this](const RunningApplication& excel) { applicationActivated(excel); });
+}
+
+void AppDelegate::makeSettings(const QXConfig& config) {
+  const auto setInterval = [this](std::int64_t pollMs) {
+    poller_->setInterval(pollMs);
+    if (sign_) sign_->setInterval(pollMs);
+  };
+  settings_ =
+      std::make_unique<Settings>(Settings::Parts{parts_.platform, panel(), *poller_, *hotKey_,
+                                                 *menuBar_, parts_.log, parts_.config, setInterval},
+                                 config);
+  panel().setOnApplicationVerb(
+      [this, alive = std::weak_ptr(alive_)](const std::string& verb, const JSONValue::Array& args) {
+        return alive.expired() ? std::nullopt : settings_->answer(verb, args);
+      });
 }
 
 void AppDelegate::applicationActivated(const RunningApplication& application) {

@@ -13,6 +13,7 @@
 #include "app/shell/PanelPlacer.h"
 #include "app/shell/Poller.h"
 #include "app/shell/SelectionSign.h"
+#include "app/shell/Settings.h"
 #include "app/shell/Support.h"
 #include "kit/support/ISO.h"
 #include "kit/support/QXConfig.h"
@@ -66,6 +67,7 @@ class AppDelegate : public ApplicationDelegate {
   void restoreStrandedMarks();
   void registerHotKeys(const QXConfig& config);
   void watchActivation(const QXConfig& config);
+  void makeSettings(const QXConfig& config);
 
   void applicationActivated(const RunningApplication& application);
 
@@ -78,6 +80,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<HotKey> hotKey_;
   Support support_;
   std::unique_ptr<MenuBar> menuBar_;
+  std::unique_ptr<Settings> settings_;
   bool raiseWanted_ = false;
   std::optional<std::string> wantedView_;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/shell/PanelPlacer.h"
@@ -32,8 +33,27 @@ class HotKey {
 
   explicit HotKey(Parts parts);
 
+  static constexpr std::uint32_t summonID = 1, backID = 2, onID = 3, mapID = 4, depsID = 5;
+
   // Registers all combinations, once. One that the system refuses is logged and does nothing.
   void registerAll(HotKeyService& service, const QXConfig& config);
+
+  // Registers those that the settings have otherwise now, in the same way.
+  void apply(const QXConfig& config);
+
+  // Registers the combination in place of the one of this number. Where the system refuses it,
+  // which is not logged, the one before stays. Gives the system's status.
+  HotKeyService::Status change(std::uint32_t id, const KeyCombination& combination);
+
+  // How the system took the combination of this number when it was registered last.
+  HotKeyService::Status status(std::uint32_t id) const;
+
+  // Which of ours it is; none for none of ours.
+  std::optional<std::uint32_t> idOf(const KeyCombination& combination) const;
+
+  // Paused combinations reach the window that has the keyboard, so that a new one can be pressed
+  // there. Ends by itself after a while: whoever asked for it may be gone.
+  void setPaused(bool paused);
 
   // Runs the action of a registered combination; any other is not handled.
   HotKeyService::Status pressed(HotKeyID id);
@@ -46,10 +66,20 @@ class HotKey {
   void step(int direction);
 
  private:
-  using Action = std::function<void()>;
+  struct Entry {
+    std::function<void()> action;
+    KeyCombination combination;
+    HotKeyService::Status status = HotKeyService::noError;
+  };
+
+  HotKeyService::Status add(std::uint32_t id, const KeyCombination& combination);
+  void remove(std::uint32_t id);
+  void addOrLog(std::uint32_t id, const KeyCombination& combination);
 
   Parts parts_;
-  std::map<std::uint32_t, Action> handlers_;
+  HotKeyService* service_ = nullptr;
+  std::map<std::uint32_t, Entry> entries_;
+  std::unique_ptr<Timer> pause_;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

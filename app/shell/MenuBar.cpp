@@ -65,6 +65,7 @@ std::vector<MenuBar::Entry> MenuBar::makeEntries() {
       {{"Report a Problem…"}, [this] { parts_.support.report(); }},
       {{updateTitle}, [this] { checkForUpdates(); }},
       {{loginTitle, true, false, true}, [this] { toggleLogin(); }},
+      {{"Settings…"}, [this] { openSettings(); }},
       {{""}, [] {}},
       {{"Quit Quorin"}, [this] { parts_.platform.application().terminate(); }},
   };
@@ -84,10 +85,20 @@ void MenuBar::change(std::size_t index, const MenuItem& item) {
 }
 
 void MenuBar::toggleFollow() {
-  const bool paused = !parts_.poller.paused();
+  setFollowing(parts_.poller.paused());
+}
+
+void MenuBar::setFollowing(bool following) {
+  const bool paused = !following;
+  if (paused == parts_.poller.paused()) return;
   parts_.poller.setPaused(paused);
   change(followIndex, {paused ? resumeTitle : pauseTitle});
   parts_.panel.sendEvent("followState", JSONValue::Object{{"paused", paused}});
+}
+
+void MenuBar::openSettings() {
+  parts_.panel.summon();
+  parts_.panel.sendEvent("showSettings", JSONValue::Object{});
 }
 
 void MenuBar::clearStuck() {
@@ -140,17 +151,22 @@ void MenuBar::refreshUpdateItem() {
 void MenuBar::toggleLogin() {
   LoginItem* const login = parts_.platform.loginItem();
   if (!login) return;
-  const bool enabling = login->status() != LoginItemStatus::enabled;
-  const std::optional<std::string> error =
-      enabling ? login->registerItem() : login->unregisterItem();
+  const std::optional<std::string> error = setLogin(login->status() != LoginItemStatus::enabled);
+  if (error) tell({"Could not change the login item", *error, {}});
+}
+
+std::optional<std::string> MenuBar::setLogin(bool starts) {
+  LoginItem* const login = parts_.platform.loginItem();
+  if (!login) return "there is no such thing here";
+  const std::optional<std::string> error = starts ? login->registerItem() : login->unregisterItem();
   if (error) {
     parts_.log.log("ERROR", "login: " + *error);
-    tell({"Could not change the login item", *error, {}});
   } else {
     parts_.log.log("LOGIN",
-                   (enabling ? "register " : "unregister ") + std::string(name(login->status())));
+                   (starts ? "register " : "unregister ") + std::string(name(login->status())));
   }
   refreshLoginItem();
+  return error;
 }
 
 void MenuBar::refreshLoginItem() {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,11 +40,17 @@ class MenuBar : private StatusItemDelegate {
   ~MenuBar() override;
 
   void toggleFollow();
+  void setFollowing(bool following);
+  void openSettings();
   void clearStuck();
   void openLog();
   void checkForUpdates();
   void toggleLogin();
   void refreshLoginItem();
+
+  // Gives the system's description of what went wrong, which is in the log too; none when nothing
+  // did.
+  std::optional<std::string> setLogin(bool starts);
 
  private:
   struct Entry {

@@ -55,6 +55,12 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   // Called each time the panel is shown.
   void setOnSummon(std::function<void()> action) { onSummon_ = std::move(action); }
 
+  // Who answers the verbs that concern the whole application, asked before the bridge; gives none
+  // for any other verb.
+  using Verbs = std::function<std::optional<PanelReply>(const std::string& verb,
+                                                        const JSONValue::Array& args)>;
+  void setOnApplicationVerb(Verbs answer) { applicationVerbs_ = std::move(answer); }
+
   bool isVisible() const { return window_->isVisible(); }
   bool isKey() const { return window_->isKey(); }
 
@@ -119,6 +125,7 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   PageChannel page_;
   ReviewRequests reviews_;
   std::function<void()> onSummon_;
+  Verbs applicationVerbs_;
   bool enabled_ = true;
   bool expanded_ = false;
   double expandShift_ = 0;

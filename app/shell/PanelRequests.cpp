@@ -52,6 +52,12 @@ void Panel::handleRequest(double id, const std::string& verb, const JSONValue::A
     page_.reply(id, reply->ok, reply->payload);
     return;
   }
+  if (applicationVerbs_) {
+    if (const std::optional<PanelReply> reply = applicationVerbs_(verb, args)) {
+      page_.reply(id, reply->ok, reply->payload);
+      return;
+    }
+  }
   // It answers nobody once it is gone, and the panel with it.
   const auto answer = [this, id](const PanelReply& reply) {
     page_.reply(id, reply.ok, reply.payload);

@@ -25,13 +25,22 @@ Poller::Poller(AppPlatform& platform, PanelBridge& bridge, Panel& panel, std::in
     : platform_(platform), bridge_(bridge), panel_(panel), interval_(intervalMs) {}
 
 void Poller::start() {
-  timer_.reset();
-  timer_ = platform_.mainLoop().startTimer(interval_, TimerKind::repeating, [this] { tick(); });
+  startTimer();
   if (UserInput* const input = platform_.userInput()) {
     input->observe([this, alive = std::weak_ptr(alive_)] {
       if (!alive.expired()) nudge();
     });
   }
+}
+
+void Poller::startTimer() {
+  timer_.reset();
+  timer_ = platform_.mainLoop().startTimer(interval_, TimerKind::repeating, [this] { tick(); });
+}
+
+void Poller::setInterval(std::int64_t intervalMs) {
+  interval_ = std::chrono::milliseconds(intervalMs);
+  if (timer_) startTimer();
 }
 
 bool Poller::isUseful() const {

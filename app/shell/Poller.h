@@ -36,6 +36,9 @@ class Poller {
   // Starts the timer, in place of the one that runs.
   void start();
 
+  // From now on the timer fires so often.
+  void setInterval(std::int64_t intervalMs);
+
   // Takes the cell that Excel is on now as known, once it has answered.
   void seedBaseline();
 
@@ -54,6 +57,7 @@ class Poller {
 
  private:
   bool isUseful() const;
+  void startTimer();
   void tick();
   void nudge();
   void tickSoon();
@@ -65,7 +69,7 @@ class Poller {
   AppPlatform& platform_;
   PanelBridge& bridge_;
   Panel& panel_;
-  const std::chrono::milliseconds interval_;
+  std::chrono::milliseconds interval_;
   std::unique_ptr<Timer> timer_;
   std::unique_ptr<Timer> soon_;  // while ticks after the user's input are due
   std::size_t ticksSoon_ = 0;    // of them, those that have been

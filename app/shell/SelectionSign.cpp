@@ -8,6 +8,11 @@ namespace quorin {
 
 void SelectionSign::start(std::int64_t intervalMs, Handler handler) {
   handler_ = std::move(handler);
+  setInterval(intervalMs);
+}
+
+void SelectionSign::setInterval(std::int64_t intervalMs) {
+  timer_.reset();
   timer_ = platform_.mainLoop().startTimer(std::chrono::milliseconds(intervalMs),
                                            TimerKind::repeating, [this] { tick(); });
 }

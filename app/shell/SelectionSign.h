@@ -24,6 +24,7 @@ class SelectionSign {
       : platform_(platform), bridge_(bridge), panel_(panel), poller_(poller) {}
 
   void start(std::int64_t intervalMs, Handler handler);
+  void setInterval(std::int64_t intervalMs);
 
  private:
   void tick();

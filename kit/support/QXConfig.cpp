@@ -74,6 +74,10 @@ QXConfig QXConfig::load(const std::filesystem::path& url, FileSystem& files, Dia
   }
 }
 
+QXConfig QXConfig::readStrictly(const std::filesystem::path& url, FileSystem& files) {
+  return decode(readWhole(files, url));
+}
+
 void QXConfig::merge(const Patch& patch, const std::filesystem::path& url, FileSystem& files) {
   std::optional<std::string> text;
   try {

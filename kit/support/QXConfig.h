@@ -33,7 +33,20 @@ class QXConfigError : public std::runtime_error {
   int code_;
 };
 
+// A global hot key as the settings have it. Its key code is `noKey` where there is to be none.
+struct KeyCombination {
+  static constexpr std::uint32_t noKey = 0xFFFF;
+
+  std::uint32_t keyCode = noKey;
+  std::uint32_t modifiers = 0;
+
+  bool isNone() const { return keyCode == noKey; }
+  bool operator==(const KeyCombination&) const = default;
+};
+
 struct QXConfig {
+  static constexpr std::int64_t shortestPollMs = 50;
+
   // Virtual key codes of the ANSI layout and Carbon modifier masks: command 256, shift 512, option
   // 2048, control 4096.
   std::uint32_t summonKeyCode = 0;       // A
@@ -49,6 +62,10 @@ struct QXConfig {
 
   bool operator==(const QXConfig&) const = default;
 
+  KeyCombination summonKey() const { return {summonKeyCode, summonModifiers}; }
+  KeyCombination mapKey() const { return {mapKeyCode, mapModifiers}; }
+  KeyCombination depsKey() const { return {depsKeyCode, depsModifiers}; }
+
   // Quorin/config.json in the application-support folder of the installed platform, whose absence
   // stops the process. Makes no folder.
   static std::filesystem::path defaultURL();
@@ -57,6 +74,11 @@ struct QXConfig {
   // malformed one stays as it is and is reported to the log.
   static QXConfig load(const std::filesystem::path& url);
   static QXConfig load(const std::filesystem::path& url, FileSystem& files, DiagLog& log);
+
+  // The same, telling what is wrong: throws QXConfigError for a malformed file, FileError for one
+  // that cannot be read. Writes and logs nothing.
+  static QXConfig readStrictly(const std::filesystem::path& url,
+                               FileSystem& files = FileSystem::real());
 
   // An absent value removes the key.
   using Patch = std::map<std::string, std::optional<JSONValue>>;

@@ -124,7 +124,7 @@ QXConfig QXConfig::decode(std::string_view text) {
   migrate(summonMigrations, config.summonKeyCode, config.summonModifiers);
   migrate(mapMigrations, config.mapKeyCode, config.mapModifiers);
   migrate(depsMigrations, config.depsKeyCode, config.depsModifiers);
-  if (config.pollMs < 50) config.pollMs = defaults.pollMs;
+  if (config.pollMs < shortestPollMs) config.pollMs = defaults.pollMs;
   if (config.debounceMs < 0) config.debounceMs = defaults.debounceMs;
   if (!isColour(config.highlightRGB)) config.highlightRGB = defaults.highlightRGB;
   return config;

@@ -18,6 +18,7 @@ import type { Colour, Verb, Verbs } from './core/protocol/verbs';
 import { reportFile } from './core/report/ofReview';
 import { PacedErrands } from './core/scan/PacedErrands';
 import { Scans } from './core/scan/Scans';
+import { SettingsPanel } from './core/settings/SettingsPanel';
 import { SelectionTracker } from './core/selection/SelectionTracker';
 import { unnamedApplication, type Platform } from './core/selection/sentences';
 import type { SelectionState } from './core/selection/state';
@@ -295,9 +296,34 @@ void client.ask('getHighlightColor').then((outcome) => {
   if (red !== undefined && green !== undefined && blue !== undefined) useColour([red, green, blue]);
 });
 
+const settings = new SettingsPanel({
+  load: () => client.ask('getSettings'),
+  set: (name, value) => client.ask('setSetting', name, value),
+  pauseKeys: (paused) => void client.ask('pauseHotKeys', paused),
+  loaded({ highlightRGB: [red, green, blue] }) {
+    if (red !== undefined && green !== undefined && blue !== undefined) {
+      useColour([red, green, blue]);
+    }
+  },
+  clock,
+  platform,
+  changed,
+});
+client.listen((event) => {
+  if (event.name === 'showSettings') settings.open();
+  if (event.name === 'settingsChanged') settings.load();
+  if (event.name === 'surface') settings.close();
+});
+
 const page: Page = {
   explorer,
   follower,
+  settings,
+  platform,
+  show(view) {
+    settings.close();
+    explorer.show(view);
+  },
   look(read) {
     version();
     return read(explorer);
@@ -331,6 +357,7 @@ const page: Page = {
     });
   },
   waiting,
+  checkForUpdates: () => void client.ask('checkForUpdates'),
   wide,
   setWide: (next) => void client.ask('setPanelWidth', next),
   hide() {

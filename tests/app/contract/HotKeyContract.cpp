@@ -25,7 +25,7 @@ class HotKeyContract : public PortContract {
   static inline std::vector<HotKeyID> pressed;
 };
 
-// The service keeps what is added as long as it lives, so all of it is in one test.
+// One of each thing that the service does, in the order of a life.
 TEST_F(HotKeyContract, TellsWhatIsPressedAndRefusesWhatIsTaken) {
   const HotKeyID first{0x51584854, 41}, second{0x51584854, 42};
   EXPECT_EQ(keys().add(first, keyJ, optionShift), HotKeyService::noError);
@@ -38,6 +38,15 @@ TEST_F(HotKeyContract, TellsWhatIsPressedAndRefusesWhatIsTaken) {
   ASSERT_TRUE(waitUntil([] { return pressed.size() == 2; }));
   runFor(std::chrono::milliseconds(100));
   EXPECT_THAT(pressed, ElementsAre(second, first));
+  keys().remove(first);
+  keys().remove({0x51584854, 99});  // there is none
+  const HotKeyID third{0x51584854, 43};
+  EXPECT_EQ(keys().add(third, keyJ, optionShift), HotKeyService::noError) << "it is free again";
+  pressHotKey(third, keyJ, optionShift);
+  ASSERT_TRUE(waitUntil([] { return pressed.size() == 3; }));
+  EXPECT_EQ(pressed.back(), third);
+  keys().remove(second);
+  keys().remove(third);
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ import unittest
 from desk import Desk, Quorin
 from release_cases import ReleaseTest
 from scan_cases import ScanTest  # noqa: F401
+from settings_cases import SettingsTest  # noqa: F401
 from shell_cases import ShellTest  # noqa: F401
 from try_panel import Trial, wait_for
 

@@ -76,7 +76,8 @@ class ShellTest(ShellCase):
         titles = menu.titles()
         self.assertEqual(titles[:5] + titles[6:], [
             "Open Auditor", "Pause Follow", "Clear Stuck Highlights", "Open Diagnostic Log",
-            "Report a Problem…", "Start at Login (installed app only)", "", "Quit Quorin"])
+            "Report a Problem…", "Start at Login (installed app only)", "Settings…", "",
+            "Quit Quorin"])
         self.assertTrue(titles[5].startswith("Check for Updates…"))
         self.assertFalse(menu.items()[6][2])
         menu.click("Open Auditor")

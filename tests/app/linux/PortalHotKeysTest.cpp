@@ -15,7 +15,8 @@ constexpr const char* portalInterfaces = R"xml(<node>
 <arg type="o" direction="out"/></method>
 <method name="BindShortcuts"><arg type="o" direction="in"/><arg type="a(sa{sv})" direction="in"/>
 <arg type="s" direction="in"/><arg type="a{sv}" direction="in"/>
-<arg type="o" direction="out"/></method></interface></node>)xml";
+<arg type="o" direction="out"/></method></interface>
+<interface name="org.freedesktop.portal.Session"><method name="Close"/></interface></node>)xml";
 
 // A portal on a connection of its own, which binds what it is asked to, or refuses.
 class FakePortal {
@@ -30,6 +31,11 @@ class FakePortal {
     static const GDBusInterfaceVTable table{called, nullptr, nullptr, {}};
     g_dbus_connection_register_object(connection_.get(), "/org/freedesktop/portal/desktop",
                                       node_->interfaces[0], &table, this, nullptr, nullptr);
+    static const GDBusInterfaceVTable sessions{closing, nullptr, nullptr, {}};
+    for (const char* session : {"/session/1", "/session/2"}) {
+      g_dbus_connection_register_object(connection_.get(), session, node_->interfaces[1], &sessions,
+                                        this, nullptr, nullptr);
+    }
     owned_ = g_bus_own_name_on_connection(
         connection_.get(), "org.freedesktop.portal.Desktop", G_BUS_NAME_OWNER_FLAGS_NONE,
         [](GDBusConnection*, const char*, gpointer self) {
@@ -53,12 +59,19 @@ class FakePortal {
   }
 
   bool there = false;
-  std::vector<std::string> bound;  // number, preferred keys
+  std::vector<std::string> bound;   // number, preferred keys
+  std::vector<std::string> closed;  // sessions
 
  private:
   void emit(const char* path, const char* interface, const char* name, GVariant* parameters) {
     g_dbus_connection_emit_signal(connection_.get(), nullptr, path, interface, name, parameters,
                                   nullptr);
+  }
+
+  static void closing(GDBusConnection*, const char*, const char* path, const char*, const char*,
+                      GVariant*, GDBusMethodInvocation* call, gpointer self) {
+    static_cast<FakePortal*>(self)->closed.emplace_back(path);
+    g_dbus_method_invocation_return_value(call, nullptr);
   }
 
   static void called(GDBusConnection*, const char* sender, const char*, const char*,
@@ -78,7 +91,9 @@ class FakePortal {
     GVariantBuilder results;
     g_variant_builder_init(&results, G_VARIANT_TYPE_VARDICT);
     if (creates) {
-      g_variant_builder_add(&results, "{sv}", "session_handle", g_variant_new_string("/session/1"));
+      const std::string session = "/session/" + std::to_string(++self.sessions_);
+      g_variant_builder_add(&results, "{sv}", "session_handle",
+                            g_variant_new_string(session.c_str()));
     }
     self.emit(request.c_str(), "org.freedesktop.portal.Request", "Response",
               g_variant_new("(ua{sv})", creates ? 0U : self.response_, &results));
@@ -100,6 +115,7 @@ class FakePortal {
   }
 
   const guint32 response_;
+  int sessions_ = 0;
   GObjectPtr<GDBusConnection> connection_;
   GDBusNodeInfo* node_ = nullptr;
   guint owned_ = 0;
@@ -138,9 +154,46 @@ TEST_F(PortalHotKeysTest, AsksForTheKeysTogetherAndHearsOfThem) {
   EXPECT_THAT(reasons, testing::IsEmpty());
 }
 
+TEST_F(PortalHotKeysTest, BindsOthersInASessionOfTheirOwn) {
+  FakePortal portal;
+  ASSERT_TRUE(waitUntil([&] { return portal.there; }));
+  add();
+  ASSERT_TRUE(waitUntil([&] { return portal.bound.size() == 2; }));
+  keys.remove({1, 1});
+  EXPECT_EQ(keys.add({1, 1}, 2, 2048 + 512), HotKeyService::noError);  // D
+  ASSERT_TRUE(waitUntil([&] { return portal.bound.size() == 4; }));
+  EXPECT_THAT(portal.bound,
+              ElementsAre("1 ALT+SHIFT+a", "2 CTRL+ALT+Left", "2 CTRL+ALT+Left", "1 ALT+SHIFT+d"));
+  EXPECT_THAT(portal.closed, ElementsAre("/session/1"));
+  portal.press("1", "/session/1");
+  portal.press("1", "/session/2");
+  ASSERT_TRUE(waitUntil([&] { return !pressed.empty(); }));
+  EXPECT_THAT(pressed, ElementsAre(1U));
+}
+
+// The desktop asks its user about keys: not for a while in which none is to come.
+TEST_F(PortalHotKeysTest, StaysBoundWhileAllAreAway) {
+  FakePortal portal;
+  ASSERT_TRUE(waitUntil([&] { return portal.there; }));
+  add();
+  ASSERT_TRUE(waitUntil([&] { return portal.bound.size() == 2; }));
+  keys.remove({1, 1});
+  keys.remove({1, 2});
+  portal.press("1");
+  runFor(std::chrono::milliseconds(200));
+  EXPECT_THAT(pressed, testing::IsEmpty());
+  add();
+  portal.press("2");
+  ASSERT_TRUE(waitUntil([&] { return !pressed.empty(); }));
+  EXPECT_EQ(portal.bound.size(), 2U);
+  EXPECT_THAT(portal.closed, testing::IsEmpty());
+}
+
 TEST_F(PortalHotKeysTest, SaysOnceThatThereIsNoPortal) {
+  EXPECT_EQ(keys.unavailable(), std::nullopt);
   add();
   ASSERT_TRUE(waitUntil([&] { return !reasons.empty(); }));
+  EXPECT_EQ(keys.unavailable(), "this desktop has no portal for them");
   EXPECT_THAT(reasons, ElementsAre("this desktop has no portal for them"));
 }
 

@@ -132,6 +132,20 @@ TEST_F(X11HotKeysTest, LetsItsCombinationsGo) {
   EXPECT_THAT(pressedAfter({"alt+shift+m"}), ElementsAre(4));
 }
 
+TEST_F(X11HotKeysTest, LetsOneOfItsCombinationsGo) {
+  EXPECT_EQ(keys_.add({1, 4}, keyM, optionShift), HotKeyService::noError);
+  EXPECT_EQ(keys_.add({1, 5}, keyD, optionShift), HotKeyService::noError);
+  keys_.remove({1, 4});
+  EXPECT_THAT(pressedAfter({"alt+shift+m", "alt+shift+d"}), ElementsAre(5));
+  GdkDisplay* const second = gdk_display_open(display->name().c_str());
+  {
+    X11HotKeys others(second);
+    EXPECT_EQ(others.add({1, 6}, keyM, optionShift), HotKeyService::noError);
+    EXPECT_EQ(others.add({1, 7}, keyD, optionShift), X11HotKeys::alreadyExists);
+  }
+  gdk_display_close(second);
+}
+
 TEST_F(X11HotKeysTest, FollowsAKeyboardThatChanges) {
   EXPECT_EQ(keys_.add({1, 4}, keyM, optionShift), HotKeyService::noError);
   // The change is told in time: pressed until it is known.

@@ -45,9 +45,10 @@ class MenuBarTest : public ShellFixture {
 TEST_F(MenuBarTest, ShowsItsItemsInOrder) {
   make();
   EXPECT_EQ(platform.statusItem().image, "MenuBarIcon");
-  EXPECT_THAT(titles(), ElementsAre("Open Auditor", "Pause Follow", "Clear Stuck Highlights",
-                                    "Open Diagnostic Log", "Report a Problem…",
-                                    "Check for Updates…", "Start at Login", "", "Quit Quorin"));
+  EXPECT_THAT(titles(),
+              ElementsAre("Open Auditor", "Pause Follow", "Clear Stuck Highlights",
+                          "Open Diagnostic Log", "Report a Problem…", "Check for Updates…",
+                          "Start at Login", "Settings…", "", "Quit Quorin"));
   for (const MenuItem& item : platform.statusItem().items) {
     EXPECT_TRUE(item.enabled) << item.title;
     EXPECT_FALSE(item.checked) << item.title;

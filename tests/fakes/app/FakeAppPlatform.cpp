@@ -180,8 +180,13 @@ HotKeyService::Status FakeHotKeyService::add(HotKeyID id, std::uint32_t keyCode,
   out << "addHotKey " << id.id << ' ' << keyCode << ' ' << modifiers;
   journal_.push_back(out.str());
   signatures.push_back(id.signature);
+  if (taken.contains({keyCode, modifiers})) return alreadyExists;
   const auto found = refused.find(id.id);
   return found == refused.end() ? noError : found->second;
+}
+
+void FakeHotKeyService::remove(HotKeyID id) {
+  journal_.push_back("removeHotKey " + std::to_string(id.id));
 }
 
 void FakeStatusItem::choose(const std::string& title) {

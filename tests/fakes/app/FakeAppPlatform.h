@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -229,12 +230,16 @@ class FakeHotKeyService : public HotKeyService {
   explicit FakeHotKeyService(Journal& journal) : journal_(journal) {}
   Status install(Handler handler) override;
   Status add(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers) override;
+  void remove(HotKeyID id) override;
+  std::optional<std::string> unavailable() const override { return reason; }
 
   // The user presses a combination, or another part of the process has one of its own.
   Status press(HotKeyID id) { return handler_(id); }
 
   Status installStatus = noError;
-  std::map<std::uint32_t, Status> refused;  // by id
+  std::map<std::uint32_t, Status> refused;                  // by id
+  std::set<std::pair<std::uint32_t, std::uint32_t>> taken;  // by other programs
+  std::optional<std::string> reason;
   std::vector<std::uint32_t> signatures;
 
  private:

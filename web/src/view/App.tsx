@@ -17,6 +17,7 @@ import { PlaceListView } from './PlaceListView';
 import { ReviewView } from './review/ReviewView';
 import { doubtOf, ResultLine } from './ResultLine';
 import { ScanBar } from './ScanBar';
+import { SettingsView } from './settings/SettingsView';
 import { StatusBar } from './StatusBar';
 import { TopBar } from './TopBar';
 
@@ -43,9 +44,12 @@ const ownKeys: ReadonlySet<Command['do']> = new Set<Command['do']>([
 ]);
 
 export function App(props: AppProps): JSX.Element {
-  const sentence = () => sentenceFor(props.selection, props.application, props.platform);
+  const settings = () => props.page.look(() => props.page.settings.isOpen);
+  const sentence = () =>
+    settings() ? undefined : sentenceFor(props.selection, props.application, props.platform);
   const view = () => props.page.look((explorer) => explorer.view);
-  const here = () => (sentence() ? undefined : props.page.look((explorer) => explorer.here));
+  const here = () =>
+    settings() || sentence() ? undefined : props.page.look((explorer) => explorer.here);
   const tree = () => here()?.tree;
   const dimmed = () => props.selection.status === 'busy' || props.selection.slow;
   const notice = () => props.page.look((explorer) => explorer.notice);
@@ -62,11 +66,23 @@ export function App(props: AppProps): JSX.Element {
 
   const press = (event: KeyboardEvent): void => {
     if (event.defaultPrevented) return;
-    const { explorer } = props.page;
+    const { explorer, settings: panel } = props.page;
+    if (event.key === ',' && !event.altKey && (event.ctrlKey || event.metaKey)) {
+      event.preventDefault();
+      panel.toggle();
+      return;
+    }
     const key = { key: event.key, alt: event.altKey, control: event.ctrlKey, meta: event.metaKey };
     const command = commandOf(key, explorer.finding);
     if (!command) return;
     const target = event.target as HTMLElement;
+    if (panel.isOpen) {
+      if (command.do !== 'leave' && (command.do !== 'view' || target.matches(fields))) return;
+      event.preventDefault();
+      panel.close();
+      if (command.do === 'view') explorer.command(command);
+      return;
+    }
     if (target.matches(fields) && command.do !== 'leave') return;
     const isOurs = target === document.body || target.closest('[data-keys=all]') !== null;
     if (!isOurs && ownKeys.has(command.do)) return;
@@ -96,7 +112,14 @@ export function App(props: AppProps): JSX.Element {
         />
       </Show>
       <main class="body" id="view" aria-label="View">
-        <Show when={!here()}>
+        <Show when={settings()}>
+          <SettingsView
+            page={props.page}
+            application={props.application}
+            paused={props.selection.paused}
+          />
+        </Show>
+        <Show when={!here() && !settings()}>
           <h1 class="offscreen">Quorin</h1>
         </Show>
         <Show when={sentence()}>

@@ -3,7 +3,8 @@ import { createSignal, For, onCleanup, onMount, Show, type JSX } from 'solid-js'
 import type { Colour } from '../core/protocol/verbs';
 import type { Page } from './page';
 
-const colours: { name: string; colour: Colour }[] = [
+/** Those that are offered. */
+export const colours: { name: string; colour: Colour }[] = [
   { name: 'Magenta', colour: [255, 0, 255] },
   { name: 'Orange', colour: [255, 140, 0] },
   { name: 'Yellow', colour: [255, 221, 0] },
@@ -12,8 +13,8 @@ const colours: { name: string; colour: Colour }[] = [
   { name: 'Violet', colour: [149, 97, 255] },
 ];
 
-const css = ([red, green, blue]: Colour) => `rgb(${red} ${green} ${blue})`;
-const same = (one: Colour, other: Colour) => one.join() === other.join();
+export const css = ([red, green, blue]: Colour) => `rgb(${red} ${green} ${blue})`;
+export const same = (one: Colour, other: Colour) => one.join() === other.join();
 
 /** The colour in which cells are marked on the sheet. */
 export function ColourMenu(props: { page: Page }): JSX.Element {

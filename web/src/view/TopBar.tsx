@@ -2,7 +2,7 @@ import { For, type JSX } from 'solid-js';
 
 import type { View } from '../core/explorer/view';
 import { ColourMenu } from './ColourMenu';
-import { CloseIcon, PinIcon, WidthIcon } from './icons';
+import { CloseIcon, GearIcon, PinIcon, WidthIcon } from './icons';
 import type { Page } from './page';
 
 const tabs: { view: View; name: string; key: string }[] = [
@@ -15,6 +15,7 @@ const tabs: { view: View; name: string; key: string }[] = [
 /** The four views, whether the page follows the selection, and what concerns the panel itself. */
 export function TopBar(props: { page: Page; paused: boolean }): JSX.Element {
   const view = () => props.page.look((explorer) => explorer.view);
+  const settings = () => props.page.look(() => props.page.settings.isOpen);
   const pinned = () => props.page.look((explorer) => explorer.pinned);
   const state = () => (pinned() ? 'Pinned' : props.paused ? 'Paused' : 'Following');
   return (
@@ -28,10 +29,10 @@ export function TopBar(props: { page: Page; paused: boolean }): JSX.Element {
               class="tab"
               id={`tab-${tab.view}`}
               data-testid={`tab-${tab.view}`}
-              aria-selected={view() === tab.view}
+              aria-selected={!settings() && view() === tab.view}
               aria-controls="view"
               title={`${tab.name} (${tab.key})`}
-              onClick={() => props.page.explorer.show(tab.view)}
+              onClick={() => props.page.show(tab.view)}
             >
               {tab.name}
             </button>
@@ -61,6 +62,19 @@ export function TopBar(props: { page: Page; paused: boolean }): JSX.Element {
         <span class="followText">{state()}</span>
       </button>
       <ColourMenu page={props.page} />
+      <button
+        type="button"
+        class="iconButton"
+        data-testid="gear"
+        aria-pressed={settings()}
+        aria-label="Settings"
+        title={props.page.platform === 'mac' ? 'Settings (⌘,)' : 'Settings (Ctrl+,)'}
+        onClick={() => {
+          props.page.settings.toggle();
+        }}
+      >
+        <GearIcon />
+      </button>
       <button
         type="button"
         class="iconButton"

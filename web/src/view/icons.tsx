@@ -100,6 +100,15 @@ export function CloseIcon(): JSX.Element {
   );
 }
 
+export function GearIcon(): JSX.Element {
+  return (
+    <Icon>
+      <circle cx="8" cy="8" r="2.2" />
+      <path d="M8 1.8v2M8 12.2v2M1.8 8h2M12.2 8h2M3.6 3.6 5 5M11 11l1.400 1.400M3.600 12.400 5 11M11 5l1.400-1.400" />
+    </Icon>
+  );
+}
+
 export function WidthIcon(): JSX.Element {
   return (
     <Icon>

@@ -5,10 +5,17 @@ import type { Explorer } from '../core/explorer/Explorer';
 import type { SheetFollower } from '../core/follow/SheetFollower';
 import type { ReportFormat } from '../core/report/ofReview';
 import type { Colour } from '../core/protocol/verbs';
+import type { Platform } from '../core/selection/sentences';
+import type { SettingsPanel } from '../core/settings/SettingsPanel';
+import type { View } from '../core/explorer/view';
 
 export type Page = {
   explorer: Explorer;
   follower: SheetFollower;
+  settings: SettingsPanel;
+  platform: Platform;
+  /** Leaves the settings for a view. */
+  show(view: View): void;
   /** What `read` gives, followed: read again after every change. */
   look<T>(read: (explorer: Explorer) => T): T;
   copy(text: string, what: string): void;
@@ -20,5 +27,6 @@ export type Page = {
   waiting(): boolean;
   wide(): boolean;
   setWide(wide: boolean): void;
+  checkForUpdates(): void;
   hide(): void;
 };

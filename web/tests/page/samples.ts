@@ -105,3 +105,32 @@ export const model: Record<string, Answer> = {
     ],
   }),
 };
+
+type KeySample = [code: number, modifiers: number] | null;
+
+/** The settings as the native side tells them. */
+export function settings(
+  more: { summonKey?: KeySample; depsKey?: KeySample; mapKey?: KeySample } & Record<
+    string,
+    unknown
+  > = {},
+): Record<string, unknown> {
+  const { summonKey = [0, 2560], depsKey = [1, 2560], mapKey = null, ...others } = more;
+  const key = (given: KeySample) => ({
+    code: given?.[0] ?? null,
+    modifiers: given?.[1] ?? null,
+    trouble: '',
+  });
+  return {
+    keys: { summonKey: key(summonKey), depsKey: key(depsKey), mapKey: key(mapKey) },
+    keysTrouble: '',
+    pollMs: 300,
+    highlightRGB: [255, 0, 255],
+    following: true,
+    login: { on: false, unavailable: 'installed app only' },
+    updates: { unavailable: 'not in this build' },
+    file: '/home/me/.local/share/Quorin/config.json',
+    fileTrouble: '',
+    ...others,
+  };
+}

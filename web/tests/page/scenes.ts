@@ -13,6 +13,7 @@ import {
   probe,
   range,
   ready,
+  settings,
   success,
   value,
 } from './samples';
@@ -59,6 +60,30 @@ export const scenes: Record<string, Scene> = {
       await panel.verified('same');
       await keys(panel, 'ArrowDown', 'ArrowDown');
       await panel.page.getByTestId('marked').waitFor();
+    },
+  },
+  settings: {
+    answers: { ...model, getSettings: success(settings({ summonKey: [8, 4096] })) },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('gear').click();
+      await panel.page.getByTestId('words-summonKey').waitFor();
+    },
+  },
+  settingsAmiss: {
+    answers: {
+      ...model,
+      getSettings: success(
+        settings({
+          keysTrouble: 'this desktop has no portal for them',
+          fileTrouble: '"pollMs" is not a number',
+        }),
+      ),
+    },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.page.getByTestId('gear').click();
+      await panel.page.getByTestId('set-summonKey').click();
     },
   },
   range: {

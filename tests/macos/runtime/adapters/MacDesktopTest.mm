@@ -63,7 +63,11 @@ TEST(MacHotKeys, HaveNothingLeftWhenTheyGo) {
     }),
               HotKeyService::noError);
     EXPECT_EQ(service.add({'QXtt', 7}, 0, 2048 + 512), HotKeyService::noError);
+    EXPECT_EQ(service.add({'QXtt', 8}, 1, 2048 + 512), HotKeyService::noError);
     EXPECT_TRUE(userPresses(0, 2048 + 512));
+    service.remove({'QXtt', 8});
+    EXPECT_FALSE(userPresses(1, 2048 + 512));
+    EXPECT_EQ(registeredHotKeys(), keys + 1);
   }
   EXPECT_THAT(pressed, ElementsAre(HotKeyID{'QXtt', 7}));
   EXPECT_FALSE(userPresses(0, 2048 + 512));

@@ -19,7 +19,11 @@ export type NativeEvent =
   /** A hot key walks the tree while the spreadsheet has the focus. */
   | { name: 'step'; direction: -1 | 1 }
   /** The panel is about to disappear: nothing of ours may stay on the sheet. */
-  | { name: 'cleanHide' };
+  | { name: 'cleanHide' }
+  /** The menu asks for the settings. */
+  | { name: 'showSettings' }
+  /** The settings are others now, by another hand than the page's. */
+  | { name: 'settingsChanged' };
 
 const views: ReadonlySet<unknown> = new Set(['tree', 'deps', 'map'] satisfies ViewName[]);
 
@@ -33,6 +37,8 @@ export function decodeEvent(name: unknown, payload: unknown): NativeEvent | unde
     }
     case 'probeNeeded':
     case 'cleanHide':
+    case 'showSettings':
+    case 'settingsChanged':
       return { name };
     case 'summon':
       return { name, resume: body.resume === true };

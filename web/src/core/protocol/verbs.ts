@@ -14,6 +14,7 @@ import {
   type Json,
 } from './json';
 import { decodeFailure, failed, succeeded, type Outcome } from './Outcome';
+import { settings, type SettingName, type Settings } from './settings';
 
 export type ProbeState = 'ok' | 'noWorkbook' | 'notRunning' | 'busy' | 'denied';
 export type WindowBounds = { x1: number; y1: number; x2: number; y2: number };
@@ -105,6 +106,12 @@ export type Verbs = {
   saveReview: { args: [of: ReviewedBook, review: Json]; result: null };
   /** The name under which the user saved it, or null. */
   saveReport: { args: [name: string, text: string]; result: string | null };
+  getSettings: { args: []; result: Settings };
+  /** A combination is {code, modifiers}, or null for none. The settings as they are then. */
+  setSetting: { args: [name: SettingName, value: Json]; result: Settings };
+  /** While they are paused, hot keys reach the page. */
+  pauseHotKeys: { args: [paused: boolean]; result: null };
+  checkForUpdates: { args: []; result: null };
 };
 
 export type Verb = keyof Verbs;
@@ -268,6 +275,10 @@ const decoders: { [V in Exclude<Verb, 'evaluate' | 'deepEval'>]: Decoder<Verbs[V
   loadReview: (payload) => (payload === undefined ? undefined : (payload as Json)),
   saveReview: nothing,
   saveReport: (payload) => (payload === null || isText(payload) ? payload : undefined),
+  getSettings: settings,
+  setSetting: settings,
+  pauseHotKeys: nothing,
+  checkForUpdates: nothing,
 };
 
 /** The outcome of `verb` from a reply's two members. Never throws, whatever `payload` is. */

@@ -11,6 +11,8 @@ describe('decodeEvent', () => {
     ],
     ['probeNeeded', {}, { name: 'probeNeeded' }],
     ['cleanHide', {}, { name: 'cleanHide' }],
+    ['showSettings', {}, { name: 'showSettings' }],
+    ['settingsChanged', null, { name: 'settingsChanged' }],
     ['summon', { resume: true }, { name: 'summon', resume: true }],
     ['summon', {}, { name: 'summon', resume: false }],
     ['summon', null, { name: 'summon', resume: false }],
