@@ -14,6 +14,7 @@ class SettingsTest(unittest.TestCase):
         self.desk = Quorin.desk
 
     def start(self, **options):
+        self.desk.bring_other_forward()
         quorin = Quorin(**options)
         self.addCleanup(quorin.end)
         quorin.logs("RESTORE")
