@@ -19,7 +19,7 @@ class HotKeyService {
  public:
   using Status = std::int32_t;
   static constexpr Status noError = 0;
-  static constexpr Status notHandled = -9874;  // the combination is passed on to others
+  static constexpr Status notHandled = -9874;     // the combination is passed on to others
   static constexpr Status badParameter = -50;     // no such key or modifier
   static constexpr Status alreadyExists = -9878;  // held by another program, or added before
 
