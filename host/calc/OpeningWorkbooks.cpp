@@ -12,6 +12,7 @@
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/sheet/XCalculatable.hpp>
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
+#include <com/sun/star/task/ErrorCodeIOException.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <utility>
 #include <vector>
@@ -110,11 +111,11 @@ void openWithoutLinks(const Reference<XComponentContext>& context,
   show(context, frame);
 }
 
-}  // namespace
+// What the office tells of a file that nobody gave it the password for.
+constexpr sal_Int32 wrongPassword = 0x4b0b;
 
-// Windows that a thread of the bridge makes can hang for ever with their menu: on the main thread.
-void openWorkbookAlone(const Reference<XComponentContext>& context,
-                       const Reference<css::frame::XDesktop2>& desktop, const std::string& path) {
+void openAsItIs(const Reference<XComponentContext>& context,
+                const Reference<css::frame::XDesktop2>& desktop, const std::string& path) {
   const rtl::OUString url = toUno(fileUrl(path));
   const rtl::OUString filter = filterFor(context, url);
   if (!filter.isEmpty()) {
@@ -126,6 +127,19 @@ void openWorkbookAlone(const Reference<XComponentContext>& context,
       desktop->loadComponentFromURL(url, "_blank", 0, loading({argument("OnMainThread", true)}));
   if (!Reference<css::sheet::XSpreadsheetDocument>(opened, css::uno::UNO_QUERY).is()) {
     throw SpreadsheetError(-1728, "\"" + path + "\" is not a workbook");
+  }
+}
+
+}  // namespace
+
+// Windows that a thread of the bridge makes can hang for ever with their menu: on the main thread.
+void openWorkbookAlone(const Reference<XComponentContext>& context,
+                       const Reference<css::frame::XDesktop2>& desktop, const std::string& path) {
+  try {
+    openAsItIs(context, desktop, path);
+  } catch (const css::task::ErrorCodeIOException& failure) {
+    if (failure.ErrCode != wrongPassword) throw;
+    throw SpreadsheetError(-1728, "\"" + path + "\" is protected by a password");
   }
 }
 

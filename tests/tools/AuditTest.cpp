@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <sstream>
 #include <string>
+#include <zip.h>
 
 #include "kit/value/JSONText.h"
 #include "tests/calc/XlsxFile.h"
@@ -17,6 +18,7 @@ namespace {
 
 using host::CellValue;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 class QuorinctlAudit : public Quorinctl {
@@ -207,6 +209,56 @@ TEST_F(QuorinctlAudit, GoesOnAfterFilesThatItCannotRead) {
   EXPECT_EQ(member(firstFinding(reportOn("books/b.xlsx", told.output)), "cells"),
             JSONValue(JSONValue::Array{"C7"}));
   EXPECT_THAT(told.errors, HasSubstr("gone.xlsx: no such workbook"));
+}
+
+// An OpenDocument file whose contents are encrypted, as far as it says.
+void writeProtected(const std::filesystem::path& file) {
+  const std::string of = R"(manifest:media-type="application/vnd.oasis.opendocument.spreadsheet")";
+  const std::string protection =
+      R"(<manifest:encryption-data manifest:checksum-type="urn:oasis:names:tc:opendocument:xmlns:)"
+      R"(manifest:1.0#sha256-1k" manifest:checksum="63oX7bK7c/Z2ume48BVuBU7OL/UC17vPQUl9imhHVAM=">)"
+      R"(<manifest:algorithm manifest:algorithm-name="http://www.w3.org/2001/04/xmlenc#aes256-cbc" )"
+      R"(manifest:initialisation-vector="sr4qjFHWs2Uuog1DAdXKRg=="/><manifest:start-key-generation )"
+      R"(manifest:start-key-generation-name="http://www.w3.org/2000/09/xmldsig#sha256" )"
+      R"(manifest:key-size="32"/><manifest:key-derivation manifest:key-derivation-name="PBKDF2" )"
+      R"(manifest:key-size="32" manifest:iteration-count="1000" )"
+      R"(manifest:salt="zHO8eyKsh1EYIhtTPHH4Lg=="/></manifest:encryption-data>)";
+  const std::vector<std::pair<std::string, std::string>> parts{
+      {"mimetype", "application/vnd.oasis.opendocument.spreadsheet"},
+      {"content.xml", std::string(64, 'x')},
+      {"META-INF/manifest.xml",
+       R"(<manifest:manifest xmlns:manifest="urn:oasis:names:tc:opendocument:xmlns:manifest:1.0" )"
+       R"(manifest:version="1.3"><manifest:file-entry manifest:full-path="/" )" +
+           of + R"(/><manifest:file-entry manifest:full-path="content.xml" )" +
+           R"(manifest:media-type="text/xml" manifest:size="60">)" + protection +
+           "</manifest:file-entry></manifest:manifest>"}};
+  zip_t* const zip = zip_open(file.c_str(), ZIP_CREATE, nullptr);
+  ASSERT_TRUE(zip);
+  for (const auto& [name, text] : parts) {
+    const zip_int64_t index =
+        zip_file_add(zip, name.c_str(), zip_source_buffer(zip, text.data(), text.size(), 0), 0);
+    ASSERT_GE(index, 0);
+    zip_set_file_compression(zip, static_cast<zip_uint64_t>(index), ZIP_CM_STORE, 0);
+  }
+  ASSERT_EQ(zip_close(zip), 0);
+}
+
+TEST_F(QuorinctlAudit, TellsOfFilesThatAreProtectedOrEmpty) {
+  writeProtected(folder_ / "locked.ods");
+  std::ofstream(folder_ / "empty.xlsx").flush();
+  const Run told = run({folder_ / "locked.ods", folder_ / "empty.xlsx"});
+  EXPECT_EQ(told.status, 2);
+  EXPECT_THAT(told.output, HasSubstr("locked.ods\" is protected by a password\n"));
+  EXPECT_THAT(told.output, HasSubstr("empty.xlsx\" is empty\n"));
+}
+
+TEST_F(QuorinctlAudit, DrawsTheSheetsInAReportToBeLookedAt) {
+  const std::string odd = oddWorkbook("Odd.xlsx");
+  const Run drawn = run({odd, "--format", "html"});
+  EXPECT_EQ(drawn.status, 0) << drawn.errors;
+  EXPECT_THAT(drawn.output, HasSubstr("<figcaption>Sheet “Data”, A1:C10</figcaption>"));
+  EXPECT_THAT(drawn.output, Not(HasSubstr("<script")));
+  EXPECT_THAT(run({odd, "--format", "json"}).output, Not(HasSubstr("pictures")));
 }
 
 TEST_F(QuorinctlAudit, WritesTheListWholeOrLeavesTheFileAsItWas) {

@@ -35,6 +35,7 @@ std::vector<std::string> argumentsOf(const AuditCommand& command) {
   if (command.review)
     arguments.insert(arguments.end(),
                      {"--review", std::filesystem::absolute(*command.review).string()});
+  if (command.format == "html") arguments.emplace_back("--pictures");
   return arguments;
 }
 

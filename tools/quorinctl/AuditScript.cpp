@@ -122,9 +122,9 @@ AuditScript::AuditScript(const std::filesystem::path& file, Host host)
 
 AuditScript::~AuditScript() = default;
 
-void AuditScript::begin(const std::string& file, int top, bool withReview) {
+void AuditScript::begin(const std::string& file, int top, bool withReview, bool withPictures) {
   engine_->call("begin", {engine_->text(file).get(), engine_->number(top).get(),
-                          engine_->truth(withReview).get()});
+                          engine_->truth(withReview).get(), engine_->truth(withPictures).get()});
 }
 
 void AuditScript::reply(const std::string& reply) {

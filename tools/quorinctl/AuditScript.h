@@ -45,7 +45,7 @@ class AuditScript {
 
   // Audits the workbook that the spreadsheet has in front; `file` is what the report calls it,
   // `withReview` whether the host is asked for what was kept of a review of it.
-  void begin(const std::string& file, int top, bool withReview);
+  void begin(const std::string& file, int top, bool withReview, bool withPictures);
   void reply(const std::string& reply);
   void due(int id);
 

@@ -80,6 +80,7 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
   workbookCommand->add_option("FILE", workbookAudit.file)->required();
   workbookCommand->add_option("--top", workbookAudit.top);
   CLI::Option* const saidOption = workbookCommand->add_option("--review", review);
+  workbookCommand->add_flag("--pictures", workbookAudit.pictures);
 
   try {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());

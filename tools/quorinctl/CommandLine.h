@@ -39,11 +39,13 @@ struct AuditCommand {
   bool operator==(const AuditCommand&) const = default;
 };
 
-// quorinctl audit-workbook FILE --top N, which `quorinctl audit` runs for each workbook.
+// quorinctl audit-workbook FILE --top N [--pictures], which `quorinctl audit` runs for each
+// workbook.
 struct AuditWorkbookCommand {
   std::filesystem::path file;
   int top = 100;
   std::optional<std::filesystem::path> review;
+  bool pictures = false;  // of the sheets, in the report
   bool operator==(const AuditWorkbookCommand&) const = default;
 };
 

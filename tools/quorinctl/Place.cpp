@@ -27,6 +27,10 @@ FolderRemoval::~FolderRemoval() {
 
 void requireWorkbook(const std::filesystem::path& file) {
   if (!std::filesystem::is_regular_file(file)) throw Unserved("no such workbook: " + file.string());
+  // LibreOffice takes it for a new one.
+  std::error_code unknown;
+  if (std::filesystem::file_size(file, unknown) == 0)
+    throw Unserved("\"" + file.string() + "\" is empty");
 }
 
 Place privatePlace(const std::optional<std::filesystem::path>& data) {

@@ -28,10 +28,10 @@ WorkbookAudit::~WorkbookAudit() {
   for (; asked_ > 0; --asked_) waiter_.waitForDoneAlone();
 }
 
-std::string WorkbookAudit::report(int top, const std::optional<std::filesystem::path>& reviews) {
+std::string WorkbookAudit::report(const AuditWorkbookCommand& command) {
   open();
-  reviews_ = reviews;
-  script_.begin(file_.string(), top, reviews_.has_value());
+  reviews_ = command.review;
+  script_.begin(file_.string(), command.top, reviews_.has_value(), command.pictures);
   while (!report_ && !failure_) {
     answer();
     if (!report_ && !failure_) wait();

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "tools/quorinctl/AuditScript.h"
+#include "tools/quorinctl/CommandLine.h"
 #include "tools/quorinctl/Place.h"
 #include "tools/quorinctl/Waiter.h"
 
@@ -30,9 +31,8 @@ class WorkbookAudit {
   WorkbookAudit(const WorkbookAudit&) = delete;
   WorkbookAudit& operator=(const WorkbookAudit&) = delete;
 
-  // The report as JSON, with so many findings at most and what was said of them in the file
-  // `reviews`, if any. Throws Ended, Unserved and AuditScript::Error.
-  std::string report(int top, const std::optional<std::filesystem::path>& reviews);
+  // The report as JSON. Throws Ended, Unserved and AuditScript::Error.
+  std::string report(const AuditWorkbookCommand& command);
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -51,7 +51,7 @@ std::string reportOf(Waiter& waiter, const AuditWorkbookCommand& command, const 
     requireWorkbook(command.file);
     WorkbookAudit audit(waiter, command.file,
                         [&](const std::string& text) { lines.write(progressLetter, text); });
-    return audit.report(command.top, command.review);
+    return audit.report(command);
   } catch (const std::exception& error) {
     return Marshal::encode(failureReport(command.file, error.what()));
   }

@@ -338,7 +338,7 @@ const page: Page = {
       say(`The report is not saved: ${why}`);
     };
     const save = async (): Promise<void> => {
-      const report = await explorer.review.report();
+      const report = await explorer.review.report(format === 'html');
       if (!report) return;
       const { name, text } = reportFile(report, format);
       const outcome = await client.ask('saveReport', name, text);

@@ -48,14 +48,23 @@ const client = new ProtocolClient({
 
 /** The program calls these; texts are JSON. */
 const quorinAudit = {
-  /** `withReview`: whether what was kept of a review of the workbook is asked for. */
-  begin(file: string, top: number, withReview: boolean): void {
+  /**
+   * `withReview`: whether what was kept of a review of the workbook is asked for; `withPictures`:
+   * whether the report is to have them.
+   */
+  begin(file: string, top: number, withReview: boolean, withPictures: boolean): void {
     const progress = ({ sheet, read, cells }: { sheet: string; read: number; cells: number }) => {
       const share = cells > 0 ? Math.floor((read / cells) * 100) : 0;
       native.progress(sheet === '' ? '' : `${String(share)} %  ${sheet}`);
     };
     const reviewOf = (of: ReviewedBook): unknown => JSON.parse(native.review(JSON.stringify(of)));
-    auditOf(file, top, withReview ? reviewOf : undefined, { client, clock, progress }).then(
+    auditOf(
+      file,
+      top,
+      withReview ? reviewOf : undefined,
+      { client, clock, progress },
+      withPictures,
+    ).then(
       (report) => {
         native.done(JSON.stringify(report));
       },

@@ -156,6 +156,7 @@ test('saves a report with what was said where the user says', async () => {
   expect(text).toContain('Seen by both of us');
   expect(text).toContain('The reviewer has seen 2 of the distinct formulas.');
   expect(text).toContain('<h3>Sheets</h3>');
+  expect(text).toContain('<figcaption>Sheet “Prices”, A1:H4</figcaption>');
   await panel.lay('saveReport', failure('could not save the report: No space left on device'));
   await panel.page.getByTestId('save-report').selectOption('csv');
   await panel.page

@@ -55,7 +55,8 @@ export class MapAnswers {
     }
   }
 
-  private huesOf(model: WorkbookModel): Hues {
+  /** Which hue each formula has, on the map as in a report. */
+  huesOf(model: WorkbookModel): Hues {
     let hues = this.hues.get(model);
     if (!hues) {
       hues = new Hues();

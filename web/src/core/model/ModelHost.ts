@@ -14,6 +14,7 @@ import {
 } from './answers';
 import type { BookEntry, Question } from './messages';
 import { inventoryOf } from '../report/inventory';
+import { picturesOf } from '../report/pictures';
 import { marksOf, printsAnswer, seenAnswer } from './prints';
 import { sketchesOf } from './sketch';
 import { WorkbookModel } from './WorkbookModel';
@@ -78,6 +79,11 @@ export class ModelHost {
         return yield* this.findings.answer(model, question.args.from);
       case 'inventory':
         return yield* inventoryOf(model);
+      case 'pictures': {
+        const findings = yield* this.findings.of(model);
+        const told = findings.slice(0, question.args.rank);
+        return yield* picturesOf(model, told, this.map.huesOf(model));
+      }
       case 'sketch':
         return yield* sketchesOf(model);
       case 'marks':

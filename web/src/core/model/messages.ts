@@ -6,6 +6,7 @@ import type { Finding } from '../audit/Finding';
 import type { MapQuestions } from '../map/told';
 import type { Grid, Scalar } from '../protocol/json';
 import type { Inventory } from '../report/inventory';
+import type { Pictures } from '../report/pictures';
 import type { NameEntry } from './Names';
 import type { SheetSketch } from './sketch';
 
@@ -132,6 +133,8 @@ export type Questions = MapQuestions & {
   findings: { args: { from: number }; answer: FindingsAnswer };
   /** What the workbook consists of. */
   inventory: { args: Record<string, never>; answer: Inventory };
+  /** The sheets as a report shows them, with the findings up to a rank. */
+  pictures: { args: { rank: number }; answer: Pictures };
   /** What the lines of all sheets are. */
   sketch: { args: Record<string, never>; answer: SheetSketch[] };
   /** What tells the workbook from others, whatever it is called. */

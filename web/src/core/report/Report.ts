@@ -5,6 +5,7 @@ import type { Confidence, Finding, Kind, Level } from '../audit/Finding';
 import type { Said, State } from '../review/said';
 import type { NotRead } from '../scan/BookScan';
 import type { Inventory } from './inventory';
+import type { Pictures } from './pictures';
 
 export type ReportedFinding = {
   rank: number;
@@ -40,7 +41,14 @@ export type Summary = {
 };
 
 export type Report =
-  | { file: string; summary: Summary; findings: ReportedFinding[]; inventory: Inventory }
+  | {
+      file: string;
+      summary: Summary;
+      findings: ReportedFinding[];
+      inventory: Inventory;
+      /** Only for a report that is looked at. */
+      pictures?: Pictures;
+    }
   | { file: string; error: string };
 
 /** The address with its sheet's name, in quotes where the name needs them. */

@@ -7,7 +7,9 @@ import type { Question } from '../model/messages';
 import { ModelHost } from '../model/ModelHost';
 import { drain } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
+import { Hues } from '../map/Hues';
 import { inventoryOf } from './inventory';
+import { picturesOf } from './pictures';
 import { pathPrint, whereIs, type ReviewedBook } from '../review/reviewed';
 import { decodeReview, saidOf, type Said, type SavedReview } from '../review/said';
 import { reported, saidCounts, topOf, type Report } from './Report';
@@ -31,6 +33,7 @@ export async function auditOf(
   top: number,
   reviewOf: ((of: ReviewedBook) => unknown) | undefined,
   ports: ReadPorts,
+  withPictures = false,
 ): Promise<Report> {
   try {
     const front = await ports.client.ask('pollCell');
@@ -78,6 +81,9 @@ export async function auditOf(
         top,
       ),
       inventory: drain(inventoryOf(workbook)),
+      ...(withPictures
+        ? { pictures: drain(picturesOf(workbook, findings.slice(0, top), new Hues())) }
+        : {}),
     };
   } catch (error) {
     return { file, error: error instanceof Error ? error.message : String(error) };

@@ -3,6 +3,7 @@
 
 import { confidenceName, kindName, stateName } from '../review/kinds';
 import { count, grouped } from '../format/words';
+import { patterns, picturesHtml } from './pictureHtml';
 import { mostCounted, type Inventory } from './inventory';
 import { placeOf, type Report, type ReportedFinding, type Summary } from './Report';
 
@@ -41,6 +42,12 @@ ol.findings { list-style: none; padding: 0; }
 .finding p { margin: .3rem 0; }
 .finding .about { display: flex; flex-wrap: wrap; gap: .2rem .8rem; opacity: .85; font-size: 13px; }
 .trouble { border: 1px solid currentColor; padding: .5rem .8rem; border-radius: .3rem; }
+figure { margin: 1rem 0 1.6rem; break-inside: avoid; }
+figure svg { background: #fff; max-width: 100%; height: auto; max-height: 225mm; display: block; }
+figure text { font: bold 10px system-ui, sans-serif; fill: #000; stroke: #fff; stroke-width: 3px; paint-order: stroke; }
+figcaption, .legend { font-size: 13px; }
+.legend span { white-space: nowrap; margin-right: .8rem; } .legend svg { background: #fff; vertical-align: -2px; }
+.patterns { position: absolute; }
 footer { margin-top: 3rem; opacity: .75; font-size: 13px; }
 @media print { body { max-width: none; margin: 0; font-size: 10pt; } h2.new { break-before: page; } a { color: inherit; text-decoration: none; } }
 `;
@@ -64,6 +71,16 @@ function table(
   return `<table>\n<thead><tr>${head}</tr></thead>\n<tbody>\n${body}\n</tbody>\n</table>`;
 }
 
+/** More areas of a finding are counted only. */
+const mostAreas = 12;
+
+function shortPlace(finding: ReportedFinding): string {
+  const left = finding.cells.length - mostAreas;
+  if (left <= 1) return placeOf(finding);
+  const first = { ...finding, cells: finding.cells.slice(0, mostAreas) };
+  return `${placeOf(first)} and ${count(left, 'more area')}`;
+}
+
 function findingHtml(finding: ReportedFinding): string {
   const { rank, kind, confidence, message, expected, reach, state, note = '' } = finding;
   const about = [kindName(kind), confidenceName(confidence)];
@@ -72,7 +89,7 @@ function findingHtml(finding: ReportedFinding): string {
   const judged = state ? ` <span class="state">${stateName(state)}</span>` : '';
   const why = note === '' ? '' : `<p class="why">${text(note)}</p>\n`;
   return `<li class="finding ${state === 'fine' ? 'fine' : confidence}">
-<p><strong>${String(rank)}. ${text(placeOf(finding))}</strong>${judged}</p>
+<p><strong>${String(rank)}. ${text(shortPlace(finding))}</strong>${judged}</p>
 <p>${text(message)}</p>
 ${wanted}${why}<p class="about">${about.map((one) => `<span>${text(one)}</span>`).join('')}</p>
 </li>`;
@@ -177,7 +194,7 @@ ${head}
 ${summaryHtml(report.summary)}
 <h3>Findings</h3>
 ${findingsHtml(report)}
-${inventoryHtml(report.inventory)}
+${report.pictures ? `${picturesHtml(report.pictures, text)}\n` : ''}${inventoryHtml(report.inventory)}
 </section>`;
 }
 
@@ -206,7 +223,7 @@ export function htmlOf(reports: readonly Report[], version: string): string {
 </head>
 <body>
 <h1>Audit of ${reports.length === 1 ? 'a workbook' : count(reports.length, 'workbook')}</h1>
-${contents(reports)}${reports.map(reportHtml).join('\n')}
+${reports.some((one) => 'pictures' in one) ? `${patterns()}\n` : ''}${contents(reports)}${reports.map(reportHtml).join('\n')}
 <footer><p>Made by Quorin${version === '' ? '' : ` ${text(version)}`}. A finding is a place to look at, not a verdict.</p></footer>
 </body>
 </html>

@@ -19,9 +19,13 @@ export async function reportOfReview(
   scan: BookScan,
   model: ModelClient,
   seen: SeenCount | undefined,
+  withPictures: boolean,
 ): Promise<Report> {
   const { formulas, distinct } = await model.ask(book, 'state', {});
   const inventory = await model.ask(book, 'inventory', {});
+  const pictures = withPictures
+    ? { pictures: await model.ask(book, 'pictures', { rank: findings.length }) }
+    : {};
   const { sheetsRead, cells, notRead } = scan.state;
   const sure = (confidence: string) =>
     findings.filter((finding) => finding.confidence === confidence).length;
@@ -42,6 +46,7 @@ export async function reportOfReview(
     },
     findings: findings.map((finding) => reported(finding, saidOf(finding))),
     inventory,
+    ...pictures,
   };
 }
 

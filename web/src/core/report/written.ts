@@ -178,6 +178,18 @@ function sarifOf(reports: readonly Report[], version: string): string {
   )}\n`;
 }
 
+/** Without what is only for the eye. */
+function plain(report: Report): Report {
+  if ('error' in report) return report;
+  const told = { ...report };
+  delete told.pictures;
+  return told;
+}
+
+function jsonOf(reports: readonly Report[]): string {
+  return `${JSON.stringify(reports.length === 1 ? reports[0] : { files: reports }, null, 2)}\n`;
+}
+
 /** The forms that can be written as soon as one workbook is done. */
 export function isLineByLine(format: Format): boolean {
   return format === 'text' || format === 'jsonl';
@@ -189,9 +201,9 @@ export function written(reports: readonly Report[], format: Format, version: str
     case 'text':
       return reports.map(textOf).join('');
     case 'jsonl':
-      return reports.map((report) => `${JSON.stringify(report)}\n`).join('');
+      return reports.map((report) => `${JSON.stringify(plain(report))}\n`).join('');
     case 'json':
-      return `${JSON.stringify(reports.length === 1 ? reports[0] : { files: reports }, null, 2)}\n`;
+      return jsonOf(reports.map(plain));
     case 'csv':
       return csvOf(reports);
     case 'html':

@@ -214,7 +214,7 @@ export class Review {
   }
 
   /** Of all findings, with what was said of them; nothing before they are known. */
-  async report(): Promise<Report | undefined> {
+  async report(withPictures = false): Promise<Report | undefined> {
     const { known, scans, scan } = this;
     if (!known?.told || !scans || !scan) return undefined;
     const { findings } = known.rows;
@@ -227,6 +227,7 @@ export class Review {
       scan,
       scans.model,
       this.seen.of(known.book),
+      withPictures,
     );
   }
 

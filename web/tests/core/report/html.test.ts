@@ -119,4 +119,41 @@ describe('A report as a page', () => {
     expect(texts(html, 'p', 'trouble')).toEqual(['Could not be audited: It is <damaged>.']);
     expect(texts(html, 'h1')).toEqual(['Audit of 2 workbooks']);
   });
+
+  it('has the sheets as pictures where there are some, which no list has', () => {
+    const pictures = {
+      sheets: [
+        {
+          sheet: hostile,
+          area: 'A1:B9',
+          width: 1,
+          height: 1,
+          rows: 9,
+          cols: 2,
+          parts: [2, 0, 0, 1, 1],
+          findings: [],
+        },
+      ],
+      left: 0,
+    };
+    const drawn = written([{ ...report, pictures }], 'html', '');
+    expect(drawn).toContain('<h3>Map</h3>');
+    expect(drawn).toContain('<pattern id="q2"');
+    expect(drawn).not.toContain('<img');
+    expect(written([report], 'html', '')).not.toMatch(/<h3>Map|<pattern/);
+    for (const format of ['json', 'jsonl', 'csv', 'sarif', 'text'] as const)
+      expect(written([{ ...report, pictures }], format, '')).not.toMatch(/parts|pictures/);
+  });
+
+  it('names the first areas of a finding that has many, and counts the others', () => {
+    const cells = (areas: number) => Array.from({ length: areas }, (_, i) => `C${String(i + 1)}`);
+    const heading = (areas: number) => {
+      const [finding] = report.findings;
+      if (!finding) throw new Error('no finding');
+      const many = { ...report, findings: [{ ...finding, cells: cells(areas) }] };
+      return texts(written([many], 'html', ''), 'strong')[0];
+    };
+    expect(heading(13)).toContain('C12, C13');
+    expect(heading(14)).toContain('C11, C12 and 2 more areas');
+  });
 });
