@@ -107,6 +107,8 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   // The reply of a verb of the panel's own; none when the verb belongs to the bridge.
   std::optional<PanelReply> answerLocally(const std::string& verb, const JSONValue::Array& args);
   PanelReply highlightColor() const;
+  PanelReply isWelcomed() const;
+  PanelReply saveWelcomed();
   PanelReply saveHighlightColor(const JSONValue::Array& args);
   void askBridge(double id, const std::string& verb, const JSONValue::Array& args);
 

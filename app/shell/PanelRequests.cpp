@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "app/shell/Panel.h"
+#include "kit/support/ISO.h"
 #include "kit/support/QXConfig.h"
 
 namespace quorin {
@@ -77,6 +78,8 @@ std::optional<PanelReply> Panel::answerLocally(const std::string& verb,
   }
   if (verb == "getHighlightColor") return highlightColor();
   if (verb == "setHighlightColor") return saveHighlightColor(args);
+  if (verb == "isWelcomed") return isWelcomed();
+  if (verb == "setWelcomed") return saveWelcomed();
   if (verb == "setPanelWidth") {
     if (first && first->boolean()) setWidth(*first->boolean());
     return done;
@@ -108,6 +111,23 @@ PanelReply Panel::highlightColor() const {
     components.emplace_back(static_cast<double>(component));
   }
   return {true, std::move(components)};
+}
+
+// Whether the card that a first start shows was dismissed.
+PanelReply Panel::isWelcomed() const {
+  const QXConfig config = QXConfig::load(parts_.config, FileSystem::real(), parts_.log);
+  return {true, config.welcomedAt.has_value()};
+}
+
+PanelReply Panel::saveWelcomed() {
+  try {
+    const std::string now = ISO::string(ISO::fromClock(parts_.platform.clock().now()));
+    QXConfig::merge({{"welcomedAt", JSONValue(now)}}, parts_.config);
+  } catch (const std::exception& error) {
+    parts_.log.log("ERROR", std::string("setWelcomed save failed: ") + error.what());
+    return failed("could not save config");
+  }
+  return done;
 }
 
 // Elements that are not whole numbers are passed over, not refused.

@@ -59,6 +59,7 @@ struct QXConfig {
   std::int64_t debounceMs = 150;  // stored only: nothing waits for it
   std::vector<std::int64_t> highlightRGB = {255, 0, 255};
   std::optional<std::string> lastLaunchedAt;  // ISO 8601 internet date-time
+  std::optional<std::string> welcomedAt;      // when the first card of help was dismissed; likewise
 
   bool operator==(const QXConfig&) const = default;
 

@@ -119,6 +119,7 @@ QXConfig QXConfig::decode(std::string_view text) {
   read(object, "debounceMs", config.debounceMs);
   read(object, "highlightRGB", config.highlightRGB);
   read(object, "lastLaunchedAt", config.lastLaunchedAt);
+  read(object, "welcomedAt", config.welcomedAt);
 
   const QXConfig defaults;
   migrate(summonMigrations, config.summonKeyCode, config.summonModifiers);
@@ -143,6 +144,7 @@ std::string QXConfig::encode() const {
                 {"debounceMs", LosslessJSON::integer(debounceMs)},
                 {"highlightRGB", std::move(rgb)}};
   if (lastLaunchedAt) object.emplace("lastLaunchedAt", *lastLaunchedAt);
+  if (welcomedAt) object.emplace("welcomedAt", *welcomedAt);
   return LosslessJSON(std::move(object)).text(LosslessJSON::Style::compact);
 }
 

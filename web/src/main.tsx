@@ -16,6 +16,7 @@ import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
 import type { Colour, Verb, Verbs } from './core/protocol/verbs';
 import { reportFile } from './core/report/ofReview';
+import { writtenAs } from './core/take/written';
 import { PacedErrands } from './core/scan/PacedErrands';
 import { Scans } from './core/scan/Scans';
 import { SettingsPanel } from './core/settings/SettingsPanel';
@@ -26,6 +27,7 @@ import type { Clock } from './core/time/Clock';
 import { argumentSeparator } from './core/workbook/conventions';
 import { App } from './view/App';
 import { copyText } from './view/copyText';
+import { takeAlong } from './view/takeAlong';
 import type { Page } from './view/page';
 import { startWorker } from './worker/start';
 import './view/style.css';
@@ -315,6 +317,12 @@ client.listen((event) => {
   if (event.name === 'surface') settings.close();
 });
 
+// The card of a first start; a native side that does not keep whether it was dismissed has none.
+const [welcome, setWelcome] = createSignal(false);
+void client.ask('isWelcomed').then((outcome) => {
+  setWelcome(outcome.ok && !outcome.value);
+});
+
 const page: Page = {
   explorer,
   follower,
@@ -332,6 +340,12 @@ const page: Page = {
     void copyText(text).then((copied) => {
       say(copied ? `${what} copied.` : `${what} could not be copied.`);
     });
+  },
+  take(form) {
+    const time = new Date().toLocaleString('en-GB', { dateStyle: 'medium', timeStyle: 'short' });
+    const taken = takeAlong(explorer, time);
+    if (!taken) say('There is no tree and no list in view to be copied.');
+    else page.copy(writtenAs(form, taken), form === 'text' ? 'Text' : 'Table');
   },
   saveReport(format) {
     const lost = (why: string) => {
@@ -360,6 +374,14 @@ const page: Page = {
   checkForUpdates: () => void client.ask('checkForUpdates'),
   wide,
   setWide: (next) => void client.ask('setPanelWidth', next),
+  welcome,
+  dismissWelcome() {
+    setWelcome(false);
+    focusView();
+    void client.ask('setWelcomed').then((outcome) => {
+      if (!outcome.ok) say('The card will come again: the settings could not be written.');
+    });
+  },
   hide() {
     follower.clear();
     void client.ask('hidePanel');

@@ -109,6 +109,23 @@ TEST_F(PanelProtocolTest, SavesAColourAndNothingElse) {
   EXPECT_THAT(readFile(config()), HasSubstr("\"mine\""));
 }
 
+TEST_F(PanelProtocolTest, KeepsThatTheFirstCardWasDismissedAndNothingElse) {
+  writeFile(config(), R"({"pollMs": 400, "mine": {"a": [1]}})");
+  const char* no = R"(window.__qxResolve(1, {"ok":true,"payload":false}))";
+  const char* yes = R"(window.__qxResolve(1, {"ok":true,"payload":true}))";
+  EXPECT_THAT(scriptsFor("isWelcomed", {}), ElementsAre(no));
+  EXPECT_THAT(scriptsFor("setWelcomed", {}), ElementsAre(done));
+  EXPECT_THAT(scriptsFor("isWelcomed", {}), ElementsAre(yes));
+  EXPECT_THAT(readFile(config()), HasSubstr("\"pollMs\": 400"));
+  EXPECT_THAT(readFile(config()), HasSubstr("\"mine\""));
+}
+
+TEST_F(PanelProtocolTest, LeavesAMalformedConfigurationAsItIsWhenTheCardIsDismissed) {
+  writeFile(config(), "not JSON");
+  EXPECT_THAT(scriptsFor("setWelcomed", {}), ElementsAre(refused("could not save config")));
+  EXPECT_EQ(readFile(config()), "not JSON");
+}
+
 TEST_F(PanelProtocolTest, PassesOverComponentsThatAreNoWholeNumbers) {
   EXPECT_THAT(scriptsFor("setHighlightColor", {Array{1.5, 2, 3, 4}}), ElementsAre(done));
   EXPECT_THAT(scriptsFor("getHighlightColor", {}), ElementsAre(HasSubstr("[2,3,4]")));

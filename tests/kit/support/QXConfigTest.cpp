@@ -43,7 +43,8 @@ TEST(QXConfigDecode, ReadsEveryKey) {
   const QXConfig config = QXConfig::decode(R"({
     "summonKeyCode": 11, "summonModifiers": 256, "mapKeyCode": 12, "mapModifiers": 512,
     "depsKeyCode": 13, "depsModifiers": 4096, "pollMs": 1000, "debounceMs": 0,
-    "highlightRGB": [1, 2, 3], "lastLaunchedAt": "2026-11-15T11:02:28Z", "other": {"x": 1}})");
+    "highlightRGB": [1, 2, 3], "lastLaunchedAt": "2026-11-15T11:02:28Z",
+    "welcomedAt": "2026-11-16T09:00:00Z", "other": {"x": 1}})");
   QXConfig expected;
   expected.summonKeyCode = 11;
   expected.summonModifiers = 256;
@@ -55,6 +56,7 @@ TEST(QXConfigDecode, ReadsEveryKey) {
   expected.debounceMs = 0;
   expected.highlightRGB = {1, 2, 3};
   expected.lastLaunchedAt = "2026-11-15T11:02:28Z";
+  expected.welcomedAt = "2026-11-16T09:00:00Z";
   EXPECT_EQ(config, expected);
 }
 

@@ -8,6 +8,7 @@ import { commandOf, type Command } from '../core/keyboard/keys';
 import { sentenceFor, statusLine, type Platform } from '../core/selection/sentences';
 import type { SelectionState } from '../core/selection/state';
 import { CellView } from './CellView';
+import { HelpCard, WelcomeCard } from './HelpCard';
 import { Crumbs } from './Crumbs';
 import { FormulaPane } from './FormulaPane';
 import { MapView } from './map/MapView';
@@ -57,6 +58,8 @@ export function App(props: AppProps): JSX.Element {
     props.page.look(({ view, evaluator }) => (view === 'tree' ? doubtOf(evaluator, here()) : ''));
   const content = () => (here()?.text === '' ? props.selection.content : undefined);
   const [drawer, setDrawer] = createSignal(false);
+  const [help, setHelp] = createSignal(false);
+  const mode = () => props.page.look((explorer) => explorer.atlas.mode);
   const listed = () => props.page.look((explorer) => explorer.listed?.addr ?? '');
   const listedLabel = () => props.page.look((explorer) => explorer.listedLabel);
   const impact = () => props.page.look((explorer) => explorer.lists.impact);
@@ -72,7 +75,13 @@ export function App(props: AppProps): JSX.Element {
       panel.toggle();
       return;
     }
-    const key = { key: event.key, alt: event.altKey, control: event.ctrlKey, meta: event.metaKey };
+    const key = {
+      key: event.key,
+      alt: event.altKey,
+      control: event.ctrlKey,
+      meta: event.metaKey,
+      shift: event.shiftKey,
+    };
     const command = commandOf(key, explorer.finding);
     if (!command) return;
     const target = event.target as HTMLElement;
@@ -84,8 +93,20 @@ export function App(props: AppProps): JSX.Element {
       return;
     }
     if (target.matches(fields) && command.do !== 'leave') return;
+    if (command.do === 'help' || (command.do === 'leave' && help())) {
+      event.preventDefault();
+      setHelp(command.do === 'help' && !help());
+      return;
+    }
     const isOurs = target === document.body || target.closest('[data-keys=all]') !== null;
     if (!isOurs && ownKeys.has(command.do)) return;
+    if (command.do === 'take') {
+      // A text that is selected is what the user means.
+      if (window.getSelection()?.isCollapsed === false) return;
+      event.preventDefault();
+      props.page.take(command.form);
+      return;
+    }
     if (command.do !== 'leave') event.preventDefault();
     explorer.command(command);
   };
@@ -121,6 +142,13 @@ export function App(props: AppProps): JSX.Element {
         </Show>
         <Show when={!here() && !settings()}>
           <h1 class="offscreen">Quorin</h1>
+        </Show>
+        <Show when={props.page.welcome()}>
+          <WelcomeCard
+            application={props.application}
+            onKeys={() => setHelp(true)}
+            onDismiss={() => props.page.dismissWelcome()}
+          />
         </Show>
         <Show when={sentence()}>
           {(one) => (
@@ -160,6 +188,11 @@ export function App(props: AppProps): JSX.Element {
                       ? `No cell of this workbook uses ${listed()}.`
                       : `No cell on this sheet uses ${listed()}.`
                   }
+                  next={
+                    isWhole()
+                      ? 'Nothing changes with it. Press 1 for its own formula, 3 for the map.'
+                      : 'What other sheets use is told once the workbook was read.'
+                  }
                   missing={coverage()}
                 >
                   <ScanBar page={props.page} scan={scan()} />
@@ -175,6 +208,13 @@ export function App(props: AppProps): JSX.Element {
           )}
         </Show>
       </main>
+      <Show when={help()}>
+        <HelpCard
+          front={{ view: view(), mode: mode(), hasTree: tree() !== undefined }}
+          onClose={() => setHelp(false)}
+          onTake={(form) => props.page.take(form)}
+        />
+      </Show>
       <StatusBar
         page={props.page}
         status={props.selection.status}

@@ -30,6 +30,11 @@ export function CellView(props: CellViewProps): JSX.Element {
       <p class="absent" data-testid="no-formula">
         {value().type === 'Blank' ? 'This cell is empty.' : 'A constant: typed in, not calculated.'}
       </p>
+      <p class="note" data-testid="next">
+        {value().type === 'Blank'
+          ? 'Select a cell with a formula to see what it is made of.'
+          : 'Press 2 to see which cells use it.'}
+      </p>
       <Show when={value().type === 'Text'}>
         <div class="wholeText" tabindex="0" data-testid="whole-text">
           <bdi>{value().text}</bdi>

@@ -2,6 +2,7 @@ import { createEffect, createMemo, on, Show, type JSX } from 'solid-js';
 
 import { leads } from '../core/explorer/lead';
 import { homeOf } from '../core/explorer/stops';
+import { notUsedWhy, whyOf } from '../core/help/why';
 import type { Stop } from '../core/explorer/Trail';
 import { resultView } from '../core/format/resultView';
 import { visibleText } from '../core/format/visible';
@@ -35,6 +36,12 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
     const now = state();
     return now && 'reason' in now ? now.reason : '';
   };
+  const unused = () =>
+    props.page.look(({ evaluator }) => {
+      const one = item();
+      return one !== undefined && evaluator.countsOf(one) === 'no';
+    });
+  const why = () => (reason() === '' && unused() && !result() ? notUsedWhy : whyOf(reason()));
   const text = () => {
     const one = item();
     return one ? props.stop.text.slice(one.node.start, one.node.end) : '';
@@ -77,13 +84,12 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
             </button>
           )}
         </Show>
-        <Show when={view()?.type === 'Number' && view()}>
+        <Show when={view()?.type === 'Number' && view()?.text !== view()?.copy && view()}>
           {(known) => (
             <button
               type="button"
               class="textButton"
               data-testid="copy-part-shown"
-              disabled={known().text === known().copy}
               onClick={() => props.page.copy(known().text, 'Text')}
             >
               Copy as shown
@@ -114,6 +120,11 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
       <Show when={reason()}>
         <p class="note" data-testid="reason">
           {reason()}
+        </p>
+      </Show>
+      <Show when={why()}>
+        <p class="note" data-testid="why">
+          <strong>Why?</strong> {why()}
         </p>
       </Show>
       <Show when={state()?.status === 'offered' && item()}>

@@ -19,6 +19,8 @@ export type PlaceListViewProps = {
   under: string;
   /** What is said where it holds nothing. */
   nothing: string;
+  /** What can be done then. */
+  next: string;
   /** What the list does not hold, said under it. */
   missing: string;
   /** What stands between heading and list. */
@@ -56,6 +58,9 @@ export function PlaceListView(props: PlaceListViewProps): JSX.Element {
       <Show when={isEmpty()}>
         <p class="absent" data-testid="list-empty">
           {oneLine(props.nothing)}
+        </p>
+        <p class="note padded" data-testid="list-next">
+          {props.next}
         </p>
       </Show>
       <Show when={failed()}>

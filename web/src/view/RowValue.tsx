@@ -1,5 +1,6 @@
 import { Show, type JSX } from 'solid-js';
 
+import { notUsedWhy, whyOf } from '../core/help/why';
 import type { Item } from '../core/outline/Item';
 import { WarningIcon } from './icons';
 import type { Page } from './page';
@@ -22,7 +23,9 @@ export function RowValue(props: { page: Page; item: Item; face: RowFace }): JSX.
   };
   const title = () => {
     const { type, note, reason } = props.face;
-    return type === undefined ? reason : [type, note].filter(Boolean).join(' · ');
+    return type === undefined
+      ? [reason, whyOf(reason)].filter(Boolean).join(' ')
+      : [type, note].filter(Boolean).join(' · ');
   };
   // The elements stay while values come and go, as the row itself does, and the usual value needs
   // no others: with each a row takes longer to lay out.
@@ -39,7 +42,9 @@ export function RowValue(props: { page: Page; item: Item; face: RowFace }): JSX.
         textContent={text()}
       />
       <Show when={props.face.unused && props.face.status !== 'known'}>
-        <span class="quiet">not used</span>
+        <span class="quiet" title={notUsedWhy}>
+          not used
+        </span>
       </Show>
     </span>
   );
@@ -53,7 +58,7 @@ function Sign(props: { page: Page; item: Item; face: RowFace }): JSX.Element {
         type="button"
         class="textButton"
         tabindex="-1"
-        title={props.face.reason}
+        title={[props.face.reason, whyOf(props.face.reason)].filter(Boolean).join(' ')}
         onClick={(event) => {
           event.stopPropagation();
           props.page.explorer.want(props.item);

@@ -8,6 +8,7 @@ import type { Colour } from '../core/protocol/verbs';
 import type { Platform } from '../core/selection/sentences';
 import type { SettingsPanel } from '../core/settings/SettingsPanel';
 import type { View } from '../core/explorer/view';
+import type { TakenForm } from '../core/take/written';
 
 export type Page = {
   explorer: Explorer;
@@ -19,6 +20,8 @@ export type Page = {
   /** What `read` gives, followed: read again after every change. */
   look<T>(read: (explorer: Explorer) => T): T;
   copy(text: string, what: string): void;
+  /** Copies what is in view, with where and when it is from. */
+  take(form: TakenForm): void;
   /** The user is asked where to. */
   saveReport(format: ReportFormat): void;
   colour(): Colour;
@@ -29,4 +32,7 @@ export type Page = {
   setWide(wide: boolean): void;
   checkForUpdates(): void;
   hide(): void;
+  /** True on first starts, until the card of help is dismissed. */
+  welcome(): boolean;
+  dismissWelcome(): void;
 };

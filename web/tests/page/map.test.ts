@@ -122,7 +122,7 @@ test('brings the spreadsheet to a cell that is clicked, and tells what is pointe
   await panel.shows('state', 'Selected Cash flow!G12.');
   expect(await done()).toEqual([['select', ["'Cash flow'!G12"]]]);
   const told = (await panel.text('pointed')).replace(/\s+/g, ' ');
-  expect(told).toMatch(/^G12 Revenue · 2031 =F12\*1\.02 1,020 Like all of G12:H12/);
+  expect(told).toMatch(/^G12 Revenue · 2031 =F12\*1\.02 1020 Like all of G12:H12/);
   // Pulling the sheet is no click.
   const box = await panel.page.getByTestId('picture').boundingBox();
   await panel.page.mouse.move((box?.x ?? 0) + 100, (box?.y ?? 0) + 100);
@@ -253,7 +253,10 @@ test('says why there is no picture', async () => {
     ok: false,
     payload: { kind: 'busy', message: 'busy' },
   });
-  await panel.shows('map-absent', '“Cash flow” was not read.');
+  await panel.shows(
+    'map-absent',
+    '“Cash flow” was not read. The line above tells why, and how to go on.',
+  );
 });
 
 test('asks before a large workbook is read, and says that a sheet is empty', async () => {
@@ -270,10 +273,16 @@ test('asks before a large workbook is read, and says that a sheet is empty', asy
     }),
   });
   await map();
-  await panel.shows('map-absent', '“Cash flow” was not read.');
+  await panel.shows(
+    'map-absent',
+    '“Cash flow” was not read. The line above tells why, and how to go on.',
+  );
   await panel.shows('scan-go', 'Read them');
   await panel.page.getByTestId('map-sheet').selectOption('Empty');
-  await panel.shows('map-absent', '“Empty” was not read.');
+  await panel.shows(
+    'map-absent',
+    '“Empty” was not read. The line above tells why, and how to go on.',
+  );
 });
 
 test('does without a worker', async () => {

@@ -214,6 +214,7 @@ describe('events', () => {
     expect(await page.text('address')).toBe('F12');
     expect((await page.posted()).map((post) => post.verb)).toEqual([
       'getHighlightColor',
+      'isWelcomed',
       'probe',
       'readCell',
       'readTexts',

@@ -117,7 +117,7 @@ test('lists the findings of one kind or one sheet', async () => {
   await panel.page.getByTestId('filter-kind').selectOption('constant');
   await panel.shows(
     'review-absent',
-    'No finding is of that kind, on that sheet and in that state.',
+    'No finding is of that kind, on that sheet and in that state. Choose others above.',
   );
   // A letter in a field is its own.
   await panel.page.getByTestId('filter-kind').press('f');

@@ -57,6 +57,8 @@ export const ready = (more: Record<string, unknown> = {}): Record<string, Answer
   getHighlightColor: success([255, 0, 255]),
   setHighlightColor: success(null),
   setPanelWidth: success(null),
+  isWelcomed: success(true),
+  setWelcomed: success(null),
   setConventions: success(null),
   loadReview: success(null),
   saveReview: success(null),
@@ -74,6 +76,9 @@ export const model: Record<string, Answer> = {
   'evaluate SUM(Data!C2:C5)': value(15_414),
   "evaluate SUM(Data!C2:C5)/'Cash flow'!B4": value(1284.5),
   "evaluate IF('Cash flow'!B4>0,SUM(Data!C2:C5)/'Cash flow'!B4,0)": value(1284.5),
+  "readTexts 'Data'!C2:C5": success({
+    texts: [[['4,000'], ['3,800.3'], ['3,613.8'], ['4,000']]],
+  }),
   "readTexts 'Cash flow'!F12,'Cash flow'!B4": texts('1,284.50', '12'),
   "readFormulas 'Data'!C2": success({
     rows: 1,

@@ -146,6 +146,23 @@ export const scenes: Record<string, Scene> = {
       await panel.shows('step', 'Step 10001 of 10001');
     },
   },
+  welcome: {
+    answers: { ...model, isWelcomed: success(false) },
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await panel.page.getByTestId('welcome').waitFor();
+    },
+  },
+  help: {
+    answers: model,
+    state: 'ready',
+    then: async (panel) => {
+      await panel.verified('same');
+      await panel.page.keyboard.press('?');
+      await panel.page.getByTestId('help').waitFor();
+    },
+  },
   manual: {
     answers: {
       ...model,
@@ -418,7 +435,10 @@ export const scenes: Record<string, Scene> = {
     state: 'ready',
     then: async (panel) => {
       await openReview(panel);
-      await panel.shows('review-absent', 'This workbook has no formulas.');
+      await panel.shows(
+        'review-absent',
+        'This workbook has no formulas. Its map (3) shows what it holds.',
+      );
     },
   },
   noted: {

@@ -2,15 +2,23 @@
 
 import type { Move } from '../outline/TreeModel';
 import type { View } from '../explorer/view';
+import type { TakenForm } from '../take/written';
 
 export type Command =
   | { do: 'move'; how: Move }
-  | { do: 'openSiblings' | 'drill' | 'back' | 'forward' | 'reveal' | 'pin' | 'leave' }
+  | { do: 'openSiblings' | 'drill' | 'back' | 'forward' | 'reveal' | 'pin' | 'leave' | 'help' }
   | { do: 'finding'; direction: 1 | -1 }
   | { do: 'view'; view: View }
-  | { do: 'find'; character: string };
+  | { do: 'find'; character: string }
+  | { do: 'take'; form: TakenForm };
 
-export type Key = { key: string; alt: boolean; control: boolean; meta: boolean };
+export type Key = {
+  key: string;
+  alt: boolean;
+  control: boolean;
+  meta: boolean;
+  shift?: boolean;
+};
 
 const moves: Record<string, Move | undefined> = {
   ArrowUp: 'up',
@@ -32,6 +40,9 @@ const views: Record<string, View | undefined> = {
 
 /** `finding`: a search by typing is under way, so that every character belongs to it. */
 export function commandOf(key: Key, finding: boolean): Command | undefined {
+  if (key.control !== key.meta && !key.alt && key.key.toLowerCase() === 'c') {
+    return { do: 'take', form: key.shift ? 'markdown' : 'text' };
+  }
   if (key.control || key.meta) return undefined;
   if (key.alt) {
     if (key.key === 'ArrowLeft') return { do: 'back' };
@@ -60,6 +71,8 @@ export function commandOf(key: Key, finding: boolean): Command | undefined {
     case 'f':
     case 'F':
       return { do: 'pin' };
+    case '?':
+      return { do: 'help' };
     case 'Escape':
       return { do: 'leave' };
     default:

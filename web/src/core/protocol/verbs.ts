@@ -97,6 +97,9 @@ export type Verbs = {
   getHighlightColor: { args: []; result: number[] };
   setHighlightColor: { args: [colour: Colour]; result: null };
   setPanelWidth: { args: [expanded: boolean]; result: null };
+  /** Whether the card of a first start was dismissed. */
+  isWelcomed: { args: []; result: boolean };
+  setWelcomed: { args: []; result: null };
   hidePanel: { args: []; result: null };
   focusExcel: { args: []; result: null };
   setConventions: { args: [conventions: { arg: string }]; result: null };
@@ -269,6 +272,8 @@ const decoders: { [V in Exclude<Verb, 'evaluate' | 'deepEval'>]: Decoder<Verbs[V
   getHighlightColor: (payload) => (isListOf(payload, isNumber) ? payload : undefined),
   setHighlightColor: nothing,
   setPanelWidth: nothing,
+  isWelcomed: (payload) => (typeof payload === 'boolean' ? payload : undefined),
+  setWelcomed: nothing,
   hidePanel: nothing,
   focusExcel: nothing,
   setConventions: nothing,

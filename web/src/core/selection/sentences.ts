@@ -56,7 +56,11 @@ export function sentenceFor(
         retry: false,
       };
     case 'noWorkbook':
-      return { title: 'No workbook is open.', steps: [], retry: false };
+      return {
+        title: 'No workbook is open.',
+        steps: [`Open one in ${application}, then select a cell with a formula.`],
+        retry: false,
+      };
     case 'busy':
       return state.content
         ? undefined

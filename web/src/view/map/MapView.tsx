@@ -114,6 +114,7 @@ export function MapView(props: { page: Page; book: string }): JSX.Element {
             heading={props.book}
             under=""
             nothing="This workbook has no sheets."
+            next="Sheets that are charts are not listed; open another workbook to see its map."
             missing={coverage()}
           />
         </Match>
@@ -231,10 +232,12 @@ function Absent(props: { page: Page }): JSX.Element {
       if (!scan) return `The sheets can be shown while “${atlas.book}” is in front.`;
       const frame = atlas.frameOf(sheet);
       if (frame && frame.rows.count > 0) return '';
-      if (atlas.hasRead(sheet)) return frame ? 'This sheet is empty.' : 'Drawing…';
+      if (atlas.hasRead(sheet)) {
+        return frame ? 'This sheet is empty. Choose another one above.' : 'Drawing…';
+      }
       const { status } = scan.state;
       if (status === 'starting' || status === 'reading') return `“${sheet}” is not read yet…`;
-      return `“${sheet}” was not read.`;
+      return `“${sheet}” was not read. The line above tells why, and how to go on.`;
     });
   return (
     <Show when={text()}>

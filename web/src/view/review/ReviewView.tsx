@@ -37,10 +37,11 @@ export function ReviewView(props: { page: Page }): JSX.Element {
           return `Findings cannot be told: ${review().reason}`;
         case 'known':
           if (review().list.rows.length > 0) return '';
-          if (!review().hasFormulas) return 'This workbook has no formulas.';
+          if (!review().hasFormulas)
+            return 'This workbook has no formulas. Its map (3) shows what it holds.';
           return review().hasFindings
-            ? 'No finding is of that kind, on that sheet and in that state.'
-            : 'Nothing odd was found in this workbook.';
+            ? 'No finding is of that kind, on that sheet and in that state. Choose others above.'
+            : 'Nothing odd was found in this workbook. Its map (3) shows which formulas go together.';
       }
     });
   return (
