@@ -62,7 +62,7 @@ class Documents(unittest.TestCase):
     def test_the_encoder_writes_the_same_keys(self):
         written = set(re.findall(r'\{"(\w+)",', text("kit/support/QXConfigCoding.cpp")
                                  .split("QXConfig::encode")[1]))
-        self.assertEqual(written | {"lastLaunchedAt"}, set(fields()))
+        self.assertEqual(written | {"lastLaunchedAt", "welcomedAt"}, set(fields()))
 
     def test_manual_pages_list_the_options_that_there_are(self):
         self.assertEqual(options(text("packaging/man/quorin.1")), helps(QUORIN))
