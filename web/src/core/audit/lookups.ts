@@ -102,18 +102,30 @@ function unsorted(node: NodeOf<'call'>, { area, grid, written }: Table): Found |
     (isAcross ? area.left : area.top) + keysLimit,
   );
   let last: number | undefined;
+  let lastText: string | undefined;
+  const first = isAcross ? area.left : area.top;
   for (let at = isAcross ? area.left : area.top; at <= end; at++) {
     const [row, col] = isAcross ? [area.top, at] : [at, area.left];
     const { kind, value } = grid.cells.valueAt(row, col);
-    if (kind !== CellKind.Number) continue;
-    const number = Number(value);
-    if (last !== undefined && number < last) {
+    const text = kind === CellKind.Text ? plainKey(String(value)) : undefined;
+    const number = kind === CellKind.Number ? Number(value) : undefined;
+    const isDown =
+      (last !== undefined && number !== undefined && number < last) ||
+      (lastText !== undefined && text !== undefined && text < lastText);
+    if (isDown) {
       const words = `looks for the nearest key in ${written}, and the keys do not go up in ${address(row, col)}`;
       return { words, weight: 6.5 };
     }
-    last = number;
+    last = number ?? last;
+    // The first text may be the table's heading.
+    if (at > first) lastText = text ?? lastText;
   }
   return undefined;
+}
+
+/** A text that every language sorts alike, as it is compared: letters and digits alone, in any case. */
+function plainKey(text: string): string | undefined {
+  return /^[a-z0-9]+$/i.test(text) ? text.toLowerCase() : undefined;
 }
 
 /** So many rows more are a forgotten end; of a longer rest the table takes a part on purpose. */

@@ -44,6 +44,22 @@ describe('lookups', () => {
     expect(told({ ...table, B1: formula })).toEqual([]);
   });
 
+  it.each<[string, string[], number]>([
+    ['do not go up, whatever the case', ['Name', 'apple', 'Pear', 'Banana'], 1],
+    ['do not go up, with digits in them', ['Name', 'A2', 'a1', 'B'], 1],
+    ['go up, whatever the case', ['Name', 'apple', 'Banana', 'pear'], 0],
+    ['go up, as longer ones follow', ['Name', 'A', 'A1', 'AB', 'B1'], 0],
+    ['go up below a heading', ['Key', 'Apple', 'Banana'], 0],
+    ['every language may sort in its own way', ['Name', 'zebra', 'ähre', 'a-b', 'b c'], 0],
+  ])('the nearest of texts that %s', (_, keys, findings) => {
+    const cells: Written = { A1: 'x', B1: '=VLOOKUP(A1,F1:G5,2)' };
+    for (const [i, key] of keys.entries()) {
+      cells[`F${String(i + 1)}`] = key;
+      cells[`G${String(i + 1)}`] = i;
+    }
+    expect(told(cells)).toHaveLength(findings);
+  });
+
   it('says which table and which keys', () => {
     expect(sentences({ ...table, B1: '=MATCH(A1,F1:F4)' })).toEqual([
       'MATCH in B1 looks for the nearest key in F1:F4, and the keys do not go up in F3.',
