@@ -8,6 +8,7 @@ import { ModelHost } from '../model/ModelHost';
 import { drain } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
 import { Hues } from '../map/Hues';
+import { hiddenLinesOf } from './hidden';
 import { inventoryOf } from './inventory';
 import { picturesOf } from './pictures';
 import { pathPrint, whereIs, type ReviewedBook } from '../review/reviewed';
@@ -59,6 +60,8 @@ export async function auditOf(
       const sketches = await model.ask(book, 'sketch', {});
       for (const [{ rank }, one] of saidOf(saved, rows, sketches)) said.set(rank, one);
     }
+    const inventory = drain(inventoryOf(workbook));
+    const hidden = await hiddenLinesOf(scan, inventory.sheets);
     const sure = (confidence: string) =>
       findings.filter((finding) => finding.confidence === confidence).length;
     return {
@@ -80,7 +83,7 @@ export async function auditOf(
         findings.map((finding) => reported(finding, said.get(finding.rank))),
         top,
       ),
-      inventory: drain(inventoryOf(workbook)),
+      inventory: { ...inventory, hidden },
       ...(withPictures
         ? { pictures: drain(picturesOf(workbook, findings.slice(0, top), new Hues())) }
         : {}),

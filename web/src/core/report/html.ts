@@ -107,7 +107,7 @@ function andMore(left: number, noun: string, isAtLeast = false): string {
   return left > 0 ? `<p>${isAtLeast ? 'At least ' : ''}${count(left, noun)} more.</p>` : '';
 }
 
-function inventoryHtml({ sheets, names, links, unlabelled }: Inventory): string {
+function inventoryHtml({ sheets, hidden = [], names, links, unlabelled }: Inventory): string {
   const parts = [
     '<h3>Sheets</h3>',
     table(
@@ -129,6 +129,19 @@ function inventoryHtml({ sheets, names, links, unlabelled }: Inventory): string 
       ]),
     ),
   ];
+  if (hidden.length > 0)
+    parts.push(
+      '<h3>Hidden rows and columns</h3>',
+      '<p>Those that hold something or stand between such. Whether whole sheets are hidden is not known.</p>',
+      table(
+        [{ name: 'Sheet' }, { name: 'Rows', isCode: true }, { name: 'Columns', isCode: true }],
+        hidden.map(({ sheet, rows, cols, partly }) => [
+          partly ? `${sheet} (not all of it was looked at)` : sheet,
+          rows,
+          cols,
+        ]),
+      ),
+    );
   if (names.all > 0)
     parts.push(
       '<h3>Names</h3>',

@@ -26,8 +26,13 @@ export type Listed<One> = { all: number; listed: One[] };
 
 export type Input = { sheet: string; address: string; value: number };
 
+/** Rows as "5:9, 12", columns as "C:D"; `partly`: not all of the sheet's lines were asked for. */
+export type HiddenOn = { sheet: string; rows: string; cols: string; partly: boolean };
+
 export type Inventory = {
   sheets: SheetInventory[];
+  /** Sheets with hidden rows or columns; only where the spreadsheet was asked. */
+  hidden?: HiddenOn[];
   names: Listed<{ name: string; refersTo: string }>;
   links: Link[];
   /**

@@ -156,4 +156,13 @@ describe('A report as a page', () => {
     expect(heading(13)).toContain('C12, C13');
     expect(heading(14)).toContain('C11, C12 and 2 more areas');
   });
+
+  it('lists hidden rows and columns', () => {
+    const hidden = [{ sheet: hostile, rows: '5:9', cols: 'C', partly: true }];
+    const listed = written([{ ...report, inventory: { ...report.inventory, hidden } }], 'html', '');
+    expect(texts(listed, 'h3')).toContain('Hidden rows and columns');
+    expect(texts(listed, 'code')).toContain('5:9');
+    expect(texts(listed, 'td').join()).toContain('(not all of it was looked at)');
+    expect(written([report], 'html', '')).not.toContain('Hidden rows');
+  });
 });
