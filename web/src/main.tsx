@@ -12,6 +12,7 @@ import { SheetFollower } from './core/follow/SheetFollower';
 import { CarriedModel, SlicedCarrier } from './core/model/ModelClient';
 import type { ModelClient } from './core/model/ModelClient';
 import { Conveyor, Errands } from './core/protocol/Conveyor';
+import { activityText, canStop, tellAfter } from './core/protocol/activity';
 import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
 import type { Colour, Verb, Verbs } from './core/protocol/verbs';
@@ -28,7 +29,7 @@ import { argumentSeparator } from './core/workbook/conventions';
 import { App } from './view/App';
 import { copyText } from './view/copyText';
 import { takeAlong } from './view/takeAlong';
-import type { Page } from './view/page';
+import type { Activity, Page } from './view/page';
 import { startWorker } from './worker/start';
 import './view/style.css';
 
@@ -250,12 +251,34 @@ const conveyor = new Conveyor(
   ],
   {
     clock,
-    slow: (slow) => setWaiting(slow),
+    slow: (slow) => {
+      setWaiting(slow);
+      tellActivity(slow);
+    },
     report(where, error) {
       errors.report(where, error);
     },
   },
 );
+// What takes longer than a second is told: what is being done, how far it is, how to stop it.
+const [activity, setActivity] = createSignal<Activity | undefined>();
+let nextTelling = (): void => undefined;
+function tellActivity(slow: boolean): void {
+  nextTelling();
+  if (!slow) {
+    setActivity(undefined);
+    return;
+  }
+  nextTelling = clock.after(tellAfter, () => {
+    const open = client.oldest;
+    const text = open ? activityText(open, explorer.evaluator.share, application) : '';
+    const stop = () => {
+      explorer.evaluator.stop();
+    };
+    setActivity(open && text !== '' ? { text, ...(canStop(open) ? { stop } : {}) } : undefined);
+    tellActivity(true);
+  });
+}
 selectionErrands.attach(conveyor);
 errands.attach(conveyor);
 
@@ -371,6 +394,7 @@ const page: Page = {
     });
   },
   waiting,
+  activity,
   checkForUpdates: () => void client.ask('checkForUpdates'),
   wide,
   setWide: (next) => void client.ask('setPanelWidth', next),

@@ -223,6 +223,7 @@ export function App(props: AppProps): JSX.Element {
           sentence()?.title ??
           (notice() ||
             props.said ||
+            props.page.activity()?.text ||
             statusLine(props.selection, props.application, props.page.waiting()) ||
             doubt())
         }

@@ -45,6 +45,13 @@ export function StatusBar(props: StatusBarProps): JSX.Element {
         <p class="status" role="status" data-testid="state" data-state={props.status}>
           {props.said}
         </p>
+        <Show when={props.page.activity()?.stop}>
+          {(stop) => (
+            <button type="button" class="textButton" data-testid="stop" onClick={() => stop()()}>
+              Stop
+            </button>
+          )}
+        </Show>
         <Show when={marked()}>
           <span class="footMarked" data-testid="marked" title={oneLine(left())}>
             {oneLine(left())}

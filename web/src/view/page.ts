@@ -10,6 +10,9 @@ import type { SettingsPanel } from '../core/settings/SettingsPanel';
 import type { View } from '../core/explorer/view';
 import type { TakenForm } from '../core/take/written';
 
+/** What is being done, and how far it is; `stop` where it can be stopped. */
+export type Activity = { text: string; stop?: () => void };
+
 export type Page = {
   explorer: Explorer;
   follower: SheetFollower;
@@ -28,6 +31,8 @@ export type Page = {
   setColour(colour: Colour): void;
   /** Whether an answer has been awaited for so long that the user should know. */
   waiting(): boolean;
+  /** What has been under way for over a second. */
+  activity(): Activity | undefined;
   wide(): boolean;
   setWide(wide: boolean): void;
   checkForUpdates(): void;

@@ -175,6 +175,11 @@ export class FakePanel {
     );
   }
 
+  /** Waits until the foot tells something of that kind. */
+  async tells(text: RegExp): Promise<void> {
+    await this.page.getByTestId('state').filter({ hasText: text }).waitFor({ state: 'attached' });
+  }
+
   async reaches(state: string): Promise<void> {
     await this.page
       .locator(`[data-testid=state][data-state=${state}]`)

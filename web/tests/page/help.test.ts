@@ -73,3 +73,28 @@ describe('help', () => {
     expect(await page.page.getByTestId('welcome').count()).toBe(0);
   });
 });
+
+describe('what takes over a second', () => {
+  test('is told with how far it is, and can be stopped', async () => {
+    const unanswered = Object.entries(model).filter(([asked]) => !asked.startsWith('evaluate'));
+    const page = await browser.open({
+      ...Object.fromEntries(unanswered),
+      evaluate: undefined as never,
+    });
+    await page.tells(/^Working out parts of the formula… \d of \d known\.$/);
+    await page.page.getByTestId('stop').click();
+    await page.page.locator('[data-state=offered]').first().waitFor();
+    const { id } = (await page.posted()).at(-1) ?? {};
+    await page.resolve(id, { ok: true, payload: { ok: true, value: true } });
+    await page.page.getByTestId('stop').waitFor({ state: 'detached' });
+    const asked = (await page.posted()).length;
+    await page.settled();
+    expect((await page.posted()).length).toBe(asked);
+    await page.page.locator('[data-state=offered] button').first().click();
+    await page.page.waitForFunction(
+      (before) =>
+        (window as unknown as { side: { posted: unknown[] } }).side.posted.length > before,
+      asked,
+    );
+  });
+});

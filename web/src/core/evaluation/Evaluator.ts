@@ -5,6 +5,7 @@
 import { cellCount, covers, type Area } from '../address/area';
 import type { ShownAs } from '../format/value';
 import type { Item, Outline } from '../outline/Item';
+import type { Share } from '../protocol/activity';
 import type { Job, Source } from '../protocol/Conveyor';
 import type { ShownGrid } from '../protocol/verbs';
 import { Asker, type Answer, type EvaluationQuestions } from './Asker';
@@ -130,6 +131,20 @@ export class Evaluator implements Source {
     this.wanted.add(item);
     this.late = 0;
     this.halted = false;
+  }
+
+  /** Nothing more is asked about this formula until the user wants a value. */
+  stop(): void {
+    this.halted = true;
+    this.trouble = 'Stopped.';
+    this.changed();
+  }
+
+  /** How many of the parts in sight are known or will not be. */
+  get share(): Share {
+    const waits = (item: Item) => ['waiting', 'asking'].includes(this.ownStateOf(item).status);
+    const all = this.looked.filter((item) => this.countsOf(item) !== 'no');
+    return { known: all.filter((item) => !waits(item)).length, all: all.length };
   }
 
   /** Another sheet may be in front now. */

@@ -2,6 +2,7 @@
 // whoever listens. One for the life of the page. Nothing it is given from outside makes it throw.
 
 import type { Cancel, Clock } from '../time/Clock';
+import type { Open } from './activity';
 import { decodeEvent, type NativeEvent } from './events';
 import { isObject, type Json } from './json';
 import { failed, type Outcome } from './Outcome';
@@ -39,16 +40,26 @@ const quickVerbs: ReadonlySet<Verb> = new Set<Verb>([
   'readCell',
   'readRange',
   'readFormulas',
+  'readTexts',
   'evaluate',
   'dependents',
   'workbookMap',
   'select',
 ]);
 
+const spreadsheetVerbs: ReadonlySet<Verb> = new Set<Verb>([
+  ...quickVerbs,
+  'pollCell',
+  'deepEval',
+  'markCells',
+  'reveal',
+  'clearMarks',
+]);
+
 /** Events that arrive before anyone listens, held in order; more than this many are dropped. */
 const heldEventsLimit = 100;
 
-type Pending = { settle(ok: boolean, payload: unknown): void };
+type Pending = Open & { settle(ok: boolean, payload: unknown): void };
 
 export class ProtocolClient {
   private readonly pending = new Map<number, Pending>();
@@ -65,6 +76,11 @@ export class ProtocolClient {
     return this.pending.size;
   }
 
+  /** The question to the spreadsheet that waits longest for its reply. */
+  get oldest(): Open | undefined {
+    return [...this.pending.values()].find(({ verb }) => spreadsheetVerbs.has(verb));
+  }
+
   ask<V extends Verb>(verb: V, ...args: Verbs[V]['args']): Promise<Outcome<Verbs[V]['result']>> {
     const id = this.nextId++;
     return new Promise((resolve) => {
@@ -74,7 +90,10 @@ export class ProtocolClient {
         this.pending.delete(id);
         resolve(failed('unanswered', `"${verb}" was not answered.`));
       });
+      const [first] = args as readonly unknown[];
       this.pending.set(id, {
+        verb,
+        subject: typeof first === 'string' ? first : '',
         settle(ok, payload) {
           cancelDeadline();
           resolve(decodeReply(verb, ok, payload));
