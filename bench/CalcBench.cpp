@@ -7,11 +7,9 @@
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <fstream>
 
-#include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
-#include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/CalcRunner.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/office/PrivateOffice.h"
 #include "kit/excel/ExcelThread.h"
 #include "kit/shapes/CellShapes.h"
 #include "tests/fakes/TemporaryFolder.h"
@@ -70,9 +68,7 @@ quorin::ExcelThread& callThread() {
   static quorin::DiagLog log(folder / "bench.log", 4000000, 3000000);
   static quorin::ExcelThread thread(
       [](const quorin::CallThreadPost&) {
-        return std::make_unique<quorin::host::EngineRunner>(
-            std::make_unique<quorin::host::ExcelObjectModel>(
-                std::make_unique<CalcSpreadsheet>(office())));
+        return quorin::host::calc::makeCalcRunner(office(), {}).runner;
       },
       log);
   return thread;

@@ -11,9 +11,9 @@
 #include <fstream>
 
 #include "bench/Rounds.h"
-#include "host/calc/CalcRanges.h"
 #include "host/calc/CalcSession.h"
-#include "host/calc/Text.h"
+#include "host/calc/uno/Text.h"
+#include "host/calc/workbook/CalcRanges.h"
 #include "tests/calc/CalcRoad.h"
 
 namespace {

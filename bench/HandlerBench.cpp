@@ -8,9 +8,9 @@
 #include <stdexcept>
 
 #include "host/Address.h"
-#include "host/Answers.h"
 #include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
+#include "host/model/Answers.h"
+#include "host/model/ExcelObjectModel.h"
 #include "kit/excel/ExcelScript.h"
 #include "kit/shapes/ErrorLiterals.h"
 #include "tests/fakes/MemorySpreadsheet.h"

@@ -12,11 +12,11 @@
 
 #include "bench/Rounds.h"
 #include "host/Address.h"
-#include "host/calc/Arguments.h"
-#include "host/calc/CalcRanges.h"
 #include "host/calc/CalcSession.h"
-#include "host/calc/MarkShape.h"
-#include "host/calc/Text.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/uno/Arguments.h"
+#include "host/calc/uno/Text.h"
+#include "host/calc/workbook/CalcRanges.h"
 #include "tests/calc/CalcRoad.h"
 
 namespace {

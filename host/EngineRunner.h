@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "kit/excel/ScriptRunner.h"
-#include "script/Application.h"
 #include "script/Script.h"
+#include "script/terms/Application.h"
 
 namespace quorin::host {
 

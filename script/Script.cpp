@@ -1,8 +1,8 @@
 #include "script/Script.h"
 
-#include "script/Interpreter.h"
-#include "script/Lexer.h"
-#include "script/Parser.h"
+#include "script/lex/Lexer.h"
+#include "script/parse/Parser.h"
+#include "script/run/Interpreter.h"
 
 namespace quorin::script {
 

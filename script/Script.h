@@ -7,46 +7,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
 
 #include "kit/value/AppleEvent.h"
-#include "script/Application.h"
+#include "script/lex/CompileError.h"
+#include "script/run/ScriptOutcome.h"
+#include "script/terms/Application.h"
 
 namespace quorin::script {
-
-struct CompileError {
-  int number = -2741;      // -2741 and -2740 for syntax, others as AppleScript numbers them
-  std::string message;     // "Expected end of line but found identifier."
-  int line = 0;            // 1-based
-  std::size_t offset = 0;  // of the offending text in the source, in bytes
-  std::size_t length = 0;  // of the offending text, in bytes
-  bool operator==(const CompileError&) const = default;
-};
-
-struct ScriptError {
-  int number = 0;
-  std::string message;
-  bool operator==(const ScriptError&) const = default;
-};
-
-// Exactly one of error and "finished"; a handler that finished may still have no value.
-struct ScriptOutcome {
-  std::optional<AppleEventDescriptor> result;
-  std::optional<ScriptError> error;
-};
-
-// What a running script may use before it is stopped. The stack and the depth of data end in
-// -2706, the size of one text or list in -108, steps in -128, as if the user had cancelled.
-struct ScriptLimits {
-  std::uint64_t steps = 0;  // statements and expressions of one call; 0: no limit
-  std::size_t stackBytes = std::size_t{2} << 20;
-  std::size_t textBytes = std::size_t{256} << 20;
-  std::size_t listItems = std::size_t{16} << 20;
-};
 
 class Interpreter;  // its properties, globals and the machinery that runs it
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/calc/CalcLines.h"
-#include "host/calc/CalcView.h"
+#include "host/calc/cells/CalcLines.h"
+#include "host/calc/workbook/CalcView.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -9,12 +9,12 @@
 
 #include "host/Address.h"
 #include "host/Spreadsheet.h"
-#include "host/calc/Arguments.h"
-#include "host/calc/CalcRanges.h"
-#include "host/calc/CalcView.h"
-#include "host/calc/OfficeConfiguration.h"
-#include "host/calc/OpeningWorkbooks.h"
-#include "host/calc/Text.h"
+#include "host/calc/office/OfficeConfiguration.h"
+#include "host/calc/office/OpeningWorkbooks.h"
+#include "host/calc/uno/Arguments.h"
+#include "host/calc/uno/Text.h"
+#include "host/calc/workbook/CalcRanges.h"
+#include "host/calc/workbook/CalcView.h"
 
 namespace quorin::host::calc {
 namespace {

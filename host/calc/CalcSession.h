@@ -11,19 +11,19 @@
 #include <tuple>
 #include <vector>
 
-#include "host/calc/CalcEvaluator.h"
-#include "host/calc/CalcNames.h"
-#include "host/calc/CalcWorkbooks.h"
-#include "host/calc/LineTraces.h"
-#include "host/calc/LinesBack.h"
-#include "host/calc/LinesNote.h"
-#include "host/calc/MarksKeeper.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/QuietChanges.h"
-#include "host/calc/ScratchWorkbooks.h"
-#include "host/calc/SheetConditions.h"
-#include "host/calc/SheetLines.h"
-#include "host/calc/ShownLines.h"
+#include "host/calc/cells/CalcNames.h"
+#include "host/calc/evaluation/CalcEvaluator.h"
+#include "host/calc/evaluation/ScratchWorkbooks.h"
+#include "host/calc/marks/MarksKeeper.h"
+#include "host/calc/marks/SheetConditions.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/reveal/LineTraces.h"
+#include "host/calc/reveal/LinesBack.h"
+#include "host/calc/reveal/LinesNote.h"
+#include "host/calc/reveal/SheetLines.h"
+#include "host/calc/reveal/ShownLines.h"
+#include "host/calc/workbook/CalcWorkbooks.h"
+#include "host/calc/workbook/QuietChanges.h"
 
 namespace quorin::host::calc {
 

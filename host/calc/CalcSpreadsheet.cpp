@@ -5,16 +5,16 @@
 #include <utility>
 
 #include "host/Address.h"
-#include "host/calc/AreaGrid.h"
-#include "host/calc/AskedNetwork.h"
 #include "host/calc/CalcActive.h"
-#include "host/calc/CalcCells.h"
-#include "host/calc/CalcLines.h"
-#include "host/calc/CalcLookup.h"
-#include "host/calc/CalcRanges.h"
-#include "host/calc/CalcTexts.h"
-#include "host/calc/CalcView.h"
 #include "host/calc/OfficeCalls.h"
+#include "host/calc/cells/AreaGrid.h"
+#include "host/calc/cells/CalcCells.h"
+#include "host/calc/cells/CalcLines.h"
+#include "host/calc/cells/CalcLookup.h"
+#include "host/calc/cells/CalcTexts.h"
+#include "host/calc/office/AskedNetwork.h"
+#include "host/calc/workbook/CalcRanges.h"
+#include "host/calc/workbook/CalcView.h"
 #include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
@@ -37,16 +37,18 @@ CalcNavigation navigation(CalcSession& office) {
 
 }  // namespace
 
-CalcSpreadsheet::CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
-                                 std::chrono::milliseconds patience)
-    : office_(
-          std::make_unique<OfficeCalls>(std::move(source), patience, traces_, memory_, limits_)) {}
+CalcSpreadsheet::CalcSpreadsheet(std::shared_ptr<OfficeSource> source, CalcOptions options)
+    : traces_(std::move(options.traces)),
+      notice_(std::move(options.notice)),
+      office_(std::make_unique<OfficeCalls>(std::move(source), options.patience, traces_, memory_,
+                                            limits_)) {
+  if (options.post) {
+    office_->onKeeperLost(
+        [this, post = std::move(options.post)] { post([this] { protectMarks(); }); });
+  }
+}
 
 CalcSpreadsheet::~CalcSpreadsheet() = default;
-
-void CalcSpreadsheet::onKeeperLost(std::function<void()> lost) {
-  office_->onKeeperLost(std::move(lost));
-}
 
 void CalcSpreadsheet::quit() {
   office_->quit();

@@ -13,34 +13,35 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/CalcSession.h"
-#include "host/calc/CallLimits.h"
 #include "host/calc/HandlerFindings.h"
-#include "host/calc/LineTraces.h"
-#include "host/calc/OfficeSource.h"
 #include "host/calc/RequestMemory.h"
+#include "host/calc/office/OfficeSource.h"
+#include "host/calc/reveal/LineTraces.h"
+#include "host/calc/workbook/CallLimits.h"
 
 namespace quorin::host::calc {
 
 class OfficeCalls;
 
-class CalcSpreadsheet : public Spreadsheet {
- public:
-  // `patience` bounds the wait for a first answer when connecting.
-  explicit CalcSpreadsheet(std::shared_ptr<OfficeSource> source,
-                           std::chrono::milliseconds patience = std::chrono::seconds(5));
-  ~CalcSpreadsheet() override;
-
-  // Who is told, on the call thread, of lines that were to be hidden again and cannot be.
-  void onNotice(std::function<void(const std::string&)> notice) { notice_ = std::move(notice); }
-
+struct CalcOptions {
+  // Bounds the wait for a first answer when connecting.
+  std::chrono::milliseconds patience = std::chrono::seconds(5);
   // Where it is kept what shown lines are told by when their workbook was closed and opened again.
   // Without it they are then told by their numbers.
-  void keepTracesIn(TraceKeeping keeping) { traces_ = LineTraces(std::move(keeping)); }
+  TraceKeeping traces = {};
+  // Called on the call thread with the text of what the user's log is to say: which lines were to
+  // be hidden again and cannot be.
+  std::function<void(const std::string&)> notice = {};
+  // Posts work to the call thread, where it runs between handlers and only while the spreadsheet
+  // lives. Called on any thread, when the marks keeper was lost. Without it marks that no keeper
+  // keeps out of files stay until the next request.
+  std::function<void(std::function<void()>)> post = {};
+};
 
-  // Who is told, on another thread, that marks are no longer kept out of the files that the user
-  // saves: protectMarks() is to be called on the call thread, not during a handler.
-  void onKeeperLost(std::function<void()> lost);
-  void protectMarks();
+class CalcSpreadsheet : public Spreadsheet {
+ public:
+  explicit CalcSpreadsheet(std::shared_ptr<OfficeSource> source, CalcOptions options = {});
+  ~CalcSpreadsheet() override;
 
   // Makes a call in progress and all later ones fail at once. From any thread, for quitting.
   void quit();
@@ -95,6 +96,7 @@ class CalcSpreadsheet : public Spreadsheet {
   void closeWorkbook(const std::string& book) override;
 
  private:
+  void protectMarks();
   void takeBackUnreachable();
   void flushTraces();
   void setLines();

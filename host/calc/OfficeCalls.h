@@ -14,9 +14,9 @@
 #include <mutex>
 
 #include "host/calc/CalcSession.h"
-#include "host/calc/OfficeSource.h"
 #include "host/calc/RequestMemory.h"
-#include "host/calc/Text.h"
+#include "host/calc/office/OfficeSource.h"
+#include "host/calc/uno/Text.h"
 
 namespace quorin::host::calc {
 

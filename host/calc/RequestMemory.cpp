@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "host/Address.h"
-#include "host/calc/AreaGrid.h"
+#include "host/calc/cells/AreaGrid.h"
 
 namespace quorin::host::calc {
 

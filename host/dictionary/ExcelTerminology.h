@@ -2,7 +2,7 @@
 // file, which is part of the program. Any thread may read it.
 #pragma once
 
-#include "script/Terminology.h"
+#include "script/terms/Terminology.h"
 
 namespace quorin::host {
 

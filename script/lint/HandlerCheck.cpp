@@ -1,7 +1,7 @@
 // Statements, and the rules about them.
 #include "script/lint/HandlerCheck.h"
 
-#include "script/Words.h"
+#include "script/terms/Words.h"
 
 namespace quorin::script {
 namespace {

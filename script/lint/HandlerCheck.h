@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "script/Ast.h"
 #include "script/lint/Kind.h"
 #include "script/lint/Linter.h"
+#include "script/parse/Ast.h"
 
 namespace quorin::script {
 

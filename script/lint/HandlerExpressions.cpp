@@ -1,8 +1,8 @@
 // Expressions: what kind of value they give, and the rules about them.
 #include <algorithm>
 
-#include "script/Words.h"
 #include "script/lint/HandlerCheck.h"
+#include "script/terms/Words.h"
 
 namespace quorin::script {
 namespace {

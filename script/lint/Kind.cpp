@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "script/Words.h"
+#include "script/terms/Words.h"
 
 namespace quorin::script {
 namespace {

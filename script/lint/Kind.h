@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "script/Terminology.h"
+#include "script/terms/Terminology.h"
 
 namespace quorin::script {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <tuple>
 
-#include "script/Lexer.h"
-#include "script/Parser.h"
+#include "script/lex/Lexer.h"
 #include "script/lint/HandlerCheck.h"
+#include "script/parse/Parser.h"
 
 namespace quorin::script {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "script/Application.h"
+#include "script/terms/Application.h"
 
 namespace quorin::script {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Address.h"
-#include "host/calc/AreaGrid.h"
+#include "host/calc/cells/AreaGrid.h"
 
 namespace quorin::host::calc {
 namespace {

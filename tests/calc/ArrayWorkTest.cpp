@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/Spreadsheet.h"
-#include "host/calc/CalcExpression.h"
+#include "host/calc/grammar/CalcExpression.h"
 
 namespace quorin::host::calc {
 namespace {

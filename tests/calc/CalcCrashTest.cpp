@@ -14,7 +14,7 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/office/PrivateOffice.h"
 #include "kit/marks/HighlightStore.h"
 #include "kit/marks/UnhideStore.h"
 #include "kit/value/Marshal.h"
@@ -124,7 +124,8 @@ class CalcCrash : public testing::Test {
     calc_.reset();
     office_ = std::make_shared<PrivateOffice>();
     address_ = office_->open();
-    calc_ = std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
+    calc_ = std::make_unique<CalcSpreadsheet>(office_,
+                                              CalcOptions{.patience = std::chrono::seconds(60)});
     calc_->openWorkbook(file_.string());
     hands_ = std::make_unique<UserHands>(address_);
     harness_ = newHarness();
@@ -239,7 +240,7 @@ class CalcCrash : public testing::Test {
   std::shared_ptr<PrivateOffice> office_ = std::make_shared<PrivateOffice>();
   OfficeAddress address_ = office_->open();
   std::unique_ptr<CalcSpreadsheet> calc_ =
-      std::make_unique<CalcSpreadsheet>(office_, std::chrono::seconds(60));
+      std::make_unique<CalcSpreadsheet>(office_, CalcOptions{.patience = std::chrono::seconds(60)});
   std::unique_ptr<UserHands> hands_ = std::make_unique<UserHands>(address_);
   HighlightStore store_{folder_ / "highlights.json"};
   UnhideStore unhide_{folder_ / "unhidden.json"};

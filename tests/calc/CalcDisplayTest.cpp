@@ -7,11 +7,11 @@
 #include <thread>
 
 #include "host/Address.h"
-#include "host/calc/CalcApplication.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/PrivateOffice.h"
-#include "host/calc/RunningOffice.h"
+#include "host/calc/office/CalcApplication.h"
+#include "host/calc/office/PrivateOffice.h"
+#include "host/calc/office/RunningOffice.h"
+#include "host/calc/uno/OfficeFiles.h"
 #include "tests/calc/Chain.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Address.h"
-#include "host/calc/CalcExpression.h"
+#include "host/calc/grammar/CalcExpression.h"
 
 namespace quorin::host::calc {
 namespace {

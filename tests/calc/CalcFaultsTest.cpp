@@ -18,9 +18,9 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/office/PrivateOffice.h"
+#include "host/calc/uno/OfficeFiles.h"
 #include "tests/calc/Chain.h"
 #include "tests/calc/ChangingOffice.h"
 #include "tests/calc/XlsxFile.h"
@@ -130,7 +130,7 @@ TEST_F(CalcFaults, EndsACallAtOnceForQuitting) {
 
 TEST_F(CalcFaults, TimesOutConnectingToAStoppedOffice) {
   ASSERT_TRUE(stopProcess(office->process()));
-  CalcSpreadsheet another(office, 200ms);
+  CalcSpreadsheet another(office, CalcOptions{.patience = 200ms});
   const auto started = Clock::now();
   EXPECT_EQ(numberOf([&] { another.workbooks(); }), -1712);
   EXPECT_LT(Clock::now() - started, 700ms);

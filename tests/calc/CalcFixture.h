@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/office/PrivateOffice.h"
 #include "tests/fakes/WorkbookDescription.h"
 
 namespace quorin::host::calc {

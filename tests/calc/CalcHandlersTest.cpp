@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <map>
 
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/calc/CalcFixture.h"
 #include "tests/kit/scripts/EngineConversation.h"
 

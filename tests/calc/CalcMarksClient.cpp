@@ -38,8 +38,9 @@ class ToldSpreadsheet : public CalcSpreadsheet {
   }
 
  public:
-  ToldSpreadsheet(crash::Victim& victim, const OfficeAddress& office)
-      : CalcSpreadsheet(std::make_shared<KnownOffice>(office), std::chrono::seconds(60)),
+  ToldSpreadsheet(crash::Victim& victim, const OfficeAddress& office, TraceKeeping traces)
+      : CalcSpreadsheet(std::make_shared<KnownOffice>(office),
+                        {.patience = std::chrono::seconds(60), .traces = std::move(traces)}),
         victim_(victim) {}
 
   std::vector<std::string> worksheets(const std::string& book) override {
@@ -110,10 +111,8 @@ int main(int count, char** arguments) {
     auto& victim = *new Victim(std::move(link));
     host::calc::listening = &victim;
     serve(victim, folder, [&](FileSystem& files) {
-      auto spreadsheet = std::make_unique<host::calc::ToldSpreadsheet>(victim, office);
-      spreadsheet->keepTracesIn(
-          host::calc::TraceKeeping::in(ShownLinesFile(folder, files, nullptr)));
-      return spreadsheet;
+      return std::make_unique<host::calc::ToldSpreadsheet>(
+          victim, office, host::calc::TraceKeeping::in(ShownLinesFile(folder, files, nullptr)));
     });
     host::calc::listening = nullptr;
   });

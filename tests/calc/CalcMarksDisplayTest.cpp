@@ -5,8 +5,8 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/MarkText.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/marks/MarkText.h"
+#include "host/calc/office/PrivateOffice.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/Eventually.h"

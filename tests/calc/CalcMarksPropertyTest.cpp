@@ -23,7 +23,7 @@
 #include <set>
 #include <utility>
 
-#include "host/calc/Text.h"
+#include "host/calc/uno/Text.h"
 #include "kit/value/Marshal.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/UserHands.h"

@@ -4,7 +4,7 @@
 #include <signal.h>
 
 #include "host/Address.h"
-#include "host/calc/MarkText.h"
+#include "host/calc/marks/MarkText.h"
 #include "tests/calc/CalcRoad.h"
 #include "tests/calc/KeeperProcess.h"
 #include "tests/calc/UserHands.h"

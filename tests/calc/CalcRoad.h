@@ -8,9 +8,7 @@
 #include <utility>
 
 #include "host/Address.h"
-#include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
-#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/CalcRunner.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/Semaphore.h"
 #include "kit/marks/ShownLinesFile.h"
@@ -22,7 +20,9 @@ namespace quorin::host::calc {
 
 class CalcRoad {
  public:
-  CalcRoad() : thread_(runners(), log_.log()) {}
+  enum class Traces { kept, none };
+  explicit CalcRoad(Traces traces = Traces::kept)
+      : keepsTraces_(traces == Traces::kept), thread_(runners(), log_.log()) {}
 
   // Opens a workbook as the active one. Throws what Calc threw.
   void open(const std::filesystem::path& file) {
@@ -71,11 +71,6 @@ class CalcRoad {
   HighlightStore& store() { return store_; }
   UnhideStore& unhidden() { return unhide_; }
   ShownLinesFile& traces() { return traces_; }
-  // As for a process that starts without the file.
-  void forgetTraces() {
-    traces_.clear();
-    onCallThread([&] { keepTraces(); });
-  }
   PrivateOffice& office() { return *office_; }
   // As when the user starts Calc again; the first office ends.
   void startOfficeAnew() {
@@ -101,8 +96,6 @@ class CalcRoad {
     if (!failure.empty()) throw std::runtime_error(failure);
   }
 
-  void keepTraces() { spreadsheet_->keepTracesIn(TraceKeeping::in(traces_)); }
-
   class Running : public TargetApplication {
     bool isRunning() override { return true; }
   };
@@ -110,16 +103,18 @@ class CalcRoad {
   ScriptRunnerFactory runners() {
     return [this](CallThreadPost post) {
       post_ = std::move(post);
-      auto spreadsheet = std::make_unique<CalcSpreadsheet>(source_, std::chrono::seconds(60));
-      spreadsheet_ = spreadsheet.get();
-      keepTraces();
-      spreadsheet_->onNotice([this](const std::string& text) { log_.log().log("UNHIDE", text); });
-      spreadsheet_->onKeeperLost([this] { post_([this] { spreadsheet_->protectMarks(); }); });
-      return std::make_unique<EngineRunner>(
-          std::make_unique<ExcelObjectModel>(std::move(spreadsheet)));
+      CalcOptions options;
+      options.patience = std::chrono::seconds(60);
+      if (keepsTraces_) options.traces = TraceKeeping::in(traces_);
+      options.notice = [this](const std::string& text) { log_.log().log("UNHIDE", text); };
+      options.post = post_;
+      CalcRunner calc = makeCalcRunner(source_, std::move(options));
+      spreadsheet_ = calc.spreadsheet;
+      return std::move(calc.runner);
     };
   }
 
+  const bool keepsTraces_;
   std::shared_ptr<PrivateOffice> office_ = std::make_shared<PrivateOffice>();
   const std::shared_ptr<ChangingOffice> source_ = std::make_shared<ChangingOffice>(office_);
   TemporaryFolder folder_;

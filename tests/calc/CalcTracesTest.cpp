@@ -16,7 +16,7 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/office/PrivateOffice.h"
 #include "tests/calc/Chain.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/CallLimits.h"
+#include "host/calc/workbook/CallLimits.h"
 
 namespace quorin::host::calc {
 namespace {

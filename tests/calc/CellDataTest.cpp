@@ -11,10 +11,10 @@
 #include <signal.h>
 #include <thread>
 
-#include "host/calc/Arguments.h"
-#include "host/calc/CellData.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/Text.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/uno/Arguments.h"
+#include "host/calc/uno/CellData.h"
+#include "host/calc/uno/Text.h"
 #include "tests/calc/CalcFixture.h"
 #include "tests/fakes/StoppedProcess.h"
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/office/PrivateOffice.h"
 
 namespace quorin::host::calc {
 

@@ -4,13 +4,13 @@
 #include <com/sun/star/util/XCloseable.hpp>
 #include <gtest/gtest.h>
 
-#include "host/calc/AreaGrid.h"
-#include "host/calc/CalcLookup.h"
-#include "host/calc/CalcRanges.h"
 #include "host/calc/CalcSession.h"
-#include "host/calc/CalcTexts.h"
-#include "host/calc/MarkShape.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/cells/AreaGrid.h"
+#include "host/calc/cells/CalcLookup.h"
+#include "host/calc/cells/CalcTexts.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/office/PrivateOffice.h"
+#include "host/calc/workbook/CalcRanges.h"
 #include "tests/calc/XlsxFile.h"
 #include "tests/fakes/TemporaryFolder.h"
 

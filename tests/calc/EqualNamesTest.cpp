@@ -6,8 +6,8 @@
 #include <gmock/gmock.h>
 
 #include "host/Address.h"
-#include "host/calc/CalcWorkbooks.h"
-#include "host/calc/OfficeConnection.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/workbook/CalcWorkbooks.h"
 #include "tests/calc/CalcFixture.h"
 #include "tests/calc/UserHands.h"
 #include "tests/calc/XlsxFile.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "host/calc/FormulaTranslator.h"
+#include "host/calc/grammar/FormulaTranslator.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/CalcExpression.h"
-#include "host/calc/HarmlessFunctions.h"
+#include "host/calc/grammar/CalcExpression.h"
+#include "host/calc/grammar/HarmlessFunctions.h"
 
 namespace quorin::host::calc {
 namespace {

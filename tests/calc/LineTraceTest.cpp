@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/LineTrace.h"
+#include "host/calc/reveal/LineTrace.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -2,7 +2,7 @@
 #include <stdexcept>
 
 #include "host/Address.h"
-#include "host/calc/LineTraces.h"
+#include "host/calc/reveal/LineTraces.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
 

@@ -14,7 +14,7 @@
 #include <uno/environment.h>
 #include <uno/mapping.h>
 
-#include "host/calc/LocalContext.h"
+#include "host/calc/office/LocalContext.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Address.h"
-#include "host/calc/MarkText.h"
+#include "host/calc/marks/MarkText.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -11,13 +11,13 @@
 #include <string>
 
 #include "host/Address.h"
-#include "host/calc/CalcRanges.h"
-#include "host/calc/MarkShape.h"
-#include "host/calc/MarksKeeper.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/QuietChanges.h"
-#include "host/calc/Text.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/marks/MarksKeeper.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/uno/OfficeFiles.h"
+#include "host/calc/uno/Text.h"
+#include "host/calc/workbook/CalcRanges.h"
+#include "host/calc/workbook/QuietChanges.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -10,8 +10,8 @@
 #include <regex>
 #include <signal.h>
 
-#include "host/calc/MarksKeeper.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/marks/MarksKeeper.h"
+#include "host/calc/office/PrivateOffice.h"
 #include "tests/calc/ChildProgram.h"
 #include "tests/calc/SheetHands.h"
 #include "tests/calc/UserHands.h"

@@ -277,9 +277,13 @@ TEST_F(MovedLines, StayVisibleWhereTheyCannotBeToldFromOthers) {
 }
 
 // What a version before traces recorded, or a record whose traces are lost.
-TEST_F(MovedLines, AreToldByTheirNumbersWhereNothingElseIsKnown) {
+class LinesWithoutTraces : public MovedLines {
+ public:
+  static void SetUpTestSuite() { desk = std::make_unique<CalcRoad>(CalcRoad::Traces::none); }
+};
+
+TEST_F(LinesWithoutTraces, AreToldByTheirNumbers) {
   reopenWithAllVisible();
-  road.forgetTraces();
   ask("clearMarks");
   EXPECT_EQ(hiddenLines("One"), "5 6 7 C D ");
   expectNoRecord();

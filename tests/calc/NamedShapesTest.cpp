@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "host/calc/MarkShape.h"
-#include "host/calc/Text.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/uno/Text.h"
 
 namespace quorin::host::calc {
 namespace {

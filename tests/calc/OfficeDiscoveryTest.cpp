@@ -1,7 +1,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-#include "host/calc/OfficeDiscovery.h"
+#include "host/calc/office/OfficeDiscovery.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {

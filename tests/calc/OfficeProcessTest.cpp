@@ -1,7 +1,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-#include "host/calc/OfficeProcess.h"
+#include "host/calc/office/OfficeProcess.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {

@@ -5,7 +5,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "host/calc/OfficeRequest.h"
+#include "host/calc/office/OfficeRequest.h"
 #include "tests/fakes/TemporaryFolder.h"
 
 namespace quorin::host::calc {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
-#include "host/calc/CalcExpression.h"
+#include "host/calc/grammar/CalcExpression.h"
 
 namespace quorin::host::calc {
 namespace {

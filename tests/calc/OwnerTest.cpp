@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "host/calc/OfficeProcess.h"
-#include "host/calc/Owner.h"
+#include "host/calc/marks/Owner.h"
+#include "host/calc/office/OfficeProcess.h"
 #include "tests/calc/ChildProgram.h"
 
 namespace quorin::host::calc {

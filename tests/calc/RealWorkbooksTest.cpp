@@ -9,7 +9,7 @@
 
 #include "host/Address.h"
 #include "host/calc/CalcSpreadsheet.h"
-#include "host/calc/PrivateOffice.h"
+#include "host/calc/office/PrivateOffice.h"
 
 namespace quorin::host::calc {
 namespace {

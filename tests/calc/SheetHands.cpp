@@ -30,11 +30,11 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/calc/Arguments.h"
-#include "host/calc/MarkShape.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/Text.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/uno/Arguments.h"
+#include "host/calc/uno/OfficeFiles.h"
+#include "host/calc/uno/Text.h"
 
 namespace quorin::host::calc {
 namespace {

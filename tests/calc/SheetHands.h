@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/calc/OfficeSource.h"
+#include "host/calc/office/OfficeSource.h"
 
 namespace quorin::host::calc {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/TableItems.h"
+#include "host/calc/grammar/TableItems.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -35,12 +35,12 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/calc/Arguments.h"
-#include "host/calc/MainThread.h"
-#include "host/calc/MarkShape.h"
-#include "host/calc/OfficeConnection.h"
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/Text.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/office/MainThread.h"
+#include "host/calc/office/OfficeConnection.h"
+#include "host/calc/uno/Arguments.h"
+#include "host/calc/uno/OfficeFiles.h"
+#include "host/calc/uno/Text.h"
 #include "tests/fakes/Files.h"
 #include "tests/fakes/TemporaryFolder.h"
 

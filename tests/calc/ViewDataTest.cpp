@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/ViewData.h"
+#include "host/calc/workbook/ViewData.h"
 
 namespace quorin::host::calc {
 namespace {

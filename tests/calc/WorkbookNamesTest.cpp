@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/WorkbookNames.h"
+#include "host/calc/workbook/WorkbookNames.h"
 
 namespace quorin::host::calc {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "host/Codes.h"
+#include "host/model/Codes.h"
 
 namespace quorin::fakes {
 namespace {

@@ -1,6 +1,6 @@
 #include "tests/fakes/QuirkyExcel.h"
 
-#include "host/Codes.h"
+#include "host/model/Codes.h"
 #include "tests/fakes/QuirkyAnswers.h"
 
 namespace quorin::fakes {

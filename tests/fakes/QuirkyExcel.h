@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-#include "script/Application.h"
+#include "script/terms/Application.h"
 
 namespace quorin::fakes {
 

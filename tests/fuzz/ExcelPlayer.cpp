@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/fuzz/Promises.h"
 #include "tests/fuzz/ScriptPlayer.h"

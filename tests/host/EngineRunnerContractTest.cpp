@@ -1,6 +1,6 @@
 // The script engine as a ScriptRunner.
 #include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/kit/excel/ScriptRunnerContract.h"
 

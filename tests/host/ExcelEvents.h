@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/Codes.h"
+#include "host/model/Codes.h"
 #include "kit/value/AppleEvent.h"
 
 namespace quorin::host::events {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Address.h"
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/host/ExcelEvents.h"
 

@@ -45,11 +45,53 @@ class IncludeRules(unittest.TestCase):
         self.check("script/A.h", '#include "host/B.h"', "may not include host")
 
     def test_uno_stays_in_its_folder(self):
-        self.check("host/A.cpp", "#include <com/sun/star/uno/Any.h>", "outside host/calc")
+        self.check("host/A.cpp", "#include <com/sun/star/uno/Any.h>", "in host")
+        self.check("host/calc/cells/A.cpp", "#include <com/sun/star/uno/Any.h>", None)
+        self.check("host/calc/grammar/A.cpp", "#include <com/sun/star/uno/Any.h>",
+                   "in host/calc/grammar")
+
+    def test_no_room_includes_one_above_it(self):
+        self.check("host/calc/cells/A.h", '#include "host/calc/workbook/B.h"', None)
+        self.check("host/calc/cells/A.h", '#include "host/calc/evaluation/B.h"',
+                   "may not include host/calc/evaluation")
+        self.check("host/calc/cells/A.h", '#include "host/calc/B.h"', "may not include host/calc ")
+        self.check("host/A.h", '#include "host/model/B.h"', "may not include host/model")
+        self.check("script/values/A.h", '#include "script/run/B.h"', "may not include script/run")
+
+    def test_the_document_has_a_row_for_each_folder(self):
+        folders = subprocess.run(
+            [sys.executable, "-B", "-c", "import include_rules; print(*include_rules.ALLOWED)"],
+            cwd=HERE, capture_output=True, text=True, check=True).stdout.split()
+        whole = "x\n| folder |\n" + "".join(f"| `{name}` | y |\n" for name in folders) + "\n"
+
+        def told(text):
+            return run("include_rules.py", {"docs/architecture.md": text})
+        self.assertEqual(told(whole)[0], 0)
+        self.assertIn("no row for kit/marks", told(whole.replace("| `kit/marks` | y |\n", ""))[1])
+        self.assertIn("there is no kit/none",
+                      told(whole.replace("| folder |", "| folder |\n| `kit/none` | y |"))[1])
 
     def test_platform_conditionals_stay_in_their_folders(self):
         self.check("kit/value/A.h", "#ifdef __APPLE__", "platform conditional")
         self.check("app/macos/A.h", "#ifdef __APPLE__", None)
+
+
+class DocPaths(unittest.TestCase):
+    def check(self, line, expected):
+        status, text = run("doc_paths.py", {"README.md": line + "\n", "docs/a.md": "",
+                                            "kit/marks/Store.h": ""})
+        self.assertEqual(status, 1 if expected else 0, text)
+        if expected:
+            self.assertIn(expected, text)
+
+    def test_what_is_there_passes(self):
+        self.check("`kit/marks`, `kit/marks/Store.h`, `kit/marks/Store`, `kit/*/*.h`, `kit/`", None)
+        self.check("`qx.bridge`, `and/or`, [a](docs/a.md#part), [b](https://example.org/b)", None)
+
+    def test_what_is_not_there_fails(self):
+        self.check("see `kit/marks/Stores.h`", "there is no kit/marks/Stores.h")
+        self.check("see `kit/*/*.cpp`", "there is no kit/*/*.cpp")
+        self.check("see [this](docs/b.md)", "leads nowhere: docs/b.md")
 
 
 class StdIncludes(unittest.TestCase):

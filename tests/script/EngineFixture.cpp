@@ -1,7 +1,7 @@
 #include "tests/script/EngineFixture.h"
 
-#include "script/Display.h"
-#include "script/ValueDescriptors.h"
+#include "script/values/Display.h"
+#include "script/values/ValueDescriptors.h"
 
 namespace quorin::script {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "script/Lexer.h"
+#include "script/lex/Lexer.h"
 
 namespace quorin::script {
 namespace {

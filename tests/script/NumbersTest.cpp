@@ -1,7 +1,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "script/Numbers.h"
+#include "script/lex/Numbers.h"
 
 namespace quorin::script {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "script/Application.h"
-#include "script/Terminology.h"
+#include "script/terms/Application.h"
+#include "script/terms/Terminology.h"
 
 namespace quorin::script {
 

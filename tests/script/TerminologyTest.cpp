@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/dictionary/ExcelTerminology.h"
-#include "script/Terminology.h"
+#include "script/terms/Terminology.h"
 
 namespace quorin::script {
 namespace {

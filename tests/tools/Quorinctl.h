@@ -14,7 +14,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "host/calc/OfficeFiles.h"
+#include "host/calc/uno/OfficeFiles.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
 #include "tests/fakes/TemporaryFolder.h"

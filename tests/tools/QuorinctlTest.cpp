@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <string_view>
 
-#include "host/calc/OfficeFiles.h"
+#include "host/calc/uno/OfficeFiles.h"
 #include "kit/support/FolderLock.h"
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"

@@ -3,8 +3,8 @@
 #include <system_error>
 #include <utility>
 
-#include "host/calc/PrivateOffice.h"
-#include "host/calc/RunningOffice.h"
+#include "host/calc/office/PrivateOffice.h"
+#include "host/calc/office/RunningOffice.h"
 #include "kit/platform/XDGFolders.h"
 #include "tools/quorinctl/Targets.h"
 

@@ -5,9 +5,7 @@
 #include <exception>
 #include <utility>
 
-#include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
-#include "host/calc/CalcSpreadsheet.h"
+#include "host/calc/CalcRunner.h"
 #include "kit/marks/ShownLinesFile.h"
 
 namespace quorin::ctl {
@@ -31,15 +29,15 @@ Session::Session(Parts parts)
   const ShownLinesFile traces(parts.records, FileSystem::real(), &log_);
   const ScriptRunnerFactory factory = [this, office, traces](CallThreadPost post) {
     post_ = std::move(post);
-    auto spreadsheet =
-        std::make_unique<host::calc::CalcSpreadsheet>(std::move(*office), officeStart);
-    spreadsheet_ = spreadsheet.get();
-    spreadsheet_->keepTracesIn(host::calc::TraceKeeping::in(traces));
-    spreadsheet_->onNotice([this](const std::string& text) { log_.log("UNHIDE", text); });
-    spreadsheet_->onKeeperLost(
-        [this, post = post_] { post([this] { spreadsheet_->protectMarks(); }); });
-    return std::make_unique<host::EngineRunner>(
-        std::make_unique<host::ExcelObjectModel>(std::move(spreadsheet)));
+    host::calc::CalcOptions options;
+    options.patience = officeStart;
+    options.traces = host::calc::TraceKeeping::in(traces);
+    options.notice = [this](const std::string& text) { log_.log("UNHIDE", text); };
+    options.post = post_;
+    host::calc::CalcRunner calc =
+        host::calc::makeCalcRunner(std::move(*office), std::move(options));
+    spreadsheet_ = calc.spreadsheet;
+    return std::move(calc.runner);
   };
   ExcelThread::Options options;
   options.stopWait = officeEnd;

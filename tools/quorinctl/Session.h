@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "host/calc/OfficeSource.h"
+#include "host/calc/office/OfficeSource.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/ExcelThread.h"
 #include "kit/support/SerialQueue.h"

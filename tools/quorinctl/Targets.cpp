@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/OfficeProcess.h"
+#include "host/calc/office/OfficeProcess.h"
+#include "host/calc/uno/OfficeFiles.h"
 
 namespace quorin::ctl {
 

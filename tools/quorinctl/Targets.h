@@ -8,7 +8,7 @@
 #include <string>
 #include <sys/types.h>
 
-#include "host/calc/OfficeDiscovery.h"
+#include "host/calc/office/OfficeDiscovery.h"
 #include "kit/platform/TargetApplication.h"
 
 namespace quorin::ctl {

@@ -3,7 +3,7 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <vector>
 
-#include "host/calc/CalcRanges.h"
+#include "host/calc/workbook/CalcRanges.h"
 
 namespace quorin::host::calc {
 

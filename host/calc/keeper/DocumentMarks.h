@@ -11,10 +11,10 @@
 #include <optional>
 #include <vector>
 
-#include "host/calc/CalcWorkbooks.h"
-#include "host/calc/MarkShape.h"
-#include "host/calc/Owner.h"
-#include "host/calc/QuietChanges.h"
+#include "host/calc/marks/MarkShape.h"
+#include "host/calc/marks/Owner.h"
+#include "host/calc/workbook/CalcWorkbooks.h"
+#include "host/calc/workbook/QuietChanges.h"
 
 namespace quorin::host::calc {
 

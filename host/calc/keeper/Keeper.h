@@ -8,9 +8,9 @@
 #include <optional>
 #include <string>
 
-#include "host/calc/OfficeConnection.h"
 #include "host/calc/keeper/MarkFollower.h"
 #include "host/calc/keeper/SaveHook.h"
+#include "host/calc/office/OfficeConnection.h"
 
 namespace quorin::host::calc {
 

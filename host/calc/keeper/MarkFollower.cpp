@@ -10,9 +10,9 @@
 #include <filesystem>
 #include <iterator>
 
-#include "host/calc/CalcRanges.h"
-#include "host/calc/OfficeFiles.h"
-#include "host/calc/Text.h"
+#include "host/calc/uno/OfficeFiles.h"
+#include "host/calc/uno/Text.h"
+#include "host/calc/workbook/CalcRanges.h"
 
 namespace quorin::host::calc {
 namespace {

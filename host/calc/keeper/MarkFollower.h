@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "host/calc/LinesBack.h"
 #include "host/calc/keeper/SaveHook.h"
 #include "host/calc/keeper/TakenLines.h"
 #include "host/calc/keeper/UndoList.h"
+#include "host/calc/reveal/LinesBack.h"
 
 namespace quorin::host::calc {
 

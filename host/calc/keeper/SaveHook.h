@@ -13,9 +13,9 @@
 #include <optional>
 #include <vector>
 
-#include "host/calc/LinesBack.h"
-#include "host/calc/LinesNote.h"
 #include "host/calc/keeper/DocumentMarks.h"
+#include "host/calc/reveal/LinesBack.h"
+#include "host/calc/reveal/LinesNote.h"
 
 namespace quorin::host::calc {
 

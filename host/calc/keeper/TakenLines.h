@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "host/calc/ShownLines.h"
 #include "host/calc/keeper/UndoList.h"
+#include "host/calc/reveal/ShownLines.h"
 
 namespace quorin::host::calc {
 

@@ -1,7 +1,7 @@
 #include "tests/kit/crash/VictimWork.h"
 
 #include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "kit/bridge/Bridge.h"
 #include "tests/fakes/FaultyFileSystem.h"
 

@@ -10,7 +10,7 @@
 
 #include "host/Address.h"
 #include "host/EngineRunner.h"
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/value/Marshal.h"
 #include "tests/fakes/LogLines.h"

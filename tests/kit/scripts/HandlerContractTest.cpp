@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/fakes/QuirkyExcel.h"
 #include "tests/kit/scripts/EngineConversation.h"

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "host/Address.h"
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/fakes/QuirkyExcel.h"
 #include "tests/kit/scripts/EngineConversation.h"

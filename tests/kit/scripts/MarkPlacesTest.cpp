@@ -2,7 +2,7 @@
 // does not take them together.
 #include <algorithm>
 
-#include "host/Codes.h"
+#include "host/model/Codes.h"
 #include "tests/kit/scripts/LibraryFixture.h"
 
 namespace quorin {

@@ -1,5 +1,5 @@
 // qx_readrange, qx_errcol, qx_readformulas, and the binding of addresses.
-#include "host/Codes.h"
+#include "host/model/Codes.h"
 #include "tests/fakes/QuirkyAnswers.h"
 #include "tests/kit/scripts/LibraryFixture.h"
 

@@ -1,6 +1,6 @@
 #include "tests/macos/runtime/foundation/Excel.h"
 
-#include "host/ExcelObjectModel.h"
+#include "host/model/ExcelObjectModel.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 
 namespace quorin {

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "script/Application.h"
+#include "script/terms/Application.h"
 
 namespace quorin {
 

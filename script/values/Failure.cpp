@@ -1,0 +1,28 @@
+#include "script/values/Failure.h"
+
+#include "script/values/Display.h"
+
+namespace quorin::script {
+
+void failCannotGet(const std::string& what, Value offender) {
+  throw Failure{error::noSuchObject, "Can't get " + what + ".", std::move(offender)};
+}
+
+void failCannotCoerce(const Value& value, FourCharCode type) {
+  throw Failure{
+      error::cannotCoerce,
+      "Can't make " + displayText(value) + " into type " + displayClass(type, nullptr) + ".",
+      value,
+      {},
+      Value::type(type)};
+}
+
+void failStackOverflow() {
+  throw Failure{error::stackOverflow, "Stack overflow."};
+}
+
+void failOutOfMemory() {
+  throw Failure{error::outOfMemory, "Out of memory."};
+}
+
+}  // namespace quorin::script
