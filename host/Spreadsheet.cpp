@@ -1,11 +1,14 @@
 // What a spreadsheet answers that does not offer a part of the port.
 #include "host/Spreadsheet.h"
 
+#include "kit/value/EventErrors.h"
+
 namespace quorin::host {
 namespace {
 
 [[noreturn]] void refuse(const char* what) {
-  throw SpreadsheetError(-1708, std::string("This spreadsheet does not ") + what + ".");
+  throw SpreadsheetError(eventErrors::notUnderstood,
+                         std::string("This spreadsheet does not ") + what + ".");
 }
 
 }  // namespace

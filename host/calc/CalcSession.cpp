@@ -15,11 +15,11 @@
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
 #include "host/calc/workbook/CalcView.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
 
-constexpr int noKeeper = -10000;  // can be had
 constexpr const char* opened = "made visible by the user";
 
 Area areaOf(Lines kind, int number) {
@@ -86,7 +86,7 @@ void CalcSession::takeTurn(const Workbook& workbook, bool adding) {
     turn_.emplace(keeper_, turnWorkbook_);
   } catch (const SpreadsheetError& failure) {
     // Marks that are there can still be read and taken away.
-    if (adding || failure.number() != noKeeper) throw;
+    if (adding || failure.number() != eventErrors::handlerFailed) throw;
   }
 }
 
@@ -146,7 +146,7 @@ void CalcSession::protectMarks() {
       try {
         protectMarks(book);
       } catch (const SpreadsheetError& failure) {
-        if (failure.number() != noKeeper) throw;
+        if (failure.number() != eventErrors::handlerFailed) throw;
         takeBackUnprotected(book);
       }
     }
@@ -252,7 +252,8 @@ void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>
     takeTurn(book, true);
   } catch (const SpreadsheetError& failure) {
     // Somebody has recorded them all the same, and what the user shows is not to be hidden.
-    if (failure.number() == noKeeper) shown_.remember(book, sheet, kind, {}, states, {}, numbers);
+    if (failure.number() == eventErrors::handlerFailed)
+      shown_.remember(book, sheet, kind, {}, states, {}, numbers);
     throw;
   }
   ShownLines::Entries outdated;

@@ -15,6 +15,7 @@
 #include "host/calc/office/AskedNetwork.h"
 #include "host/calc/workbook/CalcRanges.h"
 #include "host/calc/workbook/CalcView.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
@@ -325,7 +326,8 @@ void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
   });
   for (const Area& area : range.areas) {
     if (lineCount(area, lines) > mostAtATime)
-      throw SpreadsheetError(-10000, "No more than 1000 rows or columns at a time");
+      throw SpreadsheetError(eventErrors::handlerFailed,
+                             "No more than 1000 rows or columns at a time");
     for (int number = firstLine(area, lines); number <= lastLine(area, lines); ++number)
       lineRequests_.push_back({{sheet, lines, number}, hide});
   }

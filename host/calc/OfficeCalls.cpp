@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "kit/value/EventErrors.h"
+
 namespace quorin::host::calc {
 
 OfficeCalls::OfficeCalls(std::shared_ptr<OfficeSource> source, std::chrono::milliseconds patience,
@@ -33,7 +35,7 @@ CalcSession* OfficeCalls::livingSession() {
 }
 
 CalcSession& OfficeCalls::connected() {
-  if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
+  if (quitting_) throw SpreadsheetError(eventErrors::notRunning, "Quorin is quitting");
   if (session_ && session_->connection().isAlive()) return *session_;
   disconnect();
   auto fresh =
@@ -59,8 +61,8 @@ void OfficeCalls::forgetRead() {
     return;
   }
   disconnect();
-  if (quitting_) throw SpreadsheetError(-600, "Quorin is quitting");
-  throw SpreadsheetError(-609, "LibreOffice ended during the call");
+  if (quitting_) throw SpreadsheetError(eventErrors::notRunning, "Quorin is quitting");
+  throw SpreadsheetError(eventErrors::connectionLost, "LibreOffice ended during the call");
 }
 
 }  // namespace quorin::host::calc

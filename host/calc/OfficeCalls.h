@@ -17,6 +17,7 @@
 #include "host/calc/RequestMemory.h"
 #include "host/calc/office/OfficeSource.h"
 #include "host/calc/uno/Text.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
@@ -52,12 +53,15 @@ class OfficeCalls {
       } catch (const css::lang::DisposedException&) {
         forgetRead();
         // One that is still found is not gone, whatever it says.
-        if (!again) throw SpreadsheetError(-10000, "The workbook is being closed");
+        if (!again)
+          throw SpreadsheetError(eventErrors::handlerFailed, "The workbook is being closed");
       } catch (const css::uno::RuntimeException& failure) {
         forgetRead();
-        throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
+        throw SpreadsheetError(eventErrors::handlerFailed,
+                               "LibreOffice refused: " + toText(failure.Message));
       } catch (const css::uno::Exception& failure) {
-        throw SpreadsheetError(-10000, "LibreOffice refused: " + toText(failure.Message));
+        throw SpreadsheetError(eventErrors::handlerFailed,
+                               "LibreOffice refused: " + toText(failure.Message));
       }
     }
   }

@@ -6,6 +6,7 @@
 #include "host/model/ObjectClass.h"
 #include "host/model/RangeText.h"
 #include "host/model/Windows.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -16,7 +17,7 @@ using Element = ElementEntry<ApplicationObject>;
 
 void setFlag(bool& flag, const Descriptor& value) {
   const auto given = value.booleanValue();
-  if (!given) throw EventError(EventError::parameterError);
+  if (!given) throw EventError(eventErrors::badParameter);
   flag = *given;
 }
 

@@ -4,6 +4,7 @@
 #include "host/model/Answers.h"
 #include "host/model/Codes.h"
 #include "host/model/ObjectClass.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -19,14 +20,14 @@ constexpr FourCharCode typeCode(ConditionKind kind) {
 
 Resolved formula1(Session&, const ConditionObject& object) {
   if (object.condition.formula.empty())
-    throw EventError(EventError::noSuchObject, specifierOf(Object(object)));
+    throw EventError(eventErrors::noSuchObject, specifierOf(Object(object)));
   return Descriptor::text(object.condition.formula);
 }
 
 void setPriority(Session& session, const ConditionObject& object, const Descriptor& value) {
   const auto priority = value.integerValue();
   if (!priority || *priority < 1 || *priority > 1'000'000)
-    throw EventError(EventError::parameterError, specifierOf(Object(object)));
+    throw EventError(eventErrors::badParameter, specifierOf(Object(object)));
   session.spreadsheet.setConditionPriority(object.range.sheet, object.condition.id,
                                            static_cast<int>(*priority));
 }
@@ -67,11 +68,11 @@ Resolved color(Session&, const InteriorObject& object) {
 void setColor(Session& session, const InteriorObject& object, const Descriptor& value) {
   std::array<int, 3> parts{};
   if (value.type() != codes::list || value.items().size() != parts.size())
-    throw EventError(EventError::notWritable, specifierOf(Object(object)));
+    throw EventError(eventErrors::notModifiable, specifierOf(Object(object)));
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const auto part = value.items()[i].integerValue();
     if (!part || *part < 0 || *part > 255)
-      throw EventError(EventError::notWritable, specifierOf(Object(object)));
+      throw EventError(eventErrors::notModifiable, specifierOf(Object(object)));
     parts.at(i) = static_cast<int>(*part);
   }
   session.spreadsheet.setConditionFill(object.condition.range.sheet, object.condition.condition.id,
@@ -85,7 +86,7 @@ Resolved colorIndex(Session&, const InteriorObject& object) {
 
 void setColorIndex(Session& session, const InteriorObject& object, const Descriptor& value) {
   if (value.codeValue() != codes::colorIndexNone)
-    throw EventError(EventError::notWritable, specifierOf(Object(object)));
+    throw EventError(eventErrors::notModifiable, specifierOf(Object(object)));
   session.spreadsheet.setConditionFill(object.condition.range.sheet, object.condition.condition.id,
                                        std::nullopt);
 }

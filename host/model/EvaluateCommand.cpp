@@ -3,6 +3,7 @@
 #include "host/model/Codes.h"
 #include "host/model/Commands.h"
 #include "host/model/Resolver.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -20,7 +21,7 @@ SheetRef contextOf(Session& session, const AppleEvent& event) {
     if (book != nullptr) return session.spreadsheet.activeSheetOf(book->name);
   }
   const auto active = session.spreadsheet.activeSheet();
-  if (!active) throw EventError(EventError::noSuchObject);
+  if (!active) throw EventError(eventErrors::noSuchObject);
   return *active;
 }
 
@@ -29,7 +30,7 @@ struct EvaluationAnswer {
   // The event fails instead, so that asking for a value never yields something else: -1708 is what
   // callers take for "this expression has no value" and look for the error's name on.
   Descriptor operator()(CellValue&& value) const {
-    if (std::holds_alternative<CellError>(value)) throw EventError(EventError::notUnderstood);
+    if (std::holds_alternative<CellError>(value)) throw EventError(eventErrors::notUnderstood);
     return valueAnswer(std::move(value));
   }
   Descriptor operator()(Grid<CellValue>&& grid) const {
@@ -43,9 +44,9 @@ struct EvaluationAnswer {
 
 CommandResult evaluateCommand(Session& session, const AppleEvent& event) {
   const Descriptor* const given = event.parameter(codes::name);
-  if (given == nullptr) throw EventError(EventError::missingParameter);
+  if (given == nullptr) throw EventError(eventErrors::missingParameter);
   const auto text = given->stringValue();
-  if (!text) throw EventError(EventError::parameterError, *given);
+  if (!text) throw EventError(eventErrors::badParameter, *given);
   std::string_view expression = *text;
   if (expression.starts_with('=')) expression.remove_prefix(1);
   return std::visit(EvaluationAnswer(), session.spreadsheet.evaluate(std::string(expression),

@@ -4,6 +4,7 @@
 
 #include "host/model/Codes.h"
 #include "host/model/Commands.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -48,13 +49,13 @@ AppleEventReply answerEvent(Session& session, const AppleEvent& event) {
     for (const CommandEntry& entry : commands)
       if (entry.suite == event.eventClass && entry.command == event.eventID)
         return {entry.answer(session, event), std::nullopt};
-    return failure(event, EventError::notUnderstood, {}, std::nullopt);
+    return failure(event, eventErrors::notUnderstood, {}, std::nullopt);
   } catch (const EventError& error) {
     return failure(event, error.number(), error.what(), error.offender());
   } catch (const SpreadsheetError& error) {
     return failure(event, error.number(), error.what(), std::nullopt);
   } catch (const std::exception& error) {
-    return failure(event, EventError::handlerFailed, error.what(), std::nullopt);
+    return failure(event, eventErrors::handlerFailed, error.what(), std::nullopt);
   }
 }
 

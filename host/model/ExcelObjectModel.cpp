@@ -2,6 +2,7 @@
 
 #include "host/dictionary/ExcelTerminology.h"
 #include "host/model/EventAnswers.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 
@@ -43,7 +44,7 @@ AppleEventReply ExcelObjectModel::send(const AppleEvent& event, std::chrono::mil
   if (timeout.count() > 0) session_.spreadsheet.eventBegins(started + timeout);
   AppleEventReply reply = answerEvent(session_, event);
   if (clock_() - started > timeout)
-    return {std::nullopt, AppleEventError{EventError::timedOut, "AppleEvent timed out.", {}}};
+    return {std::nullopt, AppleEventError{eventErrors::timedOut, "AppleEvent timed out.", {}}};
   return reply;
 }
 

@@ -5,6 +5,7 @@
 #include "host/model/Codes.h"
 #include "host/model/ObjectClass.h"
 #include "host/model/RangeText.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -23,7 +24,7 @@ Resolved referenceRange(Session& session, const NamedItemObject& item) {
   std::string_view text = item.name.refersTo;
   if (text.starts_with('=')) text.remove_prefix(1);
   auto range = bindReference(session, from, text);
-  if (!range) throw EventError(EventError::noSuchObject, specifierOf(Object(item)));
+  if (!range) throw EventError(eventErrors::noSuchObject, specifierOf(Object(item)));
   return Object(RangeObject{std::move(*range)});
 }
 
@@ -33,7 +34,7 @@ Resolved entryIndex(Session& session, const NamedItemObject& item) {
     ++index;
     if (each == item.name) return Descriptor::integer(index);
   }
-  throw EventError(EventError::noSuchObject, specifierOf(Object(item)));
+  throw EventError(eventErrors::noSuchObject, specifierOf(Object(item)));
 }
 
 const std::array properties = {

@@ -8,6 +8,7 @@
 #include "host/model/Answers.h"
 #include "host/model/Codes.h"
 #include "host/model/ObjectClass.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -22,7 +23,7 @@ constexpr long long mostCellsRead = 2'000'000;
 
 const RangeRef& readable(const RangeObject& object) {
   if (cellCount({object.range.areas.front()}) > mostCellsRead)
-    throw EventError(EventError::parameterError, specifierOf(object.range),
+    throw EventError(eventErrors::badParameter, specifierOf(object.range),
                      "The range is too large to be read at once.");
   return object.range;
 }
@@ -74,7 +75,7 @@ std::optional<Lines> wholeLines(const RangeRef& range) {
 template <DependentLevels levels>
 Resolved dependents(Session& session, const RangeObject& object) {
   auto found = session.spreadsheet.dependents(object.range, levels);
-  if (!found) throw EventError(EventError::notUnderstood, specifierOf(object.range));
+  if (!found) throw EventError(eventErrors::notUnderstood, specifierOf(object.range));
   return Object(RangeObject{std::move(*found)});
 }
 
@@ -109,7 +110,7 @@ Resolved hidden(Session& session, const RangeObject& object) {
 void setHidden(Session& session, const RangeObject& object, const Descriptor& value) {
   const auto lines = wholeLines(object.range);
   const auto flag = value.booleanValue();
-  if (!lines || !flag) throw EventError(EventError::notWritable, specifierOf(object.range));
+  if (!lines || !flag) throw EventError(eventErrors::notModifiable, specifierOf(object.range));
   session.spreadsheet.setHidden(object.range, *lines, *flag);
 }
 
@@ -117,7 +118,7 @@ void setHidden(Session& session, const RangeObject& object, const Descriptor& va
 void setFormula(Session& session, const RangeObject& object, const Descriptor& value) {
   const auto text = value.stringValue();
   if (!text || cellCount(object.range.areas) != 1)
-    throw EventError(EventError::notWritable, specifierOf(object.range));
+    throw EventError(eventErrors::notModifiable, specifierOf(object.range));
   session.spreadsheet.setFormula(object.range, std::string(*text));
 }
 
@@ -174,7 +175,7 @@ Object cellAt(Session&, const RangeObject& object, long long index) {
     const int column = area.firstColumn + static_cast<int>((index - 1) % columnCount(area));
     return part(object, {row, column, row, column});
   }
-  throw EventError(EventError::noSuchObject);
+  throw EventError(eventErrors::noSuchObject);
 }
 
 long long cellsOfRange(Session&, const RangeObject& object) {

@@ -6,6 +6,7 @@
 #include "host/model/Codes.h"
 #include "host/model/Commands.h"
 #include "host/model/Resolver.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -59,12 +60,12 @@ CommandResult unionCommand(Session& session, const AppleEvent& event) {
   for (int number = 1; number <= 30; ++number) {
     const Descriptor* const given = event.parameter(rangeLabel(number));
     if (given == nullptr) {
-      if (number <= 2) throw EventError(EventError::missingParameter);
+      if (number <= 2) throw EventError(eventErrors::missingParameter);
       continue;
     }
     const RangeRef range = resolveRange(session, *given);
     if (!whole) whole = RangeRef{range.sheet, {}};
-    if (range.sheet != whole->sheet) throw EventError(EventError::parameterError, *given);
+    if (range.sheet != whole->sheet) throw EventError(eventErrors::badParameter, *given);
     for (const Area& area : range.areas) add(whole->areas, area);
   }
   return specifierOf(*whole);
@@ -90,10 +91,10 @@ CommandResult getAddressCommand(Session& session, const AppleEvent& event) {
 CommandResult specialCellsCommand(Session& session, const AppleEvent& event) {
   const RangeRef range = resolveRange(session, directObject(event));
   const Descriptor* const type = event.parameter(codes::specialCellsType);
-  if (type == nullptr) throw EventError(EventError::missingParameter);
+  if (type == nullptr) throw EventError(eventErrors::missingParameter);
   auto found = type->codeValue() == codes::cellTypeVisible ? session.spreadsheet.visibleCells(range)
                                                            : std::optional<RangeRef>();
-  if (!found) throw EventError(EventError::parameterError, specifierOf(range));
+  if (!found) throw EventError(eventErrors::badParameter, specifierOf(range));
   return specifierOf(*found);
 }
 

@@ -10,6 +10,7 @@
 #include "host/model/ObjectClass.h"
 #include "host/model/RangeText.h"
 #include "host/model/WhoseTest.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -61,7 +62,7 @@ Resolution propertyOfEach(Session& session, const Objects& objects, FourCharCode
         std::visit([&](const auto& typed) { return propertyOf(session, typed, code); }, object);
     values.push_back(asValue(session, std::move(value.what)));
     listed += valuesIn(values.back());
-    if (listed > mostValuesListed) throw EventError(EventError::parameterError);
+    if (listed > mostValuesListed) throw EventError(eventErrors::badParameter);
   }
   if (values.empty()) return {Descriptor::missingValue()};
   return {Descriptor::list(std::move(values))};
@@ -169,7 +170,7 @@ Resolution resolveAt(Session& session, const Descriptor& specifier, const Object
   if (specifier.type() == codes::null) return {Object(ApplicationObject())};
   if (specifier.type() == codes::examined && examined != nullptr) return {*examined};
   if (specifier.type() != codes::objectSpecifier) return {specifier};
-  if (depth > deepestChain) throw EventError(EventError::noSuchObject);
+  if (depth > deepestChain) throw EventError(eventErrors::noSuchObject);
   const Resolved container =
       resolveAt(session, part(specifier, codes::container), examined, depth + 1).what;
   try {
@@ -183,10 +184,10 @@ Resolution resolveAt(Session& session, const Descriptor& specifier, const Object
     return {std::visit([&](const auto& typed) { return elementOf(session, typed, specifier); },
                        *owner)};
   } catch (const NotThere&) {
-    throw EventError(EventError::noSuchObject, specifier);
+    throw EventError(eventErrors::noSuchObject, specifier);
   } catch (const SpreadsheetError& error) {
-    if (error.number() != EventError::noSuchObject) throw;
-    throw EventError(EventError::noSuchObject, specifier, error.what());
+    if (error.number() != eventErrors::noSuchObject) throw;
+    throw EventError(eventErrors::noSuchObject, specifier, error.what());
   }
 }
 
@@ -208,14 +209,14 @@ Descriptor valueFor(Session& session, const Descriptor& operand, const Object& e
 Object resolveObject(Session& session, const Descriptor& given) {
   Resolved what = resolve(session, given).what;
   auto* const object = std::get_if<Object>(&what);
-  if (object == nullptr) throw EventError(EventError::notUnderstood, given);
+  if (object == nullptr) throw EventError(eventErrors::notUnderstood, given);
   return std::move(*object);
 }
 
 RangeRef resolveRange(Session& session, const Descriptor& given) {
   if (const auto text = given.stringValue()) {
     auto bound = bindRangeText(session, std::nullopt, *text);
-    if (!bound) throw EventError(EventError::noSuchObject, given);
+    if (!bound) throw EventError(eventErrors::noSuchObject, given);
     return std::move(*bound);
   }
   const Resolved what = resolve(session, given).what;
@@ -226,18 +227,18 @@ RangeRef resolveRange(Session& session, const Descriptor& given) {
     if (range != nullptr && areAll(session, *elements)) return range->range;
   } else if (const auto* const value = std::get_if<Descriptor>(&what)) {
     // The selection of no workbook.
-    if (value->isMissingValue()) throw EventError(EventError::noSuchObject, given);
+    if (value->isMissingValue()) throw EventError(eventErrors::noSuchObject, given);
   }
-  throw EventError(EventError::notUnderstood, given);
+  throw EventError(eventErrors::notUnderstood, given);
 }
 
 void setProperty(Session& session, const Descriptor& specifier, const Descriptor& value) {
   if (part(specifier, codes::keyForm).codeValue() != codes::formProperty)
-    throw EventError(EventError::notWritable, specifier);
+    throw EventError(eventErrors::notModifiable, specifier);
   const auto code = part(specifier, codes::keyData).codeValue();
   const Resolved container = resolve(session, part(specifier, codes::container)).what;
   if (std::holds_alternative<Descriptor>(container) || !code)
-    throw EventError(EventError::notWritable, specifier);
+    throw EventError(eventErrors::notModifiable, specifier);
   const auto* const single = std::get_if<Object>(&container);
   const Objects objects = single != nullptr ? Objects{*single} : objectsOf(session, container);
   for (const Object& object : objects)
@@ -245,7 +246,7 @@ void setProperty(Session& session, const Descriptor& specifier, const Descriptor
         [&](const auto& typed) {
           const auto* const entry = classTable(typed).property(*code);
           if (entry == nullptr || entry->set == nullptr)
-            throw EventError(EventError::notWritable, specifier);
+            throw EventError(eventErrors::notModifiable, specifier);
           entry->set(session, typed, value);
         },
         object);
@@ -265,7 +266,7 @@ Objects objectsOf(Session& session, const Elements& elements) {
         const auto& entry = *classTable(owner).element(elements.elementClass);
         if (entry.all != nullptr && areAll(session, elements)) return entry.all(session, owner);
         if (elements.last - elements.first >= mostElementsListed)
-          throw EventError(EventError::parameterError, specifierOf(elements.owner));
+          throw EventError(eventErrors::badParameter, specifierOf(elements.owner));
         std::vector<Object> objects;
         for (long long i = elements.first; i <= elements.last; ++i)
           objects.push_back(entry.at(session, owner, i));
@@ -278,7 +279,7 @@ long long countOf(Session& session, const Object& owner, FourCharCode elementCla
   return std::visit(
       [&](const auto& typed) {
         const auto* const entry = classTable(typed).element(elementClass);
-        if (entry == nullptr) throw EventError(EventError::noSuchObject, specifierOf(owner));
+        if (entry == nullptr) throw EventError(eventErrors::noSuchObject, specifierOf(owner));
         return entry->count(session, typed);
       },
       owner);

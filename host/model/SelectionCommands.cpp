@@ -2,6 +2,7 @@
 #include "host/model/Codes.h"
 #include "host/model/Commands.h"
 #include "host/model/Resolver.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -20,7 +21,7 @@ void bringForward(Session& session, const Descriptor& given, F withRange) {
   if (const auto* const book = std::get_if<WorkbookObject>(object))
     return session.spreadsheet.activateWorkbook(book->name);
   if (const auto* const range = std::get_if<RangeObject>(object)) return withRange(range->range);
-  throw EventError(EventError::notUnderstood, given);
+  throw EventError(eventErrors::notUnderstood, given);
 }
 
 }  // namespace
@@ -45,7 +46,7 @@ CommandResult activateObjectCommand(Session& session, const AppleEvent& event) {
 // Without a reference Excel goes back to where it was before; that is not kept here.
 CommandResult goToCommand(Session& session, const AppleEvent& event) {
   const Descriptor* const reference = event.parameter(codes::goToReference);
-  if (reference == nullptr) throw EventError(EventError::missingParameter);
+  if (reference == nullptr) throw EventError(eventErrors::missingParameter);
   const RangeRef range = resolveRange(session, *reference);
   session.spreadsheet.goTo(range);
   if (flag(event, codes::goToScroll, false)) session.spreadsheet.scrollTo(range);

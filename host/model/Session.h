@@ -25,15 +25,6 @@ struct Session {
 // from the offending object.
 class EventError : public std::runtime_error {
  public:
-  static constexpr int parameterError = -50;
-  static constexpr int notUnderstood = -1708;
-  static constexpr int timedOut = -1712;
-  static constexpr int missingParameter = -1715;
-  static constexpr int noSuchObject = -1728;
-  static constexpr int handlerFailed = -10000;
-  static constexpr int notWritable = -10006;
-  static constexpr int badContainer = -10024;
-
   explicit EventError(int number, std::optional<AppleEventDescriptor> offender = std::nullopt,
                       const std::string& message = {})
       : std::runtime_error(message), number_(number), offender_(std::move(offender)) {}

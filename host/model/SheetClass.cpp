@@ -6,6 +6,7 @@
 #include "host/model/Codes.h"
 #include "host/model/ObjectClass.h"
 #include "host/model/RangeText.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -29,7 +30,7 @@ const std::array properties = {
                for (std::size_t i = 0; i < names.size(); ++i)
                  if (names[i] == object.sheet.sheet)
                    return Descriptor::integer(static_cast<std::int32_t>(i + 1));
-               throw EventError(EventError::noSuchObject);
+               throw EventError(eventErrors::noSuchObject);
              }},
 };
 

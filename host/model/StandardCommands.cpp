@@ -4,6 +4,7 @@
 #include "host/model/Codes.h"
 #include "host/model/Commands.h"
 #include "host/model/Resolver.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -20,7 +21,7 @@ Descriptor specifiersOf(Session& session, const Resolved& found) {
 long long countOfObject(const Object& object, const Descriptor& given) {
   if (const auto* const range = std::get_if<RangeObject>(&object))
     return cellCount(range->range.areas);
-  throw EventError(EventError::notUnderstood, given);
+  throw EventError(eventErrors::notUnderstood, given);
 }
 
 }  // namespace
@@ -28,7 +29,7 @@ long long countOfObject(const Object& object, const Descriptor& given) {
 const Descriptor& directObject(const AppleEvent& event) {
   const Descriptor* direct = event.parameter(keyDirectObject);
   if (direct == nullptr) direct = event.attribute(keySubject);
-  if (direct == nullptr) throw EventError(EventError::missingParameter);
+  if (direct == nullptr) throw EventError(eventErrors::missingParameter);
   return *direct;
 }
 
@@ -48,7 +49,7 @@ CommandResult getCommand(Session& session, const AppleEvent& event) {
 
 CommandResult setCommand(Session& session, const AppleEvent& event) {
   const Descriptor* const value = event.parameter(codes::setTo);
-  if (value == nullptr) throw EventError(EventError::missingParameter);
+  if (value == nullptr) throw EventError(eventErrors::missingParameter);
   setProperty(session, directObject(event), *value);
   return std::nullopt;
 }
@@ -59,7 +60,7 @@ CommandResult countCommand(Session& session, const AppleEvent& event) {
   const Descriptor* const each = event.parameter(codes::countEach);
   if (each != nullptr && each->codeValue()) {
     const auto* const owner = std::get_if<Object>(&what);
-    if (owner == nullptr) throw EventError(EventError::notUnderstood, given);
+    if (owner == nullptr) throw EventError(eventErrors::notUnderstood, given);
     return countAnswer(countOf(session, *owner, *each->codeValue()));
   }
   if (const auto* const elements = std::get_if<Elements>(&what))
@@ -71,7 +72,7 @@ CommandResult countCommand(Session& session, const AppleEvent& event) {
   const Descriptor& value = std::get<Descriptor>(what);
   if (value.type() == codes::list) return countAnswer(std::ssize(value.items()));
   if (value.isMissingValue()) return countAnswer(0);
-  throw EventError(EventError::notUnderstood, given);
+  throw EventError(eventErrors::notUnderstood, given);
 }
 
 CommandResult existsCommand(Session& session, const AppleEvent& event) {
@@ -84,7 +85,7 @@ CommandResult existsCommand(Session& session, const AppleEvent& event) {
     const auto* const value = std::get_if<Descriptor>(&what);
     return Descriptor::boolean(value == nullptr || !value->isMissingValue());
   } catch (const EventError& error) {
-    if (error.number() != EventError::noSuchObject) throw;
+    if (error.number() != eventErrors::noSuchObject) throw;
     return Descriptor::boolean(false);
   }
 }

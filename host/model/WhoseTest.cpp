@@ -6,18 +6,18 @@
 
 #include "host/model/Codes.h"
 #include "host/model/Resolver.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
 
 using Descriptor = AppleEventDescriptor;
 
-constexpr int invalidComparison = -1726;
 constexpr int deepestTest = 50;
 
 const Descriptor& part(const Descriptor& test, FourCharCode keyword) {
   const Descriptor* const field = test.field(keyword);
-  if (field == nullptr) throw EventError(invalidComparison);
+  if (field == nullptr) throw EventError(eventErrors::invalidComparison);
   return *field;
 }
 
@@ -67,12 +67,12 @@ bool holds(FourCharCode relation, const Descriptor& left, const Descriptor& righ
       return relation == codes::beginsWith ? text->starts_with(*sought) : text->ends_with(*sought);
     }
     default:
-      throw EventError(invalidComparison);
+      throw EventError(eventErrors::invalidComparison);
   }
 }
 
 bool passes(Session& session, const Object& object, const Descriptor& test, int depth = 0) {
-  if (depth > deepestTest) throw EventError(invalidComparison);
+  if (depth > deepestTest) throw EventError(eventErrors::invalidComparison);
   if (test.type() == codes::comparison)
     return holds(part(test, codes::relation).codeValue().value_or(0),
                  valueFor(session, part(test, codes::leftOperand), object),
@@ -80,7 +80,7 @@ bool passes(Session& session, const Object& object, const Descriptor& test, int 
   if (test.type() != codes::logical) {
     // A boolean property alone.
     const auto flag = valueFor(session, test, object).booleanValue();
-    if (!flag) throw EventError(invalidComparison);
+    if (!flag) throw EventError(eventErrors::invalidComparison);
     return *flag;
   }
   const auto& terms = part(test, codes::terms).items();
@@ -95,7 +95,7 @@ bool passes(Session& session, const Object& object, const Descriptor& test, int 
     case codes::logicalNot:
       return std::none_of(terms.begin(), terms.end(), term);
     default:
-      throw EventError(invalidComparison);
+      throw EventError(eventErrors::invalidComparison);
   }
 }
 

@@ -7,6 +7,7 @@
 #include "host/model/Codes.h"
 #include "host/model/ObjectClass.h"
 #include "host/model/Windows.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host {
 namespace {
@@ -32,7 +33,7 @@ Resolved selection(Session& session, const WindowObject& window) {
 
 RangeRef shownIn(Session& session, const WindowObject& window) {
   auto shown = window.index == 1 ? session.spreadsheet.visibleRange() : std::optional<RangeRef>();
-  if (!shown) throw EventError(EventError::noSuchObject);
+  if (!shown) throw EventError(eventErrors::noSuchObject);
   return std::move(*shown);
 }
 
@@ -43,7 +44,7 @@ Resolved visibleRange(Session& session, const WindowObject& window) {
 
 int lineNumber(const Descriptor& value, int most) {
   const auto number = value.integerValue();
-  if (!number || *number < 1 || *number > most) throw EventError(EventError::parameterError);
+  if (!number || *number < 1 || *number > most) throw EventError(eventErrors::badParameter);
   return static_cast<int>(*number);
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "kit/value/EventErrors.h"
+
 namespace quorin::host {
 namespace {
 
@@ -19,7 +21,7 @@ std::vector<std::string> inWindowOrder(Session& session) {
 std::string workbookOf(Session& session, const WindowObject& window) {
   const auto books = inWindowOrder(session);
   if (window.index < 1 || window.index > std::ssize(books))
-    throw EventError(EventError::noSuchObject);
+    throw EventError(eventErrors::noSuchObject);
   return books[static_cast<std::size_t>(window.index - 1)];
 }
 

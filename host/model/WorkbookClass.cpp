@@ -6,6 +6,7 @@
 #include "host/model/ObjectClass.h"
 #include "host/model/RangeText.h"
 #include "host/model/Windows.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/Unicode.h"
 
 namespace quorin::host {
@@ -75,7 +76,7 @@ std::vector<Object> allNames(Session& session, const WorkbookObject& book) {
 
 Object onlyWindow(Session& session, const WorkbookObject& book, long long) {
   const auto window = windowOf(session, book.name);
-  if (!window) throw EventError(EventError::noSuchObject);
+  if (!window) throw EventError(eventErrors::noSuchObject);
   return *window;
 }
 

@@ -6,12 +6,11 @@
 
 #include "kit/bridge/LoggedError.h"
 #include "kit/bridge/Verbs.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin {
 
 namespace {
-
-constexpr int applicationNotRunning = -600;
 
 JSONValue errorObject(const std::string& kind, const std::string& message) {
   return JSONValue::Object{{"kind", kind}, {"message", message}};
@@ -39,7 +38,7 @@ Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
     if (verb != "probe" && !excelRunning()) {
       JSONValue::Object error{{"kind", "transport"},
                               {"message", "Excel is not running"},
-                              {"code", applicationNotRunning}};
+                              {"code", eventErrors::notRunning}};
       return {false, std::move(error)};
     }
     const Verb* const known = findVerb(verb);

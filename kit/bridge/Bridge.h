@@ -21,6 +21,7 @@
 #include "kit/platform/TargetApplication.h"
 #include "kit/shapes/RevealShapes.h"
 #include "kit/support/DiagLog.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/JSONValue.h"
 
 namespace quorin {
@@ -105,7 +106,7 @@ class Bridge {
   static constexpr std::size_t MOVE_MAX_ADDRS = 40;
 
   // -1728: the workbook or the sheet is not there any more.
-  static bool isStaleBookError(int code) { return code == -1728; }
+  static bool isStaleBookError(int code) { return code == eventErrors::noSuchObject; }
 
   // {"ok": false, "kind", "message"}: a failure told inside an ok reply.
   static JSONValue fail(const std::string& kind, const std::string& message);

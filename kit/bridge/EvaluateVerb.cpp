@@ -7,6 +7,7 @@
 #include "kit/shapes/DeepEvalShapes.h"
 #include "kit/shapes/ErrorLiterals.h"
 #include "kit/value/CallTerms.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/Marshal.h"
 #include "kit/value/Unicode.h"
 
@@ -16,7 +17,6 @@ namespace {
 
 constexpr double evaluateBudget = 9;
 constexpr std::size_t longestExpression = 255;  // what Excel's evaluate takes, in characters
-constexpr int notUnderstood = -1708;            // Excel has no value for the expression
 constexpr std::string_view errorTag = "__ERR:";
 
 std::size_t characters(const std::string& text) {
@@ -33,7 +33,7 @@ JSONValue Bridge::evaluate(const std::string& expr, bool asked) {
                           " len=" + std::to_string(characters(expr)));
     if (error.code() == ExcelError::timedOut) return fail("timeout", error.message());
     if (error.code() == onlyWhenAsked) return BridgeShapes::onlyWhenAskedFailure(error.message());
-    if (error.code() != notUnderstood) return fail("transport", error.message());
+    if (error.code() != eventErrors::notUnderstood) return fail("transport", error.message());
     return evaluateWrapped(expr, error.message(), asked);
   } catch (const std::exception& error) {
     return fail("transport", error.what());

@@ -5,11 +5,10 @@
 #include <string_view>
 
 #include "kit/excel/ExcelError.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin {
 namespace {
-
-constexpr int cannotCoerce = -1700, cannotDivideByZero = -2701;
 
 // What stands before a value. A name of an object has its class before it: worksheet "Data".
 constexpr std::array<std::string_view, 7> before = {"of ",   "to ",     "get ", "set ",
@@ -66,8 +65,8 @@ std::string loggedText(const std::exception& error) {
   const auto* const excel = dynamic_cast<const ExcelError*>(&error);
   if (!excel) return error.what();
   const std::string message = excel->message();
-  if (excel->code() == cannotDivideByZero) return "a value was to be divided by zero";
-  if (excel->code() != cannotCoerce) return withoutValues(message);
+  if (excel->code() == eventErrors::divideByZero) return "a value was to be divided by zero";
+  if (excel->code() != eventErrors::cannotCoerce) return withoutValues(message);
   const std::size_t type = message.rfind(" into type ");
   return "a value cannot be made" + (type == std::string::npos ? "" : message.substr(type));
 }

@@ -6,6 +6,7 @@
 #include "kit/bridge/RunArguments.h"
 #include "kit/shapes/AddressShapes.h"
 #include "kit/shapes/CellShapes.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin {
 
@@ -56,7 +57,7 @@ JSONValue Bridge::reveal(const std::vector<std::string>& addrs) {
   try {
     answer = thread_.call("qx_revealread", {addr, sheet, active.book}, revealBudget);
   } catch (const ExcelError& error) {
-    if (error.code() != -1728) throw;
+    if (error.code() != eventErrors::noSuchObject) throw;
     log_.log("REVEAL", "skipped reason=unbound sheet=" + sheet + " addr=" + addr);
     return refused("unbound");
   }

@@ -5,6 +5,7 @@
 
 #include "kit/shapes/AddressShapes.h"
 #include "kit/shapes/ShapeError.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/Marshal.h"
 
 namespace quorin::BridgeShapes {
@@ -48,9 +49,9 @@ JSONValue probeObject(const JSONValue& answer) {
 }
 
 std::string probeState(int errorCode) {
-  constexpr int notPermitted = -1743;
-  constexpr int wouldRequireConsent = -1744;
-  return errorCode == notPermitted || errorCode == wouldRequireConsent ? "denied" : "busy";
+  return errorCode == eventErrors::notPermitted || errorCode == eventErrors::wouldRequireConsent
+             ? "denied"
+             : "busy";
 }
 
 JSONValue readCellObject(const JSONValue& answer) {

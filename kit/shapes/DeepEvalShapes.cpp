@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "kit/value/CallTerms.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/Marshal.h"
 #include "kit/value/Unicode.h"
 
@@ -30,9 +31,10 @@ JSONValue deepEvalFailure(const std::string& kind, const std::string& message) {
 
 JSONValue deepEvalFailure(int code, const std::string& message) {
   constexpr int firstRefusal = -9001, lastRefusal = -9005;
-  constexpr int callTimedOut = -9990, eventTimedOut = -1712;
+  constexpr int callTimedOut = -9990;
   if (code >= lastRefusal && code <= firstRefusal) return deepEvalFailure("refused", message);
-  if (code == callTimedOut || code == eventTimedOut) return deepEvalFailure("timeout", message);
+  if (code == callTimedOut || code == eventErrors::timedOut)
+    return deepEvalFailure("timeout", message);
   if (code == onlyWhenAsked) return onlyWhenAskedFailure(message);
   return deepEvalFailure("transport", message);
 }

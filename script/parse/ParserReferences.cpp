@@ -1,4 +1,5 @@
 // Applications, references, places between elements and raw codes.
+#include "kit/value/EventErrors.h"
 #include "script/parse/Parser.h"
 
 namespace quorin::script {
@@ -11,7 +12,8 @@ ExpressionPointer Parser::parseApplication() {
       const Token& name = take();
       Application* application = applications_.identified(name.text);
       if (!application) {
-        fail(name.position, "Can't get application id \"" + name.text + "\".", -1728);
+        fail(name.position, "Can't get application id \"" + name.text + "\".",
+             eventErrors::noSuchObject);
       }
       return make(Literal{ApplicationObject{application}}, since(start));
     }
@@ -20,7 +22,9 @@ ExpressionPointer Parser::parseApplication() {
   if (peek().kind == Token::Kind::string) {
     const Token& name = take();
     Application* application = applications_.named(name.text);
-    if (!application) fail(name.position, "Can't get application \"" + name.text + "\".", -1728);
+    if (!application)
+      fail(name.position, "Can't get application \"" + name.text + "\".",
+           eventErrors::noSuchObject);
     return make(Literal{ApplicationObject{application}}, since(start));
   }
   if (atSymbol("(") || atIdentifier()) {

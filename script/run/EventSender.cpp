@@ -1,5 +1,6 @@
 #include "script/run/EventSender.h"
 
+#include "kit/value/EventErrors.h"
 #include "script/values/Display.h"
 #include "script/values/Failure.h"
 #include "script/values/ValueDescriptors.h"
@@ -55,17 +56,17 @@ std::string cannotSetMessage(const AppleEvent& event, const AppleEventError& err
 std::string standardMessage(int number, const AppleEvent& event, const AppleEventError& error,
                             Application& application) {
   switch (number) {
-    case -128:
+    case eventErrors::userCancelled:
       return "User canceled.";
-    case -50:
+    case eventErrors::badParameter:
       return "Parameter error.";
-    case -108:
+    case eventErrors::outOfMemory:
       return "Out of memory.";
-    case -600:
+    case eventErrors::notRunning:
       return "Application isn't running.";
-    case -609:
+    case eventErrors::connectionLost:
       return "Connection is invalid.";
-    case -1700:
+    case eventErrors::cannotCoerce:
       return "Can't make some data into the expected type.";
     case -1701:
       return "Some parameter is missing for " + commandOf(event, application) + ".";
@@ -75,37 +76,37 @@ std::string standardMessage(int number, const AppleEvent& event, const AppleEven
       return "Some parameter was invalid.";
     case -1705:
       return "Operation involving a list item failed.";
-    case -1708:
+    case eventErrors::notUnderstood:
       return notHandledMessage(event, error, application);
-    case -1712:
+    case eventErrors::timedOut:
       return "AppleEvent timed out.";
     case -1713:
       return "No user interaction allowed.";
-    case -1715:
+    case eventErrors::missingParameter:
       return "Some parameter is missing for " + commandOf(event, application) + ".";
     case -1719:
       return "Can't get " + objectOf(event, error, application) + ". Invalid index.";
     case -1720:
       return "Invalid range.";
-    case -1721:
+    case eventErrors::wrongArguments:
       return commandOf(event, application) + " doesn't match the parameters of the command.";
     case -1723:
       return "Can't get " + objectOf(event, error, application) + ". Access not allowed.";
     case -1725:
       return "The logical term is invalid.";
-    case -1726:
+    case eventErrors::invalidComparison:
       return "Invalid comparison.";
-    case -1728:
+    case eventErrors::noSuchObject:
       return "Can't get " + objectOf(event, error, application) + ".";
     case -1730:
       return "Container specified was an empty list.";
     case -1731:
       return "Unknown object type.";
-    case -1743:
+    case eventErrors::notPermitted:
       return "Not authorized to send Apple events to " + std::string(application.name()) + ".";
     case -1753:
       return "Script error.";
-    case -10000:
+    case eventErrors::handlerFailed:
       return "AppleEvent handler failed.";
     case -10001:
       return "A descriptor type mismatch occurred.";
@@ -117,7 +118,7 @@ std::string standardMessage(int number, const AppleEvent& event, const AppleEven
       return "A privilege violation occurred.";
     case -10005:
       return "The read operation wasn't allowed.";
-    case -10006:
+    case eventErrors::notModifiable:
       return cannotSetMessage(event, error, application);
     case -10007:
       return "The index of the event is too large to be valid.";
@@ -125,7 +126,7 @@ std::string standardMessage(int number, const AppleEvent& event, const AppleEven
       return "The specified object is a property, not an element.";
     case -10011:
       return "Can't make or move that element into that container.";
-    case -10024:
+    case eventErrors::badContainer:
       return "Can't make or move that element into that container.";
     case -10025:
       return "The combination of properties is invalid.";

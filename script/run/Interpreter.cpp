@@ -1,6 +1,7 @@
 // Calls from outside, handlers and their frames, and the limits of a running script.
 #include "script/run/Interpreter.h"
 
+#include "kit/value/EventErrors.h"
 #include "script/terms/Words.h"
 #include "script/values/Coercion.h"
 #include "script/values/Display.h"
@@ -41,9 +42,9 @@ ScriptOutcome Interpreter::call(const AppleEvent& event) {
   } catch (const Failure& failure) {
     outcome.error = ScriptError{failure.number, failure.message};
   } catch (const Stopped&) {
-    outcome.error = ScriptError{error::userCancelled, "User canceled."};
+    outcome.error = ScriptError{eventErrors::userCancelled, "User canceled."};
   } catch (const std::bad_alloc&) {
-    outcome.error = ScriptError{error::outOfMemory, "Out of memory."};
+    outcome.error = ScriptError{eventErrors::outOfMemory, "Out of memory."};
   }
   frame_ = nullptr;
   breakCycles(false);
@@ -94,7 +95,7 @@ void Interpreter::initialize() {
 }
 
 void Interpreter::failNoHandler(const std::string& name) {
-  throw Failure{error::notHandled,
+  throw Failure{eventErrors::notUnderstood,
                 "\xC2\xABscript\xC2\xBB doesn't understand the " + name + " message."};
 }
 
@@ -121,9 +122,9 @@ void Interpreter::bindParameters(const Handler& handler, std::vector<Value>& arg
       names += names.empty() ? "" : ", ";
       names += variable ? handler.symbols[variable->symbol].name : "{...}";
     }
-    throw Failure{error::wrongArguments, displayText(Value::makeList(std::move(arguments))) +
-                                             " doesn't match the parameters {" + names + "} for " +
-                                             handler.name + "."};
+    throw Failure{eventErrors::wrongArguments, displayText(Value::makeList(std::move(arguments))) +
+                                                   " doesn't match the parameters {" + names +
+                                                   "} for " + handler.name + "."};
   }
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const Pattern& parameter = handler.parameters[i];
@@ -154,7 +155,7 @@ std::optional<Value> Interpreter::callByName(const HandlerCall& call) {
   const Handler* handler = program_.find(call.name);
   if (!handler || (call.target && !target.as<ScriptSelf>())) {
     if (!call.target || target.as<ScriptSelf>()) failNoHandler(call.name);
-    throw Failure{error::notHandled,
+    throw Failure{eventErrors::notUnderstood,
                   displayText(target) + " doesn't understand the " + call.name + " message.",
                   target};
   }

@@ -1,4 +1,5 @@
 // Where values are stored: variables, parts of lists and records, objects of applications.
+#include "kit/value/EventErrors.h"
 #include "script/run/Interpreter.h"
 #include "script/run/SpecifierBuilder.h"
 #include "script/terms/Words.h"
@@ -115,7 +116,7 @@ void Interpreter::insert(const Insertion& insertion, Value value) {
   const bool atEnd = insertion.position == fourCharCode("end ");
   const auto* list = object.list();
   if (!list || (!atEnd && insertion.position != fourCharCode("bgng"))) {
-    throw Failure{error::notModifiable,
+    throw Failure{eventErrors::notModifiable,
                   std::string("Can't set ") + (atEnd ? "end" : "beginning") + " of " +
                       displayText(object) + " to " + displayText(value) + ".",
                   object};

@@ -1,4 +1,5 @@
 // Commands: the few that the language answers for its own values, and those sent as events.
+#include "kit/value/EventErrors.h"
 #include "script/run/Interpreter.h"
 #include "script/values/Coercion.h"
 #include "script/values/Display.h"
@@ -49,7 +50,7 @@ std::optional<Value> Interpreter::runCommand(const Command& command) {
       direct.value = dereference(direct.value);
     } catch (const Failure& failure) {
       // What cannot be got of the script's own values does not exist.
-      if (!isExists(term) || failure.number != error::noSuchObject) throw;
+      if (!isExists(term) || failure.number != eventErrors::noSuchObject) throw;
       return false;
     }
   }
@@ -63,7 +64,7 @@ std::optional<Value> Interpreter::runCommand(const Command& command) {
   }
   if (!application) application = frame_->target.application();
   if (!application) {
-    throw Failure{error::notHandled,
+    throw Failure{eventErrors::notUnderstood,
                   displayText(command.direct ? direct.value : frame_->target) +
                       " doesn't understand the " + term.term + " message.",
                   direct.value};
@@ -88,8 +89,8 @@ std::optional<Value> Interpreter::localCommand(const Command& command, const Val
 
 Value Interpreter::countLocal(const Command& command, const Value& direct) {
   if (!direct.list() && !direct.text() && !direct.record()) {
-    throw Failure{error::notHandled, displayText(direct) + " doesn't understand the count message.",
-                  direct};
+    throw Failure{eventErrors::notUnderstood,
+                  displayText(direct) + " doesn't understand the count message.", direct};
   }
   if (command.parameters.empty()) {
     Selector length;

@@ -1,4 +1,5 @@
 // Evaluating expressions that are no objects.
+#include "kit/value/EventErrors.h"
 #include "script/run/Interpreter.h"
 #include "script/values/Coercion.h"
 #include "script/values/Display.h"
@@ -9,7 +10,8 @@ namespace quorin::script {
 Value Interpreter::evaluate(const Expression& expression) {
   std::optional<Value> value = evaluateAny(expression);
   if (!value || value->isNothing()) {
-    throw Failure{error::noResult, "No result was returned from some part of this expression."};
+    throw Failure{eventErrors::noResult,
+                  "No result was returned from some part of this expression."};
   }
   return std::move(*value);
 }
@@ -44,7 +46,8 @@ std::optional<Value> Interpreter::compute(const Expression& expression) {
       const Value& value = self.variable(name);
       if (!value.isNothing()) return value;
       const std::string& spelling = self.frame_->handler->symbols[name.symbol].name;
-      throw Failure{error::undefinedVariable, "The variable " + spelling + " is not defined."};
+      throw Failure{eventErrors::undefinedVariable,
+                    "The variable " + spelling + " is not defined."};
     }
     std::optional<Value> operator()(const ListExpression& list) const {
       return self.computeList(list);
@@ -82,7 +85,7 @@ std::optional<Value> Interpreter::compute(const Expression& expression) {
     std::optional<Value> operator()(const Language&) const { return Value(LanguageSelf{}); }
     std::optional<Value> operator()(const Result&) const {
       if (!self.frame_->result.isNothing()) return self.frame_->result;
-      throw Failure{error::undefinedVariable, "The variable result is not defined."};
+      throw Failure{eventErrors::undefinedVariable, "The variable result is not defined."};
     }
     std::optional<Value> operator()(const ApplicationByName& application) const {
       return self.applicationByName(application);
@@ -112,8 +115,8 @@ Value Interpreter::computeCoercion(const Coercion& coercion) {
   for (const Value& each : toListItems(type)) {
     const auto* constant = each.as<Constant>();
     if (!constant || constant->kind != Constant::Kind::type) {
-      throw Failure{error::cannotCoerce, "Can't make " + displayText(each) + " into type class.",
-                    each};
+      throw Failure{eventErrors::cannotCoerce,
+                    "Can't make " + displayText(each) + " into type class.", each};
     }
     classes.push_back(constant->code);
   }
@@ -122,11 +125,11 @@ Value Interpreter::computeCoercion(const Coercion& coercion) {
     try {
       return coerce(value, each, rules_);
     } catch (const Failure& failure) {
-      if (failure.number != error::cannotCoerce) throw;
+      if (failure.number != eventErrors::cannotCoerce) throw;
       if (!first) first = failure;
     }
   }
-  if (!first) first = Failure{error::cannotCoerce, "Can't make a value into no type."};
+  if (!first) first = Failure{eventErrors::cannotCoerce, "Can't make a value into no type."};
   throw Failure(*first);
 }
 

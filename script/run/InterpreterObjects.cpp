@@ -1,4 +1,5 @@
 // Objects: parts of the script's own values, and specifiers of the applications' objects.
+#include "kit/value/EventErrors.h"
 #include "script/run/Interpreter.h"
 #include "script/run/SpecifierBuilder.h"
 #include "script/values/Coercion.h"
@@ -88,7 +89,7 @@ Interpreter::Resolved Interpreter::resolveIn(const Part& part, const Resolved& h
   }
   if (!application) {
     if (part.filter) {
-      throw Failure{error::noSuchObject,
+      throw Failure{eventErrors::noSuchObject,
                     "Can't get " + displaySelector(selector) + " of " + displayText(container) +
                         " by a condition.",
                     container};
@@ -196,7 +197,7 @@ Value Interpreter::fetchObject(const Value& object) {
   event.parameters.push_back({keyDirectObject, specifier.descriptor});
   std::optional<Value> answer = send(*specifier.application, std::move(event));
   if (answer) return std::move(*answer);
-  throw Failure{error::noResult, "No result was returned from some part of this expression."};
+  throw Failure{eventErrors::noResult, "No result was returned from some part of this expression."};
 }
 
 }  // namespace quorin::script

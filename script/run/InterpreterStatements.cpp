@@ -1,6 +1,7 @@
 // Running statements.
 #include <cmath>
 
+#include "kit/value/EventErrors.h"
 #include "script/run/Interpreter.h"
 #include "script/run/SpecifierBuilder.h"
 #include "script/values/Coercion.h"
@@ -77,7 +78,7 @@ Interpreter::Flow Interpreter::run(const RepeatCounting& statement) {
   const double to = toReal(evaluate(*statement.to));
   const double by = step.number();
   const bool integers = first.as<std::int32_t>() && step.as<std::int32_t>();
-  if (by == 0) throw Failure{error::parameter, "The step of a repeat can't be 0."};
+  if (by == 0) throw Failure{eventErrors::badParameter, "The step of a repeat can't be 0."};
   for (double at = from; by > 0 ? at <= to : at >= to; at += by) {
     checkBudgets();
     assignTo(*statement.variable, at == from ? first : integers ? Value::number(at) : Value(at));
@@ -124,7 +125,7 @@ Interpreter::Flow Interpreter::repeatObjects(const RepeatItems& statement, const
   event.eventID = fourCharCode("cnte");
   event.parameters.push_back({keyDirectObject, specifier.descriptor});
   const std::optional<Value> answer = send(*specifier.application, std::move(event));
-  if (!answer) throw Failure{error::noResult, "No result was returned from counting."};
+  if (!answer) throw Failure{eventErrors::noResult, "No result was returned from counting."};
   const double count = toInteger(*answer);
   for (std::int32_t i = 1; i <= count; ++i) {
     checkBudgets();
@@ -176,7 +177,7 @@ Interpreter::Flow Interpreter::handleFailure(const Try& statement, const Failure
 }
 
 Interpreter::Flow Interpreter::run(const Raise& statement) {
-  Failure failure{error::general, ""};
+  Failure failure{eventErrors::general, ""};
   if (statement.message)
     failure.message = toText(dereference(evaluate(*statement.message)), rules_);
   if (statement.number) failure.number = toInteger(evaluate(*statement.number));
@@ -196,7 +197,7 @@ Interpreter::Flow Interpreter::run(const WithTimeout& statement) {
   const double seconds = toReal(evaluate(*statement.seconds));
   constexpr double longest = 86400.0 * 365;
   if (!(seconds > 0 && seconds <= longest)) {
-    throw Failure{error::parameter, "The timeout must be a positive number of seconds."};
+    throw Failure{eventErrors::badParameter, "The timeout must be a positive number of seconds."};
   }
   const Restoring<std::chrono::milliseconds> timeout(
       sender_.timeout, std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)));

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "kit/value/EventErrors.h"
 #include "script/values/Failure.h"
 #include "script/values/ValueDescriptors.h"
 
@@ -72,7 +73,7 @@ AppleEventDescriptor buildSpecifier(const Selector& selector, AppleEventDescript
       return object(fourCharCode("prop"), fourCharCode("prop"),
                     AppleEventDescriptor::typeCode(selector.code), std::move(container));
     case Form::label:
-      throw Failure{error::noSuchObject, "Can't get " + selector.label + "."};
+      throw Failure{eventErrors::noSuchObject, "Can't get " + selector.label + "."};
     case Form::index:
       return element(formOfKey(selector.key), keyDescriptor(selector.key));
     case Form::name:

@@ -1,16 +1,17 @@
 #include "script/values/Failure.h"
 
+#include "kit/value/EventErrors.h"
 #include "script/values/Display.h"
 
 namespace quorin::script {
 
 void failCannotGet(const std::string& what, Value offender) {
-  throw Failure{error::noSuchObject, "Can't get " + what + ".", std::move(offender)};
+  throw Failure{eventErrors::noSuchObject, "Can't get " + what + ".", std::move(offender)};
 }
 
 void failCannotCoerce(const Value& value, FourCharCode type) {
   throw Failure{
-      error::cannotCoerce,
+      eventErrors::cannotCoerce,
       "Can't make " + displayText(value) + " into type " + displayClass(type, nullptr) + ".",
       value,
       {},
@@ -18,11 +19,11 @@ void failCannotCoerce(const Value& value, FourCharCode type) {
 }
 
 void failStackOverflow() {
-  throw Failure{error::stackOverflow, "Stack overflow."};
+  throw Failure{eventErrors::stackOverflow, "Stack overflow."};
 }
 
 void failOutOfMemory() {
-  throw Failure{error::outOfMemory, "Out of memory."};
+  throw Failure{eventErrors::outOfMemory, "Out of memory."};
 }
 
 }  // namespace quorin::script

@@ -20,27 +20,6 @@ struct Failure {
 // The end of the whole call: cancelled or out of steps. No `try` catches it.
 struct Stopped {};
 
-namespace error {
-
-constexpr int userCancelled = -128;
-constexpr int parameter = -50;
-constexpr int outOfMemory = -108;
-constexpr int notRunning = -600;
-constexpr int cannotCoerce = -1700;
-constexpr int notHandled = -1708;
-constexpr int timedOut = -1712;
-constexpr int wrongArguments = -1721;
-constexpr int noSuchObject = -1728;
-constexpr int general = -2700;
-constexpr int divideByZero = -2701;
-constexpr int tooLarge = -2702;
-constexpr int stackOverflow = -2706;
-constexpr int undefinedVariable = -2753;
-constexpr int noResult = -2763;
-constexpr int notModifiable = -10006;
-
-}  // namespace error
-
 [[noreturn]] void failCannotGet(const std::string& what, Value offender = {});
 [[noreturn]] void failCannotCoerce(const Value& value, FourCharCode type);
 [[noreturn]] void failStackOverflow();

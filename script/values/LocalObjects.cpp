@@ -5,6 +5,7 @@
 #include <random>
 #include <unordered_set>
 
+#include "kit/value/EventErrors.h"
 #include "script/lex/Numbers.h"
 #include "script/values/Dates.h"
 #include "script/values/Display.h"
@@ -190,7 +191,7 @@ Value property(const Value& container, const Selector& selector) {
 
 [[noreturn]] void failCannotSet(const Value& container, const Selector& selector,
                                 const Value& value) {
-  throw Failure{error::notModifiable,
+  throw Failure{eventErrors::notModifiable,
                 "Can't set " + displaySelector(selector) + " of " + displayText(container) +
                     " to " + displayText(value) + ".",
                 container};

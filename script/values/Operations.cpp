@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kit/value/EventErrors.h"
 #include "script/lex/Numbers.h"
 #include "script/values/Coercion.h"
 #include "script/values/Display.h"
@@ -15,13 +16,13 @@ namespace {
 
 Value arithmeticResult(double value, bool integer) {
   if (!std::isfinite(value)) {
-    throw Failure{error::tooLarge, "The result of a numeric operation was too large."};
+    throw Failure{eventErrors::tooLarge, "The result of a numeric operation was too large."};
   }
   return integer ? Value::number(value) : Value(value);
 }
 
 [[noreturn]] void failDivision(const Value& left) {
-  throw Failure{error::divideByZero, "Can't divide " + displayText(left) + " by zero.", left};
+  throw Failure{eventErrors::divideByZero, "Can't divide " + displayText(left) + " by zero.", left};
 }
 
 Value dateArithmetic(Operator operation, const Date& date, const Value& right) {

@@ -4,11 +4,13 @@
 
 #include "host/calc/uno/Answered.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
 void refuseTooMany(const Area& area) {
-  if (cellCount({area}) > mostCells) throw SpreadsheetError(-50, "The range has too many cells");
+  if (cellCount({area}) > mostCells)
+    throw SpreadsheetError(eventErrors::badParameter, "The range has too many cells");
 }
 
 std::optional<Area> nextPiece(const Area& area, const std::optional<Area>& last, int most) {

@@ -10,6 +10,7 @@
 #include "host/Address.h"
 #include "host/Spreadsheet.h"
 #include "host/calc/workbook/CallLimits.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
@@ -55,7 +56,8 @@ class TextRoom {
   std::size_t take(std::size_t bytes) {
     constexpr std::size_t most = 12'000'000;
     taken_ += bytes;
-    if (taken_ > most) throw SpreadsheetError(-50, "The cells hold too much text");
+    if (taken_ > most)
+      throw SpreadsheetError(eventErrors::badParameter, "The cells hold too much text");
     return bytes;
   }
   std::size_t take(const Grid<CellValue>& values);

@@ -10,6 +10,7 @@
 #include "host/calc/uno/Answered.h"
 #include "host/calc/workbook/CalcRanges.h"
 #include "host/calc/workbook/CalcView.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -78,7 +79,8 @@ std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRe
     limits.check();
     const Shown shown = shownLines(workbook, range.sheet.sheet, area);
     if (shown.rows.size() * shown.columns.size() > mostPieces) {
-      throw SpreadsheetError(-10000, "Too many of the rows and columns are hidden");
+      throw SpreadsheetError(eventErrors::handlerFailed,
+                             "Too many of the rows and columns are hidden");
     }
     for (const Run& rows : shown.rows) {
       for (const Run& columns : shown.columns) {

@@ -25,6 +25,7 @@
 #include "host/calc/uno/Answered.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 #include "kit/value/Unicode.h"
 
 namespace quorin::host::calc {
@@ -158,7 +159,7 @@ std::vector<RangeRef> cellsIn(const std::string& formula, const ExpressionContex
     auto read = calcExpression(formula, context);
     return read ? std::move(read->reach.cells) : std::vector<RangeRef>();
   } catch (const SpreadsheetError& failure) {
-    if (failure.number() != -50) throw;
+    if (failure.number() != eventErrors::badParameter) throw;
     return {};
   }
 }

@@ -14,6 +14,7 @@
 #include "host/calc/uno/Answered.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -57,7 +58,8 @@ std::vector<RowRun> hiddenRows(const Workbook& workbook, const SheetRef& sheet, 
     const auto rows = rowsOf(workbook, sheet.sheet, run.first, run.last);
     asked += run.last - run.first + 1;
     if (asked > mostHiddenRows) {
-      throw SpreadsheetError(-50, "Too many of the rows that the expression looks at are hidden");
+      throw SpreadsheetError(eventErrors::badParameter,
+                             "Too many of the rows that the expression looks at are hidden");
     }
     for (int row = run.first; row <= run.last; ++row) {
       limits.check();

@@ -15,6 +15,7 @@
 #include "host/calc/uno/Answered.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -79,7 +80,7 @@ Evaluation CalcEvaluator::answer(Request& request, const std::string& expression
   constexpr int deepest = 20, most = 500;
   request.limits.check();
   if (request.depth >= deepest || request.count >= most) {
-    throw SpreadsheetError(-50, "The expression leads to too many others");
+    throw SpreadsheetError(eventErrors::badParameter, "The expression leads to too many others");
   }
   ++request.count;
   ++request.depth;
@@ -102,7 +103,7 @@ Evaluation CalcEvaluator::calculated(Request& request, const std::string& expres
   const auto dryRun = calcExpression(expression, context);
   if (!dryRun) return CellValue(CellError{"#NAME?"});
   refuseLargeArrays(dryRun->work);
-  if (dryRun->reach.untold) throw SpreadsheetError(-50, untoldText);
+  if (dryRun->reach.untold) throw SpreadsheetError(eventErrors::badParameter, untoldText);
   context.qualify = !dryRun->reach.anywhere;  // text counts from the formula's own sheet
   try {
     return dryRun->reach.contents ? inCopy(request, expression, context)
@@ -216,9 +217,10 @@ Evaluation CalcEvaluator::inCopy(Request& request, const std::string& expression
   CalcWorkbooks& workbooks = request.workbooks;
   const std::shared_ptr<Workbook> original = workbooks.named(context.from.book);
   if (filledCells(*original, context.sheets, request.limits) > mostCellsToCopy) {
-    throw SpreadsheetError(-50, std::string(onlyInCopyText) +
-                                    " cannot be worked out in a workbook of more than 1000 filled "
-                                    "cells");
+    throw SpreadsheetError(eventErrors::badParameter,
+                           std::string(onlyInCopyText) +
+                               " cannot be worked out in a workbook of more than 1000 filled "
+                               "cells");
   }
   if (!context.asked) refuseCopyThatReaches(*original, context, request.limits);
   refuseLongSearches(

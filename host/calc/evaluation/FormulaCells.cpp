@@ -6,6 +6,7 @@
 #include "host/calc/cells/CalcCells.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -91,7 +92,8 @@ ResultSize FormulaCells::sizeOf(const CalcExpression& expression, const CallLimi
 Evaluation FormulaCells::valueOf(const CalcExpression& expression, const CallLimits& limits) {
   const ResultSize size = sizeOf(expression, limits);
   limits.check();
-  if (size.isTooLarge()) throw SpreadsheetError(-50, "The result has too many cells");
+  if (size.isTooLarge())
+    throw SpreadsheetError(eventErrors::badParameter, "The result has too many cells");
   const std::string text = "=" + expression.text;
   if (size.rows == 1 && size.columns == 1) {
     const Formula formula(formula_, contents_, text);

@@ -13,6 +13,7 @@
 #include "host/calc/evaluation/FormulaCells.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -94,9 +95,10 @@ void ScratchWorkbook::setFormula(CalcWorkbooks& workbooks, const RangeRef& range
 // Refuses what would take too long, or what a chain does not come to.
 CalcExpression ScratchWorkbook::possible(CalcExpression calc) const {
   refuseLargeArrays(calc.work);
-  if (calc.reach.untold) throw SpreadsheetError(-50, untoldText);
+  if (calc.reach.untold) throw SpreadsheetError(eventErrors::badParameter, untoldText);
   if (calc.reach.contents) {
-    throw SpreadsheetError(-50, std::string(onlyInCopyText) + " cannot be worked out in a chain");
+    throw SpreadsheetError(eventErrors::badParameter,
+                           std::string(onlyInCopyText) + " cannot be worked out in a chain");
   }
   return calc;
 }
@@ -136,7 +138,8 @@ std::optional<CellValue> ScratchWorkbook::valueOf(CalcWorkbooks& workbooks,
                                                   const CallLimits& limits) {
   constexpr int most = 50;
   limits.check();
-  if (++questions_ > most) throw SpreadsheetError(-50, "The expression leads to too many others");
+  if (++questions_ > most)
+    throw SpreadsheetError(eventErrors::badParameter, "The expression leads to too many others");
   ExpressionContext context = scope(workbooks, limits);
   context.qualify = true;
   const auto written = calcExpression(argument, context);

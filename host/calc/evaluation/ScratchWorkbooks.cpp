@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "kit/value/EventErrors.h"
+
 namespace quorin::host::calc {
 
 std::string ScratchWorkbooks::make() {
@@ -38,7 +40,8 @@ ScratchWorkbook* ScratchWorkbooks::find(const std::string& book) {
 
 ScratchWorkbook& ScratchWorkbooks::named(const std::string& book) {
   ScratchWorkbook* const found = find(book);
-  if (found == nullptr) throw SpreadsheetError(-10006, "not ours to change: " + book);
+  if (found == nullptr)
+    throw SpreadsheetError(eventErrors::notModifiable, "not ours to change: " + book);
   return *found;
 }
 

@@ -17,11 +17,13 @@
 #include "host/calc/grammar/CalcExpression.h"
 #include "host/calc/workbook/CallLimits.h"
 #include "host/calc/workbook/HiddenWorkbook.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
 struct TooManyCells : SpreadsheetError {
-  TooManyCells() : SpreadsheetError(-50, "The expression looks at too many cells") {}
+  TooManyCells()
+      : SpreadsheetError(eventErrors::badParameter, "The expression looks at too many cells") {}
 };
 
 class ValueMirror {

@@ -6,6 +6,7 @@
 #include "host/calc/grammar/FoundCells.h"
 #include "host/calc/grammar/FunctionNames.h"
 #include "host/calc/grammar/ReferenceWriter.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -93,7 +94,8 @@ void ExpressionWriter::bound() const {
   if (out_.size() + names_.bindings.size() > longestWritten || reach_.cells.size() > mostReached ||
       names_.work.searches.size() > mostReached || names_.entries.size() > mostNames ||
       depthInside() > deepest) {
-    throw SpreadsheetError(-50, "The expression is too long with its names written out");
+    throw SpreadsheetError(eventErrors::badParameter,
+                           "The expression is too long with its names written out");
   }
 }
 

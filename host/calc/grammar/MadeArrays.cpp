@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/calc/grammar/ReferenceText.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -28,7 +29,9 @@ double sizeIn(CallArgument& argument, const ExpressionContext& context) {
   std::optional<double> number = numberIn(argument.calc);
   if (!number) {
     const auto told = context.told(argument.excel);
-    if (!told) throw SpreadsheetError(-50, "The expression makes an array of an unknown size");
+    if (!told)
+      throw SpreadsheetError(eventErrors::badParameter,
+                             "The expression makes an array of an unknown size");
     if (const auto* value = std::get_if<double>(&*told)) number = *value;
     if (const auto* value = std::get_if<bool>(&*told)) number = *value ? 1 : 0;
     if (const auto* value = std::get_if<std::string>(&*told)) number = numberIn(*value);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "kit/value/EventErrors.h"
+
 namespace quorin::host::calc {
 namespace {
 
@@ -30,9 +32,11 @@ void refuseLargeArrays(const OfficeWork& work) {
   constexpr double mostCounted = 1e8;
   constexpr double mostCrossed = 4e6;  // these take the office up to some seconds
   if (work.crossed > mostCrossed || work.values > mostSteps) {
-    throw SpreadsheetError(-50, "The expression makes arrays of too many cells");
+    throw SpreadsheetError(eventErrors::badParameter,
+                           "The expression makes arrays of too many cells");
   }
-  if (work.counted > mostCounted) throw SpreadsheetError(-50, "The expression counts too far");
+  if (work.counted > mostCounted)
+    throw SpreadsheetError(eventErrors::badParameter, "The expression counts too far");
 }
 
 void refuseLongSearches(const OfficeWork& work,
@@ -41,7 +45,8 @@ void refuseLongSearches(const OfficeWork& work,
   constexpr double mostCharacters = 2e8;  // in arrays, two bytes each
   const double longest = std::max(work.written, longestText);
   if (work.texts * longest > mostCharacters) {
-    throw SpreadsheetError(-50, "The expression makes arrays of too much text");
+    throw SpreadsheetError(eventErrors::badParameter,
+                           "The expression makes arrays of too much text");
   }
   double steps = work.values + work.replaced * longest + work.replacedByAny * longest * longest;
   for (const OfficeWork::Search& search : work.searches) {
@@ -51,7 +56,8 @@ void refuseLongSearches(const OfficeWork& work,
         search.times * items * (search.perCharacter ? longest : 1) * (search.perItem ? items : 1);
   }
   if (steps > mostSteps) {
-    throw SpreadsheetError(-50, "The expression looks through too many cells too often");
+    throw SpreadsheetError(eventErrors::badParameter,
+                           "The expression looks through too many cells too often");
   }
 }
 

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "host/Spreadsheet.h"
+#include "kit/value/EventErrors.h"
 
 extern char** environ;
 
@@ -22,7 +23,6 @@ namespace {
 
 constexpr int endInMilliseconds = 1000;
 constexpr int endWhileQuitting = 200;  // also in milliseconds
-constexpr int noKeeper = -10000;
 
 // Waits for the process to end, for so long. It is reaped where it did.
 void awaitEnd(pid_t process, int milliseconds) {
@@ -80,10 +80,12 @@ void MarksKeeper::forget() {
 void MarksKeeper::start() {
   forget();
   const auto program = marksKeeperProgram(std::filesystem::read_symlink("/proc/self/exe"));
-  if (!program) throw SpreadsheetError(noKeeper, "Quorin's marks keeper is not installed");
+  if (!program)
+    throw SpreadsheetError(eventErrors::handlerFailed, "Quorin's marks keeper is not installed");
   std::array<int, 2> ends{-1, -1};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-    throw SpreadsheetError(noKeeper, "The marks keeper cannot be started: no socket");
+    throw SpreadsheetError(eventErrors::handlerFailed,
+                           "The marks keeper cannot be started: no socket");
   }
   std::array<std::string, 4> words{program->string(), office_.pipe, std::to_string(office_.process),
                                    owner_.text()};
@@ -106,11 +108,11 @@ void MarksKeeper::start() {
   if (failure != 0) {
     process_ = 0;
     forget();
-    throw SpreadsheetError(noKeeper, "The marks keeper cannot be started");
+    throw SpreadsheetError(eventErrors::handlerFailed, "The marks keeper cannot be started");
   }
   if (!readAnswer()) {
     forget();
-    throw SpreadsheetError(noKeeper, "The marks keeper ended at once");
+    throw SpreadsheetError(eventErrors::handlerFailed, "The marks keeper ended at once");
   }
 }
 
@@ -143,7 +145,8 @@ bool MarksKeeper::readAnswer() {
   std::array<pollfd, 2> watched{pollfd{socket_, POLLIN, 0}, pollfd{interrupted_, POLLIN, 0}};
   while (::poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {
   }
-  if (watched[1].revents != 0) throw SpreadsheetError(-600, "Quorin is quitting");
+  if (watched[1].revents != 0)
+    throw SpreadsheetError(eventErrors::notRunning, "Quorin is quitting");
   char answer = 0;
   return ::recv(socket_, &answer, 1, 0) == 1;
 }
@@ -153,7 +156,7 @@ void MarksKeeper::ask(const std::string& request) {
   // None was started yet, or it died. Marks that it left are found by the next one.
   start();
   if (send(request) && readAnswer()) return;
-  throw SpreadsheetError(-600, "LibreOffice is not running");
+  throw SpreadsheetError(eventErrors::notRunning, "LibreOffice is not running");
 }
 
 MarksKeeper::Turn::Turn(MarksKeeper& keeper, const std::string& document) : keeper_(keeper) {

@@ -6,6 +6,7 @@
 
 #include "host/Address.h"
 #include "host/calc/workbook/CalcRanges.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -64,8 +65,8 @@ std::size_t SheetConditions::placeOf(const std::string& id) const {
   const auto found = std::find_if(marks_.begin(), marks_.end(),
                                   [&](const PlacedMark& each) { return each.number == number; });
   if (found != marks_.end()) return static_cast<std::size_t>(found - marks_.begin());
-  if (isUserRule(id)) throw SpreadsheetError(-10006, "The rule is the user's");
-  throw SpreadsheetError(-1728, "There is no such condition: " + id);
+  if (isUserRule(id)) throw SpreadsheetError(eventErrors::notModifiable, "The rule is the user's");
+  throw SpreadsheetError(eventErrors::noSuchObject, "There is no such condition: " + id);
 }
 
 template <typename Edit>
@@ -79,9 +80,9 @@ void SheetConditions::change(const std::string& id, Edit edit) {
 
 std::string SheetConditions::add(const std::vector<Area>& range, const std::string& formula) {
   if (formula != markFormula)
-    throw SpreadsheetError(-1708,
+    throw SpreadsheetError(eventErrors::notUnderstood,
                            "Only marks can be made, with the formula " + std::string(markFormula));
-  if (range.empty()) throw SpreadsheetError(-50, "The range has no cells");
+  if (range.empty()) throw SpreadsheetError(eventErrors::badParameter, "The range has no cells");
   const int number = marks_.empty() ? firstNumber() : marks_.back().number + 1;
   std::vector<PlacedMark> wanted = marks_;
   wanted.push_back(
@@ -95,7 +96,7 @@ void SheetConditions::setFill(const std::string& id, const std::optional<Color>&
 }
 
 void SheetConditions::setPriority(const std::string& id, int priority) const {
-  if (priority < 1) throw SpreadsheetError(-50, "A priority is 1 or more");
+  if (priority < 1) throw SpreadsheetError(eventErrors::badParameter, "A priority is 1 or more");
   placeOf(id);
 }
 

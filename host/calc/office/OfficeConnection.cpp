@@ -13,6 +13,7 @@
 #include "host/calc/office/OfficeProcess.h"
 #include "host/calc/uno/OfficeFiles.h"
 #include "host/calc/uno/Text.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -34,9 +35,10 @@ class BridgeEnd : public cppu::WeakImplHelper1<css::lang::XEventListener> {
 
 OfficeConnection::OfficeConnection(const OfficeAddress& office,
                                    std::chrono::milliseconds patience) {
-  if (!isOwnPipe(office.pipe)) throw SpreadsheetError(-600, "LibreOffice is not listening");
+  if (!isOwnPipe(office.pipe))
+    throw SpreadsheetError(eventErrors::notRunning, "LibreOffice is not listening");
   if (!waitWhileStopped(office.process, patience)) {
-    throw SpreadsheetError(-1712, "LibreOffice does not answer");
+    throw SpreadsheetError(eventErrors::timedOut, "LibreOffice does not answer");
   }
   watchdog_ = std::make_unique<OfficeWatchdog>(office.process, [this] { hangUp(); });
   watchdog_->setDeadline(std::chrono::steady_clock::now() + patience);
@@ -70,9 +72,10 @@ bool OfficeConnection::tryToConnect(const std::string& pipe) {
     context_.clear();
     if (over) watchdog_.reset();
     release();
-    if (late) throw SpreadsheetError(-1712, "LibreOffice does not answer");
+    if (late) throw SpreadsheetError(eventErrors::timedOut, "LibreOffice does not answer");
     if (over) {
-      throw SpreadsheetError(-600, "LibreOffice cannot be reached: " + toText(failure.Message));
+      throw SpreadsheetError(eventErrors::notRunning,
+                             "LibreOffice cannot be reached: " + toText(failure.Message));
     }
     return false;
   }

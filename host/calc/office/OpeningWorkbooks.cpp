@@ -22,6 +22,7 @@
 #include "host/calc/uno/Arguments.h"
 #include "host/calc/uno/OfficeFiles.h"
 #include "host/calc/uno/Text.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -83,7 +84,8 @@ void show(const Reference<XComponentContext>& context, const Reference<css::fram
     frame->getContainerWindow()->setVisible(true);
     frame->activate();
   });
-  if (!shown) throw SpreadsheetError(-1712, "LibreOffice does not show the workbook");
+  if (!shown)
+    throw SpreadsheetError(eventErrors::timedOut, "LibreOffice does not show the workbook");
 }
 
 // Calc works formulas such as INDIRECT out when a workbook gets its first window, and opens files
@@ -126,7 +128,7 @@ void openAsItIs(const Reference<XComponentContext>& context,
   const Reference<css::lang::XComponent> opened =
       desktop->loadComponentFromURL(url, "_blank", 0, loading({argument("OnMainThread", true)}));
   if (!Reference<css::sheet::XSpreadsheetDocument>(opened, css::uno::UNO_QUERY).is()) {
-    throw SpreadsheetError(-1728, "\"" + path + "\" is not a workbook");
+    throw SpreadsheetError(eventErrors::noSuchObject, "\"" + path + "\" is not a workbook");
   }
 }
 

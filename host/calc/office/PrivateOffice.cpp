@@ -14,6 +14,7 @@
 #include "host/calc/office/AskedNetwork.h"
 #include "host/calc/office/OfficeSupervisorScript.h"
 #include "host/calc/uno/OfficeFiles.h"
+#include "kit/value/EventErrors.h"
 
 extern char** environ;
 
@@ -72,7 +73,7 @@ std::string buildId() {
 std::array<int, 2> makePipe() {
   std::array<int, 2> ends{-1, -1};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-    throw SpreadsheetError(-600, "LibreOffice cannot be started: no pipe");
+    throw SpreadsheetError(eventErrors::notRunning, "LibreOffice cannot be started: no pipe");
   }
   return ends;
 }
@@ -128,7 +129,8 @@ void PrivateOffice::prepareFolder() {
   std::string name =
       (std::filesystem::temp_directory_path() / (options_.prefix + "XXXXXX")).string();
   if (::mkdtemp(name.data()) == nullptr) {
-    throw SpreadsheetError(-600, "LibreOffice cannot be started: no folder for it");
+    throw SpreadsheetError(eventErrors::notRunning,
+                           "LibreOffice cannot be started: no folder for it");
   }
   folder_ = name;
   pipe_ = folder_.filename().string();
@@ -172,7 +174,7 @@ void PrivateOffice::startSupervisor() {
   if (failure != 0) {
     ::close(ownerEnd_);
     ::close(reportEnd_);
-    throw SpreadsheetError(-600, "LibreOffice cannot be started");
+    throw SpreadsheetError(eventErrors::notRunning, "LibreOffice cannot be started");
   }
   ::fcntl(reportEnd_, F_SETFL, O_NONBLOCK);
 }
@@ -209,15 +211,15 @@ OfficeAddress PrivateOffice::open() {
     constexpr int pauseInMilliseconds = 10;
     ::poll(&supervisor, 1, pauseInMilliseconds);
     if ((supervisor.revents & POLLHUP) != 0) {
-      throw SpreadsheetError(-600, "LibreOffice ended by itself");
+      throw SpreadsheetError(eventErrors::notRunning, "LibreOffice ended by itself");
     }
     process();
     if (std::chrono::steady_clock::now() >= deadline) {
-      throw SpreadsheetError(-1712, "LibreOffice does not start");
+      throw SpreadsheetError(eventErrors::timedOut, "LibreOffice does not start");
     }
   }
   const pid_t office = process();
-  if (office == 0) throw SpreadsheetError(-600, "LibreOffice is not running");
+  if (office == 0) throw SpreadsheetError(eventErrors::notRunning, "LibreOffice is not running");
   return {office, pipe_};
 }
 

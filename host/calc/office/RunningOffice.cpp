@@ -8,6 +8,7 @@
 #include "host/Spreadsheet.h"
 #include "host/calc/office/OfficeRequest.h"
 #include "host/calc/uno/OfficeFiles.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -35,7 +36,7 @@ bool mayLookInto(const OfficeProcess& office) {
 }
 
 [[noreturn]] void refuse() {
-  throw SpreadsheetError(-1743, "LibreOffice runs where it cannot be reached");
+  throw SpreadsheetError(eventErrors::notPermitted, "LibreOffice runs where it cannot be reached");
 }
 
 }  // namespace
@@ -48,10 +49,10 @@ void RunningOffice::clearUp() {
 
 OfficeAddress RunningOffice::open() {
   const auto office = discovery_->runningCalc();
-  if (!office) throw SpreadsheetError(-600, "LibreOffice Calc is not running");
+  if (!office) throw SpreadsheetError(eventErrors::notRunning, "LibreOffice Calc is not running");
   const auto deadline = Clock::now() + patience;
   if (!waitWhileStopped(office->id, patience)) {
-    throw SpreadsheetError(-1712, "LibreOffice does not answer");
+    throw SpreadsheetError(eventErrors::timedOut, "LibreOffice does not answer");
   }
   if (last_.process != office->id) clearUp();
   const std::optional<std::string> present = pipeOf(*office);
@@ -60,7 +61,7 @@ OfficeAddress RunningOffice::open() {
   if (!present) askToListen(*office, pipe, deadline);
   // The office makes it as its umask says, which may let others in.
   if (::chmod(pipeFile(pipe).c_str(), S_IRUSR | S_IWUSR) != 0) {
-    throw SpreadsheetError(-600, "LibreOffice is not listening");
+    throw SpreadsheetError(eventErrors::notRunning, "LibreOffice is not listening");
   }
   return last_;
 }
@@ -70,7 +71,7 @@ void RunningOffice::askToListen(const OfficeProcess& office, const std::string& 
   const auto socket = office.requestSocket();
   if (!socket) {
     if (!mayLookInto(office)) refuse();
-    throw SpreadsheetError(-1712, "LibreOffice is still starting");
+    throw SpreadsheetError(eventErrors::timedOut, "LibreOffice is still starting");
   }
   const OfficeAnswer answer = handToOffice(
       *socket, {"--nologo", "--nodefault", "--norestore", "--accept=pipe,name=" + pipe + ";urp;"},
@@ -80,7 +81,8 @@ void RunningOffice::askToListen(const OfficeProcess& office, const std::string& 
          !isOwnPipe(pipe)) {
     std::this_thread::sleep_for(pause);
   }
-  if (!isOwnPipe(pipe)) throw SpreadsheetError(-1712, "LibreOffice does not answer");
+  if (!isOwnPipe(pipe))
+    throw SpreadsheetError(eventErrors::timedOut, "LibreOffice does not answer");
 }
 
 }  // namespace quorin::host::calc

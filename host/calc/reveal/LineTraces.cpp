@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/Address.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -104,7 +105,7 @@ void LineTraces::remember(const SheetRef& sheet, const Area& area, Lines kind,
   if (begun_) return;
   if (const std::string failure = flush(); !failure.empty()) {
     entries_.pop_back();
-    throw SpreadsheetError(-10000, failure);
+    throw SpreadsheetError(eventErrors::handlerFailed, failure);
   }
   begun_ = true;
 }

@@ -9,6 +9,7 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/uno/Text.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
@@ -20,7 +21,8 @@ bool isOwnPipe(std::string_view name) {
   struct stat status {};
   if (::lstat(pipeFile(name).c_str(), &status) != 0) return false;
   if (S_ISSOCK(status.st_mode) && status.st_uid == ::getuid()) return true;
-  throw SpreadsheetError(-600, "What is in the place of LibreOffice's pipe is not this user's");
+  throw SpreadsheetError(eventErrors::notRunning,
+                         "What is in the place of LibreOffice's pipe is not this user's");
 }
 
 std::string newPipeName(std::string_view prefix) {
@@ -28,7 +30,7 @@ std::string newPipeName(std::string_view prefix) {
   std::array<unsigned char, bytes> chance{};
   for (;;) {
     if (::getentropy(chance.data(), chance.size()) != 0) {
-      throw SpreadsheetError(-600, "There is no name for LibreOffice's pipe");
+      throw SpreadsheetError(eventErrors::notRunning, "There is no name for LibreOffice's pipe");
     }
     std::string name(prefix);
     for (const unsigned char byte : chance) {

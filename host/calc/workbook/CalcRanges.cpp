@@ -9,6 +9,7 @@
 #include "host/Address.h"
 #include "host/calc/grammar/ReferenceText.h"
 #include "host/calc/uno/Text.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
@@ -25,7 +26,7 @@ Reference<css::sheet::XSpreadsheet> sheetOf(const Workbook& workbook, const std:
 }
 
 SpreadsheetError noSuchSheet(const std::string& name) {
-  return {-1728, "There is no worksheet named \"" + name + "\""};
+  return {eventErrors::noSuchObject, "There is no worksheet named \"" + name + "\""};
 }
 
 std::vector<std::string> sheetNames(const Workbook& workbook) {
@@ -71,7 +72,7 @@ Reference<css::table::XCellRange> cellsOf(const Reference<css::sheet::XSpreadshe
     return sheet->getCellRangeByPosition(area.firstColumn - 1, area.firstRow - 1,
                                          area.lastColumn - 1, area.lastRow - 1);
   } catch (const css::lang::IndexOutOfBoundsException&) {
-    throw SpreadsheetError(-1728, "There is no such range");
+    throw SpreadsheetError(eventErrors::noSuchObject, "There is no such range");
   }
 }
 
@@ -109,7 +110,8 @@ std::optional<RangeRef> rangeOf(const Workbook& workbook,
 }
 
 const Area& firstArea(const RangeRef& range) {
-  if (range.areas.empty()) throw SpreadsheetError(-50, "The range has no cells");
+  if (range.areas.empty())
+    throw SpreadsheetError(eventErrors::badParameter, "The range has no cells");
   return range.areas.front();
 }
 

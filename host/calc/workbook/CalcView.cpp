@@ -16,6 +16,7 @@
 #include "host/calc/workbook/CalcRanges.h"
 #include "host/calc/workbook/CellEdit.h"
 #include "host/calc/workbook/ViewData.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -29,13 +30,16 @@ ViewPosition positionIn(const Window& window) {
   rtl::OUString text;
   window.controller->getViewData() >>= text;
   const auto position = viewPosition(toText(text));
-  if (!position) throw SpreadsheetError(-10000, "LibreOffice does not say where its cursor is");
+  if (!position)
+    throw SpreadsheetError(eventErrors::handlerFailed,
+                           "LibreOffice does not say where its cursor is");
   return *position;
 }
 
 std::string sheetAt(const std::vector<std::string>& names, int tab) {
   const auto position = static_cast<std::size_t>(tab);
-  if (position >= names.size()) throw SpreadsheetError(-1728, "There is no active sheet");
+  if (position >= names.size())
+    throw SpreadsheetError(eventErrors::noSuchObject, "There is no active sheet");
   return names[position];
 }
 
@@ -120,7 +124,7 @@ Window CalcNavigation::enter(const std::string& book) {
   bool inFront = false;
   for (const Window& window : workbooks_.windows()) {
     if (isEditing(window.frame)) {
-      throw SpreadsheetError(-10000, "A cell is being edited in LibreOffice");
+      throw SpreadsheetError(eventErrors::handlerFailed, "A cell is being edited in LibreOffice");
     }
     inFront = inFront || isFrontmost(window);
   }
@@ -136,9 +140,10 @@ Window CalcNavigation::enter(const std::string& book) {
 Window CalcNavigation::enter(const SheetRef& sheet) {
   const Reference<css::sheet::XSpreadsheet> page =
       sheetOf(*workbooks_.named(sheet.book), sheet.sheet);
-  if (!isVisible(page)) throw SpreadsheetError(-50, "The sheet is hidden");
+  if (!isVisible(page)) throw SpreadsheetError(eventErrors::badParameter, "The sheet is hidden");
   const Window window = enter(sheet.book);
-  if (!window.view.is()) throw SpreadsheetError(-10000, "The workbook shows a print preview");
+  if (!window.view.is())
+    throw SpreadsheetError(eventErrors::handlerFailed, "The workbook shows a print preview");
   if (activeSheetOf(workbooks_, window).sheet != sheet.sheet) window.view->setActiveSheet(page);
   return window;
 }
@@ -156,7 +161,8 @@ void CalcNavigation::select(const RangeRef& range) {
   const Any selection = selectionFor(*workbooks_.named(range.sheet.book), range);
   const Window window = enter(range.sheet);
   const Reference<css::view::XSelectionSupplier> supplier(window.controller, UNO_QUERY_THROW);
-  if (!supplier->select(selection)) throw SpreadsheetError(-50, "The range cannot be selected");
+  if (!supplier->select(selection))
+    throw SpreadsheetError(eventErrors::badParameter, "The range cannot be selected");
 }
 
 void CalcNavigation::activateCell(const RangeRef& range) {

@@ -10,6 +10,7 @@
 #include "host/calc/workbook/CalcRanges.h"
 #include "host/calc/workbook/QuietChanges.h"
 #include "host/calc/workbook/ShownTexts.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
@@ -205,7 +206,8 @@ Window CalcWorkbooks::windowOf(const std::string& name) {
     found = std::find_if(windows_.begin(), windows_.end(), called);
   }
   if (found == windows_.end())
-    throw SpreadsheetError(-1728, "There is no workbook named \"" + name + "\"");
+    throw SpreadsheetError(eventErrors::noSuchObject,
+                           "There is no workbook named \"" + name + "\"");
   return front && called(*front) ? *front : *found;
 }
 

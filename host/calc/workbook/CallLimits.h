@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/Spreadsheet.h"
+#include "kit/value/EventErrors.h"
 
 namespace quorin::host::calc {
 
@@ -28,7 +29,7 @@ class CallLimits {
   void check() const {
     const bool isOver = (terms_.isOver && terms_.isOver()) ||
                         (until_ && std::chrono::steady_clock::now() > *until_);
-    if (isOver) throw SpreadsheetError(-1712, "AppleEvent timed out.");
+    if (isOver) throw SpreadsheetError(eventErrors::timedOut, "AppleEvent timed out.");
   }
 
  private:
