@@ -200,7 +200,7 @@ class Spreadsheet {
   // only where the handler's terms say that the user asked: onlyWhenAsked else.
   virtual Evaluation evaluate(const std::string& expression, const SheetRef& from) = 0;
 
-  // Whether the rows or columns that the areas touch are hidden, by the user, a filter or an
+  // True if the rows or columns that the areas touch are hidden, by the user, a filter or an
   // outline; nothing when some are and some are not.
   virtual std::optional<bool> hidden(const RangeRef& range, Lines lines);
   // Hides or shows all of them. Leaves the undo list and the modified flag as they are.

@@ -21,7 +21,7 @@ class CalcLink {
   // outlives the runners, is told of shown lines that cannot be hidden again.
   ScriptRunnerFactory runnerFactory(DiagLog& log) const;
 
-  // Whether that Calc runs.
+  // True if that Calc runs.
   std::unique_ptr<TargetApplication> target() const;
 
  private:

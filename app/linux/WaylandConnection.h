@@ -20,7 +20,7 @@ class WaylandConnection {
   WaylandConnection(const WaylandConnection&) = delete;
   WaylandConnection& operator=(const WaylandConnection&) = delete;
 
-  // Whether the compositor has an extension, by its interface's name.
+  // True if the compositor has an extension, by its interface's name.
   bool has(const std::string& interface) const { return globals_.count(interface) > 0; }
 
   // The first object of an interface, in the newest version that both know; null where there is

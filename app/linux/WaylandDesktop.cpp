@@ -13,7 +13,7 @@ struct GListFree {
   void operator()(GList* list) const { g_list_free(list); }
 };
 
-// Whether a window of this program has the keyboard.
+// True if a window of this program has the keyboard.
 bool hasKeyboard() {
   const std::unique_ptr<GList, GListFree> windows(gtk_window_list_toplevels());
   for (const GList* one = windows.get(); one; one = one->next) {

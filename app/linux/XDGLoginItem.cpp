@@ -18,7 +18,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// Whether the entry is switched off; of its main group only.
+// True if the entry's main group says Hidden=true, which switches it off.
 bool isHidden(std::string_view text) {
   bool inGroup = false;
   while (!text.empty()) {

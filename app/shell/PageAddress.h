@@ -14,7 +14,7 @@ inline constexpr const char* inlinePage = "about:blank";  // the address of a pa
 // in another way than this does.
 std::optional<std::string> onThisMachine(std::string_view address);
 
-// Whether the first is the second, a page that was asked for, or a place in it.
+// True if `address` leads to `page`, the page that was asked for, or to a place in it.
 bool isSamePage(std::string_view address, std::string_view page);
 
 }  // namespace quorin::PageAddress

@@ -48,7 +48,7 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
 
   Queue& bridgeQueue() { return parts_.bridgeQueue; }
 
-  // Whether the panel may come forward with Excel. Starts true, is cleared by the page's
+  // True if the panel may come forward with Excel. Starts true, is cleared by the page's
   // "hidePanel" and set again whenever the user summons the panel.
   bool enabled() const { return enabled_; }
 
@@ -64,7 +64,7 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
   bool isVisible() const { return window_->isVisible(); }
   bool isKey() const { return window_->isKey(); }
 
-  // Whether the user has given the panel a place of its own, which then always counts.
+  // True if the user has given the panel a place of its own, which then always counts.
   bool hasSavedFrame() const;
 
   // Shows the panel on the user's demand, with the keyboard, beside Excel's window unless the user

@@ -26,7 +26,7 @@ struct PolledCell {
   bool operator==(const PolledCell&) const = default;
 };
 
-// Whether Excel is the application in front.
+// True if Excel is the application in front.
 bool excelIsFrontmost(const Workspace& workspace);
 
 class Poller {

@@ -155,7 +155,7 @@ void SelfTest::tryExperiments(const std::string& book, const std::string& sheet)
   failures_ = before;
 }
 
-// Whether a thread of its own bears the script, in the time that there is.
+// Asks for the active cell again and again off the main thread, and writes how long that took.
 void SelfTest::tryRepeatedly() {
   line("");
   line("Threads");

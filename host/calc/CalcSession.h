@@ -86,7 +86,7 @@ class CalcSession {
   // open, which sheets they have and what conditions are on a sheet.
   void keepReadings(bool keep);
 
-  // Whether the office is still there. Asks it: the news of its end may come late.
+  // True if the office is still there. Asks it: the news of its end may come late.
   bool answers();
 
   const std::string& version();

@@ -51,10 +51,10 @@ class RequestMemory {
   std::optional<Grid<std::string>> takeTexts(const RangeRef& range);
   void keepTexts(const RangeRef& range, Grid<std::string> texts);
 
-  // Whether the values that are kept say that there are no long texts in these cells.
+  // True if the values that are kept say that there are no long texts in these cells.
   bool hasShortTexts(const RangeRef& range) const;
 
-  // Whether the values that were read last say that there is no error in these cells.
+  // True if the values that were read last say that there is no error in these cells.
   bool hasNoErrors(const RangeRef& range) const;
   void noteErrors(const RangeRef& range, const Grid<CellValue>& values);
 

@@ -9,10 +9,10 @@
 
 namespace quorin {
 
-// Whether there is an argument at this 0-based position and it is text.
+// True if there is an argument at this 0-based position and it is text.
 bool isText(const JSONValue::Array& args, std::size_t position);
 
-// Whether it is an array of texts alone; an empty one is.
+// True if it is an array of nothing but texts, or an empty array.
 bool isTextList(const JSONValue::Array& args, std::size_t position);
 
 // The texts of an array.

@@ -51,7 +51,7 @@ class Bridge {
   // Serves one request. Never throws.
   Reply dispatch(const std::string& verb, const Args& args);
 
-  // Whether Excel is among the running applications. Answers at once.
+  // True if Excel is among the running applications. Answers at once.
   bool excelRunning() const;
 
   // When the bridge itself last moved Excel's selection.

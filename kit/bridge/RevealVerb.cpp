@@ -30,7 +30,7 @@ HiddenRuns shown(const RevealRead& read, const HiddenRuns& runs) {
   return all;
 }
 
-// Whether these are more rows or columns than may be unhidden at a time; then the log says so.
+// True if these are more rows or columns than may be unhidden at a time; then the log says so.
 bool isTooMuch(const HiddenRuns& runs, DiagLog& log) {
   const std::int64_t rows = BridgeShapes::count(BridgeShapes::mergeRuns(runs.rows));
   const std::int64_t cols = BridgeShapes::count(BridgeShapes::mergeRuns(runs.cols));

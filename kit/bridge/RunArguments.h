@@ -27,7 +27,7 @@ inline BridgeShapes::HiddenRuns joined(BridgeShapes::HiddenRuns a,
   return a;
 }
 
-// Whether two names of sheets mean the same one: Excel does not look at the case of letters, so a
+// True if two names of sheets mean the same one: Excel does not look at the case of letters, so a
 // request may spell it in another way than the record does.
 inline bool isSheet(const std::string& book, const std::string& sheet, const std::string& otherBook,
                     const std::string& otherSheet) {

@@ -28,7 +28,7 @@ bool isTextsRequest(const Args& args) {
   return startsWithTextsNotNone(args) && args[0].array()->size() <= Bridge::mostAddressesForTexts;
 }
 
-// Whether the user asked for this very part: a constant word behind the other arguments.
+// True if the user asked for this very part: a constant word behind the other arguments.
 bool wasAsked(const Args& args) {
   return isText(args, 1) && *args[1].string() == Bridge::askedWord;
 }

@@ -6,7 +6,7 @@ namespace quorin {
 class TargetApplication {
  public:
   virtual ~TargetApplication() = default;
-  // Whether it runs now. Any thread; answers at once, from what the system knows of processes, and
+  // True if it runs now. Any thread; answers at once, from what the system knows of processes, and
   // never asks the application itself.
   virtual bool isRunning() = 0;
 };

@@ -17,7 +17,7 @@ struct RevealRead {
   Rect target;
   std::string activeSheet;
   std::string targetSheet;
-  // Whether all of the target's rows, or columns, are hidden. False when none or some are, absent
+  // True if all of the target's rows, or columns, are hidden. False when none or some are, absent
   // when not known.
   std::optional<bool> rowsHidden;
   std::optional<bool> colsHidden;

@@ -23,7 +23,7 @@ class Queue {
   // process.
   virtual void sync(const Work& work) = 0;
 
-  // Whether the caller is work of this queue.
+  // True if the caller is work of this queue.
   virtual bool isCurrent() const = 0;
 
   // Returns when everything posted before has run. As sync.

@@ -9,7 +9,7 @@ namespace quorin {
 struct CallTerms {
   // The user asked for this very part: it may call functions that reach out of the workbook.
   bool asked = false;
-  // Whether the caller has given the call up, so that nobody waits for what it will say. Empty:
+  // True if the caller has given the call up, so that nobody waits for what it will say. Empty:
   // never.
   std::function<bool()> isOver = {};
 };

@@ -92,7 +92,7 @@ class Output {
   std::size_t size_ = 0, capacity_ = 0;
 };
 
-// Whether eight characters at once can stand in JSON text as they are. The arithmetic marks the
+// True if eight characters at once can stand in JSON text as they are. The arithmetic marks the
 // high bit of a byte that is a control character, a quote, a slash, a backslash or beyond ASCII; it
 // may mark a plain byte after such a one too, which costs time and nothing else.
 bool areEightPlain(const char* text) {

@@ -41,7 +41,7 @@ JSONValue jsonObject(const JSONValue& value);
 // is not valid UTF-8 gives "null". Works at any depth.
 std::string encode(const JSONValue& value);
 
-// Whether a marker object is anywhere inside the value. Works at any depth.
+// True if a marker object is anywhere inside the value. Works at any depth.
 bool containsUnmarshalled(const JSONValue& value);
 
 }  // namespace quorin::Marshal

@@ -142,7 +142,7 @@ void HandlerCheck::walkTry(const Try& attempt, const Place& place) {
   walk(attempt.handler, place);
 }
 
-// Whether every way through the block ends in a return or an error.
+// True if every way through the block ends in a return or an error.
 bool HandlerCheck::returns(const Block& block) {
   if (block.empty()) return false;
   const auto& data = block.back().data;

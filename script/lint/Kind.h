@@ -51,7 +51,7 @@ class ClassModel {
  public:
   explicit ClassModel(const Terminology& terms) : terms_(terms) {}
 
-  // Whether anything is known of the class.
+  // True if anything is known of the class.
   bool describes(std::string_view className) const;
   // The member of that code, or spelled with a term of that code; also one of the parents'.
   const MemberTerm* member(std::string_view className, FourCharCode code, bool isElement) const;

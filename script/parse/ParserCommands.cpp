@@ -15,7 +15,7 @@ const CommandTerm& Parser::rawCommand(const Token& event) {
   return *program_.rawCommands.back();
 }
 
-// Whether a comparison stands here whose words could be names too.
+// True if a comparison stands here whose words could be names too.
 bool Parser::atOperatorPhrase() const {
   static constexpr std::string_view phrases[] = {"starts with",  "begins with", "ends with",
                                                  "comes before", "comes after", "less than",
@@ -24,7 +24,7 @@ bool Parser::atOperatorPhrase() const {
                      [&](std::string_view each) { return atWords(each); });
 }
 
-// Whether the next word can begin an expression; keywords that cannot end the command.
+// True if the next word can begin an expression; keywords that cannot end the command.
 bool Parser::atExpressionWord() const {
   static constexpr std::string_view ends[] = {
       "of",    "in",    "to",       "then",    "and",    "or",    "is",        "isn't",   "as",

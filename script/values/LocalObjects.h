@@ -26,7 +26,7 @@ bool isOfClass(const Value& value, FourCharCode type);  // also number, for both
 
 std::vector<Value> toListItems(const Value& value);  // a list's items, a record's values, or one
 
-// Whether `from` holds, at any depth, the very list or record `target`.
+// True if `from` holds, at any depth, the very list or record `target`.
 bool reaches(const Value& from, const Value& target);
 
 }  // namespace quorin::script

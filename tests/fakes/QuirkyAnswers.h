@@ -20,7 +20,7 @@ AppleEventReply spoiled(const ExcelQuirks& quirks, const AppleEvent& event, Appl
 // becomes one that names no range.
 AppleEventDescriptor asRead(const ExcelQuirks& quirks, AppleEventDescriptor descriptor);
 
-// Whether the specifier, or one inside it, is the property.
+// True if the specifier, or one inside it, is the property.
 bool mentions(const AppleEventDescriptor& descriptor, FourCharCode property);
 
 }  // namespace quorin::fakes

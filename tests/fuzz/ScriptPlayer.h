@@ -8,7 +8,7 @@
 
 namespace quorin::fuzz {
 
-// Whether the text compiled. A promise that does not hold (Promises.h; of the object model: the
+// True if the text compiled. A promise that does not hold (Promises.h; of the object model: the
 // user's workbooks stay open and their cells as they are) ends the process with a line on standard
 // error.
 bool play(std::string_view source);

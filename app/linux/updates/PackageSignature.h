@@ -11,7 +11,7 @@ namespace quorin {
 std::optional<std::string> signatureFromText(std::string_view text);
 std::optional<std::string> publicKeyFromText(std::string_view text);
 
-// Whether the holder of the key signed exactly these bytes.
+// True if the holder of the key signed exactly these bytes.
 bool isSigned(std::string_view bytes, std::string_view signature, std::string_view publicKey);
 
 }  // namespace quorin

@@ -12,7 +12,7 @@ class LoginItem {
  public:
   virtual ~LoginItem() = default;
 
-  // Whether the application runs from where it was installed. Only then can it be registered.
+  // True if the application runs from where it was installed. Only then can it be registered.
   virtual bool isInstalled() const = 0;
 
   virtual LoginItemStatus status() const = 0;

@@ -29,7 +29,7 @@ class Workspace {
   virtual std::vector<RunningApplication> runningApplications(
       const std::string& identifier) const = 0;
 
-  // Whether the desktop tells which application is in front: of all of them at all times, or just
+  // True if the desktop tells which application is in front: of all of them at all times, or just
   // now. While it does not, Excel counts as in front as long as it runs.
   virtual bool alwaysTellsWhoIsInFront() const { return true; }
   virtual bool tellsWhoIsInFront() const { return true; }

@@ -7,7 +7,7 @@
 
 namespace quorin::host::calc {
 
-// Whether the cell's number format is one of booleans.
+// True if the cell's number format is one of booleans.
 bool isBoolean(Workbook& workbook, const css::uno::Reference<css::table::XCell>& cell);
 
 }  // namespace quorin::host::calc

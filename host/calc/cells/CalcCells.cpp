@@ -96,7 +96,7 @@ class Inquiry {
   const CallLimits& limits_;
 };
 
-// Whether a number may be shown as truth. The cell's format tells for certain, but asking for it
+// True if a number may be shown as truth. The cell's format tells for certain, but asking for it
 // takes long on some sheets.
 bool mayBeBoolean(const std::string& text) {
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };

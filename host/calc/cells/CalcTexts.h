@@ -9,11 +9,11 @@
 
 namespace quorin::host::calc {
 
-// Whether any of the cells may hold an error, which is asked for then: it shows as Excel's text for
-// it.
+// What is known of errors among the cells: possible ones are asked for, and are told by Excel's
+// text.
 enum class Errors { possible, none };
 
-// Whether the cells may hold long texts, so that few are read at once.
+// What is known of the length of the texts: of any length, few are read at once.
 enum class Texts { anyLength, shortOnes };
 
 // All of the first area.

@@ -18,7 +18,7 @@ using css::beans::XPropertySet;
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
-// Whether the workbook's own INDIRECT reads text in Excel's grammar, as in a file of Excel's.
+// True if the workbook's own INDIRECT reads text in Excel's grammar, as in a file of Excel's.
 bool readsAsExcel(const Workbook& workbook) {
   constexpr sal_Int16 excelA1 = 2;
   const Reference<css::lang::XMultiServiceFactory> factory(workbook.document, UNO_QUERY_THROW);
@@ -33,7 +33,7 @@ bool isWord(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), isWordCharacter);
 }
 
-// Whether the text has the form of a reference, but there is no such table, sheet or name.
+// True if the text has the form of a reference, but there is no such table, sheet or name.
 bool namesNothing(CalcWorkbooks& workbooks, const std::string& text, const SheetRef& from,
                   const CallLimits& limits) {
   const std::shared_ptr<Workbook> workbook = workbooks.named(from.book);

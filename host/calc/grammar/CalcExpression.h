@@ -25,16 +25,16 @@ struct ExpressionContext {
   SheetRef from;  // references without a workbook or a sheet belong to it
   // The cell that it belongs to, for "@"; nothing where that is on another sheet.
   std::function<std::optional<FormulaCell>()> here = {};
-  // Whether the user asked for this very part. Else no function is called that is not known to be
+  // True if the user asked for this very part. Else no function is called that is not known to be
   // harmless: SpreadsheetError onlyWhenAsked.
   bool asked = false;
-  // Whether the office has a function, by Calc's name. When empty, none that makes a difference.
+  // True if the office has a function, by Calc's name. When empty, none that makes a difference.
   std::function<bool(const std::string& function)> knows = {};
   // Called now and then; throws when the work is to end.
   std::function<void()> checkpoint = {};
   // The sheets of that workbook in their order. When empty, every name of a sheet is accepted.
   std::vector<std::string> sheets = {};
-  // Whether references without a sheet get one. Not for a formula that stands on its own sheet.
+  // True if references without a sheet get one. Not for a formula that stands on its own sheet.
   bool qualify = false;
   // A sheet of another workbook; nothing when there is none: the reference is #REF! then.
   std::function<std::optional<SheetPlace>(const std::string& book, const std::string& sheet)>
@@ -62,7 +62,7 @@ struct ExpressionContext {
   std::optional<CellValue> told(const std::string& argument) const {
     return valueOf && !argument.empty() ? valueOf(argument) : std::nullopt;
   }
-  // Whether it is asked for the numbers that tell which cells of a range are looked at, so that the
+  // True if it is asked for the numbers that tell which cells of a range are looked at, so that the
   // others are not fetched.
   bool placesAreAsked = false;
   // What Calc's CELL tells of how that one cell looks ("width"); nothing where it cannot be told.

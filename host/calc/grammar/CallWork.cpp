@@ -43,7 +43,7 @@ constexpr std::array<Searching, 41> searching{{
     {"SERIESSUM", "vvvr", 1.5},
 }};
 
-// Whether Calc looks through the argument; `through` goes on with its last two letters.
+// True if Calc looks through the argument; `through` goes on with its last two letters.
 bool isLookedThrough(std::string_view through, std::size_t argument) {
   if (argument < through.size()) return through[argument] == 'r';
   const std::size_t from = through.size() - 2;

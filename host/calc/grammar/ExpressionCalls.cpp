@@ -144,7 +144,7 @@ std::optional<std::string> ExpressionWriter::callInstead(const Frame& frame, Arr
   return instead;
 }
 
-// Whether the call that ends here is all of an argument of which the function around it makes one
+// True if the call that ends here is all of an argument of which the function around it makes one
 // value, or all of the expression: no array is made of what it finds.
 bool ExpressionWriter::isTakenWhole() const {
   const std::size_t next = text_.find_first_not_of(" \n\r\t", at_ + 1);
@@ -188,14 +188,14 @@ void ExpressionWriter::endArgument() {
   given_.argumentEnds(frames_.size() - 1, frame.ends.size());
 }
 
-// Whether what was written from there on is a reference and nothing else.
+// True if what was written from there on is a reference and nothing else.
 bool ExpressionWriter::isCells(std::size_t from) const {
   constexpr const char* blank = " \n\r\t";
   return cells_.first == out_.find_first_not_of(blank, from) &&
          cells_.second == out_.find_last_not_of(blank) + 1;
 }
 
-// Whether the word, just read, is what LET or LAMBDA calls a value to come.
+// True if the word, just read, is what LET or LAMBDA calls a value to come.
 bool ExpressionWriter::givesName(const std::string& word) {
   if (frames_.empty() || word.empty()) return false;
   const Frame& frame = frames_.back();

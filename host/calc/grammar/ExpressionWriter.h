@@ -53,9 +53,9 @@ class ExpressionWriter {
 
   std::string run();
   bool isOnePiece() const { return pieces_ == 1; }
-  // Whether it gives one value whatever the cells hold.
+  // True if it gives one value whatever the cells hold.
   bool isSingle() const { return !several_; }
-  // Whether it is a reference and nothing else.
+  // True if it is a reference and nothing else.
   bool isCells() const { return isCells_; }
   const ArrayShape& shape() const { return operands_.shape(); }
 
@@ -120,7 +120,7 @@ class ExpressionWriter {
   std::optional<std::size_t>& span() { return frames_.empty() ? span_ : frames_.back().span; }
   int depthInside() const { return depth_ + open_ + signs_ + 1; }
   bool isCells(std::size_t from) const;
-  // Whether the operand just read is joined to text; it begins there, or is yet to be written.
+  // True if the operand just read is joined to text; it begins there, or is yet to be written.
   bool isJoinedFrom(std::size_t begin) const {
     return isJoined(std::string_view(out_).substr(0, begin), text_.substr(at_));
   }

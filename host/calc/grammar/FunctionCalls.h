@@ -30,10 +30,10 @@ std::optional<std::string> writtenAnew(const FunctionCall& call, const Expressio
 // server, whatever text it comes to; nothing for one that names none as it stands.
 std::optional<std::string> keptInside(const std::string& argument);
 
-// Whether the function gives a truth value or an error, and nothing else.
+// True if the function gives a truth value or an error, and nothing else.
 bool givesTruth(std::string_view function);
 
-// Whether a call gives one value: of arguments of which some may be several values, or of none.
+// True if a call gives one value. `ofSeveral`: some of its arguments may be several values.
 bool givesOne(std::string_view function, bool ofSeveral);
 
 }  // namespace quorin::host::calc

@@ -9,7 +9,7 @@
 
 namespace quorin::host::calc {
 
-// Whether it is one of these, by Excel's name in capitals (plainFunctionName).
+// True if it is one of these, by Excel's name in capitals (plainFunctionName).
 bool isHarmless(std::string_view function);
 
 // What the user is told of a call that is not made: "Runs “WEBSERVICE”, so only when you ask."

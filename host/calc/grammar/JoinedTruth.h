@@ -7,7 +7,8 @@
 
 namespace quorin::host::calc {
 
-// Whether "&" takes an operand as it stands, by what was written before it and what is read behind.
+// True if "&" joins an operand to text: `before` is what was written before it, `behind` what
+// follows it in the text that is read.
 bool isJoined(std::string_view before, std::string_view behind);
 
 // The name of a truth value, and of what may be one.

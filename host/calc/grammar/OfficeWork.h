@@ -33,7 +33,7 @@ struct OfficeWork {
   std::vector<Search> searches = {};
 
   void add(const OfficeWork& more);
-  // Whether it matters how long the texts are.
+  // True if it matters how long the texts are.
   bool isOfTexts() const;
 };
 

@@ -8,7 +8,7 @@
 
 namespace quorin::host::calc {
 
-// Whether an operand is over there: at an operator or at the end.
+// True if the operand ends at `position`: an operator stands there, or the text ends.
 inline bool endsOperand(std::string_view text, std::size_t position) {
   static constexpr auto operators = [] {
     std::array<bool, 256> are{};

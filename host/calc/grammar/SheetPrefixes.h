@@ -28,7 +28,7 @@ class SheetPrefixes {
   // lasts until the next but one is read.
   Sheet* read(std::string_view text, std::size_t& position);
 
-  // Whether there is such a sheet; taken to be where nobody can tell.
+  // True if there is such a sheet, or if that is not known.
   bool exists(Sheet& sheet) const;
 
  private:

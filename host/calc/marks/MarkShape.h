@@ -56,7 +56,7 @@ css::uno::Reference<css::drawing::XShape> makeMarkShape(
 css::uno::Reference<css::drawing::XShape> makeEmptyShape(
     const css::uno::Reference<css::frame::XModel>& document, const std::string& name);
 
-// Whether it is of the kind that is made here; one that came out of a file may not be.
+// True if it is of the kind that is made here; one that came out of a file may not be.
 bool isMarkShape(const css::uno::Reference<css::drawing::XShape>& shape);
 
 }  // namespace quorin::host::calc

@@ -18,7 +18,7 @@ class Owner {
   // Without a blank: the process, when it started, and which of its owners this is.
   const std::string& text() const { return text_; }
 
-  // Whether it takes care of what has this owner's text: it is its own, or an earlier one of its
+  // True if it takes care of what has this owner's text: it is its own, or an earlier one of its
   // process, or that of a process that is gone, or tells no owner.
   bool caresFor(const std::string& text) const;
 

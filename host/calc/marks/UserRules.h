@@ -35,7 +35,7 @@ class UserRules {
   int count_ = 0;
 };
 
-// Whether UserRules gave out this id.
+// True if UserRules gave out this id.
 bool isUserRule(const std::string& id);
 
 }  // namespace quorin::host::calc

@@ -62,7 +62,7 @@ void LineStates::look() const {
   }
 }
 
-// Whether nothing of these is hidden; true when there are none.
+// True if none of these is hidden, also when there are none.
 bool LineStates::allShown(int first, int last) const {
   if (first > last) return true;
   look();

@@ -36,7 +36,7 @@ struct UsersLines {
 };
 UsersLines usersLines(const Workbook& workbook, const ShownLines::Entries& all);
 
-// Whether the user sees them; not those without a place.
+// The shown lines that have a place, by what the user sees of them now.
 struct SeenLines {
   ShownLines::Entries visible, hidden;
 };

@@ -10,7 +10,7 @@ namespace quorin::host::calc {
 // The socket file of the pipe that `--accept=pipe,name=NAME` opens.
 std::filesystem::path pipeFile(std::string_view name);
 
-// Whether the pipe's file is there and the user's own: one of that name which belongs to someone
+// True if the pipe's file is there and the user's own: one of that name which belongs to someone
 // else is not the office. That one is there all the same is an error, -600, which says so.
 bool isOwnPipe(std::string_view name);
 

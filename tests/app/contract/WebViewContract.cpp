@@ -40,7 +40,7 @@ class LocalPort {
 
   int descriptor() const { return descriptor_; }
 
-  // Whether anyone has connected since it listens.
+  // True if anyone has connected since it listens.
   bool wasAsked() const {
     pollfd state{descriptor_, POLLIN, 0};
     return poll(&state, 1, 0) == 1;

@@ -30,7 +30,7 @@ struct Life {
 // What goes wrong in such a life. Points are counted from 0.
 struct Fate {
   std::optional<std::size_t> killAt = std::nullopt;
-  // Whether to kill at the last of these points, in place of a number.
+  // True if to kill at the last of these points, in place of a number.
   std::function<bool(const std::vector<std::string>& points)> kills = nullptr;
   std::optional<std::size_t> failAt = std::nullopt;  // a step of the stores, with `number`
   bool failsFromThereOn = false;                     // all their later steps but reads as well

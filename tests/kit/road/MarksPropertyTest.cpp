@@ -223,7 +223,7 @@ class MarksProperty : public RoadFixture {
     return known;
   }
 
-  // Whether there is a record whose workbook or sheet has another name now.
+  // True if there is a record whose workbook or sheet has another name now.
   bool leadNowhere() {
     const std::vector<std::string> sheets = memory_->worksheets(name_);
     for (const HighlightStore::Record& record : store_.load())

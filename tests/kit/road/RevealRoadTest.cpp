@@ -15,7 +15,7 @@ class RevealRoad : public RoadFixture {
   void hide(const std::string& address, Lines lines) {
     memory_->setHidden(on("Known.xlsx", "Data", address), lines, true);
   }
-  // Whether they are hidden; "some" for some.
+  // True if they are hidden; "some" for some.
   std::string hidden(const std::string& address, Lines lines) {
     const auto all = memory_->hidden(on("Known.xlsx", "Data", address), lines);
     return !all ? "some" : *all ? "all" : "none";
