@@ -97,32 +97,6 @@ on qx_readrange(addr)
 	end tell
 end qx_readrange
 
--- For each address {displayed texts, rows, columns} of its cells; "" where it names none, or no
--- rectangle, or where it would make more than 5000 cells in all.
-on qx_readtexts(addrs)
-	tell application "Microsoft Excel"
-		with timeout of 3 seconds
-			set told to {}
-			set soFar to 0
-			repeat with i from 1 to count of addrs
-				set one to ""
-				try
-					set rg to my qx_bindrange(item i of addrs)
-					set {rowTotal, colTotal, cellTotal} to my qx_extent(rg)
-					if cellTotal is rowTotal * colTotal and soFar + cellTotal <= 5000 then
-						set soFar to soFar + cellTotal
-						set one to {string value of rg, rowTotal, colTotal}
-					end if
-				on error msg number n
-					if not (my qx_lacks(n)) then error msg number n
-				end try
-				set end of told to one
-			end repeat
-			return told
-		end timeout
-	end tell
-end qx_readtexts
-
 -- Whether the first column of range r, which has nr rows, holds an error cell. Reading value2 of
 -- several columns then ends Excel (error -609), while the first column alone is safe and comes back
 -- without its error rows: a short answer is the sign. Displayed texts are the second check only, for
@@ -338,3 +312,29 @@ on qx_address(rg)
 		end timeout
 	end tell
 end qx_address
+
+-- For each address {displayed texts, rows, columns} of its cells; "" where it names none, or no
+-- rectangle, or where it would make more than 5000 cells in all.
+on qx_readtexts(addrs)
+	tell application "Microsoft Excel"
+		with timeout of 3 seconds
+			set told to {}
+			set soFar to 0
+			repeat with i from 1 to count of addrs
+				set one to ""
+				try
+					set rg to my qx_bindrange(item i of addrs)
+					set {rowTotal, colTotal, cellTotal} to my qx_extent(rg)
+					if cellTotal is rowTotal * colTotal and soFar + cellTotal <= 5000 then
+						set soFar to soFar + cellTotal
+						set one to {string value of rg, rowTotal, colTotal}
+					end if
+				on error msg number n
+					if not (my qx_lacks(n)) then error msg number n
+				end try
+				set end of told to one
+			end repeat
+			return told
+		end timeout
+	end tell
+end qx_readtexts
