@@ -23,8 +23,8 @@ class TakenLines {
   // The user has hidden or opened the line since the last look. False where undoing cannot have it
   // back.
   bool take(const ShownLines::Entry& line);
-  // True if what the user did has been undone, so that the line is ours as before. False where it is
-  // no longer known what that was.
+  // True if what the user did has been undone, so that the line is ours as before. False where it
+  // is no longer known what that was.
   bool isUndone(const ShownLines::Entry& line, bool isVisible);
   void forget(const ShownLines::Entry& line);
 
