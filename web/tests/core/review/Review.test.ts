@@ -1,6 +1,7 @@
 import { beforeEach, describe, expect, test } from 'vitest';
 
 import { CarriedModel, SlicedCarrier, type ModelClient } from '../../../src/core/model/ModelClient';
+import type { FindingsAnswer } from '../../../src/core/model/messages';
 import { failed, succeeded, type Outcome } from '../../../src/core/protocol/Outcome';
 import type { RangeFormulas, WorkbookMap } from '../../../src/core/protocol/verbs';
 import { Review } from '../../../src/core/review/Review';
@@ -16,6 +17,8 @@ let sheets: Record<string, Written>;
 /** A sheet that the spreadsheet is too busy to tell. */
 let refused: string;
 let broken: string;
+/** So many findings more than are told. */
+let untold: number;
 let asked: string[];
 let scans: Scans;
 let review: Review;
@@ -25,13 +28,18 @@ beforeEach(() => {
   sheets = { Data: column };
   refused = '';
   broken = '';
+  untold = 0;
   asked = [];
   const own = new CarriedModel(new SlicedCarrier(clock, () => 0), () => undefined);
   const model: ModelClient = {
     ask: (book, ask, args) => {
       asked.push(ask);
       if (ask === 'findings' && broken !== '') return Promise.reject(new Error(broken));
-      return own.ask(book, ask, args);
+      const answer = own.ask(book, ask, args);
+      if (ask !== 'findings' || untold === 0) return answer;
+      const findings = answer as Promise<FindingsAnswer>;
+      const more = findings.then((told) => ({ ...told, total: told.total + untold }));
+      return more as typeof answer;
     },
   };
   scans = new Scans(model, {
@@ -85,6 +93,13 @@ describe('the review', () => {
     expect(review.heading).toBe('1 finding in 9 formulas');
     expect(review.coverage).toBe('The only sheet, as read at 10:42.');
     expect(review.active?.expected).toBe('=A6*2');
+  });
+
+  test('says how many it lists where there are more', async () => {
+    untold = 7;
+    await look();
+    expect(review.heading).toBe('8 findings in 9 formulas');
+    expect(review.coverage).toBe('The first 1 finding only. The only sheet, as read at 10:42.');
   });
 
   test('says that it reads, and lists nothing of a part', async () => {
