@@ -22,7 +22,7 @@ from release_cases import ReleaseTest
 from scan_cases import ScanTest  # noqa: F401
 from settings_cases import SettingsTest  # noqa: F401
 from shell_cases import ShellTest  # noqa: F401
-from try_panel import Trial, wait_for
+from try_panel import Trial, Trouble, wait_for
 
 desk = None
 
@@ -52,12 +52,16 @@ class PanelTest(unittest.TestCase):
         return quorin
 
     def follows(self, quorin, address, formula, value):
+        # The value stands there as the sheet shows it once the sheet has told that.
         def shown():
             now = quorin.panel.shown()
-            return now if (now["address"] or "").replace("$", "") == address else None
-        now = wait_for(f"the panel to show {address}", shown)
-        self.assertEqual(now["formula"], formula)
-        self.assertEqual(now["value"], value)
+            return ((now["address"] or "").replace("$", ""), now["formula"], now["value"])
+        expected = (address, formula, value)
+        try:
+            wait_for(f"the panel to show {address}", lambda: shown() == expected, 30)
+        except Trouble:
+            self.assertEqual(shown(), expected)
+            raise
 
     def test_shows_the_cell_that_the_user_selects(self):
         desk.bring_calc_forward()
