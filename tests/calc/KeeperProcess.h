@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/types.h>
@@ -19,8 +18,9 @@ inline pid_t keeper() {
   for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
     const int number = std::atoi(entry.path().filename().c_str());
     if (number == 0) continue;
-    std::ifstream file(entry.path() / "stat");
-    const std::string status{std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream read;
+    read << std::ifstream(entry.path() / "stat").rdbuf();  // nothing when it ends meanwhile
+    const std::string status = read.str();
     const std::size_t name = status.find("(quorin-marks-ke) ");
     if (name == std::string::npos) continue;
     std::istringstream rest(status.substr(status.rfind(") ") + 2));
