@@ -1,6 +1,9 @@
 #include "app/linux/ControlRequest.h"
 
-#include <array>
+#include <algorithm>
+#include <vector>
+
+#include "app/shell/Views.h"
 
 namespace quorin {
 
@@ -10,16 +13,13 @@ std::string ControlRequest::line() const {
 }
 
 std::optional<ControlRequest> parseControlRequest(const std::string& line) {
-  static const std::array<ControlRequest, 6> requests{{{},
-                                                       {"tree", std::nullopt},
-                                                       {"map", std::nullopt},
-                                                       {"deps", std::nullopt},
-                                                       {"", 1},
-                                                       {"", -1}}};
-  for (const ControlRequest& request : requests) {
-    if (request.line() == line) return request;
+  std::vector<ControlRequest> requests{{}, {"", 1}, {"", -1}};
+  for (const SummonedView& view : views::all) {
+    requests.push_back({std::string(view.name), std::nullopt});
   }
-  return std::nullopt;
+  const auto found = std::find_if(requests.begin(), requests.end(),
+                                  [&](const auto& request) { return request.line() == line; });
+  return found == requests.end() ? std::nullopt : std::optional(*found);
 }
 
 }  // namespace quorin

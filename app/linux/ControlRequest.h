@@ -8,7 +8,7 @@
 namespace quorin {
 
 struct ControlRequest {
-  std::string view;              // "tree", "map" or "deps"; empty: only the panel
+  std::string view;              // one of Views.h; empty: only the panel
   std::optional<int> direction;  // of a step in the page, 1 or -1, instead of showing anything
 
   bool operator==(const ControlRequest&) const = default;

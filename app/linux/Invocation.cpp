@@ -1,6 +1,10 @@
 #include "app/linux/Invocation.h"
 
 #include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "app/shell/Views.h"
 
 namespace quorin {
 
@@ -8,12 +12,18 @@ std::variant<Invocation, int> parseInvocation(int argc, const char* const* argv)
   Invocation invocation;
   CLI::App options("Quorin: a companion for auditing spreadsheets, beside LibreOffice Calc.",
                    "quorin");
+  std::vector<std::string> names;
+  std::string commands;
+  for (const SummonedView& view : views::all) {
+    names.emplace_back(view.name);
+    commands += "--show " + names.back() + ", ";
+  }
   CLI::Option* const show = options
                                 .add_option("--show", invocation.request.view,
                                             "Bring the panel up, on a view where one is named")
                                 ->type_name("[VIEW]")
                                 ->expected(0, 1)
-                                ->check(CLI::IsMember({"tree", "map", "deps"}));
+                                ->check(CLI::IsMember(names));
   options
       .add_option("--step", invocation.request.direction,
                   "Step forward (1) or back (-1) in the panel that is up")
@@ -23,7 +33,8 @@ std::variant<Invocation, int> parseInvocation(int argc, const char* const* argv)
   options.footer(
       "Where the desktop keeps the key combinations of Quorin to itself, its settings can bind "
       "keys\n"
-      "to these commands: quorin --show tree, --show map, --show deps, --step 1, --step -1");
+      "to these commands: quorin " +
+      commands + "--step 1, --step -1");
   options.set_version_flag("--version", QUORIN_VERSION);
   constexpr int badCall = 2;
   try {

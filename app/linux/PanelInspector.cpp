@@ -27,7 +27,7 @@ JSONValue describe(const Alert* alert) {
 }  // namespace
 
 PanelInspector::PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform,
-                               TimedLink& calls)
+                               TimedBridge& calls)
     : platform_(platform),
       calls_(calls),
       server_(socket, longestLine,

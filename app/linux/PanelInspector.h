@@ -13,19 +13,19 @@
 
 #include "app/linux/GtkPlatform.h"
 #include "app/linux/LineServer.h"
-#include "app/linux/TimedLink.h"
+#include "app/linux/TimedBridge.h"
 
 namespace quorin {
 
 class PanelInspector {
  public:
-  PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform, TimedLink& calls);
+  PanelInspector(const std::filesystem::path& socket, GtkPlatform& platform, TimedBridge& calls);
 
  private:
   void answer(const std::string& line, const LineServer::Answer& answer);
 
   GtkPlatform& platform_;
-  TimedLink& calls_;
+  TimedBridge& calls_;
   LineServer server_;
 };
 

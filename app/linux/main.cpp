@@ -22,7 +22,7 @@
 #include "app/linux/PanelInspector.h"
 #endif
 #include "app/shell/AppDelegate.h"
-#include "app/shell/BridgeLink.h"
+#include "kit/bridge/Bridge.h"
 #include "kit/platform/Platform.h"
 #include "kit/platform/Thread.h"
 #include "kit/platform/XDGFolders.h"
@@ -115,15 +115,14 @@ int run(const Invocation& invocation) {
   ExcelThread::setShared(&thread);
   HighlightStore highlights(HighlightStore::defaultURL(), FileSystem::real(), &log);
   UnhideStore unhidden(UnhideStore::defaultURL(), FileSystem::real(), &log);
-  Bridge bridge(thread, log, highlights, unhidden, targetApplication());
 #ifdef QUORIN_INSPECTOR
-  TimedLink link(bridge);
+  TimedBridge bridge(thread, log, highlights, unhidden, targetApplication());
 #else
-  BridgeLink link(bridge);
+  Bridge bridge(thread, log, highlights, unhidden, targetApplication());
 #endif
   SerialQueue bridgeQueue("qx.bridge");
   SerialQueue fileQueue("qx.files");
-  AppDelegate app({*platform, link, bridgeQueue, fileQueue, log, config, environment,
+  AppDelegate app({*platform, bridge, bridgeQueue, fileQueue, log, config, environment,
                    [&thread] { return thread.compileError(); }, platformFolders()});
   delegate = &app;
   if (invocation.show) fulfil(invocation.request, app);
@@ -131,7 +130,7 @@ int run(const Invocation& invocation) {
 #ifdef QUORIN_INSPECTOR
   std::optional<PanelInspector> inspector;
   if (const auto path = environment.find("QX_TEST_SOCKET"); path != environment.end()) {
-    inspector.emplace(path->second, static_cast<GtkPlatform&>(*platform), link);
+    inspector.emplace(path->second, static_cast<GtkPlatform&>(*platform), bridge);
   }
 #endif
 

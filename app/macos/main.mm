@@ -7,7 +7,6 @@
 #import "app/macos/MacSelfTest.h"
 #include "app/macos/MacSystem.h"
 #include "app/shell/AppDelegate.h"
-#include "app/shell/BridgeLink.h"
 #include "app/shell/ports/AppPlatform.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/platform/Platform.h"
@@ -78,10 +77,9 @@ int run(bool selfTestWanted) {
   HighlightStore highlights(HighlightStore::defaultURL());
   UnhideStore unhidden(UnhideStore::defaultURL());
   Bridge bridge(excel, log, highlights, unhidden, targetApplication());
-  BridgeLink link(bridge);
   SerialQueue bridgeQueue("qx.bridge");
   SerialQueue fileQueue("qx.files");
-  AppDelegate delegate({*platform, link, bridgeQueue, fileQueue, log, config, processEnvironment(),
+  AppDelegate delegate({*platform, bridge, bridgeQueue, fileQueue, log, config, processEnvironment(),
                         [&excel] { return excel.compileError(); }, platformFolders()});
   application.setDelegate(delegate);
   application.run();

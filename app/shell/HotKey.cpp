@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/shell/Poller.h"
+#include "app/shell/Views.h"
 
 namespace quorin {
 
@@ -16,11 +17,11 @@ std::string text(bool value) {
 }
 
 std::map<std::uint32_t, KeyCombination> combinationsOf(const QXConfig& config) {
-  return {{HotKey::summonID, config.summonKey()},
+  return {{views::tree.hotKey, config.summonKey()},
           {HotKey::backID, {HotKey::leftArrow, HotKey::controlOption}},
           {HotKey::onID, {HotKey::rightArrow, HotKey::controlOption}},
-          {HotKey::mapID, config.mapKey()},
-          {HotKey::depsID, config.depsKey()}};
+          {views::map.hotKey, config.mapKey()},
+          {views::dependents.hotKey, config.depsKey()}};
 }
 
 }  // namespace
@@ -36,11 +37,11 @@ void HotKey::registerAll(HotKeyService& service, const QXConfig& config) {
     parts_.log.log("ERROR", "hotkey handler failed: " + std::to_string(installed));
   }
   service_ = &service;
-  entries_[summonID].action = [this] { surface("tree"); };
   entries_[backID].action = [this] { step(-1); };
   entries_[onID].action = [this] { step(1); };
-  entries_[mapID].action = [this] { surface("map"); };
-  entries_[depsID].action = [this] { surface("deps"); };
+  for (const SummonedView& view : views::all) {
+    entries_[view.hotKey].action = [this, name = std::string(view.name)] { surface(name); };
+  }
   for (const auto& [id, combination] : combinationsOf(config)) addOrLog(id, combination);
 }
 

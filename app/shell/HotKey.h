@@ -33,7 +33,7 @@ class HotKey {
 
   explicit HotKey(Parts parts);
 
-  static constexpr std::uint32_t summonID = 1, backID = 2, onID = 3, mapID = 4, depsID = 5;
+  static constexpr std::uint32_t backID = 2, onID = 3;  // those of the views are in Views.h
 
   // Registers all combinations, once. One that the system refuses is logged and does nothing.
   void registerAll(HotKeyService& service, const QXConfig& config);
@@ -58,8 +58,8 @@ class HotKey {
   // Runs the action of a registered combination; any other is not handled.
   HotKeyService::Status pressed(HotKeyID id);
 
-  // Brings the panel up with the keyboard on "tree", "map" or "deps", and tells the page the view
-  // and how the panel was before.
+  // Brings the panel up with the keyboard on the view of this name (Views.h), and tells the page
+  // the view and how the panel was before.
   void surface(const std::string& view);
 
   // One step in the page, back (-1) or on (1); nothing while the panel is hidden.

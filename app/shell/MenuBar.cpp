@@ -59,12 +59,12 @@ MenuBar::~MenuBar() {
 std::vector<MenuBar::Entry> MenuBar::makeEntries() {
   return {
       {{"Open Auditor"}, [this] { parts_.panel.summon(); }},
-      {{pauseTitle}, [this] { toggleFollow(); }},
+      {{pauseTitle}, [this] { toggleFollow(); }, Changing::follow},
       {{"Clear Stuck Highlights"}, [this] { clearStuck(); }},
       {{"Open Diagnostic Log"}, [this] { openLog(); }},
       {{"Report a Problem…"}, [this] { parts_.support.report(); }},
-      {{updateTitle}, [this] { checkForUpdates(); }},
-      {{loginTitle, true, false, true}, [this] { toggleLogin(); }},
+      {{updateTitle}, [this] { checkForUpdates(); }, Changing::updates},
+      {{loginTitle, true, false, true}, [this] { toggleLogin(); }, Changing::login},
       {{"Settings…"}, [this] { openSettings(); }},
       {{""}, [] {}},
       {{"Quit Quorin"}, [this] { parts_.platform.application().terminate(); }},
@@ -79,9 +79,12 @@ void MenuBar::menuItemChosen(std::size_t index) {
   if (index < entries_.size() && entries_[index].item.enabled) entries_[index].action();
 }
 
-void MenuBar::change(std::size_t index, const MenuItem& item) {
-  entries_[index].item = item;
-  if (statusItem_) statusItem_->setItem(index, item);
+void MenuBar::change(Changing name, const MenuItem& item) {
+  for (std::size_t index = 0; index < entries_.size(); ++index) {
+    if (entries_[index].name != name) continue;
+    entries_[index].item = item;
+    if (statusItem_) statusItem_->setItem(index, item);
+  }
 }
 
 void MenuBar::toggleFollow() {
@@ -92,7 +95,7 @@ void MenuBar::setFollowing(bool following) {
   const bool paused = !following;
   if (paused == parts_.poller.paused()) return;
   parts_.poller.setPaused(paused);
-  change(followIndex, {paused ? resumeTitle : pauseTitle});
+  change(Changing::follow, {paused ? resumeTitle : pauseTitle});
   parts_.panel.sendEvent("followState", JSONValue::Object{{"paused", paused}});
 }
 
@@ -111,7 +114,7 @@ void MenuBar::clearStuck() {
   });
 }
 
-void MenuBar::tellCleared(const PanelReply& reply) {
+void MenuBar::tellCleared(const PanelBridge::Reply& reply) {
   if (!reply.ok) {
     const JSONValue message = member(reply.payload, "message");
     tell({"Could not clear highlights", message.string() ? *message.string() : "", {}});
@@ -145,7 +148,7 @@ void MenuBar::refreshUpdateItem() {
   const std::optional<std::string> reason =
       updater ? updater->unavailable() : std::optional<std::string>("not in this build");
   if (!reason) return;
-  change(updateIndex, {std::string(updateTitle) + " (" + *reason + ")", false});
+  change(Changing::updates, {std::string(updateTitle) + " (" + *reason + ")", false});
 }
 
 void MenuBar::toggleLogin() {
@@ -172,10 +175,10 @@ std::optional<std::string> MenuBar::setLogin(bool starts) {
 void MenuBar::refreshLoginItem() {
   LoginItem* const login = parts_.platform.loginItem();
   if (!login || !login->isInstalled()) {
-    change(loginIndex, {notInstalledTitle, false, false, true});
+    change(Changing::login, {notInstalledTitle, false, false, true});
     return;
   }
-  change(loginIndex, {loginTitle, true, login->status() == LoginItemStatus::enabled, true});
+  change(Changing::login, {loginTitle, true, login->status() == LoginItemStatus::enabled, true});
 }
 
 }  // namespace quorin

@@ -53,17 +53,19 @@ class MenuBar : private StatusItemDelegate {
   std::optional<std::string> setLogin(bool starts);
 
  private:
+  // Those that change while the menu is set; the others stay as they are made.
+  enum class Changing { none, follow, updates, login };
+
   struct Entry {
     MenuItem item;
     std::function<void()> action;
+    Changing name = Changing::none;
   };
 
-  static constexpr std::size_t followIndex = 1, updateIndex = 5, loginIndex = 6;
-
   std::vector<Entry> makeEntries();
-  void change(std::size_t index, const MenuItem& item);
+  void change(Changing name, const MenuItem& item);
   void refreshUpdateItem();
-  void tellCleared(const PanelReply& reply);
+  void tellCleared(const PanelBridge::Reply& reply);
   void tell(const Alert& alert);
 
   void menuWillOpen() override;

@@ -12,9 +12,9 @@
 #include <string>
 
 #include "app/shell/PageChannel.h"
-#include "app/shell/PanelBridge.h"
 #include "app/shell/ReviewRequests.h"
 #include "app/shell/ports/AppPlatform.h"
+#include "kit/bridge/PanelBridge.h"
 #include "kit/platform/Environment.h"
 #include "kit/shapes/PanelPlacement.h"
 #include "kit/support/DiagLog.h"
@@ -57,8 +57,8 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
 
   // Who answers the verbs that concern the whole application, asked before the bridge; gives none
   // for any other verb.
-  using Verbs = std::function<std::optional<PanelReply>(const std::string& verb,
-                                                        const JSONValue::Array& args)>;
+  using Verbs = std::function<std::optional<PanelBridge::Reply>(const std::string& verb,
+                                                                const JSONValue::Array& args)>;
   void setOnApplicationVerb(Verbs answer) { applicationVerbs_ = std::move(answer); }
 
   bool isVisible() const { return window_->isVisible(); }
@@ -105,11 +105,12 @@ class Panel : private PanelWindowDelegate, private WebViewDelegate {
 
   void handleRequest(double id, const std::string& verb, const JSONValue::Array& args);
   // The reply of a verb of the panel's own; none when the verb belongs to the bridge.
-  std::optional<PanelReply> answerLocally(const std::string& verb, const JSONValue::Array& args);
-  PanelReply highlightColor() const;
-  PanelReply isWelcomed() const;
-  PanelReply saveWelcomed();
-  PanelReply saveHighlightColor(const JSONValue::Array& args);
+  std::optional<PanelBridge::Reply> answerLocally(const std::string& verb,
+                                                  const JSONValue::Array& args);
+  PanelBridge::Reply highlightColor() const;
+  PanelBridge::Reply isWelcomed() const;
+  PanelBridge::Reply saveWelcomed();
+  PanelBridge::Reply saveHighlightColor(const JSONValue::Array& args);
   void askBridge(double id, const std::string& verb, const JSONValue::Array& args);
 
   void panelWindowCloseRequested() override { close(); }

@@ -11,9 +11,9 @@ namespace quorin {
 
 namespace {
 
-const PanelReply done{true, nullptr};
+const PanelBridge::Reply done{true, nullptr};
 
-PanelReply failed(const char* text) {
+PanelBridge::Reply failed(const char* text) {
   return {false, text};
 }
 
@@ -49,25 +49,25 @@ void Panel::webViewDidReceiveMessage(const JSONValue& body) {
 }
 
 void Panel::handleRequest(double id, const std::string& verb, const JSONValue::Array& args) {
-  if (const std::optional<PanelReply> reply = answerLocally(verb, args)) {
+  if (const std::optional<PanelBridge::Reply> reply = answerLocally(verb, args)) {
     page_.reply(id, reply->ok, reply->payload);
     return;
   }
   if (applicationVerbs_) {
-    if (const std::optional<PanelReply> reply = applicationVerbs_(verb, args)) {
+    if (const std::optional<PanelBridge::Reply> reply = applicationVerbs_(verb, args)) {
       page_.reply(id, reply->ok, reply->payload);
       return;
     }
   }
   // It answers nobody once it is gone, and the panel with it.
-  const auto answer = [this, id](const PanelReply& reply) {
+  const auto answer = [this, id](const PanelBridge::Reply& reply) {
     page_.reply(id, reply.ok, reply.payload);
   };
   if (!reviews_.answer(verb, args, answer)) askBridge(id, verb, args);
 }
 
-std::optional<PanelReply> Panel::answerLocally(const std::string& verb,
-                                               const JSONValue::Array& args) {
+std::optional<PanelBridge::Reply> Panel::answerLocally(const std::string& verb,
+                                                       const JSONValue::Array& args) {
   const JSONValue* first = argument(args, 0);
   if (verb == "log") {
     const JSONValue* message = argument(args, 1);
@@ -104,7 +104,7 @@ std::optional<PanelReply> Panel::answerLocally(const std::string& verb,
   return std::nullopt;
 }
 
-PanelReply Panel::highlightColor() const {
+PanelBridge::Reply Panel::highlightColor() const {
   JSONValue::Array components;
   for (const auto component :
        QXConfig::load(parts_.config, FileSystem::real(), parts_.log).highlightRGB) {
@@ -114,12 +114,12 @@ PanelReply Panel::highlightColor() const {
 }
 
 // Whether the card that a first start shows was dismissed.
-PanelReply Panel::isWelcomed() const {
+PanelBridge::Reply Panel::isWelcomed() const {
   const QXConfig config = QXConfig::load(parts_.config, FileSystem::real(), parts_.log);
   return {true, config.welcomedAt.has_value()};
 }
 
-PanelReply Panel::saveWelcomed() {
+PanelBridge::Reply Panel::saveWelcomed() {
   try {
     const std::string now = ISO::string(ISO::fromClock(parts_.platform.clock().now()));
     QXConfig::merge({{"welcomedAt", JSONValue(now)}}, parts_.config);
@@ -131,7 +131,7 @@ PanelReply Panel::saveWelcomed() {
 }
 
 // Elements that are not whole numbers are passed over, not refused.
-PanelReply Panel::saveHighlightColor(const JSONValue::Array& args) {
+PanelBridge::Reply Panel::saveHighlightColor(const JSONValue::Array& args) {
   const JSONValue* rgb = argument(args, 0);
   if (!rgb || !rgb->array()) return failed("bad args");
   decltype(QXConfig::highlightRGB) kept;
@@ -154,7 +154,7 @@ PanelReply Panel::saveHighlightColor(const JSONValue::Array& args) {
 void Panel::askBridge(double id, const std::string& verb, const JSONValue::Array& args) {
   parts_.bridgeQueue.post([this, alive = std::weak_ptr(alive_), &bridge = parts_.bridge,
                            &loop = parts_.platform.mainLoop(), id, verb, args] {
-    PanelReply reply = bridge.dispatch(verb, args);
+    PanelBridge::Reply reply = bridge.dispatch(verb, args);
     loop.post([this, alive, id, reply = std::move(reply)] {
       if (!alive.expired()) page_.reply(id, reply.ok, reply.payload);
     });

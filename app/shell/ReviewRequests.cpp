@@ -13,7 +13,7 @@ constexpr std::size_t longestName = 200;
 constexpr std::size_t longestPath = 20;
 constexpr std::size_t longestMarks = 1'000;
 
-const PanelReply badArguments{false, "bad args"};
+const PanelBridge::Reply badArguments{false, "bad args"};
 
 bool isName(const JSONValue& value) {
   return value.string() && !value.string()->empty();
@@ -114,7 +114,7 @@ void ReviewRequests::saveReport(const JSONValue::Array& args, Reply reply) {
 void ReviewRequests::doAndReply(const std::string& failing, Work work, Reply reply) {
   parts_.queue.post([failing, work = std::move(work), reply = std::move(reply), &log = parts_.log,
                      &loop = parts_.loop, alive = std::weak_ptr(alive_)] {
-    PanelReply told;
+    PanelBridge::Reply told;
     try {
       told = {true, work()};
     } catch (const std::exception& error) {

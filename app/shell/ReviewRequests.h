@@ -10,9 +10,9 @@
 #include <memory>
 #include <string>
 
-#include "app/shell/PanelBridge.h"
 #include "app/shell/ports/MainLoop.h"
 #include "app/shell/ports/SaveDialog.h"
+#include "kit/bridge/PanelBridge.h"
 #include "kit/reviews/ReviewStore.h"
 #include "kit/support/Queue.h"
 
@@ -20,7 +20,7 @@ namespace quorin {
 
 class ReviewRequests {
  public:
-  using Reply = std::function<void(const PanelReply& reply)>;
+  using Reply = std::function<void(const PanelBridge::Reply& reply)>;
 
   // Everything here must outlive what is posted to the queue.
   struct Parts {

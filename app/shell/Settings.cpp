@@ -6,15 +6,15 @@
 #include <system_error>
 #include <utility>
 
+#include "app/shell/Views.h"
 #include "kit/shapes/WholeNumber.h"
 
 namespace quorin {
 
 // One of the three combinations that the user chooses.
 struct Settings::Key {
-  const char* name;     // of the setting
-  const char* purpose;  // as the middle of a sentence
-  std::uint32_t id;
+  const char* name;  // of the setting
+  const SummonedView& view;
   const char *codeKey, *modifiersKey;  // of config.json
   std::uint32_t QXConfig::*code;
   std::uint32_t QXConfig::*modifiers;
@@ -29,9 +29,9 @@ constexpr std::uint32_t highestKeyCode = 127;
 constexpr std::array<std::uint32_t, 20> functionKeys{
     122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111, 105, 107, 113, 106, 64, 79, 80, 90};
 
-const PanelReply badArguments{false, "bad args"};
+const PanelBridge::Reply badArguments{false, "bad args"};
 
-PanelReply refused(const std::string& sentence) {
+PanelBridge::Reply refused(const std::string& sentence) {
   return {false, sentence};
 }
 
@@ -96,11 +96,11 @@ Settings::Settings(Parts parts, QXConfig inForce)
 
 const std::array<Settings::Key, 3>& Settings::keys() {
   static constexpr std::array<Key, 3> all{{
-      {"summonKey", "the formula", HotKey::summonID, "summonKeyCode", "summonModifiers",
-       &QXConfig::summonKeyCode, &QXConfig::summonModifiers},
-      {"depsKey", "the dependents", HotKey::depsID, "depsKeyCode", "depsModifiers",
-       &QXConfig::depsKeyCode, &QXConfig::depsModifiers},
-      {"mapKey", "the map", HotKey::mapID, "mapKeyCode", "mapModifiers", &QXConfig::mapKeyCode,
+      {"summonKey", views::tree, "summonKeyCode", "summonModifiers", &QXConfig::summonKeyCode,
+       &QXConfig::summonModifiers},
+      {"depsKey", views::dependents, "depsKeyCode", "depsModifiers", &QXConfig::depsKeyCode,
+       &QXConfig::depsModifiers},
+      {"mapKey", views::map, "mapKeyCode", "mapModifiers", &QXConfig::mapKeyCode,
        &QXConfig::mapModifiers},
   }};
   return all;
@@ -139,27 +139,28 @@ void Settings::reread() {
   }
 }
 
-std::optional<PanelReply> Settings::answer(const std::string& verb, const JSONValue::Array& args) {
+std::optional<PanelBridge::Reply> Settings::answer(const std::string& verb,
+                                                   const JSONValue::Array& args) {
   if (verb == "setSetting") return set(args);
   if (verb == "getSettings") {
     if (!args.empty()) return badArguments;
     reread();
-    return PanelReply{true, settings()};
+    return PanelBridge::Reply{true, settings()};
   }
   if (verb == "pauseHotKeys") {
     if (args.size() != 1 || !args[0].boolean()) return badArguments;
     parts_.hotKey.setPaused(*args[0].boolean());
-    return PanelReply{true, nullptr};
+    return PanelBridge::Reply{true, nullptr};
   }
   if (verb == "checkForUpdates") {
     if (!args.empty()) return badArguments;
     parts_.menuBar.checkForUpdates();
-    return PanelReply{true, nullptr};
+    return PanelBridge::Reply{true, nullptr};
   }
   return std::nullopt;
 }
 
-PanelReply Settings::set(const JSONValue::Array& args) {
+PanelBridge::Reply Settings::set(const JSONValue::Array& args) {
   if (args.size() != 2 || !args[0].string()) return badArguments;
   const std::string& name = *args[0].string();
   const JSONValue& value = args[1];
@@ -175,17 +176,17 @@ PanelReply Settings::set(const JSONValue::Array& args) {
   return badArguments;
 }
 
-PanelReply Settings::setKey(const Key& key, const JSONValue& value) {
+PanelBridge::Reply Settings::setKey(const Key& key, const JSONValue& value) {
   const std::optional<KeyCombination> combination = combinationOf(value);
   if (!combination) return badArguments;
   if (const auto text = objection(key, *combination)) return refused(*text);
   const KeyCombination before{inForce_.*key.code, inForce_.*key.modifiers};
-  const HotKeyService::Status status = parts_.hotKey.change(key.id, *combination);
+  const HotKeyService::Status status = parts_.hotKey.change(key.view.hotKey, *combination);
   if (status != HotKeyService::noError) return refused(trouble(status));
   const auto number = [](std::uint32_t part) { return JSONValue(static_cast<double>(part)); };
   if (const auto text = save({{key.codeKey, number(combination->keyCode)},
                               {key.modifiersKey, number(combination->modifiers)}})) {
-    parts_.hotKey.change(key.id, before);
+    parts_.hotKey.change(key.view.hotKey, before);
     return refused(*text);
   }
   inForce_.*key.code = combination->keyCode;
@@ -200,14 +201,15 @@ std::optional<std::string> Settings::objection(const Key& key,
     return "This key is typed in every program: hold another one with it.";
   }
   const std::optional<std::uint32_t> held = parts_.hotKey.idOf(combination);
-  if (!held || *held == key.id) return std::nullopt;
+  if (!held || *held == key.view.hotKey) return std::nullopt;
   for (const Key& other : keys()) {
-    if (other.id == *held) return "This is the key for " + std::string(other.purpose) + ".";
+    if (other.view.hotKey == *held)
+      return "This is the key for " + std::string(other.view.content) + ".";
   }
   return "This key steps through the formula.";
 }
 
-PanelReply Settings::setPollMs(const JSONValue& value) {
+PanelBridge::Reply Settings::setPollMs(const JSONValue& value) {
   const std::optional<std::int64_t> pollMs = atMost(&value, longestPollMs);
   if (!pollMs || *pollMs < QXConfig::shortestPollMs) return badArguments;
   if (const auto text = save({{"pollMs", JSONValue(static_cast<double>(*pollMs))}})) {
@@ -218,7 +220,7 @@ PanelReply Settings::setPollMs(const JSONValue& value) {
   return {true, settings()};
 }
 
-PanelReply Settings::setLogin(const JSONValue& value) {
+PanelBridge::Reply Settings::setLogin(const JSONValue& value) {
   LoginItem* const login = parts_.platform.loginItem();
   if (!value.boolean()) return badArguments;
   if (const std::string why = whyNotAtLogin(login); !why.empty()) return refused(why);
@@ -247,9 +249,10 @@ JSONValue Settings::settings() const {
     const auto part = [&](std::uint32_t number) {
       return one.isNone() ? JSONValue() : JSONValue(static_cast<double>(number));
     };
-    combinations[key.name] = JSONValue::Object{{"code", part(one.keyCode)},
-                                               {"modifiers", part(one.modifiers)},
-                                               {"trouble", trouble(parts_.hotKey.status(key.id))}};
+    combinations[key.name] =
+        JSONValue::Object{{"code", part(one.keyCode)},
+                          {"modifiers", part(one.modifiers)},
+                          {"trouble", trouble(parts_.hotKey.status(key.view.hotKey))}};
   }
   JSONValue::Array rgb;
   for (const std::int64_t component : inForce_.highlightRGB) {

@@ -54,16 +54,16 @@ class Settings {
   //       "following", "login"              a boolean
   //   "pauseHotKeys"     [boolean]      null; the page waits for a combination to be pressed
   //   "checkForUpdates"  []             null
-  std::optional<PanelReply> answer(const std::string& verb, const JSONValue::Array& args);
+  std::optional<PanelBridge::Reply> answer(const std::string& verb, const JSONValue::Array& args);
 
  private:
   struct Key;
   static const std::array<Key, 3>& keys();
 
-  PanelReply set(const JSONValue::Array& args);
-  PanelReply setKey(const Key& key, const JSONValue& value);
-  PanelReply setPollMs(const JSONValue& value);
-  PanelReply setLogin(const JSONValue& value);
+  PanelBridge::Reply set(const JSONValue::Array& args);
+  PanelBridge::Reply setKey(const Key& key, const JSONValue& value);
+  PanelBridge::Reply setPollMs(const JSONValue& value);
+  PanelBridge::Reply setLogin(const JSONValue& value);
   // What keeps the combination from being this key's; none when nothing does.
   std::optional<std::string> objection(const Key& key, const KeyCombination& combination) const;
   // Why the patch could not be written, which the log tells too; none when it was.
@@ -74,8 +74,7 @@ class Settings {
   // {"keys": {"summonKey": {"code", "modifiers", "trouble"}, …}, "keysTrouble", "pollMs",
   //  "highlightRGB", "following", "login": {"on", "unavailable"}, "updates": {"unavailable"},
   //  "file", "fileTrouble"}; "code" and "modifiers" are null for none, and all that is in the way
-  //  of
-  // something is a few words, or empty.
+  //  of something is a few words, or empty.
   JSONValue settings() const;
 
   Parts parts_;

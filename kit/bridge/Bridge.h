@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "kit/bridge/MarksTurn.h"
+#include "kit/bridge/PanelBridge.h"
 #include "kit/excel/ExcelThread.h"
 #include "kit/marks/HighlightStore.h"
 #include "kit/marks/UnhideStore.h"
@@ -26,21 +27,11 @@
 
 namespace quorin {
 
-class Bridge {
+class Bridge : public PanelBridge {
  public:
   using Args = JSONValue::Array;
   using Date = std::chrono::system_clock::time_point;
   using Clock = std::function<Date()>;
-  using ActivatedCell = std::function<void(const std::string& book, const std::string& sheet,
-                                           const std::string& addr)>;
-
-  // What a request is answered with. The payload of a failure is an error object, {"kind",
-  // "message"} and perhaps "code".
-  struct Reply {
-    bool ok = false;
-    JSONValue payload;
-    bool operator==(const Reply&) const = default;
-  };
 
   // Long before any navigation, and near enough that a difference to now can be computed.
   static const Date distantPast;
@@ -49,26 +40,28 @@ class Bridge {
          TargetApplication& target, Clock clock = std::chrono::system_clock::now);
 
   // Serves one request. Never throws.
-  Reply dispatch(const std::string& verb, const Args& args);
+  Reply dispatch(const std::string& verb, const Args& args) override;
 
   // True if Excel is among the running applications. Answers at once.
   bool excelRunning() const;
 
   // When the bridge itself last moved Excel's selection.
-  Date lastProgrammaticNav() const;
+  Date lastProgrammaticNav() const override;
 
   // The separator in formulas that the bridge writes. Bridge queue.
-  void setArgSeparator(std::string separator) { argSeparator_ = std::move(separator); }
+  void setArgSeparator(const std::string& separator) override { argSeparator_ = separator; }
   const std::string& argSeparator() const { return argSeparator_; }
 
   // Hears of the cells that the bridge has moved to. Set before the first request; called on the
   // bridge queue.
-  void setOnActivatedCell(ActivatedCell callback) { onActivatedCell_ = std::move(callback); }
+  void setOnActivatedCell(ActivatedCell callback) override {
+    onActivatedCell_ = std::move(callback);
+  }
 
   // The verbs. Unless it says otherwise each throws ExcelError or BridgeShapes::ShapeError.
-  JSONValue probe();     // never throws; {"state", "excelWindow"?}
-  JSONValue readCell();  // the active cell, see readCellObject
-  JSONValue pollCell();  // {"book", "sheet", "addr"}
+  JSONValue probe() override;     // never throws; {"state", "excelWindow"?}
+  JSONValue readCell();           // the active cell, see readCellObject
+  JSONValue pollCell() override;  // {"book", "sheet", "addr"}
   // Never throws; okValue or fail. `asked`: the user asked for this very part, so that it may reach
   // out of the workbook; else such an expression is a failure with the code onlyWhenAsked.
   JSONValue evaluate(const std::string& expr, bool asked = false);
@@ -92,11 +85,11 @@ class Bridge {
 
   // Takes back, from the records alone, what an earlier run or a stuck request left behind.
   // Never throws.
-  void restoreStranded();
+  void restoreStranded() override;
 
   // Takes every mark back within two seconds. From then on nothing is marked any more. For the main
   // thread, while the application terminates. Never throws.
-  void clearMarksForTerminate();
+  void clearMarksForTerminate() override;
 
   // The word that a request to evaluate carries behind its other arguments when the user asked for
   // this very part.

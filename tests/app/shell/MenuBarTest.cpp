@@ -244,7 +244,7 @@ TEST_F(MenuBarTest, RefreshesTheLoginItemWhenTheMenuOpens) {
 
 TEST_F(MenuBarTest, StaysUsableAfterFailures) {
   make();
-  const PanelReply refused{false, Object{{"kind", "busy"}, {"message", "Excel is busy"}}};
+  const PanelBridge::Reply refused{false, Object{{"kind", "busy"}, {"message", "Excel is busy"}}};
   bridge.replies["clearMarks"] = refused;
   platform.login.error = "Operation not permitted";
   platform.workspace().opens = false;

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/shell/PanelBridge.h"
+#include "kit/bridge/PanelBridge.h"
 #include "kit/excel/ExcelError.h"
 #include "kit/value/Marshal.h"
 
@@ -19,10 +19,10 @@ class FakeBridge : public PanelBridge {
  public:
   explicit FakeBridge(std::vector<std::string>& journal) : journal_(journal) {}
 
-  PanelReply dispatch(const std::string& verb, const JSONValue::Array& args) override {
+  PanelBridge::Reply dispatch(const std::string& verb, const JSONValue::Array& args) override {
     journal_.push_back("dispatch " + verb + " " + Marshal::encode(args));
     const auto found = replies.find(verb);
-    return found == replies.end() ? PanelReply{true, verb} : found->second;
+    return found == replies.end() ? PanelBridge::Reply{true, verb} : found->second;
   }
 
   // Polls are answered in the order given; none left: a failure, as nothing at all is.
@@ -51,7 +51,7 @@ class FakeBridge : public PanelBridge {
     if (onClearMarksForTerminate) onClearMarksForTerminate();
   }
 
-  std::map<std::string, PanelReply> replies;
+  std::map<std::string, PanelBridge::Reply> replies;
   std::deque<std::optional<JSONValue>> answers;
   int polls = 0;
   JSONValue probed;

@@ -1,16 +1,9 @@
 import { For, type JSX } from 'solid-js';
 
-import type { View } from '../core/explorer/view';
+import { views } from '../core/explorer/view';
 import { ColourMenu } from './ColourMenu';
 import { CloseIcon, GearIcon, PinIcon, WidthIcon } from './icons';
 import type { Page } from './page';
-
-const tabs: { view: View; name: string; key: string }[] = [
-  { view: 'tree', name: 'Tree', key: '1' },
-  { view: 'deps', name: 'Dependents', key: '2' },
-  { view: 'map', name: 'Map', key: '3' },
-  { view: 'review', name: 'Review', key: '4' },
-];
 
 /** The four views, whether the page follows the selection, and what concerns the panel itself. */
 export function TopBar(props: { page: Page; paused: boolean }): JSX.Element {
@@ -21,7 +14,7 @@ export function TopBar(props: { page: Page; paused: boolean }): JSX.Element {
   return (
     <header class="top">
       <div class="tabs" role="tablist" aria-label="Views">
-        <For each={tabs}>
+        <For each={views}>
           {(tab) => (
             <button
               type="button"

@@ -1,7 +1,7 @@
 // What a key means on the page. Pure: an event's names in, a command out.
 
 import type { Move } from '../outline/TreeModel';
-import type { View } from '../explorer/view';
+import { views, type View } from '../explorer/view';
 import type { TakenForm } from '../take/written';
 
 export type Command =
@@ -31,13 +31,6 @@ const moves: Record<string, Move | undefined> = {
   End: 'last',
 };
 
-const views: Record<string, View | undefined> = {
-  '1': 'tree',
-  '2': 'deps',
-  '3': 'map',
-  '4': 'review',
-};
-
 /** `finding`: a search by typing is under way, so that every character belongs to it. */
 export function commandOf(key: Key, finding: boolean): Command | undefined {
   if (key.control !== key.meta && !key.alt && key.key.toLowerCase() === 'c') {
@@ -51,8 +44,8 @@ export function commandOf(key: Key, finding: boolean): Command | undefined {
   const how = moves[key.key];
   if (how) return { do: 'move', how };
   if (finding && key.key.length === 1) return { do: 'find', character: key.key };
-  const view = views[key.key];
-  if (view) return { do: 'view', view };
+  const tab = views.find((each) => each.key === key.key);
+  if (tab) return { do: 'view', view: tab.view };
   switch (key.key) {
     case 'Enter':
       return { do: 'drill' };

@@ -4,7 +4,8 @@ import { isObject } from './json';
 import { cellPlace, type CellPlace } from './verbs';
 
 /** The views that hot keys bring up. */
-export type ViewName = 'tree' | 'deps' | 'map';
+const summonedViews = ['tree', 'deps', 'map'] as const;
+export type ViewName = (typeof summonedViews)[number];
 
 export type NativeEvent =
   /** The user moved to another cell. */
@@ -25,8 +26,6 @@ export type NativeEvent =
   /** The settings are others now, by another hand than the page's. */
   | { name: 'settingsChanged' };
 
-const views: ReadonlySet<unknown> = new Set(['tree', 'deps', 'map'] satisfies ViewName[]);
-
 /** The event, or nothing when the name is unknown or the payload has another shape. */
 export function decodeEvent(name: unknown, payload: unknown): NativeEvent | undefined {
   const body = isObject(payload) ? payload : {};
@@ -42,15 +41,17 @@ export function decodeEvent(name: unknown, payload: unknown): NativeEvent | unde
       return { name };
     case 'summon':
       return { name, resume: body.resume === true };
-    case 'surface':
-      return views.has(body.name)
-        ? {
-            name,
-            view: body.name as ViewName,
-            wasVisible: body.wasVisible === true,
-            wasKey: body.wasKey === true,
-          }
-        : undefined;
+    case 'surface': {
+      const view = summonedViews.find((each) => each === body.name);
+      return (
+        view && {
+          name,
+          view,
+          wasVisible: body.wasVisible === true,
+          wasKey: body.wasKey === true,
+        }
+      );
+    }
     case 'followState':
       return typeof body.paused === 'boolean' ? { name, paused: body.paused } : undefined;
     case 'step':

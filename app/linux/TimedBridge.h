@@ -1,5 +1,5 @@
-// TimedLink: the panel's view of the bridge, which notes what each request of the page takes there.
-// Part of quorin_inspected alone.
+// TimedBridge: the bridge, which notes what each request of the page takes. Part of
+// quorin_inspected alone.
 #pragma once
 
 #include <chrono>
@@ -7,17 +7,17 @@
 #include <string>
 #include <utility>
 
-#include "app/shell/BridgeLink.h"
+#include "kit/bridge/Bridge.h"
 
 namespace quorin {
 
-class TimedLink : public BridgeLink {
+class TimedBridge : public Bridge {
  public:
-  using BridgeLink::BridgeLink;
+  using Bridge::Bridge;
 
-  PanelReply dispatch(const std::string& verb, const JSONValue::Array& args) override {
+  Reply dispatch(const std::string& verb, const Args& args) override {
     const auto begun = std::chrono::steady_clock::now();
-    PanelReply reply = BridgeLink::dispatch(verb, args);
+    Reply reply = Bridge::dispatch(verb, args);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
     const std::lock_guard lock(mutex_);
     // One at a time: from a list of both g++ 14 believes that it reads behind the end.

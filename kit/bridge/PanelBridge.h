@@ -1,6 +1,6 @@
-// PanelBridge: the part of the verb dispatcher that the panel, the poller and the application use.
-// It exists so that they can be tried without a spreadsheet. All calls come from the panel's bridge
-// queue but for those that say otherwise.
+// PanelBridge: what the panel, the poller and the application ask of the bridge. It exists so that
+// they can be tried without a spreadsheet. All calls come from the bridge queue but for those that
+// say otherwise.
 #pragma once
 
 #include <chrono>
@@ -11,21 +11,23 @@
 
 namespace quorin {
 
-struct PanelReply {
-  bool ok = false;
-  JSONValue payload;
-  bool operator==(const PanelReply&) const = default;
-};
-
 class PanelBridge {
  public:
   using ActivatedCell = std::function<void(const std::string& book, const std::string& sheet,
                                            const std::string& address)>;
 
+  // What a request is answered with. The payload of a failure is an error object, {"kind",
+  // "message"} and perhaps "code".
+  struct Reply {
+    bool ok = false;
+    JSONValue payload;
+    bool operator==(const Reply&) const = default;
+  };
+
   virtual ~PanelBridge() = default;
 
   // Answers a request of the page. Never throws.
-  virtual PanelReply dispatch(const std::string& verb, const JSONValue::Array& args) = 0;
+  virtual Reply dispatch(const std::string& verb, const JSONValue::Array& args) = 0;
 
   // {"book", "sheet", "addr"} of the active cell. Throws what the call threw.
   virtual JSONValue pollCell() = 0;
