@@ -79,8 +79,9 @@ int run(bool selfTestWanted) {
   Bridge bridge(excel, log, highlights, unhidden, targetApplication());
   SerialQueue bridgeQueue("qx.bridge");
   SerialQueue fileQueue("qx.files");
-  AppDelegate delegate({*platform, bridge, bridgeQueue, fileQueue, log, config, processEnvironment(),
-                        [&excel] { return excel.compileError(); }, platformFolders()});
+  AppDelegate delegate({*platform, bridge, bridgeQueue, fileQueue, log, config,
+                        processEnvironment(), [&excel] { return excel.compileError(); },
+                        platformFolders()});
   application.setDelegate(delegate);
   application.run();
   return 0;
