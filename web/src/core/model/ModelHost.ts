@@ -84,6 +84,8 @@ export class ModelHost {
         const told = findings.slice(0, question.args.rank);
         return yield* picturesOf(model, told, this.map.huesOf(model));
       }
+      case 'rowCover':
+        return yield* model.rowCover(question.args.sheet);
       case 'sketch':
         return yield* sketchesOf(model);
       case 'marks':

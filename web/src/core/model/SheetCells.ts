@@ -100,6 +100,11 @@ export class SheetCells {
     return block ? (block.formulas[indexIn(block.area, row, col)] as number) : 0;
   }
 
+  kindAt(row: number, col: number): Kind {
+    const block = this.blockAt(row, col);
+    return block ? (block.kinds[indexIn(block.area, row, col)] as Kind) : Kind.Blank;
+  }
+
   valueAt(row: number, col: number): CellValue {
     const block = this.blockAt(row, col);
     if (!block) return { kind: Kind.Blank, value: null };

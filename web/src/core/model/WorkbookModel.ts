@@ -13,6 +13,7 @@ import type { BookEntry, Cells, Comparison, TablePlace } from './messages';
 import { labelOf } from './labels';
 import { Names } from './Names';
 import type { Meanings } from './references';
+import { rowCover } from './rowCover';
 import { isCalculated, SheetCells, Texts } from './SheetCells';
 import { sameFormula } from './sameFormula';
 
@@ -139,6 +140,11 @@ export class WorkbookModel {
   label({ sheet, area }: SheetArea): string {
     const cells = this.sheets[sheet];
     return cells ? labelOf(cells, area) : '';
+  }
+
+  *rowCover(sheet: string): Generator<undefined, number[]> {
+    const cells = this.cellsOf(this.sheetNumber(sheet) ?? -1);
+    return cells ? yield* rowCover(cells, this.formulas) : [];
   }
 
   value({ sheet, area }: SheetArea): Scalar {

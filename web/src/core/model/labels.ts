@@ -34,18 +34,16 @@ function leftOf(cells: SheetCells, row: number, col: number): string {
 /** A heading may be a year: the number on top of a column of numbers, under which a gap is none. */
 function above(cells: SheetCells, row: number, col: number): string {
   for (let at = row - 1; at >= Math.max(1, row - rowsAway); at--) {
-    const text = textAt(cells, at, col);
-    // A text with a number right above it is one value among others, no heading.
-    const isValue = cells.valueAt(at - 1, col).kind === Kind.Number;
-    if (text !== '' && !isValue) return text;
-    const { kind, value } = cells.valueAt(at, col);
-    const isYear =
-      kind === Kind.Number &&
-      Number.isInteger(value) &&
-      Number(value) >= 1900 &&
-      Number(value) <= 2200;
-    if (isYear && !isYearAt(cells, at - 1, col) && !isYearAt(cells, at + 1, col))
-      return String(value);
+    const kind = cells.kindAt(at, col);
+    if (kind === Kind.Text) {
+      const text = textAt(cells, at, col);
+      // A text with a number right above it is one value among others, no heading.
+      if (text !== '' && cells.kindAt(at - 1, col) !== Kind.Number) return text;
+    } else if (kind === Kind.Number && isYearAt(cells, at, col)) {
+      const { value } = cells.valueAt(at, col);
+      const isAmongOthers = isYearAt(cells, at - 1, col) || isYearAt(cells, at + 1, col);
+      if (Number.isInteger(value) && !isAmongOthers) return String(value);
+    }
   }
   return '';
 }

@@ -135,6 +135,8 @@ export type Questions = MapQuestions & {
   inventory: { args: Record<string, never>; answer: Inventory };
   /** The sheets as a report shows them, with the findings up to a rank. */
   pictures: { args: { rank: number }; answer: Pictures };
+  /** Columns that have a cell in each filled row of the sheet; none where there are not few such. */
+  rowCover: { args: { sheet: string }; answer: number[] };
   /** What the lines of all sheets are. */
   sketch: { args: Record<string, never>; answer: SheetSketch[] };
   /** What tells the workbook from others, whatever it is called. */

@@ -165,8 +165,9 @@ export class BookScan {
   /** Which lines of a sheet are hidden; asked while nothing is read and the workbook is in front. */
   async hidden(sheet: string, area: Area): Promise<HiddenLines | undefined> {
     if (this.running || !this.ports.inFront(this.book)) return undefined;
-    const { evaluate } = this.ports.questions;
-    return findHidden(this.book, sheet, area, evaluate);
+    const { model, questions } = this.ports;
+    const cover = await model.ask(this.book, 'rowCover', { sheet });
+    return findHidden(this.book, sheet, area, cover, questions.evaluate);
   }
 
   /** What the spreadsheet gives for an expression about one of the workbook's cells; nothing where it cannot. */

@@ -20,21 +20,38 @@ export type Ask = (expression: string) => Promise<Outcome<Json>>;
 
 /** Longer ones are refused. */
 const expressionLimit = 255;
+const between = '&"|"&';
 const questionsLimit = 120;
 /** Columns beyond are not asked for. */
 const columnsLimit = 300;
 
-/** Nothing where the spreadsheet cannot tell. */
+/** The parts of the rows that are asked for: runs of the columns. */
+function partsOf({ left, right }: Area, columns: readonly number[]): Span[] {
+  const parts: Span[] = [];
+  for (const column of columns) if (column >= left && column <= right) add(parts, column, column);
+  return parts.length > 0 ? parts : [{ first: left, last: right }];
+}
+
+function shownQuestion(cells: string): string[] {
+  return [`COUNTA(${cells})`, `SUBTOTAL(103,${cells})`];
+}
+
+/**
+ * Of `cover`, columns that have a cell in each filled row, alone is asked which rows are hidden, where
+ * there are any: the spreadsheet looks at each cell it is asked about. Nothing where it cannot tell.
+ */
 export async function findHidden(
   book: string,
   sheet: string,
-  { top, left, bottom, right }: Area,
+  area: Area,
+  cover: readonly number[],
   ask: Ask,
 ): Promise<HiddenLines | undefined> {
+  const { top, left, bottom, right } = area;
   let asked = 0;
   const numbers = async (terms: readonly string[]): Promise<number[] | undefined> => {
     asked += 1;
-    const outcome = await ask(terms.join('&"|"&'));
+    const outcome = await ask(terms.join(between));
     if (!outcome.ok) return undefined;
     const found = String(outcome.value).split('|').map(Number);
     return found.length === terms.length && found.every((one) => one >= 0) ? found : undefined;
@@ -50,9 +67,9 @@ export async function findHidden(
     const terms = [width(col)];
     let next = col + 1;
     let length = terms[0]?.length ?? 0;
-    while (next <= last && length + 5 + width(next).length <= expressionLimit) {
+    while (next <= last && length + between.length + width(next).length <= expressionLimit) {
       terms.push(width(next));
-      length += 5 + width(next).length;
+      length += between.length + width(next).length;
       next += 1;
     }
     const widths = await numbers(terms);
@@ -61,15 +78,25 @@ export async function findHidden(
     col = next;
   }
 
+  const cellsOf = (rows: Span, parts: readonly Span[]) =>
+    parts
+      .map(({ first, last: to }) => {
+        const part = { top: rows.first, left: first, bottom: rows.last, right: to };
+        return inBook(book, sheet, areaAddress(part));
+      })
+      .join(',');
+  const isShort = (parts: readonly Span[]) =>
+    shownQuestion(cellsOf({ first: bottom, last: bottom + 1 }, parts)).join(between).length <=
+    expressionLimit;
+  const covering = partsOf(area, cover);
+  const parts = isShort(covering) ? covering : partsOf(area, []);
   const waiting: Span[] = [{ first: top, last: bottom }];
   for (let span = waiting.pop(); span; span = waiting.pop()) {
     if (asked >= questionsLimit) {
       hidden.partly = true;
       break;
     }
-    const rows = { top: span.first, left, bottom: span.last, right };
-    const cells = inBook(book, sheet, areaAddress(rows));
-    const told = await numbers([`COUNTA(${cells})`, `SUBTOTAL(103,${cells})`]);
+    const told = await numbers(shownQuestion(cellsOf(span, parts)));
     if (!told) return undefined;
     const [filled = 0, shown = 0] = told;
     if (filled === 0 || filled === shown) continue;

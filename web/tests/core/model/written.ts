@@ -34,7 +34,8 @@ export function pieceOf(cells: Written) {
         const [text = '', shown = '0'] = String(content).split(' -> ');
         const isFormula = typeof content === 'string' && content.startsWith('=');
         const line = formulas[row - 1] as string[];
-        const value = isFormula ? (Number.isNaN(Number(shown)) ? shown : Number(shown)) : content;
+        const isText = shown === '' || Number.isNaN(Number(shown));
+        const value = isFormula ? (isText ? shown : Number(shown)) : content;
         (values[row - 1] as Scalar[])[col - 1] = value;
         // Written for the first cell of the area, as when it is filled.
         const at = { row: top, col: left };

@@ -171,6 +171,22 @@ describe('a scan', () => {
     expect(await users('Inputs', 'B1')).toEqual(["Ann's 1,1"]);
   });
 
+  test('asks of the columns that cover the rows alone which of these are hidden', async () => {
+    spreadsheet.sheets = { Data: { used: '$A$1:$C$2', cells: { B1: 1, B2: 2, C2: 3 } } };
+    const wide = spreadsheet.evaluate;
+    spreadsheet.evaluate = (expression) =>
+      expression.startsWith('SUM(CELL("width",')
+        ? Promise.resolve(succeeded('9|9|9'))
+        : wide(expression);
+    scans.of(book).begin();
+    await settled();
+    const asked = scans.of(book).hidden('Data', parseArea('A1:C2') as Area);
+    await settled();
+    await asked;
+    const cells = "'[Ann''s model.xlsx]Data'!B1:B2";
+    expect(spreadsheet.asked).toContain(`evaluate COUNTA(${cells})&"|"&SUBTOTAL(103,${cells})`);
+  });
+
   test('reads hidden and protected sheets like any other, and of a chart sheet that it is blank', async () => {
     const uses = (factor: number): Cells => ({
       A1: { formula: `=Inputs!R1C2*${String(factor)}`, gives: 5 * factor },
