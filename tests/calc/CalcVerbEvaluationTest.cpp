@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include "tests/calc/CalcReads.h"
+#include "tests/calc/SheetHands.h"
 #include "tests/fakes/StoppedProcess.h"
 
 namespace quorin::host::calc {
@@ -52,6 +53,22 @@ TEST_F(CalcReads, EvaluatesOnSheetsWhateverTheirNamesAre) {
   EXPECT_EQ(evaluate("'[EDGES.xlsx]" + other.substr(1)), two);
   EXPECT_EQ(evaluate("[EDGES.xlsx]data!B1*2+CELL(\"width\",A1)*0"), R"({"ok":true,"value":25})");
   EXPECT_EQ(deep({"'[edges.XLSX]" + other.substr(1)}), two);
+}
+
+// One after the other, in one question and in several: what a look leaves behind would show.
+TEST_F(CalcReads, TellsHowCellsLook) {
+  SheetHands sheets(road->office().open(), "Edges.xlsx");
+  sheets.setColumnWidth("Blank", 2, 12'000);
+  sheets.showColumn("Blank", 3, false);
+  const std::string width = R"(CELL("width",Blank!)";
+  EXPECT_EQ(evaluate("(" + width + "B1)>" + width + "A1))&" + width + "C1)&(" + width + "A1)>0)"),
+            R"({"ok":true,"value":"TRUE0TRUE"})");
+  EXPECT_EQ(evaluate(R"(CELL("prefix",A1)&"|"&CELL("prefix",B1)&"|"&CELL("protect",A1))"),
+            R"({"ok":true,"value":"'||1"})");
+  EXPECT_EQ(evaluate("(" + width + "D1)=" + width + "A1))&" + width + "C4)"),
+            R"({"ok":true,"value":"TRUE0"})");
+  EXPECT_EQ(evaluate(R"(CELL("prefix",Blank!C1)&"|"&CELL("color",B1))"),
+            R"({"ok":true,"value":"|0"})");
 }
 
 TEST_F(CalcReads, EvaluatesOrSaysWhyNot) {

@@ -73,14 +73,18 @@ std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const
   const auto source = cellsOf(theirs, cell.sheet.sheet, firstArea(cell));
   const auto target = cellsOf(ours, sheet, standIn);
   const Reference<XPropertySet> from(source, UNO_QUERY_THROW), to(target, UNO_QUERY_THROW);
+  const bool ofColumn = kind == "WIDTH";
   try {
-    writeValues(sheetOf(ours, sheet), standIn, readValues(theirs, cell, CallLimits()));
-    adopt(to, from, {"HoriJustify", "CellProtection"});
-    to->setPropertyValue("NumberFormat",
-                         sameFormat(ours, theirs, from->getPropertyValue("NumberFormat")));
-    adopt(columnOf(target), columnOf(source), {"Width", "IsVisible"});
-    adopt(defaultStyle(ours), defaultStyle(theirs),
-          {"CharFontName", "CharHeight", "CharWeight", "CharPosture"});
+    if (ofColumn) {
+      adopt(columnOf(target), columnOf(source), {"Width", "IsVisible"});
+      adopt(defaultStyle(ours), defaultStyle(theirs),
+            {"CharFontName", "CharHeight", "CharWeight", "CharPosture"});
+    } else {
+      writeValues(sheetOf(ours, sheet), standIn, readValues(theirs, cell, CallLimits()));
+      adopt(to, from, {"HoriJustify", "CellProtection"});
+      to->setPropertyValue("NumberFormat",
+                           sameFormat(ours, theirs, from->getPropertyValue("NumberFormat")));
+    }
   } catch (const css::lang::DisposedException&) {
     throw;
   } catch (const css::uno::Exception&) {
@@ -89,7 +93,8 @@ std::optional<CellValue> cellLooks(FormulaCells& formulas, Workbook& ours, const
   const Evaluation told = formulas.valueOf(
       {"CELL(\"" + kind + "\";" + calcAddress(sheet, standIn) + ")", {}, true}, CallLimits());
   constexpr sal_Int32 everything = 1023;
-  Reference<css::sheet::XSheetOperation>(target, UNO_QUERY_THROW)->clearContents(everything);
+  if (!ofColumn)
+    Reference<css::sheet::XSheetOperation>(target, UNO_QUERY_THROW)->clearContents(everything);
   const auto* value = std::get_if<CellValue>(&told);
   if (value == nullptr) return std::nullopt;
   // Calc tells of no prefix as of a NUL.
