@@ -71,20 +71,36 @@ function alongLine(
   close();
 }
 
-/** The corner numbers of a member's references as lines of the sheet; the dollar signs beside them. */
-function valuesOf({ at, shape }: Member): { numbers: number[]; signs: string } {
-  const numbers: number[] = [];
-  let signs = '';
-  for (const slot of shape.slots) {
-    if (slot.kind !== 'reference') continue;
-    signs += `|${slot.prefix}`;
-    corners(slot).forEach((corner, i) => {
-      const base = i % 2 === 0 ? at.row : at.col;
-      numbers.push(corner ? (corner.fixed ? corner.at : corner.at + base) : 0);
-      signs += corner?.fixed === true ? '$' : '.';
-    });
+/** A corner's line: how far from the cell's own row or column, or where it is fixed. */
+type Line = { at: number; from: 'row' | 'col' | undefined };
+type Lines = { lines: Line[]; signs: string };
+
+const linesOfShapes = new WeakMap<Shape, Lines>();
+
+/** The corners of a shape's references; the dollar signs beside them. */
+function linesOf(shape: Shape): Lines {
+  let known = linesOfShapes.get(shape);
+  if (!known) {
+    known = { lines: [], signs: '' };
+    for (const slot of shape.slots) {
+      if (slot.kind !== 'reference') continue;
+      known.signs += `|${slot.prefix}`;
+      for (const [i, corner] of corners(slot).entries()) {
+        const isFixed = corner?.fixed === true;
+        const own = i % 2 === 0 ? 'row' : 'col';
+        known.lines.push({ at: corner?.at ?? 0, from: corner && !isFixed ? own : undefined });
+        known.signs += isFixed ? '$' : '.';
+      }
+    }
+    linesOfShapes.set(shape, known);
   }
-  return { numbers, signs };
+  return known;
+}
+
+/** The corner numbers of a member's references as lines of the sheet. */
+function valuesOf({ at, shape }: Member): { numbers: number[]; signs: string } {
+  const { lines, signs } = linesOf(shape);
+  return { numbers: lines.map((line) => (line.from ? line.at + at[line.from] : line.at)), signs };
 }
 
 function inRun(evidence: Evidence, grid: SheetGrid, run: Member[], clues: Clue[]): void {
@@ -209,6 +225,8 @@ function clueOf(
 }
 
 function mostCommon<T>(items: readonly T[]): { value: T | undefined; share: number } {
+  if (items.every((item) => item === items[0]))
+    return { value: items[0], share: items.length === 0 ? 0 : 1 };
   const counts = new Map<T, number>();
   let value: T | undefined;
   let most = 0;
@@ -217,5 +235,5 @@ function mostCommon<T>(items: readonly T[]): { value: T | undefined; share: numb
     counts.set(item, count);
     if (count > most) [value, most] = [item, count];
   }
-  return { value, share: items.length === 0 ? 0 : most / items.length };
+  return { value, share: most / items.length };
 }
