@@ -5,7 +5,7 @@ import { audit } from '../audit/audit';
 import type { ModelClient } from '../model/ModelClient';
 import type { Question } from '../model/messages';
 import { ModelHost } from '../model/ModelHost';
-import { drain } from '../time/drain';
+import { drain, drainBetween } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
 import { Hues } from '../map/Hues';
 import { hiddenLinesOf } from './hidden';
@@ -52,7 +52,12 @@ export async function auditOf(
       if (!saved) return { file, error: 'Its review is of another version.' };
       ({ seen } = await model.ask(book, 'seen', { prints: saved.seen }));
     }
-    const findings = drain(audit(workbook));
+    const inventory = drain(inventoryOf(workbook));
+    // The spreadsheet tells what is hidden while the audit works.
+    const [hidden, findings] = await Promise.all([
+      hiddenLinesOf(scan, inventory.sheets),
+      drainBetween(audit(workbook), ports.clock),
+    ]);
     const { formulas, distinct } = await model.ask(book, 'state', {});
     const said = new Map<number, Said>();
     if (saved && saved.snapshots.length > 0) {
@@ -60,8 +65,6 @@ export async function auditOf(
       const sketches = await model.ask(book, 'sketch', {});
       for (const [{ rank }, one] of saidOf(saved, rows, sketches)) said.set(rank, one);
     }
-    const inventory = drain(inventoryOf(workbook));
-    const hidden = await hiddenLinesOf(scan, inventory.sheets);
     const sure = (confidence: string) =>
       findings.filter((finding) => finding.confidence === confidence).length;
     return {
