@@ -4,7 +4,7 @@ import type { Level } from '../audit/Finding';
 import { count } from '../format/words';
 import { stateName } from '../review/kinds';
 import { htmlOf } from './html';
-import { at, placeOf, type Report, type ReportedFinding } from './Report';
+import { at, placeOf, type Report, type ReportedFinding, type Summary } from './Report';
 
 export type Format = 'text' | 'json' | 'jsonl' | 'csv' | 'html' | 'sarif';
 
@@ -67,14 +67,27 @@ const columns = [
   'state',
   'note',
   'error',
+  // Of the workbook, the same in each of its rows: how far the review of it is, and of how much.
+  'seen',
+  'distinctFormulas',
+  'judged',
+  'findings',
 ];
+
+/** Empty where it is not known. */
+function progress({ seen, distinctFormulas, said, findings }: Summary): (string | number)[] {
+  const judged = said ? said.fault + said.fine + said.later : '';
+  return [seen ?? '', distinctFormulas, judged, findings];
+}
 
 function csvOf(reports: readonly Report[]): string {
   const rows = [columns.join(',')];
   for (const report of reports) {
     if ('error' in report) {
       rows.push(
-        [field(report.file), ...columns.slice(2).map(() => ''), field(report.error)].join(),
+        columns
+          .map((column) => (column === 'file' || column === 'error' ? field(report[column]) : ''))
+          .join(),
       );
       continue;
     }
@@ -94,6 +107,7 @@ function csvOf(reports: readonly Report[]): string {
           one.state ?? '',
           one.note ?? '',
           '',
+          ...progress(report.summary),
         ]
           .map(field)
           .join(),
@@ -119,6 +133,7 @@ function sarifSaid({ state, note = '' }: ReportedFinding): object {
 function sarifOf(reports: readonly Report[], version: string): string {
   const rules = new Set<string>();
   const results = [];
+  const artifacts = [];
   const notifications = [];
   for (const report of reports) {
     const uri = encodeURI(report.file);
@@ -130,6 +145,7 @@ function sarifOf(reports: readonly Report[], version: string): string {
       });
       continue;
     }
+    artifacts.push({ location: { uri }, properties: report.summary });
     for (const finding of report.findings) {
       rules.add(finding.kind);
       results.push({
@@ -169,6 +185,7 @@ function sarifOf(reports: readonly Report[], version: string): string {
               toolExecutionNotifications: notifications,
             },
           ],
+          artifacts,
           results,
         },
       ],

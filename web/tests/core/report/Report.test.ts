@@ -99,9 +99,9 @@ describe('A report', () => {
     };
     expect(written([evil, bad], 'csv', '1.0')).toBe(
       [
-        'file,rank,kind,level,confidence,sheet,cells,message,expected,reach,state,note,error',
-        `"'=HYPERLINK(""http://x"")",1,differs,doubt,high,"My ""Data""",C7 C9:D12,"'@SUM(1)\nand more",'=A7+B7,1,,,`,
-        'c.xlsx,,,,,,,,,,,,"""c.xlsx"" is not a workbook"',
+        'file,rank,kind,level,confidence,sheet,cells,message,expected,reach,state,note,error,seen,distinctFormulas,judged,findings',
+        `"'=HYPERLINK(""http://x"")",1,differs,doubt,high,"My ""Data""",C7 C9:D12,"'@SUM(1)\nand more",'=A7+B7,1,,,,,2,,3`,
+        'c.xlsx,,,,,,,,,,,,"""c.xlsx"" is not a workbook",,,,',
         '',
       ].join('\r\n'),
     );
@@ -111,7 +111,8 @@ describe('A report', () => {
     const fine = reported(finding, { state: 'fine', note: '=agreed\n<b>', at: '' });
     const fault = reported({ ...finding, rank: 2 }, { state: 'fault', note: '', at: '' });
     const said = { fault: 1, fine: 1, later: 0 };
-    const judged: Report = { ...good, summary: { ...summary, said }, findings: [fine, fault] };
+    const progress = { ...summary, said, seen: 1 };
+    const judged: Report = { ...good, summary: progress, findings: [fine, fault] };
     expect(JSON.parse(written([judged], 'json', '1.0'))).toMatchObject({
       summary: { said },
       findings: [
@@ -123,15 +124,18 @@ describe('A report', () => {
     expect(text).toContain('      Said: Fine: =agreed <b>\n');
     expect(text).toContain('      Said: Fault\n');
     const csv = written([judged], 'csv', '1.0');
-    expect(csv).toContain(`,1,fine,"'=agreed\n<b>",\r\n`);
-    expect(csv).toContain(',1,fault,,\r\n');
+    expect(csv).toContain(`,1,fine,"'=agreed\n<b>",,1,2,2,3\r\n`);
+    expect(csv).toContain(',1,fault,,,1,2,2,3\r\n');
     const html = written([judged], 'html', '1.0');
     expect(html).toContain('<li class="finding fine">');
     expect(html).toContain('<p class="why">=agreed\n&lt;b&gt;</p>');
     expect(html).toContain('Judged: 1 fault, 1 fine, 0 for later.');
     const sarif = JSON.parse(written([judged], 'sarif', '1.0')) as {
-      runs: { results: Record<string, unknown>[] }[];
+      runs: { artifacts: unknown[]; results: Record<string, unknown>[] }[];
     };
+    expect(sarif.runs[0]?.artifacts).toEqual([
+      { location: { uri: 'a%20b.xlsx' }, properties: progress },
+    ]);
     const [one, two] = sarif.runs[0]?.results ?? [];
     expect(one).toMatchObject({
       properties: { state: 'fine', note: '=agreed\n<b>' },
@@ -172,6 +176,7 @@ describe('A report', () => {
             ],
           },
         ],
+        artifacts: [{ location: { uri: 'a%20b.xlsx' }, properties: summary }],
         results: [
           {
             ruleId: 'differs',
