@@ -92,6 +92,15 @@ export function* rowsOf(
   return rows;
 }
 
+/** As it stands in the finding's first cell; empty for a cell without one. */
+export function formulaOf(model: WorkbookModel, { cells: [first] }: Finding): string {
+  const place = first && model.place(first);
+  if (!place) return '';
+  const { area } = place;
+  const formula = model.cellsOf(place.sheet)?.formulaAt(area.top, area.left) ?? 0;
+  return formula === 0 ? '' : cut(formulaInFirst(model.formulas.at(formula), area));
+}
+
 function rowOf(model: WorkbookModel, finding: Finding, shapes: Shapes): FindingRow {
   const { cells, expected } = finding;
   const [first] = cells;
@@ -107,10 +116,9 @@ function rowOf(model: WorkbookModel, finding: Finding, shapes: Shapes): FindingR
   if (!place) return { ...told, formula: '', value: null, label: '' };
   const { area } = place;
   const one = { ...place, area: { ...area, bottom: area.top, right: area.left } };
-  const formula = model.cellsOf(place.sheet)?.formulaAt(area.top, area.left) ?? 0;
   return {
     ...told,
-    formula: formula === 0 ? '' : cut(formulaInFirst(model.formulas.at(formula), area)),
+    formula: formulaOf(model, finding),
     value: model.value(one),
     label: model.label(one),
   };

@@ -15,6 +15,8 @@ export type ReportedFinding = {
   /** Addresses on that sheet; those on others say theirs. */
   cells: string[];
   message: string;
+  /** In the first cell; only where it has one. */
+  formula?: string;
   expected: string;
   confidence: Confidence;
   reach: number;
@@ -58,7 +60,7 @@ export function at(sheet: string, address: string): string {
     : qualified(sheet, address);
 }
 
-export function reported(finding: Finding, said?: Said): ReportedFinding {
+export function reported(finding: Finding, formula: string, said?: Said): ReportedFinding {
   const { rank, kind, level, cells, sentence, expected, confidence, reach } = finding;
   const sheet = cells[0]?.sheet ?? '';
   return {
@@ -71,6 +73,7 @@ export function reported(finding: Finding, said?: Said): ReportedFinding {
       return one.sheet === sheet ? address : at(one.sheet, address);
     }),
     message: sentence,
+    ...(formula === '' ? {} : { formula }),
     expected,
     confidence,
     reach,
@@ -88,6 +91,11 @@ export function saidCounts(said: readonly Said[]): Record<State, number> {
 export function topOf(findings: readonly ReportedFinding[], top: number): ReportedFinding[] {
   let left = top;
   return findings.filter(({ state }) => left > 0 && (state === 'fine' || left-- > 0));
+}
+
+/** The file without its folders. */
+export function nameOf({ file }: Report): string {
+  return file.slice(file.lastIndexOf('/') + 1);
 }
 
 export function placeOf({ sheet, cells }: ReportedFinding): string {

@@ -1,6 +1,6 @@
 // Reads a workbook whole, as the page does, and tells what the audit finds in it.
 
-import { rowsOf } from '../audit/answer';
+import { formulaOf, rowsOf } from '../audit/answer';
 import { audit } from '../audit/audit';
 import type { ModelClient } from '../model/ModelClient';
 import type { Question } from '../model/messages';
@@ -83,7 +83,9 @@ export async function auditOf(
         notRead: scan.state.notRead,
       },
       findings: topOf(
-        findings.map((finding) => reported(finding, said.get(finding.rank))),
+        findings.map((finding) =>
+          reported(finding, formulaOf(workbook, finding), said.get(finding.rank)),
+        ),
         top,
       ),
       inventory: { ...inventory, hidden },

@@ -5,7 +5,7 @@ import { confidenceName, kindName, stateName } from '../review/kinds';
 import { count, grouped } from '../format/words';
 import { patterns, picturesHtml } from './pictureHtml';
 import { mostCounted, type Inventory } from './inventory';
-import { placeOf, type Report, type ReportedFinding, type Summary } from './Report';
+import { nameOf, placeOf, type Report, type ReportedFinding, type Summary } from './Report';
 
 type Audited = Extract<Report, { findings: unknown }>;
 
@@ -33,7 +33,7 @@ table { border-collapse: collapse; width: 100%; }
 th, td { text-align: left; vertical-align: top; padding: .3rem .6rem; border-bottom: 1px solid var(--line); overflow-wrap: anywhere; }
 td.number, th.number { text-align: right; font-variant-numeric: tabular-nums; overflow-wrap: normal; }
 ol.findings { list-style: none; padding: 0; }
-.finding { border: 1px solid var(--line); border-left: .3rem solid var(--line); border-radius: .3rem; padding: .5rem .8rem; margin: .7rem 0; break-inside: avoid; }
+.finding { border: 1px solid var(--line); border-left: .3rem solid var(--line); border-radius: .3rem; padding: .5rem .8rem; margin: .7rem 0; break-inside: avoid; overflow-wrap: anywhere; }
 .finding.high { border-left: .3rem solid currentColor; }
 .finding.medium { border-left: .3rem double currentColor; }
 .finding.fine { border-style: dashed; }
@@ -81,6 +81,17 @@ function shortPlace(finding: ReportedFinding): string {
   return `${placeOf(first)} and ${count(left, 'more area')}`;
 }
 
+/** More of a formula is left out. */
+const longestFormula = 400;
+
+/** The formula in the first cell, where the sentence does not have it already. */
+function formulaHtml({ cells, message, formula = '' }: ReportedFinding): string {
+  if (formula === '' || message.includes(formula)) return '';
+  const shown = formula.length > longestFormula ? `${formula.slice(0, longestFormula)}…` : formula;
+  const [first = ''] = cells[0]?.split(':') ?? [];
+  return `<p>${text(first)}: <code>${text(shown)}</code></p>\n`;
+}
+
 function findingHtml(finding: ReportedFinding): string {
   const { rank, kind, confidence, message, expected, reach, state, note = '' } = finding;
   const about = [kindName(kind), confidenceName(confidence)];
@@ -91,7 +102,7 @@ function findingHtml(finding: ReportedFinding): string {
   return `<li class="finding ${state === 'fine' ? 'fine' : confidence}">
 <p><strong>${String(rank)}. ${text(shortPlace(finding))}</strong>${judged}</p>
 <p>${text(message)}</p>
-${wanted}${why}<p class="about">${about.map((one) => `<span>${text(one)}</span>`).join('')}</p>
+${formulaHtml(finding)}${wanted}${why}<p class="about">${about.map((one) => `<span>${text(one)}</span>`).join('')}</p>
 </li>`;
 }
 
@@ -198,8 +209,17 @@ function summaryHtml(summary: Summary): string {
   }`;
 }
 
-function reportHtml(report: Report, at: number): string {
-  const head = `<h2 id="file${String(at)}"${at > 0 ? ' class="new"' : ''}>${text(report.file)}</h2>`;
+/** What each workbook is called: its file's name, with folders only where two have one name. */
+function titlesOf(reports: readonly Report[]): string[] {
+  const names = reports.map(nameOf);
+  return reports.map(({ file }, i) => {
+    const name = names[i] as string;
+    return names.indexOf(name) === names.lastIndexOf(name) ? name : file;
+  });
+}
+
+function reportHtml(report: Report, title: string, at: number): string {
+  const head = `<h2 id="file${String(at)}"${at > 0 ? ' class="new"' : ''}>${text(title)}</h2>`;
   if ('error' in report)
     return `<section>\n${head}\n<p class="trouble">Could not be audited: ${text(report.error)}</p>\n</section>`;
   return `<section>
@@ -212,31 +232,34 @@ ${report.pictures ? `${picturesHtml(report.pictures, text)}\n` : ''}${inventoryH
 }
 
 /** A line for each file of several, leading to it. */
-function contents(reports: readonly Report[]): string {
+function contents(reports: readonly Report[], titles: readonly string[]): string {
   if (reports.length < 2) return '';
   const lines = reports.map((report, at) => {
     const told =
       'error' in report
         ? 'could not be audited'
         : `${count(report.summary.findings, 'finding')}, ${grouped(String(report.summary.high))} high`;
-    return `<li><a href="#file${String(at)}">${text(report.file)}</a>: ${told}</li>`;
+    return `<li><a href="#file${String(at)}">${text(titles[at] ?? '')}</a>: ${told}</li>`;
   });
   return `<ul>\n${lines.join('\n')}\n</ul>\n`;
 }
 
 export function htmlOf(reports: readonly Report[], version: string): string {
+  const titles = titlesOf(reports);
+  const one = reports.length === 1 ? titles[0] : undefined;
+  const sections = reports.map((report, at) => reportHtml(report, titles[at] ?? '', at));
   return `<!DOCTYPE html>
 <html lang="en">
 <head>
 <meta charset="utf-8">
 <meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
 <meta name="viewport" content="width=device-width">
-<title>Audit of ${text(reports.length === 1 ? (reports[0] as Report).file : count(reports.length, 'workbook'))}</title>
+<title>Audit of ${text(one ?? count(reports.length, 'workbook'))}</title>
 <style>${style}</style>
 </head>
 <body>
 <h1>Audit of ${reports.length === 1 ? 'a workbook' : count(reports.length, 'workbook')}</h1>
-${reports.some((one) => 'pictures' in one) ? `${patterns()}\n` : ''}${contents(reports)}${reports.map(reportHtml).join('\n')}
+${reports.some((one) => 'pictures' in one) ? `${patterns()}\n` : ''}${contents(reports, titles)}${sections.join('\n')}
 <footer><p>Made by Quorin${version === '' ? '' : ` ${text(version)}`}. A finding is a place to look at, not a verdict.</p></footer>
 </body>
 </html>

@@ -46,7 +46,7 @@ export async function reportOfReview(
       said: saidCounts(findings.flatMap((finding) => saidOf(finding) ?? [])),
       notRead,
     },
-    findings: findings.map((finding) => reported(finding, saidOf(finding))),
+    findings: findings.map((finding) => reported(finding, finding.formula, saidOf(finding))),
     inventory: { ...inventory, hidden },
     ...pictures,
   };

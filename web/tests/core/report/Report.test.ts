@@ -45,22 +45,29 @@ const inventory: Inventory = {
   unlabelled: { all: 0, listed: [] },
 };
 
-const good: Report = { file: 'a b.xlsx', summary, findings: [reported(finding)], inventory };
+const good: Report = {
+  file: 'a b.xlsx',
+  summary,
+  findings: [reported(finding, '=A7-B7')],
+  inventory,
+};
 const bad: Report = { file: 'c.xlsx', error: '"c.xlsx" is not a workbook' };
 
 describe('A report', () => {
   it('has the cells on the first one’s sheet plain and others with theirs', () => {
-    expect(reported(finding)).toEqual({
+    expect(reported(finding, '=A7-B7')).toEqual({
       rank: 1,
       kind: 'differs',
       level: 'doubt',
       sheet: 'My "Data"',
       cells: ['C7', 'C9:D12', "'Other''s'!A1"],
       message: 'C7 takes B7 away, the others add it.',
+      formula: '=A7-B7',
       expected: '=A7+B7',
       confidence: 'high',
       reach: 1,
     });
+    expect(reported(finding, '')).not.toHaveProperty('formula');
   });
 
   it('is text to be read', () => {
@@ -94,7 +101,9 @@ describe('A report', () => {
     const evil: Report = {
       file: '=HYPERLINK("http://x")',
       summary,
-      findings: [{ ...reported(finding), message: '@SUM(1)\nand more', cells: ['C7', 'C9:D12'] }],
+      findings: [
+        { ...reported(finding, '=A7-B7'), message: '@SUM(1)\nand more', cells: ['C7', 'C9:D12'] },
+      ],
       inventory,
     };
     expect(written([evil, bad], 'csv', '1.0')).toBe(
@@ -108,8 +117,8 @@ describe('A report', () => {
   });
 
   it('says what the reviewer said', () => {
-    const fine = reported(finding, { state: 'fine', note: '=agreed\n<b>', at: '' });
-    const fault = reported({ ...finding, rank: 2 }, { state: 'fault', note: '', at: '' });
+    const fine = reported(finding, '', { state: 'fine', note: '=agreed\n<b>', at: '' });
+    const fault = reported({ ...finding, rank: 2 }, '', { state: 'fault', note: '', at: '' });
     const said = { fault: 1, fine: 1, later: 0 };
     const progress = { ...summary, said, seen: 1 };
     const judged: Report = { ...good, summary: progress, findings: [fine, fault] };
@@ -148,7 +157,7 @@ describe('A report', () => {
   it('leaves those that are not fine their places', () => {
     const states = ['fine', undefined, 'fine', 'fault', 'later', 'fine'] as const;
     const all = states.map((state, i) => ({
-      ...reported({ ...finding, rank: i + 1 }),
+      ...reported({ ...finding, rank: i + 1 }, ''),
       ...(state ? { state } : {}),
     }));
     expect(topOf(all, 2).map(({ rank }) => rank)).toEqual([1, 2, 3, 4]);

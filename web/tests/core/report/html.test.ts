@@ -157,6 +157,32 @@ describe('A report as a page', () => {
     expect(heading(14)).toContain('C11, C12 and 2 more areas');
   });
 
+  it('shows the formula that stands there, unless the sentence has it', () => {
+    const [finding] = report.findings;
+    if (!finding) throw new Error('no finding');
+    const codes = (part: object) => {
+      const html = pageOf({ ...report, findings: [{ ...finding, ...part }] });
+      return texts(html, 'li', 'finding high').join();
+    };
+    expect(codes({ formula: '=A1<B1', cells: ['C7:C9', 'E1'] })).toContain('C7: =A1<B1 Expected');
+    expect(codes({ formula: '=A1', message: 'C7 has =A1.' })).not.toContain('C7: =A1');
+    const long = codes({ formula: `=${'A1+'.repeat(300)}A1` });
+    expect(long).toContain(`C7: =${'A1+'.repeat(133)}…`);
+    expect(codes({})).not.toContain('C7: ');
+  });
+
+  it('is called by the file, with its folders only where two have one name', () => {
+    const called = (...files: string[]) => {
+      const html = pageOf(...files.map((file) => ({ ...report, file })));
+      return [texts(html, 'h2'), texts(html, 'title')[0]];
+    };
+    expect(called('/home/ann/a.xlsx')).toEqual([['a.xlsx'], 'Audit of a.xlsx']);
+    expect(called('x/a.xlsx', 'x/b.xlsx', 'y/a.xlsx')).toEqual([
+      ['x/a.xlsx', 'b.xlsx', 'y/a.xlsx'],
+      'Audit of 3 workbooks',
+    ]);
+  });
+
   it('lists hidden rows and columns', () => {
     const hidden = [{ sheet: hostile, rows: '5:9', cols: 'C', partly: true }];
     const listed = written([{ ...report, inventory: { ...report.inventory, hidden } }], 'html', '');
