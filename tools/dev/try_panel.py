@@ -402,7 +402,7 @@ class Trial:
         self.output.mkdir(parents=True, exist_ok=True)
         self.start_calc()
         self.start_quorin()
-        wait_for("the page", lambda: self.panel.shown()["state"])
+        wait_for("the page", lambda: self.panel.shown()["state"] is not None)
         wait_for("the panel to stand beside Calc", self.stand_beside_calc)
         results = [self.try_cell(1, "ctrl+Home", "Right", "Right", "Right", "Down", "Down"),
                    self.try_cell(2, "Down", "Down"),
