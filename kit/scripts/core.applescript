@@ -26,24 +26,38 @@ end qx_probe
 
 -- {workbook, sheet, address, row number, column number, formula, local formula, value, address of
 -- the selection, address of the current region}. A constant cell's formula is the constant itself.
+-- The user may go on while these are read, one after the other: all of them are of the cell whose
+-- address is told, and where another sheet has come to the front they are read again.
 on qx_readcell()
 	tell application "Microsoft Excel"
 		with timeout of 3 seconds
-			-- With a chart or a shape selected, the selection is no range and has no address.
-			try
-				set chosen to my qx_address(selection)
-			on error msg number n
-				if not (my qx_lacks(n)) then error msg number n
-				set chosen to my qx_address(range selection of active window)
-			end try
-			-- A protected sheet refuses to tell its regions.
-			try
-				set nearby to get address of current region of active cell
-			on error msg number n
-				if not (my qx_lacks(n)) then error msg number n
-				set nearby to ""
-			end try
-			return {name of active workbook, name of active sheet, (get address of active cell), first row index of active cell, first column index of active cell, formula of active cell, formula local of active cell, value2 of active cell, chosen, nearby}
+			repeat with attempt from 1 to 3
+				set bookName to name of active workbook
+				set sheetName to name of active sheet
+				set spot to get address of active cell
+				-- With a chart or a shape selected, the selection is no range and has no address.
+				try
+					set chosen to my qx_address(selection)
+				on error msg number n
+					if not (my qx_lacks(n)) then error msg number n
+					set chosen to my qx_address(range selection of active window)
+				end try
+				set c to range spot of active sheet
+				-- A protected sheet refuses to tell its regions.
+				try
+					set nearby to get address of current region of c
+				on error msg number n
+					if not (my qx_lacks(n)) then error msg number n
+					set nearby to ""
+				end try
+				set facts to {first row index of c, first column index of c, formula of c, formula local of c, value2 of c}
+				if (name of active workbook) is bookName and (name of active sheet) is sheetName then
+					-- What is selected by now is not around this cell.
+					if (get address of active cell) is not spot then set chosen to spot
+					return {bookName, sheetName, spot} & facts & {chosen, nearby}
+				end if
+			end repeat
+			error "Another sheet came to the front while the cell was read." number -1712
 		end timeout
 	end tell
 end qx_readcell

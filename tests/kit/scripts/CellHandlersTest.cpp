@@ -1,4 +1,6 @@
 // qx_probe, qx_readcell, qx_pollcell and qx_evaluate.
+#include "host/model/Codes.h"
+#include "tests/fakes/QuirkyAnswers.h"
 #include "tests/kit/scripts/LibraryFixture.h"
 
 namespace quorin {
@@ -45,9 +47,46 @@ TEST_F(CellHandlers, ReadCellDescribesConstantsBlanksBooleansAndErrors) {
 
 TEST_F(CellHandlers, ReadCellTakesTheWindowsRangeWhenTheSelectionIsNone) {
   select("Data", "B4:C4");
-  // The first event is for the selection: a chart, say.
-  excel_->failAt(static_cast<int>(excel_->events().size()) + 1, {-1728, "", std::nullopt});
+  // The fourth event is for the selection: a chart, say.
+  excel_->failAt(static_cast<int>(excel_->events().size()) + 4, {-1728, "", std::nullopt});
   EXPECT_THAT(run("qx_readcell"), testing::EndsWith(R"j(3.5,"$B$4:$C$4","$A$1:$C$4"])j"));
+}
+
+// Whenever the user goes on while a cell is read, what is told is of one cell.
+TEST_F(CellHandlers, ReadCellTellsOneCellWhileTheUserGoesOn) {
+  const auto told = [this](const char* sheet, const char* address) {
+    select(sheet, address);
+    return run("qx_readcell");
+  };
+  const std::string constant = told("Data", "A7"), elsewhere = told("It's a test", "B2");
+  const std::string formula = told("Data", "B4");
+  excel_->forget();
+  ASSERT_EQ(run("qx_readcell"), formula);
+  const int events = static_cast<int>(excel_->events().size());
+  for (int number = 1; number <= events; ++number) {
+    select("Data", "B4");
+    excel_->forget();
+    excel_->meanwhile(number, [this] { select("Data", "A7"); });
+    EXPECT_THAT(run("qx_readcell"), testing::AnyOf(formula, constant)) << number;
+    select("Data", "B4");
+    excel_->forget();
+    excel_->meanwhile(number, [this] { select("It's a test", "B2"); });
+    EXPECT_THAT(run("qx_readcell"), testing::AnyOf(formula, elsewhere)) << number;
+  }
+}
+
+TEST_F(CellHandlers, ReadCellGivesUpWhileSheetsChangeAllTheTime) {
+  select("Data", "B4");
+  excel_->forget();
+  bool onData = true;
+  for (int number = 1; number <= 100; ++number) {
+    excel_->meanwhile(number, [this, &onData] {
+      if (fakes::propertyRead(excel_->events().back()) != host::codes::value2) return;
+      onData = !onData;
+      select(onData ? "Data" : "It's a test", "B4");
+    });
+  }
+  EXPECT_THAT(run("qx_readcell"), StartsWith("error -1712 Another sheet"));
 }
 
 TEST_F(CellHandlers, ReadCellDoesWithoutARegion) {
