@@ -26,6 +26,9 @@ export function ResultLine(props: { page: Page; stop: Stop }): JSX.Element {
       const shown = item ? evaluator.shownAs(item) : evaluator.constantShownAs;
       return resultView(props.stop.result, { isCell: !item, shown });
     });
+  // Until it is told how its cell shows it, a number stands there with all its digits and is marked.
+  const isRead = () =>
+    view().type !== 'Number' || !props.page.look(({ evaluator }) => evaluator.isTextOpen);
   // Its room is kept where there is nothing of that, so that nothing moves.
   const isRounded = () => view().type === 'Number' && view().text !== view().copy;
   const verification = () => props.page.look((explorer) => explorer.evaluator.verification);
@@ -43,6 +46,8 @@ export function ResultLine(props: { page: Page; stop: Stop }): JSX.Element {
       <span class="label">Result</span>
       <span
         class={`value is-${view().type.toLowerCase()}`}
+        classList={{ reading: !isRead() }}
+        aria-busy={!isRead()}
         data-testid="value"
         data-type={view().type}
         data-exact={view().type === 'Number' ? view().copy : undefined}

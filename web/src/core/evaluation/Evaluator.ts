@@ -85,8 +85,11 @@ export class Evaluator implements Source {
     this.texts = new ShownTexts(questions, cache);
   }
 
-  /** From now on this formula, or this cell that has none; nothing at all without either. */
-  show(subject: Subject | undefined, constant?: Home): void {
+  /**
+   * From now on this formula, or this cell that has none; nothing at all without either. `same`: the
+   * cell was in view and holds what it held.
+   */
+  show(subject: Subject | undefined, constant?: Home, same = false): void {
     this.generation += 1;
     // A formula that is read again stays in sight as it is, and nobody looks at it anew.
     if (subject?.outline !== this.subject?.outline) this.looked = [];
@@ -105,7 +108,7 @@ export class Evaluator implements Source {
     this.late = 0;
     this.halted = false;
     this.formats.clear();
-    this.texts.clear();
+    this.texts.clear(same ? (subject?.home ?? constant) : undefined);
     if (subject) this.states[0] = { status: 'known', result: subject.result };
   }
 
@@ -204,6 +207,14 @@ export class Evaluator implements Source {
     if (!subject || !shown) return undefined;
     const text = this.texts.of(shown, subject.home);
     return saysSomething(text) ? { text } : this.formatOf(item);
+  }
+
+  /** Whether it is still to be told how the cell in view, with a formula or without, shows its number. */
+  get isTextOpen(): boolean {
+    const { subject } = this;
+    const home = subject?.home ?? this.constant;
+    if (!home || this.elsewhere || (subject && this.hasStopped)) return false;
+    return this.texts.isOpen(shownCell(home), home);
   }
 
   /** As numbers of the item's cell are shown, others than the one it holds, too. */

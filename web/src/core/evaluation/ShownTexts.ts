@@ -7,6 +7,7 @@ import type { Outcome } from '../protocol/Outcome';
 import type { ShownGrid } from '../protocol/verbs';
 import { addressOf, type Home } from './expression';
 import { keyOf, toldOf } from './front';
+import type { Result } from './Result';
 import type { ResultCache } from './ResultCache';
 import type { Route } from './routes';
 
@@ -45,6 +46,11 @@ export function saysSomething(text: string | undefined): text is string {
 
 export class ShownTexts {
   private readonly tried = new Set<string>();
+  /**
+   * What was answered, be it nothing. It holds as long as the formula in view does, which may stay
+   * while another cell is selected and nothing else is known any more.
+   */
+  private readonly answered = new Map<string, Result | undefined>();
   /** Names were asked about while another sheet was in front. */
   private missed = false;
 
@@ -53,18 +59,36 @@ export class ShownTexts {
     private readonly cache: ResultCache,
   ) {}
 
-  clear(): void {
+  /** Another formula is in view, or the same again: what `same` shows stays until it is told anew. */
+  clear(same?: Home): void {
+    const known = same && key(shownCell(same), same);
+    const text = known === undefined ? undefined : this.answered.get(known);
     this.tried.clear();
+    this.answered.clear();
+    if (known !== undefined && text) this.answered.set(known, text);
     this.missed = false;
   }
 
   /** Another sheet may be in front now. */
   moved(): void {
-    if (this.missed) this.clear();
+    if (!this.missed) return;
+    this.tried.clear();
+    this.missed = false;
+  }
+
+  /** Whether it is still to be told what they show. */
+  isOpen(shown: Shown, home: Home): boolean {
+    const known = key(shown, home);
+    return !this.answered.has(known) && !this.cache.find(known);
   }
 
   grid(shown: Shown, home: Home): ShownGrid | undefined {
-    const known = this.cache.find(key(shown, home));
+    const asked = key(shown, home);
+    let known = this.answered.get(asked);
+    if (!known) {
+      known = this.cache.find(asked);
+      if (known) this.answered.set(asked, known);
+    }
     return known?.kind === 'array' ? (known.values as ShownGrid | undefined) : undefined;
   }
 
@@ -92,12 +116,19 @@ export class ShownTexts {
         ? (await toldOf({ home, far: undefined }, '', this.questions, ask))?.answer
         : await ask();
       this.missed ||= outcome === undefined;
-      if (!outcome?.ok || epoch !== this.cache.epoch) return;
+      const late = epoch !== this.cache.epoch;
       asked.forEach((shown, i) => {
-        const values = outcome.value.texts[i];
-        if (!values) return;
-        const [rows, cols] = [values.length, values[0]?.length ?? 0];
-        this.cache.keep(key(shown, home), { kind: 'array', rows, cols, values });
+        const known = key(shown, home);
+        const values = outcome?.ok ? outcome.value.texts[i] : undefined;
+        // Perhaps the text of a number that is shown no more.
+        if (late) this.tried.delete(known);
+        else if (!values) this.answered.set(known, undefined);
+        else {
+          const [rows, cols] = [values.length, values[0]?.length ?? 0];
+          const result: Result = { kind: 'array', rows, cols, values };
+          this.cache.keep(known, result);
+          this.answered.set(known, result);
+        }
       });
       changed();
     };

@@ -4,6 +4,7 @@
 
 import { Evaluator } from '../evaluation/Evaluator';
 import { ResultCache } from '../evaluation/ResultCache';
+import { compare } from '../evaluation/verification';
 import { addressLimit } from '../follow/SheetFollower';
 import { print } from '../formula/print';
 import type { Command } from '../keyboard/keys';
@@ -333,16 +334,22 @@ export class Explorer {
     const stop = stopOf(content);
     const sameFormula = here?.text === stop.text && samePlace(here.place, stop.place);
     // Read again: what was open stays open, and the way that led here stays, too.
-    if (here && sameFormula) here.result = stop.result;
-    else this.trail.begin(stop);
+    if (here && sameFormula) {
+      const same = compare(here.result, stop.result).state === 'same';
+      here.result = stop.result;
+      this.enter(same);
+      return;
+    }
+    this.trail.begin(stop);
     this.enter();
   }
 
-  private enter(): void {
+  private enter(same = false): void {
     const { here } = this;
     this.evaluator.show(
       here?.tree && { home: homeOf(here), outline: here.tree.outline, result: here.result },
       here && isPlainNumber(here) ? homeOf(here) : undefined,
+      same,
     );
     this.evaluator.leave(this.elsewhere);
     if (here?.tree) {
