@@ -9,11 +9,11 @@
 namespace quorin::host::calc {
 namespace {
 
-bool isDigit(char c) {
+bool isNumeral(char c) {
   return c >= '0' && c <= '9';
 }
 
-bool followedBy(std::string_view text, std::size_t position, std::string_view any) {
+bool hasAt(std::string_view text, std::size_t position, std::string_view any) {
   return position < text.size() && any.find(text[position]) != std::string_view::npos;
 }
 
@@ -22,7 +22,7 @@ bool followedBy(std::string_view text, std::size_t position, std::string_view an
 std::optional<std::string_view> readText(std::string_view text, std::size_t& position) {
   for (std::size_t at = position + 1; at < text.size(); ++at) {
     if (text[at] != '"') continue;
-    if (followedBy(text, at + 1, "\"")) {
+    if (hasAt(text, at + 1, "\"")) {
       ++at;
       continue;
     }
@@ -102,10 +102,10 @@ std::optional<std::string> readArray(std::string_view text, std::size_t& positio
 
 std::string_view readWord(std::string_view text, std::size_t& position) {
   const std::size_t start = position;
-  const bool numeric = start < text.size() && (isDigit(text[start]) || text[start] == '.');
+  const bool numeric = start < text.size() && (isNumeral(text[start]) || text[start] == '.');
   std::size_t at = start;
   const auto isExponentSign = [&] {
-    return numeric && followedBy(text, at, "+-") && followedBy(text, at - 1, "Ee");
+    return numeric && hasAt(text, at, "+-") && hasAt(text, at - 1, "Ee");
   };
   while (at < text.size() && (isWordCharacter(text[at]) || isExponentSign())) ++at;
   position = at;
@@ -116,18 +116,18 @@ bool isNumber(std::string_view word) {
   std::size_t at = 0;
   const auto digits = [&] {
     const std::size_t start = at;
-    while (at < word.size() && isDigit(word[at])) ++at;
+    while (at < word.size() && isNumeral(word[at])) ++at;
     return at - start;
   };
   std::size_t count = digits();
-  if (followedBy(word, at, ".")) {
+  if (hasAt(word, at, ".")) {
     ++at;
     count += digits();
   }
   if (count == 0) return false;
-  if (followedBy(word, at, "Ee")) {
+  if (hasAt(word, at, "Ee")) {
     ++at;
-    if (followedBy(word, at, "+-")) ++at;
+    if (hasAt(word, at, "+-")) ++at;
     if (digits() == 0) return false;
   }
   return at == word.size();
