@@ -9,6 +9,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # for overlapping ones.
   target_compile_options(quorin_options INTERFACE -Wno-maybe-uninitialized -Wno-restrict)
 endif()
+if(QUORIN_JOINED)
+  # What one source calls is none of the next one's business, and about JSON values in a list g++ is
+  # wrong: who only wants the program is told of neither.
+  target_compile_options(quorin_options INTERFACE -Wno-shadow -Wno-array-bounds)
+endif()
 if(QUORIN_WERROR)
   target_compile_options(quorin_options INTERFACE -Werror)
 endif()
@@ -53,9 +58,6 @@ endfunction()
 function(quorin_join target)
   if(QUORIN_JOINED)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
-    # A name of one source is none of the next one's business, and about JSON values in a list GCC is
-    # wrong: who only wants the program reads neither.
-    target_compile_options(${target} PRIVATE -Wno-shadow -Wno-array-bounds)
     if(ARGN)
       set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     endif()
