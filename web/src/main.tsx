@@ -32,6 +32,7 @@ import { takeAlong } from './view/takeAlong';
 import type { Activity, Page } from './view/page';
 import { startWorker } from './worker/start';
 import './view/style.css';
+import './view/narrow.css';
 
 const clock: Clock = {
   after(milliseconds, action) {

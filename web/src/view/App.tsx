@@ -219,6 +219,8 @@ export function App(props: AppProps): JSX.Element {
         page={props.page}
         status={props.selection.status}
         here={here()}
+        help={help()}
+        onHelp={settings() ? undefined : () => setHelp(!help())}
         said={
           sentence()?.title ??
           (notice() ||

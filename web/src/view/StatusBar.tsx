@@ -12,6 +12,10 @@ export type StatusBarProps = {
   here: Stop | undefined;
   /** The sentence of the moment; empty for none. */
   said: string;
+  /** Whether the keys are shown. */
+  help: boolean;
+  /** Nothing where the view in front has none. */
+  onHelp: (() => void) | undefined;
 };
 
 /** The foot: where one is in the tree, what was said last, and what of ours is in the workbook. */
@@ -67,6 +71,21 @@ export function StatusBar(props: StatusBarProps): JSX.Element {
           >
             Clear
           </button>
+        </Show>
+        <Show when={props.onHelp}>
+          {(show) => (
+            <button
+              type="button"
+              class="iconButton footHelp"
+              data-testid="help-button"
+              aria-pressed={props.help}
+              aria-label="Keys"
+              title="Keys (?)"
+              onClick={() => show()()}
+            >
+              ?
+            </button>
+          )}
         </Show>
       </div>
     </footer>

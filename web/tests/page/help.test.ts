@@ -32,6 +32,20 @@ describe('help', () => {
     await help.waitFor({ state: 'detached' });
   });
 
+  test('is there for the mouse, and not over the settings, where these keys do nothing', async () => {
+    const page = await browser.open(model);
+    await page.verified('same');
+    const help = page.page.getByTestId('help');
+    const button = page.page.getByTestId('help-button');
+    await button.click();
+    expect(await help.innerText()).toContain('opens the formula of the cell behind the row');
+    expect(await button.getAttribute('aria-pressed')).toBe('true');
+    await page.page.keyboard.press('Escape');
+    await help.waitFor({ state: 'detached' });
+    await page.page.getByTestId('gear').click();
+    await button.waitFor({ state: 'detached' });
+  });
+
   test('greets on a first start, and never again once that is dismissed', async () => {
     const page = await browser.open({ ...model, isWelcomed: success(false) });
     await page.verified('same');

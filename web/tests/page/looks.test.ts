@@ -40,6 +40,9 @@ describe('looks', () => {
     found.push(...(await complaints(panel, ['color-contrast'])));
     await panel.resize(320, 320);
     found.push(...(await overflow(panel.page)));
+    // A panel of 340 points, enlarged to twice its size.
+    await panel.resize(170, 280);
+    found.push(...(await overflow(panel.page)), ...(await crowded(panel.page)));
     expect(found).toEqual([]);
     expect(panel.errors).toEqual([]);
     expect(await panel.violations()).toEqual([]);
@@ -52,4 +55,37 @@ async function overflow(page: { evaluate<T>(read: () => T): Promise<T> }): Promi
     () => document.documentElement.scrollWidth - window.innerWidth,
   );
   return beyond > 0 ? [`${String(beyond)} pixels too wide`] : [];
+}
+
+/** What nobody can get at any more: controls over each other, and whatever the page cuts off. */
+function crowded(page: { evaluate<T>(read: () => T): Promise<T> }): Promise<string[]> {
+  return page.evaluate(() => {
+    const called = (one: Element) => `${one.tagName} “${(one.textContent ?? '').slice(0, 30)}”`;
+    const seen = (selectors: string) =>
+      [...document.querySelectorAll<HTMLElement>(selectors)].filter((one) => {
+        const { width, height } = one.getBoundingClientRect();
+        const inList = one.closest('.row, .nodes, .help, .menuBody') !== null;
+        return !inList && width > 1 && height > 1 && getComputedStyle(one).visibility !== 'hidden';
+      });
+    const amiss = seen('button, select, input, textarea, p, h1, h2, dt, dd, .value, .address')
+      .filter((one) => {
+        const { left, right } = one.getBoundingClientRect();
+        return left < -1 || right > window.innerWidth + 1;
+      })
+      .map((one) => `${called(one)} is cut off`);
+    const controls = document.querySelector('.help')
+      ? []
+      : seen('button, select, input, textarea').map((one) => ({
+          one,
+          box: one.getBoundingClientRect(),
+        }));
+    controls.forEach(({ one, box }, i) => {
+      for (const { one: other, box: next } of controls.slice(i + 1)) {
+        const beside = box.right - 1 <= next.left || next.right - 1 <= box.left;
+        const above = box.bottom - 1 <= next.top || next.bottom - 1 <= box.top;
+        if (!beside && !above) amiss.push(`${called(one)} lies over ${called(other)}`);
+      }
+    });
+    return amiss;
+  });
 }

@@ -236,6 +236,23 @@ describe('events', () => {
   });
 });
 
+test('whoever wants no motion sees none', async () => {
+  const page = await open(ready());
+  await page.shows('address', 'F12');
+  const moves = () =>
+    page.page.evaluate(() => {
+      const value = document.querySelector<HTMLElement>('[data-testid=value]');
+      if (!value) throw new Error('no value');
+      value.style.transition = 'color 2s 1s';
+      value.style.animation = 'appear 2s infinite';
+      const { transitionDuration, transitionDelay, animationDuration } = getComputedStyle(value);
+      return [transitionDuration, transitionDelay, animationDuration];
+    });
+  expect(await moves()).toEqual(['2s', '1s', '2s']);
+  await page.page.emulateMedia({ reducedMotion: 'reduce' });
+  expect(await moves()).toEqual(['0s', '0s', '0s']);
+});
+
 describe('an answer that never comes', () => {
   test('to a question for a value does not keep the next cell from being read', async () => {
     const page = await open({ ...ready({ formula: '=ABS(A1)' }), readRange: undefined as never });
