@@ -12,6 +12,13 @@ export default defineConfig({
     cssTarget: 'safari16',
     modulePreload: false,
     reportCompressedSize: true,
+    rollupOptions: {
+      onwarn(warning, tell) {
+        // The policy that it misses something in is that of reports, a text of the script; the page's
+        // own is written after it.
+        if (warning.plugin !== 'vite:singlefile') tell(warning);
+      },
+    },
   },
   server: { host: '127.0.0.1' },
 });

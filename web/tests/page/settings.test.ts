@@ -56,13 +56,13 @@ test('opens by the gear, by its key and from the menu, and goes by Escape or a v
 test('shows what is in force', async () => {
   await open({
     getSettings: success(
-      settings({ pollMs: 450, fileTrouble: '"pollMs" is not a number', keysTrouble: 'no portal' }),
+      settings({ pollMs: 450, fileTrouble: '"pollMs" is not a number.', keysTrouble: 'no portal' }),
     ),
   });
   expect(await panel.text('set-summonKey')).toBe('Alt+Shift+A');
   expect(await panel.text('set-mapKey')).toBe('None');
   expect(await panel.page.getByTestId('set-pollMs').inputValue()).toBe('450');
-  expect(await panel.text('file-trouble')).toContain('"pollMs" is not a number');
+  expect(await panel.text('file-trouble')).toMatch(/: "pollMs" is not a number\.$/);
   expect(await panel.text('settings')).toContain('None of them comes: no portal.');
   expect(await panel.text('settings-file')).toBe('/home/me/.local/share/Quorin/config.json');
   expect(await panel.page.getByTestId('set-login').isDisabled()).toBe(true);

@@ -183,7 +183,7 @@ export function SettingsView(props: {
             <Show when={now().fileTrouble !== ''}>
               <p class="settingTrouble" role="alert" data-testid="file-trouble">
                 The file cannot be understood, and what was in force stays:{' '}
-                {visibleText(now().fileTrouble)}.
+                {visibleText(now().fileTrouble).replace(/\.$/, '')}.
               </p>
             </Show>
             <p class="note">
