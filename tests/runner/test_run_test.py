@@ -75,6 +75,11 @@ class TestRun(unittest.TestCase):
         self.assertEqual(self.count_again("--forbid-skips", "calc,unit"), 1)
         self.assertEqual(self.count_again("--forbid-skips", "calc"), 0)
 
+    def test_no_value_of_a_parameter_hides_a_test(self):
+        status, counts = self.run_tests("-R", "^(Odd/Values.Pass/|After.Passes)")
+        self.assertEqual(status, 0)
+        self.assertEqual(counts, {"unit": (7, 0, 0)})
+
     def test_skips_alone_are_no_run(self):
         status, counts = self.run_tests("-R", "^Cases.Skips$")
         self.assertEqual(status, 1)
