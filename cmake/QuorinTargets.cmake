@@ -83,6 +83,21 @@ function(quorin_compile_quickly target)
   endif()
 endfunction()
 
+# Reading the project's own headers is most of what then remains: eight sources are compiled as one.
+# What two of them call alike inside of themselves clashes then: those after ALONE stay by
+# themselves.
+function(quorin_join_tests target)
+  if(APPLE)  # some tests there are of another language
+    return()
+  endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # A fixture of a source that is included is taken for one of a header.
+    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+  endif()
+endfunction()
+
 # The headers of GoogleTest and the common ones, read once for all tests.
 function(quorin_read_headers_once test)
   if(APPLE)  # some tests there are of another language
@@ -124,14 +139,14 @@ function(quorin_find_cases test)
 endfunction()
 
 # quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] SOURCES file...
-#             LIBS library...):
+#             [ALONE file...] LIBS library...):
 # one GoogleTest program, an OPTIMIZED one compiled as the product is. Unit tests are found one by
 # one, and so are SEPARATE ones; other programs that share an expensive peer (an office, a display)
 # run as a whole and leave their counts in an XML file beside the build. Of those with a peer one of
 # each label runs at a time. COST orders the tests: these take the longest together, so they come
 # first, and the long checks beside them.
 function(quorin_test name)
-  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;ALONE;LIBS" ${ARGN})
   if(NOT ARG_TIMEOUT AND (ARG_LABEL STREQUAL "unit" OR ARG_SEPARATE))
     set(ARG_TIMEOUT 120)
   elseif(NOT ARG_TIMEOUT)
@@ -140,9 +155,10 @@ function(quorin_test name)
   if(QUORIN_SANITIZE)
     math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 5")  # what a sanitizer makes of the longest of them
   endif()
-  add_executable(${name} ${ARG_SOURCES})
+  add_executable(${name} ${ARG_SOURCES} ${ARG_ALONE})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock quorin_options)
   quorin_link_test_main(${name})
+  quorin_join_tests(${name} ${ARG_ALONE})
   if(NOT ARG_OPTIMIZED)
     quorin_compile_quickly(${name})
     quorin_read_headers_once(${name})
