@@ -52,23 +52,24 @@ function(quorin_reuse_headers target from)
   endif()
 endfunction()
 
-# Reading the same headers for each source is half of what it takes to compile all of them once, so
-# ./run joins twelve at a time. What two of them call alike inside of themselves clashes then: the
-# sources named after ALONE stay by themselves. The test run_preset_builds tries it.
-function(quorin_join target)
-  if(QUORIN_JOINED)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
-    if(ARGN)
-      set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-    endif()
+# quorin_join(TARGET COUNT [file...]): compiles COUNT sources as one. Reading the same headers for each
+# is half of what it takes to compile them one by one, and more in tests. What two of them call alike
+# inside of themselves clashes then: the files that are named stay by themselves.
+function(quorin_join target count)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${count})
+  if(ARGN)
+    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   endif()
 endfunction()
 
 # quorin_library(NAME SOURCES file... [ALONE file...] [LIBS library...]): one folder's static library.
+# ./run joins its sources; the test run_preset_builds tries it.
 function(quorin_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;ALONE;LIBS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES} ${ARG_ALONE})
-  quorin_join(${name} ${ARG_ALONE})
+  if(QUORIN_JOINED)
+    quorin_join(${name} 12 ${ARG_ALONE})
+  endif()
   target_link_libraries(${name} PUBLIC quorin_options ${ARG_LIBS})
   if(TARGET quorin_headers)
     quorin_reuse_headers(${name} quorin_headers)
@@ -80,21 +81,6 @@ endfunction()
 function(quorin_compile_quickly target)
   if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUORIN_FUZZ)
     target_compile_options(${target} PRIVATE -O0 -g0)
-  endif()
-endfunction()
-
-# Reading the project's own headers is most of what then remains: eight sources are compiled as one.
-# What two of them call alike inside of themselves clashes then: those after ALONE stay by
-# themselves.
-function(quorin_join_tests target)
-  if(APPLE)  # some tests there are of another language
-    return()
-  endif()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # A fixture of a source that is included is taken for one of a header.
-    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
   endif()
 endfunction()
 
@@ -158,7 +144,13 @@ function(quorin_test name)
   add_executable(${name} ${ARG_SOURCES} ${ARG_ALONE})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gmock quorin_options)
   quorin_link_test_main(${name})
-  quorin_join_tests(${name} ${ARG_ALONE})
+  if(NOT APPLE)  # some tests there are of another language
+    quorin_join(${name} 8 ${ARG_ALONE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+      # A fixture of a source that is included is taken for one of a header.
+      target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
+    endif()
+  endif()
   if(NOT ARG_OPTIMIZED)
     quorin_compile_quickly(${name})
     quorin_read_headers_once(${name})
