@@ -157,6 +157,53 @@ describe('what was said', () => {
     expect(none).toEqual(emptyReview);
   });
 
+  test('of two versions in which it was said the newer one counts', () => {
+    const older = sayAll({ Data: sheet }, 'fine');
+    const newer = sayAll({ Data: sheet }, 'fault');
+    const both = (first: SavedReview, second: SavedReview): SavedReview => ({
+      ...emptyReview,
+      snapshots: [...first.snapshots, ...second.snapshots],
+    });
+    expect(said(both(newer, older), { Data: sheet })).toEqual(['Data 6 3 fault']);
+    expect(said(both(older, newer), { Data: sheet })).toEqual(['Data 6 3 fine']);
+  });
+
+  test('of findings that are gone is kept for three versions, the latest', () => {
+    const broken = (row: number): Written => ({
+      ...sheet,
+      C6: '=B6*2',
+      [`C${String(row)}`]: `=B${String(row)}*3 -> 15`,
+    });
+    let saved = emptyReview;
+    for (const row of [4, 5, 6, 7]) {
+      const { findings, sketches } = look({ Data: broken(row) });
+      const [one] = findings;
+      if (!one) throw new Error('nothing is found');
+      const found = saidOf(saved, findings, sketches);
+      const word = { state: 'fine' as const, note: '', at: '' };
+      saved = withSaid(saved, found, sketches, one, word);
+    }
+    expect(saved.snapshots).toHaveLength(3);
+    expect([4, 5, 6, 7].flatMap((row) => said(saved, { Data: broken(row) }))).toEqual([
+      'Data 4 3 -',
+      'Data 5 3 fine',
+      'Data 6 3 fine',
+      'Data 7 3 fine',
+    ]);
+  });
+
+  test('is not said where something else is expected, or of another number of cells', () => {
+    const saved = sayAll({ Data: sheet });
+    const { findings, sketches } = look({ Data: sheet });
+    const [one] = findings;
+    if (!one) throw new Error('nothing is found');
+    const isSaid = (part: Partial<typeof one>) =>
+      saidOf(saved, [{ ...one, ...part }], sketches).size === 1;
+    expect(isSaid({})).toBe(true);
+    expect(isSaid({ expected: '=B6*4' })).toBe(false);
+    expect(isSaid({ size: one.size + 1 })).toBe(false);
+  });
+
   test('goes through a file and comes back', () => {
     const saved = sayAll({ Data: sheet, Other: { A1: 'x' } });
     const json = JSON.stringify(encodeReview(saved));
