@@ -141,6 +141,8 @@ function leftOut(
     if (isInLine && (own - edge) * way > 0) continue;
     const beyond = edge + way;
     if (!isNumber(beyond) || isYear(grid, place(beyond))) continue;
+    const beside = [-1, 1].map((by) => (isColumn ? [beyond, line + by] : [line + by, beyond]));
+    if (isDate(grid, place(beyond), beside) && !isDateLike(grid, place(edge))) continue;
     if (isTotal(evidence, grid, place(beyond))) continue;
     if (!sameMake(grid, place(edge), place(beyond))) continue;
     let end = beyond;
@@ -163,6 +165,26 @@ function sameMake(grid: SheetGrid, one: [number, number], other: [number, number
 function isYear(grid: SheetGrid, [row, col]: [number, number]): boolean {
   const value = Number(grid.cells.valueAt(row, col).value);
   return Number.isInteger(value) && value >= 1900 && value <= 2200;
+}
+
+/** A day from 1980 to 2099, as cells count them. */
+function isDateLike(grid: SheetGrid, [row = 0, col = 0]: readonly number[]): boolean {
+  const { kind, value } = grid.cells.valueAt(row, col);
+  const day = kind === CellKind.Number ? Number(value) : 0;
+  return Number.isInteger(day) && day >= 29_221 && day < 73_051;
+}
+
+/** One of several headings that are days: how cells are formatted is not known. */
+function isDate(
+  grid: SheetGrid,
+  at: readonly [number, number],
+  beside: readonly (readonly number[])[],
+): boolean {
+  const value = ([row = 0, col = 0]: readonly number[]) => grid.cells.valueAt(row, col).value;
+  return (
+    isDateLike(grid, at) &&
+    beside.some((other) => isDateLike(grid, other) && value(other) !== value(at))
+  );
 }
 
 function isTotal(evidence: Evidence, grid: SheetGrid, [row, col]: [number, number]): boolean {

@@ -96,6 +96,16 @@ describe('sums', () => {
   it.each<[string, Written, string[]]>([
     ['a row between the range and its sum', { 'A2:A9': 4, A10: '=SUM(A2:A8)' }, ['left-out A10']],
     ['a row before the range', { A1: 'Sales', 'A2:A9': 4, A10: '=SUM(A3:A9)' }, ['left-out A10']],
+    [
+      'a number as large as a date',
+      { A1: 45292, 'A2:A9': 4, A10: '=SUM(A2:A9)' },
+      ['left-out A10'],
+    ],
+    [
+      'a number among such, with others beside it',
+      { A1: 45292, B1: 45323, 'A2:B9': 45000, A10: '=SUM(A2:A9)' },
+      ['left-out A10'],
+    ],
     ['the sum itself', { 'A2:A9': 4, A10: '=SUM(A2:A10)' }, ['own-total A10']],
   ])('finds %s', (_, cells, expected) => {
     expect(told(cells)).toEqual(expected);

@@ -35,6 +35,16 @@ describe('cells unlike their neighbours', () => {
       ['differs C12 =$A12*2'],
     ],
     [
+      'the first cell, where the lines beside it begin with it',
+      { ...column, 'B1:D12': '=$A1*2', C1: '=$A2*2' },
+      ['differs C1 =$A1*2'],
+    ],
+    [
+      'the first and the last cell of a row, one by cells with the same surroundings',
+      { 'A1:J1': 3, 'A2:J4': '=A$1*2', A3: '=A$1*3 -> 9', J3: '=I$1*2' },
+      ['elsewhere J3 =J$1*2', 'differs A3 =A$1*2'],
+    ],
+    [
       'several cells that break in the same way, as one',
       { ...column, 'B1:B12': '=A1*2', 'B5:B7': '=A5*3' },
       ['differs B5:B7 =A5*2'],

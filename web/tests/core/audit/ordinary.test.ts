@@ -86,6 +86,14 @@ describe('ordinary sheets', () => {
       'dates as headings over sums',
       { B1: 45292, C1: 45323, D1: 45352, 'B3:D6': 4, 'B7:D7': '=SUM(B3:B6)' },
     ],
+    [
+      'dates as headings right over the numbers',
+      { B1: 45292, C1: '=B1+31 -> 45323', D1: 45352, 'B2:D6': 4, 'B7:D7': '=SUM(B2:B6)' },
+    ],
+    [
+      'dates before the numbers of each row',
+      { A2: 45292, A3: 45323, A4: 45352, A5: 45383, 'B2:D5': 4, 'E2:E5': '=SUM(B2:D2)' },
+    ],
     ['one formula all over', { 'A1:F20': 4, 'H1:M20': '=A1*$O$1', O1: 2 }],
   ])('%s', (_, cells) => {
     expect(told(cells)).toEqual([]);
@@ -102,6 +110,19 @@ describe('ordinary sheets', () => {
     const cells: Written = { 'A1:A24': 4, 'C1:C24': '=A1*$H$1', H1: 2 };
     for (const row of [4, 8, 12, 16, 20]) cells[`C${String(row)}`] = `=A${String(row)}+$H$1`;
     expect(told(cells)).toEqual([]);
+  });
+
+  it('has nothing to say of another formula that recurs three times in a long column', () => {
+    const cells: Written = { 'A1:A124': 4, 'C1:C124': '=A1*$H$1', H1: 2 };
+    const breaks = (...rows: number[]) =>
+      told({
+        ...cells,
+        ...Object.fromEntries(
+          rows.map((row) => [`C${String(row)}`, `=A${String(row)}+$H$1`] as const),
+        ),
+      });
+    expect(breaks(31, 62)).toEqual(['differs C62 C31 =A62*$H$1']);
+    expect(breaks(31, 62, 93)).toEqual([]);
   });
 
   it('tells what breaks regularly only where it breaks otherwise', () => {
