@@ -66,6 +66,12 @@ export function SettingsView(props: {
       <Show when={settings()}>
         {(now) => (
           <>
+            <Show when={now().fileTrouble !== ''}>
+              <p class="settingTrouble" role="alert" data-testid="file-trouble">
+                config.json cannot be understood, and what was in force stays:{' '}
+                {visibleText(now().fileTrouble).replace(/\.$/, '')}.
+              </p>
+            </Show>
             <section class="settingGroup" aria-labelledby="settings-keys">
               <h2 class="label" id="settings-keys">
                 Keys that work everywhere
@@ -180,12 +186,6 @@ export function SettingsView(props: {
                 </Show>
               </div>
             </section>
-            <Show when={now().fileTrouble !== ''}>
-              <p class="settingTrouble" role="alert" data-testid="file-trouble">
-                The file cannot be understood, and what was in force stays:{' '}
-                {visibleText(now().fileTrouble).replace(/\.$/, '')}.
-              </p>
-            </Show>
             <p class="note">
               Kept in <span data-testid="settings-file">{visibleText(now().file)}</span>, which can
               be changed by hand as well.
