@@ -46,6 +46,8 @@ class Pictures(Trial):
         wait_for("the page", lambda: self.panel.eval(
             "document.querySelector('[data-testid=state]')?.dataset.state") == "ready")
         wait_for("the panel to stand beside Calc", self.stand_beside_calc)
+        wait_for("the card of a first start", lambda: self.has("welcome", "Understood"))
+        self.panel.eval("document.querySelector('[data-testid=welcome-dismiss]').click(); 0")
         self.keys("ctrl+Home", "Right", "Right", "Right", "Down", "Down", "Down", "Down")
         wait_for("the cell", lambda: (self.panel.shown()["address"] or "").replace("$", "") == "D5")
         self.in_panel("alt+shift+a")
