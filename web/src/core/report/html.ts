@@ -31,6 +31,7 @@ h1 { font-size: 1.6rem; } h2 { margin-top: 2.5rem; overflow-wrap: anywhere; } h3
 code { font: 13px/1.4 ui-monospace, monospace; overflow-wrap: anywhere; white-space: pre-wrap; }
 table { border-collapse: collapse; width: 100%; }
 th, td { text-align: left; vertical-align: top; padding: .3rem .6rem; border-bottom: 1px solid var(--line); overflow-wrap: anywhere; }
+th:first-child { min-width: 10rem; }
 td.number, th.number { text-align: right; font-variant-numeric: tabular-nums; overflow-wrap: normal; }
 ol.findings { list-style: none; padding: 0; }
 .finding { border: 1px solid var(--line); border-left: .3rem solid var(--line); border-radius: .3rem; padding: .5rem .8rem; margin: .7rem 0; break-inside: avoid; overflow-wrap: anywhere; }

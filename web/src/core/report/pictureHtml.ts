@@ -88,9 +88,15 @@ export function pictureHtml(picture: SheetPicture, text: (value: string) => stri
   const units = { across, down };
   const boxes = picture.findings.flatMap((one) => one.boxes);
   const frames = boxes.map((box) => frameOf(box, units)).join('');
-  const numbers = picture.findings.flatMap(({ rank, boxes: [first] }) =>
-    first ? [numberAt(first, rank, units, width)] : [],
-  );
+  const taken = boxes.slice(0, mostCompared).map((box) => inPoints(box, units));
+  const room = { left: -4, top: -12, width: width + 28, height: height + 16 };
+  const numbers = picture.findings.flatMap(({ rank, boxes: [first] }) => {
+    if (!first) return [];
+    const place = numberPlace(inPoints(first, units), rank, room, taken);
+    taken.push(place);
+    const [x, y] = [place.left, place.top + numberHeight - 1];
+    return [`<text x="${String(x)}" y="${String(y)}">${String(rank)}</text>`];
+  });
   const name = `Sheet “${picture.sheet}”`;
   // A margin of a few pixels has the numbers of what lies at the edge.
   return `<figure>
@@ -121,15 +127,53 @@ function frameOf({ left, top, width, height }: Box, { across, down }: Units): st
   return `<rect ${box} stroke="#fff" stroke-width="4"/><rect ${box} stroke="#000" stroke-width="1.8"/>`;
 }
 
-/** To the right of it, inside the picture's margin. */
-function numberAt(
-  { left, top, width }: Box,
-  rank: number,
-  { across, down }: Units,
-  end: number,
-): string {
-  const x = Math.min(end + 2, (left + width) * across + 3);
-  return `<text x="${String(x)}" y="${String(top * down + 7)}">${String(rank)}</text>`;
+/** How wide a digit is drawn, and how high. */
+const digitWidth = 6.5;
+const numberHeight = 9;
+/** Of more outlines a number may lie on one. */
+const mostCompared = 1_000;
+
+function inPoints({ left, top, width, height }: Box, { across, down }: Units): Box {
+  return {
+    left: left * across,
+    top: top * down,
+    width: width * across,
+    height: height * down,
+  };
+}
+
+function meets(one: Box, other: Box): boolean {
+  return (
+    one.left < other.left + other.width &&
+    other.left < one.left + one.width &&
+    one.top < other.top + other.height &&
+    other.top < one.top + one.height
+  );
+}
+
+function isWithin(inner: Box, outer: Box): boolean {
+  return (
+    inner.left >= outer.left &&
+    inner.top >= outer.top &&
+    inner.left + inner.width <= outer.left + outer.width &&
+    inner.top + inner.height <= outer.top + outer.height
+  );
+}
+
+/** Beside the outline, where no other outline or number lies; to the right of it where all is taken. */
+function numberPlace(box: Box, rank: number, room: Box, taken: readonly Box[]): Box {
+  const size = { width: String(rank).length * digitWidth, height: numberHeight };
+  const right = room.left + room.width - size.width;
+  const beside = { ...size, left: Math.min(right, box.left + box.width + 3), top: box.top - 1 };
+  const places = [
+    beside,
+    { ...size, left: box.left - size.width - 3, top: box.top - 1 },
+    { ...size, left: box.left, top: box.top - numberHeight - 2 },
+    { ...size, left: box.left, top: box.top + box.height + 2 },
+  ];
+  const isFree = (place: Box) =>
+    isWithin(place, room) && !taken.some((other) => meets(place, other));
+  return places.find(isFree) ?? beside;
 }
 
 export function picturesHtml(

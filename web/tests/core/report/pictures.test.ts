@@ -133,4 +133,31 @@ describe('a picture as SVG', () => {
     expect(html.match(/<text [^>]*>\d<\/text>/g)).toHaveLength(2);
     expect(html.lastIndexOf('<rect')).toBeLessThan(html.indexOf('<text'));
   });
+
+  it('puts no number on another one or on an outline, where there is room', () => {
+    const picture = first({ Data: { 'A1:H9': 3 } });
+    const box = (left: number, top: number) => ({ left, top, width: 1, height: 1 });
+    const findings = [
+      { rank: 10, boxes: [box(3, 4)] },
+      { rank: 11, boxes: [box(4, 4), box(7, 0)] },
+      { rank: 12, boxes: [box(3, 4)] },
+      { rank: 13, boxes: [box(3, 4)] },
+    ];
+    const drawn = pictureHtml({ ...picture, findings }, String);
+    const numbers = [...drawn.matchAll(/<text x="([-\d.]+)" y="([-\d.]+)">(\d+)</g)].map(
+      ([, x, y, rank]) => ({ x: Number(x), y: Number(y), rank }),
+    );
+    const frames = [
+      ...drawn.matchAll(/<rect x="(-?\d+)" y="(-?\d+)" width="(\d+)" height="(\d+)" [^>]*#000/g),
+    ].map(([, x, y, width, height]) => [x, y, width, height].map(Number));
+    expect(numbers.map(({ rank }) => rank)).toEqual(['10', '11', '12', '13']);
+    expect(frames).toHaveLength(5);
+    for (const { x, y, rank } of numbers) {
+      const others = numbers.filter((one) => one.rank !== rank);
+      expect(others.some((one) => Math.abs(one.x - x) < 13 && Math.abs(one.y - y) < 9)).toBe(false);
+      const isOn = ([left = 0, top = 0, width = 0, height = 0]: number[]) =>
+        x + 13 > left + 1 && x < left + width - 1 && y > top + 1 && y - 8 < top + height - 1;
+      expect(frames.some(isOn)).toBe(false);
+    }
+  });
 });
