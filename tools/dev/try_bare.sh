@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Tries Quorin the way someone meets it on a fresh machine: in a bare Debian system that has git and
-# nothing else, a clone of the committed tree goes through ./run, ./test, ./run --install,
+# Tries Quorin the way someone meets it on a fresh machine: in a bare Debian or Ubuntu system that
+# has git and nothing else, a clone of the committed tree goes through ./run, ./test, ./run --install,
 # `quorin --version` and its removal. First as a user who may use sudo; then, in another bare system,
 # as root. Ends with 0 when every step of it did.
 #
-#   sudo tools/dev/try_bare.sh SUITE [option...]      SUITE is bookworm or trixie
+#   sudo tools/dev/try_bare.sh SUITE [option...]      SUITE is bookworm, trixie or (Ubuntu's) noble
 #     --as user|root    only one of the two
 #     --without-test    leaves ./test out, which takes longest
 #     --ccache DIR      keeps compiled objects there for the next trial; a fresh machine has none
@@ -21,7 +21,7 @@ self=$(readlink -f "$0")
 project=$(dirname "$self")/../..
 
 main() {
-  suite= who=(user root) with_test=yes ccache= mirror=http://deb.debian.org/debian
+  suite= who=(user root) with_test=yes ccache= mirror=
   while [ $# -gt 0 ]; do
     case $1 in
       -h | --help) sed -n '2,18s/^# \{0,1\}//p' "$self"; exit 0 ;;
@@ -29,7 +29,7 @@ main() {
       --without-test) with_test= ;;
       --ccache) ccache=$(readlink -f "${2:?"--ccache needs a folder"}"); shift ;;
       --mirror) mirror=${2:?"--mirror needs an address"}; shift ;;
-      bookworm | trixie) suite=$1 ;;
+      bookworm | trixie | noble) suite=$1 ;;
       *) refuse "unknown: $1" ;;
     esac
     shift
@@ -38,12 +38,17 @@ main() {
   [ "$(id -u)" -eq 0 ] || { echo "This needs root rights: sudo $0 $suite" >&2; exit 2; }
   if [ -n "$ccache" ] && [ ! -d "$ccache" ]; then refuse "there is no folder $ccache"; fi
 
+  if [ -z "$mirror" ]; then
+    mirror=http://deb.debian.org/debian
+    if [ "$suite" = noble ]; then mirror=http://archive.ubuntu.com/ubuntu; fi
+  fi
   folder=$(mktemp -d "${TMPDIR:-/var/tmp}/quorin-bare.XXXXXX")
   inside=
   trap leave_nothing EXIT
   trap 'exit 130' INT
   trap 'exit 143' TERM HUP
   fetch_debootstrap
+  if [ "$suite" = noble ]; then fetch_keyring; fi
   git -c safe.directory='*' -C "$project" bundle create --quiet "$folder/tree.bundle" HEAD
   echo "The tree is $(git -c safe.directory='*' -C "$project" log -1 --format='%h, %s')"
   local status=0 one
@@ -90,6 +95,14 @@ fetch_debootstrap() {
     dpkg-deb -x debootstrap_*.deb .)
 }
 
+# What Ubuntu signs with, which Debian has no package of.
+fetch_keyring() {
+  local package=$folder/keyring.deb
+  curl -fsS -o "$package" "$mirror/pool/main/u/ubuntu-keyring/ubuntu-keyring_2023.11.28.1_all.deb"
+  echo "36de43b15853ccae0028e9a767613770c704833f82586f28eb262f0311adb8a8 $package" | sha256sum --check --quiet
+  dpkg-deb -x "$package" "$folder/keyring"
+}
+
 # -- From here on in namespaces of its own, as their first process.
 
 inside() {
@@ -117,7 +130,13 @@ make_root() {
     export DEBOOTSTRAP_DIR=$folder/debootstrap/usr/share/debootstrap
     PATH=$folder/debootstrap/usr/sbin:$PATH
   fi
-  debootstrap --variant=minbase --include=$packages "$suite" "$root" "$mirror" \
+  local options=(--variant=minbase "--include=$packages") script=()
+  if [ "$suite" = noble ]; then
+    options+=(--components=main,universe
+              "--keyring=$folder/keyring/usr/share/keyrings/ubuntu-archive-keyring.gpg")
+    script=(gutsy)  # the same for all of Ubuntu; an older debootstrap does not know newer names
+  fi
+  debootstrap "${options[@]}" "$suite" "$root" "$mirror" "${script[@]}" \
     >"$folder/debootstrap.log" 2>&1 || { tail -n 20 "$folder/debootstrap.log"; exit 1; }
   cp "$folder/tree.bundle" "$root/"
   cp -L /etc/resolv.conf "$root/etc/"
