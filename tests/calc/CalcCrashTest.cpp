@@ -6,12 +6,10 @@
 // call of each kind that changes something; else a few of each.
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
 #include <set>
 #include <signal.h>
-#include <sstream>
 #include <utility>
 
 #include "host/Address.h"
@@ -210,9 +208,7 @@ class CalcCrash : public testing::Test {
   std::vector<pid_t> keepers() const {
     std::vector<pid_t> found;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-      std::ostringstream read;
-      read << std::ifstream(entry.path() / "cmdline").rdbuf();  // nothing when it ends meanwhile
-      const std::string command = read.str();
+      const std::string command = readFile(entry.path() / "cmdline");
       if (command.find("quorin-marks-keeper") != std::string::npos &&
           command.find(address_.pipe) != std::string::npos)
         found.push_back(std::atoi(entry.path().filename().c_str()));
