@@ -7,6 +7,7 @@
 #   sudo tools/dev/try_bare.sh SUITE [option...]      SUITE is bookworm, trixie or (Ubuntu's) noble
 #     --as user|root    only one of the two
 #     --without-test    leaves ./test out, which takes longest
+#     --shell           then a shell in the bare system, in the tree, to try more by hand
 #     --ccache DIR      keeps compiled objects there for the next trial; a fresh machine has none
 #     --mirror URL      takes the packages from there
 #
@@ -21,12 +22,13 @@ self=$(readlink -f "$0")
 project=$(dirname "$self")/../..
 
 main() {
-  suite= who=(user root) with_test=yes ccache= mirror=
+  suite= who=(user root) with_test=yes with_shell= ccache= mirror=
   while [ $# -gt 0 ]; do
     case $1 in
-      -h | --help) sed -n '2,18s/^# \{0,1\}//p' "$self"; exit 0 ;;
+      -h | --help) sed -n '2,19s/^# \{0,1\}//p' "$self"; exit 0 ;;
       --as) case ${2:-} in user | root) who=("$2") ;; *) refuse "--as needs user or root" ;; esac; shift ;;
       --without-test) with_test= ;;
+      --shell) with_shell=yes ;;
       --ccache) ccache=$(readlink -f "${2:?"--ccache needs a folder"}"); shift ;;
       --mirror) mirror=${2:?"--mirror needs an address"}; shift ;;
       bookworm | trixie | noble) suite=$1 ;;
@@ -55,7 +57,8 @@ main() {
   for one in "${who[@]}"; do
     # The death of either of the first two ends everything in there.
     setpriv --pdeathsig KILL unshare --mount --pid --ipc --fork --kill-child=KILL \
-      "$self" --inside "$folder" "$suite" "$one" "$mirror" "$with_test" "$ccache" &
+      "$self" --inside "$folder" "$suite" "$one" "$mirror" "$with_test" "$with_shell" \
+      "$ccache" <&0 &
     inside=$!
     wait "$inside" || status=1
     inside=
@@ -106,7 +109,7 @@ fetch_keyring() {
 # -- From here on in namespaces of its own, as their first process.
 
 inside() {
-  folder=$1 suite=$2 who=$3 mirror=$4 with_test=$5 ccache=$6
+  folder=$1 suite=$2 who=$3 mirror=$4 with_test=$5 with_shell=$6 ccache=$7
   root=$folder/root status=0 table=
   make_root
   if [ "$who" = root ]; then home=/root sudo=; else home=/home/auditor sudo="sudo "; fi
@@ -119,6 +122,7 @@ inside() {
   step "apt-get remove" in_root "${sudo}apt-get remove -y -qq quorin"
   step "nothing of it left" in_root "! command -v quorin && ! find /usr -iname '*quorin*' | grep ."
   printf '\n%s as %s\n%s' "$suite" "$who" "$table"
+  if [ -n "$with_shell" ]; then login "cd $tree && exec bash" || true; fi
   return $status
 }
 
@@ -171,14 +175,17 @@ step() {
   table+=$(printf '  %-20s %-12s %5d s' "$name" "$verdict" $((SECONDS - began)))$'\n'
 }
 
-# A login of the user's in the bare system, without a display.
-in_root() {
+# A command in the bare system, with nobody to answer its questions.
+in_root() { login "$1" </dev/null; }
+
+# login COMMAND: as the user whom the trial is for, without a display.
+login() {
   local user=root
   if [ "$who" = user ]; then user=auditor; fi
   chroot "$root" setpriv --reuid "$user" --regid "$user" --init-groups env -i \
     HOME="$home" USER="$user" LOGNAME="$user" SHELL=/bin/bash LANG=C.UTF-8 TERM=dumb \
     PATH=/usr/local/bin:/usr/bin:/bin:/usr/local/sbin:/usr/sbin:/sbin \
-    ${ccache:+CCACHE_DIR=/ccache} ${authorities:+NODE_EXTRA_CA_CERTS=$authorities} bash -c "cd && $1" </dev/null
+    ${ccache:+CCACHE_DIR=/ccache} ${authorities:+NODE_EXTRA_CA_CERTS=$authorities} bash -c "cd && $1"
 }
 
 in_tree() { in_root "cd $tree && $1"; }
