@@ -113,7 +113,7 @@ PanelBridge::Reply Panel::highlightColor() const {
   return {true, std::move(components)};
 }
 
-// Whether the card that a first start shows was dismissed.
+// True if the card that a first start shows was dismissed.
 PanelBridge::Reply Panel::isWelcomed() const {
   const QXConfig config = QXConfig::load(parts_.config, FileSystem::real(), parts_.log);
   return {true, config.welcomedAt.has_value()};

@@ -105,7 +105,7 @@ std::optional<JSONValue> Bridge::moveMarks(const Record& wanted) {
       {"applied", static_cast<double>(target.addrs.size())}, {"shadowed", false}, {"moved", true}};
 }
 
-// Clears what is recorded unless it is what is wanted. Whether it was cleared, and wholly.
+// Clears what is recorded unless it is what is wanted. True if it was cleared, and wholly.
 bool Bridge::clearBeforePainting(const Records& wanted) {
   if (withoutSingle(store_.load()) == wanted) return false;
   try {

@@ -44,7 +44,7 @@ Likeness likeness(std::string_view one, std::string_view other) {
   return found;
 }
 
-// Whether both are the same workbook as far as can be told.
+// True if both are the same workbook as far as can be told.
 bool isSame(const ReviewedBook& kept, const ReviewedBook& book) {
   if (!kept.path.empty() && !book.path.empty()) return kept.path == book.path;
   if (kept.name != book.name) return false;

@@ -14,7 +14,7 @@ void check(const script::CompileError& failure, std::string_view source);
 void check(const script::ScriptOutcome& outcome, std::string_view source);
 
 // Compiles the text and runs it and all its handlers, each with as many of the arguments as it
-// takes, within narrow limits. Whether it compiled.
+// takes, within narrow limits. True if it compiled.
 bool compileAndRun(std::string_view source, script::Applications& applications,
                    const AppleEventDescriptor::Items& arguments);
 

@@ -57,7 +57,7 @@ def private_names(text):
 
 
 def meet(one, other):
-    """Whether a name of both is more than the same alias twice."""
+    """True if a name of both is more than the same alias twice."""
     return any(one[name] != other[name] or one[name] is None for name in one.keys() & other.keys())
 
 

@@ -7,7 +7,7 @@ NOT_APPLICABLE = 77  # the status of a check that says nothing here
 
 
 def is_other(tool):
-    """Whether the program is of another version; then it has been said."""
+    """True if the program is of another version; then it has been said."""
     told = subprocess.run([tool, "--version"], capture_output=True, text=True, check=True).stdout
     found = re.search(r"\bversion (\d+)\.", told)
     if found and int(found[1]) == VERSION:

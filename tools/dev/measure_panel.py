@@ -60,7 +60,7 @@ def processor_seconds(process):
 
 
 def stopped(group):
-    """Whether every process of the group has stopped."""
+    """True if every process of the group has stopped."""
     states = []
     for entry in os.listdir("/proc"):
         try:

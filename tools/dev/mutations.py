@@ -193,7 +193,7 @@ def of_statements(found, text, code):
 
 
 def after_control(code, i):
-    """Whether the bracket code[i] closes that of an if, a for or a while."""
+    """True if the bracket code[i] closes that of an if, a for or a while."""
     deep = 0
     for j in range(i, -1, -1):
         deep += {")": 1, "(": -1}.get(code[j].text, 0)

@@ -272,7 +272,7 @@ class Trial:
             self.tool("xdotool", "key", key)
 
     def stand_beside_calc(self):
-        """Whether the panel has come to stand at the right edge of Calc's window."""
+        """True if the panel has come to stand at the right edge of Calc's window."""
         self.window = self.calc_window() or self.window
         told = dict(re.findall(r"(Absolute upper-left X|Width):\s+(-?\d+)",
                                self.tool("xwininfo", "-id", self.window)))

@@ -35,7 +35,7 @@ def missing_symbols(text):
 
 
 def is_of_googletest(symbol):
-    """Whether a mangled name belongs to its namespace."""
+    """True if a mangled name belongs to its namespace."""
     return re.match(r"__Z(?:T[VIST]|GV)?N?K?7testing", symbol) is not None
 
 

@@ -24,7 +24,7 @@ class Index:
     methods: dict    # class or protocol -> Methods, "@" before a protocol's name
 
     def declares(self, owner, method):
-        """Whether the class or protocol, or one that it inherits from, has the method."""
+        """True if the class or protocol, or one that it inherits from, has the method."""
         pending, seen = [owner], set()
         while pending:
             name = pending.pop()

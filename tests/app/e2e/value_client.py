@@ -155,7 +155,7 @@ class Client:
         return self.of(self.copy.Sheets.getByName(sheet).getCellByPosition(column, row))
 
     def is_array(self, sheet, row, column):
-        """Whether the cell is one of an array formula."""
+        """True if the cell is one of an array formula."""
         cell = self.copy.Sheets.getByName(sheet).getCellByPosition(column, row)
         return cell.getFormula().startswith("{=")
 

@@ -116,7 +116,7 @@ def draw(found, count, source):
 
 
 def same(page, calc):
-    """Whether a value that the page tells is the one that Calc gives."""
+    """True if a value that the page tells is the one that Calc gives."""
     kind, exact = page
     if isinstance(calc, dict):
         return kind == "Error" and exact == calc["error"]

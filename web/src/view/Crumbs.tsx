@@ -6,7 +6,7 @@ import type { Page } from './page';
 
 export type CrumbsProps = {
   page: Page;
-  /** Whether the details are open; nothing where there is always room for them. */
+  /** True if the details are open; nothing where there is always room for them. */
   details: boolean | undefined;
   onDetails(): void;
 };

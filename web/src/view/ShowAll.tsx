@@ -1,6 +1,6 @@
 import { createEffect, createSignal, on, Show, type Accessor, type JSX } from 'solid-js';
 
-/** Whether a long text is shown whole: only when asked, and closed again for the next `subject`. */
+/** True if a long text is shown whole: only when asked, and closed again for the next `subject`. */
 export function createWhole(subject: Accessor<unknown>): {
   whole: Accessor<boolean>;
   open(): void;

@@ -12,7 +12,7 @@ export type StatusBarProps = {
   here: Stop | undefined;
   /** The sentence of the moment; empty for none. */
   said: string;
-  /** Whether the keys are shown. */
+  /** True if the keys are shown. */
   help: boolean;
   /** Nothing where the view in front has none. */
   onHelp: (() => void) | undefined;

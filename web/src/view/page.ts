@@ -29,7 +29,7 @@ export type Page = {
   saveReport(format: ReportFormat): void;
   colour(): Colour;
   setColour(colour: Colour): void;
-  /** Whether an answer has been awaited for so long that the user should know. */
+  /** True if an answer has been awaited for so long that the user should know. */
   waiting(): boolean;
   /** What has been under way for over a second. */
   activity(): Activity | undefined;

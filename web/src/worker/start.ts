@@ -5,7 +5,7 @@ import type { Carrier } from '../core/model/ModelClient';
 import type { Answer } from '../core/model/messages';
 import ModelWorker from './model?worker&inline';
 
-/** Whether a worker ended before it had answered anything: another one would, too. */
+/** True if a worker ended before it had answered anything: another one would, too. */
 let refused = false;
 
 /** Nothing where the web view gives no worker. `failed` hears that this one never began to work. */

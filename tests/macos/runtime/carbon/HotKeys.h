@@ -9,7 +9,7 @@ namespace quorin {
 std::size_t installedHandlers();
 std::size_t registeredHotKeys();
 
-// The user presses the combination. Whether it was registered and handled.
+// The user presses the combination. True if it was registered and handled.
 bool userPresses(std::uint32_t code, std::uint32_t modifiers);
 
 }  // namespace quorin

@@ -8,7 +8,7 @@ export type Extent = {
   address: string;
   /** "6 rows × 3 columns", "3 areas", "whole column"; empty where the text is not understood. */
   size: string;
-  /** Whether it is one single cell. */
+  /** True if it is one single cell. */
   single: boolean;
 };
 

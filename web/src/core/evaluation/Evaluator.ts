@@ -209,7 +209,7 @@ export class Evaluator implements Source {
     return saysSomething(text) ? { text } : this.formatOf(item);
   }
 
-  /** Whether it is still to be told how the cell in view, with a formula or without, shows its number. */
+  /** True if it is still to be told how the cell in view, with a formula or without, shows its number. */
   get isTextOpen(): boolean {
     const { subject } = this;
     const home = subject?.home ?? this.constant;

@@ -36,7 +36,7 @@ function refusal(reason: string): {
 /** What stands before the "!", without quotes. */
 const placeOf = (prefix: string) => prefix.replace(/^'|'?!$/g, '').replaceAll("''", "'");
 
-/** Whether a name may be one of another workbook: [Book.xlsx]Sheet!name, Book.xlsx!name. */
+/** True if a name may be one of another workbook: [Book.xlsx]Sheet!name, Book.xlsx!name. */
 function isForeign(prefix: string, book: string): boolean {
   const place = placeOf(prefix);
   const [, named = place] = /\[([^\]]*)\]/.exec(place) ?? [];
@@ -44,7 +44,7 @@ function isForeign(prefix: string, book: string): boolean {
 }
 
 /**
- * Whether cells are those of a workbook that is told by where it lies: '/Users/me/[Book.xlsx]Sheet'!,
+ * True if cells are those of a workbook that is told by where it lies: '/Users/me/[Book.xlsx]Sheet'!,
  * 'https://…/[Book.xlsx]Sheet'!. One that is open is told by its name alone.
  */
 function isElsewhere(prefix: string): boolean {

@@ -16,7 +16,7 @@ const errorTexts: ReadonlySet<string> = new Set(
    #BLOCKED! #UNKNOWN! #EXTERNAL! #PYTHON! #BUSY!`.split(/\s+/),
 );
 
-/** Whether a text is one that the spreadsheet shows for an error, Calc's own "Err:502" included. */
+/** True if a text is one that the spreadsheet shows for an error, Calc's own "Err:502" included. */
 export function isErrorText(value: unknown): value is string {
   return typeof value === 'string' && (errorTexts.has(value) || /^Err:\d{3}$/.test(value));
 }

@@ -76,7 +76,7 @@ export class ShownTexts {
     this.missed = false;
   }
 
-  /** Whether it is still to be told what they show. */
+  /** True if it is still to be told what they show. */
   isOpen(shown: Shown, home: Home): boolean {
     const known = key(shown, home);
     return !this.answered.has(known) && !this.cache.find(known);

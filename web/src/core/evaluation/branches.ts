@@ -84,7 +84,7 @@ function inIfError(at: number, errors: RegExp, given: (index: number) => Given):
   return value.kind === 'error' && errors.test(value.text) ? 'yes' : 'no';
 }
 
-/** Whether `item` counts for the part above it. */
+/** True if `item` counts for the part above it. */
 function countsForParent(item: Item, resultOf: ResultOf): Counts {
   const { parent, argument } = item;
   if (!parent || argument < 0 || parent.node.kind !== 'call') return 'yes';
@@ -112,7 +112,7 @@ function countsForParent(item: Item, resultOf: ResultOf): Counts {
   }
 }
 
-/** Whether `item` counts for the whole formula. */
+/** True if `item` counts for the whole formula. */
 export function counts(item: Item, resultOf: ResultOf): Counts {
   let answer: Counts = 'yes';
   for (let at: Item | undefined = item; at; at = at.parent) {

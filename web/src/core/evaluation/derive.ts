@@ -9,7 +9,7 @@ import { scalarOf, type Result } from './Result';
 /** Where the arguments begin whose value may become the call's. */
 const firstChoice: Record<string, number | undefined> = { IF: 1, CHOOSE: 1, IFERROR: 0, IFNA: 0 };
 
-/** Whether the item's value may be that of one of its arguments. */
+/** True if the item's value may be that of one of its arguments. */
 export function takesArgument({ node }: Item): boolean {
   return node.kind === 'call' && firstChoice[plainName(node.name)] !== undefined;
 }

@@ -1,4 +1,4 @@
-// Whether what a formula gives when it is asked for is what its cell holds. Pure.
+// Compares what a formula gives when it is asked for with what its cell holds. Pure.
 
 import type { Scalar } from '../protocol/json';
 import type { Result } from './Result';

@@ -29,7 +29,7 @@ function mayLead(node: Node): boolean {
   }
 }
 
-/** Whether Enter may lead somewhere from here. */
+/** True if Enter may lead somewhere from here. */
 export function leads(item: Item, home: Home): boolean {
   return targetOf(item.node, item.scope, home) !== undefined || mayLead(item.node);
 }

@@ -37,10 +37,10 @@ export type FollowState = {
   marked: string;
   /** The rows and columns that were unhidden for it; empty for none. */
   unhidden: string;
-  /** Whether something may be left to take back, whatever is known of it. */
+  /** True if something may be left to take back, whatever is known of it. */
   changed: boolean;
   notes: string[];
-  /** Whether the native side can mark at all. */
+  /** True if the native side can mark at all. */
   able: boolean;
 };
 
@@ -71,7 +71,7 @@ export class SheetFollower implements Source {
     /** There is something to ask. */
     private readonly wake: () => void,
     private readonly publish: (state: FollowState) => void,
-    /** Whether marking among rules of the user's costs the undo history in this spreadsheet. */
+    /** True if marking among rules of the user's costs the undo history in this spreadsheet. */
     private readonly costsUndo: boolean,
   ) {}
 

@@ -16,7 +16,7 @@ export type ValueView = {
   copy: string;
   /** What more there is to say: "12 characters", "exactly 0.1…". */
   note: string;
-  /** Whether `text` leaves some of the value out. */
+  /** True if `text` leaves some of the value out. */
   cut: boolean;
 };
 

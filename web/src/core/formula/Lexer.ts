@@ -53,7 +53,7 @@ function isDigit(code: number): boolean {
   return code >= Char.Zero && code <= Char.Nine;
 }
 
-/** Whether a name or a reference may begin with it. */
+/** True if a name or a reference may begin with it. */
 function startsWord(code: number): boolean {
   const letter = code | 32;
   return (
@@ -74,7 +74,7 @@ export class Lexer {
   kind: TokenKind = 'end';
   start = 0;
   end = 0;
-  /** Whether white space stands before the current token. */
+  /** True if white space stands before the current token. */
   spaced = false;
   /** Inside an array constant "\\" parts columns; anywhere else a name may begin with it. */
   private inArray = false;

@@ -18,7 +18,7 @@ export const relativeLengthLimit = 131_072;
 /** Deeper than any spreadsheet takes. */
 export const nestingLimit = 256;
 
-/** Whether a separator parts what is read (arguments) or joins references (a union). */
+/** True if a separator parts what is read (arguments) or joins references (a union). */
 type Separators = 'part' | 'join';
 
 class Parser {

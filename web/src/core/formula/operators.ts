@@ -34,7 +34,7 @@ export const binaryBindings: Record<string, Binding | undefined> = {
   ':': Binding.Range,
 };
 
-/** Whether the value may be cells, so that what follows it after a space crosses them. */
+/** True if the value may be cells, so that what follows it after a space crosses them. */
 export function mayRefer(node: Node): boolean {
   switch (node.kind) {
     case 'reference':

@@ -44,7 +44,7 @@ export const signs: Record<string, TokenKind | undefined> = {
   ';': 'separator',
 };
 
-/** Whether an operand that may be cells begins with such a token. */
+/** True if an operand that may be cells begins with such a token. */
 export function startsReference(kind: TokenKind): boolean {
   switch (kind) {
     case 'reference':
@@ -64,7 +64,7 @@ export function startsOperand(kind: TokenKind): boolean {
   return startsReference(kind) || kind === 'number' || kind === 'text' || kind === 'openArray';
 }
 
-/** Whether an argument, or an item of an array constant, is over there. */
+/** True if an argument, or an item of an array constant, is over there. */
 export function endsItem(kind: TokenKind): boolean {
   return kind === 'separator' || kind === 'close' || kind === 'closeArray' || kind === 'end';
 }

@@ -86,7 +86,7 @@ export class Atlas {
     return this.picture.sheet;
   }
 
-  /** Whether all of the sheet was read. */
+  /** True if all of the sheet was read. */
   hasRead(sheet: string): boolean {
     return this.scan?.hasRead(sheet) === true;
   }

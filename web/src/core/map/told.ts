@@ -40,7 +40,7 @@ export type CellTold = {
   value: Scalar;
   /** The cells around it that have the same relative formula; nothing for a cell without one. */
   region: Area | undefined;
-  /** Whether the cell was read. */
+  /** True if the cell was read. */
   read: boolean;
 };
 

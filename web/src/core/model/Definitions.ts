@@ -13,7 +13,7 @@ export type Oddity = {
   runTime: ReadonlySet<RunTimeReason>;
   external: boolean;
   broken: boolean;
-  /** Whether it could not be read whole. */
+  /** True if it could not be read whole. */
   unread: boolean;
 };
 

@@ -99,7 +99,7 @@ export class Index {
     });
   }
 
-  /** Whether the region is a single cell. */
+  /** True if the region is a single cell. */
   isCell(region: number): boolean {
     const { regions } = this;
     return (

@@ -26,7 +26,7 @@ type Step = {
   own: readonly Reference[];
   /** Names that it is made of, as far as they are still to be looked at. */
   inner: Entry[];
-  /** Whether there were any. */
+  /** True if there were any. */
   nested: boolean;
   order: number;
   /** The first of those under way that it leads back to. */
@@ -59,7 +59,7 @@ export class Names {
     }
   }
 
-  /** Whether the name means different things on different sheets. */
+  /** True if the name means different things on different sheets. */
   dependsOnSheet(name: string): boolean {
     return (this.definitions.get(name.toLowerCase())?.ofSheet.size ?? 0) > 0;
   }

@@ -37,7 +37,7 @@ export class Texts {
   }
 }
 
-/** Whether the cell has a formula. In a cell for text "=A1" is a text: then its value is the same. */
+/** True if the cell has a formula. In a cell for text "=A1" is a text: then its value is the same. */
 export function isCalculated(formula: string, value: Scalar): boolean {
   return formula !== '' && formula !== value;
 }
@@ -148,7 +148,7 @@ export class SheetCells {
     }
   }
 
-  /** Whether every cell of `area` was read. */
+  /** True if every cell of `area` was read. */
   hasRead(area: Area): boolean {
     if (this.blocks.some((block) => covers(block.area, area))) return true;
     const read = this.blocks.reduce((sum, { area: own }) => {

@@ -9,7 +9,7 @@ import type { Index, SheetArea } from './Index';
 export type Circles = {
   /** Each circle's cells, in no order. */
   circles: SheetArea[][];
-  /** Whether there was too much to follow for all to be told. */
+  /** True if there was too much to follow for all to be told. */
   cut: boolean;
 };
 

@@ -100,7 +100,7 @@ function kindOf(kind: Kind): Driver['kind'] {
   return kind === Kind.Number || kind === Kind.Truth ? 'number' : 'text';
 }
 
-/** Whether all that the formula gives is written in it, as in "=42.6/3.6". */
+/** True if all that the formula gives is written in it, as in "=42.6/3.6". */
 function namesNothing({ definitions }: Index, formula: number, sheet: number): boolean {
   const definition = definitions.of(formula, sheet);
   const [from, to] = definitions.range(definition);

@@ -74,7 +74,7 @@ export function* findErrorCauses(index: Index): Generator<undefined, ErrorCauses
   return { total, causes, circular: isWhole ? total - cells - reached.size : 0 };
 }
 
-/** Whether the error cell uses another one. */
+/** True if the error cell uses another one. */
 function usesError(index: Index, sheets: readonly (Sheet | undefined)[], cell: SheetArea): boolean {
   let uses = false;
   index.formulasIn(cell, (part) => {

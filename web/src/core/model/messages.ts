@@ -89,9 +89,9 @@ export type WaysAnswer = {
     left: number;
     leftAfter: number;
   }[];
-  /** Whether there may be further ways. */
+  /** True if there may be further ways. */
   more: boolean;
-  /** Whether a circle lies on them. */
+  /** True if a circle lies on them. */
   circular: boolean;
 };
 
@@ -147,7 +147,7 @@ export type Questions = MapQuestions & {
   seen: { args: { prints: string }; answer: { seen: number; distinct: number } };
   /** One for each area; empty where there is none. */
   labels: { args: { cells: Cells[] }; answer: string[] };
-  /** Whether the cell is as it was read. `formula` in A1, empty for none. */
+  /** True if the cell is as it was read. `formula` in A1, empty for none. */
   compare: {
     args: { sheet: string; row: number; col: number; formula: string; value: Scalar };
     answer: Comparison;

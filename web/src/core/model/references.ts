@@ -44,9 +44,9 @@ export type RunTimeReason =
 export type Named = {
   references: Reference[];
   runTime: Set<RunTimeReason>;
-  /** Whether it names cells of another workbook. */
+  /** True if it names cells of another workbook. */
   external: boolean;
-  /** Whether a part of it is gone: #REF!, a name that nothing has. */
+  /** True if a part of it is gone: #REF!, a name that nothing has. */
   broken: boolean;
 };
 
@@ -54,7 +54,7 @@ export type Named = {
 export type Meanings = {
   /** The sheets between two, in the workbook's order; nothing where one of them is not there. */
   sheets(first: string, last: string): readonly number[] | undefined;
-  /** Whether the book of "[Book]" is this one. */
+  /** True if the book of "[Book]" is this one. */
   isOwnBook(book: string): boolean;
   /** A defined name as seen from a sheet: what it stands for, or nothing where there is none. */
   name(name: string, sheet: number | undefined): Named | undefined;
@@ -132,7 +132,7 @@ class Collector {
     }
   }
 
-  /** Whether the node is dealt with; otherwise its parts are to be looked at. */
+  /** True if the node is dealt with; otherwise its parts are to be looked at. */
   private take(node: Node): boolean {
     switch (node.kind) {
       case 'reference':
@@ -339,7 +339,7 @@ export function namedBy(formula: Formula, meanings: Meanings, home: number | und
   return named;
 }
 
-/** Whether the formula has a name whose meaning may depend on the sheet. */
+/** True if the formula has a name whose meaning may depend on the sheet. */
 export function namesOf(formula: Formula): string[] {
   const names: string[] = [];
   walk(formula.root, (node) => {

@@ -1,4 +1,4 @@
-// Whether a relative formula, put into a cell, is the formula that the cell shows. Pure.
+// Is a relative formula, put into a cell, the formula that the cell shows? Pure.
 
 import { parse } from '../formula/Parser';
 import { print } from '../formula/print';

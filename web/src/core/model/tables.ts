@@ -6,7 +6,7 @@ import type { NodeOf } from '../formula/syntax';
 export type TableQuestion = {
   /** The columns without the row, as the spreadsheet takes them everywhere. */
   question: string;
-  /** Whether only the formula's own row of them is meant. */
+  /** True if only the formula's own row of them is meant. */
   thisRow: boolean;
 };
 

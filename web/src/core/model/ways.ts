@@ -9,9 +9,9 @@ import type { Index, Part, SheetArea } from './Index';
 export type Ways = {
   /** Each from the cell that uses the beginning to the end itself. */
   ways: Part[][];
-  /** Whether there are further ways, or may be. */
+  /** True if there are further ways, or may be. */
   more: boolean;
-  /** Whether one of them led back to where it had been. */
+  /** True if one of them led back to where it had been. */
   returned: boolean;
 };
 

@@ -28,7 +28,7 @@ type Question = { level: number; slow: boolean; late: boolean };
 
 export type ConveyorPorts = {
   clock: Clock;
-  /** Whether an answer is awaited for so long that the user should know. */
+  /** True if an answer is awaited for so long that the user should know. */
   slow(slow: boolean): void;
   report(where: string, error: unknown): void;
 };

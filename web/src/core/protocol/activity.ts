@@ -50,7 +50,7 @@ export function activityText({ verb, subject }: Open, share: Share, application:
   }
 }
 
-/** Whether nothing more of its kind is asked when the user stops it. */
+/** True if nothing more of its kind is asked when the user stops it. */
 export function canStop({ verb }: Open): boolean {
   return ['evaluate', 'deepEval', 'readRange', 'readTexts'].includes(verb);
 }

@@ -97,7 +97,7 @@ export type Verbs = {
   getHighlightColor: { args: []; result: number[] };
   setHighlightColor: { args: [colour: Colour]; result: null };
   setPanelWidth: { args: [expanded: boolean]; result: null };
-  /** Whether the card of a first start was dismissed. */
+  /** True if the card of a first start was dismissed. */
   isWelcomed: { args: []; result: boolean };
   setWelcomed: { args: []; result: null };
   hidePanel: { args: []; result: null };

@@ -313,7 +313,7 @@ export class Review {
   }
 }
 
-/** Whether the scan has read what the findings do not tell of. */
+/** True if the scan has read what the findings do not tell of. */
 function isNews(known: Known, scan: BookScan): boolean {
   return known.scan !== scan || known.version !== scan.version;
 }

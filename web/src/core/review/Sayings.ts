@@ -137,7 +137,7 @@ export class Sayings {
     return this.kept?.found.get(finding);
   }
 
-  /** Whether something can be said now. */
+  /** True if something can be said now. */
   get isOpen(): boolean {
     return this.kept?.saved !== undefined && this.kept.sketches !== undefined;
   }

@@ -145,7 +145,7 @@ function namedAlone(lines: readonly string[], { from, to }: Part): Map<string, n
   return found;
 }
 
-/** Whether the line's first value is no text. */
+/** True if the line's first value is no text. */
 function isNumber(line: string): boolean {
   return /^[a-z]/.test(line);
 }

@@ -42,7 +42,7 @@ export class Moves {
       : undefined;
   }
 
-  /** Whether every one of the cells now was one of the cells before. */
+  /** True if every one of the cells now was one of the cells before. */
   holds(before: Cells, now: Cells): boolean {
     if (before.sheet.toLowerCase() !== now.sheet.toLowerCase()) return false;
     const map = this.sheets.get(before.sheet.toLowerCase());

@@ -85,7 +85,7 @@ export function saidOf(
   return found;
 }
 
-/** Whether it was said of this finding, all of whose cells were there already. */
+/** True if it was said of this finding, all of whose cells were there already. */
 function isOf(one: SaidOf, finding: FindingRow, moves: Moves): boolean {
   const sheet = one.cells[0]?.sheet ?? '';
   const isTold = finding.areas === finding.cells.length && one.areas === one.cells.length;

@@ -38,7 +38,7 @@ export type ScanPorts = {
   clock: Clock;
   /** The time of day in words: "10:42". */
   time(): string;
-  /** Whether the workbook is the one in front. */
+  /** True if the workbook is the one in front. */
   inFront(book: string): boolean;
   changed(): void;
 };
@@ -58,7 +58,7 @@ export type ScanState = {
   sheetsLeft: number;
   /** The sheet that is being read; empty while tables are looked up, after the last one. */
   sheet: string;
-  /** Whether the spreadsheet is busy, so that the scan waits. */
+  /** True if the spreadsheet is busy, so that the scan waits. */
   waiting: boolean;
   notRead: NotRead[];
   /** When the last sheet was read. */
@@ -117,7 +117,7 @@ export class BookScan {
     this.handOver = new HandOver(ports.clock);
   }
 
-  /** Whether anything of the workbook was read whole. */
+  /** True if anything of the workbook was read whole. */
   get hasSheets(): boolean {
     return this.state.sheetsRead > 0;
   }
@@ -127,7 +127,7 @@ export class BookScan {
     return this.plan.map(({ name }) => name);
   }
 
-  /** Whether the sheet was read. */
+  /** True if the sheet was read. */
   hasRead(sheet: string): boolean {
     return this.known.has(sheet);
   }

@@ -12,7 +12,7 @@ export type Span = { first: number; last: number };
 export type HiddenLines = {
   rows: Span[];
   cols: Span[];
-  /** Whether so many questions were not enough for all of them. */
+  /** True if so many questions were not enough for all of them. */
   partly: boolean;
 };
 

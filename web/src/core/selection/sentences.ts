@@ -10,7 +10,7 @@ export type Sentence = {
   steps: string[];
   /** What was reported, word for word. */
   detail?: string;
-  /** Whether asking again on request makes sense. */
+  /** True if asking again on request makes sense. */
   retry: boolean;
 };
 

@@ -17,9 +17,9 @@ export type SelectionState = {
   status: SelectionStatus;
   /** The cell last read, kept while it may still be what the user looks at. */
   content?: CellContent;
-  /** Whether `content` is the newest there is to know. */
+  /** True if `content` is the newest there is to know. */
   fresh: boolean;
-  /** Whether an answer has been awaited for so long that the user should know. */
+  /** True if an answer has been awaited for so long that the user should know. */
   slow: boolean;
   /** Following is paused from the menu. */
   paused: boolean;

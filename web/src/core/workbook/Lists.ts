@@ -63,12 +63,12 @@ type Known = {
   covered: (ScanState & { own: boolean; tablesTold: number }) | undefined;
   /** What of the scan is in it. */
   version: number;
-  /** Whether the model is asked; it works out one answer at a time. */
+  /** True if the model is asked; it works out one answer at a time. */
   asking: boolean;
 };
 
 /**
- * Whether the model is to be asked anew. Each answer costs it the work over all that was read, and the
+ * True if the model is to be asked anew. Each answer costs it the work over all that was read, and the
  * scan waits for it: so the more was read, the more sheets must be new.
  */
 function isDue({ covered, sheet }: Known, scan: BookScan): boolean {
@@ -158,7 +158,7 @@ export class Lists {
     return coverageOf({ ...state, ...before, sheetsRead, readAt, changed }, false);
   }
 
-  /** Whether every sheet was read, so that an empty list means that nothing uses the cells. */
+  /** True if every sheet was read, so that an empty list means that nothing uses the cells. */
   get isWhole(): boolean {
     const covered = this.known?.covered;
     return covered !== undefined && covered.sheetsRead >= covered.sheets;

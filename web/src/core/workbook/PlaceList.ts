@@ -15,7 +15,7 @@ export type PlaceRow = {
   label?: string;
   /** The rows that it opens to; asked for when it is opened, now or a moment later. */
   inner?: () => readonly PlaceRow[] | Promise<readonly PlaceRow[]>;
-  /** Whether it is open at first. */
+  /** True if it is open at first. */
   open?: boolean;
 };
 

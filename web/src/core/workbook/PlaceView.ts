@@ -75,7 +75,7 @@ export class PlaceView {
     return outcome.ok ? outcome.value : undefined;
   }
 
-  /** Whether the list is still that of `key`. */
+  /** True if the list is still that of `key`. */
   isOf(key: string): boolean {
     return key === this.key;
   }

@@ -40,7 +40,7 @@ export function PictureView(props: { page: Page; theme: Theme; onAll(): void }):
   const [hasKeys, setHasKeys] = createSignal(false);
   /** Where the pointer is, in points of the pane; nothing while it is elsewhere. */
   const [pointer, setPointer] = createSignal<{ x: number; y: number }>();
-  /** Whether keys moved the cursor last. */
+  /** True if keys moved the cursor last. */
   const [byKeys, setByKeys] = createSignal(false);
 
   const draw = (): void => {

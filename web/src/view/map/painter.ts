@@ -44,7 +44,7 @@ export type Scene = {
   palette: Palette;
   /** Pixels of the screen for each point. */
   pixels: number;
-  /** Whether keys move the cursor now. */
+  /** True if keys move the cursor now. */
   cursor: boolean;
   font: string;
   notRead: readonly Area[];

@@ -215,7 +215,7 @@ function distance(at: number): End {
   return { at, fixed: false };
 }
 
-/** Whether a line lies between two ends, as seen from a cell's own line. */
+/** True if a line lies between two ends, as seen from a cell's own line. */
 function isIn(line: number, ends: [End, End] | 'all', own: number, limit: number): boolean {
   if (ends === 'all') return true;
   const lines = ends.map(({ at, fixed }) => {
