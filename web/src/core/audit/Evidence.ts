@@ -42,7 +42,7 @@ export class Evidence {
   }
 
   /**
-   * Whether hardly two formulas of a large sheet are alike. There is no pattern there that one could
+   * True if hardly two formulas of a large sheet are alike. There is no pattern there that one could
    * break, and to look for one would take most of the time.
    */
   isIrregular(sheet: number): boolean {

@@ -22,7 +22,7 @@ export class SheetGrid {
   private readonly width: number;
   private readonly formulas: Int32Array;
   private readonly kinds: Uint8Array;
-  /** Whether cells were read that are not in the area. */
+  /** True if cells were read that are not in the area. */
   private readonly hasMore: boolean;
 
   constructor(

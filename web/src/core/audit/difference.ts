@@ -15,7 +15,7 @@ export type Difference = {
   words: string;
   /** Places in which the two differ; more than a few is another formula. */
   places: number;
-  /** Whether functions, operators and names are the same. */
+  /** True if functions, operators and names are the same. */
   alike: boolean;
 };
 

@@ -77,7 +77,7 @@ function atEnd(evidence: Evidence, run: Run, formula: number): Clue | undefined 
   };
 }
 
-/** Whether nothing stands there across the whole breadth. */
+/** True if nothing stands there across the whole breadth. */
 function isFree({ grid, own, isDown }: Run, at: number): boolean {
   const [from, to] = isDown ? [own.left, own.right] : [own.top, own.bottom];
   for (let across = from; across <= to; across++) {
@@ -105,7 +105,7 @@ function inputsOf(evidence: Evidence, { grid, own, isDown }: Run, formula: numbe
   return [...inputs].filter((input) => isAlike(grid, isDown, input, last, last));
 }
 
-/** Whether a number stands there that was made like the one beside the last of the formulas. */
+/** True if a number stands there that was made like the one beside the last of the formulas. */
 function isAlike(grid: SheetGrid, isDown: boolean, input: number, at: number, last: number) {
   const [row, col] = isDown ? [at, input] : [input, at];
   const [lastRow, lastCol] = isDown ? [last, input] : [input, last];

@@ -6,6 +6,7 @@ import { cellCount, type Area } from '../address/area';
 import type { Coordinate } from '../formula/reference';
 import { count } from '../format/words';
 import { address, atATime, type Evidence } from './Evidence';
+import { beginsChain } from './chains';
 import type { Clue } from './Finding';
 import { corners, type ReferenceSlot, type Slot } from './shape';
 
@@ -61,9 +62,12 @@ function inFamily(evidence: Evidence, family: Kin[]): Clue[] {
   for (const [kin, { words, weight }] of odd) {
     const { top, left } = kin.area;
     if (weight < 2) continue;
+    const sheet = evidence.index.sheetOf(kin.region);
+    const grid = evidence.grids[sheet];
+    if (grid && beginsChain(evidence, grid, { row: top, col: left }, kin.formula)) continue;
     clues.push({
       kind: 'kin',
-      sheet: evidence.index.sheetOf(kin.region),
+      sheet,
       areas: [kin.area],
       sentence: `${address(top, left)} ${words.slice(0, 2).join(', and ')}: ${evidence.shown(kin.formula, top, left)}.`,
       expected: '',

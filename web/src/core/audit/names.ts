@@ -116,7 +116,7 @@ function* brokenClue(
   };
 }
 
-/** Whether it is a name in the formula, and no word of a text. */
+/** True if it is a name in the formula, and no word of a text. */
 function isNamed(evidence: Evidence, formula: number, key: string): boolean {
   let is = false;
   walk(evidence.shapes.of(formula).root, (node) => {

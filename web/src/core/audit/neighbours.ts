@@ -6,6 +6,7 @@ import { areaAddress, meet } from '../address/area';
 import type { CellPosition } from '../formula/reference';
 import { Kind as CellKind } from '../model/SheetCells';
 import { rangesOf } from './aggregates';
+import { beginsChain } from './chains';
 import { differenceOf } from './difference';
 import { cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
@@ -208,7 +209,7 @@ function closeness(evidence: Evidence, own: number, expected: number, at: CellPo
   return { kind: 'differs', words, bonus: near + rare };
 }
 
-/** Whether the cell adds up the run, or part of it: that is how a list ends. */
+/** True if the cell adds up the run, or part of it: that is how a list ends. */
 function isTotal(evidence: Evidence, line: Line, run: Run, at: number): boolean {
   const place = line.place(at);
   const start = line.place(run.first);
@@ -226,6 +227,7 @@ function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clu
   const own = line.content(at);
   if (own === Content.Other || own === Content.Blank) return;
   const isAfter = at > run.last;
+  if (!isAfter && beginsChain(evidence, line.grid, { row, col }, run.content)) return;
   const last = isAfter ? run.last : run.first;
   let going = 0;
   let against = 0;
@@ -251,7 +253,7 @@ function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clu
     kind: close.kind,
     sheet: line.grid.sheet,
     areas: [cell(row, col)],
-    sentence: `${areaAddress(cell(row, col))} ${close.words}; ${besides(line, run)} before it are filled alike with ${shownIn(evidence, line, run)}${beyond}.`,
+    sentence: `${areaAddress(cell(row, col))} ${close.words}; ${besides(line, run)} ${isAfter ? 'before' : 'after'} it are filled alike with ${shownIn(evidence, line, run)}${beyond}.`,
     expected: evidence.text(run.content),
     weight,
     level: 'fact',

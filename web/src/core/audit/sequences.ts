@@ -6,6 +6,7 @@ import { areaAddress, maxColumns, maxRows } from '../address/area';
 import { writeReference, type Coordinate, type CellPosition } from '../formula/reference';
 import { print } from '../formula/print';
 import type { Node } from '../formula/syntax';
+import { beginsChain } from './chains';
 import { differenceOf } from './difference';
 import { address, cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
@@ -135,6 +136,7 @@ function inRun(evidence: Evidence, grid: SheetGrid, run: Member[], clues: Clue[]
     const weight = support + (parts <= 2 ? 1.5 : 0) + rare - (odd.length - 1);
     if (weight < 3) continue;
     const model = run[at === 0 ? 1 : at - 1] as Member;
+    if (at === 0 && beginsChain(evidence, grid, member.at, model.formula)) continue;
     const expected = rewritten(member, model, numbers);
     clues.push(clueOf(grid, run, member, expected, weight));
   }

@@ -66,7 +66,7 @@ function atChange(
   };
 }
 
-/** Whether two formulas name the same cells from there and differ in dollar signs. */
+/** True if two formulas name the same cells from there and differ in dollar signs. */
 function isSigns(own: Shape, other: Shape, at: CellPosition): boolean {
   if (own.skeleton !== other.skeleton) return false;
   return own.slots.every((slot, i) => isSame(slot, other.slots[i], at));

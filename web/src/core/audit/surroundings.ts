@@ -6,6 +6,7 @@
 
 import type { CellPosition } from '../formula/reference';
 import { Kind } from '../model/SheetCells';
+import { beginsChain } from './chains';
 import { differenceOf } from './difference';
 import { address, cell, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
@@ -87,7 +88,7 @@ class Contents {
     return (row - top + 2) * this.width + col - left + 2;
   }
 
-  /** Whether two on either side in its row or column are alike: what breaks such is seen there. */
+  /** True if two on either side in its row or column are alike: what breaks such is seen there. */
   isAmong(at: number): boolean {
     const { all, width } = this;
     const own = all[at];
@@ -320,6 +321,7 @@ function clueOf(
   byForm: boolean,
 ): Clue | undefined {
   const { row, col } = at;
+  if (beginsChain(evidence, grid, at, expected)) return undefined;
   const own = grid.formula(row, col);
   const elsewhere = `${String(agree)} cells with the same surroundings`;
   const shown = evidence.shown(expected, row, col);

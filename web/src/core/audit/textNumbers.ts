@@ -91,7 +91,7 @@ function sheetOf({ model }: Evidence, { prefix }: Range, own: number): number | 
   return prefix === '' ? own : model.sheetNumber(unquoted(prefix.slice(0, -1)));
 }
 
-/** Whether the line through the cell, along the range, is one of numbers. */
+/** True if the line through the cell, along the range, is one of numbers. */
 function isAmongNumbers(grid: SheetGrid, range: Area, row: number, col: number): boolean {
   const isColumn = range.bottom > range.top;
   const [first, last] = isColumn ? [range.top, range.bottom] : [range.left, range.right];

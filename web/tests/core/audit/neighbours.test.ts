@@ -59,6 +59,12 @@ describe('cells unlike their neighbours', () => {
     ]);
   });
 
+  it('says on which side of an odd first cell those stand that it was compared with', () => {
+    expect(sentences({ ...column, 'B1:D12': '=$A1*2', C1: '=$A2*2' })).toEqual([
+      'C1 takes $A2, the others $A1; C2:C12 after it are filled alike with =$A2*2, and the lines beside go on there.',
+    ]);
+  });
+
   it('shows a formula that is quite another one', () => {
     expect(sentences({ ...column, 'B1:B12': '=A1*2', B6: '=IF(A6>3,MAX(A1:A12),0)' })).toEqual([
       'B6 has =IF(A6>3,MAX(A1:A12),0); B1:B5 and B7:B12 are filled alike with =A1*2.',
