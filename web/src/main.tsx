@@ -12,9 +12,10 @@ import { SheetFollower } from './core/follow/SheetFollower';
 import { CarriedModel, SlicedCarrier } from './core/model/ModelClient';
 import type { ModelClient } from './core/model/ModelClient';
 import { Conveyor, Errands } from './core/protocol/Conveyor';
-import { activityText, canStop, tellAfter } from './core/protocol/activity';
+import { activityText, tellAfter } from './core/protocol/activity';
 import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
+import { traits } from './core/protocol/traits';
 import type { Colour, Verb, Verbs } from './core/protocol/verbs';
 import { reportFile } from './core/report/ofReview';
 import { writtenAs } from './core/take/written';
@@ -276,7 +277,9 @@ function tellActivity(slow: boolean): void {
     const stop = () => {
       explorer.evaluator.stop();
     };
-    setActivity(open && text !== '' ? { text, ...(canStop(open) ? { stop } : {}) } : undefined);
+    setActivity(
+      open && text !== '' ? { text, ...(traits[open.verb].canStop ? { stop } : {}) } : undefined,
+    );
     tellActivity(true);
   });
 }

@@ -141,7 +141,8 @@ void openWorkbookAlone(const Reference<XComponentContext>& context,
     openAsItIs(context, desktop, path);
   } catch (const css::task::ErrorCodeIOException& failure) {
     if (failure.ErrCode != wrongPassword) throw;
-    throw SpreadsheetError(-1728, "\"" + path + "\" is protected by a password");
+    throw SpreadsheetError(eventErrors::noSuchObject,
+                           "\"" + path + "\" is protected by a password");
   }
 }
 

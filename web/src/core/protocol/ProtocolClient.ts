@@ -6,6 +6,7 @@ import type { Open } from './activity';
 import { decodeEvent, type NativeEvent } from './events';
 import { isObject, type Json } from './json';
 import { failed, type Outcome } from './Outcome';
+import { traits } from './traits';
 import { decodeReply, type Verb, type Verbs } from './verbs';
 
 export type Request = { id: number; verb: Verb; args: Json[] };
@@ -22,39 +23,6 @@ export type ProtocolPorts = {
    */
   firstId: number;
 };
-
-/**
- * How long the page waits for a reply. The native side bounds every call itself and answers in
- * turn, so this only ends waits for replies that were lost.
- */
-export const replyDeadline = 120_000;
-
-/** The same for questions that the native side gives up after ten seconds at most. */
-export const quickDeadline = 30_000;
-
-/** And for what waits for the user. */
-export const userDeadline = 24 * 3_600_000;
-
-const quickVerbs: ReadonlySet<Verb> = new Set<Verb>([
-  'probe',
-  'readCell',
-  'readRange',
-  'readFormulas',
-  'readTexts',
-  'evaluate',
-  'dependents',
-  'workbookMap',
-  'select',
-]);
-
-const spreadsheetVerbs: ReadonlySet<Verb> = new Set<Verb>([
-  ...quickVerbs,
-  'pollCell',
-  'deepEval',
-  'markCells',
-  'reveal',
-  'clearMarks',
-]);
 
 /** Events that arrive before anyone listens, held in order; more than this many are dropped. */
 const heldEventsLimit = 100;
@@ -78,15 +46,13 @@ export class ProtocolClient {
 
   /** The question to the spreadsheet that waits longest for its reply. */
   get oldest(): Open | undefined {
-    return [...this.pending.values()].find(({ verb }) => spreadsheetVerbs.has(verb));
+    return [...this.pending.values()].find(({ verb }) => traits[verb].doing);
   }
 
   ask<V extends Verb>(verb: V, ...args: Verbs[V]['args']): Promise<Outcome<Verbs[V]['result']>> {
     const id = this.nextId++;
     return new Promise((resolve) => {
-      const ofCalls = quickVerbs.has(verb) ? quickDeadline : replyDeadline;
-      const deadline = verb === 'saveReport' ? userDeadline : ofCalls;
-      const cancelDeadline: Cancel = this.ports.clock.after(deadline, () => {
+      const cancelDeadline: Cancel = this.ports.clock.after(traits[verb].deadline, () => {
         this.pending.delete(id);
         resolve(failed('unanswered', `"${verb}" was not answered.`));
       });

@@ -1,6 +1,7 @@
 import { expect, test } from 'vitest';
 
-import { activityText, canStop } from '../../../src/core/protocol/activity';
+import { activityText } from '../../../src/core/protocol/activity';
+import { traits } from '../../../src/core/protocol/traits';
 
 const none = { known: 0, all: 0 };
 
@@ -26,6 +27,6 @@ test('a text of the workbook is cut and does not act', () => {
 });
 
 test('what is asked of values can be stopped, marks cannot', () => {
-  expect(canStop({ verb: 'deepEval', subject: '' })).toBe(true);
-  expect(canStop({ verb: 'markCells', subject: '' })).toBe(false);
+  expect(traits.deepEval.canStop).toBe(true);
+  expect(traits.markCells.canStop).toBeUndefined();
 });
