@@ -115,38 +115,13 @@ function Entry(props: EntryProps): JSX.Element {
           <path d="M13 1v8L5 1Z" fill={palette().finding} />
         </Show>
         <Show when={props.sign === 'here'}>
-          <rect
-            x="2"
-            y="2"
-            width="10"
-            height="10"
-            fill="none"
-            stroke={palette().here}
-            stroke-width="3"
-          />
+          <Frame colour={palette().here} width={3} />
         </Show>
         <Show when={props.sign === 'uses'}>
-          <rect
-            x="2"
-            y="2"
-            width="10"
-            height="10"
-            fill="none"
-            stroke={palette().uses}
-            stroke-width="2"
-          />
+          <Frame colour={palette().uses} width={2} />
         </Show>
         <Show when={props.sign === 'used'}>
-          <rect
-            x="2"
-            y="2"
-            width="10"
-            height="10"
-            fill="none"
-            stroke={palette().used}
-            stroke-width="2"
-            stroke-dasharray="4 2"
-          />
+          <Frame colour={palette().used} width={2} dashes="4 2" />
         </Show>
         <Show when={props.sign === 'fold'}>
           <path d="M0 7h14" stroke={palette().quiet} stroke-dasharray="3 2" />
@@ -168,5 +143,21 @@ function Entry(props: EntryProps): JSX.Element {
       </svg>
       {props.text}
     </li>
+  );
+}
+
+/** A cell's edge, as the picture draws it around selected cells and those that go with them. */
+function Frame(props: { colour: string; width: number; dashes?: string }): JSX.Element {
+  return (
+    <rect
+      x="2"
+      y="2"
+      width="10"
+      height="10"
+      fill="none"
+      stroke={props.colour}
+      stroke-width={props.width}
+      stroke-dasharray={props.dashes}
+    />
   );
 }

@@ -13,69 +13,82 @@ const states: readonly State[] = ['fault', 'fine', 'later'];
 export function ReviewFilters(props: { page: Page }): JSX.Element {
   const review = () => props.page.explorer.review;
   const filter = () => props.page.look(() => review().filter);
+  const counted = (text: string, findings: number) => `${text} (${String(findings)})`;
   return (
     <div class="filters" role="group" aria-label="Which findings are listed">
-      <select
-        class="filter"
-        aria-label="Kind"
-        data-testid="filter-kind"
-        onChange={(event) => {
-          review().setFilter({ ...filter(), kind: event.currentTarget.value as Kind | '' });
+      <Filter
+        name="Kind"
+        all="All kinds"
+        chosen={filter().kind}
+        choices={props.page.look(() =>
+          review().kinds.map(({ value, findings }) => ({
+            value,
+            text: counted(kindName(value), findings),
+          })),
+        )}
+        choose={(value) => {
+          review().setFilter({ ...filter(), kind: value as Kind | '' });
         }}
-      >
-        <option value="" selected={filter().kind === ''}>
-          All kinds
-        </option>
-        <For each={props.page.look(() => review().kinds)}>
-          {({ value, findings }) => (
-            <option value={value} selected={filter().kind === value}>
-              {`${kindName(value)} (${String(findings)})`}
-            </option>
-          )}
-        </For>
-      </select>
-      <select
-        class="filter"
-        aria-label="Sheet"
-        data-testid="filter-sheet"
-        onChange={(event) => {
-          review().setFilter({ ...filter(), sheet: event.currentTarget.value });
+      />
+      <Filter
+        name="Sheet"
+        all="All sheets"
+        chosen={filter().sheet}
+        choices={props.page.look(() =>
+          review().sheets.map(({ value, findings }) => ({
+            value,
+            text: counted(oneLine(value), findings),
+          })),
+        )}
+        choose={(value) => {
+          review().setFilter({ ...filter(), sheet: value });
         }}
-      >
-        <option value="" selected={filter().sheet === ''}>
-          All sheets
-        </option>
-        <For each={props.page.look(() => review().sheets)}>
-          {({ value, findings }) => (
-            <option value={value} selected={filter().sheet === value}>
-              {`${oneLine(value)} (${String(findings)})`}
-            </option>
-          )}
-        </For>
-      </select>
-      <select
-        class="filter"
-        aria-label="State"
-        data-testid="filter-state"
-        onChange={(event) => {
-          const state = event.currentTarget.value as ReviewFilter['state'];
-          review().setFilter({ ...filter(), state });
+      />
+      <Filter
+        name="State"
+        all="All states"
+        chosen={filter().state}
+        choices={[
+          { value: 'open', text: 'Not judged' },
+          ...states.map((state) => ({ value: state, text: stateName(state) })),
+        ]}
+        choose={(value) => {
+          review().setFilter({ ...filter(), state: value as ReviewFilter['state'] });
         }}
-      >
-        <option value="" selected={filter().state === ''}>
-          All states
-        </option>
-        <option value="open" selected={filter().state === 'open'}>
-          Not judged
-        </option>
-        <For each={states}>
-          {(state) => (
-            <option value={state} selected={filter().state === state}>
-              {stateName(state)}
-            </option>
-          )}
-        </For>
-      </select>
+      />
     </div>
+  );
+}
+
+type FilterProps = {
+  name: string;
+  /** The text of the choice that leaves nothing out; its value is empty. */
+  all: string;
+  chosen: string;
+  choices: readonly { value: string; text: string }[];
+  choose(value: string): void;
+};
+
+function Filter(props: FilterProps): JSX.Element {
+  return (
+    <select
+      class="filter"
+      aria-label={props.name}
+      data-testid={`filter-${props.name.toLowerCase()}`}
+      onChange={({ currentTarget: field }) => {
+        props.choose(field.value);
+      }}
+    >
+      <option value="" selected={props.chosen === ''}>
+        {props.all}
+      </option>
+      <For each={props.choices}>
+        {({ value, text }) => (
+          <option value={value} selected={props.chosen === value}>
+            {text}
+          </option>
+        )}
+      </For>
+    </select>
   );
 }
