@@ -124,15 +124,32 @@ function(quorin_find_cases test)
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script}-${CMAKE_BUILD_TYPE}.cmake)
 endfunction()
 
+# quorin_long(TEST...): what finds a mistake that the tests beside it rarely miss, and takes long for it.
+# ./test leaves these out and says so, ./test --full runs them all, .ci/run a share of them each day.
+function(quorin_long)
+  foreach(test IN LISTS ARGN)
+    set_property(TEST ${test} APPEND PROPERTY LABELS long)
+  endforeach()
+endfunction()
+
+# quorin_add_whole(TEST LABEL TIMEOUT PROGRAM [argument...]): a GoogleTest program as one test of CTest's.
+function(quorin_add_whole test label timeout)
+  add_test(NAME ${test} COMMAND ${ARGN})
+  set_tests_properties(${test} PROPERTIES LABELS ${label} TIMEOUT ${timeout}
+    RESOURCE_LOCK ${label} COST 500 ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${test}.xml"
+    SKIP_RETURN_CODE ${QUORIN_SKIPPED})
+endfunction()
+
 # quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] SOURCES file...
-#             [ALONE file...] LIBS library...):
+#             [ALONE file...] [LONG pattern...] LIBS library...):
 # one GoogleTest program, an OPTIMIZED one compiled as the product is. Unit tests are found one by
 # one, and so are SEPARATE ones; other programs that share an expensive peer (an office, a display)
 # run as a whole and leave their counts in an XML file beside the build. Of those with a peer one of
 # each label runs at a time. COST orders the tests: these take the longest together, so they come
-# first, and the long checks beside them.
+# first, and the long checks beside them. Of such a program the tests of the LONG patterns are one more
+# test, NAME_long, for quorin_long.
 function(quorin_test name)
-  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;ALONE;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;ALONE;LONG;LIBS" ${ARGN})
   if(NOT ARG_TIMEOUT AND (ARG_LABEL STREQUAL "unit" OR ARG_SEPARATE))
     set(ARG_TIMEOUT 120)
   elseif(NOT ARG_TIMEOUT)
@@ -161,9 +178,14 @@ function(quorin_test name)
     quorin_find_cases(${name} LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} RESOURCE_LOCK ${ARG_LABEL}
                       COST 400 SKIP_RETURN_CODE ${QUORIN_SKIPPED})
   else()
-    add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
-      RESOURCE_LOCK ${ARG_LABEL} COST 500 ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
-      SKIP_RETURN_CODE ${QUORIN_SKIPPED})
+    set(all ${ARG_LABEL} ${ARG_TIMEOUT} ${name})
+    if(ARG_LONG)
+      list(JOIN ARG_LONG ":" long)
+      quorin_add_whole(${name} ${all} --gtest_filter=-${long})
+      quorin_add_whole(${name}_long ${all} --gtest_filter=${long})
+      quorin_long(${name}_long)
+    else()
+      quorin_add_whole(${name} ${all})
+    endif()
   endif()
 endfunction()

@@ -267,6 +267,8 @@ def main():
     cases = [case for case in CASES if case.name not in options.without
              and (not options.only or case.name in options.only)
              and (not options.group or case.write.__module__.partition("_")[0] in options.group)]
+    if unknown := {*options.without, *(options.only or ())} - {case.name for case in CASES}:
+        parser.error(f"no such cases: {unknown}")
     cases.sort(key=lambda case: case.write.__module__ == "endless_cases")  # those that may hang last
     trial, failed, refused = Trial(options), [], []
     try:

@@ -164,7 +164,7 @@ def main():
     cases = [case for case in CASES if case.write.__module__.startswith(options.group)
              and (not options.only or case.name in options.only)
              and case.name not in options.without]
-    if unknown := set(options.without) - {case.name for case in CASES}:
+    if unknown := {*options.without, *(options.only or ())} - {case.name for case in CASES}:
         parser.error(f"no such cases: {unknown}")
     folder = pathlib.Path(tempfile.mkdtemp(prefix="quorin-hostile-"))
     failed = []

@@ -196,12 +196,12 @@ class Tidy(unittest.TestCase):
         (self.root / "build/build.ninja").write_text(rules)
         (self.root / "build/compile_commands.json").write_text(json.dumps(commands))
 
-    def check(self, first, second):
+    def check(self, first, second, *folders):
         for name, text in (("A", first), ("B", second)):
             (self.root / f"kit/{name}.cpp").write_text(text)
         subprocess.run(["ninja", "-C", str(self.root / "build")], check=True, capture_output=True)
         result = subprocess.run([sys.executable, str(HERE / "tidy.py"), str(self.root),
-                                 str(self.root / "build"), TIDY],
+                                 str(self.root / "build"), TIDY, *folders],
                                 capture_output=True, text=True, check=False)
         return result.returncode, result.stdout + result.stderr
 
@@ -237,6 +237,14 @@ class Tidy(unittest.TestCase):
         self.assertEqual(len(stamps), 2)
         self.check("int a;\n", "int c;\n")
         self.assertEqual(len(set((self.root / "build/tidy").iterdir()) - stamps), 1)
+
+    def test_parts_are_checked_by_themselves_and_what_is_in_none_of_them(self):
+        sources = "int a;\n", self.USES_MOVED
+        self.assertEqual(self.check(*sources, "kit/A.cpp"), (0, "1 files checked\n"))
+        self.assertEqual(self.check(*sources, "host", "kit/B.cpp")[0], 1)
+        self.assertEqual(self.check(*sources, "-kit/B.cpp", "-host"), (0, "1 files checked\n"))
+        self.assertEqual(self.check(*sources, "-kit/A.cpp")[0], 1)
+        self.assertEqual(self.check(*sources, "-kit"), (1, "found nothing to check\n"))
 
     def test_a_mistake_in_the_second_file_of_a_unit_is_found(self):
         status, text = self.check("int a;\n", self.USES_MOVED)

@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Runs clang-tidy's allow-list over the project's own sources (tests and benchmarks left out).
 
-usage: tidy.py PROJECT_FOLDER BUILD_FOLDER CLANG_TIDY
+usage: tidy.py PROJECT_FOLDER BUILD_FOLDER CLANG_TIDY [FOLDER | -FOLDER]...
+
+With folders of the project only what is in them is checked, with some after a "-" what is in none of these.
 
 The headers that sources share are most of the work, so files built with the same options are
 checked as one unit, unless their private names meet. Where that finds something, or a clash that
@@ -117,7 +119,13 @@ def tidy_unit(tidy, config, entries):
     return run.returncode, run.stdout + run.stderr
 
 
+def is_in(file, folders):
+    return any(file.is_relative_to(folder) for folder in folders)
+
+
 def main():
+    wanted = [name for name in sys.argv[4:] if not name.startswith("-")]
+    unwanted = [name[1:] for name in sys.argv[4:] if name.startswith("-")]
     root, build, tidy = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]), sys.argv[3]
     if is_other(tidy):
         return NOT_APPLICABLE
@@ -154,7 +162,8 @@ def main():
 
     entries = [entry for entry in json.loads((build / "compile_commands.json").read_text())
                if pathlib.Path(entry["file"]).resolve().is_relative_to(root)
-               and pathlib.Path(entry["file"]).resolve().relative_to(root).parts[0] in FOLDERS
+               and is_in(within := pathlib.Path(entry["file"]).resolve().relative_to(root), FOLDERS)
+               and (not wanted or is_in(within, wanted)) and not is_in(within, unwanted)
                # Objective-C++ is analysed by tools/macos-check, with what macOS declares.
                and not entry["file"].endswith(".mm")]
     if not entries:

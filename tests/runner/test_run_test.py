@@ -6,6 +6,7 @@ usage: test_run_test.py QUORIN_FOLDER CXX [LAUNCHER...]
 What is tried: tools/dev/run_ctest.sh, the counts of summary.py and quorin_test() of
 cmake/QuorinTargets.cmake, in a whole GoogleTest program and in one whose tests are found one by one.
 """
+import os
 import pathlib
 import re
 import subprocess
@@ -16,6 +17,9 @@ import unittest
 QUORIN = pathlib.Path(sys.argv[1])
 COMPILER = sys.argv[2]
 LAUNCHER = ";".join(sys.argv[3:])
+sys.path.insert(0, str(QUORIN / "tools/dev"))
+from share import DAYS  # noqa: E402
+
 PROJECT = QUORIN / "tests/runner/project"
 
 
@@ -31,10 +35,12 @@ class TestRun(unittest.TestCase):
                        check=True, stdout=subprocess.DEVNULL)
         subprocess.run(["cmake", "--build", cls.build], check=True, stdout=subprocess.DEVNULL)
 
-    def run_tests(self, *options):
+    def run_tests(self, *options, long="none"):
         """The exit status of a run, and label -> (executed, failed, skipped) of what it printed."""
         run = subprocess.run([QUORIN / "tools/dev/run_ctest.sh", self.build, *options],
+                             env={**os.environ, "QUORIN_LONG": long},
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.not_run = re.findall("not run: (.*)", run.stdout)
         rows = re.findall(r"^(\w+) +(\d+) +(\d+) +(\d+)$", run.stdout, re.MULTILINE)
         self.assertTrue(rows, run.stdout)
         return run.returncode, {row[0]: tuple(map(int, row[1:])) for row in rows}
@@ -79,6 +85,37 @@ class TestRun(unittest.TestCase):
         status, counts = self.run_tests("-R", "^(Odd/Values.Pass/|After.Passes)")
         self.assertEqual(status, 0)
         self.assertEqual(counts, {"unit": (7, 0, 0)})
+
+    def test_what_is_long_is_left_out_by_name_and_never_passed(self):
+        status, counts = self.run_tests("-R", "^(parted|parted_long|After.Passes)$")
+        self.assertEqual(status, 1)
+        self.assertEqual(counts["unit"], (1, 0, 0))
+        self.assertIn(counts["ui"], ((3, 2, 2), (4, 3, 2)))
+        self.assertEqual(self.not_run, ["parted_long"])
+
+    def test_long_tests_alone_are_no_run_where_they_are_left_out(self):
+        build = subprocess.run([QUORIN / "tools/dev/run_ctest.sh", self.build, "-R", "^parted_long$"],
+                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.assertNotEqual(build.returncode, 0)
+
+    def test_all_are_run_when_all_are_asked_for(self):
+        status, counts = self.run_tests("-R", "^parted_long$", long="all")
+        self.assertEqual((status, counts), (0, {"ui": (7, 0, 0)}))
+        self.assertEqual(self.not_run, [])
+
+    def test_each_long_test_has_its_day(self):
+        days = [f"2026-02-{day:02}" for day in range(1, 1 + DAYS)]
+        left_out = []
+        for day in days:
+            self.run_tests("-R", "^(parted_long|After.Passes)$", long=day)
+            left_out.append(self.not_run)
+        self.assertEqual(sorted(left_out), [[]] + [["parted_long"]] * (DAYS - 1))
+
+    def test_no_day_is_no_run(self):
+        run = subprocess.run([QUORIN / "tools/dev/run_ctest.sh", self.build, "-R", "^After.Passes$"],
+                             env={**os.environ, "QUORIN_LONG": "tomorrow"},
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.assertNotEqual(run.returncode, 0)
 
     def test_skips_alone_are_no_run(self):
         status, counts = self.run_tests("-R", "^Cases.Skips$")

@@ -4,8 +4,8 @@
 usage: summary.py RESULTS [--forbid-skips LABEL,LABEL]
 
 A CTest entry that ran a whole GoogleTest program counts as that program's tests. One that could not
-be started counts as failed. Prints a table and, last, CTest's own closing line. Exits 1 when a test
-failed, a forbidden skip is found or nothing ran.
+be started counts as failed. Prints a table, the names of the long tests that were left out and, last,
+CTest's own closing line. Exits 1 when a test failed, a forbidden skip is found or nothing ran.
 """
 import argparse
 import collections
@@ -14,15 +14,13 @@ import pathlib
 import sys
 import xml.etree.ElementTree as ET
 
+from share import LONG, labels_of, long_tests
+
 
 def labels_by_test(path):
     """Test name -> its label, as CTest lists them (its JUnit file leaves the labels out)."""
-    result = {}
-    for test in json.loads(path.read_text())["tests"]:
-        for entry in test.get("properties", []):
-            if entry["name"] == "LABELS":
-                result[test["name"]] = " ".join(entry["value"])
-    return result
+    return {test["name"]: " ".join(label for label in labels_of(test) if label != LONG) or "none"
+            for test in json.loads(path.read_text())["tests"]}
 
 
 def counts_of_program(path):
@@ -47,8 +45,10 @@ def main():
     labels = labels_by_test(options.results / "tests.json")
     passed, failed, skipped = (collections.Counter() for _ in range(3))
     names_skipped = collections.defaultdict(list)
+    ran = set()
     for case in ET.parse(options.results / "ctest.xml").getroot().iter("testcase"):
         name = case.get("name")
+        ran.add(name)
         label = labels.get(name, "none")
         program = options.results / f"{name}.xml"
         if program.exists():
@@ -70,6 +70,12 @@ def main():
         print(f"{label:<10}{passed[label] + failed[label]:>10}{failed[label]:>8}{skipped[label]:>9}")
         for name in names_skipped[label]:
             print(f"  skipped: {name}")
+
+    left_out = [name for name in long_tests(options.results / "tests.json") if name not in ran]
+    if left_out:
+        print(f"{len(left_out)} long tests were not run; ./test --full runs them:")
+        for name in left_out:
+            print(f"  not run: {name}")
 
     status = 0
     for label in filter(None, options.forbid_skips.split(",")):
