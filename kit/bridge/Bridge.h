@@ -87,6 +87,9 @@ class Bridge : public PanelBridge {
   // Never throws.
   void restoreStranded() override;
 
+  // For the main thread, while the application terminates. Never throws.
+  Recorded leftToTakeBack() const override;
+
   // Takes every mark back within two seconds. From then on nothing is marked any more. For the main
   // thread, while the application terminates. Never throws.
   void clearMarksForTerminate() override;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -47,6 +48,21 @@ class PanelBridge {
   // Before the first request. The handler is called on the bridge queue with each cell that the
   // bridge has moved Excel to.
   virtual void setOnActivatedCell(ActivatedCell handler) = 0;
+
+  // What the records of marks hold.
+  struct Recorded {
+    std::int64_t cells = 0;  // marked ones, each counted once
+    std::int64_t names = 0;  // what is marked by a name, of however many cells
+    std::int64_t rows = 0;   // shown ones
+    std::int64_t columns = 0;
+
+    bool isEmpty() const { return *this == Recorded{}; }
+    bool operator==(const Recorded&) const = default;
+  };
+
+  // Main thread, at the end: what there is to take back, by the records alone. Nothing where Excel
+  // does not run. Never throws.
+  virtual Recorded leftToTakeBack() const = 0;
 
   // Main thread, once, at the end: takes back every mark within two seconds.
   virtual void clearMarksForTerminate() = 0;

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
-#include <vector>
+#include <set>
 
 #include "kit/shapes/AddressShapes.h"
+#include "kit/shapes/HiddenRuns.h"
 
 namespace quorin::BridgeShapes {
 
@@ -85,6 +86,28 @@ std::optional<Rect> areaRect(std::string_view address) {
   const bool onSheet =
       rect.r1 <= rect.r2 && rect.r2 <= lastRow && rect.c1 <= rect.c2 && rect.c2 <= lastColumn;
   return onSheet ? std::optional(rect) : std::nullopt;
+}
+
+// Between two edges that follow each other the same rectangles lie side by side in every row.
+std::int64_t cellsIn(const std::vector<Rect>& rects) {
+  constexpr std::size_t mostCompared = 1000;
+  std::int64_t cells = 0;
+  if (rects.size() > mostCompared) {
+    for (const Rect& rect : rects) cells += (rect.r2 - rect.r1 + 1) * (rect.c2 - rect.c1 + 1);
+    return cells;
+  }
+  std::set<std::int64_t> edges;
+  for (const Rect& rect : rects) edges.insert({rect.r1, rect.r2 + 1});
+  std::int64_t top = 0;
+  for (const std::int64_t bottom : edges) {
+    std::vector<Run> columns;
+    for (const Rect& rect : rects) {
+      if (rect.r1 <= top && top <= rect.r2) columns.push_back({rect.c1, rect.c2});
+    }
+    cells += (bottom - top) * count(mergeRuns(columns));
+    top = bottom;
+  }
+  return cells;
 }
 
 }  // namespace quorin::BridgeShapes

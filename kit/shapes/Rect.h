@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorin::BridgeShapes {
 
@@ -30,5 +31,9 @@ std::optional<std::int64_t> columnIndex(std::string_view letters);
 // The rectangle of one area: "$B$2:$D$9", "B2", "C:E" (all rows), "3:5" (all columns). None for
 // any other text and for places beyond the sheet.
 std::optional<Rect> areaRect(std::string_view address);
+
+// How many cells the rectangles have between them, each counted once. More than 1,000 rectangles
+// are added up as they are.
+std::int64_t cellsIn(const std::vector<Rect>& rects);
 
 }  // namespace quorin::BridgeShapes

@@ -46,6 +46,7 @@ class FakeBridge : public PanelBridge {
   void restoreStranded() override { journal_.push_back("restoreStranded"); }
   std::chrono::system_clock::time_point lastProgrammaticNav() const override { return navigated; }
   void setOnActivatedCell(ActivatedCell handler) override { activatedCell = std::move(handler); }
+  Recorded leftToTakeBack() const override { return recorded; }
   void clearMarksForTerminate() override {
     journal_.push_back("clearMarksForTerminate");
     if (onClearMarksForTerminate) onClearMarksForTerminate();
@@ -57,6 +58,7 @@ class FakeBridge : public PanelBridge {
   JSONValue probed;
   std::chrono::system_clock::time_point navigated = std::chrono::system_clock::time_point::min();
   ActivatedCell activatedCell;
+  Recorded recorded;
   std::function<void()> onClearMarksForTerminate;
 
  private:

@@ -135,6 +135,25 @@ TEST_F(Terminate, LetsNothingEscapeFromTheSystem) {
   EXPECT_THAT(store_.load(), SizeIs(1));
 }
 
+TEST_F(Terminate, TellsBeforeByTheRecordsAloneWhatThereIsToTakeBack) {
+  EXPECT_TRUE(bridge_.leftToTakeBack().isEmpty());
+  store_.recordApplied({record("Q1", {"$A$1:$B$3", "B3:C3", "TAX"}), record("Q2", {"A1", "C:C"})});
+  unhide_.record({{"Plan.xlsx", "Q1", {{1, 1}, {5, 7}}, {}}, {"Plan.xlsx", "Q2", {}, {{2, 3}}}});
+  EXPECT_EQ(bridge_.leftToTakeBack(), (Bridge::Recorded{7 + 1 + 1048576, 1, 4, 2}));
+  EXPECT_THAT(excel_.calls(), IsEmpty());
+  EXPECT_THAT(store_.load(), SizeIs(2));
+  EXPECT_THAT(unhide_.load(), SizeIs(2));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(Terminate, TellsOfNothingWhereNothingCanBeTakenBack) {
+  store_.recordApplied({record("Q1", {"A1"})});
+  target_.running = false;
+  EXPECT_TRUE(bridge_.leftToTakeBack().isEmpty());
+  target_.broken = true;
+  EXPECT_TRUE(bridge_.leftToTakeBack().isEmpty()) << "nothing escapes";
+}
+
 TEST_F(Terminate, MarksNothingAfterwards) {
   bridge_.clearMarksForTerminate();
   excel_.returns("qx_cf_apply", Array{1, 0});

@@ -70,5 +70,20 @@ TEST(AreaRect, IsNoneForAnythingElse) {
     EXPECT_EQ(areaRect(address), std::nullopt) << address;
 }
 
+TEST(CellsIn, CountsEachCellOnce) {
+  EXPECT_EQ(cellsIn({}), 0);
+  EXPECT_EQ(cellsIn({{2, 2, 2, 2}}), 1);
+  EXPECT_EQ(cellsIn({{1, 1, 4, 3}, {10, 1, 10, 2}}), 14);
+  EXPECT_EQ(cellsIn({{1, 1, 4, 3}, {2, 2, 2, 2}, {1, 1, 4, 3}}), 12) << "inside, and the same";
+  EXPECT_EQ(cellsIn({{1, 1, 3, 3}, {3, 3, 5, 5}}), 17) << "a corner in common";
+  EXPECT_EQ(cellsIn({{1, 1, 2, 2}, {3, 1, 4, 2}, {1, 3, 4, 4}}), 16) << "side by side";
+  EXPECT_EQ(cellsIn({{1, 2, 1048576, 2}, {3, 1, 3, 16384}}), 1048576 + 16384 - 1);
+}
+
+TEST(CellsIn, AddsUpManyRectanglesAsTheyAre) {
+  EXPECT_EQ(cellsIn(std::vector<Rect>(1000, Rect{1, 1, 2, 2})), 4);
+  EXPECT_EQ(cellsIn(std::vector<Rect>(1001, Rect{1, 1, 2, 2})), 4004);
+}
+
 }  // namespace
 }  // namespace quorin::BridgeShapes
