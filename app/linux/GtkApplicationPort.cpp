@@ -2,6 +2,7 @@
 
 #include <glib-unix.h>
 #include <gtk/gtk.h>
+#include <utility>
 
 #include "app/shell/EndingSignals.h"
 
@@ -25,11 +26,28 @@ gboolean GtkApplicationPort::launch(gpointer self) {
 void GtkApplicationPort::terminate() {
   if (terminating_) return;
   terminating_ = true;
-  g_idle_add_full(G_PRIORITY_DEFAULT, end, this, nullptr);
+  g_idle_add_full(G_PRIORITY_DEFAULT, ask, this, nullptr);
 }
 
-gboolean GtkApplicationPort::end(gpointer self) {
-  static_cast<GtkApplicationPort*>(self)->delegate_->applicationWillTerminate();
+gboolean GtkApplicationPort::ask(gpointer data) {
+  auto& self = *static_cast<GtkApplicationPort*>(data);
+  self.patience_.reset(g_timeout_add(ApplicationDelegate::longestDelay.count(), end, data));
+  self.delegate_->applicationShouldTerminate([&self] { self.goOn(); });
+  return G_SOURCE_REMOVE;
+}
+
+// After what is still to be drawn.
+void GtkApplicationPort::goOn() {
+  if (std::exchange(goesOn_, true)) return;
+  end_.reset(g_idle_add(end, this));
+}
+
+gboolean GtkApplicationPort::end(gpointer data) {
+  auto& self = *static_cast<GtkApplicationPort*>(data);
+  self.goesOn_ = true;
+  self.patience_.reset();
+  self.end_.reset();
+  self.delegate_->applicationWillTerminate();
   gtk_main_quit();
   return G_SOURCE_REMOVE;
 }

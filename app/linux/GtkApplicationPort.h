@@ -22,10 +22,13 @@ class GtkApplicationPort : public Application {
  private:
   static gboolean signalled(gpointer self);
   static gboolean launch(gpointer self);
+  static gboolean ask(gpointer self);
   static gboolean end(gpointer self);
+  void goOn();
 
   ApplicationDelegate* delegate_ = nullptr;
-  bool terminating_ = false;
+  bool terminating_ = false, goesOn_ = false;
+  GSourceHandle patience_, end_;
   std::list<GSourceHandle> signals_;
 };
 

@@ -8,7 +8,24 @@
 
 @interface QXApplicationDelegate : NSObject <NSApplicationDelegate>
 @property(nonatomic, assign, nullable) quorin::ApplicationDelegate* receiver;
+@property(nonatomic, assign) BOOL asked;    // the receiver knows that the application is to end
+@property(nonatomic, assign) BOOL goesOn;   // and keeps it no longer
+@property(nonatomic, assign) BOOL waiting;  // AppKit waits for an answer
+- (void)goOn;
 @end
+
+namespace quorin {
+
+// AppKit waits for its answer in the mode of alerts, which is one of the common modes.
+static void goOnInTime(QXApplicationDelegate* delegate) {
+  const std::chrono::duration<double> delay = ApplicationDelegate::longestDelay;
+  [delegate performSelector:@selector(goOn)
+                 withObject:nil
+                 afterDelay:delay.count()
+                    inModes:@[ NSRunLoopCommonModes ]];
+}
+
+}  // namespace quorin
 
 @implementation QXApplicationDelegate
 
@@ -16,6 +33,28 @@
   quorin::ApplicationDelegate* receiver = self.receiver;
   if (!receiver) return;
   quorin::atEdge("launch", [&] { receiver->applicationDidFinishLaunching(); });
+}
+
+// A second question, as at a logout just then, has the answer of the first.
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
+  quorin::ApplicationDelegate* receiver = self.receiver;
+  if (!receiver || self.goesOn) return NSTerminateNow;
+  if (!self.asked) {
+    self.asked = YES;
+    QXApplicationDelegate* __weak asker = self;
+    quorin::atEdge("termination",
+                   [&] { receiver->applicationShouldTerminate([asker] { [asker goOn]; }); });
+    if (self.goesOn) return NSTerminateNow;
+    quorin::goOnInTime(self);
+  }
+  self.waiting = YES;
+  return NSTerminateLater;
+}
+
+- (void)goOn {
+  if (self.goesOn) return;
+  self.goesOn = YES;
+  if (self.waiting) [NSApplication.sharedApplication replyToApplicationShouldTerminate:YES];
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {

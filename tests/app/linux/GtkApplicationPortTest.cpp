@@ -6,9 +6,22 @@
 #include <gtest/gtest.h>
 #include <utility>
 
+#include "app/linux/GLibMainLoop.h"
 #include "app/linux/GtkApplicationPort.h"
+#include "tests/app/contract/ApplicationContract.h"
 
 namespace quorin {
+
+Application& contract::application() {
+  static GtkApplicationPort port;
+  return port;
+}
+
+MainLoop& contract::applicationLoop() {
+  static GLibMainLoop loop;
+  return loop;
+}
+
 namespace {
 
 class Launched : public ApplicationDelegate {
@@ -32,6 +45,26 @@ TEST(GtkApplicationPort, EndsAsTheUserWouldAtASignalThatAsksForIt) {
     port.run();
     EXPECT_EQ(delegate.terminations, 1) << strsignal(number);
   }
+}
+
+// What comes after run() finds everything done, and nothing comes any more.
+TEST(GtkApplicationPort, EndsOnceHoweverLateItsDelegateGoesOn) {
+  class Late : public Launched {
+   public:
+    using Launched::Launched;
+    void applicationShouldTerminate(GoOn goOn) override { kept = std::move(goOn); }
+    GoOn kept;
+  };
+  GtkApplicationPort port;
+  Late delegate([&port] { port.terminate(); });
+  port.setDelegate(delegate);
+  port.run();
+  EXPECT_EQ(delegate.terminations, 1);
+  delegate.kept();
+  delegate.kept();
+  while (g_main_context_iteration(nullptr, FALSE)) {
+  }
+  EXPECT_EQ(delegate.terminations, 1);
 }
 
 TEST(GtkApplicationPort, OutlivesItsTerminalWhereThatIsWanted) {

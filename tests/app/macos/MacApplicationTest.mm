@@ -7,9 +7,19 @@
 #include <unistd.h>
 
 #include "app/shell/EndingSignals.h"
+#include "tests/app/contract/ApplicationContract.h"
 #include "tests/app/contract/ContractWorld.h"
 
 namespace quorin::contract {
+
+Application& application() {
+  return platform().application();
+}
+
+MainLoop& applicationLoop() {
+  return platform().mainLoop();
+}
+
 namespace {
 
 constexpr int endedWell = 57;

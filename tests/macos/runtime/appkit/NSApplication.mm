@@ -2,6 +2,7 @@
 #import <AppKit/AppKit.h>
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include "tests/macos/runtime/appkit/Hands.h"
@@ -23,6 +24,7 @@ NSArray<NSWindow*>* allWindows();
 @implementation NSApplication {
   NSApplicationActivationPolicy _policy;
   bool _launched, _terminating;
+  std::optional<bool> _reply;
 }
 @synthesize delegate = _delegate, mainMenu = _mainMenu;
 
@@ -83,10 +85,27 @@ NSArray<NSWindow*>* allWindows();
 }
 - (void)sendEvent:(NSEvent*)event {
 }
+// "If … applicationShouldTerminate: returns NSTerminateLater, the app runs in a modal loop, in the
+// mode NSModalPanelRunLoopMode, until replyToApplicationShouldTerminate:". It is asked at each
+// call.
+- (bool)mayTerminate {
+  id<NSApplicationDelegate> delegate = _delegate;
+  if (![delegate respondsToSelector:@selector(applicationShouldTerminate:)]) return true;
+  _reply.reset();
+  const NSApplicationTerminateReply reply = [delegate applicationShouldTerminate:self];
+  if (reply != NSTerminateLater) return reply == NSTerminateNow;
+  while (!_reply)
+    Loop::main()->run(Loop::modalMode, Loop::Time::max(), [&] { return _reply.has_value(); });
+  return *_reply;
+}
+- (void)replyToApplicationShouldTerminate:(BOOL)shouldTerminate {
+  onMainThread("replyToApplicationShouldTerminate:");
+  _reply = shouldTerminate;
+}
 // "Calls exit(): it does not return."
 - (void)terminate:(id)sender {
   onMainThread("terminate:");
-  if (std::exchange(_terminating, true)) return;
+  if (![self mayTerminate] || std::exchange(_terminating, true)) return;
   id<NSApplicationDelegate> delegate = _delegate;
   if ([delegate respondsToSelector:@selector(applicationWillTerminate:)])
     [delegate applicationWillTerminate:notification(@"NSApplicationWillTerminate", self)];
