@@ -30,6 +30,18 @@ void AppDelegate::applicationDidFinishLaunching() {
   });
 }
 
+void AppDelegate::applicationShouldTerminate(GoOn goOn) {
+  if (!panel_ || !panel_->isVisible()) return goOn();
+  const PanelBridge::Recorded left = parts_.bridge.leftToTakeBack();
+  if (left.isEmpty()) return goOn();
+  goOn_ = std::move(goOn);
+  const auto number = [](std::int64_t count) { return static_cast<double>(count); };
+  panel_->sendEvent("quitting", JSONValue::Object{{"cells", number(left.cells)},
+                                                  {"names", number(left.names)},
+                                                  {"rows", number(left.rows)},
+                                                  {"columns", number(left.columns)}});
+}
+
 void AppDelegate::applicationWillTerminate() {
   parts_.bridge.clearMarksForTerminate();
   parts_.fileQueue.sync([] {});  // what the user said is on the disk
@@ -138,8 +150,15 @@ void AppDelegate::makeSettings(const QXConfig& config) {
                                  config);
   panel().setOnApplicationVerb(
       [this, alive = std::weak_ptr(alive_)](const std::string& verb, const JSONValue::Array& args) {
-        return alive.expired() ? std::nullopt : settings_->answer(verb, args);
+        return alive.expired() ? std::nullopt : answer(verb, args);
       });
+}
+
+std::optional<PanelBridge::Reply> AppDelegate::answer(const std::string& verb,
+                                                      const JSONValue::Array& args) {
+  if (verb != "quittingDrawn") return settings_->answer(verb, args);
+  if (const GoOn goOn = std::exchange(goOn_, nullptr)) goOn();
+  return PanelBridge::Reply{true, nullptr};
 }
 
 void AppDelegate::applicationActivated(const RunningApplication& application) {

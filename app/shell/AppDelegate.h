@@ -39,6 +39,8 @@ class AppDelegate : public ApplicationDelegate {
   explicit AppDelegate(Parts parts);
 
   void applicationDidFinishLaunching() override;
+  // Has the visible panel say what is going to be taken back, and waits until it is drawn.
+  void applicationShouldTerminate(GoOn goOn) override;
   void applicationWillTerminate() override;
   void applicationShouldHandleReopen() override;
 
@@ -71,6 +73,9 @@ class AppDelegate : public ApplicationDelegate {
 
   void applicationActivated(const RunningApplication& application);
 
+  // The page's verbs that concern the whole application; none for any other.
+  std::optional<PanelBridge::Reply> answer(const std::string& verb, const JSONValue::Array& args);
+
   Parts parts_;
   std::optional<ISO::Date> previousLaunch_;
   std::unique_ptr<Panel> panel_;
@@ -83,6 +88,7 @@ class AppDelegate : public ApplicationDelegate {
   std::unique_ptr<Settings> settings_;
   bool raiseWanted_ = false;
   std::optional<std::string> wantedView_;
+  GoOn goOn_;  // while the page draws what it says of the end
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

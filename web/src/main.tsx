@@ -13,6 +13,7 @@ import { CarriedModel, SlicedCarrier } from './core/model/ModelClient';
 import type { ModelClient } from './core/model/ModelClient';
 import { Conveyor, Errands } from './core/protocol/Conveyor';
 import { activityText, tellAfter } from './core/protocol/activity';
+import type { Left } from './core/protocol/events';
 import type { Outcome } from './core/protocol/Outcome';
 import { ProtocolClient } from './core/protocol/ProtocolClient';
 import { traits } from './core/protocol/traits';
@@ -28,6 +29,8 @@ import type { SelectionState } from './core/selection/state';
 import type { Clock } from './core/time/Clock';
 import { argumentSeparator } from './core/workbook/conventions';
 import { App } from './view/App';
+import { QuittingCard } from './view/QuittingCard';
+import { afterDrawing } from './view/afterDrawing';
 import { copyText } from './view/copyText';
 import { takeAlong } from './view/takeAlong';
 import type { Activity, Page } from './view/page';
@@ -286,9 +289,18 @@ function tellActivity(slow: boolean): void {
 selectionErrands.attach(conveyor);
 errands.attach(conveyor);
 
+// The native side waits for the word that this is drawn, and then for the spreadsheet.
+const [quitting, setQuitting] = createSignal<Left>();
 client.listen((event) => {
+  if (quitting()) return;
+  if (event.name === 'quitting') {
+    setQuitting(event.left);
+    afterDrawing(() => void client.ask('quittingDrawn'));
+  }
   asleep =
-    event.name === 'cleanHide' || (asleep && event.name !== 'summon' && event.name !== 'surface');
+    event.name === 'cleanHide' ||
+    event.name === 'quitting' ||
+    (asleep && event.name !== 'summon' && event.name !== 'surface');
   if (event.name === 'selectionChanged') paced.userAtWork();
   tracker.handle(event);
   explorer.handle(event);
@@ -296,7 +308,7 @@ client.listen((event) => {
   if (event.name === 'surface' || (event.name === 'summon' && !event.resume)) focusView();
 });
 window.addEventListener('focus', () => {
-  tracker.refresh();
+  if (!quitting()) tracker.refresh();
 });
 function focusView(): void {
   document.querySelector<HTMLElement>('[data-keys=all]')?.focus({ preventScroll: true });
@@ -402,6 +414,7 @@ const page: Page = {
   checkForUpdates: () => void client.ask('checkForUpdates'),
   wide,
   setWide: (next) => void client.ask('setPanelWidth', next),
+  quitting,
   welcome,
   dismissWelcome() {
     setWelcome(false);
@@ -420,16 +433,19 @@ const place = document.getElementById('page');
 if (!place) throw new Error('the document has no place for the page');
 render(
   () => (
-    <App
-      page={page}
-      application={application}
-      platform={platform}
-      selection={selection()}
-      said={said()}
-      onRetry={() => {
-        tracker.retry();
-      }}
-    />
+    <>
+      <App
+        page={page}
+        application={application}
+        platform={platform}
+        selection={selection()}
+        said={said()}
+        onRetry={() => {
+          tracker.retry();
+        }}
+      />
+      <QuittingCard left={quitting()} application={application} />
+    </>
   ),
   place,
 );

@@ -18,6 +18,7 @@ import time
 import unittest
 
 from desk import Desk, Quorin
+from quit_cases import QuitTest  # noqa: F401
 from release_cases import ReleaseTest
 from scan_cases import ScanTest  # noqa: F401
 from settings_cases import SettingsTest  # noqa: F401

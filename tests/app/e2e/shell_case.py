@@ -130,8 +130,10 @@ class ShellCase(unittest.TestCase):
                          self.opened.read_text().splitlines())
         return told
 
-    def start(self, *arguments, **options):
-        options.setdefault("QX_DEV_URL", f"file://{self.page}")
+    def start(self, *arguments, page="test", **options):
+        """With the test's page, or Quorin's own."""
+        if page == "test":
+            options.setdefault("QX_DEV_URL", f"file://{self.page}")
         quorin = Quorin(*arguments, XDG_CONFIG_HOME=str(self.folder / "config"),
                         XDG_DATA_DIRS=str(self.folder / "share"),
                         DBUS_SESSION_BUS_ADDRESS=self.environment["DBUS_SESSION_BUS_ADDRESS"],

@@ -314,6 +314,84 @@ TEST_F(AppDelegateTest, TakesTheMarksBackAtTheEndAndWritesTheLog) {
       << "on disk before the process ends";
 }
 
+// The panel is up, and there are marks; `ended` counts how often the application goes on.
+class AtTheEnd : public AppDelegateTest {
+ protected:
+  AtTheEnd() {
+    launched();
+    platform.workspace().bringToFront(excel());
+    settle();
+    takeJournal();
+    bridge.recorded = {12, 1, 3, 2};
+  }
+
+  void terminate() {
+    delegate->applicationShouldTerminate([this] { ++ended; });
+  }
+
+  void pageSays(const char* verb) {
+    platform.webView().post(Object{{"id", 9}, {"verb", verb}, {"args", JSONValue::Array{}}});
+  }
+
+  int ended = 0;
+  const std::string told =
+      "evaluate window.__qxEvent && window.__qxEvent(\"quitting\", "
+      "{\"cells\":12,\"columns\":2,\"names\":1,\"rows\":3})";
+  const std::string answered = R"(evaluate window.__qxResolve(9, {"ok":true,"payload":null}))";
+};
+
+TEST_F(AtTheEnd, WaitsUntilThePageHasDrawnWhatIsTakenBack) {
+  terminate();
+  EXPECT_THAT(takeJournal(), ElementsAre(told));
+  pageSays("setSetting");
+  EXPECT_EQ(ended, 0) << "another verb is none of it";
+  pageSays("quittingDrawn");
+  EXPECT_EQ(ended, 1);
+  EXPECT_THAT(takeJournal(), ElementsAre(testing::_, answered));
+  pageSays("quittingDrawn");
+  EXPECT_EQ(ended, 1);
+}
+
+TEST_F(AtTheEnd, SaysNothingWhereNothingIsRecorded) {
+  bridge.recorded = {};
+  terminate();
+  EXPECT_EQ(ended, 1);
+  EXPECT_THAT(takeJournal(), IsEmpty());
+}
+
+TEST_F(AtTheEnd, SaysNothingInAHiddenPanel) {
+  platform.workspace().bringToFront(editor());
+  takeJournal();
+  terminate();
+  EXPECT_EQ(ended, 1);
+  EXPECT_THAT(takeJournal(), IsEmpty());
+}
+
+TEST_F(AtTheEnd, TakesNoAnswerForOneThatWasNotAsked) {
+  pageSays("quittingDrawn");
+  EXPECT_THAT(takeJournal(), ElementsAre(answered));
+  terminate();
+  EXPECT_EQ(ended, 0);
+}
+
+TEST_F(AtTheEnd, MakesNoPanelToSayIt) {
+  platform.journal.clear();
+  makeDelegate();
+  terminate();
+  EXPECT_EQ(ended, 1);
+  EXPECT_THAT(takeJournal(), IsEmpty());
+}
+
+TEST_F(AtTheEnd, IsNotKeptByAPageThatIsGone) {
+  platform.webView().delegate->webViewWebProcessDidTerminate();
+  takeJournal();
+  terminate();
+  EXPECT_THAT(takeJournal(), IsEmpty());
+  EXPECT_EQ(ended, 0) << "the application goes on by itself";
+  platform.webView().finishLoading();
+  EXPECT_THAT(takeJournal(), ElementsAre(told));
+}
+
 TEST_F(AppDelegateTest, LeavesNothingBehindThatCouldCallIt) {
   launched();
   platform.workspace().bringToFront(excel());

@@ -52,7 +52,10 @@ export function App(props: AppProps): JSX.Element {
   const here = () =>
     settings() || sentence() ? undefined : props.page.look((explorer) => explorer.here);
   const tree = () => here()?.tree;
-  const dimmed = () => props.selection.status === 'busy' || props.selection.slow;
+  const dimmed = () =>
+    props.selection.status === 'busy' ||
+    props.selection.slow ||
+    props.page.quitting() !== undefined;
   const notice = () => props.page.look((explorer) => explorer.notice);
   const doubt = () =>
     props.page.look(({ view, evaluator }) => (view === 'tree' ? doubtOf(evaluator, here()) : ''));
@@ -68,7 +71,7 @@ export function App(props: AppProps): JSX.Element {
   const isWhole = () => props.page.look((explorer) => explorer.lists.isWhole);
 
   const press = (event: KeyboardEvent): void => {
-    if (event.defaultPrevented) return;
+    if (event.defaultPrevented || props.page.quitting()) return;
     const { explorer, settings: panel } = props.page;
     if (event.key === ',' && !event.altKey && (event.ctrlKey || event.metaKey)) {
       event.preventDefault();
@@ -123,7 +126,11 @@ export function App(props: AppProps): JSX.Element {
   });
 
   return (
-    <div class="page" classList={{ dimmed: dimmed(), noticed: sentence() !== undefined }}>
+    <div
+      class="page"
+      classList={{ dimmed: dimmed(), noticed: sentence() !== undefined }}
+      inert={props.page.quitting() !== undefined}
+    >
       <TopBar page={props.page} paused={props.selection.paused} />
       <Show when={here()}>
         <Crumbs

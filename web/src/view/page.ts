@@ -4,6 +4,7 @@
 import type { Explorer } from '../core/explorer/Explorer';
 import type { SheetFollower } from '../core/follow/SheetFollower';
 import type { ReportFormat } from '../core/report/ofReview';
+import type { Left } from '../core/protocol/events';
 import type { Colour } from '../core/protocol/verbs';
 import type { Platform } from '../core/selection/sentences';
 import type { SettingsPanel } from '../core/settings/SettingsPanel';
@@ -37,6 +38,8 @@ export type Page = {
   setWide(wide: boolean): void;
   checkForUpdates(): void;
   hide(): void;
+  /** What is taken back while Quorin ends; before that nothing. */
+  quitting(): Left | undefined;
   /** True on first starts, until the card of help is dismissed. */
   welcome(): boolean;
   dismissWelcome(): void;

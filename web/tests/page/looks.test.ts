@@ -8,6 +8,7 @@ import { afterAll, beforeAll, describe, expect, test } from 'vitest';
 import { complaints } from './axe';
 import { Browser } from './FakePanel';
 import { Pictures } from './Pictures';
+import { quitScenes } from './quitScenes';
 import { scenes } from './scenes';
 
 const some = process.env.QUORIN_LOOKS === 'some';
@@ -25,7 +26,7 @@ afterAll(async () => {
 });
 
 describe('looks', () => {
-  test.each(Object.entries(scenes))('%s', async (name, scene) => {
+  test.each(Object.entries({ ...scenes, ...quitScenes }))('%s', async (name, scene) => {
     const panel = await browser.open(scene.answers);
     await panel.reaches(scene.state);
     await scene.then?.(panel);

@@ -1,6 +1,6 @@
 // What the native side tells the page without being asked.
 
-import { isObject } from './json';
+import { isCount, isObject } from './json';
 import { cellPlace, type CellPlace } from './verbs';
 
 /** The views that hot keys bring up. */
@@ -24,7 +24,18 @@ export type NativeEvent =
   /** The menu asks for the settings. */
   | { name: 'showSettings' }
   /** The settings are others now, by another hand than the page's. */
-  | { name: 'settingsChanged' };
+  | { name: 'settingsChanged' }
+  /** Quorin ends once this is drawn, and takes back before what it has marked and shown. */
+  | { name: 'quitting'; left: Left };
+
+/** What there is to take back; `names`: what is marked by a name, of however many cells. */
+export type Left = { cells: number; names: number; rows: number; columns: number };
+
+function left({ cells, names, rows, columns }: Record<string, unknown>): Left | undefined {
+  return isCount(cells) && isCount(names) && isCount(rows) && isCount(columns)
+    ? { cells, names, rows, columns }
+    : undefined;
+}
 
 /** The event, or nothing when the name is unknown or the payload has another shape. */
 export function decodeEvent(name: unknown, payload: unknown): NativeEvent | undefined {
@@ -56,6 +67,10 @@ export function decodeEvent(name: unknown, payload: unknown): NativeEvent | unde
       return typeof body.paused === 'boolean' ? { name, paused: body.paused } : undefined;
     case 'step':
       return body.dir === 1 || body.dir === -1 ? { name, direction: body.dir } : undefined;
+    case 'quitting': {
+      const counted = left(body);
+      return counted && { name, left: counted };
+    }
     default:
       return undefined;
   }

@@ -29,6 +29,11 @@ export function isIndex(value: unknown): value is number {
   return Number.isSafeInteger(value) && (value as number) > 0;
 }
 
+/** How many there are; zero is a number of them. */
+export function isCount(value: unknown): value is number {
+  return value === 0 || isIndex(value);
+}
+
 export function isListOf<T>(value: unknown, isItem: (item: unknown) => item is T): value is T[] {
   return Array.isArray(value) && value.every(isItem);
 }

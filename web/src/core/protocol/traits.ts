@@ -85,6 +85,7 @@ export const traits: Readonly<Record<Verb, Traits>> = {
   setSetting: { deadline: replyDeadline },
   pauseHotKeys: { deadline: replyDeadline },
   checkForUpdates: { deadline: replyDeadline },
+  quittingDrawn: { deadline: replyDeadline },
 };
 
 function whichCell(_subject: string, application: string): string {

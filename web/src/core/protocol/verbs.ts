@@ -115,6 +115,8 @@ export type Verbs = {
   /** While they are paused, hot keys reach the page. */
   pauseHotKeys: { args: [paused: boolean]; result: null };
   checkForUpdates: { args: []; result: null };
+  /** What is said of the end stands on the screen. */
+  quittingDrawn: { args: []; result: null };
 };
 
 export type Verb = keyof Verbs;
@@ -284,6 +286,7 @@ const decoders: { [V in Exclude<Verb, 'evaluate' | 'deepEval'>]: Decoder<Verbs[V
   setSetting: settings,
   pauseHotKeys: nothing,
   checkForUpdates: nothing,
+  quittingDrawn: nothing,
 };
 
 /** The outcome of `verb` from a reply's two members. Never throws, whatever `payload` is. */

@@ -22,6 +22,11 @@ describe('decodeEvent', () => {
       { name: 'surface', view: 'deps', wasVisible: true, wasKey: false },
     ],
     ['followState', { paused: false }, { name: 'followState', paused: false }],
+    [
+      'quitting',
+      { cells: 3, names: 0, rows: 2, columns: 1 },
+      { name: 'quitting', left: { cells: 3, names: 0, rows: 2, columns: 1 } },
+    ],
     ['step', { dir: -1 }, { name: 'step', direction: -1 }],
     ['step', { dir: 1 }, { name: 'step', direction: 1 }],
   ])('reads %s %j', (name, payload, event) => {
@@ -34,6 +39,10 @@ describe('decodeEvent', () => {
     ['surface', { name: 'settings' }],
     ['followState', { paused: 'yes' }],
     ['step', { dir: 2 }],
+    ['quitting', {}],
+    ['quitting', { cells: 3, names: 0, rows: 2 }],
+    ['quitting', { cells: -3, names: 0, rows: 2, columns: 1 }],
+    ['quitting', { cells: 1.5, names: 0, rows: 2, columns: 1 }],
     ['unheardOf', {}],
     [12, {}],
     ['toString', {}],
