@@ -132,24 +132,28 @@ function(quorin_long)
   endforeach()
 endfunction()
 
-# quorin_add_whole(TEST LABEL TIMEOUT PROGRAM [argument...]): a GoogleTest program as one test of CTest's.
-function(quorin_add_whole test label timeout)
+# quorin_add_whole(TEST LABEL TIMEOUT LOCK PROGRAM [argument...]): a GoogleTest program as one test of
+# CTest's.
+function(quorin_add_whole test label timeout lock)
   add_test(NAME ${test} COMMAND ${ARGN})
   set_tests_properties(${test} PROPERTIES LABELS ${label} TIMEOUT ${timeout}
-    RESOURCE_LOCK ${label} COST 500 ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${test}.xml"
+    RESOURCE_LOCK ${lock} COST 500 ENVIRONMENT "GTEST_OUTPUT=xml:${CMAKE_BINARY_DIR}/results/${test}.xml"
     SKIP_RETURN_CODE ${QUORIN_SKIPPED})
 endfunction()
 
-# quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] SOURCES file...
-#             [ALONE file...] [LONG pattern...] LIBS library...):
+# quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] [LOCK name]
+#             SOURCES file... [ALONE file...] [LONG pattern...] LIBS library...):
 # one GoogleTest program, an OPTIMIZED one compiled as the product is. Unit tests are found one by
 # one, and so are SEPARATE ones; other programs that share an expensive peer (an office, a display)
 # run as a whole and leave their counts in an XML file beside the build. Of those with a peer one of
-# each label runs at a time. COST orders the tests: these take the longest together, so they come
-# first, and the long checks beside them. Of such a program the tests of the LONG patterns are one more
-# test, NAME_long, for quorin_long.
+# each LOCK runs at a time, which is the label unless it is said. COST orders the tests: these take the
+# longest together, so they come first, and the long checks beside them. Of such a program the tests of
+# the LONG patterns are one more test, NAME_long, for quorin_long.
 function(quorin_test name)
-  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT" "SOURCES;ALONE;LONG;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT;LOCK" "SOURCES;ALONE;LONG;LIBS" ${ARGN})
+  if(NOT ARG_LOCK)
+    set(ARG_LOCK ${ARG_LABEL})
+  endif()
   if(NOT ARG_TIMEOUT AND (ARG_LABEL STREQUAL "unit" OR ARG_SEPARATE))
     set(ARG_TIMEOUT 120)
   elseif(NOT ARG_TIMEOUT)
@@ -175,10 +179,10 @@ function(quorin_test name)
   if(ARG_LABEL STREQUAL "unit")
     quorin_find_cases(${name} LABELS unit TIMEOUT ${ARG_TIMEOUT} SKIP_RETURN_CODE ${QUORIN_SKIPPED})
   elseif(ARG_SEPARATE)
-    quorin_find_cases(${name} LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} RESOURCE_LOCK ${ARG_LABEL}
+    quorin_find_cases(${name} LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT} RESOURCE_LOCK ${ARG_LOCK}
                       COST 400 SKIP_RETURN_CODE ${QUORIN_SKIPPED})
   else()
-    set(all ${ARG_LABEL} ${ARG_TIMEOUT} ${name})
+    set(all ${ARG_LABEL} ${ARG_TIMEOUT} ${ARG_LOCK} ${name})
     if(ARG_LONG)
       list(JOIN ARG_LONG ":" long)
       quorin_add_whole(${name} ${all} --gtest_filter=-${long})
