@@ -176,6 +176,7 @@ class ScanTest(unittest.TestCase):
 
     def review_number_typed_over(self):
         """Makes the finding active that a number was typed over the formula of its row."""
+        wait_for("a cell", lambda: self.text("address"))
         self.click_on("tab-tree")
         wait_for("the keyboard", lambda: self.quorin.window()["key"])
         self.type("4")

@@ -73,7 +73,13 @@ class Session(Trial):
                                                        lambda: socket("wayland-*")).name
         # Only with a keyboard of its own does the session have a keyboard at all.
         self.start("wtype", "-s", "3600000", "-k", "Shift_L")
-        wait_for("a keyboard", lambda: "keyboard" in self.tool("swaymsg", "-t", "get_seats"))
+        wait_for("a keyboard", lambda: "keyboard" in self.seats())
+
+    def seats(self):
+        try:
+            return self.tool("swaymsg", "-t", "get_seats")
+        except Trouble:
+            return ""  # the compositor has its socket a moment before it listens there
 
     def start_office(self):
         if self.account:
