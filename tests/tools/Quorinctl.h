@@ -42,14 +42,19 @@ inline std::string request(int id, const std::string& verb, const std::string& a
 
 class Quorinctl : public testing::Test {
  protected:
-  // Runs the program with its own temporary folder and nothing of the user's.
+  // Runs the program with its own temporary folder, a home in which there is nothing yet, and
+  // nothing of the user's.
   std::unique_ptr<ToolProcess> start(const std::vector<std::string>& arguments) {
     std::vector<std::string> command{QUORINCTL};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    for (const char* name : {"tmp", "data", "state"})
+    for (const char* name : {"tmp", "data", "state", "home"})
       std::filesystem::create_directories(folder_ / name);
     return std::make_unique<ToolProcess>(
         command, ToolProcess::Variables{{"TMPDIR", folder_ / "tmp"},
+                                        {"HOME", folder_ / "home"},
+                                        {"XDG_CACHE_HOME", ""},
+                                        {"XDG_CONFIG_HOME", ""},
+                                        {"XDG_RUNTIME_DIR", ""},
                                         {"XDG_DATA_HOME", folder_ / "data"},
                                         {"XDG_STATE_HOME", folder_ / "state"}});
   }
@@ -102,6 +107,7 @@ class Quorinctl : public testing::Test {
     EXPECT_THAT(namesIn(folder_ / "tmp"), testing::IsEmpty());
     EXPECT_THAT(namesIn(folder_ / "data"), testing::IsEmpty());
     EXPECT_THAT(namesIn(folder_ / "state"), testing::IsEmpty());
+    EXPECT_THAT(namesIn(folder_ / "home"), testing::IsEmpty());
     if (!office.empty()) {
       EXPECT_FALSE(std::filesystem::exists(host::calc::pipeFile(office)));
     }

@@ -89,7 +89,13 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 std::vector<std::string> environment(const std::filesystem::path& folder, bool headless,
                                      const std::vector<std::pair<std::string, std::string>>& more) {
   std::vector<std::pair<std::string, std::string>> wanted{{"TMPDIR", (folder / "tmp").string()}};
-  if (headless) wanted.emplace_back("SAL_USE_VCLPLUGIN", "svp");
+  if (headless) {
+    wanted.emplace_back("SAL_USE_VCLPLUGIN", "svp");
+    // Where a home has neither, the office would make the user's folder for settings, and dconf, by
+    // which it looks for an administrator's, one for its state.
+    wanted.emplace_back("XDG_CONFIG_HOME", (folder / "config").string());
+    wanted.emplace_back("XDG_RUNTIME_DIR", (folder / "runtime").string());
+  }
   wanted.insert(wanted.end(), more.begin(), more.end());
   std::vector<std::string> result;
   for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -134,7 +140,8 @@ void PrivateOffice::prepareFolder() {
   }
   folder_ = name;
   pipe_ = folder_.filename().string();
-  std::filesystem::create_directories(folder_ / "tmp");
+  for (const char* const part : {"tmp", "config", "runtime"})
+    std::filesystem::create_directories(folder_ / part);
   std::filesystem::create_directories(folder_ / "profile/user/extensions");
   std::ofstream(folder_ / "profile/user/registrymodifications.xcu") << registry();
   std::ofstream(folder_ / "profile/user/extensions/buildid") << buildId();
