@@ -149,6 +149,7 @@ const follower: SheetFollower = new SheetFollower(
     markCells: (addresses, colour) => client.ask('markCells', addresses, colour),
     reveal: async (addresses) => {
       const outcome = await client.ask('reveal', addresses);
+      if (outcome.ok && outcome.value.activated) tracker.displace();
       explorer.moved();
       return outcome;
     },
@@ -225,8 +226,9 @@ function showSelection(state: SelectionState): void {
     setSelection(state);
     explorer.selection(state);
   });
+  conveyor.wake();
 }
-const tracker = new SelectionTracker(
+const tracker: SelectionTracker = new SelectionTracker(
   {
     probe: () => askForSelection('probe'),
     readCell: () => askForSelection('readCell'),
@@ -240,7 +242,8 @@ let asleep = false;
 const [waiting, setWaiting] = createSignal(false);
 const conveyor = new Conveyor(
   [
-    follower,
+    // While the cell is being read the spreadsheet stays at it: a row that is walked to meanwhile waits.
+    { next: () => follower.next(selection().fresh || selection().status !== 'ready') },
     selectionErrands,
     errands,
     {

@@ -73,6 +73,27 @@ class PanelTest(unittest.TestCase):
         self.follows(quorin, "D5", "=Total_Capex-Loan", "8,417,220")
         self.assertEqual(desk.active(), int(desk.window, 16), "the keyboard stays with Calc")
 
+    def test_keeps_its_cell_while_the_user_looks_at_the_sheet_that_it_went_to(self):
+        desk.bring_calc_forward()
+        quorin = self.start("--show")
+        desk.go_to("Right", "Right", "Right", "Down", "Down", "Down", "Down")
+        self.follows(quorin, "D5", "=Total_Capex-Loan", "8,417,220")
+
+        def is_marked(name):
+            marked = "document.querySelector('[data-testid=marked]')?.textContent ?? ''"
+            wait_for(f"the mark of {name}", lambda: name in quorin.panel.eval(marked))
+        panel = wait_for("the panel's window", lambda: desk.window_of(quorin))
+        desk.bring_forward(panel)
+        desk.tool("xdotool", "key", "Down", "Down")
+        is_marked("Loan")
+        wait_for("its sheet", lambda: desk.cell()["sheet"] == "Debt")
+        desk.bring_calc_forward()
+        desk.bring_forward(panel)
+        desk.tool("xdotool", "key", "Up")
+        is_marked("Total_Capex")
+        self.assertEqual(quorin.panel.shown()["address"].replace("$", ""), "D5")
+        desk.tool("xdotool", "key", "Escape")
+
     def test_comes_and_goes_with_calc_without_taking_the_keyboard(self):
         desk.bring_other_forward()
         quorin = self.start()

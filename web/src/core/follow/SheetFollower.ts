@@ -126,13 +126,14 @@ export class SheetFollower implements Source {
     this.clear();
   }
 
-  next(): Job | undefined {
+  /** `mayShow`: false while the spreadsheet must stay where it is; what is marked is taken back even so. */
+  next(mayShow = true): Job | undefined {
     if (this.clearing) {
       this.clearing = false;
       return () => this.takeBack();
     }
     const { wanted } = this;
-    if (!wanted) return undefined;
+    if (!wanted || !mayShow) return undefined;
     this.wanted = undefined;
     return () => this.show(wanted);
   }

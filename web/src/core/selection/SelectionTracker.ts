@@ -45,6 +45,10 @@ export class SelectionTracker {
   private cancelRetry: Cancel | undefined;
   /** Where the latest event says the user is, while that event is the newest reason to ask. */
   private announced: CellPlace | undefined;
+  /** The generation that only looks once more at the cell that is shown. */
+  private refreshing: number | undefined;
+  /** True if it was the page that last brought another sheet to the front. */
+  private displaced = false;
 
   constructor(
     private readonly spreadsheet: SpreadsheetQuestions,
@@ -89,6 +93,15 @@ export class SelectionTracker {
   refresh(): void {
     if (this.asking || this.asleep || this.state.status !== 'ready') return;
     this.askAgain('read');
+    this.refreshing = this.generation;
+  }
+
+  /**
+   * The page has brought another sheet to the front. The cell that is selected there is none that the
+   * user went to, and is not shown because the panel is looked at again.
+   */
+  displace(): void {
+    this.displaced = true;
   }
 
   /** The panel is hidden: ask nothing until it is shown again. */
@@ -148,7 +161,19 @@ export class SelectionTracker {
     }
     const seen = this.generation;
     const content = await this.withErrorText(outcome.value);
-    if (seen === this.generation) this.accept(content);
+    if (seen !== this.generation) return;
+    if (this.isNotTheUsers(content)) this.change({ fresh: true });
+    else this.accept(content);
+  }
+
+  private isNotTheUsers(content: CellContent): boolean {
+    const { content: own } = this.state;
+    return (
+      this.displaced &&
+      this.refreshing === this.generation &&
+      own !== undefined &&
+      !samePlace(own, content)
+    );
   }
 
   /**
@@ -174,6 +199,7 @@ export class SelectionTracker {
   private accept(content: CellContent): void {
     this.retries = 0;
     this.announced = undefined;
+    this.displaced = false;
     const { paused } = this.state;
     this.state = { status: 'ready', content, fresh: true, slow: false, paused };
     this.publish(this.state);

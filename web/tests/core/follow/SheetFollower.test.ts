@@ -58,6 +58,16 @@ beforeEach(() => {
   start(true);
 });
 
+test('while it must stay where it is nothing is shown, and marks are taken back', async () => {
+  follower.go(b4);
+  expect(follower.next(false)).toBeUndefined();
+  await run();
+  expect(asked).toEqual(["mark 'Data'!B4 255,0,255", "reveal 'Data'!B4"]);
+  follower.clear();
+  await follower.next(false)?.();
+  expect(asked.at(-1)).toBe('clear');
+});
+
 describe('the sheet follows', () => {
   test('a moment after a row became the active one', async () => {
     follower.follow(() => b4);

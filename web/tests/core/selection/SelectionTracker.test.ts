@@ -322,6 +322,34 @@ describe('refresh', () => {
     await spreadsheet.answer('readCell', cell('A1', { value: 9 }));
     expect(now().content?.value).toBe(9);
   });
+
+  test('stays with the cell when it was the page that left its sheet', async () => {
+    await startAt('D5');
+    tracker.displace();
+    tracker.refresh();
+    expect(now().fresh).toBe(false);
+    await spreadsheet.answer('readCell', cell('A1', { sheet: 'Debt' }));
+    expect(now()).toMatchObject({ content: cell('D5'), fresh: true });
+    tracker.refresh();
+    await spreadsheet.answer('readCell', cell('A1', { sheet: 'Debt' }));
+    expect(shown()).toBe('D5');
+  });
+
+  test.each<[string, NativeEvent, boolean]>([
+    ['a selection of the user’s', moved('A1', 'Debt'), false],
+    ['the panel brought up', { name: 'summon', resume: false }, true],
+    ['a view brought up', surface(false), true],
+  ])('goes where the user went by %s', async (_, event, probes) => {
+    await startAt('D5');
+    tracker.displace();
+    tracker.handle(event);
+    if (probes) await spreadsheet.answer('probe', { state: 'ok' });
+    await spreadsheet.answer('readCell', cell('A1', { sheet: 'Debt' }));
+    expect(now().content?.sheet).toBe('Debt');
+    tracker.refresh();
+    await spreadsheet.answer('readCell', cell('B2', { sheet: 'Debt' }));
+    expect(shown()).toBe('B2');
+  });
 });
 
 describe('a slow answer', () => {
