@@ -52,10 +52,10 @@ class Pictures(Trial):
         wait_for("the cell", lambda: (self.panel.shown()["address"] or "").replace("$", "") == "D5")
         self.in_panel("alt+shift+a")
         wait_for("the keyboard", lambda: self.panel.ask("window")["key"])
-        self.in_panel("Down", "Down")
-        wait_for("the mark", lambda: self.has("marked", "Highlighted"))
         wait_for("the values as the sheet shows them", lambda: self.panel.eval(
             "document.body.textContent.includes('21,644,280')"))
+        self.in_panel("Down", "Down")
+        wait_for("the mark", lambda: self.has("marked", "Highlighted"))
         self.take("tree.png")
         self.in_panel("4")
         wait_for("the findings", lambda: self.has("list-note", "as read at"))
