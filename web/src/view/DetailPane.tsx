@@ -105,7 +105,7 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
           <div>
             <div
               class={`detailValue is-${known().type.toLowerCase()}`}
-              tabindex={known().cut || whole() ? 0 : undefined}
+              tabindex={known().cut || whole() || mayScroll(known().text) ? 0 : undefined}
               data-testid="detail-value"
             >
               <bdi>{known().type === 'Blank' ? 'Empty' : known().text}</bdi>
@@ -178,4 +178,9 @@ export function DetailPane(props: { page: Page; stop: Stop }): JSX.Element {
       </Show>
     </aside>
   );
+}
+
+/** True if the text may be higher than there is room for: keys have to get to what scrolls. */
+function mayScroll(text: string): boolean {
+  return text.length > 100 || text.includes('\n');
 }

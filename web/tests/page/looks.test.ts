@@ -44,6 +44,9 @@ describe('looks', () => {
     found.push(...(await complaints(panel)));
     await panel.page.emulateMedia({ colorScheme: 'light' });
     if (!some) {
+      await panel.resize(800, 560);
+      found.push(...(await complaints(panel)));
+      await panel.resize(460, 560);
       found.push(...(await complaints(panel, ['color-contrast'])));
       await panel.resize(320, 320);
       found.push(...(await overflow(panel.page)));
