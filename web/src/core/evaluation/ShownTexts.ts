@@ -7,13 +7,15 @@ import type { Outcome } from '../protocol/Outcome';
 import type { ShownGrid } from '../protocol/verbs';
 import { addressOf, type Home } from './expression';
 import { keyOf, toldOf } from './front';
+import { locate, type PlaceQuestions } from './locate';
 import type { Result } from './Result';
 import type { ResultCache } from './ResultCache';
 import type { Route } from './routes';
 
-export type TextQuestions = {
-  readTexts(addresses: readonly string[]): Promise<Outcome<{ texts: (ShownGrid | null)[] }>>;
-  pollCell: Parameters<typeof toldOf>[2]['pollCell'];
+type Texts = { texts: (ShownGrid | null)[] };
+
+export type TextQuestions = PlaceQuestions & {
+  readTexts(addresses: readonly string[]): Promise<Outcome<Texts>>;
 };
 
 /** The most cells whose texts are told at once. */
@@ -113,7 +115,8 @@ export class ShownTexts {
     const ask = () => this.questions.readTexts(asked.map(({ address }) => address));
     return async () => {
       const outcome = asked[0]?.named
-        ? (await toldOf({ home, far: undefined }, '', this.questions, ask))?.answer
+        ? ((await toldOf({ home, far: undefined }, '', this.questions, ask))?.answer ??
+          (await this.fromAfar(asked, home)))
         : await ask();
       this.missed ||= outcome === undefined;
       const late = epoch !== this.cache.epoch;
@@ -132,6 +135,17 @@ export class ShownTexts {
       });
       changed();
     };
+  }
+
+  /** The texts of names while another sheet is in front: by where their cells are, if that can be told. */
+  private async fromAfar(names: readonly Shown[], home: Home): Promise<Outcome<Texts> | undefined> {
+    const places: string[] = [];
+    for (const { address } of names) {
+      const place = await locate(address, home, this.questions, this.cache);
+      if (place === undefined || place === address) return undefined;
+      places.push(place);
+    }
+    return this.questions.readTexts(places);
   }
 }
 

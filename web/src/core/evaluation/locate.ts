@@ -1,14 +1,18 @@
 // Where a name's cells are, as the spreadsheet tells it: marking and showing take a name for cells
 // of the sheet in front.
 
-import type { EvaluationQuestions } from '../evaluation/Asker';
-import type { Home } from '../evaluation/expression';
-import { keyOf, toldOf } from '../evaluation/front';
-import type { ResultCache } from '../evaluation/ResultCache';
-import { expressionLimit } from '../evaluation/routes';
 import { areaAddress, qualified } from '../address/area';
 import type { Json } from '../protocol/json';
+import type { Outcome } from '../protocol/Outcome';
 import { whereAnswer, whereQuestion } from '../workbook/places';
+import type { Home } from './expression';
+import { keyOf, toldOf, type FrontQuestions } from './front';
+import type { ResultCache } from './ResultCache';
+import { expressionLimit } from './routes';
+
+export type PlaceQuestions = FrontQuestions & {
+  evaluate(expression: string, asked?: boolean): Promise<Outcome<Json>>;
+};
 
 /** "'Inputs'!B4:B9"; nothing where the name stands for no cells. Those in front come without a sheet. */
 function addressIn(answer: Json, front: string): string | undefined {
@@ -20,7 +24,7 @@ function addressIn(answer: Json, front: string): string | undefined {
 export async function locate(
   name: string,
   home: Home,
-  questions: Pick<EvaluationQuestions, 'evaluate' | 'pollCell'>,
+  questions: PlaceQuestions,
   cache: ResultCache,
 ): Promise<string | undefined> {
   const question = whereQuestion(name);

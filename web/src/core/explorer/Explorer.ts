@@ -3,6 +3,7 @@
 // it is told when something changed and looks again.
 
 import { Evaluator } from '../evaluation/Evaluator';
+import { locate } from '../evaluation/locate';
 import { ResultCache } from '../evaluation/ResultCache';
 import { compare } from '../evaluation/verification';
 import { addressLimit } from '../follow/SheetFollower';
@@ -25,7 +26,6 @@ import { targetOf } from '../evaluation/routes';
 import { destinationOf, placesOfRow } from './destination';
 import { nextFinding } from './findings';
 import { leadOf } from './lead';
-import { locate } from './locate';
 import type { ExplorerPorts } from './ports';
 import type { View } from './view';
 import { homeOf, isPlainNumber, stopAt, stopOf } from './stops';

@@ -464,6 +464,21 @@ describe('what cells show', () => {
     expect(bench.evaluator.shownAs(bench.item('Start'))).toEqual({ text: '1 Jan 24' });
   });
 
+  test('of a name is asked for by its place while another sheet is in front', async () => {
+    const where = (name: string) =>
+      `CELL("address",'Summary'!${name})&"|"&ROWS('Summary'!${name})&"|"&COLUMNS('Summary'!${name})`;
+    bench.workbook.texts = {
+      Start: [['of another sheet']],
+      "'Inputs'!B4": [['1 Jan 24']],
+    };
+    bench.workbook.front = { ...bench.workbook.front, sheet: 'Data' };
+    bench.workbook.expressions = { [where('Start')]: '$Inputs.$B$4|1|1' };
+    bench.workbook.otherwise = () => 45_292;
+    await bench.run('=ABS(Start)', { kind: 'value', value: 'a text' });
+    expect(bench.evaluator.shownAs(bench.item('Start'))).toEqual({ text: '1 Jan 24' });
+    expect(bench.workbook.textsAsked.at(-1)).toBe("'Inputs'!B4");
+  });
+
   test('of a range is asked for while its details are looked at', async () => {
     bench.workbook.cells = { 'Summary!B4': 1, 'Summary!B5': 2 };
     bench.workbook.texts = { "'Summary'!B4:B5": [['100%'], ['200%']] };

@@ -1,7 +1,7 @@
 import { describe, expect, test } from 'vitest';
 
 import { ResultCache } from '../../../src/core/evaluation/ResultCache';
-import { locate } from '../../../src/core/explorer/locate';
+import { locate } from '../../../src/core/evaluation/locate';
 import { excelError, FakeWorkbook } from '../../fakes/FakeWorkbook';
 
 const question = 'CELL("address",Rate)&"|"&ROWS(Rate)&"|"&COLUMNS(Rate)';
