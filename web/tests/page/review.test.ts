@@ -127,6 +127,16 @@ test('lists the findings of one kind or one sheet', async () => {
   expect((await findings()).map((text) => text.split(' ')[0])).toEqual(['Prices!E2']);
 });
 
+test('leaves an open menu of the filter alone while the page changes', async () => {
+  panel = await browser.open(odd);
+  await review();
+  const option = panel.page.getByTestId('filter-kind').locator('option').last();
+  const before = await option.elementHandle();
+  await panel.page.keyboard.press('ArrowDown');
+  await panel.settled();
+  expect(await before?.evaluate((one) => one.isConnected)).toBe(true);
+});
+
 test('tells what was read anew when a sheet changes', async () => {
   panel = await browser.open(odd);
   await review();
