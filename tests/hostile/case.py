@@ -9,6 +9,19 @@ CASES = []
 NONE = "no guard of ours"
 
 
+def add_choice(parser):
+    parser.add_argument("--only", action="append")
+    parser.add_argument("--without", action="append", default=[])
+
+
+def chosen(parser, options):
+    """The cases that the options of add_choice leave; an unknown one is refused."""
+    if unknown := {*options.without, *(options.only or ())} - {case.name for case in CASES}:
+        parser.error(f"no such cases: {unknown}")
+    return [case for case in CASES if case.name not in options.without
+            and (not options.only or case.name in options.only)]
+
+
 @dataclasses.dataclass(frozen=True)
 class Place:
     """Where a workbook may try to reach: a server that must hear nothing, files that nobody may

@@ -22,7 +22,7 @@ sys.path.insert(0, str(HERE.parent / "app" / "e2e"))
 from desk import Desk, Quorin  # noqa: E402
 from try_panel import Trouble as PanelTrouble  # noqa: E402
 import make_corpus  # noqa: E402
-from case import CASES, Place  # noqa: E402
+from case import Place, add_choice, chosen  # noqa: E402
 from surroundings import (Lines, Listener, Reaches, Trouble, children_of, memory,  # noqa: E402
                           open_to_others, told_by_log)
 from tool import BUDGETS, OVER  # noqa: E402
@@ -259,16 +259,12 @@ def main():
     parser.add_argument("quorin", type=pathlib.Path)
     parser.add_argument("reaches", type=pathlib.Path)
     parser.add_argument("--group", action="append", choices=("reaching", "endless", "odd"))
-    parser.add_argument("--only", action="append")
-    parser.add_argument("--without", action="append", default=[])
+    add_choice(parser)
     options = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     options.quorin, options.reaches = options.quorin.resolve(), options.reaches.resolve()
-    cases = [case for case in CASES if case.name not in options.without
-             and (not options.only or case.name in options.only)
-             and (not options.group or case.write.__module__.partition("_")[0] in options.group)]
-    if unknown := {*options.without, *(options.only or ())} - {case.name for case in CASES}:
-        parser.error(f"no such cases: {unknown}")
+    cases = [case for case in chosen(parser, options)
+             if not options.group or case.write.__module__.partition("_")[0] in options.group]
     cases.sort(key=lambda case: case.write.__module__ == "endless_cases")  # those that may hang last
     trial, failed, refused = Trial(options), [], []
     try:

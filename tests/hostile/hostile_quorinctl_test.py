@@ -20,7 +20,7 @@ import tempfile
 import time
 
 import make_corpus
-from case import CASES, Case, Place
+from case import Case, Place, add_choice, chosen
 from surroundings import Listener, Reaches, Trouble, told_by_log
 from tool import Tool
 from walk import walk
@@ -156,16 +156,12 @@ def main():
     parser.add_argument("quorinctl", type=pathlib.Path)
     parser.add_argument("reaches", type=pathlib.Path)
     parser.add_argument("--group", default="")
-    parser.add_argument("--only", action="append")
-    parser.add_argument("--without", action="append", default=[])
+    add_choice(parser)
     options = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     options.quorinctl, options.reaches = options.quorinctl.resolve(), options.reaches.resolve()
-    cases = [case for case in CASES if case.write.__module__.startswith(options.group)
-             and (not options.only or case.name in options.only)
-             and case.name not in options.without]
-    if unknown := {*options.without, *(options.only or ())} - {case.name for case in CASES}:
-        parser.error(f"no such cases: {unknown}")
+    cases = [case for case in chosen(parser, options)
+             if case.write.__module__.startswith(options.group)]
     folder = pathlib.Path(tempfile.mkdtemp(prefix="quorin-hostile-"))
     failed = []
     try:

@@ -5,8 +5,8 @@
 #
 # QUORIN_LONG says which of the long tests are run: none of them unless it says all, or the day whose
 # share it is (share.py). One test more at a time than there are processors, for those that speak to an
-# office wait for it half of their time. Ends with 0 only when tests ran, none failed and all that were to run could be
-# started.
+# office wait for it half of their time. Ends with 0 only when tests ran, none failed and all that were
+# to run could be started.
 set -euo pipefail
 here=$(dirname "$(readlink -f "$0")")
 build=$(readlink -f "$1")

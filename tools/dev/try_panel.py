@@ -271,6 +271,16 @@ class Trial:
         for key in keys:
             self.tool("xdotool", "key", key)
 
+    def go_to_first_sheet(self, name):
+        """To Calc's first sheet, which has this name. A key may come before its modifier right after a
+        window came forward; one too many does nothing there."""
+        def is_there():
+            if self.cell()["sheet"] == name:
+                return True
+            self.keys("ctrl+Prior")
+            return False
+        wait_for(f"the sheet {name}", is_there)
+
     def stand_beside_calc(self):
         """True if the panel has come to stand at the right edge of Calc's window."""
         self.window = self.calc_window() or self.window

@@ -93,11 +93,7 @@ class PanelTest(unittest.TestCase):
         is_marked("Total_Capex")
         self.assertEqual(quorin.panel.shown()["address"].replace("$", ""), "D5")
         quorin.end()
-
-        def is_at_first():
-            desk.keys("ctrl+Prior")
-            return desk.cell()["sheet"] == "Summary"
-        wait_for("the first sheet", is_at_first)
+        desk.go_to_first_sheet("Summary")
 
     def test_comes_and_goes_with_calc_without_taking_the_keyboard(self):
         desk.bring_other_forward()

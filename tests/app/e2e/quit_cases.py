@@ -58,20 +58,16 @@ class QuitTest(ShellCase):
         self.assertEqual(last, "TERMINATE quit")
         return datetime.datetime.fromisoformat(date.replace("Z", "+00:00")).timestamp() - began
 
-    def record(self, quorin):
-        return quorin.folder / "data" / "Quorin" / "highlights.json"
-
     def is_taken_back_at_the_next_start(self, quorin):
-        self.assertTrue(self.record(quorin).exists())
+        self.assertTrue(self.record_of_marks(quorin).exists())
         again = self.start(after=quorin)
         wait_for("the restore", lambda: sum("RESTORE" in line for line in again.log()) == 2)
-        wait_for("the record to go", lambda: not self.record(quorin).exists())
+        wait_for("the record to go", lambda: not self.record_of_marks(quorin).exists())
         wait_for("the marks to go", lambda: self.desk.cell()["shapes"] == 0)
         again.end()
 
     def card_points(self):
-        screen = self.desk.tool("import", "-window", "root", "-depth", "8", "rgb:-", text=False)
-        return screen.count(CARD)
+        return self.desk.pixels().count(CARD)
 
     def test_says_what_it_takes_back_while_calc_does_not_answer(self):
         # On a machine with far too much to do the page may not be in time.
@@ -140,4 +136,4 @@ class QuitTest(ShellCase):
         quorin.panel.eval("webkit.messageHandlers.qx.postMessage("
                           "{id: 900002, verb: 'hidePanel', args: []}), 0")
         quorin.is_hidden()
-        self.assertTrue(self.record(quorin).exists())
+        self.assertTrue(self.record_of_marks(quorin).exists())

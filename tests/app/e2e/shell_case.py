@@ -179,6 +179,9 @@ class ShellCase(unittest.TestCase):
         """What is asked of the page before that is lost with the empty one that it replaces."""
         wait_for("the page", lambda: quorin.panel.eval("typeof events") == "object")
 
+    def record_of_marks(self, quorin):
+        return quorin.folder / "data" / "Quorin" / "highlights.json"
+
     def mark(self, quorin, *cells):
         self.page_is_loaded(quorin)
         sheet = self.desk.cell()["sheet"]

@@ -148,7 +148,7 @@ class ShellTest(ShellCase):
         self.assertEqual(self.alert(quorin)["message"], "Removed 2 highlights")
         self.answer(quorin)
         self.assertEqual(self.desk.cell()["shapes"], 0)
-        self.assertFalse((quorin.folder / "data" / "Quorin" / "highlights.json").exists())
+        self.assertFalse(self.record_of_marks(quorin).exists())
 
     def test_the_installed_program_starts_with_the_session(self):
         prefix = self.folder / "prefix"
@@ -260,7 +260,7 @@ class ShellTest(ShellCase):
         self.assertEqual(self.desk.cell()["shapes"], 0)
         quorin = self.start()
         quorin.logs("RESTORE")
-        record = quorin.folder / "data" / "Quorin" / "highlights.json"
+        record = self.record_of_marks(quorin)
         self.mark(quorin, "B2", "C5:D6")
         self.assertTrue(record.exists())
         end(quorin)
@@ -279,7 +279,7 @@ class ShellTest(ShellCase):
         wait_for("the marks to go", lambda: self.desk.cell()["shapes"] == 0)
         again = self.start(after=quorin)
         wait_for("the restore", lambda: sum("RESTORE" in line for line in again.log()) == 2)
-        self.assertFalse((quorin.folder / "data" / "Quorin" / "highlights.json").exists())
+        self.assertFalse(self.record_of_marks(quorin).exists())
 
     def test_starts_once_the_one_before_it_has_ended(self):
         before = self.start()

@@ -156,16 +156,6 @@ class WaylandTest(unittest.TestCase):
         self.panel.ask("quit")
         self.assertEqual(self.process.wait(30), 0)
 
-    def go_to_the_first_sheet(self, name):
-        """A key may come before its modifier right after a window came forward; one too many does
-        nothing on the first sheet."""
-        def is_there():
-            if session.cell()["sheet"] == name:
-                return True
-            session.keys("ctrl+Prior")
-            return False
-        wait_for(f"the sheet {name}", is_there)
-
     def bring_other_forward(self):
         if not session.other_window():
             session.start("foot", "sleep", "3600")
@@ -239,7 +229,7 @@ class WaylandTest(unittest.TestCase):
 
         # Ends, and takes back what it has marked.
         wait_for("Calc to have the keyboard", lambda: session.calc_window()["focused"])
-        self.go_to_the_first_sheet("Summary")
+        session.go_to_first_sheet("Summary")
         session.keys("ctrl+Home", "Right", "Right", "Right", *["Down"] * 4)
         self.assertEqual(self.shows("D5")["sheet"], "Summary")
         session.tool(session.quorin, "--show", "tree")

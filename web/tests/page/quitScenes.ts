@@ -9,31 +9,40 @@ export async function quits(panel: FakePanel, left: Record<string, number> = {})
   await panel.page.getByText('Quorin is quitting.').waitFor();
 }
 
+/** What is said over a scene. */
+function over(scene: Scene, left: Record<string, number> = {}): Scene {
+  return {
+    ...scene,
+    then: async (panel) => {
+      await scene.then?.(panel);
+      await quits(panel, left);
+    },
+  };
+}
+
+const tree: Scene = { answers: model, state: 'ready', then: (panel) => panel.verified('same') };
+
 export const quitScenes: Record<string, Scene> = {
-  quitting: {
-    answers: model,
-    state: 'ready',
-    then: async (panel) => {
-      await panel.verified('same');
-      await quits(panel);
+  quitting: over(tree),
+  quittingOverKeys: over(
+    {
+      ...tree,
+      then: async (panel) => {
+        await panel.verified('same');
+        await panel.page.getByTestId('help-button').click();
+      },
     },
-  },
-  quittingOverKeys: {
-    answers: model,
-    state: 'ready',
-    then: async (panel) => {
-      await panel.verified('same');
-      await panel.page.getByTestId('help-button').click();
-      await quits(panel, { cells: 1_048_576, names: 2, rows: 200, columns: 200 });
+    { cells: 1_048_576, names: 2, rows: 200, columns: 200 },
+  ),
+  quittingOverSettings: over(
+    {
+      answers: { ...model, getSettings: success(settings({ summonKey: [8, 4096] })) },
+      state: 'ready',
+      then: async (panel) => {
+        await panel.page.getByTestId('gear').click();
+        await panel.page.getByTestId('settings-file').waitFor();
+      },
     },
-  },
-  quittingOverSettings: {
-    answers: { ...model, getSettings: success(settings({ summonKey: [8, 4096] })) },
-    state: 'ready',
-    then: async (panel) => {
-      await panel.page.getByTestId('gear').click();
-      await panel.page.getByTestId('settings-file').waitFor();
-      await quits(panel, { rows: 0, columns: 0 });
-    },
-  },
+    { rows: 0, columns: 0 },
+  ),
 };

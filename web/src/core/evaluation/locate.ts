@@ -1,5 +1,5 @@
-// Where a name's cells are, as the spreadsheet tells it: marking and showing take a name for cells
-// of the sheet in front.
+// Where a name's cells are, as the spreadsheet tells it: marking, showing and reading texts take a name
+// for cells of the sheet in front.
 
 import { areaAddress, qualified } from '../address/area';
 import type { Json } from '../protocol/json';
