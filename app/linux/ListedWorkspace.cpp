@@ -82,7 +82,8 @@ void ListedWorkspace::listChanged() {
   front_ = application;
   if (told_ == front_) return;
   told_ = front_;
-  if (handler_) handler_(application);
+  const ActivationHandler handler = handler_;  // which may replace itself
+  if (handler) handler(application);
 }
 
 // While the keyboard changes hands no window is active for a moment.

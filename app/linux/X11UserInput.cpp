@@ -47,7 +47,8 @@ void X11UserInput::Close::operator()(Display* connection) const {
 
 gboolean X11UserInput::readable(int, GIOCondition, gpointer data) {
   auto& self = *static_cast<X11UserInput*>(data);
-  if (self.takeEvents() && self.handler_) self.handler_();
+  const std::function<void()> handler = self.handler_;  // which may replace itself
+  if (self.takeEvents() && handler) handler();
   return G_SOURCE_CONTINUE;
 }
 

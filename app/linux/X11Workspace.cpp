@@ -82,7 +82,8 @@ void X11Workspace::activeWindowChanged() {
   settling_.reset();
   if (told_ == now->application) return;
   told_ = now->application;
-  if (handler_) handler_(now->application);
+  const ActivationHandler handler = handler_;  // which may replace itself
+  if (handler) handler(now->application);
 }
 
 gboolean X11Workspace::settled(gpointer data) {

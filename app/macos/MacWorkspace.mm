@@ -44,6 +44,7 @@ void MacWorkspace::activate(const RunningApplication& application) {
 
 void MacWorkspace::observeActivation(ActivationHandler handler) {
   stopObserving();
+  if (!handler) return;
   const auto receiver = std::make_shared<ActivationHandler>(std::move(handler));
   // Activations are told at the workspace's own centre and nowhere else.
   observation_ = [NSWorkspace.sharedWorkspace.notificationCenter

@@ -41,7 +41,7 @@ class Workspace {
   virtual void activate(const RunningApplication& application) = 0;
 
   // Called on the main thread each time another application has come to the front. One handler; a
-  // second call replaces it.
+  // second call replaces it, an empty one ends it.
   virtual void observeActivation(ActivationHandler handler) = 0;
 
   // Hands a URL or a file to the application that the user chose for it. False when there is none.

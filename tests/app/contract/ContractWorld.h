@@ -23,6 +23,9 @@ Folders& folders();
 // Runs the main loop until something has happened, or for some milliseconds.
 void turn();
 
+// The main thread does something else for so long, and its loop does not run.
+void stall(std::chrono::milliseconds time);
+
 // The user presses a registered combination.
 void pressHotKey(HotKeyID id, std::uint32_t keyCode, std::uint32_t modifiers);
 
@@ -37,11 +40,14 @@ void forgetDefault(const std::string& key);
 
 class PortContract : public testing::Test {
  protected:
+  // The platform's own time: a fake's goes on by itself as little as the fake does.
+  static std::chrono::steady_clock::time_point now() { return platform().clock().steadyNow(); }
+
   // False when the condition does not hold within ten seconds.
   static bool waitUntil(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = now() + std::chrono::seconds(10);
     while (!condition()) {
-      if (std::chrono::steady_clock::now() > end) return false;
+      if (now() > end) return false;
       turn();
     }
     return true;
@@ -49,8 +55,8 @@ class PortContract : public testing::Test {
 
   // Where the absence of something is to be shown.
   static void runFor(std::chrono::milliseconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) turn();
+    const auto end = now() + time;
+    while (now() < end) turn();
   }
 };
 

@@ -1,6 +1,7 @@
 // The hands and the main loop of the contract suites on a display of the test's own.
 #include <cmath>
 #include <stdexcept>
+#include <thread>
 
 #include "kit/platform/XDGFolders.h"
 #include "tests/app/contract/ContractWorld.h"
@@ -74,6 +75,10 @@ void turn() {
   const GSourceHandle wakeUp(g_timeout_add(
       5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr));
   g_main_context_iteration(nullptr, TRUE);
+}
+
+void stall(std::chrono::milliseconds time) {
+  std::this_thread::sleep_for(time);
 }
 
 void pressHotKey(HotKeyID, std::uint32_t keyCode, std::uint32_t modifiers) {

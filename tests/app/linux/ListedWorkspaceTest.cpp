@@ -56,6 +56,15 @@ TEST_F(ListedWorkspaceTest, TellsOfEachApplicationThatComesForwardOnce) {
   EXPECT_EQ(front(), "foot");
 }
 
+TEST_F(ListedWorkspaceTest, TellsAHandlerThatReplacesItself) {
+  workspace.observeActivation([this, kept = std::string(excel)](const RunningApplication& one) {
+    workspace.observeActivation([](const RunningApplication&) {});
+    told.push_back(kept + " " + one.identifier);
+  });
+  list.become({{1, "foot", "", 0, true}});
+  EXPECT_THAT(told, ElementsAre("com.microsoft.Excel foot"));
+}
+
 TEST_F(ListedWorkspaceTest, KnowsCalcsWindowByItsTitleWhereTheCompositorKeepsItsFirstName) {
   list.become({{1, "libreoffice-startcenter", "LibreOffice", 0, true}});
   EXPECT_EQ(front(), "libreoffice-startcenter");

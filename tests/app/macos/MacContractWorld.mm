@@ -1,6 +1,7 @@
 // The hands and the main loop of the contract suites on a Mac, and the program's main.
 #import <AppKit/AppKit.h>
 #import <Carbon/Carbon.h>
+#include <thread>
 
 #import "app/macos/MacSystem.h"
 #import "app/macos/Text.h"
@@ -57,6 +58,10 @@ void turn() {
                                                 dequeue:YES];
     if (event) [application sendEvent:event];
   }
+}
+
+void stall(std::chrono::milliseconds time) {
+  std::this_thread::sleep_for(time);
 }
 
 // As the system tells of it; a press of the key itself would need the permission to control the

@@ -156,6 +156,7 @@ TEST_F(MenuBarTest, LogsThatNothingOpensTheLog) {
 TEST_F(MenuBarTest, ReportsAProblem) {
   platform.bundle().info["QXSupportEmail"] = "help@example.org";
   std::filesystem::create_directories(folder / "temporary");
+  std::filesystem::create_directories(folder / "desktop");
   make();
   platform.statusItem().choose("Report a Problem…");
   EXPECT_THAT(takeJournal(), ElementsAre(StartsWith("openURL mailto:help@example.org?")));

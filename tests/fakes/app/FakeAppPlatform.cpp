@@ -1,10 +1,12 @@
 #include "tests/fakes/app/FakeAppPlatform.h"
 
 #include <algorithm>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "app/shell/PageAddress.h"
+#include "app/shell/ScreenPlacement.h"
 
 namespace quorin {
 
@@ -50,10 +52,10 @@ void FakeMainLoop::advance(std::chrono::milliseconds time) {
       return a.second.due < b.second.due;
     });
     if (next == timers_.end() || next->second.due > end) break;
-    clock_.elapsed = next->second.due;
+    clock_.elapsed = std::max(clock_.elapsed, next->second.due);
     const Action action = next->second.action;
     if (next->second.kind == TimerKind::repeating) {
-      next->second.due += next->second.interval;
+      while (next->second.due <= clock_.elapsed) next->second.due += next->second.interval;
     } else {
       timers_.erase(next);
     }
@@ -63,12 +65,16 @@ void FakeMainLoop::advance(std::chrono::milliseconds time) {
   clock_.elapsed = end;
 }
 
-FakePanelWindow::FakePanelWindow(const PanelWindowOptions& given, Journal& journal)
+FakePanelWindow::FakePanelWindow(const PanelWindowOptions& given, const Defaults& defaults,
+                                 Journal& journal)
     : options(given), journal_(journal) {
   const Screen screen{{0, 0, 1440, 900}, {0, 70, 1440, 805}};
   allScreens = {screen};
   ownScreen = screen;
   keyScreen = screen;
+  const auto text = defaults.string("NSWindow Frame " + given.frameAutosaveName);
+  const auto saved = text ? ScreenPlacement::savedFrame(*text) : std::nullopt;
+  if (saved) currentFrame = ScreenPlacement::constrained(*saved, allScreens);
 }
 
 void FakePanelWindow::setFrame(const ScreenFrame& frame) {
@@ -128,11 +134,18 @@ std::vector<RunningApplication> FakeWorkspace::runningApplications(
 
 void FakeWorkspace::activate(const RunningApplication& application) {
   journal_.push_back("activate " + std::to_string(application.processIdentifier));
+  askedFor_ = application;
+}
+
+void FakeWorkspace::bringForwardWhatWasAskedFor() {
+  const auto asked = std::exchange(askedFor_, std::nullopt);
+  if (asked && std::find(running.begin(), running.end(), *asked) != running.end())
+    bringToFront(*asked);
 }
 
 bool FakeWorkspace::openURL(const std::string& url) {
   journal_.push_back("openURL " + url);
-  return opens;
+  return opens && (url.starts_with("mailto:") || url.starts_with("https:"));
 }
 
 bool FakeWorkspace::openFile(const std::filesystem::path& file) {
@@ -142,7 +155,8 @@ bool FakeWorkspace::openFile(const std::filesystem::path& file) {
 
 void FakeWorkspace::bringToFront(const RunningApplication& application) {
   frontmost = application;
-  if (handler_) handler_(application);
+  const ActivationHandler handler = handler_;  // which may replace itself
+  if (handler) handler(application);
 }
 
 void FakeAlerts::show(const Alert& alert, Answer answer) {
@@ -180,20 +194,46 @@ HotKeyService::Status FakeHotKeyService::add(HotKeyID id, std::uint32_t keyCode,
   out << "addHotKey " << id.id << ' ' << keyCode << ' ' << modifiers;
   journal_.push_back(out.str());
   signatures.push_back(id.signature);
-  if (taken.contains({keyCode, modifiers})) return alreadyExists;
+  const std::pair combination{keyCode, modifiers};
+  const bool isHeld = std::any_of(held.begin(), held.end(),
+                                  [&](const auto& each) { return each.second == combination; });
+  if (isHeld || taken.contains(combination)) return alreadyExists;
   const auto found = refused.find(id.id);
-  return found == refused.end() ? noError : found->second;
+  if (found != refused.end()) return found->second;
+  held[id.id] = combination;
+  return noError;
 }
 
 void FakeHotKeyService::remove(HotKeyID id) {
+  held.erase(id.id);
   journal_.push_back("removeHotKey " + std::to_string(id.id));
+}
+
+FakeStatusItem::FakeStatusItem(std::string given, std::vector<FakeStatusItem*>& shown)
+    : image(std::move(given)), shown_(shown) {
+  shown_.push_back(this);
+}
+
+bool FakeStatusItem::offers(const std::string& title) const {
+  return std::any_of(items.begin(), items.end(),
+                     [&](const MenuItem& item) { return item.title == title && item.enabled; });
 }
 
 void FakeStatusItem::choose(const std::string& title) {
   const auto found = std::find_if(items.begin(), items.end(),
                                   [&](const MenuItem& item) { return item.title == title; });
   if (found == items.end()) throw std::logic_error("no item " + title);
-  delegate->menuItemChosen(static_cast<std::size_t>(found - items.begin()));
+  if (delegate) delegate->menuItemChosen(static_cast<std::size_t>(found - items.begin()));
+}
+
+int FakeArchiver::zip(const std::filesystem::path& folder, const std::filesystem::path& file) {
+  if (onZip) onZip(folder, file);
+  if (onZip || status != 0) return status;
+  if (!std::filesystem::is_directory(folder)) return 1;
+  std::ofstream names(file);
+  for (const auto& each : std::filesystem::recursive_directory_iterator(folder))
+    names << each.path().lexically_relative(folder.parent_path()).generic_string() << '\n';
+  return names.flush() ? 0 : 1;
 }
 
 std::optional<std::string> FakeLoginItem::registerItem() {
@@ -210,13 +250,11 @@ std::optional<std::string> FakeLoginItem::unregisterItem() {
 
 std::unique_ptr<StatusItem> FakeAppPlatform::makeStatusItem(const std::string& imageName) {
   if (!hasStatusBar) return nullptr;
-  auto item = std::make_unique<FakeStatusItem>(imageName);
-  statusItem_ = item.get();
-  return item;
+  return std::make_unique<FakeStatusItem>(imageName, bar_);
 }
 
 std::unique_ptr<PanelWindow> FakeAppPlatform::makePanelWindow(const PanelWindowOptions& options) {
-  auto window = std::make_unique<FakePanelWindow>(options, journal);
+  auto window = std::make_unique<FakePanelWindow>(options, defaults_, journal);
   window_ = window.get();
   return window;
 }

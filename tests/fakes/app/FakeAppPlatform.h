@@ -9,6 +9,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -34,7 +35,9 @@ class FakeMainLoop : public MainLoop {
  public:
   explicit FakeMainLoop(FakeClock& clock) : clock_(clock) {}
 
-  bool isMainThread() const override { return onMainThread; }
+  bool isMainThread() const override {
+    return onMainThread && std::this_thread::get_id() == thread_;
+  }
   void post(Action action) override { posted_.push_back(std::move(action)); }
   std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, TimerKind kind,
                                     Action action) override;
@@ -56,6 +59,7 @@ class FakeMainLoop : public MainLoop {
     Action action;
   };
   FakeClock& clock_;
+  const std::thread::id thread_ = std::this_thread::get_id();
   std::deque<Action> posted_;
   std::map<int, Entry> timers_;
   int nextTimer_ = 0;
@@ -63,7 +67,8 @@ class FakeMainLoop : public MainLoop {
 
 class FakePanelWindow : public PanelWindow {
  public:
-  FakePanelWindow(const PanelWindowOptions& given, Journal& journal);
+  // Starts with the frame that the defaults hold for it, if any.
+  FakePanelWindow(const PanelWindowOptions& given, const Defaults& defaults, Journal& journal);
 
   void setDelegate(PanelWindowDelegate* delegate) override { delegate_ = delegate; }
   void setContent(WebView& view) override { content = &view; }
@@ -144,6 +149,8 @@ class FakeWorkspace : public Workspace {
 
   // The application comes to the front; the observer hears of it.
   void bringToFront(const RunningApplication& application);
+  // The application that was asked for last comes to the front, if it still runs.
+  void bringForwardWhatWasAskedFor();
 
   bool opens = true;  // whether there is a program for files and URLs
   std::vector<RunningApplication> running;
@@ -153,6 +160,7 @@ class FakeWorkspace : public Workspace {
  private:
   Journal& journal_;
   ActivationHandler handler_;
+  std::optional<RunningApplication> askedFor_;
 };
 
 class FakeUserInput : public UserInput {
@@ -160,7 +168,8 @@ class FakeUserInput : public UserInput {
   void observe(std::function<void()> handler) override { handler_ = std::move(handler); }
   // The user presses something.
   void press() const {
-    if (handler_) handler_();
+    const std::function<void()> handler = handler_;  // which may replace itself
+    if (handler) handler();
   }
 
  private:
@@ -173,6 +182,10 @@ class FakeAlerts : public Alerts {
   void show(const Alert& alert, Answer answer) override;
   // The user presses a button of the oldest alert.
   void press(std::size_t button);
+  // The oldest that is open; none where all are answered.
+  const Alert* open() const {
+    return open_.empty() ? nullptr : &shown[shown.size() - open_.size()];
+  }
   std::vector<Alert> shown;
 
  private:
@@ -185,12 +198,15 @@ class FakeSaveDialog : public SaveDialog {
   explicit FakeSaveDialog(Journal& journal) : journal_(journal) {}
   void ask(const std::string& name, Answer answer) override {
     journal_.push_back("askWhere " + name);
+    asked = name;
     answer_ = std::move(answer);
   }
   // The user chooses a file, or none.
   void choose(const std::optional<std::filesystem::path>& file) {
     std::exchange(answer_, nullptr)(file);
   }
+  bool isOpen() const { return answer_ != nullptr; }
+  std::string asked;  // the name that was last suggested
 
  private:
   Journal& journal_;
@@ -237,8 +253,9 @@ class FakeHotKeyService : public HotKeyService {
   Status press(HotKeyID id) { return handler_(id); }
 
   Status installStatus = noError;
-  std::map<std::uint32_t, Status> refused;                  // by id
-  std::set<std::pair<std::uint32_t, std::uint32_t>> taken;  // by other programs
+  std::map<std::uint32_t, Status> refused;                                // by id
+  std::map<std::uint32_t, std::pair<std::uint32_t, std::uint32_t>> held;  // by id: key, modifiers
+  std::set<std::pair<std::uint32_t, std::uint32_t>> taken;                // by other programs
   std::optional<std::string> reason;
   std::vector<std::uint32_t> signatures;
 
@@ -249,18 +266,31 @@ class FakeHotKeyService : public HotKeyService {
 
 class FakeStatusItem : public StatusItem {
  public:
-  explicit FakeStatusItem(std::string given) : image(std::move(given)) {}
+  // `shown` are the items in the bar.
+  FakeStatusItem(std::string given, std::vector<FakeStatusItem*>& shown);
+  ~FakeStatusItem() override { std::erase(shown_, this); }
+  FakeStatusItem(const FakeStatusItem&) = delete;
+  FakeStatusItem& operator=(const FakeStatusItem&) = delete;
+
   void setDelegate(StatusItemDelegate* given) override { delegate = given; }
   void setMenu(const std::vector<MenuItem>& given) override { items = given; }
-  void setItem(std::size_t index, const MenuItem& item) override { items.at(index) = item; }
+  void setItem(std::size_t index, const MenuItem& item) override {
+    if (index < items.size()) items[index] = item;
+  }
 
-  // The user opens the menu, and chooses the item of this title.
-  void open() { delegate->menuWillOpen(); }
+  // The user opens the menu, sees whether the item of this title can be chosen, and chooses it.
+  void open() {
+    if (delegate) delegate->menuWillOpen();
+  }
+  bool offers(const std::string& title) const;
   void choose(const std::string& title);
 
   const std::string image;
   std::vector<MenuItem> items;
   StatusItemDelegate* delegate = nullptr;
+
+ private:
+  std::vector<FakeStatusItem*>& shown_;
 };
 
 class FakeLoginItem : public LoginItem {
@@ -303,12 +333,10 @@ class FakeFolders : public Folders {
   std::filesystem::path root_;
 };
 
+// Its files are the names of what they hold. Any thread, as long as nobody else uses it.
 class FakeArchiver : public Archiver {
  public:
-  int zip(const std::filesystem::path& folder, const std::filesystem::path& file) override {
-    if (onZip) onZip(folder, file);
-    return status;
-  }
+  int zip(const std::filesystem::path& folder, const std::filesystem::path& file) override;
   int status = 0;
   std::function<void(const std::filesystem::path& folder, const std::filesystem::path& file)> onZip;
 };
@@ -338,7 +366,8 @@ class FakeAppPlatform : public AppPlatform {
   // The window and the view made last.
   FakePanelWindow& window() { return *window_; }
   FakeWebView& webView() { return *webView_; }
-  FakeStatusItem& statusItem() { return *statusItem_; }
+  FakeStatusItem& statusItem() { return *bar_.back(); }
+  bool hasStatusItem() const { return !bar_.empty(); }
   bool madePanel() const { return window_ != nullptr; }
 
   Journal journal;
@@ -362,7 +391,7 @@ class FakeAppPlatform : public AppPlatform {
   FakeBundle bundle_;
   FakePanelWindow* window_ = nullptr;
   FakeWebView* webView_ = nullptr;
-  FakeStatusItem* statusItem_ = nullptr;
+  std::vector<FakeStatusItem*> bar_;
 };
 
 }  // namespace quorin

@@ -2,6 +2,7 @@
 // adapters ask the system for what they should.
 #include <fstream>
 #include <thread>
+#include <utility>
 
 #import "app/macos/MacHotKeys.h"
 #include "app/macos/MacLoginItem.h"
@@ -156,7 +157,7 @@ TEST(MacSelfTest, FindsEveryClassAndMessageThatTheAdaptersUse) {
 }
 
 TEST(MacLoginItem, ComesGoesAndSaysWhyNot) {
-  const LoginItems before = loginItems();
+  const LoginItems before = std::exchange(loginItems(), {});
   MacLoginItem item;
   EXPECT_EQ(item.status(), LoginItemStatus::notFound);
   EXPECT_EQ(item.registerItem(), std::nullopt);

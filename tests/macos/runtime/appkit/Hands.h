@@ -18,6 +18,7 @@ void userMoves(NSWindow* window, NSRect frame);
 // The user opens the menu and chooses the item. False when he cannot, because it is disabled or not
 // there.
 bool userChooses(NSMenu* menu, NSInteger index);
+bool userChooses(NSMenu* menu, const std::string& title);  // as the menu is once it has opened
 
 // What the combination of the command key and this one asks of who has the keys; empty: nothing.
 std::string commandOfKey(const std::string& key);

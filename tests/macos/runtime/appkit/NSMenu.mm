@@ -148,16 +148,31 @@ std::string commandOfKey(const std::string& key) {
   return {};
 }
 
-bool userChooses(NSMenu* menu, NSInteger index) {
+static void open(NSMenu* menu) {
   id<NSMenuDelegate> delegate = menu.delegate;
   if ([delegate respondsToSelector:@selector(menuWillOpen:)]) [delegate menuWillOpen:menu];
-  if (index >= menu.numberOfItems) return false;
-  NSMenuItem* item = [menu itemAtIndex:index];
+}
+
+static bool press(NSMenuItem* item) {
   NSObject* target = item.target;
   if (item.separatorItem || !item.enabled || !target) return false;
   (void)objc::send<objc::Object*>((__bridge objc::Object*)target, (objc::Selector)item.action,
                                   (__bridge objc::Object*)item);
   return true;
+}
+
+bool userChooses(NSMenu* menu, NSInteger index) {
+  open(menu);
+  return index < menu.numberOfItems && press([menu itemAtIndex:index]);
+}
+
+bool userChooses(NSMenu* menu, const std::string& title) {
+  open(menu);
+  for (NSInteger i = 0; i < menu.numberOfItems; ++i) {
+    NSMenuItem* item = [menu itemAtIndex:i];
+    if (read(item.title) == title) return press(item);
+  }
+  return false;
 }
 
 }  // namespace quorin
