@@ -74,7 +74,7 @@ TEST_F(MacWebViewTest, GoesNowhereElse) {
   EXPECT_FALSE(pageMayGo(page, "file:///tmp/web/other.html"));
   EXPECT_FALSE(pageMayGo(page, "file:///tmp/web/a%20b.html", false));
   EXPECT_FALSE(pageOpensWindow(page));
-  EXPECT_FALSE(pageMayLoadOtherType(page));
+  EXPECT_FALSE(pageMayLoadAnswer(page, false));
   EXPECT_FALSE(pageMayUseCamera(page));
   EXPECT_THAT(recorder.calls,
               ElementsAre("refused: navigation", "refused: navigation", "refused: window",

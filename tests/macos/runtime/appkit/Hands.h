@@ -34,6 +34,13 @@ void userReopensApplication();
 int startApplication(const std::string& identifier);
 void bringForward(int process);
 void endApplication(int process);
+int frontProcess();  // any thread; 0: nobody
+
+// Whether the desktop finds an Excel. Any thread.
+void installExcel(bool installed);
+
+// The alert that waits for an answer; nil: none does.
+NSAlert* shownAlert();
 
 // What NSWorkspace was asked to open.
 std::vector<std::string> openedURLs();

@@ -9,6 +9,8 @@ using namespace quorin;
 
 NSRunLoopMode const NSModalPanelRunLoopMode = @"NSModalPanelRunLoopMode";
 
+static NSAlert* __weak shown = nil;
+
 @implementation NSAlert {
   NSWindow* _panel;
   NSInteger _count;
@@ -44,11 +46,22 @@ NSRunLoopMode const NSModalPanelRunLoopMode = @"NSModalPanelRunLoopMode";
   onMainThread("runModal");
   if (_count == 0) [self addButtonWithTitle:@"OK"];
   [_panel makeKeyAndOrderFront:nil];
+  NSAlert* before = shown;
+  shown = self;
   while (_response == 0) {
     Loop::main()->run(Loop::modalMode, Loop::Time::max(), [&] { return _response != 0; });
   }
+  shown = before;
   [_panel orderOut:nil];
   return _response;
 }
 
 @end
+
+namespace quorin {
+
+NSAlert* shownAlert() {
+  return shown;
+}
+
+}  // namespace quorin

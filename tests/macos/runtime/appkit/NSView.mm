@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "tests/macos/runtime/appkit/Hands.h"
+#import "tests/macos/runtime/appkit/Shown.h"
 #include "tests/macos/runtime/foundation/Raise.h"
 #include "tests/macos/runtime/objc/Runtime.h"
 
@@ -45,6 +46,10 @@ using namespace quorin;
   [view removeFromSuperview];
   [_views addObject:view];
   view->_above = self;
+  [view windowChanged];
+}
+- (void)windowChanged {
+  for (NSView* each in _views) [each windowChanged];
 }
 - (void)removeFromSuperview {
   NSView* above = _above;

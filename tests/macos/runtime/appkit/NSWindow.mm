@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/macos/runtime/appkit/Hands.h"
+#import "tests/macos/runtime/appkit/Shown.h"
 #include "tests/macos/runtime/foundation/Notification.h"
 #include "tests/macos/runtime/foundation/Raise.h"
 #import "tests/macos/runtime/foundation/Strings.h"
@@ -105,6 +106,7 @@ double overlap(NSRect one, NSRect other) {
 - (void)orderFrontRegardless {
   onMainThread("orderFrontRegardless");
   _visible = YES;
+  [_contentView windowChanged];
 }
 - (void)orderFront:(id)sender {
   [self orderFrontRegardless];
@@ -113,10 +115,10 @@ double overlap(NSRect one, NSRect other) {
   onMainThread("orderOut:");
   _visible = NO;
   if (keyWindow == self) [self resignKeyWindow];
+  [_contentView windowChanged];
 }
 - (void)makeKeyAndOrderFront:(id)sender {
-  onMainThread("makeKeyAndOrderFront:");
-  _visible = YES;
+  [self orderFrontRegardless];
   if (!self.canBecomeKeyWindow) return;
   if (keyWindow && keyWindow != self) [keyWindow resignKeyWindow];
   [self becomeKeyWindow];
@@ -124,9 +126,11 @@ double overlap(NSRect one, NSRect other) {
 - (void)becomeKeyWindow {
   keyWindow = self;
   if (!_firstResponder) _firstResponder = self.initialFirstResponder;
+  [_contentView windowChanged];
 }
 - (void)resignKeyWindow {
   if (keyWindow == self) keyWindow = nil;
+  [_contentView windowChanged];
 }
 // "If the window's delegate or the window itself implements windowShouldClose:, that message is
 // sent"; then close.
@@ -157,6 +161,15 @@ NSArray<NSWindow*>* allWindows() {
   NSMutableArray<NSWindow*>* windows = [[NSMutableArray alloc] init];
   for (NSWindow* each : all()) [windows addObject:each];
   return windows;
+}
+
+NSWindow* windowOf(NSView* view) {
+  NSView* top = view;
+  while (top.superview) top = top.superview;
+  for (NSWindow* each : all()) {
+    if (top && each.contentView == top) return each;
+  }
+  return nil;
 }
 
 std::size_t windowsAlive() {

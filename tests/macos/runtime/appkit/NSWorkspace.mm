@@ -1,9 +1,13 @@
-// The user's session: which applications run, which one is in front, what opens what.
+// The user's session: which applications run, which one is in front, what opens what. Which ones
+// run any thread may ask ("NSRunningApplication is thread safe").
 #import <AppKit/AppKit.h>
 #include <algorithm>
+#include <mutex>
+#include <optional>
 #include <unistd.h>
 
 #include "tests/macos/runtime/appkit/Hands.h"
+#include "tests/macos/runtime/foundation/Bundle.h"
 #include "tests/macos/runtime/foundation/Notification.h"
 #include "tests/macos/runtime/foundation/Raise.h"
 #import "tests/macos/runtime/foundation/Strings.h"
@@ -24,15 +28,22 @@ struct Running {
 };
 
 struct Session {
-  std::vector<Running> running{{"com.quorin.contract", ::getpid()}};
+  mutable std::mutex lock;
+  std::vector<Running> running{{mainBundle().info["CFBundleIdentifier"], ::getpid()}};
   int front = 0;
   int next = 70'001;
+  bool excelIsInstalled = true;
   std::vector<std::string> opened;
 
-  const Running* find(int process) const {
-    const auto found = std::find_if(running.begin(), running.end(),
-                                    [&](const Running& each) { return each.process == process; });
-    return found == running.end() ? nullptr : &*found;
+  std::vector<Running> all() const {
+    const std::lock_guard guard(lock);
+    return running;
+  }
+  std::optional<Running> find(int process) const {
+    for (const Running& each : all()) {
+      if (each.process == process) return each;
+    }
+    return std::nullopt;
   }
 };
 
@@ -56,13 +67,13 @@ Session& session() {
 }
 + (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)identifier {
   NSMutableArray<NSRunningApplication*>* found = [[NSMutableArray alloc] init];
-  for (const Running& each : session().running) {
+  for (const Running& each : session().all()) {
     if (each.identifier == read(identifier)) [found addObject:[self of:each]];
   }
   return found;
 }
 + (instancetype)runningApplicationWithProcessIdentifier:(pid_t)process {
-  const Running* found = session().find(process);
+  const std::optional<Running> found = session().find(process);
   return found ? [self of:*found] : nil;
 }
 - (NSString*)bundleIdentifier {
@@ -92,7 +103,7 @@ Session& session() {
   return one;
 }
 - (NSRunningApplication*)frontmostApplication {
-  return [NSRunningApplication runningApplicationWithProcessIdentifier:session().front];
+  return [NSRunningApplication runningApplicationWithProcessIdentifier:frontProcess()];
 }
 - (BOOL)openURL:(NSURL*)url {
   if (!url) raise("NSInvalidArgumentException", "openURL: of nil");
@@ -102,7 +113,8 @@ Session& session() {
   return YES;
 }
 - (NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)identifier {
-  if (read(identifier) != "com.microsoft.Excel") return nil;
+  const std::lock_guard guard(session().lock);
+  if (read(identifier) != "com.microsoft.Excel" || !session().excelIsInstalled) return nil;
   return [NSURL fileURLWithPath:@"/Applications/Microsoft Excel.app"];
 }
 
@@ -111,12 +123,16 @@ Session& session() {
 namespace quorin {
 
 int startApplication(const std::string& identifier) {
+  const std::lock_guard guard(session().lock);
   session().running.push_back({identifier, session().next});
   return session().next++;
 }
 
 void bringForward(int process) {
-  session().front = process;
+  {
+    const std::lock_guard guard(session().lock);
+    session().front = process;
+  }
   NSRunningApplication* application =
       [NSRunningApplication runningApplicationWithProcessIdentifier:process];
   post(NSWorkspace.sharedWorkspace.notificationCenter,
@@ -124,8 +140,19 @@ void bringForward(int process) {
 }
 
 void endApplication(int process) {
+  const std::lock_guard guard(session().lock);
   std::erase_if(session().running, [&](const Running& each) { return each.process == process; });
   if (session().front == process) session().front = 0;
+}
+
+int frontProcess() {
+  const std::lock_guard guard(session().lock);
+  return session().front;
+}
+
+void installExcel(bool installed) {
+  const std::lock_guard guard(session().lock);
+  session().excelIsInstalled = installed;
 }
 
 std::vector<std::string> openedURLs() {

@@ -88,13 +88,17 @@ bool isURL(const std::string& text) {
 
 @end
 
-@implementation NSURLRequest
+@implementation NSURLRequest {
+ @public
+  NSTimeInterval _seconds;
+}
 
 + (instancetype)requestWithURL:(NSURL*)url
                    cachePolicy:(NSURLRequestCachePolicy)policy
                timeoutInterval:(NSTimeInterval)seconds {
   NSURLRequest* made = [[self alloc] init];
   made->_URL = url;
+  made->_seconds = seconds;
   return made;
 }
 - (id)copyWithZone:(NSZone*)zone {
@@ -102,3 +106,11 @@ bool isURL(const std::string& text) {
 }
 
 @end
+
+namespace quorin {
+
+double secondsOf(NSURLRequest* request) {
+  return request->_seconds;
+}
+
+}  // namespace quorin

@@ -1,10 +1,12 @@
-// What a page in the fake WKWebView does, as a test says it: there is no page engine. Main thread
-// only.
+// What a page in the fake WKWebView does, as a test says it where there is no page engine, and how
+// a test looks into the page where there is one. Main thread only.
 #pragma once
 
 #import <WebKit/WebKit.h>
 #include <string>
 #include <vector>
+
+#include "tests/macos/runtime/webkit/PageEngine.h"
 
 namespace quorin {
 
@@ -18,8 +20,9 @@ bool pagePosts(WKWebView* view, NSString* handler, id body, bool fromMainFrame =
 // The page wants to go elsewhere, in its own frame or in a new window. What the delegate answers.
 bool pageMayGo(WKWebView* view, const std::string& url, bool inOwnFrame = true);
 
-// The answer to a load is one that WebKit cannot show. What the delegate answers.
-bool pageMayLoadOtherType(WKWebView* view);
+// The answer to a load is one that WebKit can show, or one that it cannot. What the delegate
+// answers.
+bool pageMayLoadAnswer(WKWebView* view, bool canShow);
 
 // window.open(): whether a view was given for it.
 bool pageOpensWindow(WKWebView* view);
@@ -34,7 +37,13 @@ void endPageProcess(WKWebView* view);
 enum class Failure { none, provisional, late };
 void failNextLoad(WKWebView* view, Failure failure, const std::string& reason);
 
-// The scripts that were run in the page, in order, and what is in every page from its start.
+// With a page engine: the value of a script, and what the user does there ("click" or "key", and
+// where or which as tests/macos/page_engine/Wire.h says).
+void askPage(WKWebView* view, const std::string& script, PageEngine::Value value);
+void userActsInPage(WKWebView* view, const std::string& word, const std::string& what);
+
+// The scripts that were run in a page without an engine, in order, and what is in every page from
+// its start.
 std::vector<std::string> evaluatedScripts(WKWebView* view);
 std::vector<std::string> startScripts(WKWebView* view);
 

@@ -1,0 +1,30 @@
+"""What the cases of mac_program_test.py share."""
+import unittest
+
+from mac_desk import Mac, wait_for
+
+
+class MacCase(unittest.TestCase):
+    def start(self, **options):
+        mac = Mac(**options)
+        self.addCleanup(mac.end)
+        return mac
+
+    def end_is_clean(self, mac, end=None):
+        """Nothing that Apple's classes would have minded, and no event that would have started Excel."""
+        end = end or mac.quit()
+        self.assertEqual((end["raised"], end["logged"], end["strayEvents"]), (0, [], 0), mac.said())
+        self.assertEqual(mac.log()[-1], "TERMINATE quit")
+        return end
+
+    def shows(self, mac, address, formula, value):
+        def shown():
+            now = mac.panel.shown()
+            return ((now["address"] or "").replace("$", ""), now["formula"], now["value"])
+        wait_for(f"the panel to show {address} {formula} {value}, not {shown()}",
+                 lambda: shown() == (address, formula, value), 30)
+
+    def select(self, mac, cells):
+        """The user works in Excel."""
+        mac.do("goTo", cells)
+        mac.do("front", "Excel")
