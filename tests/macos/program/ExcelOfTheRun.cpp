@@ -1,11 +1,18 @@
 #include "tests/macos/program/ExcelOfTheRun.h"
 
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "host/Address.h"
 #include "host/model/ExcelObjectModel.h"
 
 namespace quorin {
+
+namespace host {
+extern const std::string_view excelTermTable;
+}
+
 namespace {
 
 constexpr const char* book = "Model.xlsx";
@@ -57,7 +64,9 @@ class ExcelOfTheRun::Connection : public script::Application {
   explicit Connection(ExcelOfTheRun& excel) : excel_(excel) {}
 
   std::string_view name() const override { return excel_.excel_->name(); }
-  const script::Terminology& terminology() const override { return excel_.excel_->terminology(); }
+  const script::Terminology& terminology() const override {
+    return excel_.poorer_ ? *excel_.poorer_ : excel_.excel_->terminology();
+  }
   bool isRunning() override { return excel_.running_; }
   AppleEventReply send(const AppleEvent& event, std::chrono::milliseconds timeout) override {
     return excel_.answer(event, timeout);
@@ -141,6 +150,16 @@ JSONValue ExcelOfTheRun::active() {
   const auto cell = sheets_->activeCell();
   if (!cell) return nullptr;
   return cell->sheet.sheet + "!" + host::addressText(cell->areas);
+}
+
+// The second column of the table has the terms.
+void ExcelOfTheRun::lackTerm(const std::string& term) {
+  std::istringstream table{std::string(host::excelTermTable)};
+  std::string line, rest;
+  while (std::getline(table, line)) {
+    if (line.find("\t" + term) == std::string::npos) rest += line + "\n";
+  }
+  poorer_ = std::make_unique<script::Terminology>(rest);
 }
 
 void ExcelOfTheRun::setRunning(bool running) {

@@ -12,6 +12,7 @@
 
 #include "kit/value/JSONValue.h"
 #include "script/terms/Application.h"
+#include "script/terms/Terminology.h"
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/fakes/QuirkyExcel.h"
 
@@ -33,6 +34,9 @@ class ExcelOfTheRun {
   JSONValue conditions();  // [[cells, formula, filled], …]
   JSONValue active();      // the active cell
 
+  // One whose dictionary does not have the term. Before anything is compiled.
+  void lackTerm(const std::string& term);
+
   void setRunning(bool running);
   void setPermitted(bool permitted) { permitted_ = permitted; }
   void setBusy(bool busy);  // nothing is answered meanwhile
@@ -50,6 +54,7 @@ class ExcelOfTheRun {
   std::mutex lock_;  // of the spreadsheet
   std::unique_ptr<fakes::QuirkyExcel> excel_;
   fakes::MemorySpreadsheet* sheets_ = nullptr;
+  std::unique_ptr<script::Terminology> poorer_;  // where it lacks a term
   std::mutex busyLock_;
   std::condition_variable changed_;
   bool busy_ = false;

@@ -1,8 +1,9 @@
 // The user's hands and eyes beside the program, and the world that it starts in: Excel, a page
 // engine, the bundle. They come with the program as soon as the environment names a socket in
 // QX_HANDS. Each line there is a word and a JSON value, and is answered with "ok JSON" or "error
-// TEXT" from the main thread; mac_desk.py says what the words do. What is left at the end of the
-// process is written into the file QX_HANDS_END.
+// TEXT" from the main thread; mac_desk.py says what the words do. Those in the JSON list
+// QX_HANDS_FIRST are carried out before the program begins. What is left at the end of the process
+// is written into the file QX_HANDS_END.
 #include "tests/macos/runtime/appkit/Hands.h"
 
 #include <cstdlib>
@@ -132,6 +133,11 @@ void bringToFront(int process) {
   bringForward(process);
 }
 
+int other() {
+  static const int one = startApplication("com.example.other");
+  return one;
+}
+
 // Objects of the program and blocks, and the memory that it has, in bytes.
 JSONValue counted() {
   Object alive;
@@ -180,6 +186,8 @@ const std::map<std::string, Act>& acts() {
          return nullptr;
        }},
       {"opened", [](const JSONValue&) { return list(openedURLs()); }},
+      {"engine",
+       [](const JSONValue&) { return static_cast<double>(engineProcess(lastWebView())); }},
       {"counted", [](const JSONValue&) { return counted(); }},
       {"click",
        [](const JSONValue& at) {
@@ -195,6 +203,16 @@ const std::map<std::string, Act>& acts() {
          userActsInPage(lastWebView(), "key", text(name));
          return nullptr;
        }},
+      {"installExcel",
+       [](const JSONValue& installed) {
+         installExcel(truth(installed));
+         return nullptr;
+       }},
+      {"lackTerm",
+       [](const JSONValue& term) {
+         excel().lackTerm(text(term));
+         return nullptr;
+       }},
       {"startExcel",
        [](const JSONValue&) {
          excel().setRunning(true);
@@ -204,13 +222,19 @@ const std::map<std::string, Act>& acts() {
       {"endExcel",
        [](const JSONValue&) {
          excel().setRunning(false);
-         endApplication(excelProcess);
+         endApplication(excelProcess.exchange(0));
+         bringToFront(other());
          return nullptr;
        }},
       {"front",
        [](const JSONValue& who) {
-         static const int other = startApplication("com.example.other");
-         bringToFront(text(who) == "Excel" ? excelProcess.load() : other);
+         if (text(who) != "Excel") {
+           bringToFront(other());
+         } else if (excelProcess == 0) {
+           throw std::logic_error("Excel does not run");
+         } else {
+           bringToFront(excelProcess);
+         }
          return nullptr;
        }},
       {"permit",
@@ -245,7 +269,13 @@ const std::map<std::string, Act>& acts() {
   return all;
 }
 
-void answer(std::string line, const LineSocket::Answer& to) {
+JSONValue act(const std::string& word, const JSONValue& given) {
+  const auto found = acts().find(word);
+  if (found == acts().end()) throw std::invalid_argument("no such word");
+  return found->second(given);
+}
+
+void answer(const std::string& line, const LineSocket::Answer& to) {
   const std::size_t blank = line.find(' ');
   const std::string word = line.substr(0, blank);
   const ParsedJSON given =
@@ -257,11 +287,11 @@ void answer(std::string line, const LineSocket::Answer& to) {
               [to](bool ok, const std::string& told) { to((ok ? "ok " : "error ") + told); });
       return;
     }
-    const auto act = acts().find(word);
-    if (act == acts().end()) throw std::invalid_argument("no such word");
-    to("ok " + Marshal::encode(act->second(*given.value)));
+    to("ok " + Marshal::encode(act(word, *given.value)));
   } catch (const std::exception& error) {
     to(std::string("error ") + error.what());
+  } catch (...) {
+    to("error one of Apple's classes has raised");
   }
 }
 
@@ -270,6 +300,7 @@ void writeEnd() {
   const char* file = std::getenv("QX_HANDS_END");
   if (!file) return;
   std::ofstream(file) << Marshal::encode(Object{{"conditions", excel().conditions()},
+                                                {"opened", list(openedURLs())},
                                                 {"raised", raisedSoFar()},
                                                 {"logged", list(loggedSoFar())},
                                                 {"strayEvents", excel().strayEvents()}});
@@ -299,8 +330,11 @@ void readInformation() {
   readInformation();
   useExcel([] { return excel().connection(); });
   PageEngine::use(QUORIN_PAGE_ENGINE);
-  if (std::getenv("QX_HANDS_NO_EXCEL")) installExcel(false);
   std::atexit(writeEnd);
+  if (const char* first = std::getenv("QX_HANDS_FIRST")) {
+    const ParsedJSON acts = parseJSON(first);
+    for (const JSONValue& each : *acts.value->array()) act(text(part(each, 0)), part(each, 1));
+  }
   const auto loop = Loop::main();
   LineSocket::listen(socket, [loop](const std::string& line, const LineSocket::Answer& to) {
     loop->perform({Loop::commonModes}, [line, to] { answer(line, to); });

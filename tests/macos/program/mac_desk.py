@@ -57,7 +57,7 @@ class Mac:
     program = None
     desk = None
 
-    def __init__(self, after=None, settings=None, excel=True, wait=True, **environment):
+    def __init__(self, after=None, settings=None, first=(), excel=True, wait=True, **environment):
         self.home = after.home if after else self.desk.folder / f"home-{time.monotonic_ns()}"
         (self.home / "Desktop").mkdir(parents=True, exist_ok=True)
         (self.home / "tmp").mkdir(exist_ok=True)
@@ -69,19 +69,24 @@ class Mac:
             (self.support / "config.json").write_text(json.dumps(settings))
         self.environment = dict(self.desk.environment, HOME=str(self.home),
                                 TMPDIR=str(self.home / "tmp"), QX_HANDS=str(socket),
-                                QX_HANDS_END=str(self.end_file), **environment)
+                                QX_HANDS_END=str(self.end_file),
+                                QX_HANDS_FIRST=json.dumps([
+                                    *([["startExcel", None], ["front", "Excel"]] if excel else []),
+                                    *first]),
+                                **environment)
+        before = self.launches()
         self.output = open(self.home / "output", "ab")
         self.process = subprocess.Popen([str(self.program)], env=self.environment,
                                         stdin=subprocess.DEVNULL, stdout=self.output,
                                         stderr=self.output)
         self.panel = Panel(socket)
         wait_for("Quorin", lambda: socket.exists() or self.process.poll() is not None)
-        if excel:
-            self.do("startExcel")
-            self.do("front", "Excel")
         if wait:
-            self.logs("RESTORE", self.launches())
+            self.logs("RESTORE", before + 1)
             self.shows_page()
+        if wait and excel:
+            self.do("front", "Excel")
+            self.is_shown()
 
     @property
     def support(self):
@@ -91,7 +96,7 @@ class Mac:
         return self.panel.ask(word if value is None else f"{word} {json.dumps(value)}")
 
     def launches(self):
-        return sum(line.startswith("LAUNCH") for line in self.log()) or 1
+        return sum("RESTORE" in line for line in self.log())
 
     def shows_page(self):
         wait_for("the page", lambda: self.panel.eval(
@@ -111,6 +116,27 @@ class Mac:
 
     def said(self):
         return (self.home / "output").read_text(errors="replace")
+
+    def another(self):
+        """A second start in the same home, at its end."""
+        end = self.home / "second-end"
+        run = subprocess.run([str(self.program)], timeout=60, check=False,
+                             env=dict(self.environment, QX_HANDS=str(self.home / "second"),
+                                      QX_HANDS_END=str(end)))
+        (self.home / "second").unlink()
+        return run.returncode, json.loads(end.read_text())
+
+    def page_processes(self):
+        """Those of the page's own, which the engine has started."""
+        engine, found = self.do("engine"), []
+        for status in pathlib.Path("/proc").glob("[0-9]*/stat"):
+            try:
+                name, _, rest = status.read_text().partition("(")[2].rpartition(")")
+            except OSError:
+                continue
+            if name.startswith("WebKitWebProces") and int(rest.split()[1]) == engine:
+                found.append(int(status.parent.name))
+        return found
 
     def window(self):
         return self.do("window")
@@ -138,8 +164,11 @@ class Mac:
         """With the pointer, in the middle of the element."""
         at = wait_for(testid, lambda: self.panel.eval(
             f"""(() => {{ const one = document.querySelector('[data-testid="{testid}"]');
-            if (!one) return null; const box = one.getBoundingClientRect();
-            return [box.x + box.width / 2, box.y + box.height / 2]; }})()"""))
+            if (!one) return null;
+            one.scrollIntoView({{block: "nearest"}});
+            const box = one.getBoundingClientRect();
+            const at = [box.x + box.width / 2, box.y + box.height / 2];
+            return one.contains(document.elementFromPoint(...at)) ? at : null; }})()"""))
         self.do("click", at)
 
     def take_keys(self):
@@ -167,11 +196,9 @@ class Mac:
         return wait_for("an alert", lambda: self.do("alert"))
 
     def press(self, title):
-        before = self.alert()
+        shown = self.alert()
         if not self.do("press", title):
-            raise Trouble(f"no button {title} in {before}")
-        wait_for("the alert to go", lambda: self.process.poll() is not None
-                 or self.do("alert") != before)
+            raise Trouble(f"no button {title} in {shown}")
 
     def quit(self, patience=30):
         """By the menu; what is left at the end."""

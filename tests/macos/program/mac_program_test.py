@@ -7,8 +7,11 @@ usage: mac_program_test.py QUORIN [unittest option...]
 import sys
 import unittest
 
+from end_cases import EndTest  # noqa: F401
+from excel_cases import ExcelTest  # noqa: F401
 from follow_cases import FollowTest  # noqa: F401
 from mac_desk import Desk, Mac
+from shell_cases import ShellTest  # noqa: F401
 
 
 def main():

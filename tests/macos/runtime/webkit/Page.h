@@ -41,6 +41,7 @@ void failNextLoad(WKWebView* view, Failure failure, const std::string& reason);
 // where or which as tests/macos/page_engine/Wire.h says).
 void askPage(WKWebView* view, const std::string& script, PageEngine::Value value);
 void userActsInPage(WKWebView* view, const std::string& word, const std::string& what);
+int engineProcess(WKWebView* view);  // 0: none
 
 // The scripts that were run in a page without an engine, in order, and what is in every page from
 // its start.

@@ -305,6 +305,10 @@ void userActsInPage(WKWebView* view, const std::string& word, const std::string&
   if (view && view->_engine) view->_engine->send(word, what);
 }
 
+int engineProcess(WKWebView* view) {
+  return view && view->_engine ? view->_engine->process() : 0;
+}
+
 std::vector<std::string> evaluatedScripts(WKWebView* view) {
   return view->_evaluated;
 }
