@@ -68,9 +68,9 @@ constexpr NSUInteger stackSize = 8u << 20;
   return task.reply;
 }
 
+// On the thread itself: between two turns of its loop it would otherwise see that it is to end, and
+// leave the script to whoever lets go of this object.
 - (void)stop {
-  [_thread cancel];
-  // Wakes the loop, which then sees that it is to end.
   [self performSelector:@selector(endTask:) onThread:_thread withObject:nil waitUntilDone:NO];
 }
 
@@ -108,6 +108,7 @@ constexpr NSUInteger stackSize = 8u << 20;
 
 - (void)endTask:(nullable id)nothing {
   _script = nil;
+  [_thread cancel];
 }
 
 @end

@@ -142,5 +142,19 @@ TEST(ApplicationContractDeathTest, EndsOnceHoweverOftenItsDelegateGoesOn) {
   });
 }
 
+TEST(ApplicationContractDeathTest, EndsOnceThoughItsDelegateGoesOnTwiceWhileItWaits) {
+  expectAsPromised([] {
+    runUntilItEnds(
+        {[](Ending&, auto goOn) {
+           applicationLoop().post([goOn] {
+             goOn();
+             goOn();
+           });
+         },
+         [ends = 0](const Ending& ending) mutable { return ++ends == 1 && ending.times == 1; }},
+        terminate);
+  });
+}
+
 }  // namespace
 }  // namespace quorin::contract

@@ -18,6 +18,7 @@
 #include "tests/macos/runtime/appkit/LoginItems.h"
 #include "tests/macos/runtime/carbon/HotKeys.h"
 #include "tests/macos/runtime/foundation/Bundle.h"
+#include "tests/macos/runtime/foundation/Sparkle.h"
 
 namespace quorin {
 namespace {
@@ -51,6 +52,42 @@ TEST(MacStatusItem, TellsWhichItemTheUserChose) {
   EXPECT_EQ(chooser.opened, 4);
   EXPECT_THAT(chooser.chosen, ElementsAre(2u, 3u));
   EXPECT_TRUE(menusInTheBar().empty()) << "the icon has gone with its owner";
+}
+
+TEST(MacStatusItem, TellsNobodyAfterItsEnd) {
+  Chooser chooser;
+  NSMenu* menu = nil;
+  id receiver = nil;
+  {
+    MacStatusItem item("MenuBarIcon");
+    item.setDelegate(&chooser);
+    item.setMenu({{"One"}});
+    menu = menusInTheBar().back();
+    receiver = menu.delegate;
+    EXPECT_TRUE([imagesInTheBar().back() isTemplate]) << "the system colours it";
+  }
+  ASSERT_NE(receiver, nil);
+  userChooses(menu, 0);
+  EXPECT_EQ(menu.delegate, nil);
+  EXPECT_EQ(chooser.opened, 0);
+  EXPECT_TRUE(chooser.chosen.empty());
+}
+
+TEST(MacHotKeys, LetAPressGoOnThatIsNotTheirs) {
+  MacHotKeys other, service;
+  int heard = 0;
+  other.install([&](HotKeyID) {
+    ++heard;
+    return HotKeyService::noError;
+  });
+  HotKeyService::Status answer = HotKeyService::notHandled;
+  service.install([&](HotKeyID) { return answer; });
+  service.add({'QXtt', 7}, 0, 2048 + 512);
+  EXPECT_TRUE(userPresses(0, 2048 + 512));
+  EXPECT_EQ(heard, 1) << "who was there before is asked next";
+  answer = HotKeyService::noError;
+  EXPECT_TRUE(userPresses(0, 2048 + 512));
+  EXPECT_EQ(heard, 1);
 }
 
 TEST(MacHotKeys, HaveNothingLeftWhenTheyGo) {
@@ -93,6 +130,20 @@ TEST(MacWorkspace, TellsWhichApplicationComesToTheFront) {
   bringForward(process);
   EXPECT_THAT(told, ElementsAre(RunningApplication{excel, process, false}));
   EXPECT_EQ(toldLater.size(), 2u) << "the second handler alone, and none after its end";
+  endApplication(process);
+}
+
+TEST(MacWorkspace, KnowsItsOwnProcess) {
+  const auto own = MacWorkspace().runningApplications("com.quorin.contract");
+  ASSERT_EQ(own.size(), 1u);
+  EXPECT_TRUE(own[0].isSelf);
+}
+
+// Its other windows stay where the user has them.
+TEST(MacWorkspace, BringsAnApplicationForwardWithNoOptions) {
+  const int process = startApplication(excel);
+  MacWorkspace().activate({excel, process, false});
+  EXPECT_EQ(lastActivationOptions(), 0u);
   endApplication(process);
 }
 
@@ -166,6 +217,20 @@ TEST(MacLoginItem, ComesGoesAndSaysWhyNot) {
   EXPECT_EQ(item.status(), LoginItemStatus::notRegistered);
   loginItems().refusal = "denied by the user";
   EXPECT_EQ(item.registerItem(), "denied by the user");
+  loginItems().refusesWithoutAWord = true;
+  EXPECT_EQ(item.registerItem(), "unknown error");
+  loginItems() = before;
+}
+
+TEST(MacLoginItem, TellsEachStatusOfTheSystems) {
+  const LoginItems before = loginItems();
+  const LoginItemStatus expected[] = {LoginItemStatus::notRegistered, LoginItemStatus::enabled,
+                                      LoginItemStatus::requiresApproval, LoginItemStatus::notFound,
+                                      LoginItemStatus::unknown};
+  for (int status = 0; status < 5; ++status) {
+    loginItems().status = status;
+    EXPECT_EQ(MacLoginItem().status(), expected[status]) << status;
+  }
   loginItems() = before;
 }
 
@@ -181,9 +246,34 @@ TEST(MacUpdater, SaysWhatIsMissing) {
   const auto info = mainBundle().info;
   EXPECT_EQ(MacUpdater().unavailable(), "no feed in this build");
   mainBundle().info["SUFeedURL"] = "https://example.org/appcast.xml";
+  EXPECT_EQ(MacUpdater().unavailable(), "no feed in this build") << "nobody could trust it";
   mainBundle().info["SUPublicEDKey"] = "a key";
   EXPECT_EQ(MacUpdater().unavailable(), "the updater is missing");
   mainBundle().info = info;
+}
+
+TEST(MacUpdater, StartsOnceAndAsksWheneverItIsTold) {
+  const MainBundle before = mainBundle();
+  const TemporaryFolder folder;
+  std::filesystem::create_directories(folder / "Contents/Frameworks/Sparkle.framework");
+  std::ofstream(folder / "Contents/Frameworks/Sparkle.framework/loads") << "yes";
+  mainBundle().folder = folder.path();
+  mainBundle().info["SUFeedURL"] = "https://example.org/appcast.xml";
+  mainBundle().info["SUPublicEDKey"] = "a key";
+  updates() = {};
+  {
+    MacUpdater updater;
+    EXPECT_EQ(updater.unavailable(), std::nullopt);
+    EXPECT_EQ(updater.unavailable(), std::nullopt);
+    EXPECT_EQ(updates().asked, 0);
+    updater.checkForUpdates();
+    updater.checkForUpdates();
+    EXPECT_EQ(updates().started, 1);
+    EXPECT_EQ(updates().alive, 1) << "nobody else keeps it";
+    EXPECT_EQ(updates().asked, 2);
+  }
+  EXPECT_EQ(updates().alive, 0);
+  mainBundle() = before;
 }
 
 }  // namespace

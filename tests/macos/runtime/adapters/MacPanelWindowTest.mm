@@ -62,6 +62,34 @@ TEST_F(MacPanelWindowTest, IsAPanelAboveOthersThatStaysAndTakesNoApplicationForw
   EXPECT_FALSE(panel.releasedWhenClosed);
   EXPECT_TRUE(panel.styleMask & NSWindowStyleMaskNonactivatingPanel);
   EXPECT_TRUE(panel.collectionBehavior & NSWindowCollectionBehaviorCanJoinAllSpaces);
+  EXPECT_TRUE(panel.collectionBehavior & NSWindowCollectionBehaviorFullScreenAuxiliary);
+}
+
+TEST_F(MacPanelWindowTest, HasAPageOfItsOwnSize) {
+  userMoves(shown(), NSMakeRect(100, 100, 700, 616));
+  EXPECT_EQ(view.view().frame.size.width, 700);
+  EXPECT_EQ(view.view().frame.size.height, shown().contentView.bounds.size.height);
+}
+
+// Somebody else may hold the window and what it tells.
+TEST(MacPanelWindowLife, LeavesNothingOnTheScreenAndTellsNobody) {
+  NSWindow* window = nil;
+  id<NSWindowDelegate> observer = nil;
+  MacWebView view{{"qx", ""}, false};
+  {
+    MacPanelWindow panel{{"Quorin", {0, 0, 460, 560}, {320, 320}, "PanelTest"}};
+    panel.setContent(view);
+    panel.orderFront();
+    window = NSApplication.sharedApplication.windows.lastObject;
+    observer = window.delegate;
+    ASSERT_NE(observer, nil);
+  }
+  EXPECT_FALSE(window.visible);
+  EXPECT_EQ(window.delegate, nil);
+  userMoves(window, NSMakeRect(610, 210, 470, 500));
+  [observer windowDidMove:(NSNotification* _Nonnull)nil];
+  [window performClose:nil];
+  EXPECT_EQ(MacDefaults().string(frameKey), std::nullopt);
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ TEST_F(MacWebViewTest, LoadsAFileWithItsFolder) {
 TEST_F(MacWebViewTest, LoadsFromThisMachineAlone) {
   EXPECT_FALSE(view.loadURL("http://192.0.2.1/", std::chrono::seconds(1)));
   EXPECT_TRUE(view.loadURL("http://127.0.0.1:5173/", std::chrono::seconds(1)));
-  EXPECT_EQ(loaded(page), "request http://127.0.0.1:5173/");
+  EXPECT_EQ(loaded(page), "request http://127.0.0.1:5173/, for 1 s");
   EXPECT_TRUE(waitUntil([&] { return recorder.calls == Journal{"start", "finish"}; }));
 }
 
@@ -95,12 +95,15 @@ TEST_F(MacWebViewTest, RunsScriptsInOrder) {
 TEST(MacWebViewLife, TellsNobodyAfterItsEnd) {
   WebViewRecorder recorder;
   WKWebView* page = nil;
+  id<WKNavigationDelegate> observer = nil;
   {
     MacWebView view({"qx", ""}, false);
     view.setDelegate(&recorder);
     page = lastWebView();
+    observer = page.navigationDelegate;
     view.loadHTML("<p>");
   }
+  [observer webViewWebContentProcessDidTerminate:page];
   EXPECT_FALSE(pagePosts(page, @"qx", @"late"));
   EXPECT_EQ(page.navigationDelegate, nil);
   EXPECT_EQ(page.UIDelegate, nil);

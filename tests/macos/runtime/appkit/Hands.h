@@ -45,6 +45,15 @@ NSAlert* shownAlert();
 // What NSWorkspace was asked to open.
 std::vector<std::string> openedURLs();
 
+// The images of the items in the menu bar.
+std::vector<NSImage*> imagesInTheBar();
+
+// The open alert is stopped, as by [NSApplication abortModal].
+void stopAlert();
+
+// With which options an application was last brought forward.
+NSUInteger lastActivationOptions();
+
 // Window and menu objects of the whole program, for counting.
 std::size_t windowsAlive();
 

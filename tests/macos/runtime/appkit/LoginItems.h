@@ -8,6 +8,7 @@ namespace quorin {
 struct LoginItems {
   int status = 3;  // SMAppServiceStatusNotFound
   std::string refusal;
+  bool refusesWithoutAWord = false;
 };
 
 LoginItems& loginItems();

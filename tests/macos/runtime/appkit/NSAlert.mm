@@ -55,13 +55,25 @@ static NSAlert* __weak shown = nil;
   [_panel orderOut:nil];
   return _response;
 }
+// "runModal returns NSModalResponseAbort" (abortModal).
+- (void)stop {
+  _response = NSModalResponseAbort;
+}
 
+@end
+
+@interface NSAlert (QXStop)
+- (void)stop;
 @end
 
 namespace quorin {
 
 NSAlert* shownAlert() {
   return shown;
+}
+
+void stopAlert() {
+  [shown stop];
 }
 
 }  // namespace quorin

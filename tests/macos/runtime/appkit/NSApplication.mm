@@ -100,6 +100,7 @@ NSArray<NSWindow*>* allWindows();
 }
 - (void)replyToApplicationShouldTerminate:(BOOL)shouldTerminate {
   onMainThread("replyToApplicationShouldTerminate:");
+  if (_reply) objc::breach("the question whether to terminate is answered twice");
   _reply = shouldTerminate;
 }
 // "Calls exit(): it does not return."

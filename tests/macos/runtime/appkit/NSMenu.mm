@@ -127,6 +127,13 @@ using namespace quorin;
 
 namespace quorin {
 
+std::vector<NSImage*> imagesInTheBar() {
+  std::vector<NSImage*> images;
+  for (NSStatusItem* each : NSStatusBar.systemStatusBar->_items)
+    images.push_back(each.button.image);
+  return images;
+}
+
 std::vector<NSMenu*> menusInTheBar() {
   std::vector<NSMenu*> menus;
   for (NSStatusItem* each : NSStatusBar.systemStatusBar->_items) menus.push_back(each.menu);
@@ -153,9 +160,13 @@ static void open(NSMenu* menu) {
   if ([delegate respondsToSelector:@selector(menuWillOpen:)]) [delegate menuWillOpen:menu];
 }
 
-static bool press(NSMenuItem* item) {
+// "A menu that enables its items by itself" asks whether the target has the action, and nothing
+// else.
+static bool press(NSMenuItem* item, NSMenu* menu) {
   NSObject* target = item.target;
-  if (item.separatorItem || !item.enabled || !target) return false;
+  const bool enabled =
+      menu.autoenablesItems ? [target respondsToSelector:item.action] : item.enabled;
+  if (item.separatorItem || !enabled || !target) return false;
   (void)objc::send<objc::Object*>((__bridge objc::Object*)target, (objc::Selector)item.action,
                                   (__bridge objc::Object*)item);
   return true;
@@ -163,14 +174,14 @@ static bool press(NSMenuItem* item) {
 
 bool userChooses(NSMenu* menu, NSInteger index) {
   open(menu);
-  return index < menu.numberOfItems && press([menu itemAtIndex:index]);
+  return index < menu.numberOfItems && press([menu itemAtIndex:index], menu);
 }
 
 bool userChooses(NSMenu* menu, const std::string& title) {
   open(menu);
   for (NSInteger i = 0; i < menu.numberOfItems; ++i) {
     NSMenuItem* item = [menu itemAtIndex:i];
-    if (read(item.title) == title) return press(item);
+    if (read(item.title) == title) return press(item, menu);
   }
   return false;
 }

@@ -33,6 +33,7 @@ struct Session {
   int front = 0;
   int next = 70'001;
   bool excelIsInstalled = true;
+  NSUInteger lastOptions = 0;
   std::vector<std::string> opened;
 
   std::vector<Running> all() const {
@@ -84,6 +85,7 @@ Session& session() {
 }
 - (BOOL)activateWithOptions:(NSApplicationActivationOptions)options {
   if (!session().find(_process)) return NO;
+  session().lastOptions = options;
   bringForward(_process);
   return YES;
 }
@@ -153,6 +155,10 @@ int frontProcess() {
 void installExcel(bool installed) {
   const std::lock_guard guard(session().lock);
   session().excelIsInstalled = installed;
+}
+
+NSUInteger lastActivationOptions() {
+  return session().lastOptions;
 }
 
 std::vector<std::string> openedURLs() {

@@ -25,6 +25,7 @@ NSString* const SMAppServiceErrorDomain = @"SMAppServiceErrorDomain";
   return static_cast<SMAppServiceStatus>(loginItems().status);
 }
 - (BOOL)become:(SMAppServiceStatus)status error:(NSError**)error {
+  if (loginItems().refusesWithoutAWord) return NO;
   if (loginItems().refusal.empty()) {
     loginItems().status = static_cast<int>(status);
     return YES;

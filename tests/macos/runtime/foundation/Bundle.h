@@ -10,6 +10,7 @@ namespace quorin {
 struct MainBundle {
   std::filesystem::path folder;
   std::map<std::string, std::string> info;
+  std::map<std::string, int> numbers = {};  // values that are no texts
 };
 
 MainBundle& mainBundle();

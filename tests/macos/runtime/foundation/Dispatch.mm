@@ -35,6 +35,7 @@ constexpr int signals = 65;
 struct Watched {
   std::atomic<int> sources{0};
   std::atomic<void (*)(int)> handler{nullptr};
+  std::atomic<bool> ignored{false};
 };
 Watched watched[signals];
 int pipeEnds[2] = {-1, -1};
@@ -110,8 +111,14 @@ extern "C" {
 
 int sigaction(int signal, const struct sigaction* action, struct sigaction* before) noexcept {
   if (!action || signal < 0 || signal >= signals || watched[signal].sources == 0 ||
-      action->sa_handler == SIG_DFL)
-    return systemSigaction(signal, action, before);
+      action->sa_handler == SIG_DFL) {
+    const int answer = systemSigaction(signal, action, before);
+    // Ours that comes between is no answer to who asks.
+    if (!action && before && before->sa_handler == &arrived && watched[signal].ignored)
+      before->sa_handler = SIG_IGN;
+    return answer;
+  }
+  watched[signal].ignored = action->sa_handler == SIG_IGN;
   watched[signal].handler = action->sa_handler == SIG_IGN ? nullptr : action->sa_handler;
   struct sigaction between = *action;
   between.sa_handler = &arrived;

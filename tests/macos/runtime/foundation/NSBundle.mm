@@ -46,6 +46,8 @@ using namespace quorin;
 }
 - (id)objectForInfoDictionaryKey:(NSString*)key {
   if (_path != mainBundle().folder) return nil;
+  const auto number = mainBundle().numbers.find(read(key));
+  if (number != mainBundle().numbers.end()) return [NSNumber numberWithInt:number->second];
   const auto found = mainBundle().info.find(read(key));
   return found == mainBundle().info.end() ? nil : made(found->second);
 }

@@ -138,7 +138,11 @@ NSThread* adopted() {
   const auto until = std::chrono::steady_clock::now() +
                      std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                          std::chrono::duration<double>(std::min(date.timeIntervalSinceNow, 1e8)));
-  return _loop->run(read(mode), until, nullptr) != Loop::Ran::nothing;
+  const bool ran = _loop->run(read(mode), until, nullptr) != Loop::Ran::nothing;
+  thread_local int inVain = 0;
+  inVain = ran ? 0 : inVain + 1;
+  if (inVain > 200) objc::breach("a run loop turns without anything to wait for");
+  return ran;
 }
 - (void)performBlock:(void (^)(void))block {
   _loop->perform({Loop::defaultMode}, [block] { block(); });

@@ -33,9 +33,10 @@ using namespace quorin;
   made->_timer->repeats = repeats;
   made->_timer->fire = [made, block] {
     NSTimer* running = made;  // the block may invalidate it
-    void (^work)(NSTimer*) = block;
-    if (!running->_timer->repeats) [running end];
+    // "Invalidating releases the block": who runs in it must not need it any more.
+    void (^__unsafe_unretained work)(NSTimer*) = block;
     work(running);
+    if (!running->_timer->repeats) [running end];
   };
   return made;
 }

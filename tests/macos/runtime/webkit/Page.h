@@ -48,7 +48,7 @@ int engineProcess(WKWebView* view);  // 0: none
 std::vector<std::string> evaluatedScripts(WKWebView* view);
 std::vector<std::string> startScripts(WKWebView* view);
 
-// What was loaded last: "request URL", "file URL, readable URL" or "html TEXT".
+// What was loaded last: "request URL, for N s", "file URL, readable URL" or "html TEXT".
 std::string loaded(WKWebView* view);
 
 }  // namespace quorin

@@ -8,6 +8,7 @@ using namespace quorin;
 
 @implementation WKUserScript {
   NSString* _source;
+  BOOL _mainFrameOnly;
 }
 
 - (instancetype)initWithSource:(NSString*)source
@@ -16,10 +17,11 @@ using namespace quorin;
   if (time != WKUserScriptInjectionTimeAtDocumentStart)
     raise("NSInvalidArgumentException", "this fake knows the document's start");
   _source = source;
+  _mainFrameOnly = mainFrameOnly;
   return self;
 }
 - (NSString*)text {
-  return _source;
+  return _mainFrameOnly ? _source : [@"/* in every frame */ " stringByAppendingString:_source];
 }
 - (id)copyWithZone:(NSZone*)zone {
   return self;

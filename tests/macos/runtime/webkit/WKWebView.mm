@@ -2,6 +2,7 @@
 // the call that caused it. The page is one in a page engine where there is one (PageEngine.h), or
 // else what a test says (Page.h).
 #import <WebKit/WebKit.h>
+#include <cmath>
 #include <utility>
 
 #include "tests/macos/page_engine/Wire.h"
@@ -112,7 +113,9 @@ static WKWebView* __weak last = nil;
   if (_engine)
     _engine->send("load",
                   std::to_string(secondsOf(request)) + " " + read(request.URL.absoluteString));
-  return [self load:"request " + read(request.URL.absoluteString) at:request.URL];
+  return [self load:"request " + read(request.URL.absoluteString) + ", for " +
+                    std::to_string(std::lround(secondsOf(request))) + " s"
+                 at:request.URL];
 }
 // "readAccessURL: the URL of a file or directory"; the page must be inside.
 - (WKNavigation*)loadFileURL:(NSURL*)url allowingReadAccessToURL:(NSURL*)readable {
