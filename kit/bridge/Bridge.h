@@ -144,6 +144,8 @@ class Bridge : public PanelBridge {
   };
   JSONValue clearRecorded();
   JSONValue clearChunk(const HighlightStore::Record& record, const std::vector<std::string>& addrs);
+  void clearMoved(const HighlightStore::Record& record);
+  void logMoved(const HighlightStore::Record& record, const JSONValue& answer);
   void restoreUnhiddenOnClear();
   UnhideStore::Records restoreUnhidden(const std::optional<Position>& active,
                                        const std::optional<Kept>& keep);

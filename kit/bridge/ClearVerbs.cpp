@@ -36,12 +36,14 @@ JSONValue Bridge::clearRecorded() {
   for (const HighlightStore::Record& record : recorded) {
     HighlightStore::Record left = record;
     left.addrs.clear();
+    bool foundNone = true;  // Excel has said of each piece that it had no mark to delete
     for (const auto& piece : HighlightStore::chunks(record.addrs, MOVE_MAX_ADDRS)) {
       try {
-        clearChunk(record, piece);
+        foundNone = clearChunk(record, piece) == JSONValue(0) && foundNone;
         removed += piece.size();
         continue;
       } catch (const ExcelError& error) {
+        foundNone = false;
         if (isStaleBookError(error.code())) {
           log_.log("HIGHLIGHT", "clear stale book=" + record.book + " sheet=" + record.sheet +
                                     " addrs=" + std::to_string(piece.size()) + ": " +
@@ -51,6 +53,17 @@ JSONValue Bridge::clearRecorded() {
         if (!failure) failure = std::current_exception();
       }
       left.addrs.insert(left.addrs.end(), piece.begin(), piece.end());
+    }
+    if (foundNone) {
+      try {
+        clearMoved(record);
+      } catch (const ExcelError& error) {
+        // A sheet that went just now has taken its marks along.
+        if (!isStaleBookError(error.code())) {
+          if (!failure) failure = std::current_exception();
+          left.addrs = record.addrs;
+        }
+      }
     }
     if (left.addrs != record.addrs) left.single = std::nullopt;
     kept.push_back(std::move(left));
@@ -75,6 +88,18 @@ JSONValue Bridge::clearChunk(const HighlightStore::Record& record,
   log_.log("HIGHLIGHT", "clear sheet=" + record.sheet + " addrs=" + std::to_string(addrs.size()) +
                             " deleted=" + Marshal::encode(answer));
   return answer;
+}
+
+// None of the recorded cells has a mark any more: rows or columns have carried them elsewhere, or
+// they were never painted.
+void Bridge::clearMoved(const HighlightStore::Record& record) {
+  logMoved(record, thread_.call("qx_cf_moved", {record.book, record.sheet}, clearBudget));
+}
+
+void Bridge::logMoved(const HighlightStore::Record& record, const JSONValue& answer) {
+  log_.log("HIGHLIGHT", "clear found none of addrs=" + std::to_string(record.addrs.size()) +
+                            " sheet=" + record.sheet +
+                            "; on the whole sheet deleted=" + Marshal::encode(answer));
 }
 
 void Bridge::restoreUnhiddenOnClear() {

@@ -121,6 +121,16 @@ bool Bridge::clearForTerminate(HighlightStore::Record& record, ExcelThread::Dead
              Marshal::encode(deleted) + " of " + std::to_string(total) + " recorded addresses");
     record.single = std::nullopt;
   }
+  if (left.empty() && total > 0 && deleted == 0 && inTime) {
+    try {
+      logMoved(record,
+               thread_.callForTerminate("qx_cf_moved", {record.book, record.sheet}, deadline));
+    } catch (const ExcelError& error) {
+      log_.log("ERROR", "terminate clear failed: " + loggedText(error));
+      inTime = error.code() != ExcelError::timedOut;
+      left = record.addrs;
+    }
+  }
   record.addrs = std::move(left);
   return inTime;
 }

@@ -166,9 +166,10 @@ on qx_cf_apply(addrs, bookName, sheetName, r, g, b)
 end qx_cf_apply
 
 -- Deletes the sentinel conditions of these addresses, together and each alone, and returns how many
--- that were. An address that no longer binds is passed over; a name is looked up in the workbook
--- that it was recorded for too, which need not be in front. Where the records lead nowhere any more,
--- what they stood for is looked for everywhere, and not counted.
+-- that were. What one of them covers beyond these addresses goes with it, and is not counted. An
+-- address that no longer binds is passed over; a name is looked up in the workbook that it was recorded
+-- for too, which need not be in front. Where the records lead nowhere any more, what they stood for is
+-- looked for everywhere, and not counted.
 on qx_cf_clear(addrs, bookName, sheetName)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
@@ -179,10 +180,15 @@ on qx_cf_clear(addrs, bookName, sheetName)
 				error msg number n
 			end try
 			try
-				set {places, allBound} to my qx_cf_places(addrs, bookName, sh)
+				set {places, allBound, together} to my qx_cf_places(addrs, bookName, sh)
+				set beyond to {}
+				if together is not missing value then set beyond to my qx_cf_beyond(together)
 				set gone to 0
 				repeat with k from 1 to count of places
 					set gone to gone + (my qx_cf_remove(item k of places))
+				end repeat
+				repeat with k from 1 to count of beyond
+					my qx_cf_remove(item k of beyond)
 				end repeat
 				if not allBound then my qx_cf_sweep(bookName)
 				my qx_cf_copies(addrs, bookName, sheetName)
@@ -212,6 +218,40 @@ on qx_cf_remove(rg)
 		end timeout
 	end tell
 end qx_cf_remove
+
+-- What the sentinels of rg cover where one covers more than rg: rows or columns came within since it was
+-- made, or carried a part of it away. Releases that do not tell leave that where it is.
+on qx_cf_beyond(rg)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			set found to {}
+			try
+				set cellTotal to count of cells of rg
+				repeat with i from 1 to count of format conditions of rg
+					if my qx_cf_ours(rg, i) then
+						set covered to applies to of format condition i of rg
+						set joined to (union range1 rg range2 covered)
+						if (count of cells of joined) is not cellTotal then set end of found to covered
+					end if
+				end repeat
+			on error msg number n
+				if my qx_cf_mute(n) then error msg number n
+			end try
+			return found
+		end timeout
+	end tell
+end qx_cf_beyond
+
+-- Deletes every sentinel condition of a sheet and returns how many that were: those whose recorded cells
+-- have none any more, because rows or columns came or went.
+on qx_cf_moved(bookName, sheetName)
+	set sh to my qx_cf_sheet(bookName, sheetName)
+	tell application "Microsoft Excel"
+		with timeout of 8 seconds
+			return my qx_cf_remove(entire row of range "A:A" of sh)
+		end timeout
+	end tell
+end qx_cf_moved
 
 -- Deletes every sentinel condition of a workbook: a sheet may have another name now, or the name
 -- that cells were marked by may be gone, and they may lie on any sheet. Whoever clears clears all.
@@ -269,7 +309,7 @@ on qx_cf_copies(addrs, bookName, sheetName)
 						set isCopy to oneSheet starts with (stem & " (")
 					end if
 					if isCopy then
-						set {places, allBound} to my qx_cf_places(addrs, oneBook, worksheet oneSheet of workbook oneBook)
+						set {places, allBound, together} to my qx_cf_places(addrs, oneBook, worksheet oneSheet of workbook oneBook)
 						repeat with m from 1 to count of places
 							my qx_cf_remove(item m of places)
 						end repeat
@@ -281,7 +321,8 @@ on qx_cf_copies(addrs, bookName, sheetName)
 	end tell
 end qx_cf_copies
 
--- The ranges of these addresses, all together and each alone, and whether each of them binds.
+-- The ranges of these addresses, all together and each alone, whether each of them binds, and the one
+-- range of all; a missing value where Excel makes none.
 on qx_cf_places(addrs, bookName, sh)
 	tell application "Microsoft Excel"
 		with timeout of 8 seconds
@@ -292,9 +333,11 @@ on qx_cf_places(addrs, bookName, sh)
 			end if
 			set places to {}
 			set allBound to true
+			set together to missing value
 			if (count of addrs) > 1 then
 				try
-					set end of places to my qx_rangefromaddrs(addrs, sh)
+					set together to my qx_rangefromaddrs(addrs, sh)
+					set end of places to together
 				on error msg number n
 					if my qx_cf_mute(n) then error msg number n
 				end try
@@ -315,7 +358,8 @@ on qx_cf_places(addrs, bookName, sh)
 				end if
 				if (count of places) is placesBefore then set allBound to false
 			end repeat
-			return {places, allBound}
+			if (count of addrs) is 1 and (count of places) is 1 then set together to item 1 of places
+			return {places, allBound, together}
 		end timeout
 	end tell
 end qx_cf_places

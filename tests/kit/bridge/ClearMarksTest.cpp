@@ -49,6 +49,31 @@ TEST_F(ClearMarks, TakesAnAddressThatBindsNoMoreForCleared) {
   EXPECT_FALSE(hasFile("highlights.json"));
 }
 
+// Rows came or went, and nothing tells where they have carried it.
+TEST_F(ClearMarks, LooksOnTheWholeSheetWhereNoRecordedCellHasAMark) {
+  store_.recordApplied({record("Q1", cells(1, 41)), record("Q2", {"B2"}), record("Q3", {"C3"})});
+  excel_.returns("qx_cf_clear", 0);
+  excel_.returns("qx_cf_clear", 0);
+  excel_.returns("qx_cf_moved", 2);
+  excel_.returns("qx_cf_clear", 1);
+  excel_.fails("qx_cf_clear", -1728, "sheet not found: Q3");
+  EXPECT_EQ(bridge_.clearMarks(), removed(42));
+  ASSERT_THAT(callsOf("qx_cf_moved"), SizeIs(1));
+  EXPECT_EQ(argumentsOf(callsOf("qx_cf_moved")[0]), (Array{"Plan.xlsx", "Q1"}));
+  EXPECT_FALSE(hasFile("highlights.json"));
+  EXPECT_THAT(
+      log_.lines(),
+      Contains("HIGHLIGHT clear found none of addrs=41 sheet=Q1; on the whole sheet deleted=2"));
+}
+
+TEST_F(ClearMarks, KeepsWhatItCouldNotLookFor) {
+  store_.recordApplied({record("Q1", {"A1"})});
+  excel_.returns("qx_cf_clear", 0);
+  timesOut("qx_cf_moved");
+  EXPECT_FALSE(bridge_.dispatch("clearMarks", {}).ok);
+  EXPECT_THAT(store_.load(), ElementsAre(record("Q1", {"A1"})));
+}
+
 TEST_F(ClearMarks, DropsWhatIsInAClosedWorkbook) {
   store_.recordApplied({record("Q1", {"A1"})});
   excel_.fails("qx_cf_clear", -1728, "workbook not open: Plan.xlsx");

@@ -175,6 +175,31 @@ TEST_F(MarksRoad, TakesHighlightsBackThatTheUserHasCarriedAway) {
   EXPECT_FALSE(std::filesystem::exists(store_.url()));
 }
 
+TEST_F(MarksRoad, TakesHighlightsBackThatRowsHaveMoved) {
+  memory_->addFormatCondition(on("Known.xlsx", "Data", "A1:Z99"), "=$B$2>1");
+  mark({"Data!B2", "Data!B9", "Data!D20:D24"});
+  memory_->userInsertsRows({"Known.xlsx", "Data"}, 5, 3);
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "$B$2,$B$12,$D$23:$D$27");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":3})");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+
+  mark({"Data!B9"});
+  memory_->userDeletesRows({"Known.xlsx", "Data"}, 3, 1);
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "$B$8");
+  EXPECT_EQ(ask("clearMarks"), R"({"removed":1})");
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+  EXPECT_THAT(log_.lines(),
+              testing::Contains("HIGHLIGHT clear found none of addrs=1 sheet=Data; on "
+                                "the whole sheet deleted=1"));
+
+  mark({"Data!D20:D24"});
+  memory_->userInsertsRows({"Known.xlsx", "Data"}, 22, 2);
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "$D$20:$D$26") << "it has grown";
+  bridge_.clearMarksForTerminate();
+  EXPECT_EQ(marked("Known.xlsx", "Data"), "");
+  EXPECT_THAT(conditions("Known.xlsx", "Data", false), SizeIs(1)) << "the user's";
+}
+
 // Named as Excel names them.
 TEST_F(MarksRoad, TakesHighlightsBackFromTheCopiesOfTheirSheet) {
   const std::string longName(31, 'x'), shortened = std::string(27, 'x') + " (2)";

@@ -100,11 +100,30 @@ TEST_F(MarkHandlers, ClearTakesEverySentinelAndNoRuleOfTheUsers) {
   EXPECT_EQ(clear({"B2", "D2:D3", "F1", "B3"}), "0");
 }
 
-TEST_F(MarkHandlers, ClearTakesWhatWasPaintedTogetherApart) {
+TEST_F(MarkHandlers, ClearTakesWhatAHighlightHasBeyondTheAddresses) {
   apply({"F1", "F3"});
   EXPECT_EQ(clear({"F3"}), "1");
-  EXPECT_EQ(at("F1").front().areas, host::parseA1("F1"));
-  EXPECT_TRUE(at("F3").empty());
+  EXPECT_TRUE(formulas("F1:F3").empty());
+}
+
+TEST_F(MarkHandlers, ClearLeavesOtherHighlightsAlone) {
+  apply({"F1", "F3"});
+  apply({"G7"});
+  EXPECT_EQ(clear({"G7"}), "1");
+  EXPECT_EQ(formulas("F1:F3"), std::vector<std::string>{sentinel});
+  EXPECT_EQ(clear({"F3", "F1"}), "1") << "in whichever order";
+  EXPECT_TRUE(formulas("F1:F3").empty());
+}
+
+TEST_F(MarkHandlers, MovedTakesWhateverIsOnTheSheet) {
+  const auto before = at("A1:Z99");
+  apply({"F4", "F5"});
+  apply({"B2"});
+  EXPECT_EQ(clear({"H1", "H2"}), "0");
+  EXPECT_EQ(run("qx_cf_moved", {"Ruled.xlsx", "Rules"}), "2");
+  EXPECT_EQ(at("A1:Z99"), before) << "the user's";
+  EXPECT_EQ(run("qx_cf_moved", {"Ruled.xlsx", "Rules"}), "0");
+  EXPECT_THAT(run("qx_cf_moved", {"Ruled.xlsx", "Nowhere"}), testing::StartsWith("error -1728"));
 }
 
 TEST_F(MarkHandlers, ClearPassesOverAddressesThatNoLongerBind) {

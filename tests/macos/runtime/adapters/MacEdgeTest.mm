@@ -41,7 +41,8 @@ TEST(ScriptThread, AnswersAnExceptionAsAnError) {
   [thread stop];
 }
 
-// Also where somebody still holds the object, and where the thread is between two turns of its loop.
+// Also where somebody still holds the object, and where the thread is between two turns of its
+// loop.
 TEST(ScriptThread, LetsItsScriptGoOnItsOwnThread) {
   for (int turn = 0; turn < 20; ++turn) {
     QXScriptThread* thread = [[QXScriptThread alloc] init];
