@@ -42,7 +42,10 @@ class Session(Trial):
         self.copy_program()
         if os.getuid() == 0:
             nobody = pwd.getpwnam("nobody")
-            self.account = {"user": nobody.pw_uid, "group": nobody.pw_gid, "extra_groups": []}
+            # Nor may nobody be in the folder that the test runs in: programs end when it is closed to
+            # them.
+            self.account = {"user": nobody.pw_uid, "group": nobody.pw_gid, "extra_groups": [],
+                            "cwd": self.folder}
             self.give_away()
 
     def copy_program(self):
