@@ -6,7 +6,8 @@ usage: measure_scan.py QUORIN QUORINCTL WORKBOOK [KEYS]
 Prints, all from one run:
 - how long the scan takes while the user does nothing, against the same questions sent to the same
   Calc by quorinctl, one after the other; scan and questions by turns, twice;
-- how long the page's main thread was kept at a stretch meanwhile, and what by;
+- how long the page's main thread was kept at a stretch, by the click that begins the scan and
+  after it, and what by;
 - how long a key pressed in Calc takes to be shown as the selected cell, without a scan and during
   one, by turns (KEYS of each, 40 unless told), and where that time goes.
 """
@@ -97,7 +98,8 @@ class Direct:
 class Scans(Tried):
     def begin(self):
         """Asks for the scan; a large workbook is measured first, and asks back."""
-        self.eval("record.asked.length = 0; trial.press('tab-deps'); 0")
+        self.eval("record.asked.length = 0; trial.press('tab-deps'); requestAnimationFrame("
+                  "() => setTimeout(() => { trial.drawn = trial.gaps?.length; })); 0")
         wait_for("the scan", lambda: self.eval(
             "record.asked.some((one) => one.verb === 'readFormulas')") or (
                 not self.reading() and self.eval("trial.press('scan-go'); 0")))
@@ -112,16 +114,19 @@ class Scans(Tried):
         return [one for one in self.eval("record.asked.splice(0)") if one["verb"] in SCAN_VERBS]
 
     def undisturbed(self):
-        """A scan's seconds and its questions, while the main thread is watched."""
+        """A scan's seconds and its questions, while the main thread is watched. What keeps it until
+        the view that was asked for is on the screen is told apart: that is the user's click."""
         self.eval("trial.parts.length = 0; trial.gaps = []; 0")
         self.begin()
         self.wait()
-        gaps = self.eval("(() => { const all = trial.gaps; trial.gaps = null; return all; })()")
+        drawn, gaps = self.eval(
+            "(() => { const all = [trial.drawn, trial.gaps]; trial.gaps = null; return all; })()")
         parts = self.eval("trial.parts.splice(0)")
         asked = self.asked()
-        over = sorted((one for one in gaps if one > 16), reverse=True)
-        print(f"  main thread kept over 16 ms {len(over)} times of {len(gaps)}, longest "
-              f"{[round(one) for one in over[:8]]}; 4 ms and more: "
+        print(f"  drawing the view kept the main thread {max(gaps[:drawn]):.0f} ms")
+        gaps = sorted(gaps[drawn:], reverse=True)
+        print(f"  then over 16 ms {sum(one > 16 for one in gaps)} times of {len(gaps)}, longest "
+              f"{[round(one) for one in gaps[:6]]}; 4 ms and more: "
               f"{sorted(((p[1], p[0]) for p in parts), reverse=True)[:6]}")
         took = [one["replied"] - one["posted"] for one in asked]
         print(f"  {len(asked)} questions, ms each: p50 {at(took, .5):.0f} p95 {at(took, .95):.0f} "
