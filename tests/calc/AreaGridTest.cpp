@@ -13,14 +13,14 @@ std::string piecesIn(const char* address) {
 TEST(AreaGrid, CutsAnAreaIntoPiecesThatAreReadOneAfterTheOther) {
   EXPECT_EQ(piecesIn("B2"), "$B$2");
   EXPECT_EQ(piecesIn("A1:B1000"), "$A$1:$B$1000");
-  EXPECT_EQ(piecesIn("C3:C4502"), "$C$3:$C$2002,$C$2003:$C$4002,$C$4003:$C$4502");
+  EXPECT_EQ(piecesIn("C3:C4502"), "$C$3:$C$2502,$C$2503:$C$4502");
   EXPECT_EQ(piecesIn("A1:ALL3"), "$A$1:$ALL$2,$A$3:$ALL$3");
   EXPECT_EQ(piecesIn("A7:DAA8"),  // 2,731 columns
-            "$A$7:$BXX$7,$BXY$7:$DAA$7,$A$8:$BXX$8,$BXY$8:$DAA$8");
+            "$A$7:$CRD$7,$CRE$7:$DAA$7,$A$8:$CRD$8,$CRE$8:$DAA$8");
 }
 
 // The pieces in which an area is read whose cells hold so many bytes of text each.
-std::string readIn(const char* address, std::size_t bytes, int atMost = cellsOfPiece) {
+std::string readIn(const char* address, std::size_t bytes, PieceSizes sizes = {}) {
   std::vector<Area> pieces;
   inPieces(
       parseA1(address).value().front(), CallLimits(),
@@ -28,18 +28,19 @@ std::string readIn(const char* address, std::size_t bytes, int atMost = cellsOfP
         pieces.push_back(piece);
         return bytes * static_cast<std::size_t>(cellCount({piece}));
       },
-      atMost);
+      sizes);
   return addressText(pieces);
 }
 
 TEST(AreaGrid, ReadsFewCellsAtOnceWhereTheyHoldLongTexts) {
   EXPECT_EQ(readIn("B2", 0), "$B$2");
-  EXPECT_EQ(readIn("A1:A5000", 1000), "$A$1:$A$200,$A$201:$A$2200,$A$2201:$A$4200,$A$4201:$A$5000");
-  EXPECT_EQ(readIn("A1:A5000", 1000, 5000), "$A$1:$A$200,$A$201:$A$5000");
-  EXPECT_EQ(readIn("A1:B250", 1001, 5000), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
+  EXPECT_EQ(readIn("A1:A5000", 1000), "$A$1:$A$200,$A$201:$A$2700,$A$2701:$A$5000");
+  EXPECT_EQ(readIn("A1:A5000", 1000, {200, 5000}), "$A$1:$A$200,$A$201:$A$5000");
+  EXPECT_EQ(readIn("A1:A5000", 1000, {5000, 5000}), "$A$1:$A$5000");
+  EXPECT_EQ(readIn("A1:A2900", 1001, {2500, 2500}), "$A$1:$A$2500,$A$2501:$A$2700,$A$2701:$A$2900");
+  EXPECT_EQ(readIn("A1:B250", 1001, {200, 5000}), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
   EXPECT_EQ(readIn("A1:B250", 1001), "$A$1:$B$100,$A$101:$B$200,$A$201:$B$250");
-  EXPECT_EQ(readIn("A1:IJM1", 0),
-            "$A$1:$GR$1,$GS$1:$CFP$1,$CFQ$1:$FEN$1,$FEO$1:$IDL$1,$IDM$1:$IJM$1");
+  EXPECT_EQ(readIn("A1:IJM1", 0), "$A$1:$GR$1,$GS$1:$CYV$1,$CYW$1:$GQZ$1,$GRA$1:$IJM$1");
   EXPECT_EQ(readIn("A1:KN2", 0), "$A$1:$GR$1,$GS$1:$KN$1,$A$2:$KN$2");  // 300 columns
 }
 

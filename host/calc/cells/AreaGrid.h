@@ -19,7 +19,14 @@ inline constexpr long long mostCells = 4'000'000;
 void refuseTooMany(const Area& area);
 
 // So many are read at once, so that the work can end between pieces.
-inline constexpr int cellsOfPiece = 2'000;
+inline constexpr int cellsOfPiece = 2'500;
+
+// How many cells are read at once: few at first, where nothing is known of how long their texts
+// are.
+struct PieceSizes {
+  int first = 200;
+  int most = cellsOfPiece;
+};
 
 // The displayed texts of at most so many cells are asked for by one request.
 inline constexpr int mostCellsWithTexts = 5'000;
@@ -32,19 +39,19 @@ std::optional<Area> nextPiece(const Area& area, const std::optional<Area>& last,
 std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
 
 // Calls `work` with one piece of the area after the other, as they follow each other above. It
-// gives the bytes of text that the piece brought: where cells hold long texts, of which 2,000 may
-// be 130 MB, few are read at once, and `atMost` where they do not. SpreadsheetError -1712
-// between two of them when the limits are reached.
+// gives the bytes of text that the piece brought: where cells hold long texts, of which 2,500 may
+// be 160 MB, few are read at once. SpreadsheetError -1712 between two of them when the limits are
+// reached.
 template <typename Work>
-void inPieces(const Area& area, const CallLimits& limits, Work work, int atMost = cellsOfPiece) {
+void inPieces(const Area& area, const CallLimits& limits, Work work, PieceSizes sizes = {}) {
   constexpr int few = 200;
   constexpr long long longText = 1'000;  // bytes for each cell
-  int most = few;
+  int most = sizes.first;
   std::optional<Area> piece;
   while ((piece = nextPiece(area, piece, most))) {
     limits.check();
     const auto bytes = static_cast<long long>(work(*piece));
-    most = bytes > longText * cellCount({*piece}) ? few : atMost;
+    most = bytes > longText * cellCount({*piece}) ? few : sizes.most;
   }
 }
 
@@ -110,8 +117,7 @@ void place(Grid<T> part, const Area& at, Grid<T>& whole, const Area& area) {
 // What `read` gives for each piece of the area, put together. SpreadsheetError for too many cells,
 // too much text, or when the limits are reached.
 template <typename T, typename Read>
-Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read,
-                     int atMost = cellsOfPiece) {
+Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read, PieceSizes sizes = {}) {
   Grid<T> grid = gridFor<T>(area);
   TextRoom room;
   inPieces(
@@ -122,7 +128,7 @@ Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read,
         place(std::move(part), piece, grid, area);
         return bytes;
       },
-      atMost);
+      sizes);
   return grid;
 }
 

@@ -6,6 +6,7 @@
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
+#include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/table/XCell.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <map>
@@ -191,20 +192,20 @@ Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbo
 
 namespace {
 
-Grid<CellValue> readPiece(Workbook& workbook, const std::string& sheet, const Area& area,
+Grid<CellValue> readPiece(Workbook& workbook, const std::string& name,
+                          const Reference<css::sheet::XSpreadsheet>& sheet, const Area& area,
                           const CallLimits& limits) {
-  const Reference<XCellRange> cells = cellsOf(workbook, sheet, area);
+  const Reference<XCellRange> cells = cellsOf(sheet, area);
   const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
-  return valuesFrom(cellData(source), workbook, sheet, area, cells, limits);
+  return valuesFrom(cellData(source), workbook, name, area, cells, limits);
 }
 
 // The formulas of a piece of the area, in their places among the values. Gives the bytes of text
 // that the office told for them.
-std::size_t readPiece(const Workbook& workbook, const std::string& sheet, const Area& area,
+std::size_t readPiece(const Reference<css::sheet::XSpreadsheet>& sheet, const Area& area,
                       const Area& piece, FormulaTranslator& translator, TextRoom& room,
                       Grid<CellValue>& grid, const CallLimits& limits) {
-  const Reference<css::sheet::XCellRangeFormula> source(cellsOf(workbook, sheet, piece),
-                                                        UNO_QUERY_THROW);
+  const Reference<css::sheet::XCellRangeFormula> source(cellsOf(sheet, piece), UNO_QUERY_THROW);
   const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
   std::string formula;
   std::size_t told = 0;
@@ -229,8 +230,9 @@ std::size_t readPiece(const Workbook& workbook, const std::string& sheet, const 
 }  // namespace
 
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
+  const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
   return readInPieces<CellValue>(firstArea(range), limits, [&](const Area& piece) {
-    return readPiece(workbook, range.sheet.sheet, piece, limits);
+    return readPiece(workbook, range.sheet.sheet, sheet, piece, limits);
   });
 }
 
@@ -238,10 +240,14 @@ Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, Re
                              Grid<CellValue> values, const CallLimits& limits) {
   const Area& area = firstArea(range);
   FormulaTranslator translator(style, sheetTest(workbook));
+  const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
   TextRoom room;
-  inPieces(area, limits, [&](const Area& piece) {
-    return readPiece(workbook, range.sheet.sheet, area, piece, translator, room, values, limits);
-  });
+  inPieces(
+      area, limits,
+      [&](const Area& piece) {
+        return readPiece(sheet, area, piece, translator, room, values, limits);
+      },
+      PieceSizes{cellsOfPiece, cellsOfPiece});
   return values;
 }
 

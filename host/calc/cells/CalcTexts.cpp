@@ -132,7 +132,8 @@ Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Err
       [&](const Area& piece) {
         return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
       },
-      texts == Texts::shortOnes ? mostCellsWithTexts : cellsOfPiece);
+      texts == Texts::shortOnes ? PieceSizes{mostCellsWithTexts, mostCellsWithTexts}
+                                : PieceSizes());
 }
 
 }  // namespace quorin::host::calc
