@@ -16,6 +16,7 @@ extern const std::string_view excelTermTable;
 namespace {
 
 constexpr const char* book = "Model.xlsx";
+constexpr std::chrono::milliseconds underWay{500};
 
 fakes::WorkbookDescription workbook() {
   fakes::WorkbookDescription model{.name = book, .sheets = {}};
@@ -90,7 +91,7 @@ std::unique_ptr<script::Application> ExcelOfTheRun::connection() {
 
 AppleEventReply ExcelOfTheRun::answer(const AppleEvent& event, std::chrono::milliseconds timeout) {
   if (!running_) {
-    ++strayEvents_;
+    if (std::chrono::steady_clock::now() > ended_.load() + underWay) ++strayEvents_;
     return failed(-600, "Application isn't running.");
   }
   if (!permitted_) return failed(-1743, "Not authorized to send Apple events to Microsoft Excel.");
@@ -163,6 +164,7 @@ void ExcelOfTheRun::lackTerm(const std::string& term) {
 }
 
 void ExcelOfTheRun::setRunning(bool running) {
+  ended_ = std::chrono::steady_clock::now();
   running_ = running;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -41,7 +42,8 @@ class ExcelOfTheRun {
   void setPermitted(bool permitted) { permitted_ = permitted; }
   void setBusy(bool busy);  // nothing is answered meanwhile
 
-  // Events while it did not run, each of which would have started it on a Mac.
+  // Events while it did not run, each of which would have started it on a Mac. What was under way
+  // when it ended could not know.
   int strayEvents() const { return strayEvents_; }
 
  private:
@@ -59,6 +61,7 @@ class ExcelOfTheRun {
   std::condition_variable changed_;
   bool busy_ = false;
   std::atomic<bool> running_{true}, permitted_{true};
+  std::atomic<std::chrono::steady_clock::time_point> ended_{};
   std::atomic<int> strayEvents_{0};
 };
 

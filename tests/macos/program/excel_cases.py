@@ -55,8 +55,8 @@ class ExcelTest(MacCase):
         self.shows(mac, "B3", "=B2*Share", "150")
         mac.do("busy", True)
         self.select(mac, "Model!B4")
-        wait_for("the page to say it", lambda: "Excel is busy" in self.said(mac)
-                 or "Asking Excel" in self.said(mac), 30)
+        wait_for("the page to say it", lambda: "Excel is busy; this was read before."
+                 in self.said(mac), 60)
         self.assertEqual(mac.panel.shown()["address"], "B3")
         mac.do("busy", False)
         self.shows(mac, "B4", "=B2-B3", "450")
