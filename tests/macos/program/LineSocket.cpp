@@ -1,5 +1,6 @@
 #include "tests/macos/program/LineSocket.h"
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -40,9 +41,11 @@ void listen(const std::string& path, Handler handler) {
   const int server = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  // It has its name once somebody listens.
+  const std::string unheard = path + ".new";
+  unheard.copy(address.sun_path, sizeof address.sun_path - 1);
   if (::bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-      ::listen(server, 8) != 0)
+      ::listen(server, 8) != 0 || ::rename(unheard.c_str(), path.c_str()) != 0)
     throw std::runtime_error("cannot listen at " + path);
   std::thread([server, handler = std::move(handler)] {
     for (int client; (client = ::accept4(server, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {

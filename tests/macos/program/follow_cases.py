@@ -88,5 +88,6 @@ class FollowTest(MacCase):
         self.select(mac, "Model!B2")
         self.shows(mac, "B2", "=Inputs!B1*Inputs!B2", "600")
         mac.click("tab-deps")
-        mac.says("scan", "Read")
+        wait_for("all of it to be read", lambda: "All 2 sheets, as read at"
+                 in mac.panel.eval("document.body.innerText"), 30)
         self.end_is_clean(mac)
