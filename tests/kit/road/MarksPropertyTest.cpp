@@ -9,9 +9,10 @@
 // a sheet too, and into the file; the records hold the addresses and names as they were. A record
 // whose sheet or workbook is gone has all marks taken away, wherever they are, and one whose cells
 // have moved those of its sheet. But a mark may stay on the copy of its sheet under a name of the
-// user's, and one that came back with the file where a record knows a later one in its place. Lines
-// that are shown when the records lose them stay shown. Rows are inserted and deleted below the
-// hidden ones: Excel knows those by their numbers alone.
+// user's, as one of several of a sheet that alone was moved, where it came back with the file and
+// a record knows a later one in its place, and where Excel failed while all of a sheet or workbook
+// were looked for. Lines that are shown when the records lose them stay shown. Rows are inserted
+// and deleted below the hidden ones: Excel knows those by their numbers alone.
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -85,7 +86,7 @@ class MarksProperty : public RoadFixture {
     name_ = "B" + std::to_string(seed) + ".xlsx";
     first_ = "One";
     others_ = 0;
-    reopened_ = false;
+    unknown_ = false;
     strays_.clear();
     free_.clear();
     hiddenAtFirst_.clear();
@@ -108,6 +109,7 @@ class MarksProperty : public RoadFixture {
   void failSometimes() {
     excel_->forget();
     if (pick(0, 2) != 0) return;
+    unknown_ = unknown_ || leadNowhere();
     constexpr int mute[] = {-1712, -609, -600, -10000};
     const AppleEventError error{mute[pick(0, 3)], "Something failed.", {}};
     const int number = pick(1, 80);
@@ -150,6 +152,8 @@ class MarksProperty : public RoadFixture {
   // The model of what each edit leaves, and the spreadsheet's own word that it is so.
   void userEdit() {
     excel_->forget();
+    for (const HighlightStore::Record& record : store_.load())
+      unknown_ = unknown_ || record.single != true;
     Marks expected = marksNow();
     const std::string sheet = anySheet();
     const int row = pick(rowsToHide + 1, rows), count = pick(1, 3);
@@ -187,7 +191,7 @@ class MarksProperty : public RoadFixture {
       default:
         if (pick(0, 1) == 0) save(expected);
         memory_->userReopens(name_);
-        reopened_ = true;
+        unknown_ = true;
         std::tie(first_, expected) = saved_;
     }
     std::erase_if(expected, [](const auto& each) { return each.second.empty(); });
@@ -286,7 +290,7 @@ class MarksProperty : public RoadFixture {
     excel_->forget();
     memory_->goTo(on(name_, "Two", "A1"));
     Marks left = leadNowhere() ? Marks() : chosen(strays_, recordedMarks(), false);
-    if (!reopened_)
+    if (!unknown_)
       for (const char* const sheet : {"One", "Uno", "Two"})
         if (hasRecord(sheet)) left.erase(sheet);
     std::set<Line> hidden = hiddenAtFirst_;
@@ -300,9 +304,11 @@ class MarksProperty : public RoadFixture {
   }
 
   std::mt19937 random_;
-  std::string name_, first_;             // the workbook and its first sheet, as they are called now
-  int others_ = 0;                       // names so far
-  bool reopened_ = false;                // so that marks may have come back with the file
+  std::string name_, first_;  // the workbook and its first sheet, as they are called now
+  int others_ = 0;            // names so far
+  // Marks came back with a file, one of several was moved, or Excel failed while they were looked
+  // for.
+  bool unknown_ = false;
   std::pair<std::string, Marks> saved_;  // the first sheet's name and the marks, in the file
   Marks strays_;                         // which the records do not know by the user's doing
   std::set<Line> hiddenAtFirst_;         // on the first sheet
