@@ -83,6 +83,7 @@ TEST_F(MacApplicationLife, EndsThoughWhoMaySayItGoesOnIsStillThere) {
 }
 
 TEST_F(MacApplicationLife, IsNoProgramThatIgnoresSignals) {
+  runFor(20ms);  // until the signals' sources are registered
   for (const int signal : endingSignals()) {
     struct sigaction now {};
     ASSERT_EQ(::sigaction(signal, nullptr, &now), 0);
