@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <malloc.h>
 #include <map>
 #include <unistd.h>
 
@@ -138,7 +139,7 @@ int other() {
   return one;
 }
 
-// Objects of the program and blocks, and the memory that it has, in bytes.
+// Objects of the program and blocks, the memory that it has and the part that is in use, in bytes.
 JSONValue counted() {
   Object alive;
   double all = 0;
@@ -146,11 +147,13 @@ JSONValue counted() {
     if (count > 0) alive[kind] = static_cast<double>(count);
     all += static_cast<double>(count);
   }
+  const struct mallinfo2 heap = ::mallinfo2();
   long pages = 0, resident = 0;
   std::ifstream("/proc/self/statm") >> pages >> resident;
   return Object{{"all", all},
                 {"alive", std::move(alive)},
-                {"memory", static_cast<double>(resident * ::sysconf(_SC_PAGESIZE))}};
+                {"memory", static_cast<double>(resident * ::sysconf(_SC_PAGESIZE))},
+                {"used", static_cast<double>(heap.uordblks + heap.hblkhd)}};
 }
 
 using Act = std::function<JSONValue(const JSONValue&)>;
