@@ -9,9 +9,9 @@ namespace {
 
 constexpr std::chrono::milliseconds quietPeriod{500};
 constexpr int failuresUntilProbe = 3;
-// From the user's input to the first tick, and from each tick to the next. Excel is most likely to answer
-// between having moved and drawing the window anew, during which it answers nobody: so these are
-// close to each other at first.
+// From the user's input to the first tick, and from each tick to the next. Excel is most likely to
+// answer between having moved and drawing the window anew, during which it answers nobody: so these
+// are close to each other at first.
 constexpr std::array<std::chrono::milliseconds, 7> delaysOfTicksSoon{
     {std::chrono::milliseconds(8), std::chrono::milliseconds(6), std::chrono::milliseconds(6),
      std::chrono::milliseconds(8), std::chrono::milliseconds(12), std::chrono::milliseconds(55),
