@@ -1,24 +1,12 @@
 // What the user does with the menu of the icon in the bar.
 #include "tests/app/hands/Hands.h"
+#include "tests/fakes/app/RecordedChoices.h"
 
 namespace quorin::contract {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-class Owner : public StatusItemDelegate {
- public:
-  void menuWillOpen() override {
-    ++opened;
-    if (onOpening) onOpening();
-  }
-  void menuItemChosen(std::size_t index) override { chosen.push_back(index); }
-
-  int opened = 0;
-  std::function<void()> onOpening;
-  std::vector<std::size_t> chosen;
-};
 
 class StatusItemChoicesContract : public PortContract {
  protected:
@@ -29,7 +17,7 @@ class StatusItemChoicesContract : public PortContract {
     return owner.chosen == all;
   }
 
-  Owner owner;
+  RecordedChoices owner;
   std::unique_ptr<StatusItem> item = platform().makeStatusItem("MenuBarIcon");
 };
 

@@ -2,6 +2,7 @@
 #include "tests/app/linux/Bar.h"
 #include "tests/app/linux/GtkFixture.h"
 #include "tests/app/linux/OtherClient.h"
+#include "tests/fakes/app/RecordedChoices.h"
 
 namespace quorin {
 
@@ -9,19 +10,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-class User : public StatusItemDelegate {
- public:
-  void menuWillOpen() override {
-    ++opened;
-    if (onOpening) onOpening();
-  }
-  void menuItemChosen(std::size_t index) override { chosen.push_back(index); }
-
-  int opened = 0;
-  std::function<void()> onOpening;
-  std::vector<std::size_t> chosen;
-};
 
 class GtkStatusItemTest : public GtkFixture {
  protected:
@@ -44,7 +32,7 @@ class GtkStatusItemTest : public GtkFixture {
   }
 
   Bar bar_{false};
-  User user_;
+  RecordedChoices user_;
   GtkStatusItem item_{"quorin-symbolic", "/some/folder"};
 };
 

@@ -10,16 +10,6 @@ LONGEST = 2.5
 
 
 class EndTest(MacCase):
-    def marked(self):
-        mac = self.start()
-        self.select(mac, "Model!B3")
-        self.shows(mac, "B3", "=B2*Share", "150")
-        mac.take_keys()
-        mac.key("Down")
-        wait_for("the mark", lambda: mac.marks() == ["Model!$B$2"])
-        wait_for("its record", (mac.support / "highlights.json").exists)
-        return mac
-
     def test_takes_its_marks_away_however_it_ends(self):
         ways = {"the menu": lambda mac: mac.choose("Quit Quorin"),
                 "the end of the session": lambda mac: mac.do("logout"),
@@ -27,7 +17,7 @@ class EndTest(MacCase):
                 "Ctrl+C": lambda mac: mac.process.send_signal(signal.SIGINT)}
         for way, end in ways.items():
             with self.subTest(way):
-                mac = self.marked()
+                mac = self.start_and_mark()
                 mac.do("front", "other" if way == "the menu" else "Excel")
                 end(mac)
                 self.assertEqual(self.end_is_clean(mac, mac.ended())["conditions"], [])
@@ -36,7 +26,7 @@ class EndTest(MacCase):
     def test_ends_beside_an_excel_that_hangs_and_takes_its_marks_back_at_the_next_start(self):
         # On a machine with far too much to do it may take longer.
         for _ in range(3):
-            mac = self.marked()
+            mac = self.start_and_mark()
             mac.do("busy", True)
             began = time.monotonic()
             mac.choose("Quit Quorin")
@@ -54,7 +44,7 @@ class EndTest(MacCase):
         self.end_is_clean(again)
 
     def test_the_page_says_what_it_takes_back(self):
-        mac = self.marked()
+        mac = self.start_and_mark()
         mac.panel.eval("""new MutationObserver(() => webkit.messageHandlers.qx.postMessage(
             {id: 900001, verb: 'log', args: ['TEST',
              document.querySelector('[data-testid=quitting]').innerText.replace(/\\\\s+/g, ' ')]}))

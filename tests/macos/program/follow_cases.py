@@ -25,11 +25,7 @@ class FollowTest(MacCase):
 
     def test_marks_what_the_keys_go_to_and_clears_it(self):
         mac = self.start()
-        self.select(mac, "Model!B3")
-        self.shows(mac, "B3", "=B2*Share", "150")
-        mac.take_keys()
-        mac.key("Down")
-        wait_for("the mark", lambda: mac.marks() == ["Model!$B$2"])
+        self.mark(mac)
         mac.says("marked", "Highlighted Model!B2")
         mac.key("Down")
         wait_for("the other mark", lambda: mac.marks() == ["Inputs!$B$3"])

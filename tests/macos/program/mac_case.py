@@ -30,3 +30,18 @@ class MacCase(unittest.TestCase):
         """The user works in Excel."""
         mac.do("goTo", cells)
         mac.do("front", "Excel")
+
+    def mark(self, mac):
+        """The user goes to a formula, and with the keys to the first cell that it uses."""
+        self.select(mac, "Model!B3")
+        self.shows(mac, "B3", "=B2*Share", "150")
+        mac.take_keys()
+        mac.key("Down")
+        wait_for("the mark", lambda: mac.marks() == ["Model!$B$2"])
+
+    def start_and_mark(self, **options):
+        """The program, once it has marked a cell and recorded that."""
+        mac = self.start(**options)
+        self.mark(mac)
+        wait_for("its record", (mac.support / "highlights.json").exists)
+        return mac

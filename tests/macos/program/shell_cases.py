@@ -68,13 +68,7 @@ class ShellTest(MacCase):
                     for name in archive.namelist() if not name.endswith("/")}
 
     def test_after_a_crash_takes_marks_back_and_offers_a_report(self):
-        first = self.start()
-        self.select(first, "Model!B3")
-        self.shows(first, "B3", "=B2*Share", "150")
-        first.take_keys()
-        first.key("Down")
-        wait_for("the mark", lambda: first.marks() == ["Model!$B$2"])
-        wait_for("its record", (first.support / "highlights.json").exists)
+        first = self.start_and_mark()
         left = first.do("conditions")
         first.kill()
         reports = first.home / "Library" / "Logs" / "DiagnosticReports"
@@ -114,11 +108,7 @@ class ShellTest(MacCase):
 
     def test_stays_hidden_until_summoned(self):
         mac = self.start()
-        self.select(mac, "Model!B3")
-        self.shows(mac, "B3", "=B2*Share", "150")
-        mac.take_keys()
-        mac.key("Down")
-        wait_for("the mark", lambda: mac.marks() == ["Model!$B$2"])
+        self.mark(mac)
         mac.do("close")
         mac.is_hidden()
         wait_for("the marks to go", lambda: mac.marks() == [])
