@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "app/shell/Panel.h"
+#include "kit/bridge/Verbs.h"
 #include "kit/support/ISO.h"
 #include "kit/support/QXConfig.h"
 
@@ -49,21 +50,29 @@ void Panel::webViewDidReceiveMessage(const JSONValue& body) {
 }
 
 void Panel::handleRequest(double id, const std::string& verb, const JSONValue::Array& args) {
-  if (const std::optional<PanelBridge::Reply> reply = answerLocally(verb, args)) {
-    page_.reply(id, reply->ok, reply->payload);
-    return;
-  }
-  if (applicationVerbs_) {
-    if (const std::optional<PanelBridge::Reply> reply = applicationVerbs_(verb, args)) {
-      page_.reply(id, reply->ok, reply->payload);
-      return;
-    }
-  }
   // It answers nobody once it is gone, and the panel with it.
   const auto answer = [this, id](const PanelBridge::Reply& reply) {
     page_.reply(id, reply.ok, reply.payload);
   };
-  if (!reviews_.answer(verb, args, answer)) askBridge(id, verb, args);
+  const auto answered = [&answer](const std::optional<PanelBridge::Reply>& reply) {
+    if (reply) answer(*reply);
+    return reply.has_value();
+  };
+  const Verb* const known = findVerb(verb);
+  switch (known ? known->answeredBy : AnsweredBy::bridge) {
+    case AnsweredBy::panel:
+      if (answered(answerLocally(verb, args))) return;
+      break;
+    case AnsweredBy::application:
+      if (applicationVerbs_ && answered(applicationVerbs_(verb, args))) return;
+      break;
+    case AnsweredBy::files:
+      if (reviews_.answer(verb, args, answer)) return;
+      break;
+    case AnsweredBy::bridge:
+      break;
+  }
+  askBridge(id, verb, args);  // it refuses what is unknown, and what nobody answers yet
 }
 
 std::optional<PanelBridge::Reply> Panel::answerLocally(const std::string& verb,

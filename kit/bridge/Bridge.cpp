@@ -6,6 +6,7 @@
 
 #include "kit/bridge/LoggedError.h"
 #include "kit/bridge/Verbs.h"
+#include "kit/support/Check.h"
 #include "kit/value/EventErrors.h"
 
 namespace quorin {
@@ -35,14 +36,15 @@ Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
   std::string message;
   std::string logged;
   try {
-    if (verb != "probe" && !excelRunning()) {
+    const Verb* const known = findVerb(verb);
+    const bool served = known && known->answeredBy == AnsweredBy::bridge;
+    if (!(served && known->answersWithoutExcel) && !excelRunning()) {
       JSONValue::Object error{{"kind", "transport"},
                               {"message", "Excel is not running"},
                               {"code", eventErrors::notRunning}};
       return {false, std::move(error)};
     }
-    const Verb* const known = findVerb(verb);
-    if (!known) {
+    if (!served) {
       log_.log("ERROR", verb + ": unknown verb");
       return {false, errorObject("transport", "unknown verb " + verb)};
     }
@@ -62,6 +64,13 @@ Bridge::Reply Bridge::dispatch(const std::string& verb, const Args& args) {
   }
   log_.log("ERROR", verb + ": " + logged);
   return {false, errorObject(kind, message)};
+}
+
+JSONValue Bridge::call(std::string_view verb, const std::string& handler, const Args& args,
+                       bool asked) {
+  const Verb* const known = findVerb(verb);
+  check(known != nullptr, "a call for no verb");
+  return thread_.call(handler, args, known->seconds, asked);
 }
 
 bool Bridge::excelRunning() const {

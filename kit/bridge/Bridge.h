@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kit/bridge/MarksTurn.h"
@@ -122,6 +123,9 @@ class Bridge : public PanelBridge {
   void publishLanded(const JSONValue& value) const;
 
  private:
+  // One handler call for a verb, within the seconds that the table of verbs gives it.
+  JSONValue call(std::string_view verb, const std::string& handler, const Args& args,
+                 bool asked = false);
   void touchProgrammaticNav();
   JSONValue evaluateWrapped(const std::string& expr, const std::string& firstMessage, bool asked);
   JSONValue deepEvalInExcel(const std::vector<std::string>& plan, bool asked);

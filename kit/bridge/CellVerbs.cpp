@@ -9,10 +9,6 @@ namespace quorin {
 
 namespace {
 
-constexpr double probeBudget = 3;
-constexpr double readBudget = 10;
-constexpr double pollBudget = 3;
-
 JSONValue stateObject(const std::string& state) {
   return JSONValue::Object{{"state", state}};
 }
@@ -22,7 +18,7 @@ JSONValue stateObject(const std::string& state) {
 JSONValue Bridge::probe() {
   try {
     if (!excelRunning()) return stateObject("notRunning");
-    return BridgeShapes::probeObject(thread_.call("qx_probe", {}, probeBudget));
+    return BridgeShapes::probeObject(call("probe", "qx_probe", {}));
   } catch (const ExcelError& error) {
     log_.log("ERROR", "probe: " + std::to_string(error.code()) + ": " + loggedText(error));
     return stateObject(BridgeShapes::probeState(error.code()));
@@ -32,11 +28,11 @@ JSONValue Bridge::probe() {
 }
 
 JSONValue Bridge::readCell() {
-  return BridgeShapes::readCellObject(thread_.call("qx_readcell", {}, readBudget));
+  return BridgeShapes::readCellObject(call("readCell", "qx_readcell", {}));
 }
 
 JSONValue Bridge::pollCell() {
-  return BridgeShapes::pollCellObject(thread_.call("qx_pollcell", {}, pollBudget));
+  return BridgeShapes::pollCellObject(call("pollCell", "qx_pollcell", {}));
 }
 
 }  // namespace quorin

@@ -12,8 +12,6 @@ namespace quorin {
 
 namespace {
 
-constexpr double clearBudget = 25;
-
 std::size_t addressCount(const HighlightStore::Records& records) {
   std::size_t total = 0;
   for (const HighlightStore::Record& record : records) total += record.addrs.size();
@@ -82,9 +80,9 @@ JSONValue Bridge::clearRecorded() {
 
 JSONValue Bridge::clearChunk(const HighlightStore::Record& record,
                              const std::vector<std::string>& addrs) {
-  JSONValue answer = thread_.call(
-      "qx_cf_clear", {JSONValue::Array(addrs.begin(), addrs.end()), record.book, record.sheet},
-      clearBudget);
+  JSONValue answer =
+      call("clearMarks", "qx_cf_clear",
+           {JSONValue::Array(addrs.begin(), addrs.end()), record.book, record.sheet});
   log_.log("HIGHLIGHT", "clear sheet=" + record.sheet + " addrs=" + std::to_string(addrs.size()) +
                             " deleted=" + Marshal::encode(answer));
   return answer;
@@ -93,7 +91,7 @@ JSONValue Bridge::clearChunk(const HighlightStore::Record& record,
 // None of the recorded cells has a mark any more: rows or columns have carried them elsewhere, or
 // they were never painted.
 void Bridge::clearMoved(const HighlightStore::Record& record) {
-  logMoved(record, thread_.call("qx_cf_moved", {record.book, record.sheet}, clearBudget));
+  logMoved(record, call("clearMarks", "qx_cf_moved", {record.book, record.sheet}));
 }
 
 void Bridge::logMoved(const HighlightStore::Record& record, const JSONValue& answer) {

@@ -6,12 +6,6 @@
 
 namespace quorin {
 
-namespace {
-
-constexpr double deepEvalBudget = 65;
-
-}  // namespace
-
 JSONValue Bridge::deepEval(const std::vector<std::string>& plan, bool asked) {
   if (const auto refusal = BridgeShapes::deepEvalRefusal(plan))
     return BridgeShapes::deepEvalFailure("refused", *refusal);
@@ -26,8 +20,7 @@ JSONValue Bridge::deepEvalInExcel(const std::vector<std::string>& plan, bool ask
   try {
     Args arguments;
     arguments.emplace_back(Args(plan.begin(), plan.end()));
-    return BridgeShapes::deepEvalObject(
-        thread_.call("qx_deepeval", arguments, deepEvalBudget, asked));
+    return BridgeShapes::deepEvalObject(call("deepEval", "qx_deepeval", arguments, asked));
   } catch (const ExcelError& error) {
     log_.log("ERROR", "deepEval failed code=" + std::to_string(error.code()) +
                           " n=" + std::to_string(plan.size()));

@@ -15,7 +15,6 @@ namespace quorin {
 
 namespace {
 
-constexpr double evaluateBudget = 9;
 constexpr std::size_t longestExpression = 255;  // what Excel's evaluate takes, in characters
 constexpr std::string_view errorTag = "__ERR:";
 
@@ -27,7 +26,7 @@ std::size_t characters(const std::string& text) {
 
 JSONValue Bridge::evaluate(const std::string& expr, bool asked) {
   try {
-    return okValue(thread_.call("qx_evaluate", {expr}, evaluateBudget, asked));
+    return okValue(call("evaluate", "qx_evaluate", {expr}, asked));
   } catch (const ExcelError& error) {
     log_.log("ERROR", "evaluate failed code=" + std::to_string(error.code()) +
                           " len=" + std::to_string(characters(expr)));
@@ -47,7 +46,7 @@ JSONValue Bridge::evaluateWrapped(const std::string& expr, const std::string& fi
   if (!wrapper) return fail("excelError", firstMessage);
   JSONValue result;
   try {
-    result = thread_.call("qx_evaluate", {*wrapper}, evaluateBudget, asked);
+    result = call("evaluate", "qx_evaluate", {*wrapper}, asked);
   } catch (const std::exception&) {
     return fail("excelError", firstMessage);
   }

@@ -18,7 +18,6 @@ namespace {
 using Record = HighlightStore::Record;
 using Records = HighlightStore::Records;
 
-constexpr double paintBudget = 25;
 constexpr std::size_t mostAddresses = 200;
 
 JSONValue listOf(const std::vector<std::string>& texts) {
@@ -81,9 +80,8 @@ std::optional<JSONValue> Bridge::moveMarks(const Record& wanted) {
   recordBeforePainting(HighlightStore::merge({target}, {*from}));
   JSONValue answer;
   try {
-    answer = thread_.call("qx_cf_move",
-                          {listOf(from->addrs), listOf(target.addrs), target.book, target.sheet},
-                          paintBudget);
+    answer = call("markCells", "qx_cf_move",
+                  {listOf(from->addrs), listOf(target.addrs), target.book, target.sheet});
   } catch (const std::exception& error) {
     log_.log("ERROR", "markCells: move failed, clear+apply: " + loggedText(error));
     return std::nullopt;
@@ -129,10 +127,9 @@ JSONValue Bridge::applyMarks(const Records& groups, bool mayBeSingle) {
           HighlightStore::merge({{group.book, group.sheet, piece, group.rgb}}, std::move(recorded));
       recordBeforePainting(recorded);
       const JSONValue answer =
-          thread_.call("qx_cf_apply",
-                       {listOf(piece), group.book, group.sheet, static_cast<double>(rgb[0]),
-                        static_cast<double>(rgb[1]), static_cast<double>(rgb[2])},
-                       paintBudget);
+          call("markCells", "qx_cf_apply",
+               {listOf(piece), group.book, group.sheet, static_cast<double>(rgb[0]),
+                static_cast<double>(rgb[1]), static_cast<double>(rgb[2])});
       if (const std::optional<Counts> counts = countsOf(answer)) {
         shadowTotal += counts->preexisting;
         const auto record =

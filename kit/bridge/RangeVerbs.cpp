@@ -5,31 +5,24 @@
 
 namespace quorin {
 
-namespace {
-
-constexpr double readBudget = 10;
-
-}  // namespace
-
 JSONValue Bridge::readRange(const std::string& addr) {
-  return BridgeShapes::decodeReadRange(addr, thread_.call("qx_readrange", {addr}, readBudget));
+  return BridgeShapes::decodeReadRange(addr, call("readRange", "qx_readrange", {addr}));
 }
 
 JSONValue Bridge::readTexts(const std::vector<std::string>& addrs) {
   Args arguments;
   arguments.emplace_back(JSONValue::Array(addrs.begin(), addrs.end()));
-  return BridgeShapes::decodeReadTexts(addrs.size(),
-                                       thread_.call("qx_readtexts", arguments, readBudget));
+  return BridgeShapes::decodeReadTexts(addrs.size(), call("readTexts", "qx_readtexts", arguments));
 }
 
 JSONValue Bridge::readFormulas(const std::string& addr, const std::string& style,
                                bool formulasOnly) {
   return BridgeShapes::decodeReadFormulas(
-      addr, thread_.call("qx_readformulas", {addr, style, formulasOnly}, readBudget));
+      addr, call("readFormulas", "qx_readformulas", {addr, style, formulasOnly}));
 }
 
 JSONValue Bridge::workbookMap() {
-  return BridgeShapes::workbookMapObject(thread_.call("qx_workbookmap", {}, readBudget));
+  return BridgeShapes::workbookMapObject(call("workbookMap", "qx_workbookmap", {}));
 }
 
 }  // namespace quorin

@@ -16,8 +16,6 @@ using BridgeShapes::RevealScroll;
 
 namespace {
 
-constexpr double revealBudget = 3;
-
 JSONValue refused(const std::string& reason) {
   return JSONValue::Object{{"revealed", false}, {"reason", reason}};
 }
@@ -55,7 +53,7 @@ JSONValue Bridge::reveal(const std::vector<std::string>& addrs) {
   const std::string& addr = groups.front().addrs.front();
   JSONValue answer;
   try {
-    answer = thread_.call("qx_revealread", {addr, sheet, active.book}, revealBudget);
+    answer = call("reveal", "qx_revealread", {addr, sheet, active.book});
   } catch (const ExcelError& error) {
     if (error.code() != eventErrors::noSuchObject) throw;
     log_.log("REVEAL", "skipped reason=unbound sheet=" + sheet + " addr=" + addr);
@@ -108,10 +106,9 @@ std::optional<std::string> Bridge::unhideTarget(const RevealRead& read, const st
 void Bridge::scrollTo(const RevealScroll& where, const std::string& book, const std::string& sheet,
                       const std::string& addr) {
   touchProgrammaticNav();
-  const JSONValue landed = thread_.call(
-      "qx_revealscroll",
-      {static_cast<double>(where.row), static_cast<double>(where.col), sheet, book, where.activate},
-      revealBudget);
+  const JSONValue landed = call("reveal", "qx_revealscroll",
+                                {static_cast<double>(where.row), static_cast<double>(where.col),
+                                 sheet, book, where.activate});
   log_.log("REVEAL", "sheet=" + sheet + " addr=" + addr + " row=" + std::to_string(where.row) +
                          " col=" + std::to_string(where.col) +
                          " activate=" + (where.activate ? "true" : "false"));

@@ -8,16 +8,10 @@
 
 namespace quorin {
 
-namespace {
-
-constexpr double selectionBudget = 10;
-
-}  // namespace
-
 JSONValue Bridge::select(const std::vector<std::string>& addrs) {
   Args arguments;
   arguments.emplace_back(JSONValue::Array(addrs.begin(), addrs.end()));
-  const JSONValue result = thread_.call("qx_select", arguments, selectionBudget);
+  const JSONValue result = call("select", "qx_select", arguments);
   const std::string* const address = result.string();
   if (!address) throw BridgeShapes::ShapeError("select returned no address");
   JSONValue payload = JSONValue::Object{{"areas", BridgeShapes::selectionAreaCount(*address)}};
@@ -27,7 +21,7 @@ JSONValue Bridge::select(const std::vector<std::string>& addrs) {
 
 JSONValue Bridge::activate(const std::optional<std::string>& addr) {
   touchProgrammaticNav();
-  thread_.call("qx_activate", {addr.value_or("")}, selectionBudget);
+  call("activate", "qx_activate", {addr.value_or("")});
   try {
     publishLanded(pollCell());
   } catch (const std::exception&) {
@@ -38,7 +32,7 @@ JSONValue Bridge::activate(const std::optional<std::string>& addr) {
 }
 
 JSONValue Bridge::dependents(const std::string& addr) {
-  JSONValue result = thread_.call("qx_dependents", {addr}, selectionBudget);
+  JSONValue result = call("dependents", "qx_dependents", {addr});
   if (!result.string())
     throw BridgeShapes::ShapeError("dependents returned no address for '" + addr + "'");
   return result;

@@ -56,52 +56,117 @@ bool isPaintRequest(const Args& args) {
          integers(*args[1].array()).size() == 3;
 }
 
-constexpr Verb verbs[] = {
-    {"probe", anything, [](Bridge& bridge, const Args&) { return bridge.probe(); }},
-    {"readCell", anything, [](Bridge& bridge, const Args&) { return bridge.readCell(); }},
-    {"evaluate", startsWithText,
-     [](Bridge& bridge, const Args& args) {
-       return bridge.evaluate(*args[0].string(), wasAsked(args));
-     }},
-    {"readRange", startsWithText,
-     [](Bridge& bridge, const Args& args) { return bridge.readRange(*args[0].string()); }},
-    {"readTexts", isTextsRequest,
-     [](Bridge& bridge, const Args& args) { return bridge.readTexts(texts(args[0])); }},
-    {"select", startsWithTextsNotNone,
-     [](Bridge& bridge, const Args& args) { return bridge.select(texts(args[0])); }},
-    {"activate", isOptionalText,
-     [](Bridge& bridge, const Args& args) {
-       const bool hasAddress = !args.empty() && args[0].string();
-       return bridge.activate(hasAddress ? std::optional(*args[0].string()) : std::nullopt);
-     }},
-    {"pollCell", anything, [](Bridge& bridge, const Args&) { return bridge.pollCell(); }},
-    {"readFormulas", isFormulaRequest,
-     [](Bridge& bridge, const Args& args) {
-       const bool formulasOnly = args.size() == 3 && *args[2].boolean();
-       return bridge.readFormulas(*args[0].string(), *args[1].string(), formulasOnly);
-     }},
-    {"dependents", startsWithText,
-     [](Bridge& bridge, const Args& args) { return bridge.dependents(*args[0].string()); }},
-    {"workbookMap", anything, [](Bridge& bridge, const Args&) { return bridge.workbookMap(); }},
-    {"markCells", isPaintRequest,
-     [](Bridge& bridge, const Args& args) {
-       return bridge.markCells(texts(args[0]), integers(*args[1].array()));
-     }},
-    {"clearMarks", anything, [](Bridge& bridge, const Args&) { return bridge.clearMarks(); }},
-    {"reveal", startsWithTextsNotNone,
-     [](Bridge& bridge, const Args& args) { return bridge.reveal(texts(args[0])); }},
-    {"deepEval", startsWithTexts,
-     [](Bridge& bridge, const Args& args) {
-       return bridge.deepEval(texts(args[0]), wasAsked(args));
-     }},
+constexpr Verb table[] = {
+    {.name = "probe",
+     .seconds = 3,
+     .answersWithoutExcel = true,
+     .accepts = anything,
+     .run = [](Bridge& bridge, const Args&) { return bridge.probe(); }},
+    {.name = "readCell",
+     .seconds = 10,
+     .accepts = anything,
+     .run = [](Bridge& bridge, const Args&) { return bridge.readCell(); }},
+    {.name = "pollCell",
+     .seconds = 3,
+     .accepts = anything,
+     .run = [](Bridge& bridge, const Args&) { return bridge.pollCell(); }},
+    {.name = "evaluate",
+     .seconds = 9,
+     .accepts = startsWithText,
+     .run = [](Bridge& bridge,
+               const Args& args) { return bridge.evaluate(*args[0].string(), wasAsked(args)); }},
+    {.name = "deepEval",
+     .seconds = 65,
+     .movesSelection = true,
+     .accepts = startsWithTexts,
+     .run = [](Bridge& bridge,
+               const Args& args) { return bridge.deepEval(texts(args[0]), wasAsked(args)); }},
+    {.name = "readRange",
+     .seconds = 10,
+     .accepts = startsWithText,
+     .run = [](Bridge& bridge, const Args& args) { return bridge.readRange(*args[0].string()); }},
+    {.name = "readTexts",
+     .seconds = 10,
+     .accepts = isTextsRequest,
+     .run = [](Bridge& bridge, const Args& args) { return bridge.readTexts(texts(args[0])); }},
+    {.name = "readFormulas",
+     .seconds = 10,
+     .accepts = isFormulaRequest,
+     .run =
+         [](Bridge& bridge, const Args& args) {
+           const bool formulasOnly = args.size() == 3 && *args[2].boolean();
+           return bridge.readFormulas(*args[0].string(), *args[1].string(), formulasOnly);
+         }},
+    {.name = "workbookMap",
+     .seconds = 10,
+     .accepts = anything,
+     .run = [](Bridge& bridge, const Args&) { return bridge.workbookMap(); }},
+    {.name = "dependents",
+     .seconds = 10,
+     .accepts = startsWithText,
+     .run = [](Bridge& bridge, const Args& args) { return bridge.dependents(*args[0].string()); }},
+    {.name = "select",
+     .seconds = 10,
+     .movesSelection = true,
+     .accepts = startsWithTextsNotNone,
+     .run = [](Bridge& bridge, const Args& args) { return bridge.select(texts(args[0])); }},
+    {.name = "activate",
+     .seconds = 10,
+     .movesSelection = true,
+     .accepts = isOptionalText,
+     .run =
+         [](Bridge& bridge, const Args& args) {
+           const bool hasAddress = !args.empty() && args[0].string();
+           return bridge.activate(hasAddress ? std::optional(*args[0].string()) : std::nullopt);
+         }},
+    {.name = "markCells",
+     .seconds = 25,
+     .accepts = isPaintRequest,
+     .run =
+         [](Bridge& bridge, const Args& args) {
+           return bridge.markCells(texts(args[0]), integers(*args[1].array()));
+         }},
+    {.name = "clearMarks",
+     .seconds = 25,
+     .accepts = anything,
+     .run = [](Bridge& bridge, const Args&) { return bridge.clearMarks(); }},
+    {.name = "reveal",
+     .seconds = 3,
+     .movesSelection = true,
+     .accepts = startsWithTextsNotNone,
+     .run = [](Bridge& bridge, const Args& args) { return bridge.reveal(texts(args[0])); }},
+
+    {"log", AnsweredBy::panel},
+    {"getHighlightColor", AnsweredBy::panel},
+    {"setHighlightColor", AnsweredBy::panel},
+    {"isWelcomed", AnsweredBy::panel},
+    {"setWelcomed", AnsweredBy::panel},
+    {"setPanelWidth", AnsweredBy::panel},
+    {"hidePanel", AnsweredBy::panel},
+    {"focusExcel", AnsweredBy::panel},
+    {"setConventions", AnsweredBy::panel},
+
+    {"getSettings", AnsweredBy::application},
+    {"setSetting", AnsweredBy::application},
+    {"pauseHotKeys", AnsweredBy::application},
+    {"checkForUpdates", AnsweredBy::application},
+    {"quittingDrawn", AnsweredBy::application},
+
+    {"loadReview", AnsweredBy::files},
+    {"saveReview", AnsweredBy::files},
+    {"saveReport", AnsweredBy::files},
 };
 
 }  // namespace
 
+std::span<const Verb> verbs() {
+  return table;
+}
+
 const Verb* findVerb(std::string_view name) {
-  const auto* const found = std::find_if(std::begin(verbs), std::end(verbs),
+  const auto* const found = std::find_if(std::begin(table), std::end(table),
                                          [name](const Verb& verb) { return verb.name == name; });
-  return found == std::end(verbs) ? nullptr : found;
+  return found == std::end(table) ? nullptr : found;
 }
 
 }  // namespace quorin

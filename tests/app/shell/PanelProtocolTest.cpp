@@ -1,3 +1,4 @@
+#include "kit/bridge/Verbs.h"
 #include "tests/app/shell/ShellFixture.h"
 
 namespace quorin {
@@ -243,6 +244,25 @@ TEST_F(PanelProtocolTest, ComparesVerbsLetterByLetter) {
   post(Object{{"id", 2}, {"verb", "log "}});
   queue.runAll();
   EXPECT_THAT(takeJournal(), ElementsAre("dispatch Log []", "dispatch log  []"));
+}
+
+TEST_F(PanelProtocolTest, AsksTheBridgeWhatTheTableLeavesToIt) {
+  panel->setOnApplicationVerb([](const std::string&, const Array&) {
+    return PanelBridge::Reply{true, nullptr};
+  });
+  for (const Verb& verb : verbs()) {
+    post(Object{{"id", 1}, {"verb", std::string(verb.name)}});
+    queue.runAll();
+    const bool asked = verb.answeredBy == AnsweredBy::bridge;
+    EXPECT_EQ(takeJournal() == Journal{"dispatch " + std::string(verb.name) + " []"}, asked)
+        << verb.name;
+  }
+}
+
+TEST_F(PanelProtocolTest, LeavesTheApplicationsVerbsToTheBridgeWhileNobodyAnswersThem) {
+  post(Object{{"id", 1}, {"verb", "getSettings"}});
+  queue.runAll();
+  EXPECT_THAT(takeJournal(), ElementsAre("dispatch getSettings []"));
 }
 
 TEST_F(PanelProtocolTest, AnswersBridgeVerbsInTheOrderOfTheirRequests) {
