@@ -102,9 +102,9 @@ void AppDelegate::startFollowing(const QXConfig& config) {
 
 void AppDelegate::connectCallbacks() {
   parts_.bridge.setOnActivatedCell(
-      [this, alive = std::weak_ptr(alive_), &loop = parts_.platform.mainLoop()](
-          const std::string& book, const std::string& sheet, const std::string& address) {
-        loop.post([this, alive, cell = PolledCell{book, sheet, address}] {
+      [this, alive = std::weak_ptr(alive_),
+       &loop = parts_.platform.mainLoop()](const BridgeShapes::CellPlace& cell) {
+        loop.post([this, alive, cell] {
           if (!alive.expired()) poller_->setBaseline(cell);
         });
       });

@@ -5,6 +5,8 @@
 
 namespace quorin {
 
+using BridgeShapes::CellPlace;
+
 namespace {
 
 constexpr std::chrono::milliseconds quietPeriod{500};
@@ -94,7 +96,7 @@ void Poller::finish(const Outcome& outcome) {
   }
   failures_ = 0;
   if (adoptBaseline()) return;
-  std::optional<PolledCell> cell = cellOf(*outcome);
+  std::optional<CellPlace> cell = BridgeShapes::cellPlace(*outcome);
   if (!cell || cell == last_) return;
   last_ = std::move(cell);
   endTicksSoon();  // the selection has moved
@@ -104,7 +106,8 @@ void Poller::finish(const Outcome& outcome) {
 void Poller::seedBaseline() {
   poll([this](const Outcome& outcome) {
     if (!outcome) return;
-    if (std::optional<PolledCell> cell = cellOf(*outcome)) baseline_ = std::move(cell);
+    if (std::optional<CellPlace> cell = BridgeShapes::cellPlace(*outcome))
+      baseline_ = std::move(cell);
   });
 }
 
@@ -130,16 +133,6 @@ Poller::Outcome Poller::ask(PanelBridge& bridge) {
   } catch (...) {
     return std::nullopt;
   }
-}
-
-std::optional<PolledCell> Poller::cellOf(const JSONValue& value) {
-  const auto text = [&](const char* key) -> const std::string* {
-    const JSONValue* member = value.member(key);
-    return member ? member->string() : nullptr;
-  };
-  const std::string *book = text("book"), *sheet = text("sheet"), *address = text("addr");
-  if (!book || !sheet || !address) return std::nullopt;
-  return PolledCell{*book, *sheet, *address};
 }
 
 }  // namespace quorin

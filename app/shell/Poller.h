@@ -17,14 +17,9 @@
 #include <string>
 
 #include "app/shell/Panel.h"
+#include "kit/shapes/CellPlace.h"
 
 namespace quorin {
-
-// A cell as Excel names it. Compared by its bytes.
-struct PolledCell {
-  std::string book, sheet, address;
-  bool operator==(const PolledCell&) const = default;
-};
 
 // True if Excel is the application in front.
 bool excelIsFrontmost(const Workspace& workspace);
@@ -43,7 +38,7 @@ class Poller {
   void seedBaseline();
 
   // Takes this cell as known; the next tick or poll adopts it without a word to the page.
-  void setBaseline(PolledCell cell) { baseline_ = std::move(cell); }
+  void setBaseline(BridgeShapes::CellPlace cell) { baseline_ = std::move(cell); }
 
   bool paused() const { return paused_; }
   void setPaused(bool paused) { paused_ = paused; }
@@ -52,8 +47,6 @@ class Poller {
   // The answer of a poll; none when it failed. On the bridge queue.
   using Outcome = std::optional<JSONValue>;
   static Outcome ask(PanelBridge& bridge);
-  // None when it is not that of a cell.
-  static std::optional<PolledCell> cellOf(const JSONValue& value);
 
  private:
   bool isUseful() const;
@@ -74,7 +67,7 @@ class Poller {
   std::unique_ptr<Timer> soon_;  // while ticks after the user's input are due
   std::size_t ticksSoon_ = 0;    // of them, those that have been
   bool nudgedAgain_ = false;
-  std::optional<PolledCell> last_, baseline_;
+  std::optional<BridgeShapes::CellPlace> last_, baseline_;
   int failures_ = 0;
   bool paused_ = false;
   bool inFlight_ = false;

@@ -31,15 +31,15 @@ void SelectionSign::tick() {
   panel_.bridgeQueue().post(
       [this, &bridge = bridge_, &loop = platform_.mainLoop(), alive = std::weak_ptr(alive_)] {
         loop.post([this, alive, outcome = Poller::ask(bridge)] {
-          if (!alive.expired()) told(outcome ? Poller::cellOf(*outcome) : std::nullopt);
+          if (!alive.expired()) told(outcome ? BridgeShapes::cellPlace(*outcome) : std::nullopt);
         });
       });
 }
 
-void SelectionSign::told(const std::optional<PolledCell>& cell) {
+void SelectionSign::told(const std::optional<BridgeShapes::CellPlace>& cell) {
   inFlight_ = false;
   if (!cell || done_) return;
-  const std::optional<PolledCell> before = std::exchange(last_, cell);
+  const std::optional<BridgeShapes::CellPlace> before = std::exchange(last_, cell);
   const auto excel = platform_.workspace().frontmostApplication();
   if (!before || before == cell || !excel || panel_.isVisible()) return;
   done_ = true;

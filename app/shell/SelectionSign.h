@@ -29,7 +29,7 @@ class SelectionSign {
  private:
   void tick();
   void forget();
-  void told(const std::optional<PolledCell>& cell);
+  void told(const std::optional<BridgeShapes::CellPlace>& cell);
 
   AppPlatform& platform_;
   PanelBridge& bridge_;
@@ -37,7 +37,7 @@ class SelectionSign {
   const Poller& poller_;
   Handler handler_;
   std::unique_ptr<Timer> timer_;
-  std::optional<PolledCell> last_;
+  std::optional<BridgeShapes::CellPlace> last_;
   bool done_ = false;
   bool inFlight_ = false;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

@@ -6,6 +6,7 @@
 
 #include "kit/bridge/LoggedError.h"
 #include "kit/bridge/Verbs.h"
+#include "kit/shapes/CellPlace.h"
 #include "kit/support/Check.h"
 #include "kit/value/EventErrors.h"
 
@@ -90,14 +91,7 @@ void Bridge::touchProgrammaticNav() {
 
 void Bridge::publishLanded(const JSONValue& value) const {
   if (!onActivatedCell_) return;
-  const auto text = [&value](const char* key) -> const std::string* {
-    const JSONValue* const member = value.member(key);
-    return member ? member->string() : nullptr;
-  };
-  const std::string* const book = text("book");
-  const std::string* const sheet = text("sheet");
-  const std::string* const addr = text("addr");
-  if (book && sheet && addr) onActivatedCell_(*book, *sheet, *addr);
+  if (const auto place = BridgeShapes::cellPlace(value)) onActivatedCell_(*place);
 }
 
 JSONValue Bridge::fail(const std::string& kind, const std::string& message) {

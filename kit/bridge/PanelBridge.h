@@ -8,14 +8,14 @@
 #include <functional>
 #include <string>
 
+#include "kit/shapes/CellPlace.h"
 #include "kit/value/JSONValue.h"
 
 namespace quorin {
 
 class PanelBridge {
  public:
-  using ActivatedCell = std::function<void(const std::string& book, const std::string& sheet,
-                                           const std::string& address)>;
+  using ActivatedCell = std::function<void(const BridgeShapes::CellPlace& cell)>;
 
   // What a request is answered with. The payload of a failure is an error object, {"kind",
   // "message"} and perhaps "code".

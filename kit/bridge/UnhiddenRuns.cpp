@@ -5,6 +5,7 @@
 #include "kit/bridge/Bridge.h"
 #include "kit/bridge/LoggedError.h"
 #include "kit/bridge/RunArguments.h"
+#include "kit/shapes/CellPlace.h"
 #include "kit/shapes/HiddenRuns.h"
 
 namespace quorin {
@@ -23,14 +24,11 @@ std::string sizes(const HiddenRuns& runs, const std::string& sheet) {
 }  // namespace
 
 std::optional<Bridge::Position> Bridge::positionOf(const JSONValue& polled) {
-  const auto text = [&polled](const char* key) -> const std::string* {
-    const JSONValue* const member = polled.member(key);
-    return member ? member->string() : nullptr;
-  };
-  if (!text("book") || !text("sheet") || !text("addr")) return std::nullopt;
-  const std::optional<BridgeShapes::Rect> cell = BridgeShapes::areaRect(*text("addr"));
+  const std::optional<BridgeShapes::CellPlace> place = BridgeShapes::cellPlace(polled);
+  if (!place) return std::nullopt;
+  const std::optional<BridgeShapes::Rect> cell = BridgeShapes::areaRect(place->address);
   if (!cell) return std::nullopt;
-  return Position{*text("book"), *text("sheet"), cell->r1, cell->c1};
+  return Position{place->book, place->sheet, cell->r1, cell->c1};
 }
 
 // Hides again what is recorded but for the runs that hold the active cell or are to be shown.

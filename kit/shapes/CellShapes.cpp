@@ -82,15 +82,13 @@ JSONValue pollCellObject(const JSONValue& answer) {
   if (!items || items->size() != 3 || !(*items)[0].string() || !(*items)[1].string() ||
       !(*items)[2].string())
     throw ShapeError("pollCell payload has an unexpected shape");
-  return JSONValue::Object{{"book", (*items)[0]}, {"sheet", (*items)[1]}, {"addr", (*items)[2]}};
+  return payloadOf({*(*items)[0].string(), *(*items)[1].string(), *(*items)[2].string()});
 }
 
 CellPlace activePlace(const JSONValue& polled) {
-  const JSONValue* const book = polled.member("book");
-  const JSONValue* const sheet = polled.member("sheet");
-  if (!book || !sheet || !book->string() || !sheet->string())
-    throw ShapeError("pollCell gave no active sheet");
-  return {*book->string(), *sheet->string()};
+  std::optional<CellPlace> place = cellPlace(polled);
+  if (!place) throw ShapeError("pollCell gave no active sheet");
+  return *std::move(place);
 }
 
 }  // namespace quorin::BridgeShapes

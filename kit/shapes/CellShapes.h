@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "kit/shapes/CellPlace.h"
 #include "kit/value/JSONValue.h"
 
 namespace quorin::BridgeShapes {
@@ -24,13 +25,7 @@ JSONValue readCellObject(const JSONValue& answer);
 // {"book", "sheet", "addr"} of three texts, the address as Excel gave it. Throws ShapeError.
 JSONValue pollCellObject(const JSONValue& answer);
 
-struct CellPlace {
-  std::string book;
-  std::string sheet;
-  bool operator==(const CellPlace&) const = default;
-};
-
-// Where the active cell of a pollCell payload is. Throws ShapeError.
+// Where the active cell is, of a pollCell payload. Throws ShapeError.
 CellPlace activePlace(const JSONValue& polled);
 
 }  // namespace quorin::BridgeShapes

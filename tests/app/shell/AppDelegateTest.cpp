@@ -63,7 +63,7 @@ TEST_F(AppDelegateTest, TakesTheCellThatTheBridgeMovedToAsKnown) {
   platform.workspace().bringToFront(excel());
   settle();
   platform.webView().takeScripts();
-  bridge.activatedCell("Model.xlsx", "Debt", "$C$3");
+  bridge.activatedCell({"Model.xlsx", "Debt", "$C$3"});
   bridge.polls = 0;
   platform.mainLoop().runPosted();
   platform.mainLoop().advance(300ms);
@@ -395,7 +395,7 @@ TEST_F(AtTheEnd, IsNotKeptByAPageThatIsGone) {
 TEST_F(AppDelegateTest, LeavesNothingBehindThatCouldCallIt) {
   launched();
   platform.workspace().bringToFront(excel());
-  bridge.activatedCell("b", "s", "a");
+  bridge.activatedCell({"b", "s", "a"});
   delegate.reset();
   settle();
   platform.workspace().bringToFront(editor());

@@ -14,10 +14,9 @@ using testing::SizeIs;
 class Reveal : public MarksFixture {
  protected:
   Reveal() {
-    bridge_.setOnActivatedCell(
-        [this](const std::string& book, const std::string& sheet, const std::string& addr) {
-          heard_.push_back(book + "|" + sheet + "|" + addr);
-        });
+    bridge_.setOnActivatedCell([this](const BridgeShapes::CellPlace& cell) {
+      heard_.push_back(cell.book + "|" + cell.sheet + "|" + cell.address);
+    });
     excel_.returns("qx_revealscroll", Array{"Plan.xlsx", "Q2", "$B$2"});
     excel_.returns("qx_unhide", 1);
   }

@@ -23,10 +23,9 @@ class SelectionVerbs : public BridgeFixture {
   }
 
   void hearOfCells() {
-    bridge_.setOnActivatedCell(
-        [this](const std::string& book, const std::string& sheet, const std::string& addr) {
-          heard_.push_back(book + "|" + sheet + "|" + addr);
-        });
+    bridge_.setOnActivatedCell([this](const BridgeShapes::CellPlace& cell) {
+      heard_.push_back(cell.book + "|" + cell.sheet + "|" + cell.address);
+    });
   }
 
   std::vector<std::string> heard_;

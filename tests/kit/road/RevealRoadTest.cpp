@@ -35,10 +35,9 @@ TEST_F(RevealRoad, ScrollsWithAMargin) {
 
 TEST_F(RevealRoad, GoesToAnotherSheetWithoutSelecting) {
   std::string landed;
-  bridge_.setOnActivatedCell(
-      [&](const std::string& book, const std::string& sheet, const std::string& addr) {
-        landed = book + "|" + sheet + "|" + addr;
-      });
+  bridge_.setOnActivatedCell([&](const BridgeShapes::CellPlace& cell) {
+    landed = cell.book + "|" + cell.sheet + "|" + cell.address;
+  });
   EXPECT_EQ(reveal("Blank!C40"), R"({"activated":true,"revealed":true})");
   EXPECT_EQ(landed, "Known.xlsx|Blank|$A$1");
   EXPECT_EQ(memory_->activeSheet()->sheet, "Blank");

@@ -151,8 +151,26 @@ TEST(PollCellObject, RefusesAnyOtherShape) {
     EXPECT_EQ(messageOf(pollCellObject, answer), unexpected);
 }
 
-TEST(ActivePlace, WantsBookAndSheet) {
-  EXPECT_EQ(activePlace(Object{{"book", "b"}, {"sheet", "s"}, {"addr", 1}}), (CellPlace{"b", "s"}));
+TEST(CellPlace, IsReadFromThreeTextsAndWrittenAsThem) {
+  const CellPlace place{"b", "s", "$A$1"};
+  const JSONValue payload = Object{{"book", "b"}, {"sheet", "s"}, {"addr", "$A$1"}};
+  EXPECT_EQ(cellPlace(payload), place);
+  EXPECT_EQ(payloadOf(place), payload);
+  EXPECT_EQ(cellPlace(Object{{"book", "b"}, {"sheet", "s"}, {"addr", "$A$1"}, {"row", 1}}), place);
+  for (const char* key : {"book", "sheet", "addr"}) {
+    JSONValue other = payload;
+    (*other.object())[key] = 1;
+    EXPECT_EQ(cellPlace(other), std::nullopt) << key;
+    other.object()->erase(key);
+    EXPECT_EQ(cellPlace(other), std::nullopt) << key;
+  }
+  for (const JSONValue& other : {JSONValue(nullptr), JSONValue(Array{"b", "s", "$A$1"})})
+    EXPECT_EQ(cellPlace(other), std::nullopt);
+}
+
+TEST(ActivePlace, WantsAPlace) {
+  EXPECT_EQ(activePlace(Object{{"book", "b"}, {"sheet", "s"}, {"addr", "$A$1"}}),
+            (CellPlace{"b", "s", "$A$1"}));
   const auto messageFor = [](const JSONValue& polled) {
     return messageOf([](const JSONValue& value) { return JSONValue(activePlace(value).book); },
                      polled);
@@ -160,7 +178,7 @@ TEST(ActivePlace, WantsBookAndSheet) {
   for (const JSONValue& polled :
        {JSONValue(nullptr), JSONValue(Object{}), JSONValue(Object{{"book", "b"}}),
         JSONValue(Object{{"sheet", "s"}}), JSONValue(Object{{"book", 1}, {"sheet", "s"}}),
-        JSONValue(Object{{"book", "b"}, {"sheet", nullptr}})})
+        JSONValue(Object{{"book", "b"}, {"sheet", nullptr}, {"addr", "$A$1"}})})
     EXPECT_EQ(messageFor(polled), "pollCell gave no active sheet");
 }
 
