@@ -1,12 +1,12 @@
 // The panel's half of the page protocol: what the page asks, and who answers.
-#include <algorithm>
-#include <array>
 #include <cstdint>
+#include <vector>
 
 #include "app/shell/Panel.h"
 #include "kit/bridge/Verbs.h"
 #include "kit/support/ISO.h"
 #include "kit/support/QXConfig.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin {
 
@@ -16,16 +16,6 @@ const PanelBridge::Reply done{true, nullptr};
 
 PanelBridge::Reply failed(const char* text) {
   return {false, text};
-}
-
-// The number as an integer when it is one of the signed 64-bit range.
-std::optional<std::int64_t> integral(const JSONValue& value) {
-  constexpr double limit = 9223372036854775808.0;
-  const double* number = value.number();
-  if (!number || !(*number > -limit) || !(*number < limit)) return std::nullopt;
-  const auto integer = static_cast<std::int64_t>(*number);
-  if (static_cast<double>(integer) != *number) return std::nullopt;
-  return integer;
 }
 
 const JSONValue* argument(const JSONValue::Array& args, std::size_t index) {
@@ -143,14 +133,8 @@ PanelBridge::Reply Panel::saveWelcomed() {
 PanelBridge::Reply Panel::saveHighlightColor(const JSONValue::Array& args) {
   const JSONValue* rgb = argument(args, 0);
   if (!rgb || !rgb->array()) return failed("bad args");
-  decltype(QXConfig::highlightRGB) kept;
-  for (const JSONValue& element : *rgb->array()) {
-    if (const auto component = integral(element)) kept.push_back(*component);
-  }
-  const auto inRange = [](std::int64_t component) { return component >= 0 && component <= 255; };
-  if (kept.size() != 3 || !std::all_of(kept.begin(), kept.end(), inRange)) {
-    return failed("rgb must be three 0\u2026255 integers");
-  }
+  const std::vector<std::int64_t> kept = wholeNumbers(*rgb->array());
+  if (!isColour(kept)) return failed("rgb must be three 0\u2026255 integers");
   try {
     QXConfig::saveHighlightRGB(kept, parts_.config);
   } catch (const std::exception& error) {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "app/shell/Views.h"
-#include "kit/shapes/WholeNumber.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin {
 
@@ -36,7 +36,7 @@ PanelBridge::Reply refused(const std::string& sentence) {
 }
 
 std::optional<std::int64_t> atMost(const JSONValue* value, std::int64_t highest) {
-  const auto number = value ? BridgeShapes::wholeNumber(*value) : std::nullopt;
+  const auto number = value ? wholeNumber(*value) : std::nullopt;
   return number && *number >= 0 && *number <= highest ? number : std::nullopt;
 }
 

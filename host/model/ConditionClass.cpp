@@ -5,6 +5,7 @@
 #include "host/model/Codes.h"
 #include "host/model/ObjectClass.h"
 #include "kit/value/EventErrors.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin::host {
 namespace {
@@ -71,7 +72,7 @@ void setColor(Session& session, const InteriorObject& object, const Descriptor& 
     throw EventError(eventErrors::notModifiable, specifierOf(Object(object)));
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const auto part = value.items()[i].integerValue();
-    if (!part || *part < 0 || *part > 255)
+    if (!part || !isColourPart(*part))
       throw EventError(eventErrors::notModifiable, specifierOf(Object(object)));
     parts.at(i) = static_cast<int>(*part);
   }

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "kit/shapes/WholeNumber.h"
-
 namespace quorin {
 
 bool isText(const JSONValue::Array& args, std::size_t position) {
@@ -23,13 +21,6 @@ std::vector<std::string> texts(const JSONValue& list) {
     for (const JSONValue& item : *items)
       if (item.string()) texts.push_back(*item.string());
   return texts;
-}
-
-std::vector<std::int64_t> integers(const JSONValue::Array& list) {
-  std::vector<std::int64_t> integers;
-  for (const JSONValue& item : list)
-    if (const auto number = BridgeShapes::wholeNumber(item)) integers.push_back(*number);
-  return integers;
 }
 
 }  // namespace quorin

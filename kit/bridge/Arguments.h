@@ -1,7 +1,6 @@
 // Reading a verb's arguments. Pure functions for any thread.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,8 +16,5 @@ bool isTextList(const JSONValue::Array& args, std::size_t position);
 
 // The texts of an array.
 std::vector<std::string> texts(const JSONValue& list);
-
-// The elements that are numbers, integral and within the signed 64-bit range, in order.
-std::vector<std::int64_t> integers(const JSONValue::Array& list);
 
 }  // namespace quorin

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "kit/bridge/Arguments.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin {
 
@@ -50,10 +51,10 @@ bool isFormulaRequest(const Args& args) {
   return args.size() == 2 || args[2].boolean();
 }
 
-// Addresses and a colour. What is no integer among the colour's elements does not count.
+// Addresses and a colour. What is no whole number among the colour's elements does not count.
 bool isPaintRequest(const Args& args) {
   return args.size() == 2 && startsWithTextsNotNone(args) && args[1].array() &&
-         integers(*args[1].array()).size() == 3;
+         wholeNumbers(*args[1].array()).size() == 3;
 }
 
 constexpr Verb table[] = {
@@ -124,7 +125,7 @@ constexpr Verb table[] = {
      .accepts = isPaintRequest,
      .run =
          [](Bridge& bridge, const Args& args) {
-           return bridge.markCells(texts(args[0]), integers(*args[1].array()));
+           return bridge.markCells(texts(args[0]), wholeNumbers(*args[1].array()));
          }},
     {.name = "clearMarks",
      .seconds = 25,

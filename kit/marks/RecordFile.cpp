@@ -1,10 +1,10 @@
 #include "kit/marks/RecordFile.h"
 
 #include <cerrno>
-#include <cmath>
 
 #include "kit/value/JSONText.h"
 #include "kit/value/Marshal.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin {
 namespace {
@@ -88,11 +88,9 @@ const std::string& textMember(const JSONValue& record, std::string_view key) {
 }
 
 std::int64_t integerOf(const JSONValue& value, std::string_view what) {
-  const double* number = value.number();
-  if (!number || std::trunc(*number) != *number || !(std::abs(*number) < 0x1p63)) {
-    throw RecordError(std::string(what) + " is not an integer");
-  }
-  return static_cast<std::int64_t>(*number);
+  const std::optional<std::int64_t> number = wholeNumber(value);
+  if (!number) throw RecordError(std::string(what) + " is not an integer");
+  return *number;
 }
 
 const JSONValue* optionalMember(const JSONValue& record, std::string_view key) {

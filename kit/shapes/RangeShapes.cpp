@@ -7,9 +7,9 @@
 
 #include "kit/shapes/GridShapes.h"
 #include "kit/shapes/ShapeError.h"
-#include "kit/shapes/WholeNumber.h"
 #include "kit/value/Marshal.h"
 #include "kit/value/RealText.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin::BridgeShapes {
 

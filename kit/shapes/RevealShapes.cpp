@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "kit/shapes/ShapeError.h"
-#include "kit/shapes/WholeNumber.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin::BridgeShapes {
 

@@ -1,7 +1,5 @@
 // QXConfig's JSON form: decoding with migration and validation, encoding.
-#include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <limits>
 #include <tuple>
 #include <utility>
@@ -9,6 +7,7 @@
 #include "kit/support/LosslessJSON.h"
 #include "kit/support/QXConfig.h"
 #include "kit/value/JSONText.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin {
 namespace {
@@ -47,11 +46,10 @@ std::int64_t integer(const LosslessJSON& value, const std::string& key) {
   const auto parsed = std::from_chars(text->data(), end, result);
   if (parsed.ec == std::errc() && parsed.ptr == end) return result;
   const ParsedJSON other = parseJSON(*text);  // with a fraction or an exponent
-  const double* real = other ? other.value->number() : nullptr;
-  const bool integral = real && std::abs(*real) < 0x1p63 && std::trunc(*real) == *real &&
-                        parsed.ec != std::errc::result_out_of_range;
-  if (!integral) malformed("\"" + key + "\" is not an integer in range");
-  return static_cast<std::int64_t>(*real);
+  const auto whole = other ? wholeNumber(*other.value) : std::nullopt;
+  if (!whole || parsed.ec == std::errc::result_out_of_range)
+    malformed("\"" + key + "\" is not an integer in range");
+  return *whole;
 }
 
 // A key with null counts as missing, whichever it is.
@@ -86,11 +84,6 @@ void read(const Object& object, const std::string& key, std::optional<std::strin
   if (!value) return;
   if (!value->string()) malformed("\"" + key + "\" is not text");
   field = *value->string();
-}
-
-bool isColour(const std::vector<std::int64_t>& rgb) {
-  return rgb.size() == 3 && std::all_of(rgb.begin(), rgb.end(),
-                                        [](std::int64_t part) { return part >= 0 && part <= 255; });
 }
 
 LosslessJSON parseObject(std::string_view text) {

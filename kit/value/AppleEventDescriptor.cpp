@@ -1,9 +1,9 @@
 #include "kit/value/AppleEventDescriptor.h"
 
-#include <cmath>
 #include <utility>
 
 #include "kit/value/Unicode.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin {
 namespace {
@@ -167,11 +167,7 @@ std::optional<std::int64_t> AppleEventDescriptor::integerValue() const {
   if (type_ == typeBoolean || isCodeType(type_)) return std::nullopt;
   if (const auto* value = std::get_if<std::int64_t>(&data_)) return *value;
   const auto* value = std::get_if<double>(&data_);
-  // The bounds are the first doubles outside the range; -2^63 itself is inside.
-  if (!value || !(*value >= -0x1p63 && *value < 0x1p63) || std::trunc(*value) != *value) {
-    return std::nullopt;
-  }
-  return static_cast<std::int64_t>(*value);
+  return value ? wholeNumber(*value) : std::nullopt;
 }
 
 std::optional<double> AppleEventDescriptor::doubleValue() const {

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "host/Address.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -80,7 +81,7 @@ std::optional<Color> parseColor(std::string_view text) {
     const std::size_t comma = text.find(',');
     if ((comma == std::string_view::npos) != (i == parts.size() - 1)) return std::nullopt;
     const auto part = readNumber(text.substr(0, comma));
-    if (!part || *part < 0 || *part > 255) return std::nullopt;
+    if (!part || !isColourPart(*part)) return std::nullopt;
     parts.at(i) = *part;
     text.remove_prefix(comma == std::string_view::npos ? text.size() : comma + 1);
   }

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <exception>
 #include <utility>
 
 #include "host/Address.h"
 #include "kit/value/EventErrors.h"
+#include "kit/value/WholeNumber.h"
 
 namespace quorin::host::calc {
 namespace {
@@ -32,10 +32,9 @@ bool read(const JSONValue* value, std::string& text) {
 }
 
 bool read(const JSONValue* value, int& number) {
-  if (!value || !value->number()) return false;
-  const double real = *value->number();
-  if (!(real >= 0 && real <= maxRow) || std::trunc(real) != real) return false;
-  number = static_cast<int>(real);
+  const auto whole = value ? wholeNumber(*value) : std::nullopt;
+  if (!whole || *whole < 0 || *whole > maxRow) return false;
+  number = static_cast<int>(*whole);
   return true;
 }
 
