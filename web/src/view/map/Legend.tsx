@@ -104,14 +104,7 @@ function Entry(props: EntryProps): JSX.Element {
           <path d="m4 4 6 6m0-6-6 6" stroke={palette().halo} stroke-width="1.5" />
         </Show>
         <Show when={props.sign === 'finding'}>
-          <rect
-            x="1.5"
-            y="1.5"
-            width="11"
-            height="11"
-            fill={palette().blank}
-            stroke={palette().line}
-          />
+          <Square from={1.5} side={11} fill={palette().blank} edge={palette().line} />
           <path d="M13 1v8L5 1Z" fill={palette().finding} />
         </Show>
         <Show when={props.sign === 'here'}>
@@ -127,14 +120,7 @@ function Entry(props: EntryProps): JSX.Element {
           <path d="M0 7h14" stroke={palette().quiet} stroke-dasharray="3 2" />
         </Show>
         <Show when={props.sign === 'hidden'}>
-          <rect
-            x="1"
-            y="1"
-            width="12"
-            height="12"
-            fill={palette().around}
-            stroke={palette().line}
-          />
+          <Square from={1} side={12} fill={palette().around} edge={palette().line} />
           <rect x="1" y="1" width="3" height="12" fill={palette().quiet} />
         </Show>
         <Show when={props.sign === 'unread'}>
@@ -143,6 +129,19 @@ function Entry(props: EntryProps): JSX.Element {
       </svg>
       {props.text}
     </li>
+  );
+}
+
+function Square(props: { from: number; side: number; fill: string; edge: string }): JSX.Element {
+  return (
+    <rect
+      x={props.from}
+      y={props.from}
+      width={props.side}
+      height={props.side}
+      fill={props.fill}
+      stroke={props.edge}
+    />
   );
 }
 

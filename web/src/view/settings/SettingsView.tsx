@@ -98,17 +98,13 @@ export function SettingsView(props: {
               <h2 class="label" id="settings-following">
                 Following
               </h2>
-              <label class="setting">
-                <input
-                  type="checkbox"
-                  data-testid="set-following"
-                  checked={!props.paused}
-                  onChange={({ currentTarget: field }) => {
-                    void set('following', field.checked, (now) => (field.checked = now.following));
-                  }}
-                />
-                <span class="settingName">Follow the selection in {props.application}</span>
-              </label>
+              <Switch
+                name="following"
+                on={!props.paused}
+                set={(on, show) => set('following', on, (now) => show(now.following))}
+              >
+                Follow the selection in {props.application}
+              </Switch>
               <label class="setting">
                 <span class="settingName">Ask {props.application} for it every</span>
                 <select
@@ -156,21 +152,15 @@ export function SettingsView(props: {
               <h2 class="label" id="settings-program">
                 Program
               </h2>
-              <label class="setting">
-                <input
-                  type="checkbox"
-                  data-testid="set-login"
-                  checked={now().login.on}
-                  disabled={now().login.unavailable !== ''}
-                  onChange={({ currentTarget: field }) => {
-                    void set('login', field.checked, (now) => (field.checked = now.login.on));
-                  }}
-                />
-                <span class="settingName">
-                  Start at login
-                  <Show when={now().login.unavailable !== ''}> ({now().login.unavailable})</Show>
-                </span>
-              </label>
+              <Switch
+                name="login"
+                on={now().login.on}
+                disabled={now().login.unavailable !== ''}
+                set={(on, show) => set('login', on, (now) => show(now.login.on))}
+              >
+                Start at login
+                <Show when={now().login.unavailable !== ''}> ({now().login.unavailable})</Show>
+              </Switch>
               <div class="setting">
                 <button
                   type="button"
@@ -194,5 +184,29 @@ export function SettingsView(props: {
         )}
       </Show>
     </section>
+  );
+}
+
+/** A setting that is on or off. `set` has it changed, and tells with `show` what came of it. */
+function Switch(props: {
+  name: 'following' | 'login';
+  on: boolean;
+  disabled?: boolean;
+  set: (on: boolean, show: (on: boolean) => void) => Promise<void>;
+  children: JSX.Element;
+}): JSX.Element {
+  return (
+    <label class="setting">
+      <input
+        type="checkbox"
+        data-testid={`set-${props.name}`}
+        checked={props.on}
+        disabled={props.disabled}
+        onChange={({ currentTarget: field }) => {
+          void props.set(field.checked, (on) => (field.checked = on));
+        }}
+      />
+      <span class="settingName">{props.children}</span>
+    </label>
   );
 }
