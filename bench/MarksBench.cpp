@@ -155,7 +155,7 @@ int main() {
   const auto clear = [&] { require(road.bridge().dispatch("clearMarks", {})); };
   const auto hide = [&](const std::vector<Area>& rows, bool hidden) {
     road.use([&](CalcSpreadsheet& calc) {
-      calc.setHidden({{"Bench.fods", "Data"}, rows}, Lines::rows, hidden);
+      calc.setHidden({{"Bench.fods", "Data"}, rows}, Axis::rows, hidden);
     });
   };
   Rounds rounds;

@@ -173,24 +173,24 @@ int columnCount(const Area& area) {
   return area.lastColumn - area.firstColumn + 1;
 }
 
-int& firstLine(Area& area, Lines lines) {
-  return lines == Lines::rows ? area.firstRow : area.firstColumn;
+int& firstOn(Area& area, Axis axis) {
+  return axis == Axis::rows ? area.firstRow : area.firstColumn;
 }
-int& lastLine(Area& area, Lines lines) {
-  return lines == Lines::rows ? area.lastRow : area.lastColumn;
+int& lastOn(Area& area, Axis axis) {
+  return axis == Axis::rows ? area.lastRow : area.lastColumn;
 }
-int firstLine(const Area& area, Lines lines) {
-  return lines == Lines::rows ? area.firstRow : area.firstColumn;
+int firstOn(const Area& area, Axis axis) {
+  return axis == Axis::rows ? area.firstRow : area.firstColumn;
 }
-int lastLine(const Area& area, Lines lines) {
-  return lines == Lines::rows ? area.lastRow : area.lastColumn;
+int lastOn(const Area& area, Axis axis) {
+  return axis == Axis::rows ? area.lastRow : area.lastColumn;
 }
-int lineCount(const Area& area, Lines lines) {
-  return lastLine(area, lines) - firstLine(area, lines) + 1;
+int countOn(const Area& area, Axis axis) {
+  return lastOn(area, axis) - firstOn(area, axis) + 1;
 }
 
-Area wholeLines(Area area, Lines lines) {
-  const bool rows = lines == Lines::rows;
+Area wholeRows(Area area, Axis axis) {
+  const bool rows = axis == Axis::rows;
   (rows ? area.firstColumn : area.firstRow) = 1;
   (rows ? area.lastColumn : area.lastRow) = rows ? maxColumn : maxRow;
   return area;

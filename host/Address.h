@@ -47,13 +47,13 @@ std::string addressText(const std::vector<Area>& areas, const AddressStyle& styl
 int rowCount(const Area& area);
 int columnCount(const Area& area);
 // The numbers of an area's rows, or of its columns.
-int& firstLine(Area& area, Lines lines);
-int& lastLine(Area& area, Lines lines);
-int firstLine(const Area& area, Lines lines);
-int lastLine(const Area& area, Lines lines);
-int lineCount(const Area& area, Lines lines);
+int& firstOn(Area& area, Axis axis);
+int& lastOn(Area& area, Axis axis);
+int firstOn(const Area& area, Axis axis);
+int lastOn(const Area& area, Axis axis);
+int countOn(const Area& area, Axis axis);
 // The rows or columns that the area touches, in their whole length.
-Area wholeLines(Area area, Lines lines);
+Area wholeRows(Area area, Axis axis);
 long long cellCount(const std::vector<Area>& areas);  // overlapping cells count each time
 std::optional<Area> intersection(const Area& a, const Area& b);
 bool touch(const std::vector<Area>& a, const std::vector<Area>& b);  // have a cell in common

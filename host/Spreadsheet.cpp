@@ -21,11 +21,11 @@ std::vector<DefinedName> Spreadsheet::definedNames(const std::string&) {
   refuse("list its names");
 }
 
-std::optional<bool> Spreadsheet::hidden(const RangeRef&, Lines) {
+std::optional<bool> Spreadsheet::hidden(const RangeRef&, Axis) {
   refuse("tell what is hidden");
 }
 
-void Spreadsheet::setHidden(const RangeRef&, Lines, bool) {
+void Spreadsheet::setHidden(const RangeRef&, Axis, bool) {
   refuse("hide rows and columns");
 }
 

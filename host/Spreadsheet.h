@@ -82,7 +82,7 @@ enum class DependentLevels { direct, all };
 // The result of evaluating an expression: a value, a rectangle of values, or a reference.
 using Evaluation = std::variant<CellValue, Grid<CellValue>, RangeRef>;
 
-enum class Lines { rows, columns };
+enum class Axis { rows, columns };
 
 // A name of the workbook, or of one of its sheets.
 struct DefinedName {
@@ -202,9 +202,9 @@ class Spreadsheet {
 
   // True if the rows or columns that the areas touch are hidden, by the user, a filter or an
   // outline; nothing when some are and some are not.
-  virtual std::optional<bool> hidden(const RangeRef& range, Lines lines);
+  virtual std::optional<bool> hidden(const RangeRef& range, Axis axis);
   // Hides or shows all of them. Leaves the undo list and the modified flag as they are.
-  virtual void setHidden(const RangeRef& range, Lines lines, bool hidden);
+  virtual void setHidden(const RangeRef& range, Axis axis, bool hidden);
   // The range without its hidden rows and columns, cut into as few areas as that takes, row by row
   // and each row from left to right. Nothing when no cell of it is shown.
   virtual std::optional<RangeRef> visibleCells(const RangeRef& range);

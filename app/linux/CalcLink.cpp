@@ -3,7 +3,7 @@
 #include "host/calc/CalcRunner.h"
 #include "host/calc/office/CalcApplication.h"
 #include "host/calc/office/RunningOffice.h"
-#include "kit/marks/ShownLinesFile.h"
+#include "kit/marks/ShownRowsFile.h"
 #include "kit/support/QXConfig.h"
 
 namespace quorin {
@@ -18,7 +18,7 @@ CalcLink::CalcLink() : office_(std::make_shared<RunningOffice>()) {}
 
 ScriptRunnerFactory CalcLink::runnerFactory(DiagLog& log) const {
   return [office = office_, &log](const CallThreadPost& post) -> std::unique_ptr<ScriptRunner> {
-    const ShownLinesFile traces(QXConfig::defaultURL().parent_path(), FileSystem::real(), &log);
+    const ShownRowsFile traces(QXConfig::defaultURL().parent_path(), FileSystem::real(), &log);
     CalcOptions options;
     options.traces = TraceKeeping::in(traces);
     options.notice = [&log](const std::string& text) { log.log("UNHIDE", text); };

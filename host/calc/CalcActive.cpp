@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/calc/cells/CalcLines.h"
+#include "host/calc/cells/CalcRows.h"
 #include "host/calc/workbook/CalcView.h"
 
 namespace quorin::host::calc {

@@ -22,8 +22,8 @@ namespace {
 
 constexpr const char* opened = "made visible by the user";
 
-Area areaOf(Lines kind, int number) {
-  return kind == Lines::rows ? Area{number, 1, number, maxColumn} : Area{1, number, maxRow, number};
+Area areaOf(Axis axis, int number) {
+  return axis == Axis::rows ? Area{number, 1, number, maxColumn} : Area{1, number, maxRow, number};
 }
 
 }  // namespace
@@ -33,7 +33,7 @@ using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
 
 CalcSession::CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
-                         std::function<void()> keeperLost, LineTraces* traces,
+                         std::function<void()> keeperLost, RowTraces* traces,
                          const CallLimits* limits)
     : connection_(office, patience),
       desktop_(css::frame::Desktop::create(connection_.context())),
@@ -117,7 +117,7 @@ bool CalcSession::takeBack(Unreachable what) {
   attempt([&] { books = workbooks_.names(); });
   for (const std::string& book : books) {
     attempt([&] { removeUnreachableMarks(book); });
-    if (what == Unreachable::all) attempt([&] { hideUnreachableLines(book); });
+    if (what == Unreachable::all) attempt([&] { hideUnreachableRows(book); });
   }
   releaseConditions();
   return done;
@@ -171,73 +171,73 @@ void CalcSession::takeBackUnprotected(const std::string& book) {
     if (!marks.empty()) conditions({book, sheet}).removeMarks();
   }
   const auto entries = shown_.entries(workbook(book));
-  hideShownLines(changes_, workbook(book), entries, entries);
-  shown_.set(entries, ShownLines::State::over);
+  hideShownRows(changes_, workbook(book), entries, entries);
+  shown_.set(entries, ShownRows::State::over);
   tidyNotes(changes_, workbook(book), shown_);
 }
 
-void CalcSession::hideLeftLines() {
-  if (!std::exchange(linesLeft_, false)) return;
+void CalcSession::hideLeftRows() {
+  if (!std::exchange(rowsLeft_, false)) return;
   try {
-    for (const std::string& book : workbooks_.names()) hideUnreachableLines(book);
+    for (const std::string& book : workbooks_.names()) hideUnreachableRows(book);
   } catch (const SpreadsheetError&) {
-    linesLeft_ = true;
+    rowsLeft_ = true;
   } catch (const css::uno::Exception&) {
-    linesLeft_ = true;
+    rowsLeft_ = true;
   }
   releaseConditions();
 }
 
 // But for those that the user is looking at. What is on a sheet that was removed is left until the
 // sheet comes back, or we end.
-void CalcSession::hideUnreachableLines(const std::string& book) {
+void CalcSession::hideUnreachableRows(const std::string& book) {
   const auto window = workbooks_.active();
   const RangeRef cell = window ? activeCellOf(*window) : RangeRef();
   const Workbook itself = workbook(book);
   const auto entries = shown_.entries(itself);
-  ShownLines::Entries due;
-  for (const ShownLines::Entry& each : entries) {
+  ShownRows::Entries due;
+  for (const ShownRows::Entry& each : entries) {
     if (!each.place && !each.isOver()) forgetTrace(each.asked);
     if (!each.place) continue;
     const SheetRef sheet{book, each.place->name};
     if (each.asked.sheet == sheet) continue;
     const bool isLookedAt =
-        cell.sheet == sheet && touch(cell.areas, {areaOf(each.asked.kind, each.place->number)});
-    linesLeft_ = linesLeft_ || isLookedAt;
+        cell.sheet == sheet && touch(cell.areas, {areaOf(each.asked.axis, each.place->number)});
+    rowsLeft_ = rowsLeft_ || isLookedAt;
     if (!isLookedAt) due.push_back(each);
   }
   if (due.empty()) return;
   takeTurn(itself, false);
-  for (const HiddenLines& each : hideShownLines(changes_, itself, due, entries).lines)
-    linesChanged({book, each.name});
+  for (const HiddenRows& each : hideShownRows(changes_, itself, due, entries).rows)
+    rowsChanged({book, each.name});
   shown_.forget(due);
   tidyNotes(changes_, itself, shown_);
-  for (const ShownLines::Entry& each : due) forgetTrace(each.asked);
+  for (const ShownRows::Entry& each : due) forgetTrace(each.asked);
 }
 
-std::vector<CalcSession::VisibleLine> CalcSession::setHidden(
-    const std::vector<LineRequest>& requests) {
+std::vector<CalcSession::VisibleRow> CalcSession::setHidden(
+    const std::vector<RowRequest>& requests) {
   const struct Release {
     CalcSession& office;
     ~Release() {
-      if (!office.keeping_) office.lines_.clear();
+      if (!office.keeping_) office.rows_.clear();
       office.releaseConditions();
     }
   } release{*this};
-  std::vector<VisibleLine> visible;
+  std::vector<VisibleRow> visible;
   for (auto first = requests.begin(); first != requests.end();) {
-    const AskedLine& line = first->line;
+    const AskedRow& row = first->row;
     const bool hides = first->hide;
     std::vector<int> numbers;
     auto end = first;
-    for (; end != requests.end() && end->hide == hides && end->line.kind == line.kind &&
-           end->line.sheet == line.sheet;
+    for (; end != requests.end() && end->hide == hides && end->row.axis == row.axis &&
+           end->row.sheet == row.sheet;
          ++end)
-      numbers.push_back(end->line.number);
+      numbers.push_back(end->row.number);
     if (hides) {
-      hide(line.sheet, line.kind, numbers, visible);
+      hide(row.sheet, row.axis, numbers, visible);
     } else {
-      show(line.sheet, line.kind, numbers);
+      show(row.sheet, row.axis, numbers);
     }
     first = end;
   }
@@ -245,25 +245,25 @@ std::vector<CalcSession::VisibleLine> CalcSession::setHidden(
 }
 
 // Those that are visible already are not ours to hide, though a handler may ask for that later.
-void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers) {
+void CalcSession::show(const SheetRef& sheet, Axis axis, const std::vector<int>& numbers) {
   const Workbook book = workbook(sheet.book);
-  LineStates states(sheetOf(book, sheet.sheet), kind);
+  RowStates states(sheetOf(book, sheet.sheet), axis);
   try {
     takeTurn(book, true);
   } catch (const SpreadsheetError& failure) {
     // Somebody has recorded them all the same, and what the user shows is not to be hidden.
     if (failure.number() == eventErrors::handlerFailed)
-      shown_.remember(book, sheet, kind, {}, states, {}, numbers);
+      shown_.remember(book, sheet, axis, {}, states, {}, numbers);
     throw;
   }
-  ShownLines::Entries outdated;
+  ShownRows::Entries outdated;
   std::set<int> known;
   std::vector<int> shown;
   const std::set<int> asked(numbers.begin(), numbers.end());
-  for (const ShownLines::Entry& each : shown_.entries(book)) {
-    if (each.place && !each.isOver() && each.asked.kind == kind && each.place->name == sheet.sheet)
+  for (const ShownRows::Entry& each : shown_.entries(book)) {
+    if (each.place && !each.isOver() && each.asked.axis == axis && each.place->name == sheet.sheet)
       shown.push_back(each.place->number);
-    if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
+    if (each.asked.axis != axis || each.asked.sheet != sheet || !asked.contains(each.asked.number))
       continue;
     const bool isThere =
         each.place && each.place->name == sheet.sheet && each.place->number == each.asked.number;
@@ -283,36 +283,36 @@ void CalcSession::show(const SheetRef& sheet, Lines kind, const std::vector<int>
   }
   if (traces_) {
     for (const int number : hidden) {
-      const Area area = areaOf(kind, number);
-      traces_->remember(sheet, area, kind, linesOf(sheet, kind).traceOf(area));
+      const Area area = areaOf(axis, number);
+      traces_->remember(sheet, area, axis, rowsOf(sheet, axis).traceOf(area));
     }
   }
   shown_.forget(outdated);
-  const std::string key = shown_.remember(book, sheet, kind, hidden, states, shown, visible);
+  const std::string key = shown_.remember(book, sheet, axis, hidden, states, shown, visible);
   if (!hidden.empty()) addNote(changes_, book, drawPageOf(sheetOf(book, sheet.sheet)), key);
   states.setHidden(changes_, book, hidden, false);
-  shown_.set(key, ShownLines::State::shown);
-  linesChanged(sheet);
+  shown_.set(key, ShownRows::State::shown);
+  rowsChanged(sheet);
 }
 
-void CalcSession::hide(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers,
-                       std::vector<VisibleLine>& visible) {
+void CalcSession::hide(const SheetRef& sheet, Axis axis, const std::vector<int>& numbers,
+                       std::vector<VisibleRow>& visible) {
   const Workbook book = workbook(sheet.book);
   const auto sheetItself = sheetOf(book, sheet.sheet);
   takeTurn(book, false);
   const auto entries = shown_.entries(book);
   const std::set<int> asked(numbers.begin(), numbers.end());
-  ShownLines::Entries known;
+  ShownRows::Entries known;
   std::set<int> remembered;
-  const LineStates states(sheetItself, kind);
-  const auto tell = [&](const ShownLines::Entry& entry) {
-    const bool isTaken = entry.state == ShownLines::State::taken && entry.place &&
+  const RowStates states(sheetItself, axis);
+  const auto tell = [&](const ShownRows::Entry& entry) {
+    const bool isTaken = entry.state == ShownRows::State::taken && entry.place &&
                          entry.place->name == sheet.sheet && !states.isHidden(entry.place->number);
-    if (isTaken || entry.state == ShownLines::State::opened)
+    if (isTaken || entry.state == ShownRows::State::opened)
       visible.push_back({entry.asked, opened});
   };
-  for (const ShownLines::Entry& each : entries) {
-    if (each.asked.kind != kind || each.asked.sheet != sheet || !asked.contains(each.asked.number))
+  for (const ShownRows::Entry& each : entries) {
+    if (each.asked.axis != axis || each.asked.sheet != sheet || !asked.contains(each.asked.number))
       continue;
     known.push_back(each);
     remembered.insert(each.asked.number);
@@ -320,52 +320,52 @@ void CalcSession::hide(const SheetRef& sheet, Lines kind, const std::vector<int>
     tell(each);
   }
   // In a workbook that was opened again since.
-  for (const ShownLines::Entry& each : shown_.entriesElsewhere(book, sheet, kind)) {
+  for (const ShownRows::Entry& each : shown_.entriesElsewhere(book, sheet, axis)) {
     if (!asked.contains(each.asked.number) || remembered.contains(each.asked.number)) continue;
     known.push_back(each);
     tell(each);
   }
-  for (const ShownLines::Entry& each : known) remembered.insert(each.asked.number);
+  for (const ShownRows::Entry& each : known) remembered.insert(each.asked.number);
   std::vector<int> byNumber;
   for (const int number : asked) {
     if (remembered.contains(number)) continue;
-    if (const auto found = tracedLine({sheet, kind, number})) {
+    if (const auto found = tracedRow({sheet, axis, number})) {
       byNumber.push_back(*found);
     } else {
-      visible.push_back({{sheet, kind, number}, "no longer told apart"});
+      visible.push_back({{sheet, axis, number}, "no longer told apart"});
     }
   }
-  const HiddenAgain again = hideShownLines(changes_, book, known, entries);
-  for (const ShownLines::Entry& each : again.opened) visible.push_back({each.asked, opened});
-  for (const HiddenLines& each : again.lines) linesChanged({sheet.book, each.name});
+  const HiddenAgain again = hideShownRows(changes_, book, known, entries);
+  for (const ShownRows::Entry& each : again.opened) visible.push_back({each.asked, opened});
+  for (const HiddenRows& each : again.rows) rowsChanged({sheet.book, each.name});
   if (!byNumber.empty()) {
-    LineStates(sheetItself, kind).setHidden(changes_, book, byNumber, true);
-    linesChanged(sheet);
+    RowStates(sheetItself, axis).setHidden(changes_, book, byNumber, true);
+    rowsChanged(sheet);
   }
   shown_.forget(known);
   if (!known.empty()) tidyNotes(changes_, book, shown_);
-  for (const int number : asked) forgetTrace({sheet, kind, number});
+  for (const int number : asked) forgetTrace({sheet, axis, number});
 }
 
-void CalcSession::forgetTrace(const AskedLine& line) {
-  if (traces_) traces_->forget(line.sheet, areaOf(line.kind, line.number), line.kind);
+void CalcSession::forgetTrace(const AskedRow& row) {
+  if (traces_) traces_->forget(row.sheet, areaOf(row.axis, row.number), row.axis);
 }
 
-// Where the line is in a workbook that was opened again since it was shown, told by what it holds;
+// Where the row is in a workbook that was opened again since it was shown, told by what it holds;
 // its own number where there is nothing to tell it by, and nothing when it is not to be found.
-std::optional<int> CalcSession::tracedLine(const AskedLine& line) {
-  const Area area = areaOf(line.kind, line.number);
-  const AreaTrace* const trace = traces_ ? traces_->find(line.sheet, area, line.kind) : nullptr;
-  if (!trace) return line.number;
-  const auto found = linesOf(line.sheet, line.kind).find(*trace, area);
-  return found ? std::optional(firstLine(*found, line.kind)) : std::nullopt;
+std::optional<int> CalcSession::tracedRow(const AskedRow& row) {
+  const Area area = areaOf(row.axis, row.number);
+  const AreaTrace* const trace = traces_ ? traces_->find(row.sheet, area, row.axis) : nullptr;
+  if (!trace) return row.number;
+  const auto found = rowsOf(row.sheet, row.axis).find(*trace, area);
+  return found ? std::optional(firstOn(*found, row.axis)) : std::nullopt;
 }
 
-SheetLines& CalcSession::linesOf(const SheetRef& sheet, Lines kind) {
-  const std::tuple key{sheet.book, sheet.sheet, kind};
-  const auto known = lines_.find(key);
-  if (known != lines_.end()) return known->second;
-  return lines_.try_emplace(key, workbook(sheet.book), sheet.sheet, kind).first->second;
+SheetRows& CalcSession::rowsOf(const SheetRef& sheet, Axis axis) {
+  const std::tuple key{sheet.book, sheet.sheet, axis};
+  const auto known = rows_.find(key);
+  if (known != rows_.end()) return known->second;
+  return rows_.try_emplace(key, workbook(sheet.book), sheet.sheet, axis).first->second;
 }
 
 void CalcSession::interrupt() {
@@ -373,10 +373,10 @@ void CalcSession::interrupt() {
   connection_.interrupt();
 }
 
-void CalcSession::linesChanged(const SheetRef& sheet) {
+void CalcSession::rowsChanged(const SheetRef& sheet) {
   if (!keeping_) return redrawMarks(sheet);
-  if (std::find(changedLines_.begin(), changedLines_.end(), sheet) == changedLines_.end())
-    changedLines_.push_back(sheet);
+  if (std::find(changedRows_.begin(), changedRows_.end(), sheet) == changedRows_.end())
+    changedRows_.push_back(sheet);
 }
 
 // What fails is left as it is drawn: the rows are what was asked for.
@@ -392,9 +392,9 @@ void CalcSession::redrawMarks(const SheetRef& sheet) {
 }
 
 void CalcSession::keepReadings(bool keep) {
-  for (const SheetRef& sheet : std::exchange(changedLines_, {})) redrawMarks(sheet);
+  for (const SheetRef& sheet : std::exchange(changedRows_, {})) redrawMarks(sheet);
   keeping_ = keep;
-  lines_.clear();
+  rows_.clear();
   endTurn();
   workbooks_.keepReading(keep);
 }

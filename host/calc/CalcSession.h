@@ -17,11 +17,11 @@
 #include "host/calc/marks/MarksKeeper.h"
 #include "host/calc/marks/SheetConditions.h"
 #include "host/calc/office/OfficeConnection.h"
-#include "host/calc/reveal/LineTraces.h"
-#include "host/calc/reveal/LinesBack.h"
-#include "host/calc/reveal/LinesNote.h"
-#include "host/calc/reveal/SheetLines.h"
-#include "host/calc/reveal/ShownLines.h"
+#include "host/calc/reveal/RowTraces.h"
+#include "host/calc/reveal/RowsBack.h"
+#include "host/calc/reveal/RowsNote.h"
+#include "host/calc/reveal/SheetRows.h"
+#include "host/calc/reveal/ShownRows.h"
 #include "host/calc/workbook/CalcWorkbooks.h"
 #include "host/calc/workbook/QuietChanges.h"
 
@@ -32,7 +32,7 @@ class CalcSession {
   // `keeperLost` is told on another thread when the marks keeper died: protectMarks() is due.
   // `traces` and `limits` outlive the session, or there are none.
   CalcSession(const OfficeAddress& office, std::chrono::milliseconds patience,
-              std::function<void()> keeperLost = {}, LineTraces* traces = nullptr,
+              std::function<void()> keeperLost = {}, RowTraces* traces = nullptr,
               const CallLimits* limits = nullptr);
 
   OfficeConnection& connection() { return connection_; }
@@ -54,28 +54,28 @@ class CalcSession {
     } release{*this};
     return work(conditions(sheet, adding));
   }
-  // Shows lines and remembers them, or hides those that were shown, wherever they are now, but for
-  // those that the user has made visible himself. What is known of a line by no means is told by
+  // Shows rows and remembers them, or hides those that were shown, wherever they are now, but for
+  // those that the user has made visible himself. What is known of a row by no means is told by
   // its number. Requests for one sheet that follow each other are one change. Gives what stays
   // visible.
-  struct LineRequest {
-    AskedLine line;
+  struct RowRequest {
+    AskedRow row;
     bool hide = false;
   };
-  struct VisibleLine {
-    AskedLine line;
+  struct VisibleRow {
+    AskedRow row;
     const char* why;
   };
-  std::vector<VisibleLine> setHidden(const std::vector<LineRequest>& requests);
+  std::vector<VisibleRow> setHidden(const std::vector<RowRequest>& requests);
   // Takes back what no request can reach any more: marks on the copy of a sheet or under a name
-  // that a workbook or a sheet had before, and shown lines under such a name when somebody looked
+  // that a workbook or a sheet had before, and shown rows under such a name when somebody looked
   // for it. False when some of it failed, and is to be done again.
   enum class Unreachable { marks, all };
   bool takeBack(Unreachable what);
-  // Shown lines that a look for them left visible, because the user had the cursor there, and that
+  // Shown rows that a look for them left visible, because the user had the cursor there, and that
   // no record knows: hides those that he has left.
-  void hideLeftLines();
-  // Has a keeper watch every workbook with marks or shown lines. Where none can be had they are all
+  void hideLeftRows();
+  // Has a keeper watch every workbook with marks or shown rows. Where none can be had they are all
   // taken back, for they would get into files. What fails else is left to the next turn.
   void protectMarks();
 
@@ -101,16 +101,16 @@ class CalcSession {
   void endTurn();
   std::vector<PlacedMark> marksOn(const SheetRef& sheet);
   void removeUnreachableMarks(const std::string& book);
-  void hideUnreachableLines(const std::string& book);
-  SheetLines& linesOf(const SheetRef& sheet, Lines kind);
-  void show(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers);
-  void hide(const SheetRef& sheet, Lines kind, const std::vector<int>& numbers,
-            std::vector<VisibleLine>& visible);
-  std::optional<int> tracedLine(const AskedLine& line);
-  void forgetTrace(const AskedLine& line);
+  void hideUnreachableRows(const std::string& book);
+  SheetRows& rowsOf(const SheetRef& sheet, Axis axis);
+  void show(const SheetRef& sheet, Axis axis, const std::vector<int>& numbers);
+  void hide(const SheetRef& sheet, Axis axis, const std::vector<int>& numbers,
+            std::vector<VisibleRow>& visible);
+  std::optional<int> tracedRow(const AskedRow& row);
+  void forgetTrace(const AskedRow& row);
   // Rows or columns were shown or hidden: the sheet's marks are drawn anew, at the latest when
   // readings are no longer kept.
-  void linesChanged(const SheetRef& sheet);
+  void rowsChanged(const SheetRef& sheet);
   void redrawMarks(const SheetRef& sheet);
 
   OfficeConnection connection_;  // first: it outlives the references below
@@ -121,19 +121,19 @@ class CalcSession {
   CalcNames names_;
   ScratchWorkbooks scratch_;
   QuietChanges changes_;
-  ShownLines shown_;
-  LineTraces* const traces_;
+  ShownRows shown_;
+  RowTraces* const traces_;
   const CallLimits noLimits_ = {};
   const CallLimits& limits_;  // of the call that is being answered
-  std::map<std::tuple<std::string, std::string, Lines>, SheetLines> lines_;  // while kept
+  std::map<std::tuple<std::string, std::string, Axis>, SheetRows> rows_;  // while kept
   std::shared_ptr<Workbook> asked_;  // keeps the last answer of workbook() valid
   MarksKeeper keeper_;
   std::vector<std::unique_ptr<SheetConditions>> earlier_;  // holds their shapes to the turn's end
   std::unique_ptr<SheetConditions> conditions_;            // of the sheet that was last asked for
   std::string turnWorkbook_;                               // its "RuntimeUID"
   std::optional<MarksKeeper::Turn> turn_;
-  std::vector<SheetRef> changedLines_;  // sheets, while readings are kept
-  bool linesLeft_ = false;              // there is something to do for hideLeftLines()
+  std::vector<SheetRef> changedRows_;  // sheets, while readings are kept
+  bool rowsLeft_ = false;              // there is something to do for hideLeftRows()
   bool keeping_ = false;
   std::string version_;
 };

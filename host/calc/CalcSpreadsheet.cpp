@@ -9,8 +9,8 @@
 #include "host/calc/OfficeCalls.h"
 #include "host/calc/cells/AreaGrid.h"
 #include "host/calc/cells/CalcCells.h"
-#include "host/calc/cells/CalcLines.h"
 #include "host/calc/cells/CalcLookup.h"
+#include "host/calc/cells/CalcRows.h"
 #include "host/calc/cells/CalcTexts.h"
 #include "host/calc/office/AskedNetwork.h"
 #include "host/calc/workbook/CalcRanges.h"
@@ -22,12 +22,12 @@ namespace quorin::host::calc {
 namespace {
 
 // "no longer told apart, stays visible: rows 12-12 sheet=Data"
-std::string visibleText(const CalcSession::VisibleLine& visible) {
-  const auto& [sheet, kind, line] = visible.line;
-  const std::string number = std::to_string(line);
+std::string visibleText(const CalcSession::VisibleRow& visible) {
+  const auto& [sheet, axis, position] = visible.row;
+  const std::string number = std::to_string(position);
   return std::string(visible.why) +
-         ", stays visible: " + (kind == Lines::rows ? "rows " : "columns ") + number + "-" +
-         number + " sheet=" + sheet.sheet;
+         ", stays visible: " + (axis == Axis::rows ? "rows " : "columns ") + number + "-" + number +
+         " sheet=" + sheet.sheet;
 }
 
 // Going anywhere in the user's workbooks puts those that are ours behind them.
@@ -57,7 +57,7 @@ void CalcSpreadsheet::quit() {
 
 template <typename Work>
 auto CalcSpreadsheet::call(Work work) {
-  setLines();
+  setRows();
   findings_.askedForMore();
   return office_->run([&](CalcSession& office) {
     const AskedNetwork network(office.connection().context(), limits_.terms().asked);
@@ -95,7 +95,7 @@ void CalcSpreadsheet::handlerEnds() {
   limits_.end();
   std::exception_ptr failure;
   try {
-    setLines();
+    setRows();
   } catch (const SpreadsheetError&) {
     failure = std::current_exception();
   }
@@ -104,7 +104,7 @@ void CalcSpreadsheet::handlerEnds() {
   takeBackUnreachable();
   if (CalcSession* const office = office_->session()) {
     office->scratch().closeAll();
-    office->hideLeftLines();
+    office->hideLeftRows();
   }
   inHandler_ = false;
   memory_.end();
@@ -153,7 +153,7 @@ void CalcSpreadsheet::activate() {
   });
 }
 
-// These two do not end what setHidden() has put off: a handler asks for names with each line.
+// These two do not end what setHidden() has put off: a handler asks for names with each row.
 std::vector<std::string> CalcSpreadsheet::workbooks() {
   const HandlerFindings::NamesAsked note(findings_);
   return memory_.workbooks(
@@ -304,14 +304,14 @@ std::vector<DefinedName> CalcSpreadsheet::definedNames(const std::string& book) 
   });
 }
 
-std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Lines lines) {
+std::optional<bool> CalcSpreadsheet::hidden(const RangeRef& range, Axis axis) {
   return call([&](CalcSession& office) {
-    return areHidden(office.workbook(range.sheet.book), range, lines, limits_);
+    return areHidden(office.workbook(range.sheet.book), range, axis, limits_);
   });
 }
 
-// A handler sets line after line, and a change of one costs the office as much as one of many.
-void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
+// A handler sets row after row, and a change of one costs the office as much as one of many.
+void CalcSpreadsheet::setHidden(const RangeRef& range, Axis axis, bool hide) {
   constexpr int mostAtATime = 1000;
   memory_.forget();
   findings_.askedForMore();
@@ -325,21 +325,21 @@ void CalcSpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
     return SheetRef{range.sheet.book, *its};
   });
   for (const Area& area : range.areas) {
-    if (lineCount(area, lines) > mostAtATime)
+    if (countOn(area, axis) > mostAtATime)
       throw SpreadsheetError(eventErrors::handlerFailed,
                              "No more than 1000 rows or columns at a time");
-    for (int number = firstLine(area, lines); number <= lastLine(area, lines); ++number)
-      lineRequests_.push_back({{sheet, lines, number}, hide});
+    for (int number = firstOn(area, axis); number <= lastOn(area, axis); ++number)
+      rowRequests_.push_back({{sheet, axis, number}, hide});
   }
-  if (!inHandler_) setLines();
+  if (!inHandler_) setRows();
 }
 
 // Does what setHidden() has put off.
-void CalcSpreadsheet::setLines() {
-  if (lineRequests_.empty()) return;
-  const auto requests = std::exchange(lineRequests_, {});
+void CalcSpreadsheet::setRows() {
+  if (rowRequests_.empty()) return;
+  const auto requests = std::exchange(rowRequests_, {});
   office_->run([&](CalcSession& office) {
-    for (const CalcSession::VisibleLine& each : office.setHidden(requests))
+    for (const CalcSession::VisibleRow& each : office.setHidden(requests))
       if (notice_) notice_(visibleText(each));
   });
 }

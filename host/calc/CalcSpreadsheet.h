@@ -16,7 +16,7 @@
 #include "host/calc/HandlerFindings.h"
 #include "host/calc/RequestMemory.h"
 #include "host/calc/office/OfficeSource.h"
-#include "host/calc/reveal/LineTraces.h"
+#include "host/calc/reveal/RowTraces.h"
 #include "host/calc/workbook/CallLimits.h"
 
 namespace quorin::host::calc {
@@ -26,10 +26,10 @@ class OfficeCalls;
 struct CalcOptions {
   // Bounds the wait for a first answer when connecting.
   std::chrono::milliseconds patience = std::chrono::seconds(5);
-  // Where it is kept what shown lines are told by when their workbook was closed and opened again.
+  // Where it is kept what shown rows are told by when their workbook was closed and opened again.
   // Without it they are then told by their numbers.
   TraceKeeping traces = {};
-  // Called on the call thread with the text of what the user's log is to say: which lines were to
+  // Called on the call thread with the text of what the user's log is to say: which rows were to
   // be hidden again and cannot be.
   std::function<void(const std::string&)> notice = {};
   // Posts work to the call thread, where it runs between handlers and only while the spreadsheet
@@ -81,8 +81,8 @@ class CalcSpreadsheet : public Spreadsheet {
   Evaluation evaluate(const std::string& expression, const SheetRef& from) override;
   std::optional<RangeRef> visibleRange() override;
   std::vector<DefinedName> definedNames(const std::string& book) override;
-  std::optional<bool> hidden(const RangeRef& range, Lines lines) override;
-  void setHidden(const RangeRef& range, Lines lines, bool hide) override;
+  std::optional<bool> hidden(const RangeRef& range, Axis axis) override;
+  void setHidden(const RangeRef& range, Axis axis, bool hide) override;
   std::optional<RangeRef> visibleCells(const RangeRef& range) override;
   std::vector<FormatCondition> formatConditions(const RangeRef& range) override;
   std::string addFormatCondition(const RangeRef& range, const std::string& formula) override;
@@ -99,7 +99,7 @@ class CalcSpreadsheet : public Spreadsheet {
   void protectMarks();
   void takeBackUnreachable();
   void flushTraces();
-  void setLines();
+  void setRows();
   template <typename Work>
   auto call(Work work);
   template <typename Work>
@@ -107,12 +107,12 @@ class CalcSpreadsheet : public Spreadsheet {
   template <typename Work>
   auto withConditions(const SheetRef& sheet, bool adding, Work work);
 
-  LineTraces traces_;
+  RowTraces traces_;
   RequestMemory memory_;
   CallLimits limits_;
   std::function<void(const std::string&)> notice_;  // or none
   HandlerFindings findings_;
-  std::vector<CalcSession::LineRequest> lineRequests_;  // while a handler runs
+  std::vector<CalcSession::RowRequest> rowRequests_;  // while a handler runs
   bool inHandler_ = false;
   // Not before then; none when nothing is to be done again.
   std::optional<std::chrono::steady_clock::time_point> takeBackAgain_;

@@ -1,4 +1,4 @@
-// HandlerFindings: whether a handler missed what it looked for, so that marks and shown lines may
+// HandlerFindings: whether a handler missed what it looked for, so that marks and shown rows may
 // be left under names that are gone. A handler that asked for names and for nothing else has. So
 // has one that found no mark where it looked: another sheet may have the name now. One that looks
 // for marks and makes none takes them away. Call thread.

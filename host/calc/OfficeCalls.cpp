@@ -7,7 +7,7 @@
 namespace quorin::host::calc {
 
 OfficeCalls::OfficeCalls(std::shared_ptr<OfficeSource> source, std::chrono::milliseconds patience,
-                         LineTraces& traces, RequestMemory& memory, const CallLimits& limits)
+                         RowTraces& traces, RequestMemory& memory, const CallLimits& limits)
     : source_(std::move(source)),
       patience_(patience),
       traces_(traces),

@@ -26,7 +26,7 @@ class OfficeCalls {
   // `patience` bounds the wait for a first answer when connecting. The traces, the limits and the
   // memory, which forgets what a call that failed has made doubtful, are the owner's.
   OfficeCalls(std::shared_ptr<OfficeSource> source, std::chrono::milliseconds patience,
-              LineTraces& traces, RequestMemory& memory, const CallLimits& limits);
+              RowTraces& traces, RequestMemory& memory, const CallLimits& limits);
   ~OfficeCalls();
 
   void onKeeperLost(std::function<void()> lost) { keeperLost_ = std::move(lost); }
@@ -73,7 +73,7 @@ class OfficeCalls {
 
   const std::shared_ptr<OfficeSource> source_;
   const std::chrono::milliseconds patience_;
-  LineTraces& traces_;
+  RowTraces& traces_;
   RequestMemory& memory_;
   const CallLimits& limits_;
   std::function<void()> keeperLost_;  // or none

@@ -62,12 +62,12 @@ Resolved hasFormula(Session& session, const RangeObject& object) {
   return Descriptor::missingValue();
 }
 
-std::optional<Lines> wholeLines(const RangeRef& range) {
+std::optional<Axis> axisOf(const RangeRef& range) {
   const auto all = [&range](auto fits) {
     return std::all_of(range.areas.begin(), range.areas.end(), fits);
   };
-  if (all([](const Area& area) { return columnCount(area) == maxColumn; })) return Lines::rows;
-  if (all([](const Area& area) { return rowCount(area) == maxRow; })) return Lines::columns;
+  if (all([](const Area& area) { return columnCount(area) == maxColumn; })) return Axis::rows;
+  if (all([](const Area& area) { return rowCount(area) == maxRow; })) return Axis::columns;
   return std::nullopt;
 }
 
@@ -101,17 +101,17 @@ Resolved areas(Session&, const RangeObject& object) {
 
 // Whole rows or columns say whether they are hidden: missing value when some are, and of cells.
 Resolved hidden(Session& session, const RangeObject& object) {
-  const auto lines = wholeLines(object.range);
-  if (!lines) return Descriptor::missingValue();
-  const auto answer = session.spreadsheet.hidden(object.range, *lines);
+  const auto axis = axisOf(object.range);
+  if (!axis) return Descriptor::missingValue();
+  const auto answer = session.spreadsheet.hidden(object.range, *axis);
   return answer ? Descriptor::boolean(*answer) : Descriptor::missingValue();
 }
 
 void setHidden(Session& session, const RangeObject& object, const Descriptor& value) {
-  const auto lines = wholeLines(object.range);
+  const auto axis = axisOf(object.range);
   const auto flag = value.booleanValue();
-  if (!lines || !flag) throw EventError(eventErrors::notModifiable, specifierOf(object.range));
-  session.spreadsheet.setHidden(object.range, *lines, *flag);
+  if (!axis || !flag) throw EventError(eventErrors::notModifiable, specifierOf(object.range));
+  session.spreadsheet.setHidden(object.range, *axis, *flag);
 }
 
 // Excel leaves text of more than 255 characters out without a word; nothing is cut here.

@@ -32,7 +32,7 @@ HiddenRuns shown(const RevealRead& read, const HiddenRuns& runs) {
 bool isTooMuch(const HiddenRuns& runs, DiagLog& log) {
   const std::int64_t rows = BridgeShapes::count(BridgeShapes::mergeRuns(runs.rows));
   const std::int64_t cols = BridgeShapes::count(BridgeShapes::mergeRuns(runs.cols));
-  if (rows <= UnhideStore::mostLines && cols <= UnhideStore::mostLines) return false;
+  if (rows <= UnhideStore::mostRows && cols <= UnhideStore::mostRows) return false;
   log.log("REVEAL", "unhide skipped reason=cap rows=" + std::to_string(rows) +
                         " cols=" + std::to_string(cols));
   return true;

@@ -35,11 +35,11 @@ Record decodeRecord(const JSONValue& value) {
 
 // What is more than can be right. Gives what the log has to say, or nothing.
 std::string dropWide(std::vector<Run>& runs, const std::string& key, const std::string& sheet) {
-  const std::int64_t lines = BridgeShapes::count(runs);
-  if (lines <= UnhideStore::mostLines) return {};
+  const std::int64_t rows = BridgeShapes::count(runs);
+  if (rows <= UnhideStore::mostRows) return {};
   runs.clear();
-  return "unhidden.json: dropped " + key + " of sheet=" + sheet + ": " + std::to_string(lines) +
-         " of at most " + std::to_string(UnhideStore::mostLines);
+  return "unhidden.json: dropped " + key + " of sheet=" + sheet + ": " + std::to_string(rows) +
+         " of at most " + std::to_string(UnhideStore::mostRows);
 }
 
 JSONValue encodeRuns(const std::vector<Run>& runs) {

@@ -30,7 +30,7 @@ class UnhideStore {
 
   // The most rows, and columns, of one sheet that are unhidden at a time. A record of more is none
   // of ours: hiding that many would take the sheet away and Excel's time with it.
-  static constexpr std::int64_t mostLines = 200;
+  static constexpr std::int64_t mostRows = 200;
 
   // unhidden.json in the folder of QXConfig::defaultURL.
   static std::filesystem::path defaultURL();
@@ -41,7 +41,7 @@ class UnhideStore {
   const std::filesystem::path& url() const { return file_.url(); }
 
   // Never fails. A file that cannot be read is empty; so is a malformed one, which stays as it is
-  // and is reported to the log. The rows or columns of a sheet that are more than mostLines are
+  // and is reported to the log. The rows or columns of a sheet that are more than mostRows are
   // left out, reported, and go from the file.
   Records load() const;
 

@@ -1,7 +1,7 @@
 // The contract of the port, on a real office.
 #include "tests/calc/CalcFixture.h"
 #include "tests/host/ConditionsContract.h"
-#include "tests/host/LinesContract.h"
+#include "tests/host/RowsContract.h"
 #include "tests/host/ScratchContract.h"
 
 namespace quorin::fakes {
@@ -28,7 +28,7 @@ std::unique_ptr<OpenSpreadsheet> openRulesInCalc() {
 
 INSTANTIATE_TEST_SUITE_P(Calc, SpreadsheetContract,
                          ::testing::Values(OpenSpreadsheetFactory{"Calc", &openInCalc}));
-INSTANTIATE_TEST_SUITE_P(Calc, LinesContract,
+INSTANTIATE_TEST_SUITE_P(Calc, RowsContract,
                          ::testing::Values(OpenSpreadsheetFactory{"Calc", &openInCalc}));
 INSTANTIATE_TEST_SUITE_P(Calc, ConditionsContract,
                          ::testing::Values(OpenSpreadsheetFactory{"Calc", &openRulesInCalc}));

@@ -157,9 +157,9 @@ class CalcCrash : public testing::Test {
       if (each.formula == "=\"QXZ\"=\"QXZ\"") marks.push_back(std::move(each));
     return marks;
   }
-  bool areHidden(const std::string& sheet, const std::string& lines) {
-    const Lines which = sheet == "One" ? Lines::rows : Lines::columns;
-    return calc_->hidden(on(sheet, lines), which) == true;
+  bool areHidden(const std::string& sheet, const std::string& rows) {
+    const Axis which = sheet == "One" ? Axis::rows : Axis::columns;
+    return calc_->hidden(on(sheet, rows), which) == true;
   }
 
   std::ptrdiff_t notesOn(const std::string& sheet) {
@@ -197,7 +197,7 @@ class CalcCrash : public testing::Test {
     }
     EXPECT_TRUE(areHidden("One", "6:7"));
     EXPECT_TRUE(areHidden("Two", "E:E"));
-    EXPECT_EQ(calc_->hidden(on("One", "5:8"), Lines::rows), std::nullopt);
+    EXPECT_EQ(calc_->hidden(on("One", "5:8"), Axis::rows), std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(store_.url()));
     EXPECT_FALSE(std::filesystem::exists(unhide_.url()));
     EXPECT_FALSE(std::filesystem::exists(folder_ / "shown-lines.json"));
@@ -314,7 +314,7 @@ TEST_F(CalcCrash, LeavesToTheNextProcessWhatIsItsWhileTheKeeperOfTheDeadOneWaits
       EXPECT_TRUE(marksOn("One").empty());
       EXPECT_EQ(marksOn("Two").size(), 1U);
       EXPECT_TRUE(areHidden("One", "6:7"));
-      EXPECT_EQ(calc_->hidden(on("Two", "E:E"), Lines::columns), false);
+      EXPECT_EQ(calc_->hidden(on("Two", "E:E"), Axis::columns), false);
       EXPECT_EQ(notesOn("Two"), 1);
       expectAllRecorded();
       return false;

@@ -190,9 +190,9 @@ TEST_F(CalcEvaluation, NoticesThatRowsAreShownOrHidden) {
   const SheetRef sums{"Sums.fods", "Sums"};
   const RangeRef second{sums, parseA1("A2").value()};
   calc().evaluate("SUBTOTAL(109,A1:A5)", sums);
-  calc().setHidden(second, Lines::rows, false);
+  calc().setHidden(second, Axis::rows, false);
   EXPECT_EQ(calc().evaluate("SUBTOTAL(109,A1:A5)", sums), Evaluation(CellValue(11.0)));
-  calc().setHidden(second, Lines::rows, true);
+  calc().setHidden(second, Axis::rows, true);
   EXPECT_EQ(calc().evaluate("SUBTOTAL(109,A1:A5)", sums), Evaluation(CellValue(9.0)));
 }
 

@@ -308,14 +308,14 @@ int hangUp(const std::string& pipe) {
 TEST_F(CalcFaults, ConnectsAgainToTheSameOffice) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(calc.evaluate("B2*2+A7", {"Known.xlsx", "Data"}), Evaluation(CellValue(45.0)));
-    calc.setHidden(cell("A9"), Lines::rows, i % 2 == 0);
-    EXPECT_EQ(calc.hidden(cell("A9"), Lines::rows), i % 2 == 0);
+    calc.setHidden(cell("A9"), Axis::rows, i % 2 == 0);
+    EXPECT_EQ(calc.hidden(cell("A9"), Axis::rows), i % 2 == 0);
     ASSERT_GT(hangUp(office->open().pipe), 0);
     // Some calls may fail until the end of the connection is noticed.
     ASSERT_TRUE(eventually([&] { return numberOf([&] { calc.values(cell("A7")); }) == 0; }, 60s));
     EXPECT_EQ(calc.values(cell("A7")).cells, std::vector<CellValue>{42.0});
     // The keeper of the connection that is gone hides what was shown through it.
-    EXPECT_TRUE(eventually([&] { return calc.hidden(cell("A9"), Lines::rows) == true; }, 60s));
+    EXPECT_TRUE(eventually([&] { return calc.hidden(cell("A9"), Axis::rows) == true; }, 60s));
   }
 }
 

@@ -67,7 +67,7 @@ TEST_F(CalcLimitsTest, EndsEveryKindOfWork) {
        }},
       {"names of cells",
        [](CalcSpreadsheet& calc) { calc.evaluate("INDIRECT(\"A\"&ROW(A1))+1", sheet); }},
-      {"hidden", [](CalcSpreadsheet& calc) { calc.hidden(cells("1:2,4:5,7:8"), Lines::rows); }},
+      {"hidden", [](CalcSpreadsheet& calc) { calc.hidden(cells("1:2,4:5,7:8"), Axis::rows); }},
       {"evaluate", [](CalcSpreadsheet& calc) { calc.evaluate("SUM(A1:B3000)+N1_", sheet); }},
       {"subtotal", [](CalcSpreadsheet& calc) { calc.evaluate("SUBTOTAL(9,A1:C3000)", sheet); }}};
   for (const auto& [name, work] : kinds) {

@@ -10,7 +10,7 @@
 
 #include "host/calc/CalcSpreadsheet.h"
 #include "host/dictionary/ExcelTerminology.h"
-#include "kit/marks/ShownLinesFile.h"
+#include "kit/marks/ShownRowsFile.h"
 #include "tests/kit/crash/Nursery.h"
 #include "tests/kit/crash/VictimWork.h"
 
@@ -58,11 +58,11 @@ class ToldSpreadsheet : public CalcSpreadsheet {
   std::optional<RangeRef> visibleRange() override {
     return told("visibleRange", [&] { return CalcSpreadsheet::visibleRange(); });
   }
-  std::optional<bool> hidden(const RangeRef& range, Lines lines) override {
-    return told("hidden", [&] { return CalcSpreadsheet::hidden(range, lines); });
+  std::optional<bool> hidden(const RangeRef& range, Axis axis) override {
+    return told("hidden", [&] { return CalcSpreadsheet::hidden(range, axis); });
   }
-  void setHidden(const RangeRef& range, Lines lines, bool hide) override {
-    told("setHidden", [&] { CalcSpreadsheet::setHidden(range, lines, hide); });
+  void setHidden(const RangeRef& range, Axis axis, bool hide) override {
+    told("setHidden", [&] { CalcSpreadsheet::setHidden(range, axis, hide); });
   }
   std::vector<FormatCondition> formatConditions(const RangeRef& range) override {
     return told("formatConditions", [&] { return CalcSpreadsheet::formatConditions(range); });
@@ -112,7 +112,7 @@ int main(int count, char** arguments) {
     host::calc::listening = &victim;
     serve(victim, folder, [&](FileSystem& files) {
       return std::make_unique<host::calc::ToldSpreadsheet>(
-          victim, office, host::calc::TraceKeeping::in(ShownLinesFile(folder, files, nullptr)));
+          victim, office, host::calc::TraceKeeping::in(ShownRowsFile(folder, files, nullptr)));
     });
     host::calc::listening = nullptr;
   });

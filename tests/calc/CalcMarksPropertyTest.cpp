@@ -2,11 +2,11 @@
 // there in two workbooks of one name: entering, undoing, inserting and deleting rows, filtering,
 // grouping, renaming, copying and deleting sheets, copying them to the other workbook, saving,
 // saving under another name, closing and opening again. At no time is anything hidden that was not,
-// or marked that the records do not account for, and in the end nothing is left: every line is
+// or marked that the records do not account for, and in the end nothing is left: every row is
 // hidden again that was, on whichever sheet and wherever the edits have moved it, and no sheet has
 // a mark. $QUORIN_SEQUENCES sets their number, $QUORIN_SEED where they begin.
 //
-// What the user has made of a line himself stays: filtering shows or hides each row of the filter
+// What the user has made of a row himself stays: filtering shows or hides each row of the filter
 // anew, and opening a group shows all of it, whoever had hidden it. A group all of whose rows we
 // had shown is no exception that he could see, but the office tells nobody that he has opened it:
 // they are hidden again. The copy of a sheet has hidden what the sheet had, without what we have
@@ -33,7 +33,7 @@ namespace quorin::host::calc {
 namespace {
 
 using Array = JSONValue::Array;
-using Line = std::pair<Lines, int>;
+using Row = std::pair<Axis, int>;
 
 int numberFrom(const char* variable, int otherwise) {
   const char* const text = std::getenv(variable);
@@ -50,8 +50,8 @@ class CalcMarksProperty : public testing::Test {
   static constexpr Span toFilter{12, 17}, toGroup{20, 23};
   struct Sheet {
     std::string name, otherName;
-    int labels = 0;              // that of row 1 was one more at first
-    std::set<Line> hidden = {};  // rows by their labels, columns by their numbers
+    int labels = 0;             // that of row 1 was one more at first
+    std::set<Row> hidden = {};  // rows by their labels, columns by their numbers
     bool isFiltered = false, isGrouped = false, isCollapsed = false, isCopy = false;
   };
   struct Book {
@@ -201,15 +201,15 @@ class CalcMarksProperty : public testing::Test {
     for (int row = first; row < first + count; ++row)
       hands_.enter(front().path, sheet.name, "H" + std::to_string(row),
                    std::to_string(++lastLabel_));
-    for (const Line& line : hiddenNow(sheet))
-      if (line.second > lastLabel_ - count) sheet.hidden.insert(line);
+    for (const Row& each : hiddenNow(sheet))
+      if (each.second > lastLabel_ - count) sheet.hidden.insert(each);
   }
 
   void removeRows(Sheet& sheet) {
     const int first = pick(1, labelled), count = pick(1, 3);
     const std::vector<int> labels = labelsOf(sheet);
     for (int row = first; row < first + count; ++row)
-      sheet.hidden.erase({Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)});
+      sheet.hidden.erase({Axis::rows, labels.at(static_cast<std::size_t>(row) - 1)});
     hands_.removeRows(front().path, sheet.name, first, count);
   }
 
@@ -229,12 +229,12 @@ class CalcMarksProperty : public testing::Test {
 
   // They are as the user has made them.
   void leaveToUser(Sheet& sheet, const Span& rowsNow) {
-    const std::set<Line> now = hiddenNow(sheet);
+    const std::set<Row> now = hiddenNow(sheet);
     const std::vector<int> labels = labelsOf(sheet);
     for (int row = rowsNow.first; row <= rowsNow.second; ++row) {
-      const Line line{Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)};
-      sheet.hidden.erase(line);
-      if (now.contains(line)) sheet.hidden.insert(line);
+      const Row each{Axis::rows, labels.at(static_cast<std::size_t>(row) - 1)};
+      sheet.hidden.erase(each);
+      if (now.contains(each)) sheet.hidden.insert(each);
     }
   }
 
@@ -259,14 +259,14 @@ class CalcMarksProperty : public testing::Test {
     if (sheet.isCopy || !place) return;
     const std::string cells =
         "A" + std::to_string(place->first) + ":A" + std::to_string(place->second);
-    const std::set<Line> before = hiddenNow(sheet);
+    const std::set<Row> before = hiddenNow(sheet);
     const std::vector<int> labels = labelsOf(sheet);
     bool isToBeSeen = false;
     for (int row = place->first - 1; row <= place->second + 1; ++row) {
-      const Line line{Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)};
+      const Row each{Axis::rows, labels.at(static_cast<std::size_t>(row) - 1)};
       const bool isBeside = row < place->first || row > place->second;
-      if (isBeside && sheet.hidden.contains(line)) return;
-      isToBeSeen = isToBeSeen || before.contains(line);
+      if (isBeside && sheet.hidden.contains(each)) return;
+      isToBeSeen = isToBeSeen || before.contains(each);
     }
     if (!std::exchange(sheet.isGrouped, true)) hands_.groupRows(front().path, sheet.name, cells);
     if (std::exchange(sheet.isCollapsed, !sheet.isCollapsed)) {
@@ -370,11 +370,11 @@ class CalcMarksProperty : public testing::Test {
     }
   }
 
-  std::set<Line> hiddenNow(const Sheet& sheet) {
+  std::set<Row> hiddenNow(const Sheet& sheet) {
     const std::vector<int> labels = labelsOf(sheet);
-    std::set<Line> now;
-    for (const int label : labels) now.insert({Lines::rows, label});
-    for (int column = 1; column <= columns; ++column) now.insert({Lines::columns, column});
+    std::set<Row> now;
+    for (const int label : labels) now.insert({Axis::rows, label});
+    for (int column = 1; column <= columns; ++column) now.insert({Axis::columns, column});
     const auto seen = [&](const std::string& cells) {
       std::vector<Area> areas;
       road_.use([&](CalcSpreadsheet& calc) {
@@ -384,10 +384,10 @@ class CalcMarksProperty : public testing::Test {
     };
     for (const Area& area : seen("H1:H" + std::to_string(lookedAt)))
       for (int row = area.firstRow; row <= area.lastRow; ++row)
-        now.erase({Lines::rows, labels.at(static_cast<std::size_t>(row) - 1)});
+        now.erase({Axis::rows, labels.at(static_cast<std::size_t>(row) - 1)});
     for (const Area& area : seen("A90:F90"))
       for (int column = area.firstColumn; column <= area.lastColumn; ++column)
-        now.erase({Lines::columns, column});
+        now.erase({Axis::columns, column});
     return now;
   }
 
@@ -415,8 +415,8 @@ class CalcMarksProperty : public testing::Test {
     const bool areMarked = marks() != 0;
     EXPECT_TRUE(!road_.store().load().empty() || !areMarked);
     for (const Sheet& sheet : front().sheets) {
-      for (const Line& line : hiddenNow(sheet))
-        EXPECT_TRUE(sheet.hidden.contains(line)) << sheet.name << " " << line.second;
+      for (const Row& each : hiddenNow(sheet))
+        EXPECT_TRUE(sheet.hidden.contains(each)) << sheet.name << " " << each.second;
     }
   }
 

@@ -236,12 +236,12 @@ TEST_F(CalcMarks, ComeAndGoOnAProtectedSheet) {
 
 TEST_F(CalcMarks, LieOnHiddenRowsToo) {
   const RangeRef rows{{"Known.xlsx", "Data"}, parseA1("5:6").value()};
-  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, true); });
+  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Axis::rows, true); });
   EXPECT_EQ(mark({"A5:A6", "C6"}), R"({"applied":2,"shadowed":false})");
   EXPECT_EQ(marked("Known.xlsx", "Data"), "$A$5:$A$6,$C$6");
   EXPECT_EQ(ask("clearMarks"), R"({"removed":2})");
   EXPECT_THAT(desk->hands.shapes("Known.xlsx", "Data"), IsEmpty());
-  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Lines::rows, false); });
+  desk->road.use([&](CalcSpreadsheet& calc) { calc.setHidden(rows, Axis::rows, false); });
 }
 
 TEST_F(CalcMarks, AreSeenOnceTheirRowsAreShown) {

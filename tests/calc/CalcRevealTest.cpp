@@ -58,14 +58,14 @@ class CalcReveal : public testing::Test {
   static std::string reveal(const std::string& address) {
     return ask("reveal", {Array{address}, 0});
   }
-  // How many of the first lines of the sheet are hidden.
+  // How many of the first rows of the sheet are hidden.
   static int hiddenOn(const std::string& sheet) {
     int count = 0;
     road->use([&](CalcSpreadsheet& calc) {
       for (int i = 1; i <= 30; ++i)
-        count += calc.hidden({{book, sheet}, {{i, 1, i, maxColumn}}}, Lines::rows) == true ? 1 : 0;
+        count += calc.hidden({{book, sheet}, {{i, 1, i, maxColumn}}}, Axis::rows) == true ? 1 : 0;
       for (int i = 1; i <= 10; ++i)
-        count += calc.hidden({{book, sheet}, {{1, i, maxRow, i}}}, Lines::columns) == true ? 1 : 0;
+        count += calc.hidden({{book, sheet}, {{1, i, maxRow, i}}}, Axis::columns) == true ? 1 : 0;
     });
     return count;
   }
@@ -132,7 +132,7 @@ TEST_F(CalcReveal, ScrollsThePaneBesideFrozenOnes) {
   EXPECT_EQ(reveal("C4"), R"({"revealed":false})");
 }
 
-TEST_F(CalcReveal, ShowsHiddenLinesOfAnotherSheet) {
+TEST_F(CalcReveal, ShowsHiddenRowsOfAnotherSheet) {
   hands->hideRows(book, "Two", "A5:A7");
   hands->hideColumns(book, "Two", "C1:D1");
   hands->setModified(book, false);
@@ -205,7 +205,7 @@ TEST_F(CalcReveal, LeavesWhatFollowsManyRowsAsItWas) {
   EXPECT_EQ(hands->stateOf(book), state);
 }
 
-// In a workbook where the office takes some 10 ms for each change of lines, and 100 ms while it
+// In a workbook where the office takes some 10 ms for each change of rows, and 100 ms while it
 // draws and computes after each. On a machine that is too busy for one call the next goes on.
 TEST_F(CalcReveal, ShowsAndHidesManyRowsOfALargeWorkbook) {
   const char* const told = std::getenv("QUORIN_WORKBOOKS");

@@ -11,7 +11,7 @@
 #include "host/calc/CalcRunner.h"
 #include "kit/bridge/Bridge.h"
 #include "kit/excel/Semaphore.h"
-#include "kit/marks/ShownLinesFile.h"
+#include "kit/marks/ShownRowsFile.h"
 #include "kit/value/Marshal.h"
 #include "tests/calc/ChangingOffice.h"
 #include "tests/fakes/LogLines.h"
@@ -37,13 +37,13 @@ class CalcRoad {
   }
 
   // Of the first rows, or columns, of a sheet: "5 6 7 ", "C D ".
-  std::string hiddenLines(const SheetRef& sheet, Lines kind) {
+  std::string hiddenRows(const SheetRef& sheet, Axis axis) {
     std::string text;
     onCallThread([&] {
       for (int i = 1; i <= 20; ++i) {
-        const bool rows = kind == Lines::rows;
+        const bool rows = axis == Axis::rows;
         const Area line = rows ? Area{i, 1, i, maxColumn} : Area{1, i, maxRow, i};
-        if (spreadsheet_->hidden({sheet, {line}}, kind) == true)
+        if (spreadsheet_->hidden({sheet, {line}}, axis) == true)
           text += (rows ? std::to_string(i) : columnLetters(i)) + " ";
       }
     });
@@ -70,7 +70,7 @@ class CalcRoad {
   ExcelThread& thread() { return thread_; }
   HighlightStore& store() { return store_; }
   UnhideStore& unhidden() { return unhide_; }
-  ShownLinesFile& traces() { return traces_; }
+  ShownRowsFile& traces() { return traces_; }
   PrivateOffice& office() { return *office_; }
   // As when the user starts Calc again; the first office ends.
   void startOfficeAnew() {
@@ -122,7 +122,7 @@ class CalcRoad {
   Running target_;
   HighlightStore store_{folder_ / "highlights.json", FileSystem::real(), &log_.log()};
   UnhideStore unhide_{folder_ / "unhidden.json", FileSystem::real(), &log_.log()};
-  ShownLinesFile traces_{folder_.path(), FileSystem::real(), &log_.log()};
+  ShownRowsFile traces_{folder_.path(), FileSystem::real(), &log_.log()};
   CallThreadPost post_;
   CalcSpreadsheet* spreadsheet_ = nullptr;
   ExcelThread thread_;

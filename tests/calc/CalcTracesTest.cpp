@@ -141,14 +141,14 @@ TEST_F(CalcTraces, LeavesTheWorkbookAsItWas) {
   EXPECT_NE(hands.stateOf("Known.xlsx").find("modified: 1"), std::string::npos);
 }
 
-TEST_F(CalcTraces, HidesAndShowsLinesWithoutATrace) {
+TEST_F(CalcTraces, HidesAndShowsRowsWithoutATrace) {
   const RangeRef cells{{"Known.xlsx", "Data"}, parseA1("B2:C3").value()};
   const auto hideAndShow = [&] {
-    for (const Lines lines : {Lines::rows, Lines::columns}) {
-      calc.setHidden(cells, lines, true);
-      EXPECT_EQ(calc.hidden(cells, lines), true);
-      calc.setHidden(cells, lines, false);
-      EXPECT_EQ(calc.hidden(cells, lines), false);
+    for (const Axis axis : {Axis::rows, Axis::columns}) {
+      calc.setHidden(cells, axis, true);
+      EXPECT_EQ(calc.hidden(cells, axis), true);
+      calc.setHidden(cells, axis, false);
+      EXPECT_EQ(calc.hidden(cells, axis), false);
     }
   };
   for (const bool modified : {false, true}) {
@@ -169,7 +169,7 @@ TEST_F(CalcTraces, TakesNoEditOfTheUsersForItsOwn) {
     for (; !over; ++rounds) {
       const std::string id = calc.addFormatCondition(cells, "=\"QXZ\"=\"QXZ\"");
       calc.setConditionFill(cells.sheet, id, Color{255, 0, 0});
-      calc.setHidden(cells, Lines::rows, rounds % 2 == 0);
+      calc.setHidden(cells, Axis::rows, rounds % 2 == 0);
       calc.deleteCondition(cells, id);
     }
   });

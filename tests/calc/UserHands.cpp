@@ -411,7 +411,7 @@ void UserHands::freeze(const std::string& book, int columns, int rows) {
       ->freezeAtPosition(columns, rows);
 }
 
-void UserHands::forgetShownLines() {
+void UserHands::forgetShownRows() {
   const Reference<css::container::XNameContainer> memory(objects_->connection.context(),
                                                          UNO_QUERY_THROW);
   for (const rtl::OUString& name : memory->getElementNames())

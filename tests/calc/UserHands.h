@@ -70,8 +70,8 @@ class UserHands {
   void endFilter(const std::string& book, const std::string& sheet, const std::string& cells);
   bool showsSheet(const std::string& book, const std::string& sheet);
   void freeze(const std::string& book, int columns, int rows);  // on the sheet on top
-  // As for an office that was started anew: nothing is remembered of lines that we have shown.
-  void forgetShownLines();
+  // As for an office that was started anew: nothing is remembered of rows that we have shown.
+  void forgetShownRows();
   void lockUndo(const std::string& book);  // as a process that died in the middle of a change
 
   // Everything of the workbook that a trace could be left in: undo and redo list, modified flag,

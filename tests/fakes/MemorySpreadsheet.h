@@ -89,8 +89,8 @@ class MemorySpreadsheet : public host::Spreadsheet, private FormulaContext {
   host::Grid<host::CellValue> localFormulas(const host::RangeRef& range) override;
   host::Grid<std::string> displayedTexts(const host::RangeRef& range) override;
   host::Evaluation evaluate(const std::string& expression, const host::SheetRef& from) override;
-  std::optional<bool> hidden(const host::RangeRef& range, host::Lines lines) override;
-  void setHidden(const host::RangeRef& range, host::Lines lines, bool hidden) override;
+  std::optional<bool> hidden(const host::RangeRef& range, host::Axis axis) override;
+  void setHidden(const host::RangeRef& range, host::Axis axis, bool hidden) override;
   std::optional<host::RangeRef> visibleCells(const host::RangeRef& range) override;
   std::vector<host::FormatCondition> formatConditions(const host::RangeRef& range) override;
   std::string addFormatCondition(const host::RangeRef& range, const std::string& formula) override;

@@ -9,19 +9,19 @@ namespace quorin::fakes {
 namespace {
 
 using host::Area;
+using host::Axis;
 using host::CellValue;
 using host::Grid;
-using host::Lines;
 using host::RangeRef;
 using host::SheetRef;
 using host::SpreadsheetError;
 
-// The last of `wanted` lines that a window shows from `first` on.
+// The last of `wanted` rows that a window shows from `first` on.
 int lastShown(int first, int wanted, int limit, const std::set<int>& hidden) {
-  int line = first;
-  for (; line < limit; ++line)
-    if (!hidden.contains(line) && --wanted == 0) break;
-  return line;
+  int row = first;
+  for (; row < limit; ++row)
+    if (!hidden.contains(row) && --wanted == 0) break;
+  return row;
 }
 
 CellDescription cellAt(int row, int column, CellValue value, std::string formula = {}) {
@@ -52,13 +52,13 @@ std::vector<host::DefinedName> MemorySpreadsheet::definedNames(const std::string
   return names;
 }
 
-std::optional<bool> MemorySpreadsheet::hidden(const RangeRef& range, Lines lines) {
+std::optional<bool> MemorySpreadsheet::hidden(const RangeRef& range, Axis axis) {
   enter("hidden", described(range));
   const MemorySheet& sheet = sheetOf(range.sheet);
-  const std::set<int>& hidden = lines == Lines::rows ? sheet.hiddenRows : sheet.hiddenColumns;
+  const std::set<int>& hidden = axis == Axis::rows ? sheet.hiddenRows : sheet.hiddenColumns;
   long long total = 0, found = 0;
   for (const Area& area : range.areas) {
-    const int first = host::firstLine(area, lines), last = host::lastLine(area, lines);
+    const int first = host::firstOn(area, axis), last = host::lastOn(area, axis);
     total += last - first + 1;
     found += std::distance(hidden.lower_bound(first), hidden.upper_bound(last));
   }
@@ -66,14 +66,14 @@ std::optional<bool> MemorySpreadsheet::hidden(const RangeRef& range, Lines lines
   return found != 0;
 }
 
-void MemorySpreadsheet::setHidden(const RangeRef& range, Lines lines, bool hide) {
+void MemorySpreadsheet::setHidden(const RangeRef& range, Axis axis, bool hide) {
   enter("setHidden", described(range));
   MemorySheet& sheet = sheetOf(range.sheet);
-  std::set<int>& hidden = lines == Lines::rows ? sheet.hiddenRows : sheet.hiddenColumns;
+  std::set<int>& hidden = axis == Axis::rows ? sheet.hiddenRows : sheet.hiddenColumns;
   for (const Area& area : range.areas) {
-    const int first = host::firstLine(area, lines), last = host::lastLine(area, lines);
+    const int first = host::firstOn(area, axis), last = host::lastOn(area, axis);
     hidden.erase(hidden.lower_bound(first), hidden.upper_bound(last));
-    for (int line = first; hide && line <= last; ++line) hidden.insert(line);
+    for (int row = first; hide && row <= last; ++row) hidden.insert(row);
   }
 }
 

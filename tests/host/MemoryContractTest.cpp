@@ -1,7 +1,7 @@
 // The contract of the port, on the spreadsheet in memory.
 #include "tests/fakes/MemorySpreadsheet.h"
 #include "tests/host/ConditionsContract.h"
-#include "tests/host/LinesContract.h"
+#include "tests/host/RowsContract.h"
 #include "tests/host/ScratchContract.h"
 
 namespace quorin::fakes {
@@ -30,7 +30,7 @@ std::unique_ptr<OpenSpreadsheet> openRulesInMemory() {
 
 INSTANTIATE_TEST_SUITE_P(Memory, SpreadsheetContract,
                          ::testing::Values(OpenSpreadsheetFactory{"memory", &openInMemory}));
-INSTANTIATE_TEST_SUITE_P(Memory, LinesContract,
+INSTANTIATE_TEST_SUITE_P(Memory, RowsContract,
                          ::testing::Values(OpenSpreadsheetFactory{"memory", &openInMemory}));
 INSTANTIATE_TEST_SUITE_P(Memory, ConditionsContract,
                          ::testing::Values(OpenSpreadsheetFactory{"memory", &openRulesInMemory}));

@@ -165,7 +165,7 @@ class UserEdits : public MemorySpreadsheetTest {
  protected:
   UserEdits() {
     spreadsheet.addFormatCondition(cell("A2,B5:B8"), "=1=1");
-    spreadsheet.setHidden(cell("6:7"), host::Lines::rows, true);
+    spreadsheet.setHidden(cell("6:7"), host::Axis::rows, true);
   }
   std::string colouredOn(const std::string& sheet) {
     std::string text;
@@ -176,7 +176,7 @@ class UserEdits : public MemorySpreadsheetTest {
   std::string hiddenRows() {
     std::string text;
     for (int row = 1; row <= 20; ++row)
-      if (spreadsheet.hidden({{book, "Data"}, {{row, 1, row, 1}}}, host::Lines::rows) == true)
+      if (spreadsheet.hidden({{book, "Data"}, {{row, 1, row, 1}}}, host::Axis::rows) == true)
         text += std::to_string(row) + " ";
     return text;
   }

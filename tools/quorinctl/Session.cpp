@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/calc/CalcRunner.h"
-#include "kit/marks/ShownLinesFile.h"
+#include "kit/marks/ShownRowsFile.h"
 
 namespace quorin::ctl {
 
@@ -26,7 +26,7 @@ Session::Session(Parts parts)
       unhide_(parts.records / "unhidden.json", FileSystem::real(), &log_) {
   // The office is handed to the call thread, where everything that is done with it happens.
   const auto office = std::make_shared<decltype(parts.office)>(std::move(parts.office));
-  const ShownLinesFile traces(parts.records, FileSystem::real(), &log_);
+  const ShownRowsFile traces(parts.records, FileSystem::real(), &log_);
   const ScriptRunnerFactory factory = [this, office, traces](CallThreadPost post) {
     post_ = std::move(post);
     host::calc::CalcOptions options;

@@ -10,7 +10,7 @@
 
 #include "host/Address.h"
 #include "host/calc/cells/AreaGrid.h"
-#include "host/calc/cells/CalcLines.h"
+#include "host/calc/cells/CalcRows.h"
 #include "host/calc/uno/Answered.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"

@@ -56,26 +56,25 @@ void cover(std::vector<Area> parts, std::vector<Area>& found) {
   }
   std::size_t cut = 0;
   int widest = -1;
-  Lines along = Lines::rows;
-  const auto sortAlong = [&parts](Lines lines) {
-    std::sort(parts.begin(), parts.end(), [lines](const Area& a, const Area& b) {
-      return firstLine(a, lines) < firstLine(b, lines);
-    });
+  Axis along = Axis::rows;
+  const auto sortAlong = [&parts](Axis axis) {
+    std::sort(parts.begin(), parts.end(),
+              [axis](const Area& a, const Area& b) { return firstOn(a, axis) < firstOn(b, axis); });
   };
   const auto fromMiddle = [middle = parts.size() / 2](std::size_t at) {
     return at > middle ? at - middle : middle - at;
   };
-  for (const Lines lines : {Lines::rows, Lines::columns}) {
-    sortAlong(lines);
-    int reached = lastLine(parts.front(), lines);
+  for (const Axis axis : {Axis::rows, Axis::columns}) {
+    sortAlong(axis);
+    int reached = lastOn(parts.front(), axis);
     for (std::size_t i = 1; i < parts.size(); ++i) {
-      const int gap = firstLine(parts[i], lines) - reached - 1;
-      if (gap > widest || (gap == widest && lines == along && fromMiddle(i) < fromMiddle(cut))) {
+      const int gap = firstOn(parts[i], axis) - reached - 1;
+      if (gap > widest || (gap == widest && axis == along && fromMiddle(i) < fromMiddle(cut))) {
         widest = gap;
         cut = i;
-        along = lines;
+        along = axis;
       }
-      reached = std::max(reached, lastLine(parts[i], lines));
+      reached = std::max(reached, lastOn(parts[i], axis));
     }
   }
   if (widest < 0) {  // nothing to cut between

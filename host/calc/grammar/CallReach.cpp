@@ -45,10 +45,10 @@ RangeRef* rangeOf(Reach& reach, const CallArgument& argument) {
 }
 
 // Of the range's rows or columns that one, from 1; 0 is all of them.
-void keepLine(Area& area, Lines lines, int number) {
-  if (number < 1 || number > lineCount(area, lines)) return;
-  firstLine(area, lines) += number - 1;
-  lastLine(area, lines) = firstLine(area, lines);
+void keepOne(Area& area, Axis axis, int number) {
+  if (number < 1 || number > countOn(area, axis)) return;
+  firstOn(area, axis) += number - 1;
+  lastOn(area, axis) = firstOn(area, axis);
 }
 
 void leaveOutOfIndex(Reach& reach, std::span<const CallArgument> arguments,
@@ -58,26 +58,26 @@ void leaveOutOfIndex(Reach& reach, std::span<const CallArgument> arguments,
   Area& area = range->areas.front();
   const bool isRow = arguments.size() == 2 && rowCount(area) == 1;
   const Area whole = area;
-  constexpr std::array<Lines, 2> both{Lines::rows, Lines::columns};
+  constexpr std::array<Axis, 2> both{Axis::rows, Axis::columns};
   for (std::size_t i = 1; i < arguments.size(); ++i) {
-    const Lines lines = isRow ? Lines::columns : both[i - 1];
-    if (trimmed(arguments[i].calc).empty() || lineCount(whole, lines) == 1) continue;
-    if (const auto number = numberOf(arguments[i], context)) keepLine(area, lines, *number);
+    const Axis axis = isRow ? Axis::columns : both[i - 1];
+    if (trimmed(arguments[i].calc).empty() || countOn(whole, axis) == 1) continue;
+    if (const auto number = numberOf(arguments[i], context)) keepOne(area, axis, *number);
   }
 }
 
-// Of VLOOKUP and HLOOKUP: the line that is searched and the one that answers.
+// Of VLOOKUP and HLOOKUP: the column or row that is searched and the one that answers.
 void leaveOutOfLookup(Reach& reach, std::span<const CallArgument> arguments,
-                      const ExpressionContext& context, Lines lines) {
+                      const ExpressionContext& context, Axis axis) {
   if (arguments.size() < 3) return;
   RangeRef* const range = rangeOf(reach, arguments[1]);
-  if (range == nullptr || lineCount(range->areas.front(), lines) <= 2) return;
+  if (range == nullptr || countOn(range->areas.front(), axis) <= 2) return;
   const auto number = numberOf(arguments[2], context);
   if (!number) return;
   RangeRef answers = *range;
-  keepLine(answers.areas.front(), lines, *number);
-  keepLine(range->areas.front(), lines, 1);
-  const bool isThere = *number > 1 && lineCount(answers.areas.front(), lines) == 1;
+  keepOne(answers.areas.front(), axis, *number);
+  keepOne(range->areas.front(), axis, 1);
+  const bool isThere = *number > 1 && countOn(answers.areas.front(), axis) == 1;
   if (isThere) reach.cells.push_back(std::move(answers));
 }
 
@@ -148,14 +148,14 @@ void leaveOut(Reach& reach, std::string_view name, std::span<const CallArgument>
   if (name == "INDEX") {
     leaveOutOfIndex(reach, arguments, context);
   } else if (name == "VLOOKUP" || name == "HLOOKUP") {
-    leaveOutOfLookup(reach, arguments, context, name == "VLOOKUP" ? Lines::columns : Lines::rows);
+    leaveOutOfLookup(reach, arguments, context, name == "VLOOKUP" ? Axis::columns : Axis::rows);
   } else if (name == "OFFSET") {
     if (!leaveOutOfOffset(reach, arguments, context)) reach.shifts = true;
   } else if (asksWhereAlone(name)) {
     if (RangeRef* const range = rangeOf(reach, arguments.front())) {
       Area& area = range->areas.front();
-      keepLine(area, Lines::rows, 1);
-      keepLine(area, Lines::columns, 1);
+      keepOne(area, Axis::rows, 1);
+      keepOne(area, Axis::columns, 1);
     }
   }
 }

@@ -108,7 +108,7 @@ void Keeper::run() {
   }
   // In its owner's turn a call of his may be on its way: what that shows or hides is not the
   // user's.
-  if (!ownersTurn_) lookAtLines();
+  if (!ownersTurn_) lookAtRows();
   removeAll();
 }
 
@@ -126,7 +126,7 @@ void Keeper::lookAround() {
   const auto start = Clock::now();
   if (start < notBefore_ || !hook_->turn()) return;
   watchNew();
-  lookAtLines();
+  lookAtRows();
   forEachChanged(&MarkFollower::look);
   const auto now = Clock::now();
   notBefore_ = now + std::max<Clock::duration>(pauseForEachLook * (now - start), leastPause);
@@ -149,12 +149,12 @@ void Keeper::forEachChanged(Work work) {
 
 // What fails, or is not what the user sees because his workbook is being saved, is done again. A
 // turn waits for this in every workbook: what its owner takes back may have been copied there.
-void Keeper::lookAtLines() {
+void Keeper::lookAtRows() {
   if (shown_.isEmpty()) return;
   watchNew();
   for (MarkFollower& follower : followers_) {
     try {
-      follower.lookAtLines(shown_);
+      follower.lookAtRows(shown_);
     } catch (const css::uno::Exception&) {
       // The next look, unless the workbook was closed.
     }
@@ -185,7 +185,7 @@ void Keeper::obey(const std::string& request) {
     ownersTurn_ = true;
     awaitSaves();
     turn_ = request.substr(begin.size());
-    lookAtLines();
+    lookAtRows();
     forEachChanged(&MarkFollower::followCells);
     watch(turn_);
   } else if (request == "end") {
@@ -261,15 +261,15 @@ void Keeper::removeAll() {
   }
 }
 
-// The records that are left ask for these lines again: then there is nothing to do any more, or the
+// The records that are left ask for these rows again: then there is nothing to do any more, or the
 // user has shown them himself since.
-void Keeper::hideLines(const Workbook& workbook) {
+void Keeper::hideRows(const Workbook& workbook) {
   const auto all = shown_.entries(workbook);
   auto entries = all, owed = shown_.owed(workbook);
   shown_.leaveToOthers(entries);
   shown_.leaveToOthers(owed);
-  hideShownLines(changes_, workbook, entries, all);
-  shown_.set(entries, ShownLines::State::over);
+  hideShownRows(changes_, workbook, entries, all);
+  shown_.set(entries, ShownRows::State::over);
   shown_.forget(owed);
   takeNotes(changes_, workbook, shown_);
 }
@@ -281,7 +281,7 @@ bool Keeper::removeOnce() {
     for (const Workbook& workbook : openWorkbooks(events_)) {
       try {
         removeMarks(owner_, changes_, workbook);
-        hideLines(workbook);
+        hideRows(workbook);
       } catch (const css::uno::Exception&) {
         done = false;  // it may have been closed: then the next try does not find it
       }

@@ -39,7 +39,7 @@ class Keeper {
   Keeper& operator=(const Keeper&) = delete;
 
   // Returns when the owner or the office is gone, with every mark of the owner's taken back and
-  // every line that it has shown hidden in the first case.
+  // every row and column that it has shown hidden in the first case.
   void run();
 
  private:
@@ -54,11 +54,11 @@ class Keeper {
   using Work = void (MarkFollower::*)();
   void forEachChanged(Work work);
   void lookAround();
-  void lookAtLines();
+  void lookAtRows();
   int patience() const;
   void removeAll();
   bool removeOnce();
-  void hideLines(const Workbook& workbook);
+  void hideRows(const Workbook& workbook);
 
   const Owner owner_;
   const int socket_, office_;
@@ -66,7 +66,7 @@ class Keeper {
   OfficeConnection connection_;
   css::uno::Reference<css::document::XDocumentEventBroadcaster> events_;
   QuietChanges changes_;
-  const ShownLines shown_;
+  const ShownRows shown_;
   const rtl::Reference<SaveHook> hook_;
   std::list<MarkFollower> followers_;
   bool all_ = false;  // they are of every workbook that had a window when this was looked at last

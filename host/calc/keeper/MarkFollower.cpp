@@ -40,14 +40,14 @@ class MarkFollower::News : public cppu::WeakImplHelper1<css::util::XModifyListen
  public:
   explicit News(std::function<void()> changed) : changed_(std::move(changed)) {}
   void SAL_CALL modified(const css::lang::EventObject&) override {
-    isNew = areLinesNew = true;
+    isNew = areRowsNew = true;
     changed_();
   }
   void SAL_CALL disposing(const css::lang::EventObject&) override {
     isNew = true;
     changed_();
   }
-  std::atomic<bool> isNew = true, areLinesNew = true;
+  std::atomic<bool> isNew = true, areRowsNew = true;
 
  private:
   const std::function<void()> changed_;
@@ -63,7 +63,7 @@ MarkFollower::MarkFollower(std::string uid, const Owner& owner, Workbook workboo
       hook_(hook),
       news_(new News(changed)),
       undo_(workbook_.model, [news = news_, changed] {
-        news->areLinesNew = true;
+        news->areRowsNew = true;
         changed();
       }) {
   Reference<css::util::XModifyBroadcaster>(workbook_.model, UNO_QUERY_THROW)
@@ -80,34 +80,34 @@ MarkFollower::~MarkFollower() {
 }
 
 bool MarkFollower::isChanged() const {
-  return news_->isNew || news_->areLinesNew;
+  return news_->isNew || news_->areRowsNew;
 }
 
-void MarkFollower::lookAtLines(const ShownLines& shown) {
-  if (!news_->areLinesNew.exchange(false)) return;
+void MarkFollower::lookAtRows(const ShownRows& shown) {
+  if (!news_->areRowsNew.exchange(false)) return;
   const std::optional<int> turn = hook_.turn();
   try {
-    const auto lines = readLines(shown);
-    if (!lines || !turn || hook_.turn() != turn) {
-      news_->areLinesNew = true;
+    const auto rows = readRows(shown);
+    if (!rows || !turn || hook_.turn() != turn) {
+      news_->areRowsNew = true;
       return;
     }
-    const UsersLines& users = lines->users;
-    takeBackUndone(shown, lines->taken);
-    take(shown, users.hidden, ShownLines::State::over);
-    take(shown, users.opened, ShownLines::State::opened);
+    const UsersRows& users = rows->users;
+    takeBackUndone(shown, rows->taken);
+    take(shown, users.hidden, ShownRows::State::over);
+    take(shown, users.opened, ShownRows::State::opened);
     taken_.looked();
-    if (lines->sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
+    if (rows->sheets != sheets_ || !users.hidden.empty() || !users.opened.empty())
       tidyNotes(changes_, workbook_, shown);
-    sheets_ = lines->sheets;
+    sheets_ = rows->sheets;
   } catch (const css::uno::Exception&) {
-    news_->areLinesNew = true;
+    news_->areRowsNew = true;
     throw;
   }
 }
 
 // As they are at one place in the undo list; nothing for somebody who works on all the time.
-std::optional<MarkFollower::LookedAt> MarkFollower::readLines(const ShownLines& shown) {
+std::optional<MarkFollower::LookedAt> MarkFollower::readRows(const ShownRows& shown) {
   constexpr int mostTries = 10;
   for (int tries = 1; tries <= mostTries; ++tries) {
     const UndoList::Place place = undo_.place();
@@ -115,36 +115,36 @@ std::optional<MarkFollower::LookedAt> MarkFollower::readLines(const ShownLines& 
     const auto entries = shown.entries(workbook_);
     auto taken = shown.owed(workbook_);
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(taken),
-                 [](const auto& each) { return each.state == ShownLines::State::taken; });
-    LookedAt lines{usersLines(workbook_, entries), seenLines(workbook_, taken),
-                   workbook_.sheets->getElementNames()};
-    if (undo_.isStill(place)) return lines;
+                 [](const auto& each) { return each.state == ShownRows::State::taken; });
+    LookedAt rows{usersRows(workbook_, entries), seenRows(workbook_, taken),
+                  workbook_.sheets->getElementNames()};
+    if (undo_.isStill(place)) return rows;
   }
   return std::nullopt;
 }
 
 // Those that no undoing has back get that state.
-void MarkFollower::take(const ShownLines& shown, ShownLines::Entries lines,
-                        ShownLines::State otherwise) {
-  const auto rest = std::partition(lines.begin(), lines.end(),
+void MarkFollower::take(const ShownRows& shown, ShownRows::Entries rows,
+                        ShownRows::State otherwise) {
+  const auto rest = std::partition(rows.begin(), rows.end(),
                                    [this](const auto& each) { return taken_.take(each); });
-  shown.set(ShownLines::Entries(lines.begin(), rest), ShownLines::State::taken);
-  shown.set(ShownLines::Entries(rest, lines.end()), otherwise);
+  shown.set(ShownRows::Entries(rows.begin(), rest), ShownRows::State::taken);
+  shown.set(ShownRows::Entries(rest, rows.end()), otherwise);
 }
 
 // What he has done to them and undoes leaves them ours as before; nobody but us will ask for what
 // is owed.
-void MarkFollower::takeBackUndone(const ShownLines& shown, const SeenLines& taken) {
-  ShownLines::Entries ours, due;
+void MarkFollower::takeBackUndone(const ShownRows& shown, const SeenRows& taken) {
+  ShownRows::Entries ours, due;
   for (const auto& each : taken.hidden) taken_.isUndone(each, false);
   for (const auto& each : taken.visible)
     if (taken_.isUndone(each, true))
-      (each.state == ShownLines::State::owed ? due : ours).push_back(each);
-  shown.set(ours, ShownLines::State::shown);
+      (each.state == ShownRows::State::owed ? due : ours).push_back(each);
+  shown.set(ours, ShownRows::State::shown);
   if (!due.empty()) {
-    hideLines(changes_, workbook_, due);
+    hideRows(changes_, workbook_, due);
     shown.forget(due);
-    news_->isNew = true;  // marks of these lines are drawn otherwise
+    news_->isNew = true;  // marks of these rows are drawn otherwise
   }
   for (const auto& each : ours) taken_.forget(each);
   for (const auto& each : due) taken_.forget(each);

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "host/calc/keeper/SaveHook.h"
-#include "host/calc/keeper/TakenLines.h"
+#include "host/calc/keeper/TakenRows.h"
 #include "host/calc/keeper/UndoList.h"
-#include "host/calc/reveal/LinesBack.h"
+#include "host/calc/reveal/RowsBack.h"
 
 namespace quorin::host::calc {
 
@@ -45,9 +45,9 @@ class MarkFollower {
   // rows or columns have another size then, which takes long to find out, the next look sees.
   void followCells();
 
-  // Leaves shown lines to the user that he has hidden or made visible himself, takes back what he
+  // Leaves shown rows to the user that he has hidden or made visible himself, takes back what he
   // undoes of that, and hides them on the copies of their sheet. It fails and waits as look() does.
-  void lookAtLines(const ShownLines& shown);
+  void lookAtRows(const ShownRows& shown);
 
   bool isChanged() const;
   bool hasMarks() const { return !followed_.empty(); }  // that were tied
@@ -76,14 +76,14 @@ class MarkFollower {
   Followed* find(const MarkedSheet& sheet, const PlacedMark& mark);
   Followed tied(const MarkedSheet& sheet, const PlacedMark& mark) const;
   bool isOfAnother(const Mark& mark) const;
-  void take(const ShownLines& shown, ShownLines::Entries lines, ShownLines::State otherwise);
+  void take(const ShownRows& shown, ShownRows::Entries rows, ShownRows::State otherwise);
   struct LookedAt {
-    UsersLines users;
-    SeenLines taken;  // what is the user's until he undoes it
+    UsersRows users;
+    SeenRows taken;  // what is the user's until he undoes it
     css::uno::Sequence<rtl::OUString> sheets;
   };
-  std::optional<LookedAt> readLines(const ShownLines& shown);
-  void takeBackUndone(const ShownLines& shown, const SeenLines& taken);
+  std::optional<LookedAt> readRows(const ShownRows& shown);
+  void takeBackUndone(const ShownRows& shown, const SeenRows& taken);
   void draw(const MarkedSheet& sheet, const PlacedMark& mark, Followed& followed,
             const std::vector<Area>& areas);
 
@@ -94,7 +94,7 @@ class MarkFollower {
   const SaveHook& hook_;
   const rtl::Reference<News> news_;
   const UndoList undo_;
-  TakenLines taken_;
+  TakenRows taken_;
   std::list<Followed> followed_;
   css::uno::Sequence<rtl::OUString> sheets_;  // their names when copies were last looked for
   bool untied_ = false;                       // marks that the owner made wait for their ties

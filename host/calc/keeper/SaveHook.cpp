@@ -7,7 +7,7 @@ namespace {
 
 using css::uno::Reference;
 using css::uno::UNO_QUERY;
-using State = ShownLines::State;
+using State = ShownRows::State;
 
 // A copy, an export, a mail and the office's own recovery file all go by OnCopyTo.
 bool begins(const rtl::OUString& event) {
@@ -58,16 +58,16 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
   }
   std::vector<TakenMark> marks;
   takeMarks(owner_, changes_, *workbook, marks);
-  std::vector<HiddenLines> lines;
-  ShownLines::Entries shown;
+  std::vector<HiddenRows> rows;
+  ShownRows::Entries shown;
   try {
     shown = shown_.entries(*workbook);
     shown_.leaveToOthers(shown);
     std::erase_if(shown, [](const auto& each) { return each.isOver(); });
     shown_.set(shown, State::hidden);
-    HiddenAgain again = hideShownLines(changes_, *workbook, shown, shown);
+    HiddenAgain again = hideShownRows(changes_, *workbook, shown, shown);
     shown_.set(again.opened, State::opened);
-    lines = std::move(again.lines);
+    rows = std::move(again.rows);
   } catch (const css::uno::Exception&) {
     // The workbook or the office is gone, or refuses: it is saved as it is.
   }
@@ -79,17 +79,16 @@ void SaveHook::takeOut(const Reference<css::uno::XInterface>& document) {
   }
   const std::lock_guard lock(mutex_);
   --taking_;
-  if (!marks.empty() || !lines.empty() || !notes.empty())
+  if (!marks.empty() || !rows.empty() || !notes.empty())
     savings_.push_back(
-        {*workbook, std::move(marks), std::move(lines), std::move(shown), std::move(notes)});
+        {*workbook, std::move(marks), std::move(rows), std::move(shown), std::move(notes)});
 }
 
-// A line that the office refuses to show, or whose sheet is gone, stays hidden.
+// A row that the office refuses to show, or whose sheet is gone, stays hidden.
 void SaveHook::showAgain(const Saving& saving) {
-  for (const HiddenLines& lines : saving.lines) {
+  for (const HiddenRows& rows : saving.rows) {
     try {
-      LineStates(lines.sheet, lines.kind)
-          .setHidden(changes_, saving.workbook, lines.numbers, false);
+      RowStates(rows.sheet, rows.axis).setHidden(changes_, saving.workbook, rows.numbers, false);
     } catch (const css::uno::Exception&) {
     }
   }

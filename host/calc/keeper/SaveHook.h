@@ -1,5 +1,5 @@
 // SaveHook: hears of every workbook that the office is about to save, export or mail, takes our
-// marks out of it and hides the lines that we have shown before the office goes on, and puts them
+// marks out of it and hides the rows that we have shown before the office goes on, and puts them
 // back and shows them when it is through. It also hears when the user has got another workbook to
 // look at. The office
 // waits for the callback, which therefore makes its calls inline and never waits for a thread that
@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "host/calc/keeper/DocumentMarks.h"
-#include "host/calc/reveal/LinesBack.h"
-#include "host/calc/reveal/LinesNote.h"
+#include "host/calc/reveal/RowsBack.h"
+#include "host/calc/reveal/RowsNote.h"
 
 namespace quorin::host::calc {
 
@@ -23,7 +23,7 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
  public:
   // On any thread `over` is told when marks that were taken out are back, and `opened` when a
   // document has been loaded or has got a window.
-  SaveHook(const Owner& owner, QuietChanges& changes, const ShownLines& shown,
+  SaveHook(const Owner& owner, QuietChanges& changes, const ShownRows& shown,
            std::function<void()> over, std::function<void()> opened)
       : owner_(owner),
         changes_(changes),
@@ -46,8 +46,8 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
   struct Saving {
     Workbook workbook;
     std::vector<TakenMark> marks;
-    std::vector<HiddenLines> lines;
-    ShownLines::Entries shown;  // what is remembered of these
+    std::vector<HiddenRows> rows;
+    ShownRows::Entries shown;  // what is remembered of these
     std::vector<TakenNote> notes;
   };
   struct Made {
@@ -60,7 +60,7 @@ class SaveHook : public cppu::WeakImplHelper1<css::document::XDocumentEventListe
 
   const Owner& owner_;
   QuietChanges& changes_;
-  const ShownLines& shown_;
+  const ShownRows& shown_;
   const std::function<void()> over_, opened_;
   std::mutex puttingBack_;    // held while marks are put back
   bool letGo_ = false;        // under it, like the next

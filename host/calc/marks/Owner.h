@@ -1,7 +1,7 @@
-// Owner: whose a mark or a shown line is. One office may have several: a process that has died and
-// whose keeper has not yet taken everything back beside the next one, or a program beside another.
-// Each keeper takes care of its own owner's, and of what is left of those that are gone. Any
-// thread.
+// Owner: whose a mark or a shown row or column is. One office may have several: a process that has
+// died and whose keeper has not yet taken everything back beside the next one, or a program beside
+// another. Each keeper takes care of its own owner's, and of what is left of those that are gone.
+// Any thread.
 #pragma once
 
 #include <string>

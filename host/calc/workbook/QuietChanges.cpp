@@ -21,7 +21,7 @@ using css::uno::XInterface;
 // Answers with what went wrong. A macro that takes its time would let the user's next key stroke
 // in between; ours does not. A shape that is gone already is left alone without an error, hence the
 // counting: the fresh one must not come where the old one was taken out to be saved without it.
-// What lines change costs mostly in what the office shows and computes after each of them, hence
+// What rows change costs mostly in what the office shows and computes after each of them, hence
 // the locked controllers. Its first change opens the undo list, whatever was locked before.
 // So many runs of rows change by the flag alone that files are read with, which is 80 times as
 // fast: the office computes subtotals anew at each, and the rest, such as where drawings are, the
@@ -55,7 +55,7 @@ Function perform(model, what, target, first, second)
     Case Else
       model.lockControllers()
       still = True
-      setLines(model, undo, target, what, first, second)
+      setRows(model, undo, target, what, first, second)
   End Select
 leave:
   On Error Resume Next
@@ -72,13 +72,13 @@ failed:
   Resume leave
 End Function
 
-Sub setLines(model, undo, sheet, what, spans, filtered)
+Sub setRows(model, undo, sheet, what, spans, filtered)
   Dim i, group, shown, few, charted
   shown = (Left(what, 4) = "show")
   few = (Right(what, 4) <> "rows" Or UBound(spans) < 4)
   If Not few Then charted = chartedRows(model, sheet.getRangeAddress().Sheet)
   For i = UBound(spans) - 1 To 0 Step -2
-    group = linesOf(sheet, what, spans(i), spans(i + 1))
+    group = rowsOf(sheet, what, spans(i), spans(i + 1))
     If Not few And i > 0 Then
       If Not touches(charted, spans(i), spans(i + 1)) Then
         setFlag(group, shown)
@@ -91,7 +91,7 @@ Sub setLines(model, undo, sheet, what, spans, filtered)
     End If
   Next
   For i = 0 To UBound(filtered) Step 2
-    group = linesOf(sheet, what, filtered(i), filtered(i + 1))
+    group = rowsOf(sheet, what, filtered(i), filtered(i + 1))
     group.IsFiltered = True
     undo.unlock()
     undo.lock()
@@ -131,11 +131,11 @@ Function touches(runs, first, last)
   Next
 End Function
 
-Function linesOf(sheet, what, first, last)
+Function rowsOf(sheet, what, first, last)
   If Right(what, 4) = "rows" Then
-    linesOf = sheet.getCellRangeByPosition(0, first, 0, last).getRows()
+    rowsOf = sheet.getCellRangeByPosition(0, first, 0, last).getRows()
   Else
-    linesOf = sheet.getCellRangeByPosition(first, 0, last, 0).getColumns()
+    rowsOf = sheet.getCellRangeByPosition(first, 0, last, 0).getColumns()
   End If
 End Function
 )";
@@ -154,7 +154,7 @@ void unlock(const Reference<css::document::XUndoManager>& undo) {
 }
 
 // Pairs of positions, from 0.
-css::uno::Sequence<sal_Int32> positionsOf(const QuietChanges::LineSpans& spans) {
+css::uno::Sequence<sal_Int32> positionsOf(const QuietChanges::RowSpans& spans) {
   std::vector<sal_Int32> positions;
   for (const auto& [first, last] : spans) {
     positions.push_back(first - 1);
@@ -221,10 +221,10 @@ void QuietChanges::replace(const Workbook& workbook, const Page& page, const Sha
   });
 }
 
-void QuietChanges::setLines(const Workbook& workbook,
-                            const Reference<css::sheet::XSpreadsheet>& sheet, Lines kind,
-                            const LineSpans& spans, const LineSpans& filtered, bool hide) {
-  const bool rows = kind == Lines::rows;
+void QuietChanges::setRows(const Workbook& workbook,
+                           const Reference<css::sheet::XSpreadsheet>& sheet, Axis axis,
+                           const RowSpans& spans, const RowSpans& filtered, bool hide) {
+  const bool rows = axis == Axis::rows;
   const std::string what = std::string(hide ? "hide " : "show ") + (rows ? "rows" : "columns");
   change(workbook, what.c_str(), sheet, Any(positionsOf(spans)), Any(positionsOf(filtered)), [&] {
     for (const auto& span : spans) setFlag(groupOf(sheet, rows, span), "IsVisible", !hide);

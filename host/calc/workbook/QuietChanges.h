@@ -31,18 +31,17 @@ class QuietChanges {
   // What the first change would do otherwise, about a tenth of a second.
   void prepare() { macro_.prepare(); }
 
-  // All of these throw UNO's exceptions, with nothing changed; setLines() with some lines changed.
+  // All of these throw UNO's exceptions, with nothing changed; setRows() with some rows changed.
   void add(const Workbook& workbook, const Page& page, const Shape& shape);
   void remove(const Workbook& workbook, const Page& page, const Shape& shape);
   // Fails where the old one is no longer there.
   void replace(const Workbook& workbook, const Page& page, const Shape& old, const Shape& fresh);
 
-  // Shows or hides all lines of the spans, the numbers of their first and last, from 1. The
+  // Shows or hides all rows of the spans, the numbers of their first and last, from 1. The
   // filtered ones are the filter's as before.
-  using LineSpans = std::vector<std::pair<int, int>>;
-  void setLines(const Workbook& workbook,
-                const css::uno::Reference<css::sheet::XSpreadsheet>& sheet, Lines kind,
-                const LineSpans& spans, const LineSpans& filtered, bool hide);
+  using RowSpans = std::vector<std::pair<int, int>>;
+  void setRows(const Workbook& workbook, const css::uno::Reference<css::sheet::XSpreadsheet>& sheet,
+               Axis axis, const RowSpans& spans, const RowSpans& filtered, bool hide);
 
   // Opens an undo list that a process which died in the middle of a change left locked.
   static void heal(const Workbook& workbook);

@@ -21,10 +21,10 @@
 namespace quorin::crash {
 namespace {
 
-using host::Lines;
+using host::Axis;
 using host::RangeRef;
 using Array = JSONValue::Array;
-using Line = std::pair<Lines, int>;
+using Row = std::pair<Axis, int>;
 
 constexpr const char* book = "Plan.xlsx";
 constexpr const char* sentinel = "=\"QXZ\"=\"QXZ\"";
@@ -85,7 +85,7 @@ class MarksCrash : public testing::Test {
                    .sheets = {{"One", {{"A1", 1.0}}, false, {{"B2:B5", "=$B2>1"}}},
                               {"Two", {{"C3", 2.0}}},
                               {"Three", {}}}});
-    for (const auto& [lines, number] : hiddenAtFirst()) hide(lines, number);
+    for (const auto& [axis, number] : hiddenAtFirst()) hide(axis, number);
     memory_->goTo(on("Three", "A1"));
     memory_->userEnters({book, "Three"}, {"A2", 5.0});
     memory_->userSaves(book);
@@ -94,16 +94,16 @@ class MarksCrash : public testing::Test {
     unhide_ = std::make_unique<UnhideStore>(*folder_ / "unhidden.json");
   }
 
-  static std::set<Line> hiddenAtFirst() {
-    return {{Lines::rows, 6}, {Lines::rows, 7}, {Lines::rows, 40}, {Lines::columns, 5}};
+  static std::set<Row> hiddenAtFirst() {
+    return {{Axis::rows, 6}, {Axis::rows, 7}, {Axis::rows, 40}, {Axis::columns, 5}};
   }
   // Hidden rows are those of One, hidden columns those of Two.
-  static RangeRef place(Lines lines, int number) {
+  static RangeRef place(Axis axis, int number) {
     const std::string name =
-        lines == Lines::rows ? std::to_string(number) : host::columnLetters(number);
-    return on(lines == Lines::rows ? "One" : "Two", name + ":" + name);
+        axis == Axis::rows ? std::to_string(number) : host::columnLetters(number);
+    return on(axis == Axis::rows ? "One" : "Two", name + ":" + name);
   }
-  void hide(Lines lines, int number) { memory_->setHidden(place(lines, number), lines, true); }
+  void hide(Axis axis, int number) { memory_->setHidden(place(axis, number), axis, true); }
 
   static RangeRef on(const std::string& sheet, const std::string& address) {
     return {{book, sheet}, host::parseA1(address).value()};
@@ -123,11 +123,11 @@ class MarksCrash : public testing::Test {
     return chosen;
   }
 
-  std::set<Line> hiddenNow() {
-    std::set<Line> hidden;
-    for (const Lines lines : {Lines::rows, Lines::columns})
+  std::set<Row> hiddenNow() {
+    std::set<Row> hidden;
+    for (const Axis axis : {Axis::rows, Axis::columns})
       for (int number = 1; number <= 50; ++number)
-        if (memory_->hidden(place(lines, number), lines) == true) hidden.insert({lines, number});
+        if (memory_->hidden(place(axis, number), axis) == true) hidden.insert({axis, number});
     return hidden;
   }
 
@@ -142,17 +142,17 @@ class MarksCrash : public testing::Test {
         for (const host::Area& area : each.areas)
           EXPECT_THAT(known, testing::Contains(area)) << sheet << host::addressText({area});
     }
-    std::set<Line> shown;
+    std::set<Row> shown;
     for (const UnhideStore::Record& record : unhide_->load()) {
       for (const auto& run : record.rows)
-        for (auto i = run[0]; i <= run[1]; ++i) shown.insert({Lines::rows, static_cast<int>(i)});
+        for (auto i = run[0]; i <= run[1]; ++i) shown.insert({Axis::rows, static_cast<int>(i)});
       for (const auto& run : record.cols)
-        for (auto i = run[0]; i <= run[1]; ++i) shown.insert({Lines::columns, static_cast<int>(i)});
+        for (auto i = run[0]; i <= run[1]; ++i) shown.insert({Axis::columns, static_cast<int>(i)});
     }
-    const std::set<Line> now = hiddenNow();
-    for (const Line& line : hiddenAtFirst())
-      EXPECT_TRUE(now.contains(line) || shown.contains(line)) << line.second;
-    for (const Line& line : now) EXPECT_TRUE(hiddenAtFirst().contains(line)) << line.second;
+    const std::set<Row> now = hiddenNow();
+    for (const Row& row : hiddenAtFirst())
+      EXPECT_TRUE(now.contains(row) || shown.contains(row)) << row.second;
+    for (const Row& row : now) EXPECT_TRUE(hiddenAtFirst().contains(row)) << row.second;
   }
 
   // `before` is what was done to the spreadsheet.
@@ -198,7 +198,7 @@ class MarksCrash : public testing::Test {
       all.push_back(encoded(conditions(sheet, true)));
       all.push_back(encoded(conditions(sheet, false)));
     }
-    for (const Line& line : hiddenNow()) all.push_back(JSONValue(line.second));
+    for (const Row& row : hiddenNow()) all.push_back(JSONValue(row.second));
     all.push_back(encoded(memory_->activeSheet()));
     for (const std::string& name : filesIn(folder_->path()))
       if (name != "quorin.log") {

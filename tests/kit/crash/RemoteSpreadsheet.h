@@ -44,11 +44,11 @@ class RemoteSpreadsheet : public host::Spreadsheet {
                                       const std::string& name) override {
     return get<std::optional<host::RangeRef>>("named", from, name);
   }
-  std::optional<bool> hidden(const host::RangeRef& range, host::Lines lines) override {
-    return get<std::optional<bool>>("hidden", range, lines);
+  std::optional<bool> hidden(const host::RangeRef& range, host::Axis axis) override {
+    return get<std::optional<bool>>("hidden", range, axis);
   }
-  void setHidden(const host::RangeRef& range, host::Lines lines, bool hide) override {
-    tell("setHidden", range, lines, hide);
+  void setHidden(const host::RangeRef& range, host::Axis axis, bool hide) override {
+    tell("setHidden", range, axis, hide);
   }
   std::optional<host::RangeRef> visibleCells(const host::RangeRef& range) override {
     return get<std::optional<host::RangeRef>>("visibleCells", range);

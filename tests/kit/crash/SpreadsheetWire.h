@@ -23,7 +23,7 @@ inline JSONValue encoded(int value) {
 inline JSONValue encoded(const std::string& value) {
   return value;
 }
-inline JSONValue encoded(host::Lines value) {
+inline JSONValue encoded(host::Axis value) {
   return static_cast<int>(value);
 }
 inline JSONValue encoded(const host::Area& area) {
@@ -75,8 +75,8 @@ inline void decode(const JSONValue& value, int& into) {
 inline void decode(const JSONValue& value, std::string& into) {
   into = *value.string();
 }
-inline void decode(const JSONValue& value, host::Lines& into) {
-  into = static_cast<host::Lines>(integer(value));
+inline void decode(const JSONValue& value, host::Axis& into) {
+  into = static_cast<host::Axis>(integer(value));
 }
 inline void decode(const JSONValue& value, host::Area& into) {
   into = {integer(item(value, 0)), integer(item(value, 1)), integer(item(value, 2)),

@@ -104,7 +104,7 @@ TEST_F(UnhideStoreTest, DropsEmptyRecordsAndDeletesTheFileWithTheLastOne) {
   EXPECT_FALSE(fs::exists(file));
 }
 
-TEST_F(UnhideStoreTest, DropsMoreLinesThanOneSheetCanHave) {
+TEST_F(UnhideStoreTest, DropsMoreRowsThanOneSheetCanHave) {
   put(R"([{"book":"B","sheet":"S","rows":[[2,40000]],"cols":[[1,200]]},)"
       R"({"book":"Plan.xlsx","sheet":"Q1","rows":[[12,14]],"cols":[[1,100],[300,400]]}])");
   const Records left{{"B", "S", {}, {{1, 200}}}, one[0]};

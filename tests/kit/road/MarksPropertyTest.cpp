@@ -11,7 +11,7 @@
 // have moved those of its sheet. But a mark may stay on the copy of its sheet under a name of the
 // user's, as one of several of a sheet that alone was moved, where it came back with the file and
 // a record knows a later one in its place, and where Excel failed while all of a sheet or workbook
-// were looked for. Lines that are shown when the records lose them stay shown. Rows are inserted
+// were looked for. Rows that are shown when the records lose them stay shown. Rows are inserted
 // and deleted below the hidden ones: Excel knows those by their numbers alone.
 #include <algorithm>
 #include <cstdlib>
@@ -26,7 +26,7 @@
 namespace quorin {
 namespace {
 
-using host::Lines;
+using host::Axis;
 
 int numberFrom(const char* variable, int otherwise) {
   const char* const text = std::getenv(variable);
@@ -34,7 +34,7 @@ int numberFrom(const char* variable, int otherwise) {
 }
 
 using Cell = std::pair<int, int>;
-using Line = std::pair<int, int>;                     // 0 and a row, 1 and a column
+using Row = std::pair<int, int>;                      // 0 and a row, 1 and a column
 using Marks = std::map<std::string, std::set<Cell>>;  // by sheet; none without any
 
 // What `marks` has and `others` have not, or have too.
@@ -95,14 +95,14 @@ class MarksProperty : public RoadFixture {
       hiddenAtFirst_.insert({kind, pick(1, kind == 0 ? rowsToHide : columns)});
     }
     memory_->open(book(name_));
-    for (const auto& [kind, line] : hiddenAtFirst_)
-      memory_->setHidden(on(name_, "One", lineAddress(kind == 0, line)),
-                         kind == 0 ? Lines::rows : Lines::columns, true);
+    for (const auto& [kind, number] : hiddenAtFirst_)
+      memory_->setHidden(on(name_, "One", rowAddress(kind == 0, number)),
+                         kind == 0 ? Axis::rows : Axis::columns, true);
     save({});
   }
 
-  static std::string lineAddress(bool row, int line) {
-    const std::string name = row ? std::to_string(line) : host::columnLetters(line);
+  static std::string rowAddress(bool row, int number) {
+    const std::string name = row ? std::to_string(number) : host::columnLetters(number);
     return name + ":" + name;
   }
 
@@ -245,8 +245,8 @@ class MarksProperty : public RoadFixture {
     });
   }
 
-  std::set<Line> recordedLines() {
-    std::set<Line> unhidden;
+  std::set<Row> recordedRows() {
+    std::set<Row> unhidden;
     for (const UnhideStore::Record& record : unhide_.load()) {
       if (record.book != name_ || record.sheet != first_) continue;
       for (const auto& run : record.rows)
@@ -257,21 +257,21 @@ class MarksProperty : public RoadFixture {
     return unhidden;
   }
 
-  std::set<Line> hiddenNow() {
-    std::set<Line> lines;
+  std::set<Row> hiddenNow() {
+    std::set<Row> found;
     for (const bool row : {true, false})
-      for (int line = 1; line <= (row ? rows : columns); ++line)
-        if (memory_->hidden(on(name_, first_, lineAddress(row, line)),
-                            row ? Lines::rows : Lines::columns) == true)
-          lines.insert({row ? 0 : 1, line});
-    return lines;
+      for (int number = 1; number <= (row ? rows : columns); ++number)
+        if (memory_->hidden(on(name_, first_, rowAddress(row, number)),
+                            row ? Axis::rows : Axis::columns) == true)
+          found.insert({row ? 0 : 1, number});
+    return found;
   }
 
-  // Those of the lines hidden at first that are shown, and in no record.
-  std::set<Line> lost() {
-    std::set<Line> found = hiddenAtFirst_;
-    for (const Line& line : hiddenNow()) found.erase(line);
-    for (const Line& line : recordedLines()) found.erase(line);
+  // Those of the rows hidden at first that are shown, and in no record.
+  std::set<Row> lost() {
+    std::set<Row> found = hiddenAtFirst_;
+    for (const Row& each : hiddenNow()) found.erase(each);
+    for (const Row& each : recordedRows()) found.erase(each);
     return found;
   }
 
@@ -280,10 +280,10 @@ class MarksProperty : public RoadFixture {
     const Marks now = marksNow();
     EXPECT_EQ(chosen(chosen(now, recordedMarks(), false), strays_, false), Marks());
     strays_ = chosen(strays_, now, true);
-    for (const Line& line : lost()) EXPECT_TRUE(free_.contains(line)) << line.second;
-    for (const Line& line : hiddenNow())
-      EXPECT_TRUE(hiddenAtFirst_.contains(line))
-          << (line.first == 0 ? "row " : "column ") << line.second << " was not hidden before";
+    for (const Row& each : lost()) EXPECT_TRUE(free_.contains(each)) << each.second;
+    for (const Row& each : hiddenNow())
+      EXPECT_TRUE(hiddenAtFirst_.contains(each))
+          << (each.first == 0 ? "row " : "column ") << each.second << " was not hidden before";
   }
 
   void expectNothingLeft() {
@@ -293,8 +293,8 @@ class MarksProperty : public RoadFixture {
     if (!unknown_)
       for (const char* const sheet : {"One", "Uno", "Two"})
         if (hasRecord(sheet)) left.erase(sheet);
-    std::set<Line> hidden = hiddenAtFirst_;
-    for (const Line& line : free_) hidden.erase(line);
+    std::set<Row> hidden = hiddenAtFirst_;
+    for (const Row& each : free_) hidden.erase(each);
     bridge_.restoreStranded();
     EXPECT_EQ(chosen(marksNow(), left, false), Marks());
     EXPECT_EQ(hiddenNow(), hidden);
@@ -311,8 +311,8 @@ class MarksProperty : public RoadFixture {
   bool unknown_ = false;
   std::pair<std::string, Marks> saved_;  // the first sheet's name and the marks, in the file
   Marks strays_;                         // which the records do not know by the user's doing
-  std::set<Line> hiddenAtFirst_;         // on the first sheet
-  std::set<Line> free_;                  // of those, what stays shown
+  std::set<Row> hiddenAtFirst_;          // on the first sheet
+  std::set<Row> free_;                   // of those, what stays shown
 };
 
 TEST_F(MarksProperty, EveryMarkIsRecordedAndCanBeTakenBack) {

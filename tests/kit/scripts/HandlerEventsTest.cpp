@@ -94,8 +94,7 @@ TEST_F(HandlerEvents, AreNoMoreForASelectionOfManyAreas) {
 TEST_F(HandlerEvents, AreNoMoreForAFilteredColumn) {
   const std::size_t one = eventsOf("qx_revealread", {"A1", "Data", "Known.xlsx"});
   for (int row = 2; row <= 2000; row += 2)
-    memory_->setHidden(on(std::to_string(row) + ":" + std::to_string(row)), host::Lines::rows,
-                       true);
+    memory_->setHidden(on(std::to_string(row) + ":" + std::to_string(row)), host::Axis::rows, true);
   EXPECT_EQ(eventsOf("qx_revealread", {"A1:A2000", "Data", "Known.xlsx"}), one);
 }
 

@@ -47,7 +47,7 @@ class HandlerFaults : public testing::TestWithParam<Group> {
     memory_->open({.name = "Other.xlsx", .sheets = {{"Sheet1", {}}}});
     memory_->goTo(on("Data", "B4:C4"));
     memory_->addFormatCondition(on("Blank", "B2,B4:C5,E7"), sentinel);
-    memory_->setHidden(on("Blank", "4:4"), host::Lines::rows, true);
+    memory_->setHidden(on("Blank", "4:4"), host::Axis::rows, true);
     memory_->script.clear();
   }
 

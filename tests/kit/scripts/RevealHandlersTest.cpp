@@ -6,9 +6,7 @@ namespace {
 
 class RevealHandlers : public LibraryFixture {
  protected:
-  void hide(const char* address, host::Lines lines) {
-    memory_->setHidden(on(address), lines, true);
-  }
+  void hide(const char* address, host::Axis axis) { memory_->setHidden(on(address), axis, true); }
   static host::RangeRef on(const char* address) {
     return {{"Known.xlsx", "Data"}, host::parseA1(address).value()};
   }
@@ -23,8 +21,8 @@ TEST_F(RevealHandlers, ReadGivesTargetViewAndWhatIsHidden) {
   memory_->program.windowColumns = 8;
   memory_->scrollTo(on("C5"));
   EXPECT_EQ(read("B7:C9"), R"j([7,2,3,2,"Data",5,3,20,8,false,false,"$B$7:$C$9"])j");
-  hide("8:8", host::Lines::rows);
-  hide("C:C", host::Lines::columns);
+  hide("8:8", host::Axis::rows);
+  hide("C:C", host::Axis::columns);
   EXPECT_EQ(read("B7:C9"), R"j([7,2,3,2,"Data",5,3,21,9,null,null,"$B$7,$B$9"])j");
   EXPECT_EQ(read("C8"), R"j([8,3,1,1,"Data",5,3,21,9,true,true,""])j");
 }
@@ -48,11 +46,11 @@ TEST_F(RevealHandlers, ReadRefusesANameOfCellsOnAnotherSheet) {
 }
 
 TEST_F(RevealHandlers, ReadTellsRowsBesideHiddenColumnsAndColumnsBesideHiddenRows) {
-  hide("B:C", host::Lines::columns);
-  hide("8:8", host::Lines::rows);
+  hide("B:C", host::Axis::columns);
+  hide("8:8", host::Axis::rows);
   EXPECT_THAT(read("B7:C9"),
               testing::EndsWith(R"j(,null,true,"$A$7,$D$7:$XFD$7,$A$9,$D$9:$XFD$9"])j"));
-  hide("7:9", host::Lines::rows);
+  hide("7:9", host::Axis::rows);
   EXPECT_THAT(read("A7:D9"), testing::EndsWith(R"j(,true,null,"$A$1:$A$6,$D$1:$D$6,)j"
                                                R"j($A$10:$A$1048576,$D$10:$D$1048576"])j"));
   EXPECT_THAT(read("B7:C9"), testing::EndsWith(R"j(,true,true,""])j"));
@@ -62,7 +60,7 @@ TEST_F(RevealHandlers, ReadGivesTheWholeAddressOfManyVisibleParts) {
   excel_->quirks.cutsLongAddresses = true;
   std::string parts;
   for (int row = 1; row <= 99; row += 2) {
-    hide((std::to_string(row + 1) + ":" + std::to_string(row + 1)).c_str(), host::Lines::rows);
+    hide((std::to_string(row + 1) + ":" + std::to_string(row + 1)).c_str(), host::Axis::rows);
     parts += (row > 1 ? ",$A$" : "$A$") + std::to_string(row);
   }
   EXPECT_THAT(read("A1:A99"), testing::EndsWith(",null,false,\"" + parts + "\"]"));
@@ -74,8 +72,8 @@ TEST_F(RevealHandlers, ReadTellsABusyExcelFromNothingVisible) {
 }
 
 TEST_F(RevealHandlers, UnhideSetsEachRowAndColumnOfTheRuns) {
-  hide("3:9", host::Lines::rows);
-  hide("Z:AB", host::Lines::columns);
+  hide("3:9", host::Axis::rows);
+  hide("Z:AB", host::Axis::columns);
   const JSONValue rows = texts({texts({4, 5}), texts({9, 9})}), columns = texts({texts({27, 28})});
   EXPECT_EQ(run("qx_unhide", {"Data", "Known.xlsx", rows, columns, false}), "5");
   EXPECT_EQ(memory_->visibleCells(on("A3:A9")), on("A4:A5,A9"));

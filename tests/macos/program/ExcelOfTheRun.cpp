@@ -121,12 +121,12 @@ void ExcelOfTheRun::goTo(const std::string& cells) {
 
 void ExcelOfTheRun::hide(const std::string& cells, bool rows, bool hidden) {
   const std::lock_guard guard(lock_);
-  sheets_->setHidden(range(cells), rows ? host::Lines::rows : host::Lines::columns, hidden);
+  sheets_->setHidden(range(cells), rows ? host::Axis::rows : host::Axis::columns, hidden);
 }
 
 bool ExcelOfTheRun::isHidden(const std::string& cells, bool rows) {
   const std::lock_guard guard(lock_);
-  return sheets_->hidden(range(cells), rows ? host::Lines::rows : host::Lines::columns) == true;
+  return sheets_->hidden(range(cells), rows ? host::Axis::rows : host::Axis::columns) == true;
 }
 
 void ExcelOfTheRun::mark(const std::string& cells, const std::string& formula) {

@@ -1,4 +1,4 @@
-#include "host/calc/reveal/LinesNote.h"
+#include "host/calc/reveal/RowsNote.h"
 
 #include <algorithm>
 #include <cctype>
@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "host/calc/marks/MarkShape.h"
-#include "host/calc/reveal/LineStates.h"
+#include "host/calc/reveal/RowStates.h"
 #include "host/calc/uno/Text.h"
 #include "host/calc/workbook/CalcRanges.h"
 
@@ -33,8 +33,8 @@ std::string idIn(const std::string& name) {
 
 // Hides what is remembered as it is numbered on the sheet that was copied.
 void hideOnCopy(QuietChanges& changes, const Workbook& workbook,
-                const Reference<css::sheet::XSpreadsheet>& sheet, const ShownLines::Noted& noted) {
-  LineStates(sheet, noted.kind).setHidden(changes, workbook, noted.numbers, true);
+                const Reference<css::sheet::XSpreadsheet>& sheet, const ShownRows::Noted& noted) {
+  RowStates(sheet, noted.axis).setHidden(changes, workbook, noted.numbers, true);
 }
 
 }  // namespace
@@ -43,10 +43,10 @@ void addNote(QuietChanges& changes, const Workbook& workbook, const Page& page,
              const std::string& key) {
   if (!key.empty())
     changes.add(workbook, page,
-                makeEmptyShape(workbook.model, std::string(prefix) + ShownLines::idOf(key)));
+                makeEmptyShape(workbook.model, std::string(prefix) + ShownRows::idOf(key)));
 }
 
-void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines& shown) {
+void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownRows& shown) {
   for (const Reference<css::sheet::XSpreadsheet>& sheet : sheetsOf(workbook)) {
     const Page page = drawPageIfAny(sheet);
     if (!page.is()) continue;
@@ -62,7 +62,7 @@ void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownLines
 
 // Until none is found: one whose object has lost its shape is not removed at once.
 std::vector<TakenNote> takeNotes(QuietChanges& changes, const Workbook& workbook,
-                                 const ShownLines& shown) {
+                                 const ShownRows& shown) {
   constexpr int mostTries = 10;
   std::vector<TakenNote> taken;
   bool found = true;

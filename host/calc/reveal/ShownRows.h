@@ -1,11 +1,11 @@
-// ShownLines: knows where the rows and columns are now that were shown for the user to look at, so
+// ShownRows: knows where the rows and columns are now that were shown for the user to look at, so
 // that these are hidden again and no others, wherever edits have moved them. Any thread that may
 // call the office.
 //
-// The memory is the office's own: objects in its component context, one entry there for all lines
+// The memory is the office's own: objects in its component context, one entry there for all rows
 // that were shown together. They follow the user's edits by themselves, call nobody, and outlive
 // this process and its connection; the marks keeper reads the same. They end with their workbook;
-// from then on LineTraces tell the lines. Who changes an entry replaces it in one call, so that a
+// from then on RowTraces tell the rows. Who changes an entry replaces it in one call, so that a
 // reader always finds it; of two who change one at a time the last one counts.
 #pragma once
 
@@ -19,24 +19,24 @@
 
 #include "host/Spreadsheet.h"
 #include "host/calc/marks/Owner.h"
-#include "host/calc/reveal/LineStates.h"
+#include "host/calc/reveal/RowStates.h"
 #include "host/calc/workbook/CalcWorkbooks.h"
 
 namespace quorin::host::calc {
 
-// One line as it was when it was shown, by which it is asked for again.
-struct AskedLine {
+// A row or column as it was when it was shown, by which it is asked for again.
+struct AskedRow {
   SheetRef sheet;
-  Lines kind = Lines::rows;
+  Axis axis = Axis::rows;
   int number = 0;
 
-  bool operator==(const AskedLine&) const = default;
+  bool operator==(const AskedRow&) const = default;
 };
 
-class ShownLines {
+class ShownRows {
  public:
   // What is remembered is that owner's.
-  ShownLines(const css::uno::Reference<css::uno::XComponentContext>& context, Owner owner);
+  ShownRows(const css::uno::Reference<css::uno::XComponentContext>& context, Owner owner);
 
   struct Place {
     css::uno::Reference<css::sheet::XSpreadsheet> sheet;
@@ -51,11 +51,11 @@ class ShownLines {
     taken,   // the user has hidden it or made it visible, and it is his until he undoes that
     owed     // the same, and nobody asks for it any more: once he has undone that it is hidden
   };
-  // What is remembered of one line.
+  // What is remembered of a row or column.
   struct Entry {
     std::string key;    // of those that were shown together with it
     std::string owner;  // whose it is
-    AskedLine asked;    // different for each of them
+    AskedRow asked;     // different for each of them
     State state = State::hidden;
     std::optional<Place> place;   // none when it is deleted, its sheet is, or it stays over
     bool isFiltered = false;      // a filter hid it
@@ -71,29 +71,29 @@ class ShownLines {
   Entries owed(const Workbook& workbook) const;
   // Those that the owner does not take care of are left out.
   void leaveToOthers(Entries& entries) const;
-  // Of lines that had these names in a workbook that was closed since. Its file has them hidden,
+  // Of rows that had these names in a workbook that was closed since. Its file has them hidden,
   // but for those that are over, so what is visible of them in a workbook of that name is the
   // user's.
-  Entries entriesElsewhere(const Workbook& workbook, const SheetRef& sheet, Lines kind) const;
+  Entries entriesElsewhere(const Workbook& workbook, const SheetRef& sheet, Axis axis) const;
 
   // What a note on a sheet stands for, by the key's `id`. Nothing when all of it is over for good,
   // or owed.
   struct Noted {
     css::uno::Reference<css::drawing::XDrawPage> page;  // of the sheet that was shown on
-    Lines kind = Lines::rows;
-    std::vector<int> numbers;  // where the lines are there now that are not over
+    Axis axis = Axis::rows;
+    std::vector<int> numbers;  // where the rows are there now that are not over
   };
   static std::string idOf(const std::string& key);
   bool isAnothers(const std::string& id) const;  // the owner does not take care of it
   std::optional<Noted> noted(const std::string& id) const;
   bool isEmpty() const;  // nothing is remembered of any workbook
 
-  // Remembers lines of one sheet that are about to be shown, beside which `shown` ones are so by us
+  // Remembers rows of one sheet that are about to be shown, beside which `shown` ones are so by us
   // already. What had the same numbers before and has moved since is still asked for by them. The
   // others are not to be hidden when they are asked for by these numbers: they are visible already.
   // Gives the key of them all.
-  std::string remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
-                       const std::vector<int>& numbers, const LineStates& states,
+  std::string remember(const Workbook& workbook, const SheetRef& sheet, Axis axis,
+                       const std::vector<int>& numbers, const RowStates& states,
                        const std::vector<int>& shown, const std::vector<int>& others) const;
   // Of those that are not over for good. What is over is not hidden any more when it is asked for.
   void set(const Entries& entries, State state) const;

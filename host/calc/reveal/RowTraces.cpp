@@ -1,4 +1,4 @@
-#include "host/calc/reveal/LineTraces.h"
+#include "host/calc/reveal/RowTraces.h"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ constexpr std::size_t most = 1000;
 constexpr const char* rowsWord = "rows";
 constexpr const char* columnsWord = "columns";
 
-std::string hexadecimal(LineDigest digest) {
+std::string hexadecimal(RowDigest digest) {
   std::array<char, 16> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), digest, 16).ptr;
   return {digits.data(), end};
@@ -38,7 +38,7 @@ bool read(const JSONValue* value, int& number) {
   return true;
 }
 
-bool read(const JSONValue* value, LineTrace& trace) {
+bool read(const JSONValue* value, RowTrace& trace) {
   const JSONValue::Array* const parts = value ? value->array() : nullptr;
   if (!parts || parts->size() != trace.around.size() + 1) return false;
   for (std::size_t i = 0; i < trace.around.size(); ++i) {
@@ -51,33 +51,33 @@ bool read(const JSONValue* value, LineTrace& trace) {
   return read(&parts->back(), trace.last);
 }
 
-JSONValue written(const LineTrace& trace) {
+JSONValue written(const RowTrace& trace) {
   JSONValue::Array parts;
-  for (const LineDigest digest : trace.around) parts.push_back(hexadecimal(digest));
+  for (const RowDigest digest : trace.around) parts.push_back(hexadecimal(digest));
   parts.push_back(trace.last);
   return parts;
 }
 
 }  // namespace
 
-bool LineTraces::read(const JSONValue& record, Entry& entry) {
+bool RowTraces::read(const JSONValue& record, Entry& entry) {
   using calc::read;
-  std::string kind;
+  std::string axis;
   const bool whole =
       read(record.member("book"), entry.sheet.book) &&
-      read(record.member("sheet"), entry.sheet.sheet) && read(record.member("lines"), kind) &&
+      read(record.member("sheet"), entry.sheet.sheet) && read(record.member("lines"), axis) &&
       read(record.member("first"), entry.first) && read(record.member("last"), entry.last) &&
       read(record.member("firstTrace"), entry.trace.first);
-  if (!whole || (kind != rowsWord && kind != columnsWord)) return false;
-  entry.kind = kind == rowsWord ? Lines::rows : Lines::columns;
+  if (!whole || (axis != rowsWord && axis != columnsWord)) return false;
+  entry.axis = axis == rowsWord ? Axis::rows : Axis::columns;
   entry.trace.last = entry.trace.first;
   return entry.first == entry.last || read(record.member("lastTrace"), entry.trace.last);
 }
 
-JSONValue LineTraces::written(const Entry& entry) {
+JSONValue RowTraces::written(const Entry& entry) {
   JSONValue::Object record{{"book", entry.sheet.book},
                            {"sheet", entry.sheet.sheet},
-                           {"lines", entry.kind == Lines::rows ? rowsWord : columnsWord},
+                           {"lines", entry.axis == Axis::rows ? rowsWord : columnsWord},
                            {"first", entry.first},
                            {"last", entry.last},
                            {"firstTrace", calc::written(entry.trace.first)}};
@@ -85,21 +85,21 @@ JSONValue LineTraces::written(const Entry& entry) {
   return record;
 }
 
-std::vector<LineTraces::Entry>::iterator LineTraces::place(const SheetRef& sheet, const Area& area,
-                                                           Lines kind) {
+std::vector<RowTraces::Entry>::iterator RowTraces::place(const SheetRef& sheet, const Area& area,
+                                                         Axis axis) {
   load();
   return std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) {
-    return each.first == firstLine(area, kind) && each.last == lastLine(area, kind) &&
-           each.kind == kind && each.sheet == sheet;
+    return each.first == firstOn(area, axis) && each.last == lastOn(area, axis) &&
+           each.axis == axis && each.sheet == sheet;
   });
 }
 
-void LineTraces::remember(const SheetRef& sheet, const Area& area, Lines kind,
-                          const AreaTrace& trace) {
+void RowTraces::remember(const SheetRef& sheet, const Area& area, Axis axis,
+                         const AreaTrace& trace) {
   if (!keeping_.save) return;
-  if (const auto old = place(sheet, area, kind); old != entries_.end()) entries_.erase(old);
+  if (const auto old = place(sheet, area, axis); old != entries_.end()) entries_.erase(old);
   if (entries_.size() >= most) entries_.erase(entries_.begin());
-  entries_.push_back({sheet, kind, firstLine(area, kind), lastLine(area, kind), trace});
+  entries_.push_back({sheet, axis, firstOn(area, axis), lastOn(area, axis), trace});
   changed_ = true;
   if (begun_) return;
   if (const std::string failure = flush(); !failure.empty()) {
@@ -109,19 +109,19 @@ void LineTraces::remember(const SheetRef& sheet, const Area& area, Lines kind,
   begun_ = true;
 }
 
-void LineTraces::forget(const SheetRef& sheet, const Area& area, Lines kind) {
-  const auto old = place(sheet, area, kind);
+void RowTraces::forget(const SheetRef& sheet, const Area& area, Axis axis) {
+  const auto old = place(sheet, area, axis);
   if (old == entries_.end()) return;
   entries_.erase(old);
   changed_ = true;
 }
 
-const AreaTrace* LineTraces::find(const SheetRef& sheet, const Area& area, Lines kind) {
-  const auto found = place(sheet, area, kind);
+const AreaTrace* RowTraces::find(const SheetRef& sheet, const Area& area, Axis axis) {
+  const auto found = place(sheet, area, axis);
   return found == entries_.end() ? nullptr : &found->trace;
 }
 
-std::string LineTraces::flush() {
+std::string RowTraces::flush() {
   begun_ = false;
   if (!changed_) return {};
   JSONValue::Array records;
@@ -135,10 +135,10 @@ std::string LineTraces::flush() {
   }
 }
 
-void LineTraces::load() {
+void RowTraces::load() {
   if (std::exchange(loaded_, true) || !keeping_.load) return;
   for (const JSONValue& record : keeping_.load()) {
-    Entry entry{{}, Lines::rows, 0, 0, {}};
+    Entry entry{{}, Axis::rows, 0, 0, {}};
     if (read(record, entry)) entries_.push_back(std::move(entry));
   }
 }

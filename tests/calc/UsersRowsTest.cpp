@@ -1,4 +1,4 @@
-// Shown lines that the user has hidden or made visible himself, and those on the copy of a sheet,
+// Shown rows that the user has hidden or made visible himself, and those on the copy of a sheet,
 // before they are taken back.
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -18,12 +18,12 @@ namespace {
 
 using Array = JSONValue::Array;
 
-class UsersLines : public testing::Test {
+class UsersRows : public testing::Test {
  protected:
   static void SetUpTestSuite() { desk = std::make_unique<CalcRoad>(); }
   static void TearDownTestSuite() { desk.reset(); }
 
-  UsersLines() {
+  UsersRows() {
     fakes::SheetDescription one{"One", {{"A1", "Kind"}}};
     for (int row = 2; row <= 9; ++row)
       one.cells.push_back({"A" + std::to_string(row), row % 2 == 0 ? "even" : "odd"});
@@ -33,7 +33,7 @@ class UsersLines : public testing::Test {
     hands->hideRows(name, "One", "A4:A6");
     ask("select", {Array{"Home!A1"}});
   }
-  ~UsersLines() override { hands->close(name); }
+  ~UsersRows() override { hands->close(name); }
 
   std::string ask(const std::string& verb, Array args = {}) {
     return road.ask(verb, std::move(args));
@@ -51,7 +51,7 @@ class UsersLines : public testing::Test {
   // Of the first rows: "4 5 6 ".
   std::string hidden(const std::string& sheet) { return hidden(name, sheet); }
   std::string hidden(const std::string& book, const std::string& sheet) {
-    return road.hiddenLines({book, sheet}, Lines::rows);
+    return road.hiddenRows({book, sheet}, Axis::rows);
   }
   // A window that has just opened may come before it once more.
   void bringToFront() {
@@ -81,7 +81,7 @@ class UsersLines : public testing::Test {
 };
 
 // A filter shows every row that it finds, whoever had hidden it.
-TEST_F(UsersLines, StayVisibleWhereTheUsersFilterShowsThem) {
+TEST_F(UsersRows, StayVisibleWhereTheUsersFilterShowsThem) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   EXPECT_EQ(hidden("One"), "2 4 6 8 ");
@@ -90,7 +90,7 @@ TEST_F(UsersLines, StayVisibleWhereTheUsersFilterShowsThem) {
   EXPECT_EQ(hidden("One"), "");
 }
 
-TEST_F(UsersLines, StayVisibleAfterTheUsersFilter) {
+TEST_F(UsersRows, StayVisibleAfterTheUsersFilter) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   lookAtMarks();
@@ -100,14 +100,14 @@ TEST_F(UsersLines, StayVisibleAfterTheUsersFilter) {
 }
 
 // The header is not filtered.
-TEST_F(UsersLines, AreHiddenAgainBesideTheUsersFilter) {
+TEST_F(UsersRows, AreHiddenAgainBesideTheUsersFilter) {
   reveal("One!A5", "row 5");
   hands->filter(name, "One", "A5:A9", 0, "even");
   EXPECT_EQ(hidden("One"), "4 7 9 ");
   EXPECT_EQ(takeBack(), "4 5 7 9 ");
 }
 
-TEST_F(UsersLines, AreTheUsersOnceHeHasHiddenThem) {
+TEST_F(UsersRows, AreTheUsersOnceHeHasHiddenThem) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->groupRows(name, "One", "A3:A7");
   hands->collapseRows(name, "One", "A3:A7");
@@ -118,7 +118,7 @@ TEST_F(UsersLines, AreTheUsersOnceHeHasHiddenThem) {
 }
 
 // Shown one after the other: each stands beside the others.
-TEST_F(UsersLines, StayVisibleInAGroupThatTheUserOpens) {
+TEST_F(UsersRows, StayVisibleInAGroupThatTheUserOpens) {
   hands->showRows(name, "One", "A4:A6");
   hands->groupRows(name, "One", "A3:A7");
   hands->collapseRows(name, "One", "A3:A7");
@@ -131,7 +131,7 @@ TEST_F(UsersLines, StayVisibleInAGroupThatTheUserOpens) {
 }
 
 // There is nothing to be seen of that but the button of the group.
-TEST_F(UsersLines, AreHiddenAgainWhereAllOfAGroupWasShownBeforeTheUserOpensIt) {
+TEST_F(UsersRows, AreHiddenAgainWhereAllOfAGroupWasShownBeforeTheUserOpensIt) {
   hands->showRows(name, "One", "A4:A6");
   hands->groupRows(name, "One", "A4:A5");
   hands->collapseRows(name, "One", "A4:A5");
@@ -141,7 +141,7 @@ TEST_F(UsersLines, AreHiddenAgainWhereAllOfAGroupWasShownBeforeTheUserOpensIt) {
 }
 
 // Opening a group shows its rows and no others.
-TEST_F(UsersLines, AreHiddenAgainRightBesideAGroupThatTheUserOpens) {
+TEST_F(UsersRows, AreHiddenAgainRightBesideAGroupThatTheUserOpens) {
   hands->groupRows(name, "One", "A7:A8");
   hands->collapseRows(name, "One", "A7:A8");
   reveal("One!A6", "row 6");
@@ -150,7 +150,7 @@ TEST_F(UsersLines, AreHiddenAgainRightBesideAGroupThatTheUserOpens) {
   EXPECT_EQ(takeBack(), "4 5 6 ");
 }
 
-TEST_F(UsersLines, AreHiddenAgainBesideAGroupThatTheUserCloses) {
+TEST_F(UsersRows, AreHiddenAgainBesideAGroupThatTheUserCloses) {
   hands->groupRows(name, "One", "A7:A8");
   reveal("One!A4:A6", "rows 4\u20136");
   hands->collapseRows(name, "One", "A7:A8");
@@ -160,7 +160,7 @@ TEST_F(UsersLines, AreHiddenAgainBesideAGroupThatTheUserCloses) {
 }
 
 // The rows beside the group tell nothing of it, and hide what tells.
-TEST_F(UsersLines, AreHiddenAgainInAGroupWithOtherHiddenRowsRightBesideThem) {
+TEST_F(UsersRows, AreHiddenAgainInAGroupWithOtherHiddenRowsRightBesideThem) {
   hands->groupRows(name, "One", "A7:A8");
   hands->collapseRows(name, "One", "A7:A8");
   reveal("One!A7", "row 7");
@@ -170,7 +170,7 @@ TEST_F(UsersLines, AreHiddenAgainInAGroupWithOtherHiddenRowsRightBesideThem) {
 }
 
 // As where he ends it: a filter that is no more hides nothing.
-TEST_F(UsersLines, StayVisibleWhereTheUserUndoesTheFilterThatHidThem) {
+TEST_F(UsersRows, StayVisibleWhereTheUserUndoesTheFilterThatHidThem) {
   hands->filter(name, "One", "A1:A9", 0, "odd");
   reveal("One!A2", "row 2");
   hands->undo(name);
@@ -181,7 +181,7 @@ TEST_F(UsersLines, StayVisibleWhereTheUserUndoesTheFilterThatHidThem) {
 }
 
 // Then they are as we have left them.
-TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterOverThem) {
+TEST_F(UsersRows, AreHiddenAgainWhereTheUserUndoesAFilterOverThem) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   lookAtMarks();
@@ -192,7 +192,7 @@ TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterOverThem) {
   EXPECT_EQ(hidden("One"), "2 4 6 8 ");
 }
 
-TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesSeveralSteps) {
+TEST_F(UsersRows, AreHiddenAgainWhereTheUserUndoesSeveralSteps) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->enter(name, "One", "C1", "before");
   hands->filter(name, "One", "A1:A9", 0, "odd");
@@ -205,7 +205,7 @@ TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesSeveralSteps) {
   EXPECT_EQ(takeBack(), "4 5 6 ");
 }
 
-TEST_F(UsersLines, StayVisibleWhereTheUserHasUndoneLessThanTheFilterOverThem) {
+TEST_F(UsersRows, StayVisibleWhereTheUserHasUndoneLessThanTheFilterOverThem) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   lookAtMarks();
@@ -216,7 +216,7 @@ TEST_F(UsersLines, StayVisibleWhereTheUserHasUndoneLessThanTheFilterOverThem) {
 }
 
 // Calc keeps a hundred steps.
-TEST_F(UsersLines, StayVisibleAfterTheUsersFilterWhenTheUndoListIsFull) {
+TEST_F(UsersRows, StayVisibleAfterTheUsersFilterWhenTheUndoListIsFull) {
   for (int step = 1; step <= 101; ++step) hands->enter(name, "One", "C1", std::to_string(step));
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
@@ -228,7 +228,7 @@ TEST_F(UsersLines, StayVisibleAfterTheUsersFilterWhenTheUndoListIsFull) {
 }
 
 // The rows are not seen when they are taken back, and then they are, with no record left.
-TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterAfterTheyWereTakenBack) {
+TEST_F(UsersRows, AreHiddenAgainWhereTheUserUndoesAFilterAfterTheyWereTakenBack) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   EXPECT_EQ(takeBack(), "2 4 6 8 ");
@@ -238,7 +238,7 @@ TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterAfterTheyWereTakenBack
 }
 
 // The filter is undone under what was shown of its rows as well.
-TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterUnderThemToo) {
+TEST_F(UsersRows, AreHiddenAgainWhereTheUserUndoesAFilterUnderThemToo) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->filter(name, "One", "A1:A9", 0, "odd");
   reveal("One!A4", "row 4");
@@ -246,7 +246,7 @@ TEST_F(UsersLines, AreHiddenAgainWhereTheUserUndoesAFilterUnderThemToo) {
   EXPECT_EQ(takeBack(), "4 5 6 ");
 }
 
-TEST_F(UsersLines, StayVisibleInAWorkbookThatWasOpenedAnew) {
+TEST_F(UsersRows, StayVisibleInAWorkbookThatWasOpenedAnew) {
   reveal("One!A4:A6", "rows 4\u20136");
   hands->save(name);
   hands->close(name);
@@ -256,7 +256,7 @@ TEST_F(UsersLines, StayVisibleInAWorkbookThatWasOpenedAnew) {
   EXPECT_EQ(takeBack(), "");
 }
 
-TEST_F(UsersLines, AreHiddenOnTheCopyOfTheirSheetAtOnce) {
+TEST_F(UsersRows, AreHiddenOnTheCopyOfTheirSheetAtOnce) {
   hands->hideColumns(name, "One", "C1:D1");
   reveal("One!A5:C5", "row 5, column C");
   hands->insertRows(name, "One", 2, 1);
@@ -270,7 +270,7 @@ TEST_F(UsersLines, AreHiddenOnTheCopyOfTheirSheetAtOnce) {
 }
 
 // An office may give the shapes on a copy names of their own.
-TEST_F(UsersLines, AreHiddenWhereTheNoteHasGotAnotherName) {
+TEST_F(UsersRows, AreHiddenWhereTheNoteHasGotAnotherName) {
   reveal("One!A5", "row 5");
   hands->draw(name, "Home", hands->shapes(name, "One").at(0) + " 1");
   hands->copySheet(name, "Home", "Copy");
@@ -279,7 +279,7 @@ TEST_F(UsersLines, AreHiddenWhereTheNoteHasGotAnotherName) {
   EXPECT_EQ(takeBack(), "4 5 6 ");
 }
 
-TEST_F(UsersLines, AreHiddenOnTheCopyInAnotherWorkbookBeforeTheyAreTakenBack) {
+TEST_F(UsersRows, AreHiddenOnTheCopyInAnotherWorkbookBeforeTheyAreTakenBack) {
   const std::string other = "Other.xlsx";
   fakes::writeXlsx({.name = other, .sheets = {{"Home", {{"A1", 1.0}}}}}, folder / other);
   road.open(folder / other);
@@ -292,7 +292,7 @@ TEST_F(UsersLines, AreHiddenOnTheCopyInAnotherWorkbookBeforeTheyAreTakenBack) {
   hands->close(other);
 }
 
-TEST_F(UsersLines, LeaveNothingOfOursInTheFile) {
+TEST_F(UsersRows, LeaveNothingOfOursInTheFile) {
   reveal("One!A5", "row 5");
   ASSERT_EQ(hands->shapes(name, "One").size(), 1U);
   hands->save(name);

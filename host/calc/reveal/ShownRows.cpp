@@ -1,4 +1,4 @@
-#include "host/calc/reveal/ShownLines.h"
+#include "host/calc/reveal/ShownRows.h"
 
 #include <algorithm>
 #include <array>
@@ -42,10 +42,10 @@ std::string newKey(const Workbook& workbook) {
   return prefixOf(workbook) + std::to_string(random()) + "-" + std::to_string(random());
 }
 
-// Lines as they are kept, with the numbers that they had when they were shown.
-struct Line {
+// Rows as they are kept, with the numbers that they had when they were shown.
+struct Row {
   int number = 0;
-  ShownLines::State state = ShownLines::State::hidden;
+  ShownRows::State state = ShownRows::State::hidden;
   bool isFiltered = false;
   int filter = -1;                     // the place of its text, or none
   Cells cells;                         // none once it is over
@@ -54,14 +54,14 @@ struct Line {
 struct Kept {
   std::string owner;
   SheetRef sheet;
-  Lines kind = Lines::rows;
+  Axis axis = Axis::rows;
   Page page;
-  std::vector<Line> lines;
+  std::vector<Row> rows;
   std::vector<Cells> besides;
   std::vector<std::string> filters;
 };
 
-// The order of the parts, each a sequence of one kind of thing for all lines.
+// The order of the parts, each a sequence of one kind of thing for all rows.
 enum Part {
   namesPart,
   rowsPart,
@@ -72,7 +72,7 @@ enum Part {
   filtersPart,
   partCount
 };
-// What is told of a line by numbers.
+// What is told of a row by numbers.
 enum Field {
   numberField,
   stateField,
@@ -86,17 +86,17 @@ enum Field {
 Any written(const Kept& kept) {
   std::vector<sal_Int32> numbers;
   std::vector<Cells> cells;
-  for (const Line& line : kept.lines) {
+  for (const Row& row : kept.rows) {
     numbers.insert(numbers.end(),
-                   {line.number, static_cast<sal_Int32>(line.state), line.isFiltered ? 1 : 0,
-                    line.filter, line.besides[0], line.besides[1]});
-    cells.push_back(line.cells);
+                   {row.number, static_cast<sal_Int32>(row.state), row.isFiltered ? 1 : 0,
+                    row.filter, row.besides[0], row.besides[1]});
+    cells.push_back(row.cells);
   }
   const std::vector<rtl::OUString> names{toUno(kept.sheet.book), toUno(kept.sheet.sheet),
                                          toUno(kept.owner)};
   std::vector<rtl::OUString> filters;
   for (const std::string& filter : kept.filters) filters.push_back(toUno(filter));
-  return Any(sequenceOf<Any>({Any(sequenceOf(names)), Any(kept.kind == Lines::rows), Any(kept.page),
+  return Any(sequenceOf<Any>({Any(sequenceOf(names)), Any(kept.axis == Axis::rows), Any(kept.page),
                               Any(sequenceOf(numbers)), Any(sequenceOf(cells)),
                               Any(sequenceOf(kept.besides)), Any(sequenceOf(filters))}));
 }
@@ -119,33 +119,33 @@ std::optional<Kept> keptIn(const Any& value) {
   parts[pagePart] >>= kept.page;
   kept.sheet = {toText(names[0]), toText(names[1])};
   kept.owner = toText(names[2]);
-  kept.kind = rows ? Lines::rows : Lines::columns;
+  kept.axis = rows ? Axis::rows : Axis::columns;
   kept.besides.assign(besides.begin(), besides.end());
   for (const rtl::OUString& filter : filters) kept.filters.push_back(toText(filter));
   for (sal_Int32 i = 0; i < cells.getLength(); ++i) {
     const sal_Int32* const fields = numbers.getConstArray() + i * fieldCount;
-    kept.lines.push_back({fields[numberField],
-                          static_cast<ShownLines::State>(fields[stateField]),
-                          fields[filteredField] != 0,
-                          fields[filterField],
-                          cells[i],
-                          {fields[firstBeside], fields[secondBeside]}});
+    kept.rows.push_back({fields[numberField],
+                         static_cast<ShownRows::State>(fields[stateField]),
+                         fields[filteredField] != 0,
+                         fields[filterField],
+                         cells[i],
+                         {fields[firstBeside], fields[secondBeside]}});
   }
   return kept;
 }
 
-// Makes what follows the cells of a line of the sheet: one call each.
-class CellsOfLines {
+// Makes what follows the cells of a row of the sheet: one call each.
+class CellsOfRows {
  public:
-  CellsOfLines(const Reference<css::sheet::XSpreadsheet>& sheet, Lines kind)
+  CellsOfRows(const Reference<css::sheet::XSpreadsheet>& sheet, Axis axis)
       : query_(sheet, UNO_QUERY_THROW),
         address_(Reference<css::sheet::XCellRangeAddressable>(sheet, UNO_QUERY_THROW)
                      ->getRangeAddress()),
-        kind_(kind) {}
+        axis_(axis) {}
 
   Cells of(int number) const {
     css::table::CellRangeAddress address = address_;
-    if (kind_ == Lines::rows) {
+    if (axis_ == Axis::rows) {
       address.StartRow = address.EndRow = number - 1;
     } else {
       address.StartColumn = address.EndColumn = number - 1;
@@ -156,7 +156,7 @@ class CellsOfLines {
  private:
   const Reference<css::sheet::XCellRangesQuery> query_;
   const css::table::CellRangeAddress address_;
-  const Lines kind_;
+  const Axis axis_;
 };
 
 // The sheet with that page, which is probably at that position. Where sheets were removed the
@@ -177,34 +177,34 @@ Reference<css::sheet::XSpreadsheet> sheetWith(const Workbook& workbook, const Pa
   return {};
 }
 
-// Where the cells are that were one line; nothing where it is deleted or has another size.
-std::optional<std::pair<sal_Int32, int>> lineAt(const Cells& cells, Lines kind) {
+// Where the cells are that were one row; nothing where it is deleted or has another size.
+std::optional<std::pair<sal_Int32, int>> rowAt(const Cells& cells, Axis axis) {
   if (!cells.is()) return std::nullopt;
   const auto addresses = cells->getRangeAddresses();
   if (addresses.getLength() != 1) return std::nullopt;
   const Area area = areaOf(addresses[0]);
-  if (lineCount(area, kind) != 1) return std::nullopt;
-  return std::pair(sal_Int32{addresses[0].Sheet}, firstLine(area, kind));
+  if (countOn(area, axis) != 1) return std::nullopt;
+  return std::pair(sal_Int32{addresses[0].Sheet}, firstOn(area, axis));
 }
 
-// Stays so, and where the line is does not matter any more.
-bool isFinal(ShownLines::State state) {
-  return state == ShownLines::State::over || state == ShownLines::State::opened;
+// Stays so, and where the row is does not matter any more.
+bool isFinal(ShownRows::State state) {
+  return state == ShownRows::State::over || state == ShownRows::State::opened;
 }
 
 // Which of those under that key they are. Another may have forgotten some of them since, so it is
 // not their places that tell.
-std::set<int> numbersUnder(const std::string& key, const ShownLines::Entries& entries) {
+std::set<int> numbersUnder(const std::string& key, const ShownRows::Entries& entries) {
   std::set<int> numbers;
-  for (const ShownLines::Entry& each : entries)
+  for (const ShownRows::Entry& each : entries)
     if (each.key == key) numbers.insert(each.asked.number);
   return numbers;
 }
 
-void setLine(Line& line, ShownLines::State state) {
-  if (isFinal(line.state)) return;
-  line.state = state;
-  if (isFinal(state)) line.cells.clear();
+void setRow(Row& row, ShownRows::State state) {
+  if (isFinal(row.state)) return;
+  row.state = state;
+  if (isFinal(state)) row.cells.clear();
 }
 
 // Those that begin so; none without a memory.
@@ -217,17 +217,17 @@ std::vector<std::string> keysWith(const Reference<css::container::XNameContainer
   return keys;
 }
 
-std::set<std::string> keysOf(const ShownLines::Entries& entries) {
+std::set<std::string> keysOf(const ShownRows::Entries& entries) {
   std::set<std::string> keys;
-  for (const ShownLines::Entry& each : entries) keys.insert(each.key);
+  for (const ShownRows::Entry& each : entries) keys.insert(each.key);
   return keys;
 }
 
-// A line beside one that is hidden in the same way, but for us: what shows that one shows both.
-bool isHiddenBeside(const LineStates& states, const std::vector<int>& shown, int beside, int line) {
+// A row beside one that is hidden in the same way, but for us: what shows that one shows both.
+bool isHiddenBeside(const RowStates& states, const std::vector<int>& shown, int beside, int row) {
   const bool isHidden =
       states.isHidden(beside) || std::find(shown.begin(), shown.end(), beside) != shown.end();
-  return isHidden && states.isFiltered(beside) == states.isFiltered(line);
+  return isHidden && states.isFiltered(beside) == states.isFiltered(row);
 }
 
 // The place of the text among the others; none for an empty one.
@@ -241,10 +241,10 @@ int placeOf(const std::string& text, std::vector<std::string>& texts) {
 
 }  // namespace
 
-ShownLines::ShownLines(const Reference<css::uno::XComponentContext>& context, Owner owner)
+ShownRows::ShownRows(const Reference<css::uno::XComponentContext>& context, Owner owner)
     : memory_(context, css::uno::UNO_QUERY), owner_(std::move(owner)) {}
 
-void ShownLines::replace(const std::string& key, const Any& value) const {
+void ShownRows::replace(const std::string& key, const Any& value) const {
   try {
     memory_->replaceByName(toUno(key), value);
   } catch (const css::container::NoSuchElementException&) {
@@ -252,16 +252,16 @@ void ShownLines::replace(const std::string& key, const Any& value) const {
   }
 }
 
-std::string ShownLines::remember(const Workbook& workbook, const SheetRef& sheet, Lines kind,
-                                 const std::vector<int>& numbers, const LineStates& states,
-                                 const std::vector<int>& shown,
-                                 const std::vector<int>& others) const {
+std::string ShownRows::remember(const Workbook& workbook, const SheetRef& sheet, Axis axis,
+                                const std::vector<int>& numbers, const RowStates& states,
+                                const std::vector<int>& shown,
+                                const std::vector<int>& others) const {
   if (!memory_.is()) return {};
   const auto itself = sheetOf(workbook, sheet.sheet);
-  const CellsOfLines cells(itself, kind);
+  const CellsOfRows cells(itself, axis);
   std::optional<SheetFilters> filters;
-  if (kind == Lines::rows && !numbers.empty()) filters.emplace(workbook, itself);
-  Kept kept{owner_.text(), sheet, kind, drawPageOf(itself), {}, {}, {}};
+  if (axis == Axis::rows && !numbers.empty()) filters.emplace(workbook, itself);
+  Kept kept{owner_.text(), sheet, axis, drawPageOf(itself), {}, {}, {}};
   std::vector<int> sorted = numbers;
   std::sort(sorted.begin(), sorted.end());
   for (auto first = sorted.begin(); first != sorted.end();) {
@@ -269,46 +269,46 @@ std::string ShownLines::remember(const Workbook& workbook, const SheetRef& sheet
     while (end != sorted.end() && *end <= *(end - 1) + 1) ++end;
     std::array<int, 2> besides{-1, -1};
     for (const std::size_t side : {0U, 1U}) {
-      const int line = side == 0 ? *first : *(end - 1), beside = side == 0 ? line - 1 : line + 1;
-      if (!isHiddenBeside(states, shown, beside, line)) continue;
+      const int row = side == 0 ? *first : *(end - 1), beside = side == 0 ? row - 1 : row + 1;
+      if (!isHiddenBeside(states, shown, beside, row)) continue;
       besides[side] = static_cast<int>(kept.besides.size());
       kept.besides.push_back(cells.of(beside));
     }
     for (; first != end; ++first) {
       const int filter = filters ? placeOf(filters->over(*first), kept.filters) : -1;
-      kept.lines.push_back(
+      kept.rows.push_back(
           {*first, State::hidden, states.isFiltered(*first), filter, cells.of(*first), besides});
     }
   }
   for (const int number : others)
-    kept.lines.push_back({number, State::over, false, -1, {}, {-1, -1}});
-  if (kept.lines.empty()) return {};
+    kept.rows.push_back({number, State::over, false, -1, {}, {-1, -1}});
+  if (kept.rows.empty()) return {};
   const std::string key = newKey(workbook);
   memory_->insertByName(toUno(key), written(kept));
   return key;
 }
 
-void ShownLines::set(const Entries& entries, State state) const {
+void ShownRows::set(const Entries& entries, State state) const {
   for (const std::string& key : keysOf(entries)) {
     if (!memory_->hasByName(toUno(key))) continue;
     auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept) continue;
     const std::set<int> numbers = numbersUnder(key, entries);
-    for (Line& line : kept->lines)
-      if (numbers.contains(line.number)) setLine(line, state);
+    for (Row& row : kept->rows)
+      if (numbers.contains(row.number)) setRow(row, state);
     replace(key, written(*kept));
   }
 }
 
-void ShownLines::set(const std::string& key, State state) const {
+void ShownRows::set(const std::string& key, State state) const {
   if (key.empty()) return;
   auto kept = keptIn(memory_->getByName(toUno(key)));
   if (!kept) return;
-  for (Line& line : kept->lines) setLine(line, state);
+  for (Row& row : kept->rows) setRow(row, state);
   replace(key, written(*kept));
 }
 
-void ShownLines::forget(const Entries& entries) const {
+void ShownRows::forget(const Entries& entries) const {
   for (const std::string& key : keysOf(entries)) {
     if (!memory_->hasByName(toUno(key))) continue;
     auto kept = keptIn(memory_->getByName(toUno(key)));
@@ -317,13 +317,13 @@ void ShownLines::forget(const Entries& entries) const {
                  [](const Entry& each) { return each.state == State::taken && each.place; });
     const std::set<int> gone = numbersUnder(key, entries), owed = numbersUnder(key, taken);
     if (kept) {
-      std::erase_if(kept->lines, [&](const Line& line) {
-        return gone.contains(line.number) && !owed.contains(line.number);
+      std::erase_if(kept->rows, [&](const Row& row) {
+        return gone.contains(row.number) && !owed.contains(row.number);
       });
-      for (Line& line : kept->lines)
-        if (owed.contains(line.number)) setLine(line, State::owed);
+      for (Row& row : kept->rows)
+        if (owed.contains(row.number)) setRow(row, State::owed);
     }
-    if (kept && !kept->lines.empty()) {
+    if (kept && !kept->rows.empty()) {
       replace(key, written(*kept));
     } else {
       memory_->removeByName(toUno(key));
@@ -331,26 +331,26 @@ void ShownLines::forget(const Entries& entries) const {
   }
 }
 
-void ShownLines::read(const Workbook& workbook, const std::string& key, Entries& found) const {
+void ShownRows::read(const Workbook& workbook, const std::string& key, Entries& found) const {
   const auto kept = keptIn(memory_->getByName(toUno(key)));
   if (!kept) return;
   std::vector<std::optional<int>> besides;
   for (const Cells& cells : kept->besides) {
-    const auto line = lineAt(cells, kept->kind);
-    besides.push_back(line ? std::optional(line->second) : std::nullopt);
+    const auto row = rowAt(cells, kept->axis);
+    besides.push_back(row ? std::optional(row->second) : std::nullopt);
   }
   Reference<css::sheet::XSpreadsheet> sheet;
   std::string name;
   bool isSought = false;
-  for (const Line& line : kept->lines) {
+  for (const Row& row : kept->rows) {
     Entry& entry = found.emplace_back();
     entry.key = key;
     entry.owner = kept->owner;
-    entry.asked = {kept->sheet, kept->kind, line.number};
-    entry.state = line.state;
-    entry.isFiltered = line.isFiltered;
-    if (line.filter >= 0) entry.filter = kept->filters.at(static_cast<std::size_t>(line.filter));
-    const auto place = lineAt(line.cells, kept->kind);
+    entry.asked = {kept->sheet, kept->axis, row.number};
+    entry.state = row.state;
+    entry.isFiltered = row.isFiltered;
+    if (row.filter >= 0) entry.filter = kept->filters.at(static_cast<std::size_t>(row.filter));
+    const auto place = rowAt(row.cells, kept->axis);
     if (!place) continue;
     if (!std::exchange(isSought, true)) {
       sheet = sheetWith(workbook, kept->page, place->first);
@@ -359,31 +359,31 @@ void ShownLines::read(const Workbook& workbook, const std::string& key, Entries&
     }
     if (!sheet.is()) continue;
     entry.place = Place{sheet, name, place->second};
-    for (const int beside : line.besides)
+    for (const int beside : row.besides)
       if (beside >= 0 && besides.at(static_cast<std::size_t>(beside)))
         entry.neighbours.push_back(*besides[static_cast<std::size_t>(beside)]);
   }
 }
 
-ShownLines::Entries ShownLines::entries(const Workbook& workbook) const {
+ShownRows::Entries ShownRows::entries(const Workbook& workbook) const {
   Entries found;
   for (const std::string& key : keysWith(memory_, prefixOf(workbook))) read(workbook, key, found);
   std::erase_if(found, [](const Entry& each) { return each.state == State::owed; });
   return found;
 }
 
-ShownLines::Entries ShownLines::owed(const Workbook& workbook) const {
+ShownRows::Entries ShownRows::owed(const Workbook& workbook) const {
   Entries found;
   for (const std::string& key : keysWith(memory_, prefixOf(workbook))) read(workbook, key, found);
   std::erase_if(found, [](const Entry& each) { return each.state != State::owed; });
   return found;
 }
 
-void ShownLines::leaveToOthers(Entries& entries) const {
+void ShownRows::leaveToOthers(Entries& entries) const {
   std::erase_if(entries, [this](const Entry& each) { return !owner_.caresFor(each.owner); });
 }
 
-bool ShownLines::isAnothers(const std::string& id) const {
+bool ShownRows::isAnothers(const std::string& id) const {
   for (const std::string& key : keysWith(memory_, memoryPrefix)) {
     if (idOf(key) != id) continue;
     const auto kept = keptIn(memory_->getByName(toUno(key)));
@@ -392,45 +392,45 @@ bool ShownLines::isAnothers(const std::string& id) const {
   return false;
 }
 
-std::string ShownLines::idOf(const std::string& key) {
+std::string ShownRows::idOf(const std::string& key) {
   return key.substr(key.find('\n') + 1);
 }
 
-std::optional<ShownLines::Noted> ShownLines::noted(const std::string& id) const {
+std::optional<ShownRows::Noted> ShownRows::noted(const std::string& id) const {
   for (const std::string& key : keysWith(memory_, memoryPrefix)) {
     if (idOf(key) != id) continue;
     const auto kept = keptIn(memory_->getByName(toUno(key)));
     if (!kept) return std::nullopt;
-    Noted noted{kept->page, kept->kind, {}};
+    Noted noted{kept->page, kept->axis, {}};
     bool mayStay = false;
-    for (const Line& line : kept->lines) {
-      const auto place = line.state == State::owed ? std::nullopt : lineAt(line.cells, kept->kind);
+    for (const Row& row : kept->rows) {
+      const auto place = row.state == State::owed ? std::nullopt : rowAt(row.cells, kept->axis);
       if (!place) continue;
       mayStay = true;
-      if (line.state != State::taken) noted.numbers.push_back(place->second);
+      if (row.state != State::taken) noted.numbers.push_back(place->second);
     }
     return mayStay ? std::optional(std::move(noted)) : std::nullopt;
   }
   return std::nullopt;
 }
 
-bool ShownLines::isEmpty() const {
+bool ShownRows::isEmpty() const {
   return keysWith(memory_, memoryPrefix).empty();
 }
 
-ShownLines::Entries ShownLines::entriesElsewhere(const Workbook& workbook, const SheetRef& sheet,
-                                                 Lines kind) const {
+ShownRows::Entries ShownRows::entriesElsewhere(const Workbook& workbook, const SheetRef& sheet,
+                                               Axis axis) const {
   Entries found;
   const std::string its = prefixOf(workbook);
   for (const std::string& key : keysWith(memory_, memoryPrefix)) {
     if (key.starts_with(its)) continue;
     const auto kept = keptIn(memory_->getByName(toUno(key)));
-    if (!kept || kept->kind != kind || kept->sheet != sheet) continue;
-    for (const Line& line : kept->lines) {
+    if (!kept || kept->axis != axis || kept->sheet != sheet) continue;
+    for (const Row& row : kept->rows) {
       Entry& entry = found.emplace_back();
       entry.key = key;
-      entry.asked = {sheet, kind, line.number};
-      entry.state = line.state;
+      entry.asked = {sheet, axis, row.number};
+      entry.state = row.state;
     }
   }
   return found;

@@ -1,4 +1,4 @@
-// SheetLines: digests of the rows or columns of one sheet as they are now. Reads as much as it is
+// SheetRows: digests of the rows or columns of one sheet as they are now. Reads as much as it is
 // asked for and keeps it, so it is for one handler at most. Call thread.
 #pragma once
 
@@ -8,29 +8,29 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
-#include "host/calc/reveal/LineTrace.h"
-#include "host/calc/reveal/LineTraces.h"
+#include "host/calc/reveal/RowTrace.h"
+#include "host/calc/reveal/RowTraces.h"
 #include "host/calc/workbook/CalcWorkbooks.h"
 
 namespace quorin::host::calc {
 
-class SheetLines {
+class SheetRows {
  public:
-  SheetLines(const Workbook& workbook, const std::string& sheet, Lines kind);
+  SheetRows(const Workbook& workbook, const std::string& sheet, Axis axis);
 
   AreaTrace traceOf(const Area& area);
   // Where the area that left the trace is now, or nothing.
   std::optional<Area> find(const AreaTrace& trace, Area area);
 
  private:
-  LineDigest digest(int number);
-  std::vector<LineDigest> block(int index) const;
+  RowDigest digest(int number);
+  std::vector<RowDigest> block(int index) const;
 
   const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;
-  const Lines kind_;
+  const Axis axis_;
   Area used_;
-  int last_ = 0;  // line
-  std::map<int, std::vector<LineDigest>> blocks_;
+  int last_ = 0;  // that holds anything
+  std::map<int, std::vector<RowDigest>> blocks_;
 };
 
 }  // namespace quorin::host::calc

@@ -1,16 +1,16 @@
 #include <gtest/gtest.h>
 
-#include "host/calc/reveal/LineTrace.h"
+#include "host/calc/reveal/RowTrace.h"
 
 namespace quorin::host::calc {
 namespace {
 
 using Sheet = std::vector<std::string>;
 
-LineDigests digestsOf(const Sheet& sheet) {
+RowDigests digestsOf(const Sheet& sheet) {
   return [sheet](int number) {
     const auto index = static_cast<std::size_t>(number - 1);
-    return index < sheet.size() ? digestOf({sheet[index]}) : blankLine;
+    return index < sheet.size() ? digestOf({sheet[index]}) : blankRow;
   };
 }
 
@@ -18,29 +18,29 @@ int lastOf(const Sheet& sheet) {
   return static_cast<int>(sheet.size());
 }
 
-// Where a line of the sheet is found after it became another.
+// Where a row of the sheet is found after it became another.
 std::optional<int> found(const Sheet& before, int number, const Sheet& after) {
-  const LineTrace trace = traceOf(number, lastOf(before), digestsOf(before));
-  return findLine(trace, number, lastOf(after), digestsOf(after));
+  const RowTrace trace = traceOf(number, lastOf(before), digestsOf(before));
+  return findRow(trace, number, lastOf(after), digestsOf(after));
 }
 
 const Sheet fruit{"head", "apple", "pear", "fig", "plum", "kiwi", "lime", "date"};
 const Sheet turns{"head", "even", "odd", "even", "odd", "even", "odd", "even", "odd"};
 
-TEST(LineDigest, IsBlankForCellsThatHoldNothing) {
-  EXPECT_EQ(digestOf({}), blankLine);
-  EXPECT_EQ(digestOf({"", ""}), blankLine);
-  EXPECT_NE(digestOf({"", "a"}), blankLine);
+TEST(RowDigest, IsBlankForCellsThatHoldNothing) {
+  EXPECT_EQ(digestOf({}), blankRow);
+  EXPECT_EQ(digestOf({"", ""}), blankRow);
+  EXPECT_NE(digestOf({"", "a"}), blankRow);
 }
 
-TEST(LineDigest, TellsContentsApart) {
+TEST(RowDigest, TellsContentsApart) {
   EXPECT_NE(digestOf({"a"}), digestOf({"b"}));
   EXPECT_NE(digestOf({"ab", "c"}), digestOf({"a", "bc"}));
   EXPECT_NE(digestOf({"a"}), digestOf({"a", "a"}));
   EXPECT_EQ(digestOf({"a", "", "b"}), digestOf({"", "a", "b"}));
 }
 
-TEST(LineDigest, IsOfTheFirstEightCells) {
+TEST(RowDigest, IsOfTheFirstEightCells) {
   const std::vector<std::string> eight{"1", "2", "3", "4", "5", "6", "7", "8"};
   std::vector<std::string> nine = eight;
   nine.push_back("9");
@@ -48,14 +48,14 @@ TEST(LineDigest, IsOfTheFirstEightCells) {
   EXPECT_NE(digestOf({eight.begin(), eight.begin() + 7}), digestOf(eight));
 }
 
-TEST(LineTrace, FindsALineThatHasNotMoved) {
+TEST(RowTrace, FindsARowThatHasNotMoved) {
   EXPECT_EQ(found(fruit, 1, fruit), 1);
   EXPECT_EQ(found(fruit, 5, fruit), 5);
   EXPECT_EQ(found(turns, 4, turns), 4);
   EXPECT_EQ(found(fruit, 40, fruit), 40) << "below everything";
 }
 
-TEST(LineTrace, FindsALineThatHasMoved) {
+TEST(RowTrace, FindsARowThatHasMoved) {
   Sheet sheet = fruit;
   sheet.insert(sheet.begin() + 1, {"new", "newer", "newest"});
   EXPECT_EQ(found(fruit, 5, sheet), 8);
@@ -66,7 +66,7 @@ TEST(LineTrace, FindsALineThatHasMoved) {
   EXPECT_EQ(found(fruit, 4, sheet), 2);
 }
 
-TEST(LineTrace, GoesAsFarAsFiveHundredLines) {
+TEST(RowTrace, GoesAsFarAsFiveHundredRows) {
   Sheet sheet = fruit;
   sheet.insert(sheet.begin() + 1, 500, "new");
   EXPECT_EQ(found(fruit, 5, sheet), 505);
@@ -74,19 +74,19 @@ TEST(LineTrace, GoesAsFarAsFiveHundredLines) {
   EXPECT_EQ(found(fruit, 5, sheet), std::nullopt);
 }
 
-TEST(LineTrace, FindsALineInASheetThatHasGrown) {
+TEST(RowTrace, FindsARowInASheetThatHasGrown) {
   Sheet sheet = fruit;
   sheet.push_back("melon");
   EXPECT_EQ(found(fruit, 5, sheet), 5);
 }
 
-TEST(LineTrace, DoesNotFindALineThatIsGone) {
+TEST(RowTrace, DoesNotFindARowThatIsGone) {
   Sheet sheet = fruit;
   sheet.erase(sheet.begin() + 4);
   EXPECT_EQ(found(fruit, 5, sheet), std::nullopt);
 }
 
-TEST(LineTrace, DoesNotChooseAmongLinesThatLookAlike) {
+TEST(RowTrace, DoesNotChooseAmongRowsThatLookAlike) {
   Sheet sheet = turns;
   sheet.insert(sheet.begin() + 1, {"even", "odd"});
   EXPECT_EQ(found(turns, 5, sheet), std::nullopt);
@@ -98,7 +98,7 @@ TEST(LineTrace, DoesNotChooseAmongLinesThatLookAlike) {
       << "two with one side as it was";
 }
 
-TEST(LineTrace, FindsALineThatHoldsSomethingElseNow) {
+TEST(RowTrace, FindsARowThatHoldsSomethingElseNow) {
   Sheet sheet = fruit;
   sheet[4] = "prune";
   EXPECT_EQ(found(fruit, 5, sheet), 5);

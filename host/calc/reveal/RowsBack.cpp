@@ -1,4 +1,4 @@
-#include "host/calc/reveal/LinesBack.h"
+#include "host/calc/reveal/RowsBack.h"
 
 #include <algorithm>
 #include <list>
@@ -8,7 +8,7 @@
 #include <tuple>
 #include <utility>
 
-#include "host/calc/reveal/LineStates.h"
+#include "host/calc/reveal/RowStates.h"
 #include "host/calc/reveal/SheetFilters.h"
 
 namespace quorin::host::calc {
@@ -16,12 +16,12 @@ namespace {
 
 using css::sheet::XSpreadsheet;
 using css::uno::Reference;
-using Entry = ShownLines::Entry;
+using Entry = ShownRows::Entry;
 
-// The lines of one kind of one sheet as they are now.
+// The rows or the columns of one sheet as they are now.
 struct Group {
-  LineStates states;
-  HiddenLines lines;
+  RowStates states;
+  HiddenRows rows;
   std::optional<SheetFilters> filters;  // of rows
 };
 
@@ -32,12 +32,12 @@ class Groups {
   // Of an entry with a place.
   Group& of(const Entry& entry) {
     const auto& [sheet, name, number] = *entry.place;
-    const Lines kind = entry.asked.kind;
+    const Axis axis = entry.asked.axis;
     for (Group& group : groups_)
-      if (group.lines.name == name && group.lines.kind == kind) return group;
+      if (group.rows.name == name && group.rows.axis == axis) return group;
     Group& group =
-        groups_.emplace_back(Group{LineStates(sheet, kind), {sheet, name, kind, {}}, std::nullopt});
-    if (kind == Lines::rows) group.filters.emplace(workbook_, sheet);
+        groups_.emplace_back(Group{RowStates(sheet, axis), {sheet, name, axis, {}}, std::nullopt});
+    if (axis == Axis::rows) group.filters.emplace(workbook_, sheet);
     return group;
   }
   std::list<Group>& all() { return groups_; }
@@ -47,13 +47,13 @@ class Groups {
   std::list<Group> groups_;
 };
 
-// Tells which shown lines of a workbook the user has made visible himself.
-class OpenedLines {
+// Tells which shown rows of a workbook the user has made visible himself.
+class OpenedRows {
  public:
-  explicit OpenedLines(const ShownLines::Entries& all) {
+  explicit OpenedRows(const ShownRows::Entries& all) {
     for (const Entry& each : all)
       if (!each.isOver() && each.place)
-        ours_[{each.asked.kind, each.place->name, each.place->number}] = &each;
+        ours_[{each.asked.axis, each.place->name, each.place->number}] = &each;
   }
 
   // It is visible, and has a place.
@@ -69,7 +69,7 @@ class OpenedLines {
       left.pop_back();
       for (const int beside : next.neighbours) {
         if (!seen.insert(beside).second) continue;
-        const auto own = ours_.find({entry.asked.kind, entry.place->name, beside});
+        const auto own = ours_.find({entry.asked.axis, entry.place->name, beside});
         if (own != ours_.end()) {
           left.push_back(own->second);
         } else if (group.states.isHidden(beside)) {
@@ -83,15 +83,15 @@ class OpenedLines {
   }
 
  private:
-  std::map<std::tuple<Lines, std::string, int>, const Entry*> ours_;
+  std::map<std::tuple<Axis, std::string, int>, const Entry*> ours_;
 };
 
 }  // namespace
 
-HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
-                           const ShownLines::Entries& entries, const ShownLines::Entries& all) {
+HiddenAgain hideShownRows(QuietChanges& changes, const Workbook& workbook,
+                          const ShownRows::Entries& entries, const ShownRows::Entries& all) {
   HiddenAgain again;
-  const OpenedLines opened(all);
+  const OpenedRows opened(all);
   Groups groups(workbook);
   for (const Entry& entry : entries) {
     if (entry.isOver() || !entry.place) continue;
@@ -100,22 +100,22 @@ HiddenAgain hideShownLines(QuietChanges& changes, const Workbook& workbook,
     if (opened.contains(entry, group)) {
       again.opened.push_back(entry);
     } else {
-      group.lines.numbers.push_back(entry.place->number);
+      group.rows.numbers.push_back(entry.place->number);
     }
   }
   for (Group& group : groups.all()) {
-    group.states.setHidden(changes, workbook, group.lines.numbers, true);
-    again.lines.push_back(std::move(group.lines));
+    group.states.setHidden(changes, workbook, group.rows.numbers, true);
+    again.rows.push_back(std::move(group.rows));
   }
   return again;
 }
 
-UsersLines usersLines(const Workbook& workbook, const ShownLines::Entries& all) {
-  UsersLines users;
-  const OpenedLines opened(all);
+UsersRows usersRows(const Workbook& workbook, const ShownRows::Entries& all) {
+  UsersRows users;
+  const OpenedRows opened(all);
   Groups groups(workbook);
   for (const Entry& entry : all) {
-    if (entry.state != ShownLines::State::shown || !entry.place) continue;
+    if (entry.state != ShownRows::State::shown || !entry.place) continue;
     const Group& group = groups.of(entry);
     if (group.states.isHidden(entry.place->number)) {
       users.hidden.push_back(entry);
@@ -126,8 +126,8 @@ UsersLines usersLines(const Workbook& workbook, const ShownLines::Entries& all) 
   return users;
 }
 
-SeenLines seenLines(const Workbook& workbook, const ShownLines::Entries& entries) {
-  SeenLines seen;
+SeenRows seenRows(const Workbook& workbook, const ShownRows::Entries& entries) {
+  SeenRows seen;
   Groups groups(workbook);
   for (const Entry& entry : entries) {
     if (!entry.place) continue;
@@ -137,13 +137,12 @@ SeenLines seenLines(const Workbook& workbook, const ShownLines::Entries& entries
   return seen;
 }
 
-void hideLines(QuietChanges& changes, const Workbook& workbook,
-               const ShownLines::Entries& entries) {
+void hideRows(QuietChanges& changes, const Workbook& workbook, const ShownRows::Entries& entries) {
   Groups groups(workbook);
   for (const Entry& entry : entries)
-    if (entry.place) groups.of(entry).lines.numbers.push_back(entry.place->number);
+    if (entry.place) groups.of(entry).rows.numbers.push_back(entry.place->number);
   for (Group& group : groups.all())
-    group.states.setHidden(changes, workbook, group.lines.numbers, true);
+    group.states.setHidden(changes, workbook, group.rows.numbers, true);
 }
 
 }  // namespace quorin::host::calc

@@ -1,23 +1,23 @@
-#include "host/calc/reveal/LineTrace.h"
+#include "host/calc/reveal/RowTrace.h"
 
 #include <algorithm>
 
 namespace quorin::host::calc {
 namespace {
 
-constexpr int own = LineTrace::reach;
-constexpr std::size_t toldBy = 8;         // cells of a line
-constexpr int farthest = 500;             // lines that it may have moved
-constexpr LineDigest beforeTheFirst = 1;  // stands for lines that a sheet does not have
-constexpr LineDigest least = 2;
+constexpr int own = RowTrace::reach;
+constexpr std::size_t toldBy = 8;        // cells of a row
+constexpr int farthest = 500;            // rows that it may have moved
+constexpr RowDigest beforeTheFirst = 1;  // stands for rows that a sheet does not have
+constexpr RowDigest least = 2;
 
-using Around = decltype(LineTrace::around);
+using Around = decltype(RowTrace::around);
 
-Around aroundOf(int number, const LineDigests& digests) {
+Around aroundOf(int number, const RowDigests& digests) {
   Around around{};
   for (int i = 0; i < static_cast<int>(around.size()); ++i) {
-    const int line = number - own + i;
-    around[static_cast<std::size_t>(i)] = line < 1 ? beforeTheFirst : digests(line);
+    const int row = number - own + i;
+    around[static_cast<std::size_t>(i)] = row < 1 ? beforeTheFirst : digests(row);
   }
   return around;
 }
@@ -29,17 +29,17 @@ bool sameAfter(const Around& one, const Around& other) {
   return std::equal(one.begin() + own + 1, one.end(), other.begin() + own + 1);
 }
 
-// The line itself, and what is on one side of it at least.
+// The row itself, and what is on one side of it at least.
 bool isLike(const Around& one, const Around& other) {
-  return one[own] == other[own] && one[own] != blankLine &&
+  return one[own] == other[own] && one[own] != blankRow &&
          (sameBefore(one, other) || sameAfter(one, other));
 }
 
 }  // namespace
 
 // FNV-1a, with an end to each cell.
-LineDigest digestOf(const std::vector<std::string>& cells) {
-  LineDigest digest = 14695981039346656037ULL;
+RowDigest digestOf(const std::vector<std::string>& cells) {
+  RowDigest digest = 14695981039346656037ULL;
   const auto add = [&digest](unsigned char byte) { digest = (digest ^ byte) * 1099511628211ULL; };
   std::size_t filled = 0;
   for (const std::string& cell : cells) {
@@ -48,27 +48,26 @@ LineDigest digestOf(const std::vector<std::string>& cells) {
     for (const char byte : cell) add(static_cast<unsigned char>(byte));
     add(0);
   }
-  return filled == 0 ? blankLine : std::max(digest, least);
+  return filled == 0 ? blankRow : std::max(digest, least);
 }
 
-LineTrace traceOf(int number, int last, const LineDigests& digests) {
+RowTrace traceOf(int number, int last, const RowDigests& digests) {
   return {aroundOf(number, digests), last};
 }
 
-std::optional<int> findLine(const LineTrace& trace, int number, int last,
-                            const LineDigests& digests) {
+std::optional<int> findRow(const RowTrace& trace, int number, int last, const RowDigests& digests) {
   const Around here = aroundOf(number, digests);
   const bool asLong = last == trace.last;
   if (asLong && here == trace.around) return number;
-  if (std::count(trace.around.begin(), trace.around.end(), blankLine) ==
+  if (std::count(trace.around.begin(), trace.around.end(), blankRow) ==
       static_cast<std::ptrdiff_t>(trace.around.size()))
     return std::nullopt;
   std::vector<int> same, alike;
   const int end = std::min(number + farthest, last + own);
-  for (int line = std::max(1, number - farthest); line <= end; ++line) {
-    const Around there = aroundOf(line, digests);
-    if (there == trace.around) same.push_back(line);
-    if (isLike(there, trace.around)) alike.push_back(line);
+  for (int row = std::max(1, number - farthest); row <= end; ++row) {
+    const Around there = aroundOf(row, digests);
+    if (there == trace.around) same.push_back(row);
+    if (isLike(there, trace.around)) alike.push_back(row);
   }
   if (same.size() == 1) return same.front();
   if (!same.empty()) return std::nullopt;

@@ -1,4 +1,4 @@
-// LineStates: whether the rows or columns of one sheet are hidden, as the office has them when that
+// RowStates: whether the rows or columns of one sheet are hidden, as the office has them when that
 // is first asked, and the change of that. Used for one handler at most, on any thread that may call
 // the office.
 #pragma once
@@ -14,17 +14,17 @@
 
 namespace quorin::host::calc {
 
-class LineStates {
+class RowStates {
  public:
-  LineStates(css::uno::Reference<css::sheet::XSpreadsheet> sheet, Lines kind);
+  RowStates(css::uno::Reference<css::sheet::XSpreadsheet> sheet, Axis axis);
 
-  // Of the line with that number, from 1. False beyond the end of the sheet.
+  // Of the row with that number, from 1. False beyond the end of the sheet.
   bool isHidden(int number) const;
   bool isFiltered(int number) const;  // a filter hides it, or would; no column is
 
-  // Hides or shows the lines. Those that are as wanted are left alone, and those that stand
+  // Hides or shows the rows. Those that are as wanted are left alone, and those that stand
   // together, or with nothing hidden between them that is to be shown, change in one go. Throws
-  // UNO's exceptions; some may have changed by then. What was known of the lines is forgotten.
+  // UNO's exceptions; some may have changed by then. What was known of the rows is forgotten.
   void setHidden(QuietChanges& changes, const Workbook& workbook, std::vector<int> numbers,
                  bool hide);
 
@@ -33,10 +33,10 @@ class LineStates {
   bool allShown(int first, int last) const;
 
   const css::uno::Reference<css::sheet::XSpreadsheet> sheet_;
-  const Lines kind_;
-  const css::uno::Reference<css::container::XIndexAccess> lines_;
+  const Axis axis_;
+  const css::uno::Reference<css::container::XIndexAccess> rows_;
   const int count_;
-  mutable std::optional<QuietChanges::LineSpans> shown_;  // all runs of visible lines, sorted
+  mutable std::optional<QuietChanges::RowSpans> shown_;  // all runs of visible rows, sorted
 };
 
 }  // namespace quorin::host::calc

@@ -1,28 +1,28 @@
-#include "host/calc/keeper/TakenLines.h"
+#include "host/calc/keeper/TakenRows.h"
 
 #include <algorithm>
 
 namespace quorin::host::calc {
 
-void TakenLines::begin(const UndoList::Place& place) {
+void TakenRows::begin(const UndoList::Place& place) {
   now_ = place.now;
   lowest_ = std::min(lowest_, place.lowest);
 }
 
-void TakenLines::looked() {
+void TakenRows::looked() {
   last_ = lowest_ = now_;
 }
 
-bool TakenLines::take(const ShownLines::Entry& line) {
+bool TakenRows::take(const ShownRows::Entry& row) {
   const int ours = std::min(last_, lowest_);
   if (now_ <= ours) return false;
-  lines_[idOf(line)] = {ours, now_};
+  rows_[idOf(row)] = {ours, now_};
   return true;
 }
 
-bool TakenLines::isUndone(const ShownLines::Entry& line, bool isVisible) {
-  const auto found = lines_.find(idOf(line));
-  if (found == lines_.end() || lowest_ >= found->second.his) return false;
+bool TakenRows::isUndone(const ShownRows::Entry& row, bool isVisible) {
+  const auto found = rows_.find(idOf(row));
+  if (found == rows_.end() || lowest_ >= found->second.his) return false;
   if (isVisible) return true;
   // He has hidden it once more since, or by a step that nobody has looked after.
   Places& places = found->second;
@@ -31,8 +31,8 @@ bool TakenLines::isUndone(const ShownLines::Entry& line, bool isVisible) {
   return false;
 }
 
-void TakenLines::forget(const ShownLines::Entry& line) {
-  lines_.erase(idOf(line));
+void TakenRows::forget(const ShownRows::Entry& row) {
+  rows_.erase(idOf(row));
 }
 
 }  // namespace quorin::host::calc

@@ -1,4 +1,4 @@
-// ShownLinesFile: "shown-lines.json", where a spreadsheet keeps what tells the lines that it has
+// ShownRowsFile: "shown-lines.json", where a spreadsheet keeps what tells the rows that it has
 // shown after their workbook was closed and opened again. What is in it is the spreadsheet's
 // affair.
 #pragma once
@@ -9,15 +9,15 @@
 
 namespace quorin {
 
-class ShownLinesFile {
+class ShownRowsFile {
  public:
   // As a RecordFile.
-  ShownLinesFile(const std::filesystem::path& folder, FileSystem& files, DiagLog* log)
+  ShownRowsFile(const std::filesystem::path& folder, FileSystem& files, DiagLog* log)
       : file_(folder / name, name, files, log) {}
 
   const std::filesystem::path& url() const { return file_.url(); }
   JSONValue::Array load() const { return file_.records(); }
-  // Does not wait for the disk: lines whose traces are lost are told by their numbers. Throws as
+  // Does not wait for the disk: rows whose traces are lost are told by their numbers. Throws as
   // RecordFile::replace does.
   void save(const JSONValue::Array& all) const { file_.replace(all, AtomicFile::Sync::none); }
   void clear() const { file_.clear(); }

@@ -1,4 +1,4 @@
-#include "host/calc/cells/CalcLines.h"
+#include "host/calc/cells/CalcRows.h"
 
 #include <algorithm>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
@@ -41,7 +41,7 @@ struct Shown {
   std::vector<Run> rows, columns;
 };
 
-Shown shownLines(const Workbook& workbook, const std::string& sheet, const Area& area) {
+Shown shownRows(const Workbook& workbook, const std::string& sheet, const Area& area) {
   const Reference<css::sheet::XCellRangesQuery> query(cellsOf(workbook, sheet, area),
                                                       UNO_QUERY_THROW);
   Shown shown;
@@ -55,15 +55,15 @@ Shown shownLines(const Workbook& workbook, const std::string& sheet, const Area&
 
 }  // namespace
 
-std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines,
+std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Axis axis,
                               const CallLimits& limits) {
   long long total = 0, visible = 0;
   for (const Area& area : range.areas) {
     limits.check();
-    total += lineCount(area, lines);
-    // In a part of a line, hidden lines the other way would count.
-    const Shown shown = shownLines(workbook, range.sheet.sheet, wholeLines(area, lines));
-    for (const Run& run : lines == Lines::rows ? shown.rows : shown.columns) {
+    total += countOn(area, axis);
+    // In a part of a row hidden columns would count, and in a part of a column hidden rows.
+    const Shown shown = shownRows(workbook, range.sheet.sheet, wholeRows(area, axis));
+    for (const Run& run : axis == Axis::rows ? shown.rows : shown.columns) {
       visible += run.last - run.first + 1;
     }
   }
@@ -77,7 +77,7 @@ std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRe
   RangeRef visible{range.sheet, {}};
   for (const Area& area : range.areas) {
     limits.check();
-    const Shown shown = shownLines(workbook, range.sheet.sheet, area);
+    const Shown shown = shownRows(workbook, range.sheet.sheet, area);
     if (shown.rows.size() * shown.columns.size() > mostPieces) {
       throw SpreadsheetError(eventErrors::handlerFailed,
                              "Too many of the rows and columns are hidden");

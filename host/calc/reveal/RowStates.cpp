@@ -1,4 +1,4 @@
-#include "host/calc/reveal/LineStates.h"
+#include "host/calc/reveal/RowStates.h"
 
 #include <algorithm>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
@@ -18,35 +18,35 @@ using css::uno::UNO_QUERY_THROW;
 // In one step of the office's, which the user waits for.
 constexpr std::size_t mostSpans = 50;
 
-Reference<css::container::XIndexAccess> linesOf(const Reference<css::sheet::XSpreadsheet>& sheet,
-                                                Lines kind) {
+Reference<css::container::XIndexAccess> rowsOf(const Reference<css::sheet::XSpreadsheet>& sheet,
+                                               Axis axis) {
   const Reference<css::table::XColumnRowRange> cells(sheet, UNO_QUERY_THROW);
-  if (kind == Lines::rows) return {cells->getRows(), UNO_QUERY_THROW};
+  if (axis == Axis::rows) return {cells->getRows(), UNO_QUERY_THROW};
   return {cells->getColumns(), UNO_QUERY_THROW};
 }
 
-bool flagOf(const Reference<css::container::XIndexAccess>& lines, int number, const char* name) {
+bool flagOf(const Reference<css::container::XIndexAccess>& rows, int number, const char* name) {
   bool value = false;
-  Reference<css::beans::XPropertySet>(lines->getByIndex(number - 1), UNO_QUERY_THROW)
+  Reference<css::beans::XPropertySet>(rows->getByIndex(number - 1), UNO_QUERY_THROW)
       ->getPropertyValue(rtl::OUString::createFromAscii(name)) >>= value;
   return value;
 }
 
 }  // namespace
 
-LineStates::LineStates(Reference<css::sheet::XSpreadsheet> sheet, Lines kind)
+RowStates::RowStates(Reference<css::sheet::XSpreadsheet> sheet, Axis axis)
     : sheet_(std::move(sheet)),
-      kind_(kind),
-      lines_(linesOf(sheet_, kind)),
-      count_(lines_->getCount()) {}
+      axis_(axis),
+      rows_(rowsOf(sheet_, axis)),
+      count_(rows_->getCount()) {}
 
-// Asks for all lines at once: for the cells that are visible where they cross a line that is. Where
-// none of those that are tried is, each line is asked for when it is needed.
-void LineStates::look() const {
+// Asks for all rows at once: for the visible cells of a column that is visible itself; for all
+// columns likewise. Where none of those that are tried is, each is asked for when it is needed.
+void RowStates::look() const {
   if (shown_) return;
   constexpr int mostTries = 20;
-  const bool rows = kind_ == Lines::rows;
-  const auto across = linesOf(sheet_, rows ? Lines::columns : Lines::rows);
+  const bool rows = axis_ == Axis::rows;
+  const auto across = rowsOf(sheet_, rows ? Axis::columns : Axis::rows);
   for (int crossing = 1; crossing <= mostTries; ++crossing) {
     if (!flagOf(across, crossing, "IsVisible")) continue;
     const Area strip =
@@ -55,7 +55,7 @@ void LineStates::look() const {
     shown_.emplace();
     for (const auto& address : answered(query->queryVisibleCells())->getRangeAddresses()) {
       const Area part = areaOf(address);
-      shown_->emplace_back(firstLine(part, kind_), lastLine(part, kind_));
+      shown_->emplace_back(firstOn(part, axis_), lastOn(part, axis_));
     }
     std::sort(shown_->begin(), shown_->end());
     return;
@@ -63,7 +63,7 @@ void LineStates::look() const {
 }
 
 // True if none of these is hidden, also when there are none.
-bool LineStates::allShown(int first, int last) const {
+bool RowStates::allShown(int first, int last) const {
   if (first > last) return true;
   look();
   if (!shown_) return false;
@@ -71,28 +71,28 @@ bool LineStates::allShown(int first, int last) const {
   return behind != shown_->begin() && last <= std::prev(behind)->second;
 }
 
-bool LineStates::isHidden(int number) const {
+bool RowStates::isHidden(int number) const {
   if (number < 1 || number > count_) return false;
   look();
-  return shown_ ? !allShown(number, number) : !flagOf(lines_, number, "IsVisible");
+  return shown_ ? !allShown(number, number) : !flagOf(rows_, number, "IsVisible");
 }
 
-bool LineStates::isFiltered(int number) const {
-  return kind_ == Lines::rows && number >= 1 && number <= count_ &&
-         flagOf(lines_, number, "IsFiltered");
+bool RowStates::isFiltered(int number) const {
+  return axis_ == Axis::rows && number >= 1 && number <= count_ &&
+         flagOf(rows_, number, "IsFiltered");
 }
 
 // A row that a filter hides stays the filter's while it is shown: it does not count in subtotals,
 // and ending the filter shows it again. Showing it would make it the user's own.
-void LineStates::setHidden(QuietChanges& changes, const Workbook& workbook,
-                           std::vector<int> numbers, bool hide) {
+void RowStates::setHidden(QuietChanges& changes, const Workbook& workbook, std::vector<int> numbers,
+                          bool hide) {
   std::sort(numbers.begin(), numbers.end());
   numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
   std::erase_if(numbers, [&](int number) { return isHidden(number) == hide; });
   if (numbers.empty()) return;
-  QuietChanges::LineSpans spans, filtered;
+  QuietChanges::RowSpans spans, filtered;
   const auto change = [&] {
-    changes.setLines(workbook, sheet_, kind_, spans, filtered, hide);
+    changes.setRows(workbook, sheet_, axis_, spans, filtered, hide);
     spans.clear();
     filtered.clear();
   };

@@ -1,4 +1,4 @@
-// CalcLines: rows and columns that are hidden, and what a window shows. Call thread.
+// CalcRows: rows and columns that are hidden, and what a window shows. Call thread.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace quorin::host::calc {
 
-std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Lines lines,
+std::optional<bool> areHidden(const Workbook& workbook, const RangeRef& range, Axis axis,
                               const CallLimits& limits);
 // SpreadsheetError -10000 when they are in more pieces than anything could be done with.
 std::optional<RangeRef> findVisibleCells(const Workbook& workbook, const RangeRef& range,

@@ -1,4 +1,4 @@
-// LineTraces: what is kept on disk of the rows and columns that were shown, for the time when their
+// RowTraces: what is kept on disk of the rows and columns that were shown, for the time when their
 // workbook was closed and opened again. No contents, only digests of them. It outlives connections
 // and holds nothing of the office. Call thread.
 #pragma once
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/Spreadsheet.h"
-#include "host/calc/reveal/LineTrace.h"
+#include "host/calc/reveal/RowTrace.h"
 #include "kit/value/JSONValue.h"
 
 namespace quorin::host::calc {
@@ -26,24 +26,24 @@ struct TraceKeeping {
   }
 };
 
-// Of an area of whole lines: its first and its last.
+// Of an area of whole rows: its first and its last.
 struct AreaTrace {
-  LineTrace first, last;
+  RowTrace first, last;
 
   bool operator==(const AreaTrace&) const = default;
 };
 
-class LineTraces {
+class RowTraces {
  public:
   // Reads what is there when it is first asked. Nothing is kept where there is no place for it.
-  explicit LineTraces(TraceKeeping keeping = {}) : keeping_(std::move(keeping)) {}
+  explicit RowTraces(TraceKeeping keeping = {}) : keeping_(std::move(keeping)) {}
 
   // The area is asked for again by the same name and numbers. It is on disk when this returns, or
   // with the others of a handler, whose first one is. Throws SpreadsheetError -10000 when it cannot
   // be written.
-  void remember(const SheetRef& sheet, const Area& area, Lines kind, const AreaTrace& trace);
-  void forget(const SheetRef& sheet, const Area& area, Lines kind);
-  const AreaTrace* find(const SheetRef& sheet, const Area& area, Lines kind);
+  void remember(const SheetRef& sheet, const Area& area, Axis axis, const AreaTrace& trace);
+  void forget(const SheetRef& sheet, const Area& area, Axis axis);
+  const AreaTrace* find(const SheetRef& sheet, const Area& area, Axis axis);
 
   // Writes what is not written yet. Gives why that failed; it is tried again with the next.
   std::string flush();
@@ -51,13 +51,13 @@ class LineTraces {
  private:
   struct Entry {
     SheetRef sheet;
-    Lines kind;
+    Axis axis;
     int first, last;
     AreaTrace trace;
   };
   static bool read(const JSONValue& record, Entry& entry);
   static JSONValue written(const Entry& entry);
-  std::vector<Entry>::iterator place(const SheetRef& sheet, const Area& area, Lines kind);
+  std::vector<Entry>::iterator place(const SheetRef& sheet, const Area& area, Axis axis);
   void load();
 
   TraceKeeping keeping_;
