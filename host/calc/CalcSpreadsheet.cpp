@@ -259,11 +259,10 @@ Grid<CellValue> CalcSpreadsheet::formulas(const RangeRef& range, ReferenceStyle 
     // A chain that was given up is found by what stands in it, and closed.
     if (auto* scratch = office.scratch().find(range.sheet.book))
       return scratch->formulas(range, CallLimits());
-    Workbook& workbook = office.workbook(range.sheet.book);
-    Grid<CellValue> values = readValues(workbook, range, limits_);
-    memory_.noteErrors(range, values);
-    memory_.keepValues(range, values);
-    return readFormulas(workbook, range, style, std::move(values), limits_);
+    CellContents read = readContents(office.workbook(range.sheet.book), range, style, limits_);
+    memory_.noteErrors(range, read.values);
+    memory_.keepValues(range, std::move(read.values));
+    return std::move(read.formulas);
   });
 }
 
@@ -276,10 +275,14 @@ Grid<CellValue> CalcSpreadsheet::localFormulas(const RangeRef& range) {
 Grid<std::string> CalcSpreadsheet::displayedTexts(const RangeRef& range) {
   if (auto known = memory_.takeTexts(range)) return *std::move(known);
   const RangeRef asked = memory_.textsAskedNext(range);
-  const Errors errors = memory_.hasNoErrors(asked) ? Errors::none : Errors::possible;
-  const Texts length = memory_.hasShortTexts(asked) ? Texts::shortOnes : Texts::anyLength;
   Grid<std::string> texts = call([&](CalcSession& office) {
-    return readTexts(office.workbook(range.sheet.book), asked, errors, length, limits_);
+    const bool areKnown = memory_.knowsErrors(asked);
+    const Errors errors = areKnown || memory_.hasNoErrors(asked) ? Errors::none : Errors::possible;
+    const Texts length = memory_.hasShortTexts(asked) ? Texts::shortOnes : Texts::anyLength;
+    Grid<std::string> read =
+        readTexts(office.workbook(range.sheet.book), asked, errors, length, limits_);
+    if (areKnown) memory_.nameErrors(asked, read);
+    return read;
   });
   if (asked == range) return texts;
   Grid<std::string> part = partOf(texts, asked.areas.front(), range.areas.front());

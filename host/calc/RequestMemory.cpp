@@ -16,6 +16,10 @@ bool holds(const RangeRef& known, const RangeRef& wanted) {
   return intersection(known.areas.front(), wanted.areas.front()) == wanted.areas.front();
 }
 
+bool isError(const CellValue& value) {
+  return std::holds_alternative<CellError>(value);
+}
+
 }  // namespace
 
 void RequestMemory::begin() {
@@ -77,9 +81,12 @@ RangeRef RequestMemory::textsAskedNext(const RangeRef& range) const {
   const Area& all = valuesRange_.areas.front();
   Area first = all;
   first.lastColumn = first.firstColumn;
-  const bool isAsked = range.areas.front() == first && valuesRange_.areas.size() == 1 &&
-                       cellCount({all}) <= mostCellsWithTexts && hasNoErrors(valuesRange_);
-  return isAsked ? valuesRange_ : range;
+  if (range.areas.front() != first || valuesRange_.areas.size() != 1 ||
+      cellCount({all}) > mostCellsWithTexts)
+    return range;
+  for (int row = 0; row < values_->rows; ++row)
+    if (isError(values_->at(row, 0))) return range;
+  return valuesRange_;
 }
 
 std::optional<Grid<std::string>> RequestMemory::takeTexts(const RangeRef& range) {
@@ -93,12 +100,25 @@ void RequestMemory::keepTexts(const RangeRef& range, Grid<std::string> texts) {
   texts_ = std::move(texts);
 }
 
+bool RequestMemory::knowsErrors(const RangeRef& range) const {
+  return values_ && holds(valuesRange_, range);
+}
+
+void RequestMemory::nameErrors(const RangeRef& range, Grid<std::string>& texts) const {
+  const Area& all = valuesRange_.areas.front();
+  const Area& part = range.areas.front();
+  for (int row = 0; row < texts.rows; ++row) {
+    for (int column = 0; column < texts.columns; ++column) {
+      const CellValue& value = values_->at(part.firstRow - all.firstRow + row,
+                                           part.firstColumn - all.firstColumn + column);
+      if (isError(value)) cellAt(texts, row, column) = std::get<CellError>(value).text;
+    }
+  }
+}
+
 void RequestMemory::noteErrors(const RangeRef& range, const Grid<CellValue>& values) {
   withoutErrors_.reset();
   if (!lasts_ || range.areas.empty()) return;
-  const auto isError = [](const CellValue& value) {
-    return std::holds_alternative<CellError>(value);
-  };
   if (std::none_of(values.cells.begin(), values.cells.end(), isError)) withoutErrors_ = range;
 }
 

@@ -45,7 +45,7 @@ class RequestMemory {
 
   // What is going to be asked for with these displayed texts: who looks at those of the first
   // column of what was read asks for all of them next, where there are not too many and no error
-  // stops it.
+  // in that column stops it.
   RangeRef textsAskedNext(const RangeRef& range) const;
   // Once, and only those of this very range.
   std::optional<Grid<std::string>> takeTexts(const RangeRef& range);
@@ -56,6 +56,10 @@ class RequestMemory {
 
   // True if the values that were read last say that there is no error in these cells.
   bool hasNoErrors(const RangeRef& range) const;
+  // True if the values that are kept say which of these cells are errors.
+  bool knowsErrors(const RangeRef& range) const;
+  // Puts what these are called in their places among the texts of the cells.
+  void nameErrors(const RangeRef& range, Grid<std::string>& texts) const;
   void noteErrors(const RangeRef& range, const Grid<CellValue>& values);
 
  private:

@@ -22,13 +22,10 @@ TEST(AreaGrid, CutsAnAreaIntoPiecesThatAreReadOneAfterTheOther) {
 // The pieces in which an area is read whose cells hold so many bytes of text each.
 std::string readIn(const char* address, std::size_t bytes, PieceSizes sizes = {}) {
   std::vector<Area> pieces;
-  inPieces(
-      parseA1(address).value().front(), CallLimits(),
-      [&](const Area& piece) {
-        pieces.push_back(piece);
-        return bytes * static_cast<std::size_t>(cellCount({piece}));
-      },
-      sizes);
+  inPieces(parseA1(address).value().front(), CallLimits(), sizes, [&](const Area& piece) {
+    pieces.push_back(piece);
+    return bytes * static_cast<std::size_t>(cellCount({piece}));
+  });
   return addressText(pieces);
 }
 

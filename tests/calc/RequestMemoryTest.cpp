@@ -12,6 +12,7 @@ RangeRef at(const char* address, const SheetRef& sheet = data) {
   return {sheet, parseA1(address).value()};
 }
 
+const CellError divided{"#DIV/0!"};
 const Grid<CellValue> block{2, 3, {1.0, 2.0, "c", 4.0, CellError{"#N/A"}, true}};
 
 class RequestMemoryTest : public testing::Test {
@@ -110,10 +111,28 @@ TEST_F(RequestMemoryTest, KnowsWhichTextsAreAskedForNext) {
     EXPECT_EQ(memory_.textsAskedNext(at(other)), at(other)) << other;
   }
   EXPECT_EQ(memory_.textsAskedNext(at("A1:A2", {"Book.xlsx", "Other"})).sheet.sheet, "Other");
-  // An error would end it after the first column.
-  memory_.keepValues(at("A1:C2"), block);
-  memory_.noteErrors(at("A1:C2"), block);
+  // Of errors those in the first column alone would end it there.
+  memory_.keepValues(at("A1:C2"), {2, 3, {1.0, 2.0, 3.0, 4.0, divided, 6.0}});
+  EXPECT_EQ(memory_.textsAskedNext(at("A1:A2")), at("A1:C2"));
+  memory_.keepValues(at("A1:C2"), {2, 3, {1.0, 2.0, 3.0, divided, 5.0, 6.0}});
   EXPECT_EQ(memory_.textsAskedNext(at("A1:A2")), at("A1:A2"));
+}
+
+TEST_F(RequestMemoryTest, NamesTheErrorsThatItKnows) {
+  EXPECT_FALSE(memory_.knowsErrors(at("A1")));
+  memory_.begin();
+  memory_.keepValues(at("B1:C2"), {2, 2, {1.0, divided, "text", CellError{"#N/A"}}});
+  EXPECT_FALSE(memory_.knowsErrors(at("B1:C3")));
+  ASSERT_TRUE(memory_.knowsErrors(at("C1:C2")));
+  Grid<std::string> texts{2, 1, {"#DIV/0 !", "#NV"}};  // as Calc calls them elsewhere
+  memory_.nameErrors(at("C1:C2"), texts);
+  EXPECT_EQ(texts.cells, (std::vector<std::string>{"#DIV/0!", "#N/A"}));
+  ASSERT_TRUE(memory_.knowsErrors(at("B2:C2")));
+  texts = {1, 2, {"text", "#NV"}};
+  memory_.nameErrors(at("B2:C2"), texts);
+  EXPECT_EQ(texts.cells, (std::vector<std::string>{"text", "#N/A"}));
+  memory_.forget();
+  EXPECT_FALSE(memory_.knowsErrors(at("B2:C2")));
 }
 
 TEST_F(RequestMemoryTest, ReadsNoMoreTextsAheadThanAreAskedFor) {

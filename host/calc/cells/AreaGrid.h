@@ -21,10 +21,12 @@ void refuseTooMany(const Area& area);
 // So many are read at once, so that the work can end between pieces.
 inline constexpr int cellsOfPiece = 2'500;
 
-// How many cells are read at once: few at first, where nothing is known of how long their texts
-// are.
+// So many where their texts are long, or where nothing is known of how long they are.
+inline constexpr int cellsOfFirstPiece = 200;
+
+// How many cells are read at once.
 struct PieceSizes {
-  int first = 200;
+  int next = cellsOfFirstPiece;  // as far as is known of those that were read before
   int most = cellsOfPiece;
 };
 
@@ -43,15 +45,13 @@ std::vector<Area> piecesOf(const Area& area, int most = cellsOfPiece);
 // be 160 MB, few are read at once. SpreadsheetError -1712 between two of them when the limits are
 // reached.
 template <typename Work>
-void inPieces(const Area& area, const CallLimits& limits, Work work, PieceSizes sizes = {}) {
-  constexpr int few = 200;
+void inPieces(const Area& area, const CallLimits& limits, PieceSizes& sizes, Work work) {
   constexpr long long longText = 1'000;  // bytes for each cell
-  int most = sizes.first;
   std::optional<Area> piece;
-  while ((piece = nextPiece(area, piece, most))) {
+  while ((piece = nextPiece(area, piece, sizes.next))) {
     limits.check();
     const auto bytes = static_cast<long long>(work(*piece));
-    most = bytes > longText * cellCount({*piece}) ? few : sizes.most;
+    sizes.next = bytes > longText * cellCount({*piece}) ? cellsOfFirstPiece : sizes.most;
   }
 }
 
@@ -117,18 +117,21 @@ void place(Grid<T> part, const Area& at, Grid<T>& whole, const Area& area) {
 // What `read` gives for each piece of the area, put together. SpreadsheetError for too many cells,
 // too much text, or when the limits are reached.
 template <typename T, typename Read>
-Grid<T> readInPieces(const Area& area, const CallLimits& limits, Read read, PieceSizes sizes = {}) {
-  Grid<T> grid = gridFor<T>(area);
+Grid<T> readInPieces(const Area& area, const CallLimits& limits, PieceSizes& sizes, Read read) {
+  refuseTooMany(area);
+  Grid<T> grid;
   TextRoom room;
-  inPieces(
-      area, limits,
-      [&](const Area& piece) {
-        Grid<T> part = read(piece);
-        const std::size_t bytes = room.take(part);
-        place(std::move(part), piece, grid, area);
-        return bytes;
-      },
-      sizes);
+  inPieces(area, limits, sizes, [&](const Area& piece) {
+    Grid<T> part = read(piece);
+    const std::size_t bytes = room.take(part);
+    if (piece == area) {
+      grid = std::move(part);
+    } else {
+      if (grid.cells.empty()) grid = gridFor<T>(area);
+      place(std::move(part), piece, grid, area);
+    }
+    return bytes;
+  });
   return grid;
 }
 

@@ -192,9 +192,10 @@ Grid<CellValue> valuesFrom(const Sequence<Sequence<Any>>& rows, Workbook& workbo
 
 namespace {
 
-Grid<CellValue> readPiece(Workbook& workbook, const std::string& name,
-                          const Reference<css::sheet::XSpreadsheet>& sheet, const Area& area,
-                          const CallLimits& limits) {
+using Sheet = Reference<css::sheet::XSpreadsheet>;
+
+Grid<CellValue> readPiece(Workbook& workbook, const std::string& name, const Sheet& sheet,
+                          const Area& area, const CallLimits& limits) {
   const Reference<XCellRange> cells = cellsOf(sheet, area);
   const Reference<css::sheet::XCellRangeData> source(cells, UNO_QUERY_THROW);
   return valuesFrom(cellData(source), workbook, name, area, cells, limits);
@@ -202,9 +203,9 @@ Grid<CellValue> readPiece(Workbook& workbook, const std::string& name,
 
 // The formulas of a piece of the area, in their places among the values. Gives the bytes of text
 // that the office told for them.
-std::size_t readPiece(const Reference<css::sheet::XSpreadsheet>& sheet, const Area& area,
-                      const Area& piece, FormulaTranslator& translator, TextRoom& room,
-                      Grid<CellValue>& grid, const CallLimits& limits) {
+std::size_t readPiece(const Sheet& sheet, const Area& area, const Area& piece,
+                      FormulaTranslator& translator, TextRoom& room, Grid<CellValue>& grid,
+                      const CallLimits& limits) {
   const Reference<css::sheet::XCellRangeFormula> source(cellsOf(sheet, piece), UNO_QUERY_THROW);
   const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
   std::string formula;
@@ -227,28 +228,48 @@ std::size_t readPiece(const Reference<css::sheet::XSpreadsheet>& sheet, const Ar
   return told;
 }
 
+// Goes on where a reading of the same sheet has ended: what is read is the same, however much of it
+// at once.
+Grid<CellValue> readValues(Workbook& workbook, const Sheet& sheet, const RangeRef& range,
+                           const CallLimits& limits) {
+  const Area& area = firstArea(range);
+  const bool tells = cellCount({area}) >= cellsOfFirstPiece;  // of how long the next texts are
+  PieceSizes sizes;
+  if (workbook.shortTextsOn == range.sheet.sheet) sizes.next = sizes.most;
+  if (tells) workbook.shortTextsOn.clear();
+  Grid<CellValue> values = readInPieces<CellValue>(area, limits, sizes, [&](const Area& piece) {
+    return readPiece(workbook, range.sheet.sheet, sheet, piece, limits);
+  });
+  if (tells && sizes.next == sizes.most) workbook.shortTextsOn = range.sheet.sheet;
+  return values;
+}
+
+Grid<CellValue> readFormulas(const Workbook& workbook, const Sheet& sheet, const Area& area,
+                             ReferenceStyle style, Grid<CellValue> values,
+                             const CallLimits& limits) {
+  FormulaTranslator translator(style, sheetTest(workbook));
+  TextRoom room;
+  PieceSizes sizes{cellsOfPiece, cellsOfPiece};
+  inPieces(area, limits, sizes, [&](const Area& piece) {
+    return readPiece(sheet, area, piece, translator, room, values, limits);
+  });
+  return values;
+}
+
 }  // namespace
 
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
-  const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
-  return readInPieces<CellValue>(firstArea(range), limits, [&](const Area& piece) {
-    return readPiece(workbook, range.sheet.sheet, sheet, piece, limits);
-  });
+  return readValues(workbook, sheetOf(workbook, range.sheet.sheet), range, limits);
 }
 
-Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
-                             Grid<CellValue> values, const CallLimits& limits) {
-  const Area& area = firstArea(range);
-  FormulaTranslator translator(style, sheetTest(workbook));
-  const Reference<css::sheet::XSpreadsheet> sheet = sheetOf(workbook, range.sheet.sheet);
-  TextRoom room;
-  inPieces(
-      area, limits,
-      [&](const Area& piece) {
-        return readPiece(sheet, area, piece, translator, room, values, limits);
-      },
-      PieceSizes{cellsOfPiece, cellsOfPiece});
-  return values;
+CellContents readContents(Workbook& workbook, const RangeRef& range, ReferenceStyle style,
+                          const CallLimits& limits) {
+  const Sheet sheet = sheetOf(workbook, range.sheet.sheet);
+  CellContents contents;
+  contents.values = readValues(workbook, sheet, range, limits);
+  contents.formulas =
+      readFormulas(workbook, sheet, firstArea(range), style, contents.values, limits);
+  return contents;
 }
 
 Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range,

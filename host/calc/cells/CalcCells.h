@@ -14,9 +14,12 @@ namespace quorin::host::calc {
 
 // All of the first area.
 Grid<CellValue> readValues(Workbook& workbook, const RangeRef& range, const CallLimits& limits);
-// `values` are those of the same cells: a constant is its own formula.
-Grid<CellValue> readFormulas(const Workbook& workbook, const RangeRef& range, ReferenceStyle style,
-                             Grid<CellValue> values, const CallLimits& limits);
+// Both in one reading. A constant is its own formula.
+struct CellContents {
+  Grid<CellValue> values, formulas;
+};
+CellContents readContents(Workbook& workbook, const RangeRef& range, ReferenceStyle style,
+                          const CallLimits& limits);
 Grid<CellValue> readLocalFormulas(Workbook& workbook, const RangeRef& range,
                                   const CallLimits& limits);
 

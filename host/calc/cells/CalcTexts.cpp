@@ -101,10 +101,10 @@ Grid<std::string> bulkTexts(const Workbook& workbook, const std::string& sheet, 
     texts = shownTexts(workbook, sheet, told);
     if (texts.getLength() != cellCount({told})) return textsOneByOne(cells, area, limits);
   }
-  const int rows = rowCount(told);
-  for (sal_Int32 i = 0; i < texts.getLength(); ++i) {
-    cellAt(grid, told.firstRow - area.firstRow + i % rows,
-           told.firstColumn - area.firstColumn + i / rows) = toText(texts[i]);
+  const rtl::OUString* next = texts.getConstArray();
+  for (int column = told.firstColumn; column <= told.lastColumn; ++column) {
+    for (int row = told.firstRow; row <= told.lastRow; ++row)
+      setText(cellAt(grid, row - area.firstRow, column - area.firstColumn), *next++);
   }
   return grid;
 }
@@ -126,14 +126,12 @@ Grid<std::string> readPiece(const Workbook& workbook, const std::string& sheet, 
 
 Grid<std::string> readTexts(const Workbook& workbook, const RangeRef& range, Errors errors,
                             Texts texts, const CallLimits& limits) {
-  // Each piece is two questions more.
-  return readInPieces<std::string>(
-      firstArea(range), limits,
-      [&](const Area& piece) {
-        return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
-      },
-      texts == Texts::shortOnes ? PieceSizes{mostCellsWithTexts, mostCellsWithTexts}
-                                : PieceSizes());
+  PieceSizes sizes;
+  // Each piece is three questions more.
+  if (texts == Texts::shortOnes) sizes = {mostCellsWithTexts, mostCellsWithTexts};
+  return readInPieces<std::string>(firstArea(range), limits, sizes, [&](const Area& piece) {
+    return readPiece(workbook, range.sheet.sheet, piece, errors, limits);
+  });
 }
 
 }  // namespace quorin::host::calc

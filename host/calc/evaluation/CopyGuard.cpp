@@ -61,8 +61,8 @@ void refuseCopyThatReaches(Workbook& workbook, ExpressionContext context,
     for (const auto& address : formulas->getRangeAddresses()) {
       limits.check();
       const RangeRef cells{context.from, {areaOf(address)}};
-      const Grid<CellValue> texts = readFormulas(workbook, cells, ReferenceStyle::a1,
-                                                 readValues(workbook, cells, limits), limits);
+      const Grid<CellValue> texts =
+          readContents(workbook, cells, ReferenceStyle::a1, limits).formulas;
       for (const CellValue& text : texts.cells) {
         limits.check();
         if (const auto* formula = std::get_if<std::string>(&text)) refuseFormula(*formula, context);

@@ -64,8 +64,7 @@ std::optional<Grid<CellValue>> formulasOf(CalcWorkbooks& workbooks, const RangeR
   constexpr long long most = 1000;
   if (cellCount(cells.areas) > most) return std::nullopt;
   Workbook& workbook = *workbooks.named(cells.sheet.book);
-  return readFormulas(workbook, cells, ReferenceStyle::a1, readValues(workbook, cells, limits),
-                      limits);
+  return readContents(workbook, cells, ReferenceStyle::a1, limits).formulas;
 }
 
 std::string fileNameOf(CalcWorkbooks& workbooks, const SheetRef& sheet) {

@@ -43,6 +43,8 @@ struct Workbook {
   // Tells displayed texts; made when they are first asked for.
   mutable css::uno::Reference<css::chart2::data::XDataProvider> shownTexts;
   mutable KeptEntries entries;  // names and tables
+  // The sheet whose cells were read last, where their texts are short; a guess for the next ones.
+  mutable std::string shortTextsOn;
 };
 
 // What a document is known by as long as it is open, whatever it is called.
