@@ -161,6 +161,12 @@ TEST_F(CalcMarksDisplay, LetTheMouseThroughAndTheClipboardAlone) {
     return display_.xdotool(
         {"search", "--onlyvisible", "--class", "libreoffice-calc", "windowactivate", "--sync"});
   }));
+  // A window that has just come to the front may lose a key.
+  ASSERT_TRUE(eventually([&] {
+    return display_.xdotool({"key", "Home"}) && calc_->activeCell() == at("A3");
+  }));
+  ASSERT_TRUE(display_.xdotool({"key", "Right"}));
+  ASSERT_TRUE(eventually([&] { return calc_->activeCell() == at("B3"); }));
   ASSERT_TRUE(display_.xdotool({"key", "ctrl+c"}));
   const std::string id = mark("E12");
   const Pixel marked = middleOf(overWhite);
