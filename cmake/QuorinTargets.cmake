@@ -10,9 +10,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(quorin_options INTERFACE -Wno-maybe-uninitialized -Wno-restrict)
 endif()
 if(QUORIN_JOINED)
-  # What one source calls is none of the next one's business, and about JSON values in a list g++ is
-  # wrong: who only wants the program is told of neither.
-  target_compile_options(quorin_options INTERFACE -Wno-shadow -Wno-array-bounds)
+  # About JSON values in a list g++ is wrong there.
+  target_compile_options(quorin_options INTERFACE -Wno-array-bounds)
 endif()
 if(QUORIN_WERROR)
   target_compile_options(quorin_options INTERFACE -Werror)
@@ -54,16 +53,20 @@ endfunction()
 
 # quorin_join(TARGET COUNT [file...]): compiles COUNT sources as one. Reading the same headers for each
 # is half of what it takes to compile them one by one, and more in tests. What two of them call alike
-# inside of themselves clashes then: the files that are named stay by themselves.
+# inside of themselves clashes then: the files that are named stay by themselves, and so does
+# Objective-C++, which CMake before 3.29 does not join.
 function(quorin_join target count)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${count})
-  if(ARGN)
-    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  get_target_property(alone ${target} SOURCES)
+  list(FILTER alone INCLUDE REGEX "\\.mm$")
+  list(APPEND alone ${ARGN})
+  if(alone)
+    set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   endif()
 endfunction()
 
 # quorin_library(NAME SOURCES file... [ALONE file...] [LIBS library...]): one folder's static library.
-# ./run joins its sources; the test run_preset_builds tries it.
+# Presets join its sources; the test sources_stand_alone compiles each by itself.
 function(quorin_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;ALONE;LIBS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES} ${ARG_ALONE})
@@ -98,6 +101,20 @@ function(quorin_read_headers_once test)
                                                           ${QUORIN_HEADERS})
   endif()
   quorin_reuse_headers(${test} quorin_test_headers)
+endfunction()
+
+# quorin_suites(NAME file...): tests that several programs run, each with peers of its own. They are
+# compiled once; a program that links NAME has them all.
+function(quorin_suites name)
+  add_library(${name} OBJECT ${ARGN})
+  target_link_libraries(${name} PRIVATE GTest::gmock quorin_options)
+  quorin_join(${name} 8)
+  if(NOT APPLE)  # compiled as a program is, with its headers
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    target_compile_options(${name} PRIVATE -fPIE)
+  endif()
+  quorin_compile_quickly(${name})
+  quorin_read_headers_once(${name})
 endfunction()
 
 # The tests' own main. A program that skipped all of its tests ends with the status QUORIN_SKIPPED.

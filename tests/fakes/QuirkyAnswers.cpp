@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "host/model/Codes.h"
 
@@ -59,10 +60,6 @@ void writeAsText(Descriptor& cell) {
   }
 }
 
-AppleEventReply failed(int number, const char* message = "") {
-  return {std::nullopt, AppleEventError{number, message, {}}};
-}
-
 AppleEventReply connectionLost() {
   return failed(-609, "Connection is invalid.");
 }
@@ -81,16 +78,20 @@ AppleEventReply nothing(NothingFound kind) {
   return {Descriptor::missingValue(), std::nullopt};
 }
 
-bool isEvent(const AppleEvent& event, FourCharCode suite, FourCharCode command) {
-  return event.eventClass == suite && event.eventID == command;
-}
-
 bool mentionsIn(const AppleEvent& event, FourCharCode property) {
   const Descriptor* const direct = event.parameter(keyDirectObject);
   return direct != nullptr && mentions(*direct, property);
 }
 
 }  // namespace
+
+AppleEventReply failed(int number, std::string message) {
+  return {std::nullopt, AppleEventError{number, std::move(message), {}}};
+}
+
+bool isEvent(const AppleEvent& event, FourCharCode suite, FourCharCode command) {
+  return event.eventClass == suite && event.eventID == command;
+}
 
 FourCharCode propertyRead(const AppleEvent& event) {
   if (event.eventClass != codes::coreSuite || event.eventID != codes::get) return 0;

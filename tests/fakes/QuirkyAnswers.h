@@ -1,10 +1,16 @@
 // How Excel for Mac spoils what it answers, for QuirkyExcel.
 #pragma once
 
+#include <string>
+
 #include "kit/value/AppleEvent.h"
 #include "tests/fakes/QuirkyExcel.h"
 
 namespace quorin::fakes {
+
+AppleEventReply failed(int number, std::string message = {});
+
+bool isEvent(const AppleEvent& event, FourCharCode suite, FourCharCode command);
 
 // The property that a `get` reads, 0 for every other event.
 FourCharCode propertyRead(const AppleEvent& event);

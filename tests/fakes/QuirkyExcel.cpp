@@ -9,14 +9,6 @@ namespace {
 namespace codes = host::codes;
 using Descriptor = AppleEventDescriptor;
 
-AppleEventReply failed(int number, std::string message = {}) {
-  return {std::nullopt, AppleEventError{number, std::move(message), {}}};
-}
-
-bool isEvent(const AppleEvent& event, FourCharCode suite, FourCharCode command) {
-  return event.eventClass == suite && event.eventID == command;
-}
-
 const Descriptor& parameter(const AppleEvent& event, FourCharCode keyword) {
   static const Descriptor absent;
   const Descriptor* const given = event.parameter(keyword);

@@ -214,6 +214,19 @@ class Tidy(unittest.TestCase):
         status, text = self.check("int a();\n", "int b();\n")
         self.assertEqual(status, 0, text)
 
+    def test_files_that_the_build_compiles_as_one_are_told_apart(self):
+        commands = self.root / "build/compile_commands.json"
+        unit, made = self.root / "build/Unity/unity_0_cxx.cxx", "Unity/unity_0_cxx.cxx.o"
+        unit.parent.mkdir()
+        unit.write_text("".join(f'/* */\n\n#include "{self.root}/kit/{name}.cpp"\n' for name in "AB"))
+        (self.root / "build/build.ninja").write_text(f"{self.RULES}build {made}: cc {unit}\n")
+        commands.write_text(json.dumps([{"directory": f"{self.root}/build", "file": str(unit),
+                                         "command": f"c++ -o {made} -c {unit}"}]))
+        self.assertEqual(self.check("int a();\n", "int b();\n"), (0, "2 files checked\n"))
+        status, text = self.check("int a();\n", self.USES_MOVED)
+        self.assertEqual(status, 1)
+        self.assertIn("kit/B.cpp:3:", text)
+
     def test_files_without_a_mistake_pass_though_private_names_clash(self):
         private = "namespace { int a() { return 1; } }\nint %s() { return a(); }\n"
         status, text = self.check(private % "b", private % "c")

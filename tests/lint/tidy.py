@@ -43,6 +43,15 @@ def without_headers_ahead(command):
     return re.sub(r" -Winvalid-pch -include \S+", "", command)
 
 
+def apart(entry):
+    """The entries of the sources that the build compiles as this one: several of a library at a time."""
+    if "/Unity/unity_" not in entry["file"]:
+        return [entry]
+    joined = re.findall(r'^#include "(.*)"$', pathlib.Path(entry["file"]).read_text(), re.MULTILINE)
+    return [{**entry, "file": file, "command": entry["command"].replace(entry["file"], file)}
+            for file in joined]
+
+
 def options_of(entry):
     """Of the compile command: everything but the files."""
     return entry["command"].replace(object_of(entry), "").replace(entry["file"], "")
@@ -160,8 +169,8 @@ def main():
             parts = entries[:half], entries[half:]
         return check(parts[0]) + check(parts[1])
 
-    entries = [entry for entry in json.loads((build / "compile_commands.json").read_text())
-               if pathlib.Path(entry["file"]).resolve().is_relative_to(root)
+    entries = [entry for command in json.loads((build / "compile_commands.json").read_text())
+               for entry in apart(command) if pathlib.Path(entry["file"]).resolve().is_relative_to(root)
                and is_in(within := pathlib.Path(entry["file"]).resolve().relative_to(root), FOLDERS)
                and (not wanted or is_in(within, wanted)) and not is_in(within, unwanted)
                # Objective-C++ is analysed by tools/macos-check, with what macOS declares.

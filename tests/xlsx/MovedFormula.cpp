@@ -9,7 +9,7 @@ namespace {
 constexpr int lastRow = 1048576;
 constexpr int lastColumn = 16384;
 
-bool isWord(char c) {
+bool isNameCharacter(char c) {
   return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '.' || c == '\\' ||
          c == '?' || (static_cast<unsigned char>(c) & 0x80U) != 0;
 }
@@ -99,13 +99,13 @@ std::string movedFormula(const std::string& formula, int rows, int columns) {
       i = end;
       continue;
     }
-    if (!isWord(c) && c != '$') {
+    if (!isNameCharacter(c) && c != '$') {
       moved += c;
       ++i;
       continue;
     }
     std::size_t end = i;
-    while (end < formula.size() && (isWord(formula[end]) || formula[end] == '$')) ++end;
+    while (end < formula.size() && (isNameCharacter(formula[end]) || formula[end] == '$')) ++end;
     const std::string word = formula.substr(i, end - i);
     const char next = end < formula.size() ? formula[end] : '\0';
     const char before = i > 0 ? formula[i - 1] : '\0';

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Would the unit tests notice? Makes small mistakes in kit/, one at a time, and runs the tests of
-its folder over each. Needs a build in build/dev (of the programs of PROGRAMS at least); neither it
-nor the sources are touched: what is changed is compiled on its own and linked first.
+its folder over each. Needs a build of the preset "apart" (of the programs of PROGRAMS at least), where
+each source has an object of its own; neither it nor the sources are touched: what is changed is
+compiled on its own and linked first.
 
 usage: mutate.py [--folder NAME ...] [--sample N] [--seed N] [--jobs N] [--list]
        mutate.py --change FILE OLD NEW
@@ -274,7 +275,7 @@ def main():
     counts = collections.defaultdict(collections.Counter)
     with (tempfile.TemporaryDirectory(prefix="quorin-mutants-") as scratch,
           concurrent.futures.ThreadPoolExecutor(told.jobs) as pool):
-        build = Build(ROOT / "build/dev", pathlib.Path(scratch))
+        build = Build(ROOT / "build/apart", pathlib.Path(scratch))
         needed = {each for change in chosen for each in PROGRAMS[change.path.split("/")[1]]}
         failing = failing_unchanged(build, sorted(needed))
         if failing:

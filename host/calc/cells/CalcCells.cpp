@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
@@ -127,10 +126,6 @@ bool isConstant(const std::string& formula, const CellValue& value) {
   const auto* const text = std::get_if<std::string>(&value);
   return text != nullptr && *text == formula;
 }
-
-constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
-                                css::sheet::FormulaResult::STRING |
-                                css::sheet::FormulaResult::ERROR;
 
 }  // namespace
 

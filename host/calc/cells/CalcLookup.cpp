@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/CellFlags.hpp>
-#include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
@@ -169,9 +168,6 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
                                  const std::vector<Area>& sources, const CallLimits& limits) {
   const Reference<css::sheet::XCellRangesQuery> query(
       cellsOf(workbook, range.sheet.sheet, firstArea(range)), UNO_QUERY_THROW);
-  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
-                                  css::sheet::FormulaResult::STRING |
-                                  css::sheet::FormulaResult::ERROR;
   // Nothing is calculated, so any function may stand there.
   ExpressionContext context{.from = range.sheet, .asked = true};
   context.checkpoint = [&limits] { limits.check(); };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
@@ -86,9 +85,6 @@ bool isSubtotal(const rtl::OUString& formula) {
 }
 
 CellKinds readKinds(const Workbook& workbook, const RangeRef& range, const CallLimits& limits) {
-  constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
-                                  css::sheet::FormulaResult::STRING |
-                                  css::sheet::FormulaResult::ERROR;
   const Area& area = firstArea(range);
   const auto cells = cellsOf(workbook, range.sheet.sheet, area);
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);

@@ -16,15 +16,15 @@ namespace {
 using css::uno::Reference;
 using Page = Reference<css::drawing::XDrawPage>;
 
-constexpr std::string_view prefix = "Quorin shown lines ";
+constexpr std::string_view notePrefix = "Quorin shown lines ";
 
 bool isNote(const NamedShape& shape) {
-  return shape.name.starts_with(prefix);
+  return shape.name.starts_with(notePrefix);
 }
 
 // Two numbers. What makes names different may stand behind them on a copy.
 std::string idIn(const std::string& name) {
-  const std::string id = name.substr(prefix.size());
+  const std::string id = name.substr(notePrefix.size());
   const auto isDigit = [](unsigned char each) { return std::isdigit(each) != 0; };
   const auto dash = std::find_if_not(id.begin(), id.end(), isDigit);
   if (dash == id.end()) return id;
@@ -43,7 +43,7 @@ void addNote(QuietChanges& changes, const Workbook& workbook, const Page& page,
              const std::string& key) {
   if (!key.empty())
     changes.add(workbook, page,
-                makeEmptyShape(workbook.model, std::string(prefix) + ShownRows::idOf(key)));
+                makeEmptyShape(workbook.model, std::string(notePrefix) + ShownRows::idOf(key)));
 }
 
 void tidyNotes(QuietChanges& changes, const Workbook& workbook, const ShownRows& shown) {

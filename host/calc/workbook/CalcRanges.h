@@ -1,6 +1,7 @@
 // Between the port's ranges and UNO's.
 #pragma once
 
+#include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/table/CellRangeAddress.hpp>
 #include <com/sun/star/table/XCellRange.hpp>
@@ -33,6 +34,11 @@ std::vector<css::uno::Reference<css::sheet::XSpreadsheet>> sheetsOf(const Workbo
 // Tells whether a sheet of the workbook, which has to outlive it, has a name. Asks when first
 // asked.
 IsSheet sheetTest(const Workbook& workbook);
+
+// Formulas of any result, for XCellRangesQuery::queryFormulaCells.
+constexpr sal_Int32 anyResult = css::sheet::FormulaResult::VALUE |
+                                css::sheet::FormulaResult::STRING |
+                                css::sheet::FormulaResult::ERROR;
 
 Area areaOf(const css::table::CellRangeAddress& address);
 css::uno::Reference<css::table::XCellRange> cellsOf(

@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 using ui::ChildProcess;
 
-const PanelWindowOptions options{"Quorin", {0, 0, 460, 560}, {320, 320}, "TestPanel"};
+const PanelWindowOptions windowOptions{"Quorin", {0, 0, 460, 560}, {320, 320}, "TestPanel"};
 constexpr const char* frameKey = "NSWindow Frame TestPanel";
 
 class MemoryDefaults : public Defaults {
@@ -46,7 +46,7 @@ class GtkPanelWindowTest : public GtkFixture {
   GtkPanelWindowTest() : session(gdk_display_get_default()) {}
 
   std::unique_ptr<GtkPanelWindow> makeWindow() {
-    auto window = std::make_unique<GtkPanelWindow>(options, session, defaults);
+    auto window = std::make_unique<GtkPanelWindow>(windowOptions, session, defaults);
     window->setContent(view);
     return window;
   }
