@@ -1,9 +1,11 @@
 // `quorinctl audit` as its users run it: the program, a real Calc, workbooks with a known mistake.
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <zip.h>
 
@@ -79,15 +81,17 @@ class QuorinctlAudit : public Quorinctl {
     ADD_FAILURE() << name << " is not in\n" << list;
     return nullptr;
   }
-  // The offices that there are, once there are so many.
+  // The offices that there are, once there are so many. std::runtime_error when they do not come.
   std::vector<pid_t> officesOnce(std::size_t count) const {
-    for (;;) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (std::chrono::steady_clock::now() < end) {
       std::vector<pid_t> offices;
       for (const pid_t process : processesWith((folder_ / "tmp").string()))
         if (programOf(process) == "soffice.bin") offices.push_back(process);
       if (offices.size() >= count) return offices;
       ::usleep(10'000);
     }
+    throw std::runtime_error("too few offices were started");
   }
   std::vector<pid_t> workers() const {
     std::vector<pid_t> ours;
