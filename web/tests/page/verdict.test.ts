@@ -147,6 +147,10 @@ test('saves a report with what was said where the user says', async () => {
   await review();
   await panel.page.getByTestId('say-note').fill('Seen by both of us');
   await say('fault');
+  await panel.shows(
+    'review-progress',
+    '1 of 3 findings judged: 1 fault. 2 of 4 distinct formulas seen.',
+  );
   await panel.page.getByTestId('save-report').selectOption('html');
   await panel.page.getByText('Saved as “Mine.html”.').waitFor();
   const asked = (await panel.posted()).find(({ verb }) => verb === 'saveReport');
