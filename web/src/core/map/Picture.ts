@@ -29,6 +29,14 @@ export const zoomStep = 1.5;
 /** A key moves by as many lines as are drawn within so many points; by one where a line is larger. */
 const leastStep = 6;
 
+/** Where keys lead while nothing is known of how the sheet is drawn. */
+const nextCell: Partial<Record<CursorMove, CellAt>> = {
+  up: { row: -1, col: 0 },
+  down: { row: 1, col: 0 },
+  left: { row: 0, col: -1 },
+  right: { row: 0, col: 1 },
+};
+
 export class Picture {
   sheet = '';
   /** The cell that keys move. */
@@ -116,7 +124,16 @@ export class Picture {
 
   move(how: CursorMove): void {
     const { frame, cursor, scale, pane } = this;
-    if (!frame) return;
+    if (!frame) {
+      // Not known yet, where another sheet has just been turned to.
+      const by = nextCell[how];
+      if (by)
+        this.point({
+          row: Math.max(1, Math.min(maxRows, cursor.row + by.row)),
+          col: Math.max(1, Math.min(maxColumns, cursor.col + by.col)),
+        });
+      return;
+    }
     const along = (lines: Lines, line: number, by: number, most: number): number => {
       const now = Math.floor(placeOfLine(lines, line));
       const place = Math.max(0, Math.min(Math.max(now, lines.count - 1), now + by));

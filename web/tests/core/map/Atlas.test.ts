@@ -1,6 +1,7 @@
 import { beforeEach, describe, expect, test } from 'vitest';
 
 import { Atlas } from '../../../src/core/map/Atlas';
+import { Picture } from '../../../src/core/map/Picture';
 import { hiddenText } from '../../../src/core/map/words';
 import { CarriedModel, SlicedCarrier, type ModelClient } from '../../../src/core/model/ModelClient';
 import { failed, succeeded, type Outcome } from '../../../src/core/protocol/Outcome';
@@ -200,6 +201,14 @@ describe('the map', () => {
 });
 
 describe('the cursor', () => {
+  test('goes from cell to cell as long as nothing is known of the sheet', () => {
+    const picture = new Picture(() => undefined);
+    picture.open('More');
+    for (const how of ['right', 'right', 'down', 'left', 'up', 'up', 'pageDown'] as const)
+      picture.move(how);
+    expect(picture.cursor).toEqual({ row: 1, col: 2 });
+  });
+
   test('moves by cells, out of folds, and from finding to finding', async () => {
     sheets = { Data: { ...column, A200: 1 } };
     atlas.look('Model.xlsx', cell('Data', 'A1'), true);
