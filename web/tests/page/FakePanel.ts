@@ -111,6 +111,10 @@ export class Browser {
       args: [
         '--no-sandbox',
         '--disable-gpu',
+        // One process for all pages, which come one after the other: starting one takes longer than a page.
+        '--renderer-process-limit=1',
+        '--disable-site-isolation-trials',
+        '--disable-features=IsolateOrigins,site-per-process',
         '--no-first-run',
         '--disable-background-networking',
         '--disable-component-update',
