@@ -9,7 +9,7 @@
 namespace quorin {
 namespace {
 
-using testing::ElementsAre;
+using Texts = std::vector<std::string>;
 using testing::IsEmpty;
 
 class MacWebViewTest : public contract::PortContract {
@@ -32,7 +32,7 @@ class MacWebViewTest : public contract::PortContract {
 TEST_F(MacWebViewTest, LoadsAFileWithItsFolder) {
   load();
   EXPECT_EQ(loaded(page), "file file:///tmp/web/a%20b.html, readable file:///tmp/web");
-  EXPECT_THAT(startScripts(page), ElementsAre("window.__qxApp = 1"));
+  EXPECT_EQ(startScripts(page), Texts{"window.__qxApp = 1"});
 }
 
 TEST_F(MacWebViewTest, LoadsFromThisMachineAlone) {
@@ -49,8 +49,8 @@ TEST_F(MacWebViewTest, TellsEachKindOfFailureWithItsReason) {
   failNextLoad(page, Failure::late, "cut");
   view.reload();
   EXPECT_TRUE(waitUntil([&] { return recorder.calls.size() == 4; }));
-  EXPECT_THAT(recorder.calls,
-              ElementsAre("start", "provisional failure: no server", "start", "failure: cut"));
+  EXPECT_EQ(recorder.calls,
+            (Texts{"start", "provisional failure: no server", "start", "failure: cut"}));
 }
 
 TEST_F(MacWebViewTest, TakesMessagesOfTheMainFrame) {
@@ -76,20 +76,19 @@ TEST_F(MacWebViewTest, GoesNowhereElse) {
   EXPECT_FALSE(pageOpensWindow(page));
   EXPECT_FALSE(pageMayLoadAnswer(page, false));
   EXPECT_FALSE(pageMayUseCamera(page));
-  EXPECT_THAT(recorder.calls,
-              ElementsAre("refused: navigation", "refused: navigation", "refused: window",
-                          "refused: window", "refused: download", "refused: permission"));
+  EXPECT_EQ(recorder.calls, (Texts{"refused: navigation", "refused: navigation", "refused: window",
+                                   "refused: window", "refused: download", "refused: permission"}));
 }
 
 TEST_F(MacWebViewTest, TellsThatThePagesProcessHasEnded) {
   endPageProcess(page);
-  EXPECT_THAT(recorder.calls, ElementsAre("terminated"));
+  EXPECT_EQ(recorder.calls, Texts{"terminated"});
 }
 
 TEST_F(MacWebViewTest, RunsScriptsInOrder) {
   view.evaluate("one()");
   view.evaluate("two('é')");
-  EXPECT_EQ(evaluatedScripts(page), (std::vector<std::string>{"one()", "two('é')"}));
+  EXPECT_EQ(evaluatedScripts(page), (Texts{"one()", "two('é')"}));
 }
 
 TEST(MacWebViewLife, TellsNobodyAfterItsEnd) {
