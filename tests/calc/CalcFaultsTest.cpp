@@ -268,6 +268,12 @@ TEST_F(CalcFaults, LeavesNothingBehind) {
   EXPECT_TRUE(traces.allGone());
 }
 
+TEST_F(CalcFaults, StartsWithoutTryingEveryWayToDraw) {
+  const std::filesystem::path user = office->folder() / "profile/user";
+  ASSERT_TRUE(std::filesystem::exists(user / "registrymodifications.xcu"));
+  EXPECT_FALSE(std::filesystem::exists(user / "GraphicsRenderTests.log"));
+}
+
 TEST_F(CalcFaults, ConnectsAgainToAnOfficeStartedAnew) {
   const auto evaluated = [&] { return calc.evaluate("B2*2+A7", {"Known.xlsx", "Data"}); };
   EXPECT_EQ(evaluated(), Evaluation(CellValue(45.0)));
