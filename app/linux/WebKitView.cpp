@@ -93,9 +93,18 @@ WebKitView::WebKitView(const WebViewOptions& options, bool inspectable)
 }
 
 WebKitView::~WebKitView() {
+  disconnect();
+}
+
+void WebKitView::disconnect() {
   g_signal_handlers_disconnect_by_data(content_.get(), this);
   g_signal_handlers_disconnect_by_data(context_.get(), this);
   g_signal_handlers_disconnect_by_data(view_.get(), this);
+}
+
+void WebKitView::endProcess() {
+  disconnect();
+  webkit_web_view_terminate_web_process(view_.get());
 }
 
 bool WebKitView::loadURL(const std::string& url, std::chrono::seconds timeout) {

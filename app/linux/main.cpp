@@ -143,6 +143,7 @@ int run(const Invocation& invocation) {
   inspector.reset();
 #endif
   control.reset();
+  if (WebKitView* const view = static_cast<GtkPlatform&>(*platform).webView()) view->endProcess();
   log.flush();
   std::fflush(nullptr);
   _exit(0);

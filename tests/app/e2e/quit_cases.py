@@ -1,6 +1,7 @@
 """What the panel says while Quorin ends, beside a Calc that does not answer. Part of panel_test.py."""
 import datetime
 import os
+import pathlib
 import signal
 import time
 
@@ -104,12 +105,23 @@ class QuitTest(ShellCase):
                 for _ in range(3):
                     quorin = self.start_shown()
                     self.mark(quorin, "B2")
+                    pages = quorin.web_processes()
                     spoil(quorin)
                     took = self.ends(quorin)
+                    wait_for("the page's process to end",
+                             lambda: not any(map(self.is_alive, pages)), 5)
                     self.is_taken_back_at_the_next_start(quorin)
                     if took < LONGEST:
                         break
                 self.assertLess(took, LONGEST)
+
+    @staticmethod
+    def is_alive(process):
+        try:
+            state = pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0]
+        except OSError:
+            return False
+        return state != "Z"
 
     def hang(self, quorin):
         quorin.panel.eval("setTimeout(() => { for (;;); }, 0), 0")
