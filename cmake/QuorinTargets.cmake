@@ -158,7 +158,7 @@ function(quorin_add_whole test label timeout lock)
     SKIP_RETURN_CODE ${QUORIN_SKIPPED})
 endfunction()
 
-# quorin_test(NAME LABEL unit|calc|ui [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] [LOCK name]
+# quorin_test(NAME LABEL unit|calc|ui [THREADS] [SEPARATE] [OPTIMIZED] [TIMEOUT seconds] [LOCK name]
 #             SOURCES file... [ALONE file...] [LONG pattern...] LIBS library...):
 # one GoogleTest program, an OPTIMIZED one compiled as the product is. Unit tests are found one by
 # one, and so are SEPARATE ones; other programs that share an expensive peer (an office, a display)
@@ -167,7 +167,7 @@ endfunction()
 # longest together, so they come first, and the long checks beside them. Of such a program the tests of
 # the LONG patterns are one more test, NAME_long, for quorin_long.
 function(quorin_test name)
-  cmake_parse_arguments(ARG "SEPARATE;OPTIMIZED" "LABEL;TIMEOUT;LOCK" "SOURCES;ALONE;LONG;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "THREADS;SEPARATE;OPTIMIZED" "LABEL;TIMEOUT;LOCK" "SOURCES;ALONE;LONG;LIBS" ${ARGN})
   if(NOT ARG_LOCK)
     set(ARG_LOCK ${ARG_LABEL})
   endif()
@@ -192,6 +192,10 @@ function(quorin_test name)
   if(NOT ARG_OPTIMIZED)
     quorin_compile_quickly(${name})
     quorin_read_headers_once(${name})
+  endif()
+  if(QUORIN_SANITIZE STREQUAL "thread" AND NOT ARG_THREADS)
+    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+    return()
   endif()
   if(ARG_LABEL STREQUAL "unit")
     quorin_find_cases(${name} LABELS unit TIMEOUT ${ARG_TIMEOUT} SKIP_RETURN_CODE ${QUORIN_SKIPPED})

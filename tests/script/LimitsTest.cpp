@@ -1,7 +1,4 @@
 // What a script may not do: nest without end, run without end, grow without end.
-#include <atomic>
-#include <thread>
-
 #include "tests/script/EngineFixture.h"
 
 namespace quorin::script {
@@ -54,25 +51,6 @@ TEST_F(Limits, StepsEndALoop) {
   limits.steps = 10'000;
   script.setLimits(limits);
   EXPECT_EQ(show(script.call("spin", {})), "error -128: User canceled.");
-}
-
-TEST_F(Limits, AnotherThreadEndsALoop) {
-  excel.answer = [](const AppleEvent&) {
-    return AppleEventReply{AppleEventDescriptor::integer(1), {}};
-  };
-  std::atomic<bool> running = false;
-  excel.answer = [&](const AppleEvent&) {
-    running = true;
-    return AppleEventReply{AppleEventDescriptor::integer(1), {}};
-  };
-  Script script = compiled(
-      "on spin()\ntell application \"Microsoft Excel\" to calculate\nrepeat\nend repeat\nend spin");
-  std::thread stopper([&] {
-    while (!running) std::this_thread::yield();
-    script.cancel();
-  });
-  EXPECT_EQ(show(script.call("spin", {})), "error -128: User canceled.");
-  stopper.join();
 }
 
 TEST_F(Limits, TextAndListsStopGrowing) {
