@@ -1,5 +1,12 @@
 import { defineConfig } from 'vitest/config';
 
+import { anyBrowser } from './tests/page/anyBrowser';
+
+if (anyBrowser() === undefined) {
+  console.error('There is no Chromium here.');
+  process.exit(77); // as of a test that is skipped
+}
+
 // The built bundle in a real browser, with a fake native side.
 export default defineConfig({
   test: {

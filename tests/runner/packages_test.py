@@ -65,6 +65,18 @@ class Packages(unittest.TestCase):
                                "works without it.\n")
         self.assertEqual(asked, ["update -qq"])
 
+    def test_installs_the_first_of_several_that_the_system_has(self):
+        self.have(installed=["three"], offered=["two"])
+        said, asked = self.run_in_shell("install_one_where_there it one two three")
+        self.assertEqual(asked, ["update -qq", "install -y -qq --no-install-recommends two"])
+        self.assertNotIn("left out", said)
+
+    def test_says_what_goes_without_any_of_several(self):
+        said, asked = self.run_in_shell("install_one_where_there 'the icon' one two")
+        self.assertEqual(said, "This system has no package one: the icon is left out, all else "
+                               "works without it.\n")
+        self.assertNotIn("install", " ".join(asked))
+
     def test_takes_no_package_for_lacking_before_there_are_lists(self):
         self.have(new=["one", "two"])
         _, asked = self.run_in_shell("install_where_there it one two; install_packages three")

@@ -15,8 +15,8 @@ packages_display=(xvfb openbox dbus xdotool x11-utils imagemagick python3-uno fo
 packages_wayland=(sway wtype grim foot libgtk-layer-shell0)
 # The compiler, linker and headers with which the macOS half is checked on another system.
 packages_macos=(clang-19 lld-19 libc++-19-dev libc++abi-19-dev musl-dev)
-# No package of Ubuntu's, which has it as a snap only.
-packages_browser=(chromium)
+# Any one of these: without windows a page costs a third less. Ubuntu has none but as a snap.
+packages_browser=(chromium-headless-shell chromium)
 packages_test=(libgtest-dev libgmock-dev openssl clang-format clang-tidy procps
                "${packages_display[@]}" "${packages_wayland[@]}")
 packages_bench=(libbenchmark-dev python3-uno)
@@ -48,6 +48,20 @@ install_where_there() {
     fi
   done
   install_packages "$@"
+}
+
+# install_one_where_there WHAT package...: installs the first of the packages that this system has; else
+# as install_where_there.
+install_one_where_there() {
+  local what=$1 package
+  shift
+  for package in "$@"; do
+    if is_installed "$package" || is_offered "$package"; then
+      install_packages "$package"
+      return
+    fi
+  done
+  install_where_there "$what" "$1"
 }
 
 # clang with libFuzzer, which comes in a package of each version's own.

@@ -8,6 +8,9 @@ import { fileURLToPath, pathToFileURL } from 'node:url';
 
 import { chromium, type BrowserContext, type Page } from 'playwright-core';
 
+import { anyBrowser } from './anyBrowser';
+
+const browserPath = anyBrowser() ?? '';
 const bundle = pathToFileURL(fileURLToPath(new URL('../../dist/index.html', import.meta.url))).href;
 
 /** Tests are to pass on a slow machine as well: QUORIN_SLOWDOWN=10 plays one in the browser. */
@@ -106,7 +109,7 @@ export class Browser {
   static async start(): Promise<Browser> {
     const profile = await mkdtemp(join(tmpdir(), 'quorin-page-'));
     const context = await chromium.launchPersistentContext(profile, {
-      executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+      executablePath: browserPath,
       headless: true,
       args: [
         '--no-sandbox',
