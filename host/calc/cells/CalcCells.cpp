@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
-#include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 #include <com/sun/star/table/XCell.hpp>
@@ -201,8 +200,7 @@ Grid<CellValue> readPiece(Workbook& workbook, const std::string& name, const She
 std::size_t readPiece(const Sheet& sheet, const Area& area, const Area& piece,
                       FormulaTranslator& translator, TextRoom& room, Grid<CellValue>& grid,
                       const CallLimits& limits) {
-  const Reference<css::sheet::XCellRangeFormula> source(cellsOf(sheet, piece), UNO_QUERY_THROW);
-  const Sequence<Sequence<rtl::OUString>> rows = source->getFormulaArray();
+  const Sequence<Sequence<rtl::OUString>> rows = formulasOf(cellsOf(sheet, piece), piece);
   std::string formula;
   std::size_t told = 0;
   for (int row = piece.firstRow; row <= piece.lastRow; ++row) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/CellFlags.hpp>
-#include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangeReferrer.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XFormulaQuery.hpp>
@@ -206,9 +205,7 @@ std::vector<Area> dependentCells(const Workbook& workbook, const RangeRef& range
   for (const Area& part : areasWithin(query->queryFormulaCells(anyResult), firstArea(range))) {
     for (const Area& piece : piecesOf(part)) {
       limits.check();
-      const auto rows = Reference<css::sheet::XCellRangeFormula>(
-                            cellsOf(workbook, range.sheet.sheet, piece), UNO_QUERY_THROW)
-                            ->getFormulaArray();
+      const auto rows = formulasOf(cellsOf(workbook, range.sheet.sheet, piece), piece);
       for (int row = piece.firstRow; row <= piece.lastRow; ++row) {
         for (int column = piece.firstColumn; column <= piece.lastColumn; ++column) {
           look(toText(rows[row - piece.firstRow][column - piece.firstColumn]), row, column);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
@@ -90,8 +89,7 @@ CellKinds readKinds(const Workbook& workbook, const RangeRef& range, const CallL
   const Reference<css::sheet::XCellRangesQuery> query(cells, UNO_QUERY_THROW);
   const std::vector<Area> formulas = areasWithin(query->queryFormulaCells(anyResult), area);
   if (formulas.empty()) return {};
-  const Sequence<Sequence<rtl::OUString>> texts =
-      Reference<css::sheet::XCellRangeFormula>(cells, UNO_QUERY_THROW)->getFormulaArray();
+  const Sequence<Sequence<rtl::OUString>> texts = formulasOf(cells, area);
   CellKinds kinds(static_cast<std::size_t>(cellCount({area})), CellKind::constant);
   for (const Area& part : formulas) {
     for (int row = part.firstRow; row <= part.lastRow; ++row) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
-#include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XUsedAreaCursor.hpp>
 
 #include "host/Address.h"
@@ -70,8 +69,7 @@ std::vector<RowDigest> SheetRows::block(int index) const {
   Area area = used_;
   firstOn(area, axis_) = index * blockSize + 1;
   lastOn(area, axis_) = std::min((index + 1) * blockSize, last_);
-  const auto rows = Reference<css::sheet::XCellRangeFormula>(cellsOf(sheet_, area), UNO_QUERY_THROW)
-                        ->getFormulaArray();
+  const auto rows = formulasOf(cellsOf(sheet_, area), area);
   std::vector<std::vector<std::string>> held(static_cast<std::size_t>(countOn(area, axis_)));
   for (std::size_t row = 0; row < static_cast<std::size_t>(rowCount(area)); ++row) {
     const auto& cells = rows[static_cast<sal_Int32>(row)];

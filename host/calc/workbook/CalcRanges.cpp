@@ -4,7 +4,9 @@
 #include <com/sun/star/container/NoSuchElementException.hpp>
 #include <com/sun/star/lang/IndexOutOfBoundsException.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
+#include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <utility>
 
 #include "host/Address.h"
 #include "host/calc/grammar/ReferenceText.h"
@@ -14,6 +16,7 @@
 namespace quorin::host::calc {
 
 using css::uno::Reference;
+using css::uno::Sequence;
 using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
@@ -79,6 +82,16 @@ Reference<css::table::XCellRange> cellsOf(const Reference<css::sheet::XSpreadshe
 Reference<css::table::XCellRange> cellsOf(const Workbook& workbook, const std::string& sheet,
                                           const Area& area) {
   return cellsOf(sheetOf(workbook, sheet), area);
+}
+
+Sequence<Sequence<rtl::OUString>> formulasOf(const Reference<css::table::XCellRange>& cells,
+                                             const Area& area) {
+  auto rows = Reference<css::sheet::XCellRangeFormula>(cells, UNO_QUERY_THROW)->getFormulaArray();
+  const sal_Int32 height = rowCount(area), width = columnCount(area);
+  if (rows.getLength() < height) rows.realloc(height);
+  for (sal_Int32 row = 0; row < height; ++row)
+    if (std::as_const(rows)[row].getLength() < width) rows[row].realloc(width);
+  return rows;
 }
 
 std::string calcAddress(const std::string& sheet, const Area& area) {

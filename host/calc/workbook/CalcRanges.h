@@ -47,6 +47,12 @@ css::uno::Reference<css::table::XCellRange> cellsOf(
 css::uno::Reference<css::table::XCellRange> cellsOf(const Workbook& workbook,
                                                     const std::string& sheet, const Area& area);
 
+// What stands in the cells, which are those of the area: formulas with their "=", in Calc's
+// grammar. Always as many as the area has: where the user deleted some of them meanwhile, the
+// office tells fewer, and those that are missing are empty.
+css::uno::Sequence<css::uno::Sequence<rtl::OUString>> formulasOf(
+    const css::uno::Reference<css::table::XCellRange>& cells, const Area& area);
+
 // "$'My Sheet'.$A$1:$B$2"
 std::string calcAddress(const std::string& sheet, const Area& area);
 
