@@ -149,6 +149,14 @@ function(quorin_long)
   endforeach()
 endfunction()
 
+# quorin_daily(TEST...): long ones that .ci/run has every day: what tells of the sources' looks alone.
+function(quorin_daily)
+  quorin_long(${ARGN})
+  foreach(test IN LISTS ARGN)
+    set_property(TEST ${test} APPEND PROPERTY LABELS daily)
+  endforeach()
+endfunction()
+
 # quorin_add_whole(TEST LABEL TIMEOUT LOCK PROGRAM [argument...]): a GoogleTest program as one test of
 # CTest's.
 function(quorin_add_whole test label timeout lock)

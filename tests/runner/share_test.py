@@ -8,6 +8,7 @@ import datetime
 import json
 import pathlib
 import re
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -65,9 +66,26 @@ class LongTests(unittest.TestCase):
         with tempfile.NamedTemporaryFile("w") as file:
             json.dump({"tests": [entry("b", ["unit", "long"], 2.0), entry("longer", ["unit"], 9.0),
                                  entry("c", ["long", "ui"]), entry("a", ["long"], 2.0),
-                                 {"name": "bare"}, entry("d", ["calc", "long"], 300.0)]}, file)
+                                 {"name": "bare"}, entry("d", ["calc", "long"], 300.0),
+                                 entry("e", ["daily"]), entry("f", ["long", "daily"])]}, file)
             file.flush()
-            self.assertEqual(long_tests(file.name), ["d", "a", "b", "c"])
+            self.assertEqual(long_tests(file.name), ["d", "a", "b", "c", "f"])
+            self.assertEqual(long_tests(file.name, "daily"), ["f"])
+
+    def test_that_are_daily_are_run_on_each_day_and_no_other_is(self):
+        with tempfile.NamedTemporaryFile("w") as file:
+            json.dump({"tests": [{"name": name, "properties": [{"name": "LABELS", "value": labels}]}
+                                 for name, labels in (("style", ["long", "daily"]), ("one", ["long"]),
+                                                      ("two", ["long"]), ("three", ["long"]),
+                                                      ("quick", ["unit"]))]}, file)
+            file.flush()
+            for choice, left in [(str(day), 2) for day in days(3)] + [("none", 4), ("all", 0)]:
+                run = subprocess.run([sys.executable, QUORIN / "tools/dev/share.py", file.name, choice],
+                                     capture_output=True, text=True, check=True)
+                out = [name for name in ("style", "one", "two", "three", "quick")
+                       if run.stdout.strip() and re.search(run.stdout.strip(), name)]
+                self.assertEqual(len(out), left, choice)
+                self.assertEqual("style" in out, choice == "none")
 
 
 class Expressions(unittest.TestCase):

@@ -4,7 +4,8 @@
 usage: share.py TESTS.json none|all|YYYY-MM-DD
 
 TESTS.json is CTest's list. Long tests have the label "long" beside their own. With a date, a share of
-them is run, on each of DAYS days in a row another, and on the last of these each has been. Prints a
+them is run, on each of DAYS days in a row another, and on the last of these each has been; those with
+the label "daily" as well belong to every share. Prints a
 regular expression for CTest's -E, which is empty when nothing is left out, and tells the choice on
 standard error.
 """
@@ -15,6 +16,7 @@ import re
 import sys
 
 LONG = "long"
+DAILY = "daily"
 DAYS = 3
 
 
@@ -28,10 +30,12 @@ def cost_of(test):
     return next((entry["value"] for entry in test.get("properties", []) if entry["name"] == "COST"), 0)
 
 
-def long_tests(path):
-    """Their names, those of the same cost beside each other, so that shares are alike."""
+def long_tests(path, also=None):
+    """Their names, those of the same cost beside each other, so that shares are alike; with `also`
+    of those alone that have this label too."""
+    wanted = {LONG} if also is None else {LONG, also}
     found = [test for test in json.loads(pathlib.Path(path).read_text())["tests"]
-             if LONG in labels_of(test)]
+             if wanted <= set(labels_of(test))]
     return [test["name"] for test in sorted(found, key=lambda test: (-cost_of(test), test["name"]))]
 
 
@@ -59,7 +63,8 @@ def main():
         except ValueError:
             print(f"{choice} is no date like 2026-01-31", file=sys.stderr)
             return 2
-        run = share_of(names, day)
+        daily = long_tests(sys.argv[1], DAILY)
+        run = daily + share_of([name for name in names if name not in daily], day)
         print(f"Of {len(names)} long tests those of {day}, {len(run)} (again with QUORIN_DAY={day}): "
               f"{', '.join(run)}", file=sys.stderr)
     print(expression([name for name in names if name not in run]))
