@@ -351,7 +351,7 @@ export function plant(
   }
   const after = wrong(mistake, formula, at, draw);
   if (after === undefined || after === formula) return undefined;
-  // A row that was inserted is outside of all sums of its line.
+  // A row that was inserted is outside of all sums of its column.
   let places = mistake === 'row outside the range' ? book.like(at) : [at];
   if (mistake === 'dollar sign lost and filled on') {
     places = book.like(at).filter(({ row, col }) => row >= at.row && col === at.col);

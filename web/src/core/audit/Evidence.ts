@@ -93,8 +93,8 @@ export function address(row: number, col: number): string {
 /** One cell more, told row by row: beside or below the last area it makes that longer. */
 export function addCell(areas: Area[], row: number, col: number): void {
   const last = areas.at(-1);
-  const isLine = last && last.top === last.bottom;
+  const isTrack = last && last.top === last.bottom;
   if (last?.left === col && last.right === col && last.bottom === row - 1) last.bottom = row;
-  else if (isLine && last.top === row && last.right === col - 1) last.right = col;
+  else if (isTrack && last.top === row && last.right === col - 1) last.right = col;
   else areas.push(cell(row, col));
 }

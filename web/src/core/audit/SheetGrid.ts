@@ -3,7 +3,7 @@
 import { cellCount, covers, union, type Area } from '../address/area';
 import { Kind, type SheetCells } from '../model/SheetCells';
 
-/** A larger rectangle is not looked at line by line: two cells in far corners span billions. */
+/** A larger rectangle is not looked at track by track: two cells in far corners span billions. */
 const cellsLimit = 8_000_000;
 
 /** The rectangle around the pieces, without those that would make it too large. */
@@ -17,7 +17,7 @@ function areaAround({ blocks }: SheetCells): Area {
 }
 
 export class SheetGrid {
-  /** What is looked at line by line: nearly always all that was read. */
+  /** What is looked at track by track: nearly always all that was read. */
   readonly area: Area;
   private readonly width: number;
   private readonly formulas: Int32Array;

@@ -102,22 +102,22 @@ function leftOut(
   const isColumn = area.left === area.right;
   const isRow = area.top === area.bottom;
   if (isColumn === isRow) return undefined;
-  const line = isColumn ? area.left : area.top;
+  const track = isColumn ? area.left : area.top;
   const [first, last] = isColumn ? [area.top, area.bottom] : [area.left, area.right];
   const own = isColumn ? at.row : at.col;
-  const isInLine = (isColumn ? at.col : at.row) === line;
-  const place = (n: number): [number, number] => (isColumn ? [n, line] : [line, n]);
+  const isInTrack = (isColumn ? at.col : at.row) === track;
+  const place = (n: number): [number, number] => (isColumn ? [n, track] : [track, n]);
   const kindAt = (n: number) => grid.kind(...place(n));
   const areaOf = (from: number, to: number): Area =>
     isColumn
-      ? { top: from, bottom: to, left: line, right: line }
-      : { left: from, right: to, top: line, bottom: line };
+      ? { top: from, bottom: to, left: track, right: track }
+      : { left: from, right: to, top: track, bottom: track };
   // A formula that shows nothing yet may show a number once there is data.
   const isNumber = (n: number) =>
     kindAt(n) === CellKind.Number || (kindAt(n) !== CellKind.Text && grid.formula(...place(n)) > 0);
   if (!isNumber(first) || !isNumber(last)) return undefined;
   // Between the range and its sum: nothing but numbers.
-  if (isInLine && (own > last + 1 || own < first - 1)) {
+  if (isInTrack && (own > last + 1 || own < first - 1)) {
     const [from, to] = own > last ? [last + 1, own - 1] : [own + 1, first - 1];
     if (to - from < 3) {
       let numbers = 0;
@@ -138,10 +138,10 @@ function leftOut(
     [first, -1],
     [last, 1],
   ] as const) {
-    if (isInLine && (own - edge) * way > 0) continue;
+    if (isInTrack && (own - edge) * way > 0) continue;
     const beyond = edge + way;
     if (!isNumber(beyond) || isYear(grid, place(beyond))) continue;
-    const beside = [-1, 1].map((by) => (isColumn ? [beyond, line + by] : [line + by, beyond]));
+    const beside = [-1, 1].map((by) => (isColumn ? [beyond, track + by] : [track + by, beyond]));
     if (isDate(grid, place(beyond), beside) && !isDateLike(grid, place(edge))) continue;
     if (isTotal(evidence, grid, place(beyond))) continue;
     if (!sameMake(grid, place(edge), place(beyond))) continue;

@@ -65,7 +65,7 @@ function usesOf(evidence: Evidence, operands: Operands, region: number, operand:
   const isFactor = operand.operator !== '+' && operand.operator !== '-';
   const formula = index.formulaOf(region);
   const rest = { sheet, formula, filled, isFactor };
-  // A line of blanks behind the last filled cell is still to be filled.
+  // A track of blanks behind the last filled cell is still to be filled.
   const isForm = blanks.size > 1 && blanks.size * 4 > filled;
   return [...blanks.values()].map(({ taken, cells }) => {
     return { ...rest, taken, cells, filled: isForm ? 0 : filled };
@@ -84,7 +84,7 @@ function onSheet(evidence: Evidence, uses: readonly Use[]): Clue[] {
   const forms: Use[][] = [];
   for (const own of byCell.values()) {
     const isAmong = own.some(({ filled }) => filled >= 3);
-    // Of a sum it is a line that was left empty.
+    // Of a sum it is a track that was left empty.
     if (isAmong) told.push(own);
     else if (own.some(({ isFactor }) => isFactor)) forms.push(own);
   }

@@ -47,17 +47,17 @@ function lacks(
   next: CellPosition,
   isRow: boolean,
 ): boolean {
-  const lines = ({ left, right, top, bottom }: Area): [number, number] =>
+  const tracks = ({ left, right, top, bottom }: Area): [number, number] =>
     isRow ? [left, right] : [top, bottom];
   const own = isRow ? at.col : at.row;
   const taken = areaFrom(slot, next);
-  const [from, to] = lines(taken);
+  const [from, to] = tracks(taken);
   if (from !== own || to !== own || cellCount(taken) > mostTaken) return false;
   if (!hasNumber(grid, taken)) return false;
   const earlier = areaFrom(slot, at);
   // From the first column or row on a relative reference goes on at the sheet's other end.
-  if (own === 1) return lines(earlier)[0] !== own;
-  return lines(earlier)[0] === own - 1 && !hasNumber(grid, earlier);
+  if (own === 1) return tracks(earlier)[0] !== own;
+  return tracks(earlier)[0] === own - 1 && !hasNumber(grid, earlier);
 }
 
 function hasNumber(grid: SheetGrid, { top, left, bottom, right }: Area): boolean {

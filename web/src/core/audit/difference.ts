@@ -38,11 +38,11 @@ function addressOf(slot: ReferenceSlot, at: CellPosition): string {
   return slot.prefix + writeReference(translateReference(slot.shape, 'a1', at), 'a1');
 }
 
-function lines(first: number, last: number, word: 'row' | 'column'): string {
-  const name = (line: number) =>
+function tracks(first: number, last: number, word: 'row' | 'column'): string {
+  const name = (track: number) =>
     word === 'row'
-      ? String(line)
-      : areaAddress({ top: 1, bottom: 1, left: line, right: line }).replace(/\d+$/, '');
+      ? String(track)
+      : areaAddress({ top: 1, bottom: 1, left: track, right: track }).replace(/\d+$/, '');
   return first === last ? `${word} ${name(first)}` : `${word}s ${name(first)} to ${name(last)}`;
 }
 
@@ -61,14 +61,14 @@ function ofReferences(own: ReferenceSlot, other: ReferenceSlot, at: CellPosition
   const isRange = own.shape.to !== undefined || other.shape.to !== undefined;
   if (sameCols && isRange) {
     const [part, whole] = [
-      lines(mine.top, mine.bottom, 'row'),
-      lines(theirs.top, theirs.bottom, 'row'),
+      tracks(mine.top, mine.bottom, 'row'),
+      tracks(theirs.top, theirs.bottom, 'row'),
     ];
     return `takes ${part}, the others ${whole}`;
   }
   if (sameRows && isRange) {
-    const part = lines(mine.left, mine.right, 'column');
-    return `takes ${part}, the others ${lines(theirs.left, theirs.right, 'column')}`;
+    const part = tracks(mine.left, mine.right, 'column');
+    return `takes ${part}, the others ${tracks(theirs.left, theirs.right, 'column')}`;
   }
   return `takes ${one}, the others ${two}`;
 }

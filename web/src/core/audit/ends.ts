@@ -1,4 +1,4 @@
-// Filled formulas that stop while the data that they take goes on: lines were added below, and nobody
+// Filled formulas that stop while the data that they take goes on: tracks were added below, and nobody
 // filled the formula further.
 
 import { areaAddress, type Area } from '../address/area';
@@ -57,8 +57,8 @@ function atEnd(evidence: Evidence, run: Run, formula: number): Clue | undefined 
   const missing = isDown
     ? { ...own, top: last + 1, bottom: end }
     : { ...own, left: last + 1, right: end };
-  const at = (line: number, across: number): CellPosition =>
-    isDown ? { row: line, col: across } : { row: across, col: line };
+  const at = (track: number, across: number): CellPosition =>
+    isDown ? { row: track, col: across } : { row: across, col: track };
   const data = inputs.map((input) => {
     const from = at(last + 1, input);
     const to = at(end, input);

@@ -36,8 +36,8 @@ export function* kinClues(evidence: Evidence): Generator<undefined, Clue[]> {
     const kin = { region, area, formula, slots: shapes.of(formula).slots };
     const own = (form * 1_024 + index.sheetOf(region)) * 4;
     // On the whole sheet, and of the same column or row alone.
-    for (const [which, line] of [0, area.left, area.top].entries()) {
-      const key = (own + which) * 2 ** 20 + (line % 2 ** 20);
+    for (const [which, track] of [0, area.left, area.top].entries()) {
+      const key = (own + which) * 2 ** 20 + (track % 2 ** 20);
       const family = families.get(key);
       if (!family) families.set(key, [kin]);
       else if (family.length <= most) family.push(kin);
@@ -152,23 +152,23 @@ function featuresOf(slot: Slot, at: number): Feature[][] {
   for (let which = 0; which < 4; which++) {
     const word = words[which] ?? 'row';
     const base = ({ area }: Kin) => (which % 2 === 0 ? area.top : area.left);
-    const line = (one: Coordinate | undefined, kin: Kin) =>
+    const track = (one: Coordinate | undefined, kin: Kin) =>
       one ? (one.fixed ? one.at : one.at + base(kin)) : 0;
     const verb = (isOne: boolean) => `${which < 2 ? 'begin' : 'end'}${isOne ? 's' : ''} in`;
     const places: Feature[] = [
       {
         say: (value, isOne) => `${verb(isOne)} the ${word} ${distance(Number(value), word)}`,
-        of: (kin) => line(corner(kin, which), kin) - base(kin),
+        of: (kin) => track(corner(kin, which), kin) - base(kin),
       },
       {
         say: (value, isOne) => `${verb(isOne)} ${word} ${String(value)}`,
-        of: (kin) => line(corner(kin, which), kin),
+        of: (kin) => track(corner(kin, which), kin),
       },
     ];
     if (which >= 2) {
       places.push({
         say: (value, isOne) => `${isOne ? 'takes' : 'take'} ${count(Number(value), word)}`,
-        of: (kin) => line(corner(kin, which), kin) - line(corner(kin, which - 2), kin) + 1,
+        of: (kin) => track(corner(kin, which), kin) - track(corner(kin, which - 2), kin) + 1,
       });
     }
     groups.push(places);
@@ -176,10 +176,10 @@ function featuresOf(slot: Slot, at: number): Feature[][] {
   return groups;
 }
 
-function distance(lines: number, word: 'row' | 'column'): string {
-  if (lines === 0) return 'of the cell itself';
+function distance(tracks: number, word: 'row' | 'column'): string {
+  if (tracks === 0) return 'of the cell itself';
   const [before, after] = word === 'row' ? ['above', 'below'] : ['to the left', 'to the right'];
-  return `${String(Math.abs(lines))} ${lines < 0 ? before : after}`;
+  return `${String(Math.abs(tracks))} ${tracks < 0 ? before : after}`;
 }
 
 function ordinal(at: number): string {

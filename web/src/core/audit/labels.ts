@@ -76,7 +76,7 @@ function familiesOf(evidence: Evidence, grid: SheetGrid): Member[][] {
       const member = before === '' ? undefined : memberAt(evidence, grid, row, col, formula);
       if (!member) continue;
       const form = String(evidence.form(formula));
-      // Blocks repeat a line's name; in a plain list each line has its own.
+      // Blocks repeat a row's name; in a plain list each row has its own.
       for (const key of [`block ${String(col)} ${form} ${before}`, `list ${String(col)} ${form}`]) {
         const family = families.get(key);
         if (family) family.push(member);

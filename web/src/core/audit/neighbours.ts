@@ -1,6 +1,6 @@
 // Cells unlike those on both sides of them in their row or column, and the last or first cell of a
-// run where the lines beside it go on: another formula, a number typed over one, a blank. What recurs
-// along a line, or goes on across it, is a pattern and no mistake.
+// run where the tracks beside it go on: another formula, a number typed over one, a blank. What recurs
+// along a track, or goes on across it, is a pattern and no mistake.
 
 import { areaAddress, meet } from '../address/area';
 import type { CellPosition } from '../formula/reference';
@@ -23,7 +23,7 @@ const enum Content {
 type Run = { content: number; first: number; last: number };
 
 /** A row or column of a sheet, seen along it. */
-class Line {
+class Track {
   readonly runs: Run[] = [];
 
   constructor(
@@ -44,11 +44,11 @@ class Line {
   }
 
   place(at: number, across = 0): CellPosition {
-    const line = this.number + across;
-    return this.isRow ? { row: line, col: at } : { row: at, col: line };
+    const track = this.number + across;
+    return this.isRow ? { row: track, col: at } : { row: at, col: track };
   }
 
-  /** `across`: so many lines beside this one. */
+  /** `across`: so many tracks beside this one. */
   content(at: number, across = 0): number {
     const { row, col } = this.place(at, across);
     const formula = this.grid.formula(row, col);
@@ -58,7 +58,7 @@ class Line {
     return kind === CellKind.Number ? Content.Constant : Content.Other;
   }
 
-  /** How many cells across this line have the same, the cell itself among them. */
+  /** How many cells across this track have the same, the cell itself among them. */
   breadth(at: number): number {
     const own = this.content(at);
     let cells = 1;
@@ -83,25 +83,25 @@ export function* neighbourClues(evidence: Evidence): Generator<undefined, Clue[]
     for (const isRow of [true, false]) {
       const { area } = grid;
       const [from, to] = isRow ? [area.top, area.bottom] : [area.left, area.right];
-      for (let line = from; line <= to; line++) {
-        inLine(evidence, new Line(grid, line, isRow, (formula) => formula), clues);
+      for (let track = from; track <= to; track++) {
+        inTrack(evidence, new Track(grid, track, isRow, (formula) => formula), clues);
         yield undefined;
         if (evidence.isIrregular(grid.sheet)) continue;
-        const forms = new Line(grid, line, isRow, (formula) => evidence.form(formula));
-        inLine(evidence, forms, byForm);
+        const forms = new Track(grid, track, isRow, (formula) => evidence.form(formula));
+        inTrack(evidence, forms, byForm);
       }
     }
   }
-  // By their forms lines are less alike: what is expected is told as an example.
+  // By their forms tracks are less alike: what is expected is told as an example.
   for (const clue of byForm) {
     clues.push({ ...clue, expected: '', weight: clue.weight - 1.5, level: 'doubt' });
   }
   return clues;
 }
 
-function inLine(evidence: Evidence, line: Line, clues: Clue[]): void {
-  const { runs } = line;
-  /** Breaks of this line by what stands in them. */
+function inTrack(evidence: Evidence, track: Track, clues: Clue[]): void {
+  const { runs } = track;
+  /** Breaks of this track by what stands in them. */
   const recurring = new Map<string, number>();
   const breaks: number[] = [];
   for (let i = 1; i + 1 < runs.length; i++) {
@@ -120,18 +120,18 @@ function inLine(evidence: Evidence, line: Line, clues: Clue[]): void {
     const support =
       Math.log2(1 + Math.min(32, length(before))) + Math.log2(1 + Math.min(32, length(after)));
     const crowd = Math.log2(breaks.length) * 1.5 + (times - 1) * 2;
-    addBetween(evidence, line, own, before, after, support - crowd, clues);
+    addBetween(evidence, track, own, before, after, support - crowd, clues);
   }
   for (const run of runs) {
     if (run.content <= 0 || length(run) < 3) continue;
-    addEnd(evidence, line, run, run.last + 1, clues);
-    addEnd(evidence, line, run, run.first - 1, clues);
+    addEnd(evidence, track, run, run.last + 1, clues);
+    addEnd(evidence, track, run, run.first - 1, clues);
   }
 }
 
 function addBetween(
   evidence: Evidence,
-  line: Line,
+  track: Track,
   own: Run,
   before: Run,
   after: Run,
@@ -139,45 +139,45 @@ function addBetween(
   clues: Clue[],
 ): void {
   if (own.content === Content.Other) return;
-  const breadth = line.breadth(own.first);
-  const { row, col } = line.place(own.first);
+  const breadth = track.breadth(own.first);
+  const { row, col } = track.place(own.first);
   const area = { ...cell(row, col) };
-  if (line.isRow) area.right = own.last;
+  if (track.isRow) area.right = own.last;
   else area.bottom = own.last;
   const expected = before.content;
   const close = closeness(
     evidence,
-    own.content > 0 ? line.grid.formula(row, col) : own.content,
+    own.content > 0 ? track.grid.formula(row, col) : own.content,
     expected,
     { row, col },
   );
-  // What goes on across the line is a row or column of its own.
+  // What goes on across the track is a row or column of its own.
   const design = own.content > 0 ? (breadth - 1) * 2.5 : (breadth - 1) * 1.5;
   const weight = support + close.bonus - design;
   if (weight < 3) return;
-  const beside = besides(line, before, after);
+  const beside = besides(track, before, after);
   clues.push({
     ...close,
-    sheet: line.grid.sheet,
+    sheet: track.grid.sheet,
     areas: [area],
-    sentence: `${areaAddress(area)} ${close.words}; ${beside} are filled alike with ${shownIn(evidence, line, before)}.`,
+    sentence: `${areaAddress(area)} ${close.words}; ${beside} are filled alike with ${shownIn(evidence, track, before)}.`,
     expected: evidence.text(expected),
     weight,
     level: own.content === Content.Blank ? 'doubt' : 'fact',
   });
 }
 
-function shownIn(evidence: Evidence, line: Line, run: Run): string {
-  const { row, col } = line.place(run.first);
-  return evidence.shown(line.grid.formula(row, col), row, col);
+function shownIn(evidence: Evidence, track: Track, run: Run): string {
+  const { row, col } = track.place(run.first);
+  return evidence.shown(track.grid.formula(row, col), row, col);
 }
 
 /** "C3:C9 and C11:C14 on both sides" */
-function besides(line: Line, ...runs: Run[]): string {
+function besides(track: Track, ...runs: Run[]): string {
   return runs
     .map((run) => {
-      const start = line.place(run.first);
-      const end = line.place(run.last);
+      const start = track.place(run.first);
+      const end = track.place(run.last);
       return areaAddress({ top: start.row, left: start.col, bottom: end.row, right: end.col });
     })
     .join(' and ');
@@ -210,36 +210,36 @@ function closeness(evidence: Evidence, own: number, expected: number, at: CellPo
 }
 
 /** True if the cell adds up the run, or part of it: that is how a list ends. */
-function isTotal(evidence: Evidence, line: Line, run: Run, at: number): boolean {
-  const place = line.place(at);
-  const start = line.place(run.first);
-  const end = line.place(run.last);
+function isTotal(evidence: Evidence, track: Track, run: Run, at: number): boolean {
+  const place = track.place(at);
+  const start = track.place(run.first);
+  const end = track.place(run.last);
   const cells = { top: start.row, left: start.col, bottom: end.row, right: end.col };
-  return rangesOf(evidence, line.grid.formula(place.row, place.col), place).some(
+  return rangesOf(evidence, track.grid.formula(place.row, place.col), place).some(
     ({ area, prefix }) => prefix === '' && meet(area, cells) !== undefined,
   );
 }
 
-/** The cell behind a run of one formula: odd where the lines beside this one go on there. */
-function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clue[]): void {
-  const { row, col } = line.place(at);
-  if (!line.grid.has(row, col)) return;
-  const own = line.content(at);
+/** The cell behind a run of one formula: odd where the tracks beside this one go on there. */
+function addEnd(evidence: Evidence, track: Track, run: Run, at: number, clues: Clue[]): void {
+  const { row, col } = track.place(at);
+  if (!track.grid.has(row, col)) return;
+  const own = track.content(at);
   if (own === Content.Other || own === Content.Blank) return;
   const isAfter = at > run.last;
-  if (!isAfter && beginsChain(evidence, line.grid, { row, col }, run.content)) return;
+  if (!isAfter && beginsChain(evidence, track.grid, { row, col }, run.content)) return;
   const last = isAfter ? run.last : run.first;
   let going = 0;
   let against = 0;
   for (const across of [-1, 1]) {
-    const beside = line.content(last, across);
+    const beside = track.content(last, across);
     if (beside <= 0) continue;
-    if (line.content(at, across) === beside) going++;
+    if (track.content(at, across) === beside) going++;
     else against++;
   }
-  if (own > 0 && line.breadth(at) > 1) return;
-  if (own > 0 && going === 0 && isTotal(evidence, line, run, at)) return;
-  const close = closeness(evidence, own > 0 ? line.grid.formula(row, col) : own, run.content, {
+  if (own > 0 && track.breadth(at) > 1) return;
+  if (own > 0 && going === 0 && isTotal(evidence, track, run, at)) return;
+  const close = closeness(evidence, own > 0 ? track.grid.formula(row, col) : own, run.content, {
     row,
     col,
   });
@@ -248,12 +248,13 @@ function addEnd(evidence: Evidence, line: Line, run: Run, at: number, clues: Clu
   const support = Math.log2(1 + Math.min(16, length(run)));
   const weight = support + close.bonus + going * 1.5 - against * 1.5 - (isAfter ? 0.5 : 1.5);
   if (weight < 3) return;
-  const beyond = going > 0 ? ', and the lines beside go on there' : '';
+  const beyond =
+    going > 0 ? `, and the ${track.isRow ? 'rows' : 'columns'} beside go on there` : '';
   clues.push({
     kind: close.kind,
-    sheet: line.grid.sheet,
+    sheet: track.grid.sheet,
     areas: [cell(row, col)],
-    sentence: `${areaAddress(cell(row, col))} ${close.words}; ${besides(line, run)} ${isAfter ? 'before' : 'after'} it are filled alike with ${shownIn(evidence, line, run)}${beyond}.`,
+    sentence: `${areaAddress(cell(row, col))} ${close.words}; ${besides(track, run)} ${isAfter ? 'before' : 'after'} it are filled alike with ${shownIn(evidence, track, run)}${beyond}.`,
     expected: evidence.text(run.content),
     weight,
     level: 'fact',

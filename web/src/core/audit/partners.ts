@@ -1,5 +1,5 @@
 // Columns, or rows, that are computed like each other though they do not stand side by side: sales in
-// each year's block, a budget and what came of it. Where nearly all their lines have the same formulas,
+// each year's block, a budget and what came of it. Where nearly all their tracks have the same formulas,
 // the one that has not is told.
 
 import { columnLetters } from '../address/area';
@@ -10,15 +10,15 @@ import type { Clue } from './Finding';
 import { isData } from './shape';
 import type { SheetGrid } from './SheetGrid';
 
-/** So many lines have to agree, with so many formulas among them: filled ones are seen side by side. */
+/** So many tracks have to agree, with so many formulas among them: filled ones are seen side by side. */
 const fewest = 4;
 const fewestFormulas = 3;
 const agreeing = 0.75;
-const linesLimit = 2 ** 15;
+const tracksLimit = 2 ** 15;
 
 type Pair = { one: number; other: number; agree: number; formulas: number; latest: number };
 /** What a partner says of a cell. */
-type Voice = { line: number; agree: number; of: number; formula: number };
+type Voice = { track: number; agree: number; of: number; formula: number };
 type Odd = { at: CellPosition; voices: Voice[] };
 
 export function* partnerClues(evidence: Evidence): Generator<undefined, Clue[]> {
@@ -40,30 +40,30 @@ export function* partnerClues(evidence: Evidence): Generator<undefined, Clue[]> 
   return clues;
 }
 
-function placeOf(isRow: boolean, line: number, at: number): CellPosition {
-  return isRow ? { row: line, col: at } : { row: at, col: line };
+function placeOf(isRow: boolean, track: number, at: number): CellPosition {
+  return isRow ? { row: track, col: at } : { row: at, col: track };
 }
 
-/** Lines with the same formulas, each with the next one that has them. */
+/** Tracks with the same formulas, each with the next one that has them. */
 function* pairsOf(grid: SheetGrid, isRow: boolean): Generator<undefined, Pair[]> {
   const { top, left, bottom, right } = grid.area;
   const [first, last, from, to] = isRow ? [top, bottom, left, right] : [left, right, top, bottom];
   const pairs = new Map<number, Pair>();
   const latest = new Map<number, number>();
-  if (last >= linesLimit) return [];
+  if (last >= tracksLimit) return [];
   for (let at = from; at <= to; at++) {
     latest.clear();
-    for (let line = first; line <= last; line++) {
-      const { row, col } = placeOf(isRow, line, at);
+    for (let track = first; track <= last; track++) {
+      const { row, col } = placeOf(isRow, track, at);
       const formula = grid.formula(row, col);
       if (formula === 0) continue;
       const before = latest.get(formula);
-      latest.set(formula, line);
-      if (before === undefined || line - before < 2) continue;
-      const key = before * linesLimit + line;
+      latest.set(formula, track);
+      if (before === undefined || track - before < 2) continue;
+      const key = before * tracksLimit + track;
       const pair = pairs.get(key);
       if (!pair) {
-        pairs.set(key, { one: before, other: line, agree: 1, formulas: 1, latest: formula });
+        pairs.set(key, { one: before, other: track, agree: 1, formulas: 1, latest: formula });
         continue;
       }
       pair.agree += 1;
@@ -98,14 +98,14 @@ function compare(
   const of = agree + differing.length;
   if (differing.length === 0 || differing.length > 2 || agree / of < agreeing) return;
   for (const at of differing) {
-    note(odd, grid, isRow, one, at, { line: other, agree, of });
-    note(odd, grid, isRow, other, at, { line: one, agree, of });
+    note(odd, grid, isRow, one, at, { track: other, agree, of });
+    note(odd, grid, isRow, other, at, { track: one, agree, of });
   }
 }
 
 /** The formula's number, -1 for a number that was typed in, 0 for anything else. */
-function contentAt(grid: SheetGrid, isRow: boolean, line: number, at: number): number {
-  const { row, col } = placeOf(isRow, line, at);
+function contentAt(grid: SheetGrid, isRow: boolean, track: number, at: number): number {
+  const { row, col } = placeOf(isRow, track, at);
   const formula = grid.formula(row, col);
   return formula > 0 ? formula : grid.isConstant(row, col) ? -1 : 0;
 }
@@ -114,13 +114,13 @@ function note(
   odd: Map<string, Odd>,
   grid: SheetGrid,
   isRow: boolean,
-  line: number,
+  track: number,
   at: number,
   voice: Omit<Voice, 'formula'>,
 ): void {
-  const formula = contentAt(grid, isRow, voice.line, at);
+  const formula = contentAt(grid, isRow, voice.track, at);
   if (formula <= 0) return;
-  const place = placeOf(isRow, line, at);
+  const place = placeOf(isRow, track, at);
   const key = address(place.row, place.col);
   const known = odd.get(key);
   if (known) known.voices.push({ ...voice, formula });
@@ -139,7 +139,7 @@ function clueOf(
   if (same < voices.length) return undefined;
   const { row, col } = at;
   const own = grid.formula(row, col);
-  const partner = placeOf(isRow, best.line, isRow ? col : row);
+  const partner = placeOf(isRow, best.track, isRow ? col : row);
   const theirs = odd.get(address(partner.row, partner.col))?.voices.length ?? 0;
   // Of two that differ the one is odd that more others contradict; of equals the rarer, then the later.
   const isOdd =
@@ -147,7 +147,7 @@ function clueOf(
       ? same > theirs
       : own === 0 ||
         evidence.count(own) < evidence.count(best.formula) ||
-        (evidence.count(own) === evidence.count(best.formula) && best.line < (isRow ? row : col));
+        (evidence.count(own) === evidence.count(best.formula) && best.track < (isRow ? row : col));
   if (!isOdd || isData(evidence.shapes.of(best.formula))) return undefined;
   const found =
     own === 0
@@ -161,7 +161,8 @@ function clueOf(
     near -
     (best.of - best.agree) * 0.5;
   if (weight < 2.5) return undefined;
-  const name = (line: number) => (isRow ? `row ${String(line)}` : `column ${columnLetters(line)}`);
+  const name = (track: number) =>
+    isRow ? `row ${String(track)}` : `column ${columnLetters(track)}`;
   const words = (
     found.places > 3 ? `has ${evidence.shown(own, row, col)}` : found.words
   ).replaceAll('the others', 'its partner');
@@ -171,7 +172,7 @@ function clueOf(
     kind: 'partner',
     sheet: grid.sheet,
     areas: [cell(row, col)],
-    sentence: `${address(row, col)} ${words}; ${name(isRow ? row : col)} is computed like ${name(best.line)} in ${share}, and there ${there}.`,
+    sentence: `${address(row, col)} ${words}; ${name(isRow ? row : col)} is computed like ${name(best.track)} in ${share}, and there ${there}.`,
     expected: evidence.text(best.formula),
     weight,
     level: same > 1 ? 'fact' : 'doubt',

@@ -9,7 +9,7 @@ import { address, atATime, type Evidence } from './Evidence';
 import type { Clue } from './Finding';
 import { referenceArguments } from './shape';
 
-/** Which arguments of a function go over the same lines. */
+/** Which arguments of a function go over the same tracks. */
 function paired(name: string, args: number): number[] {
   const all = Array.from({ length: args }, (_, i) => i);
   switch (name) {
@@ -131,7 +131,7 @@ function sliding(node: NodeOf<'call'>, sheet: number, own: Area): Clue | undefin
   const end = { row: own.bottom, col: own.right };
   const last = rangeOf(referenceArguments(node)[which], end);
   const cells = Math.max(isDown ? height(own) : 1, isAcross ? width(own) : 1);
-  const isOwnLine =
+  const isOwnTrack =
     isDown && !isAcross && height(table.area) <= height(own) && table.area.top > at.row;
   return {
     kind: 'sliding',
@@ -139,7 +139,7 @@ function sliding(node: NodeOf<'call'>, sheet: number, own: Area): Clue | undefin
     areas: [own],
     sentence: `${name} in ${address(at.row, at.col)} looks in ${table.text}${areaAddress(table.area)}; filled ${isDown ? 'down' : 'across'}, the table slides and is ${last ? areaAddress(last.area) : 'another'} in ${address(end.row, end.col)}.`,
     expected: '',
-    weight: isOwnLine ? 2.5 : Math.min(7, 4.5 + Math.log2(cells) / 2),
+    weight: isOwnTrack ? 2.5 : Math.min(7, 4.5 + Math.log2(cells) / 2),
     level: 'doubt',
   };
 }

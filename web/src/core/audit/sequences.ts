@@ -1,6 +1,6 @@
-// Runs of one formula whose references go on by a step of their own: each line of a summary takes the
+// Runs of one formula whose references go on by a step of their own: each track of a summary takes the
 // next column of another sheet, each block the next row. A cell that leaves the step, while the
-// next one is on it again, took the wrong line.
+// next one is on it again, took the wrong track.
 
 import { areaAddress, maxColumns, maxRows } from '../address/area';
 import { writeReference, type Coordinate, type CellPosition } from '../formula/reference';
@@ -26,21 +26,21 @@ export function* sequenceClues(evidence: Evidence): Generator<undefined, Clue[]>
     if (evidence.isIrregular(grid.sheet)) continue;
     const { area } = grid;
     for (let row = area.top; row <= area.bottom; row++) {
-      alongLine(evidence, grid, row, true, clues);
+      alongTrack(evidence, grid, row, true, clues);
       yield undefined;
     }
     for (let col = area.left; col <= area.right; col++) {
-      alongLine(evidence, grid, col, false, clues);
+      alongTrack(evidence, grid, col, false, clues);
       yield undefined;
     }
   }
   return clues;
 }
 
-function alongLine(
+function alongTrack(
   evidence: Evidence,
   grid: SheetGrid,
-  line: number,
+  track: number,
   isRow: boolean,
   clues: Clue[],
 ): void {
@@ -54,7 +54,7 @@ function alongLine(
   };
   const [from, to] = isRow ? [area.left, area.right] : [area.top, area.bottom];
   for (let at = from; at <= to; at++) {
-    const place = isRow ? { row: line, col: at } : { row: at, col: line };
+    const place = isRow ? { row: track, col: at } : { row: at, col: track };
     const formula = grid.formula(place.row, place.col);
     if (formula === 0) {
       close();
@@ -72,36 +72,39 @@ function alongLine(
   close();
 }
 
-/** A corner's line: how far from the cell's own row or column, or where it is fixed. */
-type Line = { at: number; from: 'row' | 'col' | undefined };
-type Lines = { lines: Line[]; signs: string };
+/** A corner's track: how far from the cell's own row or column, or where it is fixed. */
+type Track = { at: number; from: 'row' | 'col' | undefined };
+type Tracks = { tracks: Track[]; signs: string };
 
-const linesOfShapes = new WeakMap<Shape, Lines>();
+const tracksOfShapes = new WeakMap<Shape, Tracks>();
 
 /** The corners of a shape's references; the dollar signs beside them. */
-function linesOf(shape: Shape): Lines {
-  let known = linesOfShapes.get(shape);
+function tracksOf(shape: Shape): Tracks {
+  let known = tracksOfShapes.get(shape);
   if (!known) {
-    known = { lines: [], signs: '' };
+    known = { tracks: [], signs: '' };
     for (const slot of shape.slots) {
       if (slot.kind !== 'reference') continue;
       known.signs += `|${slot.prefix}`;
       for (const [i, corner] of corners(slot).entries()) {
         const isFixed = corner?.fixed === true;
         const own = i % 2 === 0 ? 'row' : 'col';
-        known.lines.push({ at: corner?.at ?? 0, from: corner && !isFixed ? own : undefined });
+        known.tracks.push({ at: corner?.at ?? 0, from: corner && !isFixed ? own : undefined });
         known.signs += isFixed ? '$' : '.';
       }
     }
-    linesOfShapes.set(shape, known);
+    tracksOfShapes.set(shape, known);
   }
   return known;
 }
 
-/** The corner numbers of a member's references as lines of the sheet. */
+/** The corner numbers of a member's references as tracks of the sheet. */
 function valuesOf({ at, shape }: Member): { numbers: number[]; signs: string } {
-  const { lines, signs } = linesOf(shape);
-  return { numbers: lines.map((line) => (line.from ? line.at + at[line.from] : line.at)), signs };
+  const { tracks, signs } = tracksOf(shape);
+  return {
+    numbers: tracks.map((track) => (track.from ? track.at + at[track.from] : track.at)),
+    signs,
+  };
 }
 
 function inRun(evidence: Evidence, grid: SheetGrid, run: Member[], clues: Clue[]): void {
@@ -185,9 +188,9 @@ function rewritten(member: Member, model: Member, numbers: readonly number[]): s
     const own = references[slot++];
     if (!own) return undefined;
     const take = (corner: Coordinate | undefined, base: number, limit: number) => {
-      const line = numbers[next++] ?? 0;
+      const track = numbers[next++] ?? 0;
       if (!corner) return undefined;
-      const inside = Math.min(limit, Math.max(1, line));
+      const inside = Math.min(limit, Math.max(1, track));
       return { at: corner.fixed ? inside : inside - base, fixed: corner.fixed };
     };
     const corner = (of: typeof own.shape.from) => {

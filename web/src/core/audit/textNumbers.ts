@@ -24,8 +24,8 @@ const [firstDate, lastDate] = [10_000, 80_000];
 
 /** Of more formulas that use a cell nobody looks further. */
 const usersLimit = 20;
-/** So much of a long line is looked at, on each side of the cell. */
-const lineLimit = 500;
+/** So much of a long track is looked at, on each side of the cell. */
+const trackLimit = 500;
 
 function isNumberText(text: string): boolean {
   return (numberText.test(text) && !codeText.test(text)) || dateText.test(text);
@@ -91,7 +91,7 @@ function sheetOf({ model }: Evidence, { prefix }: Range, own: number): number | 
   return prefix === '' ? own : model.sheetNumber(unquoted(prefix.slice(0, -1)));
 }
 
-/** True if the line through the cell, along the range, is one of numbers. */
+/** True if the track through the cell, along the range, is one of numbers. */
 function isAmongNumbers(grid: SheetGrid, range: Area, row: number, col: number): boolean {
   const isColumn = range.bottom > range.top;
   const [first, last] = isColumn ? [range.top, range.bottom] : [range.left, range.right];
@@ -99,7 +99,7 @@ function isAmongNumbers(grid: SheetGrid, range: Area, row: number, col: number):
   const isDate = dateText.test(textAt(grid, row, col));
   let numbers = 0;
   let texts = 0;
-  for (let n = Math.max(first, own - lineLimit); n <= Math.min(last, own + lineLimit); n++) {
+  for (let n = Math.max(first, own - trackLimit); n <= Math.min(last, own + trackLimit); n++) {
     const place: [number, number] = isColumn ? [n, col] : [row, n];
     const kind = grid.kind(...place);
     if (kind === Kind.Number && (!isDate || isDateNumber(grid, ...place))) numbers += 1;

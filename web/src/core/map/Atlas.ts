@@ -5,7 +5,7 @@ import { areaAddress, qualified, type Area } from '../address/area';
 import type { Destination } from '../follow/SheetFollower';
 import type { Cells } from '../model/messages';
 import type { BookScan } from '../scan/BookScan';
-import type { HiddenLines } from '../scan/hiddenLines';
+import type { HiddenTracks } from '../scan/hiddenTracks';
 import type { Scans } from '../scan/Scans';
 import { Picture } from './Picture';
 import { filledArea, tileKey, type Frame, type Tile, type TileSamples } from './tiles';
@@ -26,7 +26,7 @@ type Sheet = {
   frame: Kept<Frame>;
   breaks: Kept<Break[]>;
   /** By the stamp of the picture for which they were asked. */
-  hidden: { of: number; lines: HiddenLines | undefined };
+  hidden: { of: number; tracks: HiddenTracks | undefined };
   tiles: Map<string, TileSamples | undefined>;
   cells: Map<string, CellTold | undefined>;
 };
@@ -171,7 +171,7 @@ export class Atlas {
   }
 
   /** Hidden rows and columns; asked once the workbook was read. */
-  hiddenOf(sheet: string): HiddenLines | undefined {
+  hiddenOf(sheet: string): HiddenTracks | undefined {
     const own = this.sheetOf(sheet);
     const { scan } = this;
     const frame = own?.frame.value;
@@ -179,12 +179,12 @@ export class Atlas {
     const area = filledArea(frame);
     if (area && own.hidden.of !== frame.stamp && scan.state.status === 'done') {
       own.hidden.of = frame.stamp;
-      void scan.hidden(sheet, area).then((lines) => {
-        own.hidden.lines = lines;
+      void scan.hidden(sheet, area).then((tracks) => {
+        own.hidden.tracks = tracks;
         this.changed();
       });
     }
-    return own.hidden.lines;
+    return own.hidden.tracks;
   }
 
   /** What the selected cells use, and what uses them. */
@@ -279,7 +279,7 @@ export class Atlas {
     }
     let own = known.sheets.get(sheet);
     if (!own) {
-      const hidden = { of: 0, lines: undefined };
+      const hidden = { of: 0, tracks: undefined };
       own = { frame: kept(), breaks: kept(), hidden, tiles: new Map(), cells: new Map() };
       known.sheets.set(sheet, own);
     }

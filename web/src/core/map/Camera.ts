@@ -2,7 +2,7 @@
 // zoom for both directions, from 0, where the whole sheet is in sight, to 1, where cells have the size
 // that they are drawn with at most; rows and columns come there at the same time. Pure.
 
-import { isFolded, lineAtPlace, placeOfLine, type Stretch } from './Lines';
+import { isFolded, trackAtPlace, placeOfTrack, type Stretch } from './Tracks';
 import type { Area } from '../address/area';
 import { tileSize, type Frame, type Tile } from './tiles';
 
@@ -100,7 +100,7 @@ export function moved(
   });
 }
 
-/** With the cells in sight: moved no further than that takes, and with some lines around them. */
+/** With the cells in sight: moved no further than that takes, and with some tracks around them. */
 export function showing(frame: Frame, pane: Pane, camera: Camera, area: Area): Camera {
   const scale = scaleOf(frame, pane, camera);
   const along = (from: number, first: number, last: number, room: number): number => {
@@ -110,21 +110,21 @@ export function showing(frame: Frame, pane: Pane, camera: Camera, area: Area): C
     return from;
   };
   const { rows, cols } = frame;
-  const x = placeOfLine(cols, area.left);
-  const y = placeOfLine(rows, area.top);
+  const x = placeOfTrack(cols, area.left);
+  const y = placeOfTrack(rows, area.top);
   return clamped(frame, pane, {
     ...camera,
-    x: along(camera.x, x, placeOfLine(cols, area.right) + 1, pane.width / scale.x),
-    y: along(camera.y, y, placeOfLine(rows, area.bottom) + 1, pane.height / scale.y),
+    x: along(camera.x, x, placeOfTrack(cols, area.right) + 1, pane.width / scale.x),
+    y: along(camera.y, y, placeOfTrack(rows, area.bottom) + 1, pane.height / scale.y),
   });
 }
 
 /** Where cells are drawn; some of it may be out of sight. */
 export function boxOf(frame: Frame, camera: Camera, scale: Scale, area: Area): Box {
-  const left = (placeOfLine(frame.cols, area.left) - camera.x) * scale.x;
-  const top = (placeOfLine(frame.rows, area.top) - camera.y) * scale.y;
-  const right = (placeOfLine(frame.cols, area.right + 1) - camera.x) * scale.x;
-  const bottom = (placeOfLine(frame.rows, area.bottom + 1) - camera.y) * scale.y;
+  const left = (placeOfTrack(frame.cols, area.left) - camera.x) * scale.x;
+  const top = (placeOfTrack(frame.rows, area.top) - camera.y) * scale.y;
+  const right = (placeOfTrack(frame.cols, area.right + 1) - camera.x) * scale.x;
+  const bottom = (placeOfTrack(frame.rows, area.bottom + 1) - camera.y) * scale.y;
   return { left, top, width: right - left, height: bottom - top };
 }
 
@@ -138,7 +138,7 @@ export function cellAt(
   const x = camera.x + at.x / scale.x;
   const y = camera.y + at.y / scale.y;
   if (x < 0 || y < 0 || x >= frame.cols.count || y >= frame.rows.count) return undefined;
-  return { row: lineAtPlace(frame.rows, y), col: lineAtPlace(frame.cols, x) };
+  return { row: trackAtPlace(frame.rows, y), col: trackAtPlace(frame.cols, x) };
 }
 
 /** The level at which a sample is at least as large as a pixel: so none is lost. */

@@ -15,7 +15,7 @@ import {
   type Pane,
   type Scale,
 } from './Camera';
-import { lineAtPlace, placeOfLine, type Lines } from './Lines';
+import { trackAtPlace, placeOfTrack, type Tracks } from './Tracks';
 import type { Frame } from './tiles';
 import type { Break } from './told';
 
@@ -26,7 +26,7 @@ export type CursorMove =
 
 /** So much larger with each step of the keys and buttons. */
 export const zoomStep = 1.5;
-/** A key moves by as many lines as are drawn within so many points; by one where a line is larger. */
+/** A key moves by as many tracks as are drawn within so many points; by one where a track is larger. */
 const leastStep = 6;
 
 /** Where keys lead while nothing is known of how the sheet is drawn. */
@@ -134,11 +134,11 @@ export class Picture {
         });
       return;
     }
-    const along = (lines: Lines, line: number, by: number, most: number): number => {
-      const now = Math.floor(placeOfLine(lines, line));
-      const place = Math.max(0, Math.min(Math.max(now, lines.count - 1), now + by));
+    const along = (tracks: Tracks, track: number, by: number, most: number): number => {
+      const now = Math.floor(placeOfTrack(tracks, track));
+      const place = Math.max(0, Math.min(Math.max(now, tracks.count - 1), now + by));
       // Out of a fold, into which no cell of it leads.
-      const next = lineAtPlace(lines, place);
+      const next = trackAtPlace(tracks, place);
       return Math.max(1, Math.min(most, next));
     };
     const rows = Math.max(1, Math.round(leastStep / scale.y));
@@ -154,7 +154,7 @@ export class Picture {
       pageUp: () => ({ ...cursor, row: row(-page) }),
       pageDown: () => ({ ...cursor, row: row(page) }),
       first: () => ({ ...cursor, col: 1 }),
-      last: () => ({ ...cursor, col: Math.max(1, lineAtPlace(frame.cols, frame.cols.count - 1)) }),
+      last: () => ({ ...cursor, col: Math.max(1, trackAtPlace(frame.cols, frame.cols.count - 1)) }),
     };
     this.point(to[how]());
   }
@@ -177,8 +177,8 @@ export class Picture {
     const { camera, scale, cursor, pane } = this;
     const within = (at: number, room: number) => Math.max(0, Math.min(room, at));
     return {
-      x: within((placeOfLine(frame.cols, cursor.col) + 0.5 - camera.x) * scale.x, pane.width),
-      y: within((placeOfLine(frame.rows, cursor.row) + 0.5 - camera.y) * scale.y, pane.height),
+      x: within((placeOfTrack(frame.cols, cursor.col) + 0.5 - camera.x) * scale.x, pane.width),
+      y: within((placeOfTrack(frame.rows, cursor.row) + 0.5 - camera.y) * scale.y, pane.height),
     };
   }
 }

@@ -1,16 +1,16 @@
 // Which rows and columns are named at the edge of a sheet's picture. Pure.
 
-import { lineAtPlace, type Lines } from './Lines';
+import { trackAtPlace, type Tracks } from './Tracks';
 
 export type Tick = {
-  line: number;
+  track: number;
   /** Where it begins, in points. */
   at: number;
 };
 
-/** At least `apart` points from each other, at round numbers where not every line has room. */
+/** At least `apart` points from each other, at round numbers where not every track has room. */
 export function ticks(
-  lines: Lines,
+  tracks: Tracks,
   from: number,
   scale: number,
   room: number,
@@ -18,13 +18,13 @@ export function ticks(
 ): Tick[] {
   const found: Tick[] = [];
   const step = niceStep(apart / scale);
-  const last = Math.min(lines.count - 1, from + room / scale);
-  // Line 10 is at place 9.
+  const last = Math.min(tracks.count - 1, from + room / scale);
+  // Track 10 is at place 9.
   const shift = step === 1 ? 0 : -1;
   for (let k = Math.floor(from / step); k * step + shift <= last; k++) {
     const place = k * step + shift;
     if (place < 0 || place < from - 0.5) continue;
-    found.push({ line: lineAtPlace(lines, place), at: (place - from) * scale });
+    found.push({ track: trackAtPlace(tracks, place), at: (place - from) * scale });
   }
   return found;
 }

@@ -6,7 +6,7 @@ import { meet, type Area } from '../address/area';
 import { Kind, type Block, type SheetCells } from '../model/SheetCells';
 import { Code } from './codes';
 import type { Hues } from './Hues';
-import { lineAtPlace, linesOf, placesOfLines, runsOf, type Lines } from './Lines';
+import { trackAtPlace, tracksOf, placesOfTracks, runsOf, type Tracks } from './Tracks';
 
 /** Samples along each side of a whole tile. */
 export const tileSize = 256;
@@ -18,8 +18,8 @@ export type Tile = { rowLevel: number; colLevel: number; row: number; col: numbe
 export type Frame = {
   /** Another one when the sheet was read anew. */
   stamp: number;
-  rows: Lines;
-  cols: Lines;
+  rows: Tracks;
+  cols: Tracks;
 };
 
 export type TileSamples = { width: number; height: number; codes: Uint8Array };
@@ -31,7 +31,7 @@ export function tileKey({ rowLevel, colLevel, row, col }: Tile): string {
   return `${String(rowLevel)} ${String(colLevel)} ${String(row)} ${String(col)}`;
 }
 
-/** From the sheet's first cell to the last line of each direction; nothing for an empty sheet. */
+/** From the sheet's first cell to the last track of each direction; nothing for an empty sheet. */
 export function filledArea({ rows, cols }: Pick<Frame, 'rows' | 'cols'>): Area | undefined {
   const bottom = rows.stretches.at(-1)?.last;
   const right = cols.stretches.at(-1)?.last;
@@ -51,7 +51,7 @@ export function tileExtent({ rows, cols }: Frame, tile: Tile): { width: number; 
 
 export function* frameOf(cells: SheetCells, stamp: number): Generator<undefined, Frame> {
   const { extent } = cells;
-  if (!extent) return { stamp, rows: linesOf([]), cols: linesOf([]) };
+  if (!extent) return { stamp, rows: tracksOf([]), cols: tracksOf([]) };
   const { top, left, bottom, right } = extent;
   const rows = new Uint8Array(bottom - top + 1);
   const cols = new Uint8Array(right - left + 1);
@@ -69,10 +69,10 @@ export function* frameOf(cells: SheetCells, stamp: number): Generator<undefined,
       yield undefined;
     }
   }
-  return { stamp, rows: linesOf(runsOf(rows, top)), cols: linesOf(runsOf(cols, left)) };
+  return { stamp, rows: tracksOf(runsOf(rows, top)), cols: tracksOf(runsOf(cols, left)) };
 }
 
-/** The sheet's lines that the tile is of. */
+/** The sheet's tracks that the tile is of. */
 function areaOf({ rows, cols }: Frame, tile: Tile): Area {
   const { width, height } = tileExtent({ rows, cols, stamp: 0 }, tile);
   const row = tile.row * tileSize;
@@ -80,16 +80,22 @@ function areaOf({ rows, cols }: Frame, tile: Tile): Area {
   const end = (first: number, samples: number, level: number, count: number) =>
     Math.min(count, (first + samples) * 2 ** level) - 1;
   return {
-    top: lineAtPlace(rows, row * 2 ** tile.rowLevel),
-    left: lineAtPlace(cols, col * 2 ** tile.colLevel),
-    bottom: lineAtPlace(rows, end(row, height, tile.rowLevel, rows.count)),
-    right: lineAtPlace(cols, end(col, width, tile.colLevel, cols.count)),
+    top: trackAtPlace(rows, row * 2 ** tile.rowLevel),
+    left: trackAtPlace(cols, col * 2 ** tile.colLevel),
+    bottom: trackAtPlace(rows, end(row, height, tile.rowLevel, rows.count)),
+    right: trackAtPlace(cols, end(col, width, tile.colLevel, cols.count)),
   };
 }
 
-/** For each line from `first` to `last` the sample that it falls into; -1 where there is none. */
-function samples(lines: Lines, first: number, last: number, level: number, at: number): Int32Array {
-  const found = placesOfLines(lines, first, last);
+/** For each track from `first` to `last` the sample that it falls into; -1 where there is none. */
+function samples(
+  tracks: Tracks,
+  first: number,
+  last: number,
+  level: number,
+  at: number,
+): Int32Array {
+  const found = placesOfTracks(tracks, first, last);
   for (let i = 0; i < found.length; i++) {
     const place = found[i] as number;
     if (place >= 0) found[i] = Math.floor(place / 2 ** level) - at * tileSize;

@@ -3,7 +3,7 @@
 import { areaAddress, cellCount, covers, type Area } from '../address/area';
 import { count, grouped } from '../format/words';
 import type { Cells } from '../model/messages';
-import type { HiddenLines } from '../scan/hiddenLines';
+import type { HiddenTracks } from '../scan/hiddenTracks';
 import { kindName } from '../review/kinds';
 import { valueText } from '../workbook/rows';
 import type { Break, CellTold, Flow, SheetFacts, TiedSheet, Ties } from './told';
@@ -24,17 +24,17 @@ export function factsText(facts: SheetFacts): string {
 }
 
 /** "3 hidden rows, 1 hidden column"; empty where there are none. */
-export function hiddenText(lines: HiddenLines | undefined): string {
-  if (!lines) return '';
-  const sum = (spans: HiddenLines['rows']) =>
+export function hiddenText(tracks: HiddenTracks | undefined): string {
+  if (!tracks) return '';
+  const sum = (spans: HiddenTracks['rows']) =>
     spans.reduce((all, { first, last }) => all + last - first + 1, 0);
-  const rows = sum(lines.rows);
-  const cols = sum(lines.cols);
+  const rows = sum(tracks.rows);
+  const cols = sum(tracks.cols);
   const parts = [
     rows > 0 ? count(rows, 'hidden row') : '',
     cols > 0 ? count(cols, 'hidden column') : '',
   ].filter(Boolean);
-  if (lines.partly) parts.push('not all looked for');
+  if (tracks.partly) parts.push('not all looked for');
   return parts.join(', ');
 }
 

@@ -275,12 +275,12 @@ function eachOwner(
   });
 }
 
-function within(span: Span, line: number, limit: number): Span {
+function within(span: Span, track: number, limit: number): Span {
   const { a, aFixed, b, bFixed } = span;
   return {
-    a: aFixed ? a : distanceWithin(a, line, limit),
+    a: aFixed ? a : distanceWithin(a, track, limit),
     aFixed,
-    b: bFixed ? b : distanceWithin(b, line, limit),
+    b: bFixed ? b : distanceWithin(b, track, limit),
     bFixed,
   };
 }

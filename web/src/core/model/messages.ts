@@ -137,7 +137,7 @@ export type Questions = MapQuestions & {
   pictures: { args: { rank: number }; answer: Pictures };
   /** Columns that have a cell in each filled row of the sheet; none where there are not few such. */
   rowCover: { args: { sheet: string }; answer: number[] };
-  /** What the lines of all sheets are. */
+  /** What the tracks of all sheets are. */
   sketch: { args: Record<string, never>; answer: SheetSketch[] };
   /** What tells the workbook from others, whatever it is called. */
   marks: { args: Record<string, never>; answer: string };

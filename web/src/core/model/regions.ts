@@ -65,9 +65,9 @@ function breaks(
 ): number[] {
   const starts = new Set([first]);
   for (const distance of distances) {
-    // The first line that is inside again, and the first that is outside.
-    for (const line of [1 - distance, limit - distance + 1]) {
-      if (line > first && line <= last) starts.add(line);
+    // The first track that is inside again, and the first that is outside.
+    for (const track of [1 - distance, limit - distance + 1]) {
+      if (track > first && track <= last) starts.add(track);
     }
   }
   return [...starts].sort((a, b) => a - b);
@@ -95,8 +95,8 @@ export function partsWithin(
   );
 }
 
-/** A distance as it is from that line, inside the sheet. */
-export function distanceWithin(distance: number, line: number, limit: number): number {
-  const to = line + distance;
+/** A distance as it is from that track, inside the sheet. */
+export function distanceWithin(distance: number, track: number, limit: number): number {
+  const to = track + distance;
   return to < 1 ? distance + limit : to > limit ? distance - limit : distance;
 }

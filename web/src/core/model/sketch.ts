@@ -1,5 +1,5 @@
-// What a sheet's lines are, in so few characters that they can be kept: by two of them it is told
-// later which lines were inserted, deleted or stayed. Of each row and column the first value, the
+// What a sheet's tracks are, in so few characters that they can be kept: by two of them it is told
+// later which tracks were inserted, deleted or stayed. Of each row and column the first value, the
 // second, and how all its formulas are made leave a print of eighteen bits each, from which none of
 // them can be read back. Pure.
 
@@ -10,16 +10,16 @@ import type { WorkbookModel } from './WorkbookModel';
 
 export type SheetSketch = {
   name: string;
-  /** As many lines as the sheet has to its last filled cell. */
+  /** As many tracks as the sheet has to its last filled cell. */
   height: number;
   width: number;
-  /** Of the first lines, one after the other: nine characters, or a dot for a blank line. */
+  /** Of the first tracks, one after the other: nine characters, or a dot for a blank track. */
   rows: string;
   cols: string;
 };
 
-/** Further lines are not told apart. */
-export const linesLimit = 5_000;
+/** Further tracks are not told apart. */
+export const tracksLimit = 5_000;
 
 function threeOf(number: number): string {
   return [0, 6, 12].map((shift) => letters[(number >>> shift) & 63]).join('');
@@ -45,37 +45,37 @@ export function printOf(text: string): string {
   return [0, 6, 12, 18].map((shift) => letters[(number >>> shift) & 63]).join('');
 }
 
-class Lines {
+class Tracks {
   private readonly first = new Map<number, number>();
   private readonly second = new Map<number, number>();
-  /** Sums: the order of formulas along the line means nothing. */
+  /** Sums: the order of formulas along the track means nothing. */
   private readonly forms = new Map<number, number>();
   last = 0;
 
-  /** A cell of the line, by its place along it; `form` is 0 for none. */
-  add(line: number, at: number, form: number): void {
-    this.last = Math.max(this.last, line);
-    if (line > linesLimit) return;
-    if (form !== 0) this.forms.set(line, ((this.forms.get(line) ?? 0) + form) | 0);
-    const first = this.first.get(line) ?? Infinity;
+  /** A cell of the track, by its place along it; `form` is 0 for none. */
+  add(track: number, at: number, form: number): void {
+    this.last = Math.max(this.last, track);
+    if (track > tracksLimit) return;
+    if (form !== 0) this.forms.set(track, ((this.forms.get(track) ?? 0) + form) | 0);
+    const first = this.first.get(track) ?? Infinity;
     if (at < first) {
-      if (first !== Infinity) this.second.set(line, first);
-      this.first.set(line, at);
-    } else if (at < (this.second.get(line) ?? Infinity)) this.second.set(line, at);
+      if (first !== Infinity) this.second.set(track, first);
+      this.first.set(track, at);
+    } else if (at < (this.second.get(track) ?? Infinity)) this.second.set(track, at);
   }
 
-  text(valueAt: (line: number, at: number) => Scalar): string {
+  text(valueAt: (track: number, at: number) => Scalar): string {
     let text = '';
-    for (let line = 1; line <= Math.min(this.last, linesLimit); line++) {
-      const first = this.first.get(line);
+    for (let track = 1; track <= Math.min(this.last, tracksLimit); track++) {
+      const first = this.first.get(track);
       if (first === undefined) {
         text += '.';
         continue;
       }
-      const second = this.second.get(line);
-      text += printOfValue(valueAt(line, first) ?? '');
-      text += printOfValue(second === undefined ? '' : (valueAt(line, second) ?? ''));
-      text += threeOf(this.forms.get(line) ?? 0);
+      const second = this.second.get(track);
+      text += printOfValue(valueAt(track, first) ?? '');
+      text += printOfValue(second === undefined ? '' : (valueAt(track, second) ?? ''));
+      text += threeOf(this.forms.get(track) ?? 0);
     }
     return text;
   }
@@ -88,8 +88,8 @@ export function sketchOf(name: string, cells: SheetCells, formulas: Texts): Shee
     if (form === undefined) forms.set(formula, (form = formHash(formulas.at(formula))));
     return form;
   };
-  const rows = new Lines();
-  const cols = new Lines();
+  const rows = new Tracks();
+  const cols = new Tracks();
   if (cells.extent) {
     cells.eachFilled(cells.extent, (row, col, kind, formula) => {
       if (kind === Kind.Blank && formula === 0) return;

@@ -9,10 +9,10 @@ export type Span = {
   bFixed: boolean;
 };
 
-export type Lines = { first: number; last: number };
+export type Tracks = { first: number; last: number };
 
-/** The lines that the cells in lines `first` to `last` use together; they never leave a gap. */
-export function reach(span: Span, first: number, last: number): Lines {
+/** The tracks that the cells in tracks `first` to `last` use together; they never leave a gap. */
+export function reach(span: Span, first: number, last: number): Tracks {
   const { a, aFixed, b, bFixed } = span;
   return {
     first: Math.min(aFixed ? a : a + first, bFixed ? b : b + first),
@@ -21,10 +21,10 @@ export function reach(span: Span, first: number, last: number): Lines {
 }
 
 /**
- * Which of the cells in lines `first` to `last` use any of the lines `from` to `to`; `first` comes
+ * Which of the cells in tracks `first` to `last` use any of the tracks `from` to `to`; `first` comes
  * out greater than `last` where none does.
  */
-export function users(span: Span, first: number, last: number, from: number, to: number): Lines {
+export function users(span: Span, first: number, last: number, from: number, to: number): Tracks {
   const { a, aFixed, b, bFixed } = span;
   // The nearer end must not lie behind `to`, and the farther one not before `from`.
   const highest = Math.max(

@@ -8,7 +8,7 @@ import { ModelHost } from '../model/ModelHost';
 import { drain, drainBetween } from '../time/drain';
 import { readWhole, type ReadPorts } from '../scan/readWhole';
 import { Hues } from '../map/Hues';
-import { hiddenLinesOf } from './hidden';
+import { hiddenTracksOf } from './hidden';
 import { inventoryOf } from './inventory';
 import { picturesOf } from './pictures';
 import { pathPrint, whereIs, type ReviewedBook } from '../review/reviewed';
@@ -55,7 +55,7 @@ export async function auditOf(
     const inventory = drain(inventoryOf(workbook));
     // The spreadsheet tells what is hidden while the audit works.
     const [hidden, findings] = await Promise.all([
-      hiddenLinesOf(scan, inventory.sheets),
+      hiddenTracksOf(scan, inventory.sheets),
       drainBetween(audit(workbook), ports.clock),
     ]);
     const { formulas, distinct } = await model.ask(book, 'state', {});

@@ -26,7 +26,7 @@ export type Listed<One> = { all: number; listed: One[] };
 
 export type Input = { sheet: string; address: string; value: number };
 
-/** Rows as "5:9, 12", columns as "C:D"; `partly`: not all of the sheet's lines were asked for. */
+/** Rows as "5:9, 12", columns as "C:D"; `partly`: not all of the sheet's tracks were asked for. */
 export type HiddenOn = { sheet: string; rows: string; cols: string; partly: boolean };
 
 export type Inventory = {

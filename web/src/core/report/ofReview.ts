@@ -5,7 +5,7 @@ import type { ModelClient } from '../model/ModelClient';
 import type { Said } from '../review/said';
 import type { SeenCount } from '../review/Seen';
 import type { BookScan } from '../scan/BookScan';
-import { hiddenLinesOf } from './hidden';
+import { hiddenTracksOf } from './hidden';
 import { reported, saidCounts, type Report } from './Report';
 import { written, type Format } from './written';
 
@@ -24,7 +24,7 @@ export async function reportOfReview(
 ): Promise<Report> {
   const { formulas, distinct } = await model.ask(book, 'state', {});
   const inventory = await model.ask(book, 'inventory', {});
-  const hidden = await hiddenLinesOf(scan, inventory.sheets);
+  const hidden = await hiddenTracksOf(scan, inventory.sheets);
   const pictures = withPictures
     ? { pictures: await model.ask(book, 'pictures', { rank: findings.length }) }
     : {};

@@ -5,7 +5,7 @@ import { areaAddress, type Area } from '../address/area';
 import type { Finding } from '../audit/Finding';
 import type { Code } from '../map/codes';
 import type { Hues } from '../map/Hues';
-import { placeOfLine } from '../map/Lines';
+import { placeOfTrack } from '../map/Tracks';
 import { filledArea, frameOf, samplesOf, tileExtent, type Frame, type Tile } from '../map/tiles';
 import type { WorkbookModel } from '../model/WorkbookModel';
 
@@ -110,7 +110,7 @@ function* pictureOf(
   };
 }
 
-/** At least a sample large; lines behind the last one that is filled are at the picture's end. */
+/** At least a sample large; tracks behind the last one that is filled are at the picture's end. */
 function boxOf(frame: Frame, tile: Tile, { top, left, bottom, right }: Area): Box {
   const { width, height } = tileExtent(frame, tile);
   const span = (first: number, last: number, level: number, count: number) => {
@@ -118,8 +118,13 @@ function boxOf(frame: Frame, tile: Tile, { top, left, bottom, right }: Area): Bo
     return { from, size: Math.max(1, Math.min(count, Math.ceil(last / 2 ** level)) - from) };
   };
   const { rows, cols } = frame;
-  const down = span(placeOfLine(rows, top), placeOfLine(rows, bottom) + 1, tile.rowLevel, height);
-  const across = span(placeOfLine(cols, left), placeOfLine(cols, right) + 1, tile.colLevel, width);
+  const down = span(placeOfTrack(rows, top), placeOfTrack(rows, bottom) + 1, tile.rowLevel, height);
+  const across = span(
+    placeOfTrack(cols, left),
+    placeOfTrack(cols, right) + 1,
+    tile.colLevel,
+    width,
+  );
   return { left: across.from, top: down.from, width: across.size, height: down.size };
 }
 
@@ -132,16 +137,16 @@ function partsOf(samples: { width: number; height: number; codes: Uint8Array }):
     for (let col = 0; col < width; col++) {
       const code = codes[row * width + col] as Code;
       if (code === 0) continue;
-      const isRun = (line: number, to: number): boolean => {
-        for (let at = col; at < to; at++) if (codes[line * width + at] !== code) return false;
+      const isRun = (track: number, to: number): boolean => {
+        for (let at = col; at < to; at++) if (codes[track * width + at] !== code) return false;
         return true;
       };
       let right = col + 1;
       while (right < width && codes[row * width + right] === code) right += 1;
       let bottom = row + 1;
       while (bottom < height && isRun(bottom, right)) bottom += 1;
-      for (let line = row; line < bottom; line++)
-        codes.fill(0, line * width + col, line * width + right);
+      for (let track = row; track < bottom; track++)
+        codes.fill(0, track * width + col, track * width + right);
       parts.push(code, col, row, right - col, bottom - row);
       col = right - 1;
     }

@@ -6,9 +6,9 @@ import { readReference, writeReference, type Coordinate, type Corner } from '../
 import type { Cells } from '../model/messages';
 import type { SheetSketch } from '../model/sketch';
 import { sheetOfPrefix } from '../evaluation/routes';
-import { lineMap, type LineMap } from './lines';
+import { trackMap, type TrackMap } from './tracks';
 
-type SheetMap = { rows: LineMap; cols: LineMap };
+type SheetMap = { rows: TrackMap; cols: TrackMap };
 
 const keeps: SheetMap = { rows: (row) => row, cols: (col) => col };
 
@@ -23,14 +23,14 @@ export class Moves {
       this.sheets.set(
         old.name.toLowerCase(),
         found && {
-          rows: lineMap(old.rows, old.height, found.rows, found.height),
-          cols: lineMap(old.cols, old.width, found.cols, found.width),
+          rows: trackMap(old.rows, old.height, found.rows, found.height),
+          cols: trackMap(old.cols, old.width, found.cols, found.width),
         },
       );
     }
   }
 
-  /** The rectangle whose first and last lines these are now; nothing where one of them is gone. */
+  /** The rectangle whose first and last tracks these are now; nothing where one of them is gone. */
   area(sheet: string, { top, left, bottom, right }: Area): Area | undefined {
     const map = this.sheets.get(sheet.toLowerCase());
     const [first, last] = [map?.rows(top), map?.rows(bottom)];
@@ -49,14 +49,14 @@ export class Moves {
     if (!map) return false;
     const { area } = before;
     return (
-      holdsLines(map.rows, area.top, area.bottom, now.area.top, now.area.bottom) &&
-      holdsLines(map.cols, area.left, area.right, now.area.left, now.area.right)
+      holdsTracks(map.rows, area.top, area.bottom, now.area.top, now.area.bottom) &&
+      holdsTracks(map.cols, area.left, area.right, now.area.left, now.area.right)
     );
   }
 
   /**
    * The formula of a cell as the spreadsheet has moved its references; nothing where one of them
-   * leads to a line that is gone. Formulas of today are written alike by `written`.
+   * leads to a track that is gone. Formulas of today are written alike by `written`.
    */
   formula(text: string, sheet: string): string | undefined {
     return rewrite(text, (prefix) => {
@@ -68,14 +68,20 @@ export class Moves {
   }
 }
 
-function holdsLines(map: LineMap, from: number, to: number, first: number, last: number): boolean {
+function holdsTracks(
+  map: TrackMap,
+  from: number,
+  to: number,
+  first: number,
+  last: number,
+): boolean {
   if (last - first > to - from) return false;
   const now = new Set<number>();
-  for (let line = from; line <= to; line++) {
-    const moved = map(line);
+  for (let track = from; track <= to; track++) {
+    const moved = map(track);
     if (moved !== undefined) now.add(moved);
   }
-  for (let line = first; line <= last; line++) if (!now.has(line)) return false;
+  for (let track = first; track <= last; track++) if (!now.has(track)) return false;
   return true;
 }
 
@@ -106,9 +112,9 @@ function rewrite(
 }
 
 function cornerIn(map: SheetMap, { row, col }: Corner): Corner | undefined {
-  const at = (coordinate: Coordinate, lines: LineMap, limit: number) => {
-    const line = coordinate.at === limit ? limit : lines(coordinate.at);
-    return line === undefined ? undefined : { at: line, fixed: coordinate.fixed };
+  const at = (coordinate: Coordinate, tracks: TrackMap, limit: number) => {
+    const track = coordinate.at === limit ? limit : tracks(coordinate.at);
+    return track === undefined ? undefined : { at: track, fixed: coordinate.fixed };
   };
   const [movedRow, movedCol] = [
     row && at(row, map.rows, maxRows),

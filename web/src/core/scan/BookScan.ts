@@ -12,7 +12,7 @@ import type { CellPlace, RangeFormulas, WorkbookMap } from '../protocol/verbs';
 import type { Clock } from '../time/Clock';
 import { findFilled } from './filled';
 import { HandOver } from './HandOver';
-import { findHidden, type HiddenLines } from './hiddenLines';
+import { findHidden, type HiddenTracks } from './hiddenTracks';
 import { PieceSize } from './PieceSize';
 import {
   cellsIn,
@@ -162,8 +162,8 @@ export class BookScan {
     });
   }
 
-  /** Which lines of a sheet are hidden; asked while nothing is read and the workbook is in front. */
-  async hidden(sheet: string, area: Area): Promise<HiddenLines | undefined> {
+  /** Which tracks of a sheet are hidden; asked while nothing is read and the workbook is in front. */
+  async hidden(sheet: string, area: Area): Promise<HiddenTracks | undefined> {
     if (this.running || !this.ports.inFront(this.book)) return undefined;
     const { model, questions } = this.ports;
     const cover = await model.ask(this.book, 'rowCover', { sheet });

@@ -242,7 +242,7 @@ export class Painter {
     context.setLineDash([]);
   }
 
-  /** Hidden lines: pale, between two lines, with a mark at the edge. */
+  /** Hidden rows and columns: pale, between two lines, with a mark at the edge. */
   private drawHidden(scene: Scene): void {
     const { context } = this;
     const { atlas, frame, camera, scale, pane, palette } = scene;
@@ -400,15 +400,15 @@ export class Painter {
     context.textBaseline = 'middle';
     context.textAlign = 'center';
     const cols = ticks(frame.cols, camera.x, scale.x, pane.width, 34);
-    for (const { line, at } of cols) {
+    for (const { track, at } of cols) {
       const x = head.width + at + Math.max(scale.x, 1) / 2;
-      context.fillText(columnLetters(line), x, head.height / 2);
+      context.fillText(columnLetters(track), x, head.height / 2);
     }
     context.textAlign = 'right';
     const rows = ticks(frame.rows, camera.y, scale.y, pane.height, 18);
-    for (const { line, at } of rows) {
+    for (const { track, at } of rows) {
       const y = head.height + at + Math.max(scale.y, 1) / 2;
-      if (y < head.height + pane.height - 4) context.fillText(String(line), head.width - 5, y);
+      if (y < head.height + pane.height - 4) context.fillText(String(track), head.width - 5, y);
     }
   }
 }

@@ -17,7 +17,7 @@ describe('surroundings found elsewhere', () => {
     [`B${String(top + 3)}`]: `=B${String(top)}+B${String(top + 1)}-B${String(top + 2)}`,
   });
 
-  it('finds the block of which one line differs', () => {
+  it('finds the block of which one row differs', () => {
     const cells = {
       ...block(1, '=B2*$D$2'),
       ...block(7, '=B8*$D$2'),
@@ -160,7 +160,7 @@ describe('what is gone or leads out', () => {
 });
 
 describe('the list', () => {
-  it('gives others a turn after every line that is looked at', () => {
+  it('gives others a turn after every row and column that is looked at', () => {
     const cells: Written = {};
     for (let row = 1; row <= 400; row++)
       cells[`B${String(row)}`] = `=A${String(row)}*${String(row)}`;

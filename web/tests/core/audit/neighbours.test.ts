@@ -12,7 +12,7 @@ describe('cells unlike their neighbours', () => {
       ['differs D10 =SUM(D1:D9)'],
     ],
     [
-      'a reference to the line above',
+      'a reference to the row above',
       { ...column, 'B1:B12': '=A1*2', B6: '=A5*2' },
       ['differs B6 =A6*2'],
     ],
@@ -30,12 +30,12 @@ describe('cells unlike their neighbours', () => {
     ],
     ['a blank', { ...column, 'B1:B12': '=A1*2', B6: null }, ['blank B6 =A6*2']],
     [
-      'the last cell, where the lines beside it go on',
+      'the last cell, where the rows beside it go on',
       { ...column, 'B1:D12': '=$A1*2', C12: '=$A11*2' },
       ['differs C12 =$A12*2'],
     ],
     [
-      'the first cell, where the lines beside it begin with it',
+      'the first cell, where the rows beside it begin with it',
       { ...column, 'B1:D12': '=$A1*2', C1: '=$A2*2' },
       ['differs C1 =$A1*2'],
     ],
@@ -61,7 +61,7 @@ describe('cells unlike their neighbours', () => {
 
   it('says on which side of an odd first cell those stand that it was compared with', () => {
     expect(sentences({ ...column, 'B1:D12': '=$A1*2', C1: '=$A2*2' })).toEqual([
-      'C1 takes $A2, the others $A1; C2:C12 after it are filled alike with =$A2*2, and the lines beside go on there.',
+      'C1 takes $A2, the others $A1; C2:C12 after it are filled alike with =$A2*2, and the columns beside go on there.',
     ]);
   });
 

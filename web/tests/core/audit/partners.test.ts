@@ -63,7 +63,7 @@ describe('partner columns', () => {
       'columns that differ in many rows',
       blocks(['C', 'H'], { H3: '=F3+1', H4: '=F4+2', H6: '=F6+3' }),
     ],
-    ['a line that one of them has not', blocks(['C', 'H'], { H6: null })],
+    ['a row that one of them has not', blocks(['C', 'H'], { H6: null })],
     ['a text in it', blocks(['C', 'H'], { H6: 'n/a' })],
   ])('leaves alone %s', (_, cells) => {
     expect(told(cells)).toEqual([]);

@@ -166,7 +166,7 @@ describe('the map', () => {
     expect((await seen()).frame).toBeUndefined();
   });
 
-  test('asks which lines are hidden once the workbook was read, once', async () => {
+  test('asks which tracks are hidden once the workbook was read, once', async () => {
     hiddenColumn = 'B';
     atlas.look('Model.xlsx', cell('Data', 'B6'), true);
     expect(atlas.hiddenOf('Data')).toBeUndefined();

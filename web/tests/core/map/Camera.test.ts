@@ -15,14 +15,14 @@ import {
   whole,
   zoomed,
 } from '../../../src/core/map/Camera';
-import { linesOf } from '../../../src/core/map/Lines';
+import { tracksOf } from '../../../src/core/map/Tracks';
 import { ticks } from '../../../src/core/map/ticks';
 import { tileSize, type Frame } from '../../../src/core/map/tiles';
 
 const frame = (rows: number, cols: number): Frame => ({
   stamp: 1,
-  rows: linesOf(rows === 0 ? [] : [{ first: 1, last: rows }]),
-  cols: linesOf(cols === 0 ? [] : [{ first: 1, last: cols }]),
+  rows: tracksOf(rows === 0 ? [] : [{ first: 1, last: rows }]),
+  cols: tracksOf(cols === 0 ? [] : [{ first: 1, last: cols }]),
 });
 const pane = { width: 400, height: 300 };
 
@@ -121,7 +121,7 @@ describe('tiles', () => {
     [0.5, 2, 0],
     [0.3, 1, 2],
     [0.0003, 1, 12],
-  ])('at %d points a line and %d pixels a point have level %i', (scale, pixels, level) => {
+  ])('at %d points a track and %d pixels a point have level %i', (scale, pixels, level) => {
     expect(levelOf(scale, pixels)).toBe(level);
   });
 
@@ -146,20 +146,20 @@ describe('tiles', () => {
 });
 
 describe('at the edge', () => {
-  test('every line is named where there is room, else round ones', () => {
-    const lines = frame(100, 50).rows;
-    expect(ticks(lines, 2, 22, 60, 18).map(({ line, at }) => [line, at])).toEqual([
+  test('every track is named where there is room, else round ones', () => {
+    const tracks = frame(100, 50).rows;
+    expect(ticks(tracks, 2, 22, 60, 18).map(({ track, at }) => [track, at])).toEqual([
       [3, 0],
       [4, 22],
       [5, 44],
     ]);
-    expect(ticks(lines, 0, 3, 100, 18).map(({ line }) => line)).toEqual([10, 20, 30]);
-    expect(ticks(lines, 0, 0.3, 300, 18).map(({ line }) => line)).toEqual([100]);
-    expect(ticks(linesOf([]), 0, 3, 100, 18)).toEqual([]);
+    expect(ticks(tracks, 0, 3, 100, 18).map(({ track }) => track)).toEqual([10, 20, 30]);
+    expect(ticks(tracks, 0, 0.3, 300, 18).map(({ track }) => track)).toEqual([100]);
+    expect(ticks(tracksOf([]), 0, 3, 100, 18)).toEqual([]);
   });
 
   test('folded stretches are told that are in sight', () => {
-    const { stretches } = linesOf([
+    const { stretches } = tracksOf([
       { first: 1, last: 10 },
       { first: 500, last: 510 },
     ]);

@@ -272,7 +272,7 @@ describe('the ways from one cell to another', () => {
 
   test('are bounded in number', () => {
     const cells: Record<string, string | number> = { A1: 1 };
-    // Each line uses both cells of the line above by formulas of its own: 2 to the power of 20 ways.
+    // Each row uses both cells of the row above by formulas of its own: 2 to the power of 20 ways.
     for (let row = 2; row <= 21; row++) {
       const above = String(row - 1);
       cells[`A${String(row)}`] = `=A${above}+B${above}*${String(row)}`;

@@ -28,7 +28,7 @@ export function drain<T>(work: Generator<undefined, T>): T {
   }
 }
 
-/** One end of a reference: a fixed line, or a distance. */
+/** One end of a reference: a fixed row or column, or a distance. */
 type End = { at: number; fixed: boolean };
 type Drawn = {
   sheets: number[] | 'own';
@@ -45,7 +45,7 @@ export const keyOf = (sheet: number, row: number, col: number): CellKey =>
 
 export const sheetNames = ['First', 'The second', "Ann's", 'Last'];
 export const size = 11;
-/** What is named covers these lines; beyond them there are no cells to use anything. */
+/** What is named covers these rows and columns; beyond them there are no cells to use anything. */
 const seen = 14;
 
 export const names = [
@@ -215,15 +215,15 @@ function distance(at: number): End {
   return { at, fixed: false };
 }
 
-/** True if a line lies between two ends, as seen from a cell's own line. */
-function isIn(line: number, ends: [End, End] | 'all', own: number, limit: number): boolean {
+/** True if a row or column lies between two ends, as seen from a cell's own. */
+function isIn(track: number, ends: [End, End] | 'all', own: number, limit: number): boolean {
   if (ends === 'all') return true;
-  const lines = ends.map(({ at, fixed }) => {
+  const tracks = ends.map(({ at, fixed }) => {
     if (fixed) return at;
     const to = own + at;
     return to < 1 ? to + limit : to > limit ? to - limit : to;
   });
-  return line >= Math.min(...lines) && line <= Math.max(...lines);
+  return track >= Math.min(...tracks) && track <= Math.max(...tracks);
 }
 
 export function cellsIn(sheet: number, area: Area): CellKey[] {

@@ -1,9 +1,9 @@
 import { describe, expect, it } from 'vitest';
 
 import { areaAddress } from '../../../src/core/address/area';
-import { hiddenLinesOf } from '../../../src/core/report/hidden';
+import { hiddenTracksOf } from '../../../src/core/report/hidden';
 import type { SheetInventory } from '../../../src/core/report/inventory';
-import type { HiddenLines } from '../../../src/core/scan/hiddenLines';
+import type { HiddenTracks } from '../../../src/core/scan/hiddenTracks';
 
 const sheet = (name: string, area: string, cells = 4): SheetInventory => ({
   name,
@@ -14,9 +14,9 @@ const sheet = (name: string, area: string, cells = 4): SheetInventory => ({
   errors: 0,
 });
 
-const none: HiddenLines = { rows: [], cols: [], partly: false };
+const none: HiddenTracks = { rows: [], cols: [], partly: false };
 
-async function told(answers: Record<string, HiddenLines | undefined>, sheets: SheetInventory[]) {
+async function told(answers: Record<string, HiddenTracks | undefined>, sheets: SheetInventory[]) {
   const asked: string[] = [];
   const scan = {
     hidden: (name: string, area: Parameters<typeof areaAddress>[0]) => {
@@ -24,12 +24,12 @@ async function told(answers: Record<string, HiddenLines | undefined>, sheets: Sh
       return Promise.resolve(answers[name]);
     },
   };
-  return { asked, hidden: await hiddenLinesOf(scan, sheets) };
+  return { asked, hidden: await hiddenTracksOf(scan, sheets) };
 }
 
 describe('hidden rows and columns', () => {
   it('are told of the sheets that have some', async () => {
-    const lines: HiddenLines = {
+    const tracks: HiddenTracks = {
       rows: [
         { first: 5, last: 9 },
         { first: 12, last: 12 },
@@ -37,7 +37,7 @@ describe('hidden rows and columns', () => {
       cols: [{ first: 27, last: 28 }],
       partly: false,
     };
-    const { asked, hidden } = await told({ Data: lines, Plain: none, Silent: undefined }, [
+    const { asked, hidden } = await told({ Data: tracks, Plain: none, Silent: undefined }, [
       sheet('Plain', 'A1:B2'),
       sheet('Data', 'B2:AC40'),
       sheet('Empty', 'A1', 0),

@@ -8,19 +8,19 @@ import { SheetCells, Texts } from '../../../src/core/model/SheetCells';
 import { sketchOf, type SheetSketch } from '../../../src/core/model/sketch';
 import type { Scalar } from '../../../src/core/protocol/json';
 
-type Place = { sheet: EditedSheet; row: Line; col: Line };
-/** A line that was deleted is in no list any more. */
-type Line = { id: number };
+type Place = { sheet: EditedSheet; row: Track; col: Track };
+/** A track that was deleted is in no list any more. */
+type Track = { id: number };
 /** `{0}`, `{1}` in the text stand for the cells; two joined by a colon for a range. */
 export type Formula = { text: string; cells: Place[] };
 type Content = { value: Scalar } | { formula: Formula };
 
-let lines = 0;
-const newLine = (): Line => ({ id: (lines += 1) });
+let tracks = 0;
+const newLine = (): Track => ({ id: (tracks += 1) });
 
 export class EditedSheet {
-  readonly rows: Line[] = [];
-  readonly cols: Line[] = [];
+  readonly rows: Track[] = [];
+  readonly cols: Track[] = [];
   private readonly cells = new Map<string, Content>();
 
   constructor(
@@ -32,18 +32,18 @@ export class EditedSheet {
     for (let i = 0; i < width; i++) this.cols.push(newLine());
   }
 
-  put(row: Line, col: Line, content: Content): void {
+  put(row: Track, col: Track, content: Content): void {
     this.cells.set(`${String(row.id)} ${String(col.id)}`, content);
   }
 
-  at(row: Line, col: Line): Content | undefined {
+  at(row: Track, col: Track): Content | undefined {
     return this.cells.get(`${String(row.id)} ${String(col.id)}`);
   }
 
-  insert(of: 'rows' | 'cols', at: number): Line {
-    const line = newLine();
-    this[of].splice(at, 0, line);
-    return line;
+  insert(of: 'rows' | 'cols', at: number): Track {
+    const track = newLine();
+    this[of].splice(at, 0, track);
+    return track;
   }
 
   delete(of: 'rows' | 'cols', at: number): void {
@@ -52,7 +52,7 @@ export class EditedSheet {
 
   /** A row with everything in it, formulas that stay in the row taken along. */
   copyRow(from: number, to: number): void {
-    const source = this.rows[from] as Line;
+    const source = this.rows[from] as Track;
     const row = this.insert('rows', to);
     for (const col of this.cols) {
       const content = this.at(source, col);

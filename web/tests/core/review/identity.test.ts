@@ -37,19 +37,19 @@ function workbook(pick: (below: number) => number, name: () => string, numbers =
   return book;
 }
 
-type Line = EditedSheet['rows'][number];
+type Track = EditedSheet['rows'][number];
 
 function formulaFor(
   book: EditedWorkbook,
   sheet: EditedSheet,
-  row: Line,
+  row: Track,
   pick: (below: number) => number,
 ): Formula {
   const other = book.sheets[pick(book.sheets.length)] as EditedSheet;
-  const near = { sheet, row, col: sheet.cols[1] as Line };
+  const near = { sheet, row, col: sheet.cols[1] as Track };
   const [first, last] = [pick(other.rows.length), pick(other.rows.length)].sort((a, b) => a - b);
-  const from = { sheet: other, row: other.rows[first ?? 0] as Line, col: other.cols[1] as Line };
-  const to = { ...from, row: other.rows[last ?? 0] as Line };
+  const from = { sheet: other, row: other.rows[first ?? 0] as Track, col: other.cols[1] as Track };
+  const to = { ...from, row: other.rows[last ?? 0] as Track };
   const text = pick(2) === 0 ? '={0}' : pick(2) === 0 ? '=SUM({1}:{2})' : '={0}+{1}';
   return { text: text + (pick(2) === 0 ? odd : '*2'), cells: [near, from, to] };
 }
@@ -66,10 +66,10 @@ function edit(
     case 0: {
       const row = sheet.insert('rows', at);
       if (pick(2) === 0) {
-        sheet.put(row, sheet.cols[0] as Line, { value: name() });
+        sheet.put(row, sheet.cols[0] as Track, { value: name() });
         // The new row may have the same mistake.
         const formula = formulaFor(book, sheet, row, pick);
-        sheet.put(row, sheet.cols[3] as Line, { formula });
+        sheet.put(row, sheet.cols[3] as Track, { formula });
       }
       break;
     }
@@ -119,7 +119,7 @@ function heard(saved: SavedReview, book: EditedWorkbook) {
 }
 
 describe('what was said', () => {
-  test('goes with its finding wherever lines are inserted and sheets change places', () => {
+  test('goes with its finding wherever tracks are inserted and sheets change places', () => {
     let followed = 0;
     for (let seed = 1; seed <= 60; seed++) {
       const pick = numbersFrom(seed);

@@ -9,7 +9,7 @@ import { inBook } from './plan';
 
 export type Span = { first: number; last: number };
 
-export type HiddenLines = {
+export type HiddenTracks = {
   rows: Span[];
   cols: Span[];
   /** True if so many questions were not enough for all of them. */
@@ -46,7 +46,7 @@ export async function findHidden(
   area: Area,
   cover: readonly number[],
   ask: Ask,
-): Promise<HiddenLines | undefined> {
+): Promise<HiddenTracks | undefined> {
   const { top, left, bottom, right } = area;
   let asked = 0;
   const numbers = async (terms: readonly string[]): Promise<number[] | undefined> => {
@@ -56,7 +56,7 @@ export async function findHidden(
     const found = String(outcome.value).split('|').map(Number);
     return found.length === terms.length && found.every((one) => one >= 0) ? found : undefined;
   };
-  const hidden: HiddenLines = { rows: [], cols: [], partly: false };
+  const hidden: HiddenTracks = { rows: [], cols: [], partly: false };
 
   // Some spreadsheets tell the width with whether it is the usual one: the sum is the width alone.
   const width = (col: number) =>

@@ -1,12 +1,12 @@
-// Which line of a sheet is which after lines were inserted and deleted. Lines are known by their
-// prints; where these do not tell for sure, a line counts as gone: what was said of it is asked
-// again, and never goes to another line. Pure.
+// Which track of a sheet is which after tracks were inserted and deleted. Tracks are known by their
+// prints; where these do not tell for sure, a track counts as gone: what was said of it is asked
+// again, and never goes to another track. Pure.
 
-/** A line as it was, to where it is now; nothing for one that is gone or not to be told. */
-export type LineMap = (line: number) => number | undefined;
+/** A track as it was, to where it is now; nothing for one that is gone or not to be told. */
+export type TrackMap = (track: number) => number | undefined;
 
-/** Nine characters for a line, or "." for a blank one. */
-export function linesOf(text: string): string[] {
+/** Nine characters for a track, or "." for a blank one. */
+export function tracksOf(text: string): string[] {
   return text.match(/\.|[^.]{9}/g) ?? [];
 }
 
@@ -30,7 +30,7 @@ class Alignment {
     this.fillBlanks();
   }
 
-  /** `a` of the lines before became `b` of those now. */
+  /** `a` of the tracks before became `b` of those now. */
   private solve(a: Part, b: Part): void {
     if (a.from === a.to || b.from === b.to) return;
     const anchors = this.anchors(a, b);
@@ -49,7 +49,7 @@ class Alignment {
     this.solve({ from, to: a.to }, { from: fromNow, to: b.to });
   }
 
-  /** Blank lines are told where as many stand between the same two lines. */
+  /** Blank tracks are told where as many stand between the same two tracks. */
   private fillBlanks(): void {
     let last = -1;
     for (const [i, j] of [...this.to.entries(), [this.before.length, this.now.length] as const]) {
@@ -64,7 +64,7 @@ class Alignment {
     }
   }
 
-  /** The most lines in one order that alone have their name on both sides. */
+  /** The most tracks in one order that alone have their name on both sides. */
   private anchors(a: Part, b: Part): Pair[] {
     const alone = namedAlone(this.now, b);
     const pairs: Pair[] = [];
@@ -75,7 +75,7 @@ class Alignment {
     return longestRise(pairs.sort(([i], [j]) => i - j));
   }
 
-  /** Lines of numbers, and those that have one name together: all of them fit, or none is told. */
+  /** Tracks of numbers, and those that have one name together: all of them fit, or none is told. */
   private between(a: Part, b: Part): void {
     const pairs =
       lengths.map((length) => this.inOrder(a, b, length)).find((found) => found) ??
@@ -83,12 +83,12 @@ class Alignment {
     for (const [i, j] of pairs ?? []) this.to[i] = j;
   }
 
-  /** All lines of one side in their order among those of the other. */
+  /** All tracks of one side in their order among those of the other. */
   private inOrder(a: Part, b: Part, length: number): Pair[] | undefined {
     const one = filled(this.before, a);
     const other = filled(this.now, b);
-    const prints = (lines: readonly string[], which: readonly number[]) =>
-      new Set(which.map((i) => (lines[i] as string).slice(0, length)));
+    const prints = (tracks: readonly string[], which: readonly number[]) =>
+      new Set(which.map((i) => (tracks[i] as string).slice(0, length)));
     const [before, now] = [prints(this.before, one), prints(this.now, other)];
     const own = one.filter((i) => now.has((this.before[i] as string).slice(0, length)));
     const theirs = other.filter((j) => before.has((this.now[j] as string).slice(0, length)));
@@ -100,7 +100,7 @@ class Alignment {
     return pairs.every(fits) ? this.unlessShifted(pairs, a) : undefined;
   }
 
-  /** As many lines as before, of which numbers were typed anew. */
+  /** As many tracks as before, of which numbers were typed anew. */
   private inPlace(a: Part, b: Part): Pair[] | undefined {
     if (a.to - a.from !== b.to - b.from) return undefined;
     const pairs = Array.from({ length: a.to - a.from }, (_, n): Pair => [a.from + n, b.from + n]);
@@ -113,7 +113,7 @@ class Alignment {
     return pairs.every(fits) ? this.unlessShifted(pairs, a) : undefined;
   }
 
-  /** Nothing where a line is now what another one was. */
+  /** Nothing where a track is now what another one was. */
   private unlessShifted(pairs: Pair[], a: Part): Pair[] | undefined {
     const before = new Set(filled(this.before, a).map((i) => this.before[i]));
     const isShifted = ([i, j]: Pair) => {
@@ -124,20 +124,20 @@ class Alignment {
   }
 }
 
-function filled(lines: readonly string[], { from, to }: Part): number[] {
+function filled(tracks: readonly string[], { from, to }: Part): number[] {
   const found: number[] = [];
-  for (let i = from; i < to; i++) if (lines[i] !== blank) found.push(i);
+  for (let i = from; i < to; i++) if (tracks[i] !== blank) found.push(i);
   return found;
 }
 
-/** Of the lines that begin with a text those that no other one begins with. */
-function namedAlone(lines: readonly string[], { from, to }: Part): Map<string, number> {
+/** Of the tracks that begin with a text those that no other one begins with. */
+function namedAlone(tracks: readonly string[], { from, to }: Part): Map<string, number> {
   const found = new Map<string, number>();
   const several = new Set<string>();
   for (let i = from; i < to; i++) {
-    const line = lines[i] as string;
-    if (line === blank || isNumber(line)) continue;
-    const name = line.slice(0, 3);
+    const track = tracks[i] as string;
+    if (track === blank || isNumber(track)) continue;
+    const name = track.slice(0, 3);
     if (found.has(name)) several.add(name);
     else found.set(name, i);
   }
@@ -145,9 +145,9 @@ function namedAlone(lines: readonly string[], { from, to }: Part): Map<string, n
   return found;
 }
 
-/** True if the line's first value is no text. */
-function isNumber(line: string): boolean {
-  return /^[a-z]/.test(line);
+/** True if the track's first value is no text. */
+function isNumber(track: string): boolean {
+  return /^[a-z]/.test(track);
 }
 
 /** The longest part of the pairs, which are in order by the first, that is so by the second too. */
@@ -172,18 +172,18 @@ function longestRise(pairs: readonly Pair[]): Pair[] {
   return rise.reverse();
 }
 
-/** `total` and `totalNow`: the lines that there are, also those that have no print. */
-export function lineMap(before: string, total: number, now: string, totalNow: number): LineMap {
-  if (before === now && total === totalNow) return (line) => line;
-  const lines = linesOf(before);
-  const { to } = new Alignment(lines, linesOf(now));
-  return (line) => {
-    if (line > lines.length) {
-      // Behind all that is filled, or behind the last line that has a print.
+/** `total` and `totalNow`: the tracks that there are, also those that have no print. */
+export function trackMap(before: string, total: number, now: string, totalNow: number): TrackMap {
+  if (before === now && total === totalNow) return (track) => track;
+  const tracks = tracksOf(before);
+  const { to } = new Alignment(tracks, tracksOf(now));
+  return (track) => {
+    if (track > tracks.length) {
+      // Behind all that is filled, or behind the last track that has a print.
       const isSame = total === totalNow;
-      return isSame ? line : undefined;
+      return isSame ? track : undefined;
     }
-    const found = to[line - 1] ?? -1;
+    const found = to[track - 1] ?? -1;
     return found < 0 ? undefined : found + 1;
   };
 }

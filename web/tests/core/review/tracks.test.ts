@@ -1,9 +1,9 @@
 import { describe, expect, test } from 'vitest';
 
-import { lineMap } from '../../../src/core/review/lines';
+import { trackMap } from '../../../src/core/review/tracks';
 
-/** A line for each word: "a1x" has the first value "a", the second "1" and the formulas "x"; "." is blank. */
-function lines(words: string): string {
+/** A row for each word: "a1x" has the first value "a", the second "1" and the formulas "x"; "." is blank. */
+function tracks(words: string): string {
   return words
     .split(' ')
     .filter(Boolean)
@@ -13,19 +13,19 @@ function lines(words: string): string {
     .join('');
 }
 
-/** Where each line is now; "-" for one that is gone or not to be told. */
+/** Where each track is now; "-" for one that is gone or not to be told. */
 function moved(before: string, now: string): string {
   const count = (words: string) => words.split(' ').filter(Boolean).length;
-  const map = lineMap(lines(before), count(before), lines(now), count(now));
+  const map = trackMap(tracks(before), count(before), tracks(now), count(now));
   return Array.from({ length: count(before) }, (_, i) => map(i + 1) ?? '-').join(' ');
 }
 
-describe('lines', () => {
+describe('tracks', () => {
   test.each([
     ['stay where nothing happened', 'A1 B2 C3', 'A1 B2 C3', '1 2 3'],
     ['move with what is inserted before them', 'A1 B2 C3', 'X9 A1 Y9 B2 C3', '2 4 5'],
     ['are gone when they are deleted', 'A1 B2 C3 D4', 'A1 D4', '1 - - 2'],
-    ['move past a blank line', 'A1 B2 C3', 'A1 . B2 C3', '1 3 4'],
+    ['move past a blank track', 'A1 B2 C3', 'A1 . B2 C3', '1 3 4'],
     ['may have another second value', 'A1 B2 C3', 'X1 A7 B8 C9', '2 3 4'],
     ['blocks alike are told by their formulas', 'A1x T1x A1y T1y', 'A1y T1y', '- - 1 2'],
     ['may have other formulas', 'A1x B2x C3x', 'N1 A1y B2y C3y', '2 3 4'],
@@ -47,8 +47,8 @@ describe('lines', () => {
     expect(moved(before, now)).toBe(expected);
   });
 
-  test('without a print are told only where as many lines are there', () => {
-    expect(lineMap('.', 9, '.', 9)(7)).toBe(7);
-    expect(lineMap('.', 9, '.', 10)(7)).toBeUndefined();
+  test('without a print are told only where as many tracks are there', () => {
+    expect(trackMap('.', 9, '.', 9)(7)).toBe(7);
+    expect(trackMap('.', 9, '.', 10)(7)).toBeUndefined();
   });
 });

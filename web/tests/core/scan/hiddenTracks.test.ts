@@ -2,7 +2,7 @@ import { describe, expect, test } from 'vitest';
 
 import { parseArea } from '../../../src/core/address/area';
 import { failed, succeeded } from '../../../src/core/protocol/Outcome';
-import { findHidden } from '../../../src/core/scan/hiddenLines';
+import { findHidden } from '../../../src/core/scan/hiddenTracks';
 
 type Sheet = { rows?: number[]; cols?: number[]; blank?: number[]; aside?: number[] };
 
@@ -35,7 +35,7 @@ function spreadsheet({ rows = [], cols = [], blank = [], aside = [] }: Sheet) {
 
 const area = (address: string) => parseArea(address) as NonNullable<ReturnType<typeof parseArea>>;
 
-describe('hidden lines', () => {
+describe('hidden tracks', () => {
   test.each<[string, Sheet, [number, number][], [number, number][]]>([
     ['none', {}, [], []],
     [

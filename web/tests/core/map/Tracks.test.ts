@@ -2,17 +2,17 @@ import { describe, expect, test } from 'vitest';
 
 import {
   foldFrom,
-  lineAtPlace,
-  linesOf,
-  placeOfLine,
-  placesOfLines,
+  trackAtPlace,
+  tracksOf,
+  placeOfTrack,
+  placesOfTracks,
   runsOf,
-} from '../../../src/core/map/Lines';
+} from '../../../src/core/map/Tracks';
 
-describe('lines', () => {
+describe('tracks', () => {
   test.each([
     ['nothing', [], [], 0],
-    ['from the first line on', [[1, 3]], [[1, 3, 0, 3]], 3],
+    ['from the first track on', [[1, 3]], [[1, 3, 0, 3]], 3],
     [
       'short gaps as they are',
       [
@@ -67,14 +67,14 @@ describe('lines', () => {
       foldFrom + 2,
     ],
   ] as const)('have %s', (_, filled, stretches, count) => {
-    const lines = linesOf(filled.map(([first, last]) => ({ first, last })));
-    expect(lines.stretches.map(({ first, last, at, places }) => [first, last, at, places])).toEqual(
-      stretches,
-    );
-    expect(lines.count).toBe(count);
+    const tracks = tracksOf(filled.map(([first, last]) => ({ first, last })));
+    expect(
+      tracks.stretches.map(({ first, last, at, places }) => [first, last, at, places]),
+    ).toEqual(stretches);
+    expect(tracks.count).toBe(count);
   });
 
-  const folded = linesOf([
+  const folded = tracksOf([
     { first: 2, last: 4 },
     { first: 104, last: 105 },
   ]);
@@ -88,20 +88,20 @@ describe('lines', () => {
     [105, 8],
     [106, 9],
     [206, 109],
-  ])('line %i stands at place %d', (line, place) => {
-    expect(placeOfLine(folded, line)).toBe(place);
-    expect(lineAtPlace(folded, place)).toBe(line);
+  ])('track %i stands at place %d', (track, place) => {
+    expect(placeOfTrack(folded, track)).toBe(place);
+    expect(trackAtPlace(folded, place)).toBe(track);
   });
 
   test('behind the end go on without a fold', () => {
-    expect(lineAtPlace(folded, 8.9)).toBe(105);
-    expect(lineAtPlace(linesOf([]), 4.2)).toBe(5);
-    expect(placeOfLine(linesOf([]), 5)).toBe(4);
+    expect(trackAtPlace(folded, 8.9)).toBe(105);
+    expect(trackAtPlace(tracksOf([]), 4.2)).toBe(5);
+    expect(placeOfTrack(tracksOf([]), 5)).toBe(4);
   });
 
   test('are told many at a time, those in a fold as none', () => {
-    expect([...placesOfLines(folded, 3, 6)]).toEqual([2, 3, -1, -1]);
-    expect([...placesOfLines(folded, 103, 106)]).toEqual([-1, 7, 8, -1]);
+    expect([...placesOfTracks(folded, 3, 6)]).toEqual([2, 3, -1, -1]);
+    expect([...placesOfTracks(folded, 103, 106)]).toEqual([-1, 7, 8, -1]);
   });
 
   test('are found in runs', () => {

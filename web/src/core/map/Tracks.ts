@@ -1,18 +1,18 @@
 // The rows, or the columns, of a sheet as its picture has them: one beside the other, and long blank
-// stretches folded to a narrow one, so that what is filled has the room. A line is a row's or a column's
+// stretches folded to a narrow one, so that what is filled has the room. A track is a row's or a column's
 // number in the sheet, a place is where it stands in the picture. Pure, plain data.
 
 export type Stretch = {
-  /** Lines of the sheet. */
+  /** Tracks of the sheet. */
   first: number;
   last: number;
   /** The place of the first one. */
   at: number;
-  /** How many places they take: as many as there are lines, or fewer where they are folded. */
+  /** How many places they take: as many as there are tracks, or fewer where they are folded. */
   places: number;
 };
 
-export type Lines = { stretches: Stretch[]; count: number };
+export type Tracks = { stretches: Stretch[]; count: number };
 
 /** A longer blank stretch is folded, to so many places. */
 export const foldFrom = 60;
@@ -20,7 +20,7 @@ export const foldedTo = 3;
 
 export type Run = { first: number; last: number };
 
-/** The runs of lines that are marked in `filled`, whose first entry stands for `first`. */
+/** The runs of tracks that are marked in `filled`, whose first entry stands for `first`. */
 export function runsOf(filled: Uint8Array, first: number): Run[] {
   const runs: Run[] = [];
   for (let i = 0; i < filled.length; i++) {
@@ -32,11 +32,11 @@ export function runsOf(filled: Uint8Array, first: number): Run[] {
   return runs;
 }
 
-/** From the sheet's first line to the last one that is filled. `filled`: in order, without overlap. */
-export function linesOf(filled: readonly Run[]): Lines {
+/** From the sheet's first track to the last one that is filled. `filled`: in order, without overlap. */
+export function tracksOf(filled: readonly Run[]): Tracks {
   const stretches: Stretch[] = [];
   let at = 0;
-  // What is not folded is one stretch, from the first line after a fold to the last one before the next.
+  // What is not folded is one stretch, from the first track after a fold to the last one before the next.
   let open = 1;
   let next = 1;
   const close = (last: number): void => {
@@ -61,46 +61,46 @@ export function isFolded({ first, last, places }: Stretch): boolean {
   return places < last - first + 1;
 }
 
-function search(lines: Lines, isBehind: (stretch: Stretch) => boolean): number {
+function search(tracks: Tracks, isBehind: (stretch: Stretch) => boolean): number {
   let low = 0;
-  let high = lines.stretches.length - 1;
+  let high = tracks.stretches.length - 1;
   while (low < high) {
     const middle = Math.ceil((low + high) / 2);
-    if (isBehind(lines.stretches[middle] as Stretch)) high = middle - 1;
+    if (isBehind(tracks.stretches[middle] as Stretch)) high = middle - 1;
     else low = middle;
   }
   return low;
 }
 
-/** Where a line begins, in places; in a fold somewhere between. Lines behind the last one go on. */
-export function placeOfLine(lines: Lines, line: number): number {
-  const stretch = lines.stretches[search(lines, ({ first }) => first > line)];
-  if (!stretch) return line - 1;
+/** Where a track begins, in places; in a fold somewhere between. Tracks behind the last one go on. */
+export function placeOfTrack(tracks: Tracks, track: number): number {
+  const stretch = tracks.stretches[search(tracks, ({ first }) => first > track)];
+  if (!stretch) return track - 1;
   const { first, last, at, places } = stretch;
-  if (line > last) return lines.count + line - last - 1;
-  return at + ((line - first) * places) / (last - first + 1);
+  if (track > last) return tracks.count + track - last - 1;
+  return at + ((track - first) * places) / (last - first + 1);
 }
 
-/** The line at a place, which need not be a whole number. Places behind the last one go on. */
-export function lineAtPlace(lines: Lines, place: number): number {
-  const stretch = lines.stretches[search(lines, ({ at }) => at > place)];
+/** The track at a place, which need not be a whole number. Places behind the last one go on. */
+export function trackAtPlace(tracks: Tracks, place: number): number {
+  const stretch = tracks.stretches[search(tracks, ({ at }) => at > place)];
   if (!stretch) return Math.floor(place) + 1;
   const { first, last, at, places } = stretch;
-  if (place >= lines.count) return last + 1 + Math.floor(place - lines.count);
+  if (place >= tracks.count) return last + 1 + Math.floor(place - tracks.count);
   return first + Math.floor(((place - at) * (last - first + 1)) / places);
 }
 
-/** The place of each line from `first` to `last`, in order; -1 for those in a fold and beyond the end. */
-export function placesOfLines(lines: Lines, first: number, last: number): Int32Array {
+/** The place of each track from `first` to `last`, in order; -1 for those in a fold and beyond the end. */
+export function placesOfTracks(tracks: Tracks, first: number, last: number): Int32Array {
   const places = new Int32Array(last - first + 1).fill(-1);
-  for (let i = search(lines, (one) => one.first > first); i < lines.stretches.length; i++) {
-    const stretch = lines.stretches[i] as Stretch;
+  for (let i = search(tracks, (one) => one.first > first); i < tracks.stretches.length; i++) {
+    const stretch = tracks.stretches[i] as Stretch;
     if (stretch.first > last) break;
     if (isFolded(stretch)) continue;
     const from = Math.max(first, stretch.first);
     const to = Math.min(last, stretch.last);
-    for (let line = from; line <= to; line++)
-      places[line - first] = stretch.at + line - stretch.first;
+    for (let track = from; track <= to; track++)
+      places[track - first] = stretch.at + track - stretch.first;
   }
   return places;
 }
