@@ -176,7 +176,7 @@ def main():
         trial.keys("ctrl+Home")
         time.sleep(2)
         delays = []
-        for number in range(100):
+        for number in range(400):
             trial.panel.eval("events.length = 0; 0")
             pressed = keyboard.press("Down" if number % 2 else "Right")
             delays.append(wait_for("the event", lambda: trial.panel.eval("events[0]")) - pressed)
