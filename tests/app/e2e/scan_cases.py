@@ -93,6 +93,10 @@ class ScanTest(unittest.TestCase):
             .map((one) => [Number(one.getAttribute('aria-level')),
                            one.innerText.replace(/\\s+/g, ' ').trim()])""")
 
+    def wait_for_row(self, level, text):
+        wait_for(f"a row {text}", lambda: [row for row in self.rows()
+                                           if row[0] == level and row[1].startswith(text)])
+
     def open(self, text, level):
         """Clicks on the sign before a row, and waits for the rows inside."""
         row = (f"[...document.querySelectorAll('[data-testid=place][aria-level=\"{level}\"]')]"
@@ -159,20 +163,17 @@ class ScanTest(unittest.TestCase):
         self.go_to_cell("Inputs", "D21")
         self.click_on("tab-deps")
         wait_for("all sheets", self.is_whole)
+        self.wait_for_row(1, "Construction 1 cell")
         self.open("D4", 2)
         self.open("D8", 3)
         self.open("D9", 4)
-        told = self.rows()
-        for level, text in ((1, "Construction 1 cell"), (2, "D4 "), (3, "D8 "), (4, "D9 "),
-                            (5, "Summary!D3 ")):
-            self.assertTrue([row for row in told if row[0] == level and row[1].startswith(text)],
-                            (level, text, told))
+        self.wait_for_row(5, "Summary!D3 ")
         self.go_to_cell("Summary", "D5")
         wait_for("its list", lambda: "D5" in self.text("list-heading") and self.is_whole())
-        # Calc is in front: the click gives the panel the keyboard, and the cell is read again.
+        # Calc is in front: the click gives the panel the keyboard, and the cell is read again; what
+        # it rests on is then worked out again.
         self.open("What it rests on", 1)
-        drivers = [text for level, text in self.rows() if level == 2]
-        self.assertTrue([text for text in drivers if text.startswith("Inputs!D21 ")], drivers)
+        self.wait_for_row(2, "Inputs!D21 ")
 
     def review_number_typed_over(self):
         """Makes the finding active that a number was typed over the formula of its row."""

@@ -92,7 +92,8 @@ export class Explorer {
     // Another cell of the same workbook tells nothing new about the one that stays.
     const isBeside =
       this.pinned && before !== undefined && !otherBook && !samePlace(before, content);
-    if (!isBeside) this.lists.forget();
+    if (otherBook) this.lists.forget();
+    else if (!isBeside) this.lists.outdate();
     if (!this.pinned) this.begin(content);
     else {
       this.evaluator.leave(this.elsewhere);
@@ -357,7 +358,7 @@ export class Explorer {
       const area = { top: row, left: col, bottom: row, right: col };
       this.review.sees(place.book, { sheet: place.sheet, area });
     }
-    this.lists.dependents.forget();
+    this.lists.dependents.outdate();
     this.load();
     this.ports.changed();
   }

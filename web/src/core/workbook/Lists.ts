@@ -71,9 +71,9 @@ type Known = {
  * True if the model is to be asked anew. Each answer costs it the work over all that was read, and the
  * scan waits for it: so the more was read, the more sheets must be new.
  */
-function isDue({ covered, sheet }: Known, scan: BookScan): boolean {
+function isDue({ covered, sheet, version }: Known, scan: BookScan): boolean {
   const { status, sheets, sheetsRead } = scan.state;
-  if (!covered || status !== 'reading') return true;
+  if (!covered || version === 0 || status !== 'reading') return true;
   if (!covered.own && scan.hasRead(sheet)) return true;
   return sheetsRead > covered.sheetsRead && sheetsRead >= Math.min(sheets, 2 * covered.sheetsRead);
 }
@@ -123,12 +123,18 @@ export class Lists {
     if (workbook) this.workbook = workbook;
   }
 
-  /** The workbook may have changed. */
+  /** Another workbook is in front. */
   forget(): void {
     this.map.forget();
     this.workbook = undefined;
     this.dependents.forget();
     this.known = undefined;
+  }
+
+  /** The workbook may have changed. */
+  outdate(): void {
+    this.map.outdate();
+    this.dependents.outdate();
   }
 
   /** The scan of the workbook whose dependents are listed. */
@@ -185,18 +191,21 @@ export class Lists {
     const area = parseArea(addr);
     const asked =
       this.scans && area ? { book, cells: { sheet, area }, model: this.scans.model } : undefined;
+    // What the same cells had before is shown until it was asked anew.
+    const before = this.known?.key === key ? this.known : undefined;
     const known: Known = {
-      key,
-      asked,
       other: undefined,
-      sheet,
-      book,
       quick: undefined,
-      quickNote: '',
       everywhere: undefined,
       errors: undefined,
       formulas: { unread: [], unreadCells: 0 },
       covered: undefined,
+      ...before,
+      key,
+      asked,
+      sheet,
+      book,
+      quickNote: '',
       version: 0,
       asking: false,
     };
@@ -210,8 +219,7 @@ export class Lists {
       },
     );
     void this.askModel(known);
-    const answer = await loading;
-    if (answer === undefined || !known.quick) return;
+    if ((await loading) === undefined || !known.quick) return;
     const found = known.quick;
     for (const dependent of found.slice(0, areasRead)) {
       if (!this.dependents.isOf(key) || this.hasModelOf(known, sheet)) return;

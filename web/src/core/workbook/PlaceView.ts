@@ -29,6 +29,8 @@ export class PlaceView {
   /** What the user opened and closed, and in which list: read again it is the same one. */
   private readonly wished = new Map<Path, boolean>();
   private wishedIn = '';
+  /** The row that was active, where it is not there again yet: what holds it is being asked for. */
+  private wanted: Path | undefined;
 
   constructor(private readonly changed: () => void) {}
 
@@ -62,15 +64,20 @@ export class PlaceView {
     rowsOf: (value: T) => readonly PlaceRow[],
   ): Promise<T | undefined> {
     if (key === this.key) return undefined;
-    this.forget();
+    if (key !== this.wishedIn) {
+      this.forget();
+      this.wished.clear();
+      this.wishedIn = key;
+    }
     this.key = key;
-    if (key !== this.wishedIn) this.wished.clear();
-    this.wishedIn = key;
-    this.held = { status: 'asking' };
+    if (this.held.status !== 'known') this.held = { status: 'asking' };
     const outcome = await ask();
     if (key !== this.key) return undefined;
-    if (outcome.ok) this.lay(rowsOf(outcome.value), '');
-    else this.held = { status: 'failed', reason: outcome.failure.message };
+    if (outcome.ok) this.layAgain(rowsOf(outcome.value), '');
+    else {
+      this.lay([], '');
+      this.held = { status: 'failed', reason: outcome.failure.message };
+    }
     this.changed();
     return outcome.ok ? outcome.value : undefined;
   }
@@ -83,13 +90,7 @@ export class PlaceView {
   /** More is known of the same places now; the active place stays. */
   refine(key: string, rows: readonly PlaceRow[], note: string): void {
     if (key !== this.key) return;
-    const before = this.active?.place;
-    this.lay(rows, note);
-    const again = this.shown.findIndex(
-      ({ row: { place } }) =>
-        place && place.sheet === before?.sheet && place.first === before?.first,
-    );
-    this.activate(Math.max(0, again));
+    this.layAgain(rows, note);
     this.changed();
   }
 
@@ -97,11 +98,18 @@ export class PlaceView {
     this.key = '';
     this.lay([], '');
     this.held = empty;
-    this.index = 0;
+    this.activate(0);
+  }
+
+  /** Loaded the next time it is asked anew; until that is answered its rows stay. */
+  outdate(): void {
+    this.key = '';
+    if (this.held.status === 'asking') this.held = empty;
   }
 
   activate(index: number): void {
-    this.index = Math.max(0, Math.min(index, this.shown.length - 1));
+    this.wanted = undefined;
+    this.goTo(index);
   }
 
   toggle(index: number): void {
@@ -155,12 +163,51 @@ export class PlaceView {
     this.held = { status: 'known', note };
   }
 
+  /** The same list with other rows: the active one stays, or what holds it until that was asked for. */
+  private layAgain(rows: readonly PlaceRow[], note: string): void {
+    const { active } = this;
+    const path = this.wanted ?? (active && this.paths.get(active));
+    this.lay(rows, note);
+    const again = path === undefined ? -1 : this.indexOf(path);
+    const place = active?.place;
+    const beside = this.shown.findIndex(
+      ({ row }) => place && row.place?.sheet === place.sheet && row.place?.first === place.first,
+    );
+    if (again < 0 && beside >= 0) this.activate(beside);
+    else if (path !== undefined) this.findAgain(path);
+    else this.activate(0);
+  }
+
+  /** Takes the row of `path` as the active one, or what holds it until it is there. */
+  private findAgain(path: Path): void {
+    const again = this.indexOf(path);
+    this.wanted = again < 0 ? path : undefined;
+    this.goTo(again >= 0 ? again : this.holderOf(path));
+  }
+
+  private indexOf(path: Path): number {
+    return this.shown.findIndex(({ row }) => this.paths.get(row) === path);
+  }
+
+  /** The nearest row that is there and held the one of `path`. */
+  private holderOf(path: Path): number {
+    for (let above = path; above !== ''; above = above.slice(0, above.lastIndexOf('\n'))) {
+      const at = this.indexOf(above);
+      if (at >= 0) return at;
+    }
+    return 0;
+  }
+
+  private goTo(index: number): void {
+    this.index = Math.max(0, Math.min(index, this.shown.length - 1));
+  }
+
   /** Notes where the rows are, and opens those that are open at first or were opened before. */
   private place(rows: readonly PlaceRow[], above: Path): void {
     for (const row of rows) {
-      if (!row.inner) continue;
       const path = `${above}\n${row.place?.sheet ?? ''}!${row.text}`;
       this.paths.set(row, path);
+      if (!row.inner) continue;
       if (this.wished.get(path) ?? row.open === true) this.openRow(row);
     }
   }
@@ -182,6 +229,7 @@ export class PlaceView {
       this.open.set(row, rows);
       this.place(rows, path);
       this.show(this.active, this.index);
+      if (this.wanted !== undefined) this.findAgain(this.wanted);
       this.changed();
     };
     inner.then(fill, () => {
@@ -193,7 +241,7 @@ export class PlaceView {
   private show(active: PlaceRow | undefined, otherwise: number): void {
     this.shown = this.flat(this.top, 1, []);
     const again = this.shown.findIndex((one) => one.row === active);
-    this.activate(again >= 0 ? again : otherwise);
+    this.goTo(again >= 0 ? again : otherwise);
   }
 
   private flat(rows: readonly PlaceRow[], level: number, shown: ShownRow[]): ShownRow[] {

@@ -131,10 +131,11 @@ describe('dependents', () => {
     let release = (): void => undefined;
     hold = new Promise((resolve) => (release = resolve));
     await dependents();
-    lists.forget();
+    lists.outdate();
     release();
     await settled();
     expect(asked).toHaveLength(1);
+    lists.forget();
     expect(lists.dependents.rows).toEqual([]);
   });
 
